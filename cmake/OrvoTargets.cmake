@@ -1,0 +1,63 @@
+# Warnings, sanitizers and names for our targets: one function per kind, nothing set globally.
+
+function(orvo_common target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+                                           -Wcast-align -Wnull-dereference)
+  if(ORVO_WERROR)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+  if(ORVO_SANITIZE)
+    target_compile_options(${target} PRIVATE -fsanitize=${ORVO_SANITIZE} -fno-omit-frame-pointer)
+    target_link_options(${target} PRIVATE -fsanitize=${ORVO_SANITIZE})
+  endif()
+  if(ORVO_COVERAGE)
+    target_compile_options(${target} PRIVATE --coverage -fprofile-abs-path)
+    target_link_options(${target} PRIVATE --coverage)
+  endif()
+  target_compile_definitions(${target} PRIVATE QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_DEPRECATED_WARNINGS)
+endfunction()
+
+# A shared library of the platform. `name` is the file's stem, `alias` the target other parts link to.
+function(orvo_platform_library name alias)
+  add_library(${name} SHARED ${ARGN})
+  add_library(Orvo::${alias} ALIAS ${name})
+  orvo_common(${name})
+  string(TOUPPER ${name} stem)
+  generate_export_header(${name} EXPORT_FILE_NAME ${name}_export.h EXPORT_MACRO_NAME ${stem}_EXPORT)
+  target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR} ${CMAKE_CURRENT_BINARY_DIR})
+  target_link_options(${name} PRIVATE -Wl,--no-undefined)
+  install(TARGETS ${name} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/orvo)
+endfunction()
+
+# A module that the host loads: an object library with all its classes, which the unit tests link as well, and the
+# shared library made of it, whose only visible symbol is worker_create.
+function(orvo_module name)
+  add_library(${name}_objects OBJECT ${ARGN})
+  add_library(Orvo::${name} ALIAS ${name}_objects)
+  orvo_common(${name}_objects)
+  target_include_directories(${name}_objects PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+  add_library(${name} MODULE)
+  orvo_common(${name})
+  target_link_libraries(${name} PRIVATE ${name}_objects)
+  target_link_options(${name} PRIVATE -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/worker_create.map)
+  # ASan needs its runtime's symbols left open in a library that is loaded later.
+  if(NOT ORVO_SANITIZE)
+    target_link_options(${name} PRIVATE -Wl,--no-undefined)
+  endif()
+  set_target_properties(${name} PROPERTIES LINK_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/worker_create.map)
+  install(TARGETS ${name} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/orvo)
+endfunction()
+
+# One test program per file group; every gtest case becomes a ctest entry of its own only where `discover` says so,
+# since starting a process per case costs more than the case.
+function(orvo_test name)
+  cmake_parse_arguments(T "" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${T_SOURCES})
+  orvo_common(${name})
+  target_link_libraries(${name} PRIVATE ${T_LIBS} GTest::gtest Qt5::Test Orvo::testsupport)
+  add_test(NAME ${name} COMMAND ${name})
+  if(NOT T_TIMEOUT)
+    set(T_TIMEOUT 120)
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${T_TIMEOUT})
+endfunction()

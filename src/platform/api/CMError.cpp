@@ -1,0 +1,5 @@
+#include "CMError.h"
+
+TrString CMError::DefaultTitle() {
+    return TrString("CMError", "Error");
+}

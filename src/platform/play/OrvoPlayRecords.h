@@ -1,0 +1,51 @@
+#pragma once
+
+#include "CMError.h"
+#include "OrvoRoles.h"
+
+// The records that pass between a play logic, the player and those who watch them.
+
+// Which play modes a play logic offers.
+class OrvoPlayLogicPlayModesSupported : public OrvoHash {
+public:
+    using OrvoHash::OrvoHash;
+    ORVO_ATTRIBUTE(bool, shuffle, Shuffle, "shuffle")
+    ORVO_ATTRIBUTE(bool, shuffleRepeatAll, ShuffleRepeatAll, "shuffleRepeatAll")
+    ORVO_ATTRIBUTE(bool, shuffleRepeatOne, ShuffleRepeatOne, "shuffleRepeatOne")
+    ORVO_ATTRIBUTE(bool, repeatOne, RepeatOne, "repeatOne")
+    ORVO_ATTRIBUTE(bool, repeatAll, RepeatAll, "repeatAll")
+};
+
+// Which controls are live for what plays.
+class OrvoPlayLogicControls : public OrvoHash {
+public:
+    using OrvoHash::OrvoHash;
+    ORVO_ATTRIBUTE(bool, pause, Pause, "pause")
+    ORVO_ATTRIBUTE(bool, next, Next, "next")
+    ORVO_ATTRIBUTE(bool, previous, Previous, "previous")
+    ORVO_ATTRIBUTE(bool, seekTime, SeekTime, "seekTime")
+    ORVO_ATTRIBUTE(bool, seekBytes, SeekBytes, "seekBytes")
+    ORVO_ATTRIBUTE(OrvoPlayLogicPlayModesSupported, playMode, PlayMode, "playMode")
+};
+
+// What a play logic publishes about what plays.
+class OrvoPlayLogicData : public OrvoHash {
+public:
+    using OrvoHash::OrvoHash;
+    ORVO_ATTRIBUTE(OrvoRoles, trackRoles, TrackRoles, "trackRoles")
+    ORVO_ATTRIBUTE(OrvoRoles, mediaRoles, MediaRoles, "mediaRoles")
+    ORVO_ATTRIBUTE(OrvoPlayLogicControls, controls, Controls, "controls")
+    // Set while something is wrong, removed when the next item has started.
+    ORVO_ATTRIBUTE(OrvoError, error, Error, "error")
+    ORVO_ATTRIBUTE(OrvoError, streamerError, StreamerError, "streamerError")
+};
+
+// A play request. Type 1: the container in `mediaRoles` from `index` on, `trackRoles` its first track.
+class OrvoPlayLogicPlayArgs : public OrvoHash {
+public:
+    using OrvoHash::OrvoHash;
+    ORVO_ATTRIBUTE(OrvoRoles, mediaRoles, MediaRoles, "mediaRoles")
+    ORVO_ATTRIBUTE(OrvoRoles, trackRoles, TrackRoles, "trackRoles")
+    ORVO_ATTRIBUTE(int, index, Index, "index")
+    ORVO_ATTRIBUTE(int, type, Type, "type")
+};

@@ -1,0 +1,68 @@
+#include "TestApp.h"
+
+#include <gtest/gtest.h>
+#include <log4cplus/initializer.h>
+#include <log4cplus/logger.h>
+#include <log4cplus/spi/loggingevent.h>
+
+#include <QCoreApplication>
+
+class LogCapture::Sink : public log4cplus::Appender {
+public:
+    ~Sink() override { destructorImpl(); }
+    void close() override {}
+
+    QStringList lines;
+
+protected:
+    void append(const log4cplus::spi::InternalLoggingEvent& event) override {
+        const std::string level = log4cplus::getLogLevelManager().toString(event.getLogLevel());
+        lines.append(QString::fromStdString(level) + QLatin1Char(' ') + QString::fromStdString(event.getMessage()));
+    }
+};
+
+namespace {
+log4cplus::Logger loggerNamed(const QString& name) {
+    return name.isEmpty() ? log4cplus::Logger::getRoot() : log4cplus::Logger::getInstance(name.toStdString());
+}
+} // namespace
+
+LogCapture::LogCapture(const QString& loggerName, log4cplus::LogLevel level)
+    : m_sink(new Sink), m_appender(m_sink), m_loggerName(loggerName) {
+    log4cplus::Logger logger = loggerNamed(m_loggerName);
+    m_oldLevel = logger.getLogLevel();
+    logger.setLogLevel(level);
+    logger.addAppender(m_appender);
+}
+
+LogCapture::~LogCapture() {
+    log4cplus::Logger logger = loggerNamed(m_loggerName);
+    logger.removeAppender(m_appender);
+    logger.setLogLevel(m_oldLevel);
+}
+
+const QStringList& LogCapture::lines() const {
+    return m_sink->lines;
+}
+
+QStringList LogCapture::texts(const QString& level) const {
+    QStringList result;
+    for (const QString& line : m_sink->lines) {
+        if (line.startsWith(level + QLatin1Char(' ')))
+            result.append(line.mid(level.size() + 1));
+    }
+    return result;
+}
+
+void LogCapture::clear() {
+    m_sink->lines.clear();
+}
+
+int main(int argc, char** argv) {
+    log4cplus::Initializer logging;
+    // Quiet unless a test captures: the levels stay as in production, the root has no appender but a null one.
+    log4cplus::Logger::getRoot().setLogLevel(log4cplus::OFF_LOG_LEVEL);
+    QCoreApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
