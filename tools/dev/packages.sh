@@ -42,7 +42,7 @@ install_packages() {
     local apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get
         -o DPkg::Lock::Timeout=300 -o Acquire::Retries=2 -o Acquire::http::Timeout=20)
 
-    say "installing $# packages with apt (log: .dev/apt.log): $*"
+    say "installing with apt (log: .dev/apt.log): $*"
     mkdir -p "$root/.dev"
     # A list that cannot be refreshed may still do; the install decides.
     "${apt[@]}" update </dev/null >>"$log" 2>&1 || true
@@ -55,6 +55,6 @@ cannot_install() {
     local reason=$1
     shift
     say "cannot install what is missing ($reason): $*"
-    say "please run: apt-get update && apt-get install --no-install-recommends $*"
+    say "please run as root: apt-get update && apt-get install --no-install-recommends $*"
     exit 3
 }
