@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QRecursiveMutex>
+
+#include "PlayListBase.h"
+#include "PlayListRecord.h"
+
+class Database;
+
+// A playlist over the store. Its record is the authority for size and last played position, so every change goes to
+// the store first, then into the record, and is announced once the lock is released.
+class PlayList : public PlayListBase {
+    Q_OBJECT
+public:
+    PlayList(Database* database, const PlayListRecord& record);
+
+    int getUid() const override;
+    QString getName() const override;
+    bool getShuffle() const override;
+    bool getRepeatAll() const override;
+    int getLastSequenceNumber() const override;
+    int getSize() const override;
+    bool valid() const override;
+
+    void setName(const QString& name) override;
+    void setShuffle(bool shuffle) override;
+    void setRepeatAll(bool repeatAll) override;
+    void setLastSequenceNumber(int sequenceNumber) override;
+    bool updateDatabase() const override;
+    bool remove() override;
+
+    QList<OrvoPlayListItem> getItems(int from, int to) override;
+    int addItems(OrvoPlayListAddPosition::Enum position, const QList<OrvoPlayListItem>& items) override;
+    int removeItems(const QList<int>& indices) override;
+    bool moveItem(int from, int to) override;
+    bool moveItems(QList<int> indices, int to) override;
+    bool clearItems() override;
+
+    OrvoRoles itemToOrvoRoles(const OrvoPlayListItem& item) const override;
+
+private:
+    // Writes a changed copy of the record; the record follows only when the store took it.
+    bool writeRecord(const PlayListRecord& changed);
+    void followMovedItem(int from, int to);
+
+    Database* m_database;
+    PlayListRecord m_record;
+    // Recursive: removing and moving set the last played position while they hold it.
+    mutable QRecursiveMutex m_mutex;
+};
