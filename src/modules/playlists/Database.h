@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -148,7 +149,10 @@ private:
     template <typename Visit>
     bool visitItems(int playlistUid, int from, int to, Visit visit);
     bool readItemByUid(int uid, OrvoPlayListItem& item);
+    QHash<int, OrvoPlayListItem> searchItems(const QList<int>& uids);
+    QHash<int, OrvoPlayListItem> collectItems(const QList<PlayListRecord>& playlists, const QList<int>& uids);
     int ownerOfItem(const QList<PlayListRecord>& playlists, const OrvoPlayListItem& item);
+    int removeItemsTransaction(const PlayListRecord& pl, const QList<int>& indices);
     bool renumberFrom(const PlayListRecord& pl, int first);
     bool cleanUnusedItems();
 
