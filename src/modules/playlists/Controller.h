@@ -1,0 +1,97 @@
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <memory>
+
+#include "CMRequest.h"
+#include "CMRequestGroup.h"
+#include "OrvoPlayListEnums.h"
+#include "OrvoPlayListItem.h"
+
+class CollectionBase;
+class PlayListBase;
+class PlayListManager;
+class PlayListWorker;
+
+// Runs the module's sixteen commands: recognises the path, checks the request, makes one change in the model and
+// answers with a result or with an error text for people. Made by the worker, worker's thread only. The table of
+// commands is in Controller.cpp, playlist commands in ControllerPlayLists.cpp, collection commands in
+// ControllerCollections.cpp, adding items in ControllerAddItems.cpp.
+class Controller : public QObject {
+    Q_OBJECT
+public:
+    Controller(PlayListWorker* worker, PlayListManager* manager);
+
+    // False when the path is no command's: nothing was answered then. True: answered, or answered later.
+    bool handleSetData(const CMSetDataRequest& request);
+
+    // Result: an action reply whose value is true, or an error with the text.
+    void setReply(const CMSetDataRequest& request, bool success, const QString& msg);
+    // Result: an action reply whose value is the number, or an error with the text.
+    void setReplyInt(const CMSetDataRequest& request, bool success, int value, const QString& msg);
+
+    // "a b (c)", without c "a b".
+    static QString buildErrMsg(const QString& a, const QString& b, const QString& c = {});
+    // "a b (c)", without c "a (b)": a success names its object in parentheses.
+    static QString buildOkMsg(const QString& a, const QString& b, const QString& c = {});
+
+    // Each is true when the check passes; otherwise `msg` says why, after `prefix`.
+    static bool checkNonemptyString(const QString& str, const QString& field, const QString& prefix, QString& msg);
+    static bool checkPlayList(const PlayListBase* pl, const int& plid, const QString& prefix, QString& msg);
+    static bool checkPlayListId(const int& plid, const QString& prefix, QString& msg);
+
+    // The items at these paths, in order, up to the first path that names none.
+    QVariantList preparePlaylistItems(const QStringList& paths);
+    // Validates all items, then adds them. Returns how many were added, -1 with a reason in `msg` otherwise.
+    int addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
+                           OrvoPlayListAddPosition::Enum mode, QString* msg);
+    // Asks the player to play the playlist from this item on.
+    void tryStartItem(const OrvoPlayListItem& item, const PlayListBase* pl, int seqIndex);
+
+Q_SIGNALS:
+    void playlistCreated(const int& plid);
+    void playlistDeleted(const int& plid);
+
+private Q_SLOTS:
+    void on_prepareItemsGroup_finished();
+
+private:
+    struct Command;
+    static const QList<Command>& commands();
+
+    // What is remembered of an add request while other modules prepare its items.
+    struct ReqGroupProperties {
+        int plid = -1;
+        int fromPlid = -1;
+        OrvoPlayListAddPosition::Enum mode = OrvoPlayListAddPosition::Append;
+        bool wholePlaylist = false;
+        std::shared_ptr<CMSetDataRequest> request;
+    };
+
+    bool plCreate(CMSetDataRequest request, QString& msg, int& id);
+    bool plSetName(CMSetDataRequest request, QString& msg);
+    bool plSetShuffle(CMSetDataRequest request, QString& msg);
+    bool plSetRepeat(CMSetDataRequest request, QString& msg);
+    bool plDelete(CMSetDataRequest request, QString& msg);
+    bool plClearItems(CMSetDataRequest request, QString& msg);
+    bool plRemoveItems(CMSetDataRequest request, QString& msg);
+    bool plMoveItems(CMSetDataRequest request, QString& msg);
+    bool plPlay(CMSetDataRequest request, QString& msg);
+
+    bool clCreate(CMSetDataRequest request, QString& msg, int& id);
+    bool clDelete(CMSetDataRequest request, QString& msg);
+    bool clAddItem(CMSetDataRequest request, QString& msg);
+    bool clRemoveItem(CMSetDataRequest request, QString& msg);
+
+    void plPrepareItems(CMSetDataRequest request);
+    void plAddItems(CMSetDataRequest request);
+    bool plAddExternalItems(CMSetDataRequest request, QString& msg);
+    // The name ("Replays") is historical and kept.
+    int addItemsFromAllReplays(const ReqGroupProperties& props, CMRequestGroup* group, QString* msg);
+    bool startFirstNewItem(PlayListBase* pl, int added, const QString& failure, const QString& prefix, QString& msg);
+
+    PlayListWorker* m_worker;
+    PlayListManager* m_manager;
+    QHash<CMRequestGroup*, ReqGroupProperties> m_ReqGroupPropertiesHash;
+};

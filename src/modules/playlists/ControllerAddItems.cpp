@@ -1,0 +1,339 @@
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+
+#include "CMConnect.h"
+#include "CMRootWorker.h"
+#include "Controller.h"
+#include "ControllerText.h"
+#include "ModuleLog.h"
+#include "OrvoPlayListCommands.h"
+#include "OrvoPlayListPaths.h"
+#include "PlayListBase.h"
+#include "PlayListManager.h"
+#include "PlayListRecord.h"
+#include "PlayLogicInterface.h"
+
+namespace {
+
+constexpr int StoreIsFull = -2;
+
+OrvoRoles rolesOf(const OrvoPlayListItem& item) {
+    return OrvoRoles(QJsonDocument::fromJson(item.orvoRoles().toUtf8()).object().toVariantHash());
+}
+
+// A playlist takes audio that can be shown or can be played.
+bool isAcceptable(const OrvoRoles& roles) {
+    if (roles.type() != OrvoRolesType::Audio)
+        return false;
+    if (!roles.title().isEmpty())
+        return true;
+    const OrvoMediaData mediaData = roles.mediaData();
+    const QList<OrvoResource> resources = mediaData.resources();
+    const bool hasUri = std::any_of(resources.cbegin(), resources.cend(),
+                                    [](const OrvoResource& resource) { return !resource.uri().isEmpty(); });
+    return hasUri && !mediaData.metaData().prePlayPath().isEmpty();
+}
+
+QString itemPathText(const OrvoPlayListItem& item) {
+    return (OrvoPlayListItemPath() + QString::number(item.uid())).toString();
+}
+
+QString listText(const QList<OrvoPlayListItem>& items) {
+    QStringList texts;
+    for (const OrvoPlayListItem& item : items)
+        texts.append(QString::fromUtf8(QJsonDocument(QJsonObject::fromVariantHash(item.toHash())).toJson(QJsonDocument::Compact)));
+    return texts.join(QStringLiteral(", "));
+}
+
+// The place that the store chose for the first of `added` new items after the last played one.
+int firstNewSequenceNumber(const PlayListBase* pl, int added) {
+    const int last = pl->getLastSequenceNumber();
+    const int sizeBefore = pl->getSize() - added;
+    return last >= 0 && last + 1 <= sizeBefore ? last + 1 : sizeBefore;
+}
+
+} // namespace
+
+void Controller::plPrepareItems(CMSetDataRequest request) {
+    CM_ENTER(moduleLog());
+    QStringList paths;
+    const QVariantList values = request.value().toList();
+    paths.reserve(values.size());
+    for (const QVariant& value : values)
+        paths.append(value.toString());
+    const QVariantList prepared = preparePlaylistItems(paths);
+    LOG4CPLUS_TRACE(moduleLog(), "preparedItems: " << QVariant(prepared));
+    request.reply().setValue(prepared);
+}
+
+QVariantList Controller::preparePlaylistItems(const QStringList& paths) {
+    QList<int> uids;
+    uids.reserve(paths.size());
+    for (const QString& path : paths) {
+        const QString text = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
+        const int uid = text.toInt();
+        if (uid == 0) {
+            LOG4CPLUS_ERROR(moduleLog(), "conversion error occured: uid, str=" << text << " path=" << path);
+            break;
+        }
+        uids.append(uid);
+    }
+    QVariantList prepared;
+    prepared.reserve(uids.size());
+    const QList<OrvoPlayListItem> items = m_manager->getPlayListItemsByUids(uids);
+    for (const OrvoPlayListItem& item : items)
+        prepared.append(item.toVariant());
+    return prepared;
+}
+
+void Controller::plAddItems(CMSetDataRequest request) {
+    CM_ENTER(moduleLog());
+    const OrvoPlayListPlAddItems args(request.value().toHash());
+    const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
+    ReqGroupProperties props;
+    props.plid = args.plid();
+    props.fromPlid = args.fromPlid();
+    props.mode = args.containsMode() ? args.mode() : OrvoPlayListAddPosition::Append;
+    QString msg;
+    if (!checkPlayListId(props.plid, prefix, msg)) {
+        setReply(request, false, msg);
+        return;
+    }
+
+    QList<CMPath> paths;
+    const QVariantList items = args.items();
+    paths.reserve(items.size());
+    for (const QVariant& item : items)
+        paths.append(CMPath::fromQVariant(item));
+    if (paths.isEmpty()) {
+        LOG4CPLUS_DEBUG(moduleLog(), QStringLiteral("adding whole playlist (id: %1) to playlist (id: %2)")
+                                         .arg(props.fromPlid)
+                                         .arg(props.plid));
+        PlayListBase* source = m_manager->getPlayListByUid(props.fromPlid);
+        if (checkPlayList(source, props.fromPlid, prefix, msg)) {
+            const QList<OrvoPlayListItem> sourceItems = source->getItems(0, source->getSize());
+            for (const OrvoPlayListItem& item : sourceItems)
+                paths.append(CMPath(itemPathText(item)));
+        }
+        props.wholePlaylist = true;
+    }
+    if (paths.isEmpty()) {
+        LOG4CPLUS_ERROR(moduleLog(), "There isn't any items to add to playlist id: " << props.plid);
+        setReply(request, false, buildErrMsg(prefix, CONTROLLER_TEXT("Please select one or more items to add.")));
+        return;
+    }
+
+    auto* group = new CMRequestGroup(this);
+    props.request = std::make_shared<CMSetDataRequest>(request);
+    m_ReqGroupPropertiesHash.insert(group, props);
+    cmConnect(group, &CMRequestGroup::finished, this, &Controller::on_prepareItemsGroup_finished);
+
+    QStringList prefixes; // in the order first seen
+    QHash<QString, QStringList> pathsByPrefix;
+    for (const CMPath& path : qAsConst(paths)) {
+        QStringList& ofPrefix = pathsByPrefix[path.prefix()];
+        if (ofPrefix.isEmpty())
+            prefixes.append(path.prefix());
+        ofPrefix.append(path.toString());
+    }
+    for (const QString& owner : qAsConst(prefixes)) {
+        const QStringList& ofPrefix = pathsByPrefix[owner];
+        LOG4CPLUS_DEBUG(moduleLog(), "requestPrefix: " << owner << " call: " << OrvoPlayListPrepareItems());
+        LOG4CPLUS_TRACE(moduleLog(), "items: " << ofPrefix);
+        group->addInvoke(OrvoPlayListPrepareItems(), CMPath::fromPrefix(owner), ofPrefix);
+    }
+    group->checkAndCallCallback();
+}
+
+void Controller::on_prepareItemsGroup_finished() {
+    CM_ENTER(moduleLog());
+    auto* group = qobject_cast<CMRequestGroup*>(sender());
+    if (!group) {
+        LOG4CPLUS_ERROR(moduleLog(), "Called without request group as sender");
+        return;
+    }
+    if (!m_ReqGroupPropertiesHash.contains(group)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Called without request group stored in m_ReqGroupPropertiesHash");
+        cmFatal("m_ReqGroupPropertiesHash.contains(group)");
+    }
+    const ReqGroupProperties props = m_ReqGroupPropertiesHash.take(group);
+    group->deleteLater();
+
+    const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
+    QString resultMsg;
+    const int added = std::max(0, addItemsFromAllReplays(props, group, &resultMsg));
+    LOG4CPLUS_DEBUG(moduleLog(), "numItemsAdded: " << added << " addItemsResMsg: " << resultMsg);
+
+    // Adding a whole playlist moves it: the source goes, unless it is the target itself.
+    if (added > 0 && props.wholePlaylist && props.fromPlid != props.plid)
+        m_manager->deletePlayList(props.fromPlid);
+
+    bool success = false;
+    QString msg;
+    if (added < 1) {
+        msg = buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."), resultMsg);
+    } else {
+        PlayListBase* pl = m_manager->getPlayListByUid(props.plid);
+        success = checkPlayList(pl, props.plid, prefix, msg);
+        if (success) {
+            LOG4CPLUS_DEBUG(moduleLog(), "plsize: " << pl->getSize());
+            if (pl->getSize() > 0 && props.mode == OrvoPlayListAddPosition::Now) {
+                LOG4CPLUS_DEBUG(moduleLog(), "addMode: now lastSeqNum: " << pl->getLastSequenceNumber()
+                                                                         << " nextSeqNum: "
+                                                                         << firstNewSequenceNumber(pl, added));
+                success = startFirstNewItem(pl, added, CONTROLLER_TEXT("Cannot get last sequence number."), prefix, msg);
+            }
+        }
+        if (success)
+            msg = buildOkMsg(QString::number(added), CONTROLLER_TEXT("Items added successfully to playlist."),
+                             pl->getName());
+        if (!resultMsg.isEmpty())
+            msg += QLatin1Char(' ') + resultMsg;
+    }
+    setReply(*props.request, success, msg);
+    LOG4CPLUS_DEBUG(moduleLog(), "Add items finished, num added: " << added);
+}
+
+int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, CMRequestGroup* group, QString* msg) {
+    QList<OrvoPlayListItem> items;
+    const QList<CMReply<QVariant>> replies = group->getReplyList();
+    LOG4CPLUS_TRACE(moduleLog(), "curReplyList: " << replies.size());
+    for (const CMReply<QVariant>& reply : replies) {
+        reply.waitForFinished(); // at once: a finished group has finished replies
+        if (reply.isError()) {
+            LOG4CPLUS_ERROR(moduleLog(), "replay error: " << reply.error().name());
+            continue;
+        }
+        const QVariantList values = reply.value().toList();
+        items.reserve(items.size() + values.size());
+        for (const QVariant& value : values)
+            items.append(OrvoPlayListItem(value.toHash()));
+    }
+    PlayListBase* pl = m_manager->getPlayListByUid(props.plid);
+    if (!pl) {
+        LOG4CPLUS_ERROR(moduleLog(), "Cannot find playlist with plid: " << props.plid);
+        *msg = CONTROLLER_TEXT("There is no playlist with this ID.") + QStringLiteral(" (%1)").arg(props.plid);
+        return -1;
+    }
+    return addItemsToPlaylist(pl, items, props.mode, msg);
+}
+
+int Controller::addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
+                                   OrvoPlayListAddPosition::Enum mode, QString* msg) {
+    LOG4CPLUS_TRACE(moduleLog(), "itemList: (" << listText(items) << ")");
+    QList<OrvoPlayListItem> accepted;
+    accepted.reserve(items.size());
+    for (const OrvoPlayListItem& item : items) {
+        if (item.orvoRoles().isEmpty()) {
+            LOG4CPLUS_WARN(moduleLog(), "Invalid file, missing roles: " << item.url());
+            continue;
+        }
+        if (!isAcceptable(rolesOf(item))) {
+            *msg = CONTROLLER_TEXT("Missing title or type==audio or [resource uri and prePlayPath]");
+            return -1;
+        }
+        accepted.append(item);
+    }
+    if (accepted.isEmpty()) {
+        LOG4CPLUS_ERROR(moduleLog(), "no playitem found");
+        *msg = CONTROLLER_TEXT("No playitem found.");
+        return -1;
+    }
+    const int sizeBefore = pl->getSize();
+    const int first = pl->addItems(mode, accepted);
+    const int res = first < 0 ? first : pl->getSize() - sizeBefore;
+    LOG4CPLUS_DEBUG(moduleLog(), "addItems() res: " << res);
+    if (res == StoreIsFull) {
+        *msg = QStringLiteral("%1 %2")
+                   .arg(CONTROLLER_TEXT("Unable to add more items to the playlist."))
+                   .arg(CONTROLLER_TEXT("Items reached limit."));
+        return -1;
+    }
+    if (res < 1)
+        return -1;
+    *msg = CONTROLLER_TEXT("%1 items added.").arg(res);
+    LOG4CPLUS_DEBUG(moduleLog(), "added " << res << " items");
+    return res;
+}
+
+bool Controller::plAddExternalItems(CMSetDataRequest request, QString& msg) {
+    CM_ENTER(moduleLog());
+    const OrvoPlayListPlAddExternalItems args(request.value().toHash());
+    const int plid = args.plid();
+    const QList<OrvoPlayListItem> items = args.items();
+    const OrvoPlayListAddPosition::Enum mode = args.containsMode() ? args.mode() : OrvoPlayListAddPosition::Append;
+    const QString prefix = CONTROLLER_TEXT("Could not add external items to playlist.");
+    if (!checkPlayListId(plid, prefix, msg)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Cannot add items to invalid playlist id: " << plid);
+        return false;
+    }
+    if (items.isEmpty()) {
+        LOG4CPLUS_ERROR(moduleLog(), "Cannot add zero items to playlist id: " << plid);
+        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Please select one or more items to add."));
+        return false;
+    }
+    PlayListBase* pl = m_manager->getPlayListByUid(plid);
+    if (!checkPlayList(pl, plid, prefix, msg)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
+        return false;
+    }
+    QString resultMsg;
+    const int added = addItemsToPlaylist(pl, items, mode, &resultMsg);
+    LOG4CPLUS_DEBUG(moduleLog(), "addItemsRes: " << added);
+    if (added < 1) {
+        LOG4CPLUS_ERROR(moduleLog(), "No items were added to playlist id: " << plid);
+        msg = buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."), resultMsg);
+        return false;
+    }
+    LOG4CPLUS_DEBUG(moduleLog(), "plsize: " << pl->getSize());
+    if (pl->getSize() > 0 && mode == OrvoPlayListAddPosition::Now) {
+        LOG4CPLUS_DEBUG(moduleLog(), "mode: New nextSeqNum: " << firstNewSequenceNumber(pl, added));
+        if (!startFirstNewItem(pl, added, CONTROLLER_TEXT("Cannot get last item."), prefix, msg)) {
+            LOG4CPLUS_ERROR(moduleLog(), "Cannot get last item for playlist id: " << plid);
+            return false;
+        }
+    }
+    LOG4CPLUS_INFO(moduleLog(), "Items added successfully to playlist id: " << plid);
+    msg = buildOkMsg(QString::number(added), CONTROLLER_TEXT("Items added successfully to playlist."), pl->getName());
+    return true;
+}
+
+bool Controller::startFirstNewItem(PlayListBase* pl, int added, const QString& failure, const QString& prefix,
+                                   QString& msg) {
+    const int next = firstNewSequenceNumber(pl, added);
+    const QList<OrvoPlayListItem> items = pl->getItems(next, next);
+    if (items.size() != 1) {
+        msg = buildErrMsg(prefix, failure);
+        return false;
+    }
+    tryStartItem(items.first(), pl, next);
+    return true;
+}
+
+void Controller::tryStartItem(const OrvoPlayListItem& item, const PlayListBase* pl, int seqIndex) {
+    LOG4CPLUS_DEBUG(moduleLog(), "seqIndex: " << seqIndex << " plid: " << pl->getUid());
+    const CMPath path = pl->getUid() == PlayListRecord::PlayQueueUid
+                            ? OrvoPlayListPqGetItemsPath()
+                            : OrvoPlayListPlGetItemsPath() + QString::number(pl->getUid());
+    LOG4CPLUS_DEBUG(moduleLog(), "path: " << path);
+    if (item.url().isEmpty()) {
+        LOG4CPLUS_ERROR(moduleLog(), "Item " << item.uid() << " hasn't url");
+        return;
+    }
+    OrvoMetaData metaData;
+    metaData.setPlayLogicPath(OrvoPlayListsPlayLogicPath());
+    OrvoMediaData mediaData;
+    mediaData.setMetaData(metaData);
+    OrvoRoles container;
+    container.setType(OrvoRolesType::Container);
+    container.setPath(path);
+    container.setContainerPlayable(true);
+    container.setMediaData(mediaData);
+    const OrvoRoles track = pl->itemToOrvoRoles(item);
+    LOG4CPLUS_TRACE(moduleLog(), "play item: " << item.toVariant());
+    LOG4CPLUS_TRACE(moduleLog(), "play item trackRoles: " << track.toVariant());
+    PlayLogicInterface::playerInstance()->playContainer(container, track, seqIndex, 0, false);
+    LOG4CPLUS_DEBUG(moduleLog(), "playContainer() called");
+}

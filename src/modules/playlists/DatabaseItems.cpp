@@ -1,0 +1,423 @@
+#include "DatabaseTransaction.h"
+
+#include "PlayListsLogger.h"
+#include "Sqlite3Statement.h"
+
+#include <QHash>
+#include <QSet>
+#include <QVector>
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace {
+
+constexpr int lastPossibleNumber = std::numeric_limits<int>::max();
+
+// Up to here a search per item is cheaper than a walk through a playlist.
+constexpr int fewUids = 4;
+
+// The columns of an item row, as both item statements give them.
+enum ItemColumn {
+    SequenceNumberColumn,
+    UidColumn,
+    TitleColumn,
+    ArtistColumn,
+    AlbumColumn,
+    ArtworkUrlColumn,
+    GenreColumn,
+    DurationSecondsColumn,
+    UrlColumn,
+    ServiceIdColumn,
+    OrvoRolesColumn,
+};
+
+OrvoPlayListItem itemFromRow(const Sqlite3Statement& row) {
+    OrvoPlayListItem item;
+    item.setSequenceNumber(row.columnInt(SequenceNumberColumn));
+    item.setUid(row.columnInt(UidColumn));
+    item.setTitle(row.columnText(TitleColumn));
+    item.setArtist(row.columnText(ArtistColumn));
+    item.setAlbum(row.columnText(AlbumColumn));
+    item.setArtworkUrl(row.columnText(ArtworkUrlColumn));
+    item.setGenre(row.columnText(GenreColumn));
+    item.setDurationSeconds(row.columnInt(DurationSecondsColumn));
+    item.setUrl(row.columnText(UrlColumn));
+    item.setServiceId(row.columnText(ServiceIdColumn));
+    item.setOrvoRoles(row.columnText(OrvoRolesColumn));
+    return item;
+}
+
+QString joined(const QList<int>& numbers) {
+    QStringList texts;
+    for (int number : numbers)
+        texts.append(QString::number(number));
+    return texts.join(QStringLiteral(", "));
+}
+
+// Entries that follow each other without a gap, both ends included.
+struct Run {
+    int from;
+    int to;
+};
+
+// 5 1 2 -> 1..2, 5..5
+QVector<Run> runsOf(QList<int> indices) {
+    std::sort(indices.begin(), indices.end());
+    QVector<Run> runs;
+    for (int index : std::as_const(indices)) {
+        if (!runs.isEmpty() && qint64(runs.constLast().to) + 1 == index)
+            runs.last().to = index;
+        else
+            runs.append({index, index});
+    }
+    return runs;
+}
+
+} // namespace
+
+// Calls visit(row) for each entry numbered `from` to `to`, ascending, until it returns false. The visitor must not
+// change the playlist.
+template <typename Visit>
+bool Database::visitItems(int playlistUid, int from, int to, Visit visit) {
+    StatementScope entries(statement(StatementId::GetItems));
+    const bool bound = entries->bindInt(1, playlistUid) && entries->bindInt(2, from) && entries->bindInt(3, to);
+    bool goOn = bound;
+    while (goOn && entries->step_row())
+        goOn = visit(entries.row());
+    if (entries.reset() && bound)
+        return true;
+    LOG4CPLUS_ERROR(playListsLogger(), "Error fetching PlayList items from DB");
+    return false;
+}
+
+QList<OrvoPlayListItem> Database::getItems(const PlayListRecord& pl, int from, int to) {
+    CM_ENTER_ARGS(playListsLogger(), "pl=" << pl.uid << " from=" << from << " to=" << to);
+    QList<OrvoPlayListItem> items;
+    visitItems(pl.uid, from, to, [&items](const Sqlite3Statement& row) {
+        items.append(itemFromRow(row));
+        return true;
+    });
+    return items;
+}
+
+bool Database::readItemByUid(int uid, OrvoPlayListItem& item) {
+    StatementScope search(statement(StatementId::GetItemByUid));
+    if (!search->bindInt(1, uid) || !search->step_row())
+        return false;
+    const OrvoPlayListItem found = itemFromRow(search.row());
+    if (!search.reset())
+        return false;
+    item = found;
+    return true;
+}
+
+OrvoPlayListItem Database::getItemByUid(int uid) {
+    OrvoPlayListItem item;
+    if (!readItemByUid(uid, item))
+        LOG4CPLUS_ERROR(playListsLogger(), "Error fetching item by UID");
+    return item;
+}
+
+QList<OrvoPlayListItem> Database::getItemsByUids(const QList<PlayListRecord>& playlists, const QList<int>& uids) {
+    CM_ENTER_ARGS(playListsLogger(), "playlists=" << playlists.size() << " uids=" << uids.size());
+    const QHash<int, OrvoPlayListItem> found =
+        uids.size() <= fewUids ? searchItems(uids) : collectItems(playlists, uids);
+    QList<OrvoPlayListItem> items;
+    items.reserve(uids.size());
+    for (int uid : uids) {
+        const auto item = found.constFind(uid);
+        if (item == found.constEnd())
+            LOG4CPLUS_ERROR(playListsLogger(), "Error fetching item by UID");
+        items.append(item == found.constEnd() ? OrvoPlayListItem() : *item);
+    }
+    return items;
+}
+
+QHash<int, OrvoPlayListItem> Database::searchItems(const QList<int>& uids) {
+    QHash<int, OrvoPlayListItem> found;
+    for (int uid : uids) {
+        OrvoPlayListItem item;
+        if (!found.contains(uid) && readItemByUid(uid, item))
+            found.insert(uid, item);
+    }
+    return found;
+}
+
+// There is no index from an item to its entry, so finding one costs a search through all entries, and finding the next
+// one of the same playlist costs the same again. Items asked for together mostly come from one playlist, or two: find
+// out from which, and walk these first.
+QHash<int, OrvoPlayListItem> Database::collectItems(const QList<PlayListRecord>& playlists, const QList<int>& uids) {
+    constexpr int discoveries = 2;
+    QHash<int, OrvoPlayListItem> found;
+    QSet<int> missing(uids.begin(), uids.end());
+    QList<PlayListRecord> unread = playlists;
+
+    const auto walk = [&](const PlayListRecord& pl) {
+        visitItems(pl.uid, 0, lastPossibleNumber, [&](const Sqlite3Statement& row) {
+            const int uid = row.columnInt(UidColumn);
+            if (missing.remove(uid))
+                found.insert(uid, itemFromRow(row));
+            return !missing.isEmpty();
+        });
+    };
+
+    auto next = uids.begin();
+    for (int i = 0; i < discoveries && !missing.isEmpty(); ++i) {
+        next = std::find_if(next, uids.end(), [&missing](int uid) { return missing.contains(uid); });
+        missing.remove(*next);
+        OrvoPlayListItem item;
+        if (!readItemByUid(*next, item))
+            break;
+        found.insert(*next, item);
+        const int owner = ownerOfItem(unread, item);
+        if (owner < 0)
+            break;
+        if (!missing.isEmpty())
+            walk(unread.takeAt(owner));
+    }
+    for (auto pl = unread.constBegin(); pl != unread.constEnd() && !missing.isEmpty(); ++pl)
+        walk(*pl);
+    return found;
+}
+
+// The index of the playlist that `item` is an entry of, or -1.
+int Database::ownerOfItem(const QList<PlayListRecord>& playlists, const OrvoPlayListItem& item) {
+    const int number = item.sequenceNumber();
+    const int uid = item.uid();
+    for (int i = 0; i < playlists.size(); ++i) {
+        bool owns = false;
+        visitItems(playlists[i].uid, number, number, [&owns, uid](const Sqlite3Statement& row) {
+            owns = row.columnInt(UidColumn) == uid;
+            return false;
+        });
+        if (owns)
+            return i;
+    }
+    return -1;
+}
+
+int Database::getNextSequenceNumber(const PlayListRecord& pl) {
+    CM_ENTER_ARGS(playListsLogger(), "pl=" << pl.uid);
+    StatementScope query(statement(StatementId::GetNextSequenceNumber));
+    if (!query->bindInt(1, pl.uid) || !query->step_row()) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Error fetching the next sequenceNumber");
+        return Failed;
+    }
+    const int number = query->columnInt(0);
+    if (!query.reset())
+        LOG4CPLUS_ERROR(playListsLogger(), "Error resetting next sequence number stmt");
+    return number;
+}
+
+int Database::addItemsNextSequenceNumber(const PlayListRecord& pl, const OrvoPlayListAddPosition::Enum& position) {
+    if (pl.size <= 0) {
+        LOG4CPLUS_TRACE(playListsLogger(), "playlist is empty");
+        const int number = getNextSequenceNumber(pl);
+        LOG4CPLUS_TRACE(playListsLogger(), "nextSequenceNumber: " << number);
+        return number;
+    }
+    LOG4CPLUS_TRACE(playListsLogger(), "playlist is not empty");
+    LOG4CPLUS_TRACE(playListsLogger(), "lastSeqNum: " << pl.lastPlayedIndex);
+    switch (position) {
+    case OrvoPlayListAddPosition::Now:
+    case OrvoPlayListAddPosition::AfterCurrent:
+        // An index beyond the end is left over from a list that was longer: following it would leave a gap.
+        if (pl.lastPlayedIndex >= 0 && pl.lastPlayedIndex < pl.size)
+            return pl.lastPlayedIndex + 1;
+        return getNextSequenceNumber(pl);
+    case OrvoPlayListAddPosition::Append:
+        return getNextSequenceNumber(pl);
+    }
+    return Failed;
+}
+
+int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum position,
+                       const QList<OrvoPlayListItem>& items, int* addedCount) {
+    Transaction transaction(*this, Transaction::Lock::AtOnce);
+    CM_ENTER_ARGS(playListsLogger(), "pl: " << pl.uid << " pl.size(): " << pl.size
+                                            << " position: " << OrvoPlayListAddPosition::toString(position)
+                                            << " items.size(): " << items.size());
+    if (!transaction.begun()) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Error adding items to list");
+        return Failed;
+    }
+    printItems(pl);
+
+    const int dbItemsCount = countPlaylistsItems();
+    // Deliberate: where the store already holds more than the limit, the length is negative, which QList takes as "to
+    // the end", and everything is added.
+    const qint64 room = qint64(m_itemsLimit) - dbItemsCount;
+    const QList<OrvoPlayListItem> itemsToAdd = m_itemsLimit == 0 ? items : items.mid(0, int(qMax<qint64>(room, -1)));
+    const int count = itemsToAdd.size();
+    if (addedCount)
+        *addedCount = count;
+    LOG4CPLUS_TRACE(playListsLogger(), "dbItemsCount: " << dbItemsCount << ", addedItemsCount: " << count
+                                                        << ", limit: " << m_itemsLimit);
+    if (count == 0) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Error adding playlist items: database reached limit!");
+        return LimitReached;
+    }
+
+    int first = addItemsNextSequenceNumber(pl, position);
+    if (first >= 0 && pl.size > first && !offsetItemsFromTransaction(pl, first, count)) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Unable to move item block before adding items");
+        first = Failed;
+    }
+    if (first < 0 || !addItemsFromSequenceNumber(pl, first, itemsToAdd)) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Error adding items to list");
+        return Failed;
+    }
+    transaction.commit();
+    return first;
+}
+
+bool Database::offsetItemsFromTransaction(const PlayListRecord& pl, int from, int count) {
+    // By way of numbers that nobody uses: a number may never stand twice, not even halfway through a statement.
+    Sqlite3Statement& shift = statement(StatementId::MoveItem1);
+    const int away = pl.size + 1;
+    return shift.run(pl.uid, from, pl.size, count + away) && shift.run(pl.uid, pl.size, lastPossibleNumber, -away);
+}
+
+bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& sequenceNumber,
+                                          const QList<OrvoPlayListItem>& items) {
+    Sqlite3Statement& insertItem = statement(StatementId::InsertItem);
+    Sqlite3Statement& insertEntry = statement(StatementId::InsertPlayListItem);
+    int number = sequenceNumber;
+    for (const OrvoPlayListItem& item : items) {
+        if (!insertItem.run(item.title(), item.artist(), item.album(), item.artworkUrl(), item.genre(),
+                            item.durationSeconds(), item.url(), item.serviceId(), item.orvoRoles())) {
+            LOG4CPLUS_ERROR(playListsLogger(), "Error inserting item into DB");
+            return false;
+        }
+        const int uid = int(sqlite3_last_insert_rowid(m_connection));
+        LOG4CPLUS_TRACE(playListsLogger(), "Inserted item into DB with uid" << uid);
+        if (!insertEntry.run(pl.uid, uid, number++)) {
+            LOG4CPLUS_ERROR(playListsLogger(), "Error inserting item into playlist DB");
+            return false;
+        }
+    }
+    return true;
+}
+
+int Database::removeItems(const PlayListRecord& pl, const QList<int>& indices) {
+    CM_ENTER_ARGS(playListsLogger(), "pl=" << pl.uid << " indices=" << joined(indices));
+    if (indices.isEmpty())
+        return 0;
+    Transaction transaction(*this, Transaction::Lock::AtOnce);
+    const int removed = transaction.begun() ? removeItemsTransaction(pl, indices) : Failed;
+    if (removed == Failed) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Error removing items from list");
+        return Failed;
+    }
+    transaction.commit();
+    setVacuumNeeded();
+    return removed;
+}
+
+int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>& indices) {
+    int removed = 0;
+    for (const Run& run : runsOf(indices)) {
+        const int count = removeItemsHelper(pl, run.from, run.to);
+        removed += count;
+        // No further run: some failures have ended the transaction, and the rest would be removed for good.
+        if (count == Failed)
+            break;
+    }
+    if (removed != indices.size()) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Unable to remove all item indices");
+        return Failed;
+    }
+    if (!cleanUnusedItems()) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Unable to clean up unused items");
+        return Failed;
+    }
+    // Deliberate: the first index as given, not the smallest. Callers list them in ascending order.
+    if (!renumberFrom(pl, indices.first())) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Unable to restore sequence numbers");
+        return Failed;
+    }
+    return removed;
+}
+
+int Database::removeItemsHelper(const PlayListRecord& pl, int from, int to) {
+    LOG4CPLUS_TRACE(playListsLogger(), "Remove partial from=" << from << " to=" << to);
+    if (!statement(StatementId::DeletePlayListItem).run(pl.uid, from, to)) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Error removing partial items from list");
+        return Failed;
+    }
+    return sqlite3_changes(m_connection);
+}
+
+bool Database::renumberFrom(const PlayListRecord& pl, int first) {
+    struct Entry {
+        int uid;
+        int number;
+    };
+    // All are read before the first is changed: the rows of a statement that is still being stepped must stay put.
+    QVector<Entry> entries;
+    entries.reserve(qMax(0, pl.size - first));
+    const bool read = visitItems(pl.uid, first, pl.size, [&entries](const Sqlite3Statement& row) {
+        entries.append({row.columnInt(UidColumn), row.columnInt(SequenceNumberColumn)});
+        return true;
+    });
+    if (!read)
+        return false;
+    Sqlite3Statement& setNumber = statement(StatementId::SetSequenceNumber);
+    int number = first;
+    for (const Entry& entry : std::as_const(entries)) {
+        LOG4CPLUS_TRACE(playListsLogger(),
+                        "update seq: uid=" << entry.uid << " old=" << entry.number << " new=" << number);
+        // Ascending and never upwards, so each new number is free when it is taken.
+        if (!setNumber.run(pl.uid, entry.uid, entry.number, number++))
+            return false;
+    }
+    return true;
+}
+
+bool Database::moveItem(const PlayListRecord& pl, int from, int to) {
+    CM_ENTER_ARGS(playListsLogger(), "pl=" << pl.uid << " from=" << from << " to=" << to);
+    Transaction transaction(*this, Transaction::Lock::WhenWriting);
+    if (!transaction.begun() || !moveItemTransaction(pl, from, to)) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Error moving PlayListItem");
+        return false;
+    }
+    transaction.commit();
+    return true;
+}
+
+bool Database::moveItemTransaction(const PlayListRecord& pl, int from, int to) {
+    // The whole range is lifted above the numbers in use, and its entries come back one place on, the moved one first.
+    Sqlite3Statement& shift = statement(StatementId::MoveItem1);
+    const int size = pl.size;
+    const int low = qMin(from, to);
+    const int high = qMax(from, to);
+    const int direction = from <= to ? 1 : -1;
+    return shift.run(pl.uid, low, high, size) && shift.run(pl.uid, from + size, from + size, to - from - size)
+           && shift.run(pl.uid, low + size, high + size, -(direction + size));
+}
+
+bool Database::clearItems(const PlayListRecord& pl) {
+    CM_ENTER_ARGS(playListsLogger(), "pl=" << pl.uid);
+    if (removeItemsHelper(pl, 0, lastPossibleNumber) < 0) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Unable to clear playList " << pl.uid);
+        return false;
+    }
+    const bool cleaned = cleanUnusedItems();
+    if (!cleaned)
+        LOG4CPLUS_ERROR(playListsLogger(), "Unable to clean up unused items");
+    setVacuumNeeded();
+    return cleaned;
+}
+
+void Database::printItems(const PlayListRecord& pl) {
+    CM_ENTER(playListsLogger());
+    if (!playListsLogger().isEnabledFor(log4cplus::TRACE_LOG_LEVEL))
+        return;
+    const QList<OrvoPlayListItem> items = getItems(pl, 0, pl.size);
+    for (const OrvoPlayListItem& item : items) {
+        LOG4CPLUS_TRACE(playListsLogger(), "uid: " << item.uid() << " seqNum: " << item.sequenceNumber()
+                                                   << " name: " << item.title());
+    }
+}

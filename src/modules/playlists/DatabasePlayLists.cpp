@@ -1,0 +1,92 @@
+#include "DatabaseTransaction.h"
+
+#include "PlayListsLogger.h"
+#include "Sqlite3Statement.h"
+
+namespace {
+
+// The row of either playlist statement.
+PlayListRecord playListFromRow(const Sqlite3Statement& row) {
+    PlayListRecord pl;
+    pl.uid = row.columnInt(0);
+    pl.name = row.columnText(1);
+    pl.shuffle = row.columnInt(2) == 1;
+    pl.repeatAll = row.columnInt(3) == 1;
+    pl.lastPlayedIndex = row.columnInt(4);
+    // The column is the highest number in use, -1 for none.
+    pl.size = row.columnInt(5) + 1;
+    return pl;
+}
+
+} // namespace
+
+QList<PlayListRecord> Database::getPlayLists() {
+    CM_ENTER(playListsLogger());
+    QList<PlayListRecord> playlists;
+    StatementScope query(statement(StatementId::GetPlayLists));
+    while (query->step_row())
+        playlists.append(playListFromRow(query.row()));
+    return playlists;
+}
+
+PlayListRecord Database::getPlayQueue() {
+    StatementScope query(statement(StatementId::GetPlayQueue));
+    return query->step_row() ? playListFromRow(query.row()) : PlayListRecord();
+}
+
+PlayListRecord Database::createPlayList(const QString& name) {
+    CM_ENTER_ARGS(playListsLogger(), "name=" << name);
+    PlayListRecord pl;
+    if (!statement(StatementId::CreatePlayList).run(name)) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Unable to create playlist in database");
+        return pl;
+    }
+    pl.uid = int(sqlite3_last_insert_rowid(m_connection));
+    pl.name = name;
+    pl.lastPlayedIndex = -1;
+    LOG4CPLUS_TRACE(playListsLogger(), "Created playlist uid=" << pl.uid << " name=" << pl.name);
+    return pl;
+}
+
+bool Database::updatePlayList(const PlayListRecord& pl) {
+    CM_ENTER_ARGS(playListsLogger(), "pl=" << pl.uid);
+    if (!statement(StatementId::UpdatePlayList)
+             .run(pl.name, pl.shuffle ? 1 : 0, pl.repeatAll ? 1 : 0, pl.lastPlayedIndex, pl.uid)) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Error updating PlayList");
+        return false;
+    }
+    if (sqlite3_changes(m_connection) == 0) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Error updating PlayList: no such uid in DB");
+        return false;
+    }
+    return true;
+}
+
+bool Database::deletePlayList(const PlayListRecord& pl) {
+    CM_ENTER_ARGS(playListsLogger(), "pl uid=" << pl.uid);
+    Transaction transaction(*this, Transaction::Lock::WhenWriting);
+    if (!transaction.begun() || !deletePlayListTransaction(pl)) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Error deleting PlayList");
+        return false;
+    }
+    transaction.commit();
+    setVacuumNeeded();
+    return true;
+}
+
+bool Database::deletePlayListTransaction(const PlayListRecord& pl) {
+    if (!statement(StatementId::DeletePlayList).run(pl.uid)) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Error deleting PlayList: delete commad failed");
+        return false;
+    }
+    if (sqlite3_changes(m_connection) == 0) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Error deleting PlayList: no such list in DB");
+        return false;
+    }
+    // The entries went with the playlist; their items did not.
+    if (!cleanUnusedItems()) {
+        LOG4CPLUS_ERROR(playListsLogger(), "Unable to clean up unused items");
+        return false;
+    }
+    return true;
+}

@@ -1,0 +1,66 @@
+#include "PlayListWorker.h"
+
+#include "CMConnect.h"
+#include "CMRootWorker.h"
+#include "Controller.h"
+#include "Database.h"
+#include "ModuleLog.h"
+#include "PlayListManager.h"
+#include "playlistUI/PlayListUI.h"
+
+namespace {
+// The step at which the power manager leaves nothing else to do: time for the long work.
+constexpr int TargetBeforeMaintenance = 1;
+constexpr int TargetForMaintenance = 2;
+
+OrvoValue readSetting(const CMPath& path) {
+    return OrvoValue(CMRoot()->getValue(path).toHash());
+}
+} // namespace
+
+PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config) : CMNodesWorker(config, "PlayLists") {
+    const int itemsLimit = readSetting(OrvoPlayListsSettingsDataBaseItemsLimitPath()).i32();
+    const bool vacuumNeeded = readSetting(OrvoPlayListSettingsDataBaseVacuumPath()).bool_();
+    m_database = new Database(itemsLimit, vacuumNeeded);
+    cmConnect(m_database, &Database::vacuumNeeded, this, &PlayListWorker::on_databaseVacuum_needed);
+    // The store has vacuumed while nobody listened yet; what it owes from here on is owed anew.
+    if (vacuumNeeded)
+        on_databaseVacuum_needed(false);
+    m_manager = new PlayListManager(m_database);
+    m_ui = new PlayListUI(this, nodes(), subscribe(), m_manager);
+    m_controller = new Controller(this, m_manager);
+    cmConnect(this, &PlayListWorker::setDataReceived, this, &PlayListWorker::on_setDataRequest);
+    auto* powerManagerTarget = new CMValueItem(this, OrvoPowerManagerTargetPath());
+    cmConnect(powerManagerTarget, &CMValueItem::changed, this,
+              &PlayListWorker::on_powerManagerTargetItem_changed);
+}
+
+PlayListWorker::~PlayListWorker() {
+    delete m_controller;
+    delete m_ui;
+    delete m_manager;
+    delete m_database;
+}
+
+void PlayListWorker::setDataRequest(const CMSetDataRequest& request) {
+    Q_EMIT setDataReceived(request);
+}
+
+void PlayListWorker::on_setDataRequest(const CMSetDataRequest& request) {
+    CM_ENTER_ARGS(moduleLog(), "routing");
+    if (!m_controller->handleSetData(request))
+        CMNodesWorker::setDataRequest(request);
+}
+
+void PlayListWorker::on_powerManagerTargetItem_changed(const OrvoValue& newValue, const OrvoValue& oldValue) {
+    LOG4CPLUS_TRACE(moduleLog(), "newValue=" << newValue.toVariant() << " oldValue=" << oldValue.toVariant());
+    const int newTarget = OrvoPowerManagerTarget(newValue.toHash()).target();
+    const int oldTarget = OrvoPowerManagerTarget(oldValue.toHash()).target();
+    if (oldTarget == TargetBeforeMaintenance && newTarget == TargetForMaintenance)
+        m_database->vacuum();
+}
+
+void PlayListWorker::on_databaseVacuum_needed(bool needed) {
+    CMRoot()->setValue(OrvoPlayListSettingsDataBaseVacuumPath(), OrvoValue::fromBool(needed).toVariant(),
+                       CMVoidReply());
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "CMWorker.h"
+
+class CMValueItem;
+class Controller;
+class Database;
+class PlayListManager;
+class PlayListUI;
+
+// The module's root object: builds the store, the model, the browse tree and the controller, wires what crosses
+// between them, and routes set-data requests. The host owns it; everything lives on the thread that made it.
+class PlayListWorker : public CMNodesWorker {
+    Q_OBJECT
+public:
+    explicit PlayListWorker(const QHash<QString, QVariant>& config);
+    ~PlayListWorker() override;
+
+    void setDataRequest(const CMSetDataRequest& request) override;
+
+Q_SIGNALS:
+    void setDataReceived(CMSetDataRequest request);
+
+private Q_SLOTS:
+    void on_setDataRequest(const CMSetDataRequest& request);
+    void on_powerManagerTargetItem_changed(const OrvoValue& newValue, const OrvoValue& oldValue);
+    void on_databaseVacuum_needed(bool needed);
+
+private:
+    Database* m_database;
+    PlayListManager* m_manager;
+    PlayListUI* m_ui;
+    Controller* m_controller;
+};

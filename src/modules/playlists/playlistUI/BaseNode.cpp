@@ -1,0 +1,121 @@
+#include "BaseNode.h"
+
+#include <algorithm>
+
+#include "../ModuleLog.h"
+#include "CMRootWorker.h"
+#include "OrvoPlayListPaths.h"
+
+namespace {
+bool readFlag(const CMPath& path) {
+    return OrvoValue(CMRoot()->getValue(path).toHash()).bool_();
+}
+} // namespace
+
+BaseNode::BaseNode(const CMPath& path, PlayListManager* manager)
+    : CMListRowsNode(path), m_manager(manager),
+      m_playQueueVisible(readFlag(OrvoPlayListSettingsPlayqueueVisibilityPath())),
+      m_collectionsVisible(readFlag(OrvoPlayListSettingsCollectionsVisibilityPath())) {}
+
+BaseNode* BaseNode::create(CMNodes* nodes, const CMPath& path, PlayListManager* manager) {
+    return createNode<BaseNode>(nodes, path, manager);
+}
+
+bool BaseNode::getRowsRequest(const CMGetRowsRequest&) {
+    return true;
+}
+
+bool BaseNode::setDataRequest(const CMSetDataRequest&) {
+    return true;
+}
+
+int BaseNode::toInt(const QString& s, int defaultValue) {
+    bool ok = false;
+    const int value = s.toInt(&ok);
+    return ok ? value : defaultValue;
+}
+
+QString BaseNode::toStr(const int& value) {
+    return QString::number(value);
+}
+
+OrvoRoles BaseNode::createRolesFromPath(const CMPath& path, const QStringList& keys) const {
+    return getDataRoles(keys, path.params());
+}
+
+void BaseNode::sendRowsReply(const QVariantList& rows, int rowsCount, const TrString& title, const OrvoRoles& roles,
+                             const CMGetRowsRequest& request, bool sliceRows) {
+    LOG4CPLUS_TRACE(moduleLog(), "rowsCount: " << rowsCount);
+    setTitle(title);
+    QVariantList sent = rows;
+    if (rowsCount >= 1 && sliceRows) {
+        const int last = rowsCount - 1;
+        const int one = std::clamp(request.fromRow(), 0, last);
+        const int other = std::clamp(request.toRow(), 0, last);
+        const int first = std::min(one, other);
+        const int count = std::max(one, other) - first + 1;
+        if (count < rowsCount)
+            sent = rows.mid(first, count);
+    }
+    OrvoRoles replyRoles = roles;
+    replyRoles.setTitle(title);
+    replyRoles.setRowsCount(rowsCount);
+    OrvoRowsRoles reply;
+    reply.setRoles(replyRoles);
+    reply.setRows(sent);
+    reply.setRowsCount(rowsCount);
+    LOG4CPLUS_TRACE(moduleLog(), "roles: " << replyRoles.toVariant());
+    request.reply().setValue(reply);
+    LOG4CPLUS_TRACE(moduleLog(), "sent reply with " << sent.size() << " lines");
+}
+
+OrvoRoles BaseNode::addContextMenuToRoles(OrvoRoles roles, int plid) {
+    CMPath path = OrvoPlayListPlTrackContextPath();
+    path.addParam(Action(), QStringLiteral("cmnode"));
+    path.addParam(Plid(), toStr(plid));
+    path.addParam(ItemId(), roles.id());
+    path.addParam(SeqNum(), toStr(roles.value().i32()));
+    roles.setContext(contextMenu(TrString("BaseNode", "Playlist"), path));
+    return roles;
+}
+
+OrvoEvent BaseNode::genClosePathEvent() const {
+    OrvoEvent event;
+    event.setRowsType(OrvoEventRowsType::Close);
+    event.setPath(path());
+    return event;
+}
+
+OrvoRoles BaseNode::headerRow(const TrString& title) {
+    OrvoRoles row;
+    row.setType(OrvoRolesType::Header);
+    row.setTitle(title);
+    return row;
+}
+
+OrvoRoles BaseNode::textEntryRow(const TrString& title, CMPath path, const QString& action) {
+    OrvoRoles row;
+    row.setTitle(title);
+    row.setPath(path.addParam(Action(), action));
+    row.setType(OrvoRolesType::Editable);
+    row.setValue(OrvoValue::fromString(QString()));
+    row.setModifiable(true);
+    return row;
+}
+
+OrvoMediaData BaseNode::playableMediaData() {
+    OrvoMetaData metaData;
+    metaData.setPlayLogicPath(OrvoPlayListsPlayLogicPath());
+    OrvoMediaData mediaData;
+    mediaData.setMetaData(metaData);
+    return mediaData;
+}
+
+OrvoRoles BaseNode::contextMenu(const TrString& title, const CMPath& path) {
+    OrvoRoles menu;
+    menu.setTitle(title);
+    menu.setPath(path);
+    menu.setType(OrvoRolesType::Container);
+    menu.setContainerType(OrvoRolesContainerType::ContextMenu);
+    return menu;
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "../BaseNode.h"
+
+class PlayListBase;
+
+// What the nodes that list tracks share: the requested range is read from the playlist and nothing else.
+class TrackListNode : public BaseNode {
+    Q_OBJECT
+public:
+    using BaseNode::BaseNode;
+
+protected:
+    // A playlist that is gone lists as empty.
+    void sendTracks(PlayListBase* pl, const TrString& title, const CMGetRowsRequest& request);
+};

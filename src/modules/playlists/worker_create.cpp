@@ -1,0 +1,7 @@
+#include "PlayListWorker.h"
+
+// The module's only entry.
+extern "C" __attribute__((visibility("default"))) CMAbstractWorker*
+worker_create(QHash<QString, QVariant> config) {
+    return new PlayListWorker(config);
+}

@@ -1,0 +1,210 @@
+#include "StoreFixture.h"
+
+#include <QDir>
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <iostream>
+
+namespace {
+
+template <typename Visit>
+void visitStatements(sqlite3* connection, Visit visit) {
+    for (sqlite3_stmt* s = sqlite3_next_stmt(connection, nullptr); s; s = sqlite3_next_stmt(connection, s))
+        visit(s);
+}
+
+} // namespace
+
+sqlite3* StoreProbe::connection(Database& database) {
+    return database.m_connection;
+}
+
+bool StoreProbe::foreignKeysOn(sqlite3* connection) {
+    int on = 0;
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_FKEY, -1, &on);
+    return on == 1;
+}
+
+QStringList StoreProbe::preparedTexts(Database& database) {
+    QStringList texts;
+    visitStatements(connection(database), [&texts](sqlite3_stmt* s) { texts.prepend(QString::fromUtf8(sqlite3_sql(s))); });
+    return texts;
+}
+
+QStringList StoreProbe::busyTexts(Database& database) {
+    QStringList texts;
+    visitStatements(connection(database), [&texts](sqlite3_stmt* s) {
+        if (sqlite3_stmt_busy(s))
+            texts.append(QString::fromUtf8(sqlite3_sql(s)));
+    });
+    return texts;
+}
+
+qint64 StoreProbe::takeSteps(Database& database) {
+    // The counters are 32 bits wide and unsigned; a test that runs into the sign has failed anyway.
+    qint64 steps = 0;
+    visitStatements(connection(database), [&steps](sqlite3_stmt* s) {
+        steps += quint32(sqlite3_stmt_status(s, SQLITE_STMTSTATUS_VM_STEP, 1));
+    });
+    return steps;
+}
+
+StoreFixture::StoreFixture()
+    : m_oldFolder(QDir::currentPath()), m_folder(QDir::tempPath() + QStringLiteral("/orvo-store-XXXXXX")) {
+    QDir::setCurrent(m_folder.path());
+}
+
+StoreFixture::~StoreFixture() {
+    QDir::setCurrent(m_oldFolder);
+}
+
+void StoreFixture::TearDown() {
+    closeRaw();
+    close();
+    if (HasFailure()) {
+        m_folder.setAutoRemove(false);
+        std::cout << "the store of the failed test is kept in " << m_folder.path().toStdString() << std::endl;
+    }
+}
+
+Database& StoreFixture::database() {
+    return m_database ? *m_database : reopen();
+}
+
+Database& StoreFixture::reopen(int itemsLimit, bool vacuumNeeded) {
+    close();
+    m_database = std::make_unique<Database>(itemsLimit, vacuumNeeded);
+    // Tests survive no power failure and need not pay for one.
+    sqlite3_exec(StoreProbe::connection(*m_database), "PRAGMA synchronous=OFF;", nullptr, nullptr, nullptr);
+    return *m_database;
+}
+
+void StoreFixture::close() {
+    m_database.reset();
+}
+
+OrvoPlayListItem StoreFixture::item(const QString& title) {
+    OrvoPlayListItem result;
+    result.setTitle(title);
+    result.setArtist(QStringLiteral("artist of ") + title);
+    result.setAlbum(QStringLiteral("album of ") + title);
+    result.setArtworkUrl(QStringLiteral("art:") + title);
+    result.setGenre(QStringLiteral("genre of ") + title);
+    result.setDurationSeconds(100 + title.size());
+    result.setUrl(QStringLiteral("file:///") + title);
+    result.setServiceId(QStringLiteral("files"));
+    result.setOrvoRoles(QStringLiteral("{\"title\":\"%1\"}").arg(title));
+    return result;
+}
+
+QList<OrvoPlayListItem> StoreFixture::items(int count, const QString& prefix) {
+    QList<OrvoPlayListItem> result;
+    result.reserve(count);
+    for (int i = 0; i < count; ++i)
+        result.append(item(prefix + QString::number(i)));
+    return result;
+}
+
+PlayListRecord StoreFixture::playListOf(const QList<OrvoPlayListItem>& items, const QString& name) {
+    const PlayListRecord created = database().createPlayList(name);
+    if (!items.isEmpty())
+        EXPECT_EQ(0, database().addItems(created, OrvoPlayListAddPosition::Append, items, nullptr));
+    return record(created.uid);
+}
+
+PlayListRecord StoreFixture::playListOf(const char* titles) {
+    QList<OrvoPlayListItem> list;
+    for (const char* title = titles; *title; ++title)
+        list.append(item(QString(QLatin1Char(*title))));
+    return playListOf(list);
+}
+
+PlayListRecord StoreFixture::record(int uid) {
+    if (uid == PlayListRecord::PlayQueueUid)
+        return database().getPlayQueue();
+    const QList<PlayListRecord> all = database().getPlayLists();
+    const auto found = std::find_if(all.begin(), all.end(), [uid](const PlayListRecord& pl) { return pl.uid == uid; });
+    return found == all.end() ? PlayListRecord() : *found;
+}
+
+QString StoreFixture::titles(int playlistUid) {
+    return rawTexts(QStringLiteral("SELECT title FROM playlists_items JOIN items ON item = uid WHERE playlist = %1"
+                                   " ORDER BY sequenceNumber")
+                        .arg(playlistUid))
+        .join(QLatin1Char(' '));
+}
+
+void StoreFixture::expectInvariants() {
+    Database& store = database();
+    EXPECT_EQ(QStringList(), StoreProbe::busyTexts(store)) << "statements left active";
+    EXPECT_TRUE(sqlite3_get_autocommit(StoreProbe::connection(store))) << "a transaction left open";
+    EXPECT_TRUE(StoreProbe::foreignKeysOn(StoreProbe::connection(store)));
+    EXPECT_EQ(QStringList(), rawTexts(QStringLiteral(
+                                 "SELECT 'playlist ' || playlist || ': ' || COUNT(*) || ' entries numbered ' ||"
+                                 " MIN(sequenceNumber) || ' to ' || MAX(sequenceNumber) FROM playlists_items"
+                                 " GROUP BY playlist HAVING MIN(sequenceNumber) <> 0"
+                                 " OR MAX(sequenceNumber) <> COUNT(*) - 1")))
+        << "numbers that are not dense";
+    EXPECT_EQ(QStringList(), rawTexts(QStringLiteral("SELECT title FROM items LEFT JOIN playlists_items ON item = uid"
+                                                     " GROUP BY uid HAVING COUNT(item) <> 1")))
+        << "items that do not have exactly one entry";
+    EXPECT_EQ(1, rawInt(QStringLiteral("SELECT COUNT(*) FROM playlists WHERE uid = 0")));
+    EXPECT_EQ(QStringList(QStringLiteral("ok")), rawTexts(QStringLiteral("PRAGMA integrity_check")));
+    EXPECT_EQ(QStringList(), rawTexts(QStringLiteral("PRAGMA foreign_key_check")));
+}
+
+sqlite3* StoreFixture::raw() {
+    if (!m_raw) {
+        EXPECT_EQ(SQLITE_OK, sqlite3_open(File, &m_raw));
+        // As the store has it: a raw deletion must not leave what the store could never leave.
+        sqlite3_exec(m_raw, "PRAGMA foreign_keys=1; PRAGMA synchronous=OFF;", nullptr, nullptr, nullptr);
+    }
+    return m_raw;
+}
+
+void StoreFixture::closeRaw() {
+    sqlite3_close(m_raw);
+    m_raw = nullptr;
+}
+
+bool StoreFixture::rawRun(const QString& sql) {
+    return sqlite3_exec(raw(), sql.toUtf8().constData(), nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+int StoreFixture::rawInt(const QString& sql) {
+    const QStringList texts = rawTexts(sql);
+    EXPECT_EQ(1, texts.size()) << sql.toStdString();
+    return texts.value(0, QStringLiteral("-999")).toInt();
+}
+
+QStringList StoreFixture::rawTexts(const QString& sql) {
+    QStringList texts;
+    sqlite3_stmt* statement = nullptr;
+    const int prepared = sqlite3_prepare_v2(raw(), sql.toUtf8().constData(), -1, &statement, nullptr);
+    EXPECT_EQ(SQLITE_OK, prepared) << sql.toStdString();
+    int code = SQLITE_OK;
+    while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
+        texts.append(QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement, 0)),
+                                       sqlite3_column_bytes(statement, 0)));
+    }
+    EXPECT_EQ(SQLITE_DONE, code) << sql.toStdString();
+    sqlite3_finalize(statement);
+    return texts;
+}
+
+void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << text.toStdString() << '"';
+}
+
+void PrintTo(const QStringList& texts, std::ostream* out) {
+    *out << '[' << texts.join(QStringLiteral(" | ")).toStdString() << ']';
+}
+
+void PrintTo(const QList<int>& numbers, std::ostream* out) {
+    *out << '[';
+    for (int number : numbers)
+        *out << ' ' << number;
+    *out << " ]";
+}

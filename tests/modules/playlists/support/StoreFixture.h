@@ -1,0 +1,77 @@
+#pragma once
+
+#include "Database.h"
+#include "TestApp.h"
+
+#include <gtest/gtest.h>
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <memory>
+#include <ostream>
+
+struct sqlite3;
+
+// The tests' look behind the store.
+class StoreProbe {
+public:
+    static sqlite3* connection(Database& database);
+    static bool foreignKeysOn(sqlite3* connection);
+    // Texts of the prepared statements, in the order in which they were prepared.
+    static QStringList preparedTexts(Database& database);
+    static QStringList busyTexts(Database& database);
+    // Steps of SQLite's virtual machine that the prepared statements have taken since the last call.
+    static qint64 takeSteps(Database& database);
+};
+
+// A real store in a temporary folder; see README.md.
+class StoreFixture : public ::testing::Test {
+public:
+    static constexpr const char* File = "data-rw/playlists/playlists.sqlite";
+
+protected:
+    StoreFixture();
+    ~StoreFixture() override;
+    // Opens nothing: the first use of database() does, so that a test can prepare the folder first.
+    void TearDown() override;
+
+    Database& database();
+    // Closes the store and opens it again, like a restart.
+    Database& reopen(int itemsLimit = 0, bool vacuumNeeded = false);
+    void close();
+
+    static OrvoPlayListItem item(const QString& title);
+    // Items "<prefix>0", "<prefix>1", …
+    static QList<OrvoPlayListItem> items(int count, const QString& prefix = QStringLiteral("t"));
+    // A new playlist with these items, and its record as the store has it.
+    PlayListRecord playListOf(const QList<OrvoPlayListItem>& items, const QString& name = QStringLiteral("list"));
+    // "abc": items "a", "b", "c".
+    PlayListRecord playListOf(const char* titles);
+    // The record as the store has it now; uid -1 when there is none.
+    PlayListRecord record(int uid);
+    // "a b c": the titles of all entries in order.
+    QString titles(int playlistUid);
+
+    void expectInvariants();
+
+    // Past the store, through a second connection.
+    bool rawRun(const QString& sql);
+    int rawInt(const QString& sql);
+    QStringList rawTexts(const QString& sql);
+    sqlite3* raw();
+    void closeRaw();
+
+private:
+    QString m_oldFolder;
+    QTemporaryDir m_folder;
+    std::unique_ptr<Database> m_database;
+    sqlite3* m_raw = nullptr;
+};
+
+// Qt values in test messages.
+void PrintTo(const QString& text, std::ostream* out);
+void PrintTo(const QStringList& texts, std::ostream* out);
+void PrintTo(const QList<int>& numbers, std::ostream* out);
