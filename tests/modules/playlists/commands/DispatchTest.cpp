@@ -236,7 +236,11 @@ TEST_F(DispatchTest, theSlotOfAFinishedGroupKnowsItsSender) {
     EXPECT_EQ(QStringList("Called without request group as sender"), log.errors());
 }
 
-using DispatchDeathTest = DispatchTest;
+class DispatchDeathTest : public DispatchTest {
+protected:
+    // The log has threads of its own, which a mere fork would lose.
+    void SetUp() override { ::testing::FLAGS_gtest_death_test_style = "threadsafe"; }
+};
 
 TEST_F(DispatchDeathTest, aGroupThatWasNeverRememberedEndsTheProcess) {
     CMRequestGroup stranger;
