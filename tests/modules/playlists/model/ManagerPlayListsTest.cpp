@@ -164,7 +164,7 @@ TEST_F(ManagerPlayListsTest, aMembershipThatCouldNotBeRemovedDoesNotOutliveThePl
                      " collection in DB",
                      "Unable to remove playlist (1) from collection (1)"}),
         log.errors());
-    EXPECT_EQ(QList<PlayListBase*>({&b}), one.getPlayLists());
+    ASSERT_EQ(QList<PlayListBase*>({&b}), one.getPlayLists());
     EXPECT_EQ(QList<PlayListBase*>(), two.getPlayLists());
     EXPECT_EQ(QStringList({"two playlistRemoved", "one playlistRemoved", "playlistDeleted 1"}),
               signalLog.take());

@@ -110,7 +110,7 @@ TEST_F(RestartTest, aMemberThatNoLongerExistsIsLeftOut) {
     EXPECT_EQ(QStringList({"Unknown playlist in collection", "Unknown playlist in collection"}),
               log.errors());
     ASSERT_NE(nullptr, cl);
-    EXPECT_EQ(QList<PlayListBase*>({manager().getPlayListByUid(1)}), cl->getPlayLists());
+    ASSERT_EQ(QList<PlayListBase*>({manager().getPlayListByUid(1)}), cl->getPlayLists());
     ASSERT_TRUE(rawRun("DELETE FROM collections_playlists WHERE playlist >= 70"));
     expectInStep();
 }
