@@ -7,9 +7,16 @@
 #include "OrvoPlayListPaths.h"
 #include "PlayListWatcher.h"
 #include "RootNode.h"
+#include "collection/CollectionAddToClNode.h"
+#include "collection/CollectionContextNode.h"
 #include "collection/CollectionGetItemsNode.h"
+#include "playlist/PlayListAddModeNode.h"
+#include "playlist/PlayListAddToPlaylistNode.h"
+#include "playlist/PlayListContextNode.h"
 #include "playlist/PlayListGetItemsNode.h"
 #include "playlist/PlayListGetListNode.h"
+#include "playlist/PlayListTrackContextNode.h"
+#include "playqueue/PlayQueueContextNode.h"
 #include "playqueue/PlayQueueGetItemsNode.h"
 
 PlayListUI::PlayListUI(QObject* parent, CMNodes* nodes, CMSubscribe* subscribe, PlayListManager* manager)
@@ -32,8 +39,15 @@ void PlayListUI::createFixedNodes() {
     m_listNode = PlayListGetListNode::create(m_nodes, OrvoPlayListPlGetlistPath(), m_manager);
     m_nodeList = {
         RootNode::create(m_nodes, OrvoPlayListsRootPath(), m_manager),
+        PlayQueueContextNode::create(m_nodes, OrvoPlayListPqContextPath(), m_manager),
         m_listNode,
+        PlayListAddToPlaylistNode::create(m_nodes, OrvoPlayListPlAddToPlaylistPath(), m_manager),
+        PlayListAddModeNode::create(m_nodes, OrvoPlayListPlSelectAddModePath(), m_manager),
+        PlayListContextNode::create(m_nodes, OrvoPlayListPlContextPath(), m_manager),
+        PlayListTrackContextNode::create(m_nodes, OrvoPlayListPlTrackContextPath(), m_manager),
         CollectionGetItemsNode::create(m_nodes, OrvoPlayListClGetItemsPath(), m_manager),
+        CollectionAddToClNode::create(m_nodes, OrvoPlayListClAddtoCollectionPath(), m_manager),
+        CollectionContextNode::create(m_nodes, OrvoPlayListClContextPath(), m_manager),
     };
     for (BaseNode* node : qAsConst(m_nodeList))
         node->setParent(this);

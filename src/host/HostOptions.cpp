@@ -1,0 +1,143 @@
+#include "HostOptions.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+constexpr int UsageError = 2;
+
+struct LevelRow {
+    const char* name;
+    log4cplus::LogLevel level;
+};
+constexpr LevelRow levels[] = {
+    {"trace", log4cplus::TRACE_LOG_LEVEL}, {"debug", log4cplus::DEBUG_LOG_LEVEL},
+    {"info", log4cplus::INFO_LOG_LEVEL},   {"warn", log4cplus::WARN_LOG_LEVEL},
+    {"error", log4cplus::ERROR_LOG_LEVEL}, {"fatal", log4cplus::FATAL_LOG_LEVEL},
+};
+
+QString absolute(const QString& file) {
+    return file.isEmpty() ? file : QDir::cleanPath(QDir::current().absoluteFilePath(file));
+}
+
+// A module given by its bare name is looked for among the installed ones, unless there is such a
+// file here.
+QString absoluteModule(const QString& file) {
+    const bool bare = !file.contains(QLatin1Char('/'));
+    return bare && !QFileInfo::exists(file) ? file : absolute(file);
+}
+
+// The web page beside an installed program, or in the sources around a build folder.
+QString defaultWebRoot() {
+    const QDir bin(QCoreApplication::applicationDirPath());
+    for (const char* candidate : {"../share/orvo/web", "../../../web"}) {
+        const QFileInfo folder(bin.filePath(QString::fromLatin1(candidate)));
+        if (folder.isDir())
+            return folder.canonicalFilePath();
+    }
+    return {};
+}
+
+} // namespace
+
+std::optional<HostOptions::Ending> HostOptions::read(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Loads the device's modules and runs them until it is told to end."));
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    parser.addOptions({
+        {"data",
+         "The folder for everything that is kept; made if missing, becomes the working directory.",
+         "DIR", "."},
+        {"music", "The folder with the music files.", "DIR"},
+        {"listen", "Where the HTTP interface listens.", "ADDRESS:PORT", "127.0.0.1:8080"},
+        {"module", "Load this module; repeatable, replaces the default list.", "FILE"},
+        {"log-level", "The least level to log: trace, debug, info, warn, error or fatal.", "LEVEL",
+         "info"},
+        {"log-file", "Append the log to this file instead of standard error.", "FILE"},
+        {"set", "Store a setting before the modules are loaded; repeatable.", "PATH=VALUE"},
+        {"port-file", "The file to write the port to that the HTTP interface got.", "FILE"},
+        {"web", "The folder with the web page.", "DIR"},
+    });
+
+    const auto wrong = [](const QString& text) {
+        return Ending{
+            UsageError,
+            QStringLiteral("orvo-host: %1\norvo-host: --help lists the options\n").arg(text)};
+    };
+    if (!parser.parse(arguments))
+        return wrong(parser.errorText());
+    if (parser.isSet(help) || parser.isSet(QStringLiteral("help-all")))
+        return Ending{0, parser.helpText()};
+    if (parser.isSet(version))
+        return Ending{0, QStringLiteral("orvo-host %1\n").arg(QStringLiteral(ORVO_VERSION))};
+    if (!parser.positionalArguments().isEmpty())
+        return wrong(
+            QStringLiteral("what is \"%1\"?").arg(parser.positionalArguments().constFirst()));
+    for (const QString& name : parser.optionNames()) {
+        if (parser.values(name).contains(QString()))
+            return wrong(QStringLiteral("--%1 needs a value").arg(name));
+    }
+
+    if (auto error = readListen(parser.value(QStringLiteral("listen"))))
+        return wrong(*error);
+    if (auto error = readLogLevel(parser.value(QStringLiteral("log-level"))))
+        return wrong(*error);
+    if (auto error = readSettings(parser.values(QStringLiteral("set"))))
+        return wrong(*error);
+
+    m_dataDir = absolute(parser.value(QStringLiteral("data")));
+    m_musicDir = absolute(parser.value(QStringLiteral("music")));
+    m_logFile = absolute(parser.value(QStringLiteral("log-file")));
+    m_portFile = absolute(parser.value(QStringLiteral("port-file")));
+    m_webRoot = parser.isSet(QStringLiteral("web")) ? absolute(parser.value(QStringLiteral("web")))
+                                                    : defaultWebRoot();
+    for (const QString& module : parser.values(QStringLiteral("module")))
+        m_modules.append(absoluteModule(module));
+    return {};
+}
+
+std::optional<QString> HostOptions::readListen(const QString& text) {
+    const int colon = text.lastIndexOf(QLatin1Char(':'));
+    bool isNumber = false;
+    const uint port = text.mid(colon + 1).toUInt(&isNumber);
+    constexpr uint HighestPort = 65535;
+    if (colon <= 0 || !isNumber || port > HighestPort)
+        return QStringLiteral("--listen takes ADDRESS:PORT, not \"%1\"").arg(text);
+    m_listen = text;
+    return {};
+}
+
+std::optional<QString> HostOptions::readLogLevel(const QString& text) {
+    for (const LevelRow& row : levels) {
+        if (text == QLatin1String(row.name)) {
+            m_logLevel = row.level;
+            return {};
+        }
+    }
+    return QStringLiteral("there is no log level \"%1\"").arg(text);
+}
+
+std::optional<QString> HostOptions::readSettings(const QStringList& texts) {
+    for (const QString& text : texts) {
+        const int equals = text.indexOf(QLatin1Char('='));
+        if (equals <= 0)
+            return QStringLiteral("--set takes PATH=VALUE, not \"%1\"").arg(text);
+        m_settings.append({text.left(equals), text.mid(equals + 1)});
+    }
+    return {};
+}
+
+QHash<QString, QVariant> HostOptions::moduleConfig() const {
+    return {
+        {QStringLiteral("dataDir"), m_dataDir},
+        {QStringLiteral("musicDir"), m_musicDir},
+        {QStringLiteral("gateway/listen"), m_listen},
+        {QStringLiteral("gateway/portFile"), m_portFile},
+        {QStringLiteral("gateway/webRoot"), m_webRoot},
+    };
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <log4cplus/loglevel.h>
+#include <optional>
+
+#include <QHash>
+#include <QPair>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+// What the command line asks for. A value; all file names in it are absolute, because the process
+// moves to its data folder afterwards.
+class HostOptions {
+public:
+    struct Ending {
+        int exitStatus;
+        QString text;
+    };
+
+    // Reads the arguments (the program's name first). The result is set when there is nothing to
+    // run: after --help and --version with status 0, after a wrong call with status 2 and a message
+    // that says what is wrong.
+    std::optional<Ending> read(const QStringList& arguments);
+
+    QString dataDir() const { return m_dataDir; }
+    // The --module values; empty: the default list.
+    QStringList modules() const { return m_modules; }
+    log4cplus::LogLevel logLevel() const { return m_logLevel; }
+    // Empty: standard error.
+    QString logFile() const { return m_logFile; }
+    // The --set values in the order given: path and value text.
+    QList<QPair<QString, QString>> settings() const { return m_settings; }
+
+    // What every module is given.
+    QHash<QString, QVariant> moduleConfig() const;
+
+private:
+    std::optional<QString> readListen(const QString& text);
+    std::optional<QString> readLogLevel(const QString& text);
+    std::optional<QString> readSettings(const QStringList& texts);
+
+    QString m_dataDir;
+    QString m_musicDir;
+    QString m_listen;
+    QString m_portFile;
+    QString m_webRoot;
+    QString m_logFile;
+    QStringList m_modules;
+    QList<QPair<QString, QString>> m_settings;
+    log4cplus::LogLevel m_logLevel = log4cplus::INFO_LOG_LEVEL;
+};

@@ -1,0 +1,42 @@
+#include "OneLineLayout.h"
+
+#include <cstdio>
+#include <log4cplus/spi/loggingevent.h>
+
+void OneLineLayout::formatAndAppend(log4cplus::tostream& output,
+                                    const log4cplus::spi::InternalLoggingEvent& event) {
+    constexpr std::size_t LevelWidth = 5;
+    std::string level = log4cplus::getLogLevelManager().toString(event.getLogLevel());
+    level.resize(std::max(level.size(), LevelWidth), ' ');
+    output << log4cplus::helpers::getFormattedTime("%Y-%m-%d %H:%M:%S.%q", event.getTimestamp())
+           << ' ' << level << ' ' << event.getLoggerName() << " - " << escaped(event.getMessage())
+           << '\n';
+}
+
+std::string OneLineLayout::escaped(const std::string& text) {
+    std::string result;
+    result.reserve(text.size());
+    const auto append = [&result](unsigned code) {
+        char escape[8];
+        std::snprintf(escape, sizeof escape, "\\x%02x", code);
+        result += escape;
+    };
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
+        constexpr unsigned char Delete = 0x7f;
+        // U+0080 to U+009F, which are C2 80 to C2 9F in UTF-8, steer terminals as well.
+        constexpr unsigned char HighControlLead = 0xc2;
+        if (byte == '\n')
+            result += "\\n";
+        else if (byte == '\t')
+            result += "\\t";
+        else if (byte < ' ' || byte == Delete)
+            append(byte);
+        else if (byte == HighControlLead && next >= 0x80 && next <= 0x9f)
+            append(static_cast<unsigned char>(text[++i]));
+        else
+            result += text[i];
+    }
+    return result;
+}

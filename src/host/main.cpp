@@ -1,0 +1,95 @@
+#include <cstdio>
+#include <cstring>
+
+#include <QCoreApplication>
+#include <QTextCodec>
+#include <QTimer>
+
+#include "CMConnect.h"
+#include "CMRootWorker.h"
+#include "DataFolder.h"
+#include "HostOptions.h"
+#include "LogSetup.h"
+#include "ModuleLoader.h"
+#include "Settings.h"
+#include "SignalWatcher.h"
+
+namespace {
+
+constexpr int Failure = 1;
+constexpr int UsageError = 2;
+
+log4cplus::Logger& logger() {
+    static log4cplus::Logger instance = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Host"));
+    return instance;
+}
+
+// A start that fails is told to whoever started it, and to the log when that is somewhere else.
+int fail(const HostOptions& options, int exitStatus, const QString& text) {
+    std::fprintf(stderr, "orvo-host: %s\n", qUtf8Printable(text));
+    if (!options.logFile().isEmpty())
+        LOG4CPLUS_ERROR(logger(), text);
+    return exitStatus;
+}
+
+int run(const HostOptions& options, const LogSetup& log, const SignalWatcher& signalWatcher) {
+    if (!log.fileError().isEmpty())
+        return fail(options, Failure,
+                    QStringLiteral("cannot write the log file %1: %2")
+                        .arg(options.logFile(), log.fileError()));
+    QString error;
+    DataFolder data(options.dataDir());
+    if (!data.take(&error))
+        return fail(options, Failure, error);
+
+    CMRootWorker root(data.settingsFile());
+    Settings::applyFactorySettings(&root, data.settingsFile());
+    switch (Settings::apply(&root, options.settings(), &error)) {
+    case Settings::Outcome::Applied:
+        break;
+    case Settings::Outcome::Refused:
+        return fail(options, UsageError, error);
+    case Settings::Outcome::NotWritten:
+        return fail(options, Failure, error);
+    }
+
+    cmConnect(&signalWatcher, &SignalWatcher::endRequested, qApp, [](int signalNumber) {
+        LOG4CPLUS_INFO(logger(), "ending on " << strsignal(signalNumber));
+        QCoreApplication::quit();
+    });
+
+    ModuleLoader modules(options.moduleConfig());
+    const QStringList files =
+        options.modules().isEmpty() ? ModuleLoader::defaultModules() : options.modules();
+    for (const QString& file : files) {
+        if (!modules.load(file, &error))
+            return fail(options, Failure, error);
+    }
+
+    // Said from inside the loop: whoever waits for this line can send requests and signals.
+    QTimer::singleShot(0, qApp, [&modules] {
+        LOG4CPLUS_INFO(logger(), "ready, modules: " << modules.count());
+        std::puts("orvo-host is ready");
+        std::fflush(stdout);
+    });
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // File names and arguments are UTF-8 whatever the environment's locale is: a service often runs
+    // without one.
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("orvo-host"));
+
+    HostOptions options;
+    if (const auto ending = options.read(QCoreApplication::arguments())) {
+        std::fputs(qUtf8Printable(ending->text), ending->exitStatus == 0 ? stdout : stderr);
+        return ending->exitStatus;
+    }
+    const SignalWatcher signalWatcher;
+    const LogSetup log(options.logLevel(), options.logFile());
+    return run(options, log, signalWatcher);
+}

@@ -1,0 +1,53 @@
+#include "ApiError.h"
+
+#include "JsonWriter.h"
+
+namespace {
+
+struct Row {
+    ApiError::Kind kind;
+    int status;
+    const char* name;
+    const char* title;
+};
+
+constexpr Row Rows[] = {
+    {ApiError::Kind::Malformed, 400, "Malformed", "Malformed request"},
+    {ApiError::Kind::NoSuchResource, 404, "NoSuchResource", "Not found"},
+    {ApiError::Kind::MethodNotAllowed, 405, "MethodNotAllowed", "Method not allowed"},
+    {ApiError::Kind::TooLarge, 413, "TooLarge", "Request too large"},
+    {ApiError::Kind::TooManyReaders, 503, "TooManyReaders", "Too many readers"},
+    {ApiError::Kind::Timeout, 504, "Timeout", "No answer"},
+};
+
+constexpr int NotFound = 404;
+constexpr int Refused = 422;
+
+HttpResponse build(int status, const QString& name, const QString& title, const QString& message) {
+    JsonWriter json(64 + message.size());
+    json.raw("{\"error\":{");
+    json.member("name", true);
+    json.value(name);
+    json.member("title");
+    json.value(title);
+    json.member("message");
+    json.value(message);
+    json.raw("}}");
+    return {status, "application/json", json.text(), {{"Cache-Control", "no-store"}}};
+}
+
+} // namespace
+
+HttpResponse ApiError::response(Kind kind, const QString& message) {
+    for (const Row& row : Rows) {
+        if (row.kind == kind)
+            return build(row.status, QString::fromLatin1(row.name), QString::fromLatin1(row.title),
+                         message);
+    }
+    Q_UNREACHABLE();
+}
+
+HttpResponse ApiError::response(const CMError& error) {
+    const int status = error.name() == CMError::NoSuchNode() ? NotFound : Refused;
+    return build(status, error.name(), error.title().toString(), error.message().toString());
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "CMError.h"
+#include "HttpMessages.h"
+
+// The one shape of every refusal: {"error": {"name", "title", "message"}}.
+namespace ApiError {
+
+// Statuses that the gateway itself decides on, each with its name and its title for people.
+enum class Kind { Malformed, NoSuchResource, MethodNotAllowed, TooLarge, TooManyReaders, Timeout };
+
+HttpResponse response(Kind kind, const QString& message);
+// What a module answered: nothing at that path is 404, everything else is a refusal.
+HttpResponse response(const CMError& error);
+
+} // namespace ApiError

@@ -1,0 +1,293 @@
+#include "ApiRouter.h"
+
+#include <QSet>
+
+#include "ApiError.h"
+#include "CMRootWorker.h"
+#include "EventFeed.h"
+#include "JsonReader.h"
+#include "JsonWriter.h"
+#include "PageFiles.h"
+#include "PathNames.h"
+#include "PendingAnswer.h"
+
+namespace {
+
+HttpResponse jsonResponse(const QByteArray& text) {
+    return {200, "application/json", text, {{"Cache-Control", "no-store"}}};
+}
+
+HttpResponse malformed(const QString& message) {
+    return ApiError::response(ApiError::Kind::Malformed, message);
+}
+
+// The path a request is about. False when there is none, with the reason.
+bool readPath(const QVariant& text, CMPath* path, QString* reason) {
+    if (!text.isValid()) {
+        *reason = QStringLiteral("\"path\" is missing.");
+        return false;
+    }
+    *path = text.userType() == QMetaType::QString ? CMPath(text.toString()) : CMPath();
+    if (!path->isEmpty())
+        return true;
+    *reason = QStringLiteral("\"path\" must be a path such as \"playlists:root\".");
+    return false;
+}
+
+bool readQueryPath(const HttpRequest& request, CMPath* path, QString* reason) {
+    const auto text = request.parameter(QStringLiteral("path"));
+    return readPath(text ? QVariant(*text) : QVariant(), path, reason);
+}
+
+// The body of a writing request: {"path": P, "value": …}.
+bool readBody(const HttpRequest& request, CMPath* path, QVariant* value, QString* reason) {
+    QVariantHash body;
+    if (!JsonReader::readObject(request.body, &body, reason))
+        return false;
+    if (!readPath(body.value(QStringLiteral("path")), path, reason))
+        return false;
+    if (!body.contains(QStringLiteral("value"))) {
+        *reason = QStringLiteral("\"value\" is missing.");
+        return false;
+    }
+    *value = body.value(QStringLiteral("value"));
+    return true;
+}
+
+// A row number: absent it stays what it is. False when it is no whole number from 0 on.
+bool readRowNumber(const HttpRequest& request, const QString& name, int* row, QString* reason) {
+    const auto text = request.parameter(name);
+    if (!text)
+        return true;
+    bool ok = !text->isEmpty();
+    for (const QChar c : *text)
+        ok = ok && c >= QLatin1Char('0') && c <= QLatin1Char('9');
+    const int number = ok ? text->toInt(&ok) : 0;
+    if (ok)
+        *row = number;
+    else
+        *reason = QStringLiteral("\"%1\" must be a whole number from 0 to %2.")
+                      .arg(name)
+                      .arg(CMGetRowsRequest::LastRow);
+    return ok;
+}
+
+QStringList readRoleNames(const HttpRequest& request) {
+    QStringList names = request.parameter(QStringLiteral("roles"))
+                            .value_or(QString())
+                            .split(QLatin1Char(','), Qt::SkipEmptyParts);
+    names.removeDuplicates();
+    return names.isEmpty() ? OrvoRoles::defaultNames() : names;
+}
+
+// The row's values stand in the order of the role names; a value that is not there is null.
+QByteArray renderRows(const OrvoRowsRoles& answer, const QStringList& roleNames) {
+    QVector<QByteArray> keys;
+    keys.reserve(roleNames.size());
+    for (const QString& name : roleNames)
+        keys.append((keys.isEmpty() ? "" : ",") + JsonWriter::quoted(name) + ':');
+    const QVariantList rows = answer.rows();
+    JsonWriter json(256 + rows.size() * 512);
+    json.beginObject();
+    json.member("title", true);
+    json.value(answer.roles().title().toString());
+    json.member("rowsCount");
+    json.value(qint64(answer.rowsCount()));
+    json.member("roles");
+    json.value(answer.roles().toVariant());
+    json.member("rows");
+    json.raw("[");
+    bool first = true;
+    for (const QVariant& row : rows) {
+        json.raw(first ? "{" : ",{");
+        first = false;
+        const QVariantList values = row.toList();
+        for (int i = 0; i < keys.size(); ++i) {
+            json.raw(keys.at(i));
+            json.value(values.value(i));
+        }
+        json.endObject();
+    }
+    json.raw("]}");
+    return json.text();
+}
+
+QByteArray renderMember(const char* name, const QVariant& value) {
+    JsonWriter json;
+    json.beginObject();
+    json.member(name, true);
+    json.value(value);
+    json.endObject();
+    return json.text();
+}
+
+bool isData(const QVariant& value) {
+    return value.userType() == QMetaType::QVariantHash ||
+           value.userType() == QMetaType::QVariantList;
+}
+
+} // namespace
+
+const QVector<ApiRouter::Route>& ApiRouter::routes() {
+    static const QVector<Route> table = {
+        {"GET", "/api/paths", &ApiRouter::getPaths, true},
+        {"GET", "/api/rows", &ApiRouter::getRows, true},
+        {"POST", "/api/data", &ApiRouter::postData, false},
+        {"GET", "/api/value", &ApiRouter::getValue, true},
+        {"PUT", "/api/value", &ApiRouter::putValue, false},
+        {"GET", "/api/events", &ApiRouter::getEvents, false},
+    };
+    return table;
+}
+
+void ApiRouter::handle(const Exchange& exchange) {
+    const HttpRequest& request = exchange->request();
+    if (request.bodyTooLarge) {
+        exchange->respond(ApiError::response(
+            ApiError::Kind::TooLarge,
+            QStringLiteral("The body is larger than %1 bytes.").arg(HttpServer::MaxBody)));
+        return;
+    }
+    if (request.illegalText) {
+        exchange->respond(malformed(QStringLiteral("The address is no UTF-8.")));
+        return;
+    }
+    QStringList allowed;
+    for (const Route& route : routes()) {
+        if (request.path != QLatin1String(route.path))
+            continue;
+        if (request.method == route.method || (route.answersHead && request.method == "HEAD")) {
+            (this->*route.handler)(exchange);
+            return;
+        }
+        allowed.append(QString::fromLatin1(route.method));
+        if (route.answersHead)
+            allowed.append(QStringLiteral("HEAD"));
+    }
+    refuseUnrouted(exchange, allowed);
+}
+
+void ApiRouter::refuseUnrouted(const Exchange& exchange, const QStringList& allowed) {
+    const HttpRequest& request = exchange->request();
+    QStringList methods = allowed;
+    if (methods.isEmpty() && !request.path.startsWith(QLatin1String("/api/"))) {
+        if (const auto page = m_pages->find(request.path, request.ifNoneMatch)) {
+            if (request.method == "GET" || request.method == "HEAD") {
+                exchange->respond(*page);
+                return;
+            }
+            methods = QStringList{QStringLiteral("GET"), QStringLiteral("HEAD")};
+        }
+    }
+    if (methods.isEmpty()) {
+        exchange->respond(
+            ApiError::response(ApiError::Kind::NoSuchResource,
+                               QStringLiteral("There is no %1 here.").arg(request.path)));
+        return;
+    }
+    const QString allow = methods.join(QStringLiteral(", "));
+    HttpResponse response = ApiError::response(
+        ApiError::Kind::MethodNotAllowed, QStringLiteral("%1 takes %2.").arg(request.path, allow));
+    response.headers.append({"Allow", allow.toLatin1()});
+    exchange->respond(response);
+}
+
+void ApiRouter::getPaths(const Exchange& exchange) {
+    exchange->respond(jsonResponse(PathNames::json()));
+}
+
+void ApiRouter::getRows(const Exchange& exchange) {
+    const HttpRequest& request = exchange->request();
+    CMPath path;
+    QString reason;
+    int from = 0;
+    int to = CMGetRowsRequest::LastRow;
+    if (!readQueryPath(request, &path, &reason) ||
+        !readRowNumber(request, QStringLiteral("from"), &from, &reason) ||
+        !readRowNumber(request, QStringLiteral("to"), &to, &reason)) {
+        exchange->respond(malformed(reason));
+        return;
+    }
+    const QStringList roleNames = readRoleNames(request);
+    PendingAnswer::request<CMReplyData<OrvoRowsRoles>>(
+        exchange, m_answerTimeoutMs,
+        [&](const CMReplyData<OrvoRowsRoles>& reply) {
+            CMRoot()->getRowsRequest(CMGetRowsRequest(path, from, to, roleNames, reply));
+        },
+        [roleNames](const OrvoRowsRoles& answer) {
+            return jsonResponse(renderRows(answer, roleNames));
+        });
+}
+
+void ApiRouter::postData(const Exchange& exchange) {
+    CMPath path;
+    QVariant value;
+    QString reason;
+    if (!readBody(exchange->request(), &path, &value, &reason)) {
+        exchange->respond(malformed(reason));
+        return;
+    }
+    // A module may take a set-data request without data for a programming error: it never gets one
+    // from outside.
+    if (!isData(value)) {
+        exchange->respond(malformed(QStringLiteral("\"value\" must be an object or a list.")));
+        return;
+    }
+    PendingAnswer::request<CMReply<QVariant>>(
+        exchange, m_answerTimeoutMs,
+        [&](const CMReply<QVariant>& reply) {
+            CMRoot()->setDataRequest(CMSetDataRequest(path, value, reply));
+        },
+        [](const QVariant& result) { return jsonResponse(renderMember("result", result)); });
+}
+
+void ApiRouter::getValue(const Exchange& exchange) {
+    CMPath path;
+    QString reason;
+    if (!readQueryPath(exchange->request(), &path, &reason)) {
+        exchange->respond(malformed(reason));
+        return;
+    }
+    const QVariant value = CMRoot()->getValue(path);
+    exchange->respond(
+        value.isValid() ? jsonResponse(renderMember("value", value))
+                        : ApiError::response(CMError(
+                              CMError::NoSuchNode(),
+                              TrString("ApiRouter", "There is no value at %1.", {path.toString()}),
+                              CMError::DefaultTitle())));
+}
+
+void ApiRouter::putValue(const Exchange& exchange) {
+    CMPath path;
+    QVariant value;
+    QString reason;
+    if (!readBody(exchange->request(), &path, &value, &reason)) {
+        exchange->respond(malformed(reason));
+        return;
+    }
+    PendingAnswer::request<CMVoidReply>(
+        exchange, m_answerTimeoutMs,
+        [&](const CMVoidReply& reply) { CMRoot()->setValue(path, value, reply); },
+        [path] { return jsonResponse(renderMember("value", CMRoot()->getValue(path))); });
+}
+
+void ApiRouter::getEvents(const Exchange& exchange) {
+    const HttpRequest& request = exchange->request();
+    // The header is newer: a browser sends it with every reconnection, beside the address it began
+    // with.
+    const QString text = request.lastEventId.isEmpty()
+                             ? request.parameter(QStringLiteral("lastEventId")).value_or(QString())
+                             : QString::fromLatin1(request.lastEventId);
+    std::optional<quint64> lastEventId;
+    if (!text.isEmpty()) {
+        // What is no number is no id of this run either: such a reader is told to read everything
+        // again.
+        bool ok = false;
+        const quint64 number = text.toULongLong(&ok);
+        lastEventId = ok ? number : EventHistory::NoId;
+    }
+    if (!m_feed->serve(exchange, lastEventId))
+        exchange->respond(ApiError::response(
+            ApiError::Kind::TooManyReaders,
+            QStringLiteral("%1 readers are connected.").arg(EventFeed::MaxStreams)));
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+
+#include "CMPath.h"
+#include "HttpServer.h"
+
+class EventFeed;
+class PageFiles;
+
+// The table of resources: reads a request, sends it into the data model through the root, renders
+// what comes back. Owned by the worker, on its thread. Whatever a client sends is answered; nothing
+// here fails otherwise.
+class ApiRouter {
+public:
+    ApiRouter(EventFeed* feed, const PageFiles* pages, int answerTimeoutMs)
+        : m_feed(feed), m_pages(pages), m_answerTimeoutMs(answerTimeoutMs) {}
+
+    void handle(const std::shared_ptr<HttpExchange>& exchange);
+
+private:
+    using Exchange = std::shared_ptr<HttpExchange>;
+    struct Route {
+        const char* method;
+        const char* path;
+        void (ApiRouter::*handler)(const Exchange&);
+        bool answersHead; // like GET, without the body
+    };
+    static const QVector<Route>& routes();
+
+    void getPaths(const Exchange& exchange);
+    void getRows(const Exchange& exchange);
+    void postData(const Exchange& exchange);
+    void getValue(const Exchange& exchange);
+    void putValue(const Exchange& exchange);
+    void getEvents(const Exchange& exchange);
+    void refuseUnrouted(const Exchange& exchange, const QStringList& allowed);
+
+    EventFeed* m_feed;
+    const PageFiles* m_pages;
+    int m_answerTimeoutMs;
+};

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include <QObject>
+#include <QTimer>
+
+#include "CMSubscribe.h"
+#include "EventHistory.h"
+
+class EventStream;
+class HttpExchange;
+
+// Turns every change of the data model into an event and wakes those who read them. Owned by the
+// worker, outlives the server that carries the streams; the worker's thread. Never fails: what a
+// reader missed it is told to read again.
+class EventFeed : public QObject {
+    Q_OBJECT
+public:
+    // More readers than this are sent away: they would use up the connections that requests need.
+    static constexpr int MaxStreams = 256;
+
+    EventFeed(CMSubscribe* events, const EventHistory::Limits& limits, int commentIntervalMs);
+
+    // Answers the exchange with a stream. False when there are too many already.
+    bool serve(const std::shared_ptr<HttpExchange>& exchange, std::optional<quint64> lastEventId);
+
+    const EventHistory& history() const { return m_history; }
+    int streams() const { return m_streams.size(); }
+
+private:
+    friend class EventStream;
+    void remove(EventStream* stream);
+
+    void onChanged(const CMChange& change);
+    void sendComments();
+    void wakeAll();
+
+    EventHistory m_history;
+    QTimer m_commentTimer;
+    QHash<EventStream*, std::weak_ptr<HttpExchange>> m_streams;
+};

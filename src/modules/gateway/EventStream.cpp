@@ -1,0 +1,59 @@
+#include "EventStream.h"
+
+#include <cstring>
+
+#include "EventFeed.h"
+
+namespace {
+// How long a browser waits before it connects again, in milliseconds.
+constexpr int RetryMs = 2000;
+} // namespace
+
+EventStream::EventStream(EventFeed* feed, std::optional<quint64> lastEventId) : m_feed(feed) {
+    const EventHistory& history = feed->history();
+    m_position = lastEventId.value_or(history.lastId());
+    m_frame = "retry: " + QByteArray::number(RetryMs) + '\n';
+    if (!history.reaches(m_position))
+        m_position = EventHistory::NoId;
+    else // a reader that loses its connection before the first event can name the place, too
+        m_frame += "id: " + QByteArray::number(m_position) + '\n';
+    m_frame += '\n';
+}
+
+EventStream::~EventStream() {
+    m_feed->remove(this);
+}
+
+qint64 EventStream::read(char* buffer, qint64 size) {
+    qint64 count = 0;
+    while (count < size && (m_sent < m_frame.size() || nextFrame())) {
+        const qint64 part = qMin<qint64>(size - count, m_frame.size() - m_sent);
+        std::memcpy(buffer + count, m_frame.constData() + m_sent, size_t(part));
+        m_sent += int(part);
+        count += part;
+    }
+    return count;
+}
+
+void EventStream::sendComment() {
+    if (m_sent == m_frame.size() && m_position == m_feed->history().lastId())
+        m_commentDue = true;
+}
+
+bool EventStream::nextFrame() {
+    const EventHistory& history = m_feed->history();
+    m_sent = 0;
+    if (!history.reaches(m_position)) {
+        m_position = history.lastId();
+        m_frame = "id: " + QByteArray::number(m_position) + "\nevent: resync\ndata: {}\n\n";
+    } else if (m_position != history.lastId()) {
+        m_frame = history.frameAfter(m_position++);
+    } else if (m_commentDue) {
+        m_frame = ": still here\n\n";
+    } else {
+        m_frame.clear();
+        return false;
+    }
+    m_commentDue = false;
+    return true;
+}

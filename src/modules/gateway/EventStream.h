@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+
+#include <QByteArray>
+
+#include "HttpMessages.h"
+
+class EventFeed;
+
+// One reader of the events: a place in the feed's history and the frame that is just being sent. A
+// reader that is too slow falls out of the history and is told to read everything again; it costs
+// no memory and delays nobody. Owned by its connection; the feed knows it while it lives.
+class EventStream : public HttpBodySource {
+public:
+    // Goes on after `lastEventId`, or begins with what comes next.
+    EventStream(EventFeed* feed, std::optional<quint64> lastEventId);
+    ~EventStream() override;
+    EventStream(const EventStream&) = delete;
+    EventStream& operator=(const EventStream&) = delete;
+
+    qint64 read(char* buffer, qint64 size) override;
+    // Sends a comment line unless something is on its way anyhow.
+    void sendComment();
+
+private:
+    bool nextFrame();
+
+    EventFeed* m_feed;
+    quint64 m_position;
+    QByteArray m_frame;
+    int m_sent = 0;
+    bool m_commentDue = false;
+};

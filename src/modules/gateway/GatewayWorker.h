@@ -1,0 +1,39 @@
+#pragma once
+
+#include "ApiRouter.h"
+#include "CMWorker.h"
+#include "EventFeed.h"
+#include "HttpServer.h"
+#include "PageFiles.h"
+
+// The gateway module: builds and wires the HTTP side of the data model. Made by worker_create,
+// owned by the host, on its thread. The port in use is the value at "gateway:port".
+//
+// Configuration, all optional:
+//   gateway/listen           ADDRESS:PORT, port 0 for any free one; default 127.0.0.1:8080
+//   gateway/portFile         file to write the port in use to, atomically
+//   gateway/webRoot          folder of the web page's files
+//   gateway/answerTimeoutMs  how long a module may take to answer; default 30000
+//   gateway/commentMs        how often a silent event stream shows that it lives; default 15000
+//   gateway/historyEvents    how many events a reader can come back to; default 4096
+class GatewayWorker : public CMNodesWorker {
+    Q_OBJECT
+public:
+    explicit GatewayWorker(const QHash<QString, QVariant>& config);
+
+    // Opens the port. False when that is impossible: logged as fatal, the module is of no use then.
+    bool start();
+    quint16 port() const { return m_server.port(); }
+    int openStreams() const { return m_feed.streams(); }
+
+    QVariant getValue(const CMPath& path) override;
+
+private:
+    bool writePortFile(const QString& file) const;
+
+    // The server carries the streams that the feed knows, so it goes first.
+    EventFeed m_feed;
+    PageFiles m_pages;
+    ApiRouter m_router;
+    HttpServer m_server;
+};

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <memory>
+
+#include <QHash>
+#include <QObject>
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include "HttpMessages.h"
+
+struct MHD_Connection;
+struct MHD_Daemon;
+class HttpServer;
+
+// One request and the answer it waits for. Shared by the server and whoever answers; either may
+// outlive the other: an answer to a connection that is gone is dropped. The first answer wins. The
+// server's thread only.
+class HttpExchange : public std::enable_shared_from_this<HttpExchange> {
+public:
+    const HttpRequest& request() const { return m_request; }
+    void respond(HttpResponse response);
+    // Answers 200 with a body without end.
+    void respondStream(const QByteArray& contentType, std::unique_ptr<HttpBodySource> source);
+    // The stream's source has something to read again.
+    void wake();
+
+private:
+    friend class HttpServer;
+
+    HttpRequest m_request;
+    qint64 m_received = 0;
+    std::optional<HttpResponse> m_response;
+    std::unique_ptr<HttpBodySource> m_source;
+    MHD_Connection* m_connection = nullptr; // null once the connection is gone
+    HttpServer* m_server = nullptr;
+    bool m_answered = false;
+    bool m_suspended = false;
+};
+
+// An HTTP server inside the Qt event loop: libmicrohttpd without a thread of its own, its epoll
+// descriptor watched by a notifier. Owned by the worker, on its thread. Requests reach the handler
+// outside the library's callbacks, so a handler may take its time, answer later, or run an event
+// loop. What a client sends never fails the server; an address that cannot be bound makes listen()
+// return false.
+class HttpServer : public QObject {
+    Q_OBJECT
+public:
+    static constexpr qint64 MaxBody = 8 * 1024 * 1024;
+
+    using Handler = std::function<void(const std::shared_ptr<HttpExchange>&)>;
+
+    explicit HttpServer(Handler handler, QObject* parent = nullptr);
+    ~HttpServer() override;
+
+    // `address` is "127.0.0.1:8080", "[::1]:8080" or "localhost:8080"; port 0 takes any free one.
+    bool listen(const QString& address, QString* error);
+    // The port in use, 0 before listen().
+    quint16 port() const { return m_port; }
+    int openExchanges() const { return m_open.size(); }
+
+private:
+    friend class HttpExchange;
+    struct Callbacks;
+
+    void run();
+    void dispatchArrived();
+    void armTimer();
+    void resume(HttpExchange& exchange);
+
+    Handler m_handler;
+    MHD_Daemon* m_daemon = nullptr;
+    quint16 m_port = 0;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    QTimer m_timer;
+    std::deque<std::shared_ptr<HttpExchange>> m_arrived;
+    QHash<HttpExchange*, std::shared_ptr<HttpExchange>> m_open;
+    bool m_inLibrary = false;
+    bool m_resumed = false;
+};

@@ -1,0 +1,82 @@
+#include "ListenSocket.h"
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int Backlog = 128;
+
+QString systemError(const QString& what) {
+    return QStringLiteral("%1: %2").arg(what, QString::fromLocal8Bit(std::strerror(errno)));
+}
+
+quint16 boundPort(int descriptor) {
+    sockaddr_storage bound{};
+    socklen_t length = sizeof bound;
+    if (getsockname(descriptor, reinterpret_cast<sockaddr*>(&bound), &length) != 0)
+        return 0;
+    // The port stands at the same place in both families.
+    return ntohs(reinterpret_cast<const sockaddr_in*>(&bound)->sin_port);
+}
+
+} // namespace
+
+ListenSocket::~ListenSocket() {
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
+}
+
+int ListenSocket::release() {
+    const int descriptor = m_descriptor;
+    m_descriptor = -1;
+    return descriptor;
+}
+
+bool ListenSocket::open(const QString& address, QString* error) {
+    const int colon = address.lastIndexOf(QLatin1Char(':'));
+    bool portOk = false;
+    const ushort port = address.mid(colon + 1).toUShort(&portOk);
+    QString host = address.left(qMax(colon, 0));
+    if (host.startsWith(QLatin1Char('[')) && host.endsWith(QLatin1Char(']')))
+        host = host.mid(1, host.size() - 2);
+    if (host == QLatin1String("localhost"))
+        host = QStringLiteral("127.0.0.1");
+    if (host.isEmpty() || !portOk) {
+        *error = QStringLiteral("\"%1\" is not ADDRESS:PORT").arg(address);
+        return false;
+    }
+
+    addrinfo hints{};
+    hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV;
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo* found = nullptr;
+    if (getaddrinfo(host.toUtf8().constData(), QByteArray::number(port).constData(), &hints,
+                    &found) != 0) {
+        *error = QStringLiteral("\"%1\" is not a numeric address").arg(host);
+        return false;
+    }
+    const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> info(found, freeaddrinfo);
+
+    m_descriptor = ::socket(info->ai_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (m_descriptor < 0) {
+        *error = systemError(QStringLiteral("socket"));
+        return false;
+    }
+    const int on = 1;
+    // A device that is started again at once gets its port although old connections linger in it.
+    ::setsockopt(m_descriptor, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    if (::bind(m_descriptor, info->ai_addr, info->ai_addrlen) != 0 ||
+        ::listen(m_descriptor, Backlog) != 0) {
+        *error = systemError(address);
+        ::close(release());
+        return false;
+    }
+    m_port = boundPort(m_descriptor);
+    return true;
+}

@@ -1,0 +1,56 @@
+#include "PathNames.h"
+
+#include "CMValueStore.h"
+#include "JsonWriter.h"
+#include "OrvoPlayListPaths.h"
+
+namespace {
+
+struct NamedPath {
+    const char* function;
+    QString path;
+};
+using Table = QVector<NamedPath>;
+
+Table playListPaths() {
+    Table table;
+    for (const OrvoPathRow& row : orvoPlayListPaths())
+        table.append({row.function, QString::fromLatin1(row.path)});
+    return table;
+}
+
+Table valuePaths() {
+    Table table;
+    for (const CMValueDeclaration& row : CMValueStore::declarations())
+        table.append({row.function, QString::fromLatin1(row.path)});
+    return table;
+}
+
+Table callNames() {
+    return {{"OrvoPlayListPrepareItems", OrvoPlayListPrepareItems()}};
+}
+
+// Every library with path functions has its table here.
+constexpr Table (*Tables[])() = {playListPaths, valuePaths, callNames};
+
+QByteArray render() {
+    JsonWriter json;
+    json.beginObject();
+    bool first = true;
+    for (const auto& table : Tables) {
+        for (const NamedPath& row : table()) {
+            json.member(row.function, first);
+            json.value(row.path);
+            first = false;
+        }
+    }
+    json.endObject();
+    return json.text();
+}
+
+} // namespace
+
+const QByteArray& PathNames::json() {
+    static const QByteArray text = render();
+    return text;
+}

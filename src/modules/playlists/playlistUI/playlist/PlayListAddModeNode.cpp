@@ -1,0 +1,42 @@
+#include "PlayListAddModeNode.h"
+
+#include "OrvoPlayListCommands.h"
+#include "OrvoPlayListPaths.h"
+
+PlayListAddModeNode* PlayListAddModeNode::create(CMNodes* nodes, const CMPath& path, PlayListManager* manager) {
+    return createNode<PlayListAddModeNode>(nodes, path, manager);
+}
+
+bool PlayListAddModeNode::getRowsRequest(const CMGetRowsRequest& request) {
+    struct AddMode {
+        const char* title;
+        OrvoPlayListAddPosition::Enum position;
+    };
+    static constexpr AddMode modes[] = {{"Now", OrvoPlayListAddPosition::Now},
+                                        {"After current", OrvoPlayListAddPosition::AfterCurrent},
+                                        {"Append", OrvoPlayListAddPosition::Append}};
+    QList<OrvoRoles> entries;
+    for (const AddMode& mode : modes) {
+        CMPath entry = path();
+        entry.setParams(request.path().params());
+        entries.append(actionRow(TrString("PlayListAddModeNode", mode.title),
+                                 entry.addParam(Mode(), toStr(int(mode.position)))));
+    }
+    sendMenu(entries, TrString("PlayListAddModeNode", "Playlists"), request);
+    return true;
+}
+
+bool PlayListAddModeNode::setDataRequest(const CMSetDataRequest& request) {
+    const QMap<QString, QString>& params = request.path().params();
+    OrvoPlayListPlAddItems args;
+    if (params.contains(Plid()))
+        args.setPlid(toInt(params.value(Plid()), -1));
+    if (params.contains(FromPlid()))
+        args.setFromPlid(toInt(params.value(FromPlid()), -1));
+    if (params.contains(Mode()))
+        args.setMode(OrvoPlayListAddPosition::Enum(params.value(Mode()).toInt()));
+    if (params.contains(ItemId()))
+        args.setItems({params.value(ItemId())});
+    sendCommand(OrvoPlayListPlAddItemsPath(), args, request);
+    return true;
+}

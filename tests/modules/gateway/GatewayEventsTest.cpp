@@ -1,0 +1,209 @@
+#include <QRegularExpression>
+#include <QSet>
+
+#include "GatewayFixture.h"
+
+namespace {
+
+class GatewayEvents : public GatewayFixture {
+protected:
+    // Opens a stream and waits until it is live. `text` is what came so far.
+    struct Reader {
+        explicit Reader(quint16 port, const QByteArray& query = {}, const QByteArray& headers = {})
+            : http(port) {
+            http.write("GET /api/events" + query + " HTTP/1.1\r\nHost: x\r\n" + headers + "\r\n");
+            http.readUntil("retry: 2000\n");
+        }
+        QByteArray until(const QByteArray& wanted) { return http.readUntil(wanted); }
+        HttpClient http;
+    };
+
+    void change(int row) {
+        events().rowsChanged(CMPath(QStringLiteral("test:list")), {CMSubscribe::RowInserted(row)},
+                             0, -1);
+    }
+
+    static QList<quint64> idsOf(const QByteArray& text) {
+        QList<quint64> ids;
+        static const QRegularExpression pattern(QStringLiteral("id: (\\d+)\nevent: "));
+        auto it = pattern.globalMatch(QString::fromUtf8(text));
+        while (it.hasNext())
+            ids.append(it.next().captured(1).toULongLong());
+        return ids;
+    }
+};
+
+} // namespace
+
+TEST_F(GatewayEvents, everyChangeIsOneEvent) {
+    Reader reader(port());
+    events().rowsChanged(CMPath(QStringLiteral("test:list")), {"+4", "+5"}, 0, -1);
+    events().changedStartingWith(CMPath(QStringLiteral("test:a b")), CMSubscribe::RowsChangeReset(),
+                                 -1);
+    events().valueChanged(CMPath(QStringLiteral("test:number")), OrvoValue::fromI32(2),
+                          OrvoValue::fromBool(true));
+    const QByteArray text = reader.until("oldValue");
+    EXPECT_TRUE(text.contains("Content-Type: text/event-stream\r\n"));
+    EXPECT_TRUE(text.contains(
+        "event: rows\ndata: {\"path\":\"test:list\",\"changes\":[\"+4\",\"+5\"],\"start\":0,\"count\":-1}\n\n"));
+    EXPECT_TRUE(text.contains(
+        "event: startingWith\ndata: {\"path\":\"test:a%20b\",\"changes\":[\"reset\"],\"start\":-1,\"count\":-1}\n\n"));
+    EXPECT_TRUE(text.contains(
+        "event: value\ndata: {\"path\":\"test:number\",\"value\":{\"i32\":2},\"oldValue\":{\"bool\":true}}\n\n"));
+    const QList<quint64> ids = idsOf(text);
+    ASSERT_EQ(ids.size(), 3);
+    EXPECT_EQ(ids.at(1), ids.at(0) + 1);
+    EXPECT_EQ(ids.at(2), ids.at(0) + 2);
+}
+
+TEST_F(GatewayEvents, aSettingThatIsSetOverHttpIsAnEvent) {
+    Reader reader(port());
+    HttpClient http(port());
+    ASSERT_EQ(http.put("/api/value", R"({"path":"powermanager:target","value":2})").status, 200);
+    EXPECT_TRUE(
+        reader.until("oldValue")
+            .contains(R"({"path":"powermanager:target","value":{"target":2},"oldValue":{}})"));
+}
+
+TEST_F(GatewayEvents, everyReaderGetsEveryEvent) {
+    Reader one(port());
+    Reader two(port());
+    change(1);
+    EXPECT_TRUE(one.until("\"+1\"").contains("\"+1\""));
+    EXPECT_TRUE(two.until("\"+1\"").contains("\"+1\""));
+}
+
+TEST_F(GatewayEvents, aReaderGoesOnWhereItWas) {
+    quint64 first = 0;
+    {
+        Reader reader(port());
+        change(1);
+        first = idsOf(reader.until("\"+1\"")).value(0);
+    }
+    change(2);
+    change(3);
+    for (Reader* reader :
+         {new Reader(port(), {}, "Last-Event-ID: " + QByteArray::number(first) + "\r\n"),
+          new Reader(port(), "?lastEventId=" + QByteArray::number(first))}) {
+        const QByteArray text = reader->until("\"+3\"");
+        EXPECT_EQ(idsOf(text), (QList<quint64>{first + 1, first + 2}));
+        EXPECT_FALSE(text.contains("resync"));
+        EXPECT_FALSE(text.contains("\"+1\""));
+        delete reader;
+    }
+}
+
+TEST_F(GatewayEvents, theHeaderCountsMoreThanTheAddress) {
+    Reader reader(port());
+    change(1);
+    const quint64 first = idsOf(reader.until("\"+1\"")).value(0);
+    change(2);
+    Reader again(port(), "?lastEventId=5", "Last-Event-ID: " + QByteArray::number(first) + "\r\n");
+    EXPECT_EQ(idsOf(again.until("\"+2\"")), QList<quint64>{first + 1});
+}
+
+TEST_F(GatewayEvents, aReaderThatSawNoEventYetStillKnowsItsPlace) {
+    Reader reader(port());
+    static const QRegularExpression pattern(QStringLiteral("retry: 2000\nid: (\\d+)\n\n"));
+    const QByteArray id =
+        pattern.match(QString::fromUtf8(reader.until("\nid: "))).captured(1).toLatin1();
+    ASSERT_FALSE(id.isEmpty());
+    reader.http.socket().abort();
+    change(1);
+    Reader again(port(), {}, "Last-Event-ID: " + id + "\r\n");
+    const QByteArray text = again.until("\"+1\"");
+    EXPECT_TRUE(text.contains("\"+1\""));
+    EXPECT_FALSE(text.contains("resync"));
+}
+
+TEST_F(GatewayEvents, whereTheHistoryNoLongerReachesTheReaderIsToldToReadAgain) {
+    restart({{"gateway/historyEvents", 3}});
+    Reader reader(port());
+    change(1);
+    const quint64 first = idsOf(reader.until("\"+1\"")).value(0);
+    for (int i = 2; i < 10; ++i)
+        change(i);
+    Reader again(port(), {}, "Last-Event-ID: " + QByteArray::number(first) + "\r\n");
+    const QByteArray text = again.until("event: resync\ndata: {}\n\n");
+    EXPECT_EQ(idsOf(text), QList<quint64>{first + 8});
+    change(77);
+    EXPECT_TRUE(
+        again.until("\"+77\"").contains("id: " + QByteArray::number(first + 9) + "\nevent: rows"));
+}
+
+TEST_F(GatewayEvents, anIdOfAnotherRunOrNoneAtAllMeansReadAgain) {
+    Reader reader(port());
+    change(1);
+    const quint64 first = idsOf(reader.until("\"+1\"")).value(0);
+    restart();
+    for (const QByteArray& id :
+         {QByteArray::number(first), QByteArray("0"), QByteArray("abc"), QByteArray("-1"),
+          QByteArray("99999999999999999999999"), QByteArray("18446744073709551615")}) {
+        Reader again(port(), {}, "Last-Event-ID: " + id + "\r\n");
+        EXPECT_TRUE(again.until("event: resync").contains("event: resync\ndata: {}\n\n"))
+            << id.data();
+    }
+}
+
+TEST_F(GatewayEvents, aSilentStreamShowsThatItLives) {
+    restart({{"gateway/commentMs", 20}});
+    Reader reader(port());
+    const QByteArray text = reader.until(": still here\n\n");
+    EXPECT_TRUE(text.contains(": still here\n\n"));
+    EXPECT_TRUE(idsOf(text).isEmpty());
+}
+
+TEST_F(GatewayEvents, aReaderThatTakesNothingDelaysNobodyAndIsToldToReadAgain) {
+    restart({{"gateway/historyEvents", 100}});
+    Reader slow(port());
+    slow.http.socket().setReadBufferSize(1024);
+    Reader quick(port());
+    // Far more than the sockets between us hold: 400 MB would be needed to keep it all.
+    const QStringList large{QString(100000, QLatin1Char('x'))};
+    for (int i = 0; i < 400; ++i) {
+        events().rowsChanged(CMPath(QStringLiteral("test:list")), large, 0, -1);
+        if (i % 20 == 0)
+            runFor(1);
+    }
+    change(5);
+    EXPECT_TRUE(quick.until("\"+5\"").contains("\"+5\""));
+    slow.http.socket().setReadBufferSize(0);
+    const QByteArray text = slow.until("event: resync");
+    EXPECT_TRUE(text.contains("event: resync"));
+    EXPECT_LT(idsOf(text).size(), 200);
+    change(6);
+    EXPECT_TRUE(slow.until("\"+6\"").contains("\"+6\""));
+}
+
+TEST_F(GatewayEvents, readersThatGoAwayAreForgotten) {
+    restart({{"gateway/commentMs", 10}});
+    for (int i = 0; i < 20; ++i) {
+        Reader reader(port());
+        reader.http.socket().abort();
+    }
+    HttpClient http(port());
+    EXPECT_EQ(http.get("/api/paths").status, 200);
+    change(1);
+    EXPECT_TRUE(waitFor([this] { return m_gateway->openStreams() == 0; }));
+}
+
+TEST_F(GatewayEvents, tooManyReadersAreSentAway) {
+    std::vector<std::unique_ptr<HttpClient>> readers;
+    for (int i = 0; i < EventFeed::MaxStreams; ++i) {
+        readers.push_back(std::make_unique<HttpClient>(port()));
+        readers.back()->write("GET /api/events HTTP/1.1\r\nHost: x\r\n\r\n");
+    }
+    ASSERT_TRUE(waitFor([this] { return m_gateway->openStreams() == EventFeed::MaxStreams; }));
+    HttpClient http(port());
+    const HttpAnswer answer = http.get("/api/events");
+    EXPECT_EQ(answer.status, 503);
+    EXPECT_EQ(answer.errorName(), "TooManyReaders");
+    EXPECT_EQ(http.get("/api/paths").status, 200);
+}
+
+TEST_F(GatewayEvents, theGatewayEndsWithReadersConnected) {
+    Reader reader(port());
+    m_gateway.reset();
+    change(1);
+    EXPECT_FALSE(reader.until("\"+1\"").contains("\"+1\""));
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <memory>
+
+#include <QTemporaryDir>
+
+#include "CMRootWorker.h"
+#include "GatewayWorker.h"
+#include "HttpClient.h"
+#include "TestModule.h"
+
+// A root, the test module and a gateway on a free port of the loopback, in this process.
+class GatewayFixture : public ::testing::Test {
+protected:
+    GatewayFixture();
+    ~GatewayFixture() override;
+
+    // Starts the gateway over with these keys besides the port.
+    void restart(const QHash<QString, QVariant>& config = {});
+    quint16 port() const { return m_gateway->port(); }
+    CMSubscribe& events() { return *m_module->subscribe(); }
+    // Runs the event loop until the condition holds; false when patience is over first.
+    static bool waitFor(const std::function<bool()>& condition,
+                        int patienceMs = HttpClient::PatienceMs);
+    static void runFor(int milliseconds);
+
+    QTemporaryDir m_folder;
+    CMRootWorker m_root;
+    std::unique_ptr<TestModule> m_module;
+    std::unique_ptr<GatewayWorker> m_gateway;
+};
