@@ -148,3 +148,31 @@ TEST_F(CMValueItemTest, itsParentOwnsIt) {
     EXPECT_TRUE(item.isNull());
     set(OrvoPowerManagerTargetPath(), 1);
 }
+
+TEST_F(CMValueItemTest, aValueIsWatchedFromItsFirstWatcherToItsLast) {
+    const CMPath path("player:position");
+    QStringList seen;
+    QObject::connect(&root, &CMRootWorker::valueWatched,
+                     [&](const CMPath& watchedPath, bool watched) {
+                         seen.append(watchedPath.toString() + (watched ? " yes" : " no"));
+                         EXPECT_EQ(root.isValueWatched(watchedPath), watched);
+                     });
+    EXPECT_FALSE(root.isValueWatched(path));
+    auto first = std::make_unique<CMValueItem>(nullptr, path);
+    auto second = std::make_unique<CMValueItem>(nullptr, path);
+    const CMValueItem other(nullptr, CMPath("player:other"));
+    EXPECT_EQ(seen, QStringList({"player:position yes", "player:other yes"}));
+    first.reset();
+    EXPECT_TRUE(root.isValueWatched(path));
+    second.reset();
+    EXPECT_EQ(seen.last(), "player:position no");
+    root.removeValueWatcher(path);
+    EXPECT_EQ(seen.size(), 3) << "nobody watches, so nobody leaves";
+}
+
+TEST(CMValueItem, itMayOutliveTheRoot) {
+    auto root = std::make_unique<CMRootWorker>();
+    auto item = std::make_unique<CMValueItem>(nullptr, OrvoPowerManagerTargetPath());
+    root.reset();
+    item.reset();
+}

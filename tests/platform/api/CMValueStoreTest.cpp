@@ -53,16 +53,17 @@ TEST_F(CMValueStoreTest, aValueThatWasNeverStoredReadsEmpty) {
     EXPECT_FALSE(QFile::exists(file)) << "reading writes nothing";
 }
 
-TEST_F(CMValueStoreTest, theDeclaredPathsAreThoseOfTheFunctions) {
-    const QList<CMPath> functions = {
-        OrvoPlayListsSettingsDataBaseItemsLimitPath(), OrvoPlayListSettingsDataBaseVacuumPath(),
-        OrvoPlayListSettingsPlayqueueVisibilityPath(),
-        OrvoPlayListSettingsCollectionsVisibilityPath(), OrvoPowerManagerTargetPath()};
-    ASSERT_EQ(CMValueStore::declarations().size(), functions.size());
-    for (int i = 0; i < functions.size(); ++i)
-        EXPECT_EQ(functions.at(i).toString(), CMValueStore::declarations().at(i).path);
-    EXPECT_STREQ(CMValueStore::declarations().at(0).function,
-                 "OrvoPlayListsSettingsDataBaseItemsLimitPath");
+TEST_F(CMValueStoreTest, everyFunctionNamesItsDeclaredPath) {
+    QStringList functions;
+    for (const CMValueDeclaration& row : CMValueStore::declarations())
+        functions.append(row.function);
+    int row = 0;
+#define CHECK_ROW(function, path, key, type, persistent)                                           \
+    EXPECT_EQ(functions.value(row++), #function);                                                  \
+    EXPECT_EQ(function().toString(), path);
+    ORVO_VALUE_PATHS(CHECK_ROW)
+#undef CHECK_ROW
+    EXPECT_EQ(functions.size(), row);
 }
 
 TEST_F(CMValueStoreTest, itTakesTheHashFormAndTheBareValue) {
