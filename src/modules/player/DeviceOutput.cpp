@@ -166,7 +166,12 @@ void DeviceOutput::fallBack() {
 }
 
 qint64 DeviceOutput::runningFrames() const {
-    const GstClockTime time = gst_element_get_current_running_time(m_pipeline.get());
+    GstState state = GST_STATE_NULL;
+    gst_element_get_state(m_pipeline.get(), &state, nullptr, 0);
+    // Stands still during a pause and before the first sound has arrived.
+    const GstClockTime time = state == GST_STATE_PLAYING
+                                  ? gst_element_get_current_running_time(m_pipeline.get())
+                                  : gst_element_get_start_time(m_pipeline.get());
     if (!GST_CLOCK_TIME_IS_VALID(time))
         return 0;
     return qint64(gst_util_uint64_scale(time, guint64(m_format.rate), GST_SECOND));

@@ -13,13 +13,32 @@ constexpr GstClockTime PullWait = 20 * GST_MSECOND;
 // What is decoded ahead; a second or two with the usual decoders.
 constexpr guint BuffersAhead = 32;
 
-// Frames of the buffer that lie before the segment's start, as after a seek into its middle.
-qint64 framesBeforeStart(GstBuffer* buffer, const GstSegment* segment, int rate) {
-    if (!GST_BUFFER_PTS_IS_VALID(buffer) || segment->format != GST_FORMAT_TIME ||
-        GST_BUFFER_PTS(buffer) >= segment->start)
-        return 0;
-    const double seconds = double(segment->start - GST_BUFFER_PTS(buffer)) / GST_SECOND;
-    return std::llround(seconds * rate);
+qint64 toFrames(GstClockTime time, int rate) {
+    return std::llround(double(time) / double(GST_SECOND) * rate);
+}
+
+// What of a buffer of `frames` belongs to the item. A seek into its middle begins before the place
+// that was asked for; and a decoder that rounds the item's end to the wrong side of a frame gives
+// one too many, which would shift everything that follows without a gap.
+struct Part {
+    qint64 first = 0;
+    qint64 count = 0;
+};
+
+Part belonging(GstBuffer* buffer, const GstSegment* segment, qint64 frames, int rate) {
+    constexpr qint64 RoundingFrames = 2;
+    Part part{0, frames};
+    if (!GST_BUFFER_PTS_IS_VALID(buffer) || segment->format != GST_FORMAT_TIME)
+        return part;
+    const qint64 begin = toFrames(GST_BUFFER_PTS(buffer), rate);
+    part.first = qBound<qint64>(0, toFrames(segment->start, rate) - begin, frames);
+    if (GST_CLOCK_TIME_IS_VALID(segment->stop)) {
+        const qint64 excess = begin + frames - toFrames(segment->stop, rate);
+        if (excess > 0 && excess <= RoundingFrames)
+            frames -= excess;
+    }
+    part.count = qMax<qint64>(0, frames - part.first);
+    return part;
 }
 } // namespace
 
@@ -137,14 +156,13 @@ TrackDecoder::Pulled TrackDecoder::pull(std::vector<char>& pcm) {
     }
     GstBuffer* buffer = gst_sample_get_buffer(sample.get());
     const AudioFormat form = format();
-    const gsize skip =
-        gsize(framesBeforeStart(buffer, gst_sample_get_segment(sample.get()), form.rate)) *
-        gsize(form.frameBytes());
-    const gsize size = gst_buffer_get_size(buffer);
-    if (skip >= size)
+    const gsize frameBytes = gsize(form.frameBytes());
+    const Part part = belonging(buffer, gst_sample_get_segment(sample.get()),
+                                qint64(gst_buffer_get_size(buffer) / frameBytes), form.rate);
+    if (part.count == 0)
         return Pulled::NotYet;
-    pcm.resize(size - skip);
-    gst_buffer_extract(buffer, skip, pcm.data(), pcm.size());
+    pcm.resize(gsize(part.count) * frameBytes);
+    gst_buffer_extract(buffer, gsize(part.first) * frameBytes, pcm.data(), pcm.size());
     return Pulled::Sound;
 }
 
@@ -176,11 +194,9 @@ void TrackDecoder::onNoMorePads(GstElement*, gpointer self) {
 
 GstFlowReturn TrackDecoder::onPreroll(GstAppSink* sink, gpointer self) {
     auto* decoder = static_cast<TrackDecoder*>(self);
-    const GstSamplePtr sample(gst_app_sink_pull_preroll(sink));
-    if (!sample)
-        return GST_FLOW_OK;
-    const std::optional<AudioFormat> format =
-        AudioFormat::fromCaps(gst_sample_get_caps(sample.get()));
+    const GstPadPtr pad(gst_element_get_static_pad(GST_ELEMENT(sink), "sink"));
+    const GstCapsPtr caps(gst_pad_get_current_caps(pad.get()));
+    const std::optional<AudioFormat> format = AudioFormat::fromCaps(caps.get());
     if (format)
         decoder->ready(*format);
     else
