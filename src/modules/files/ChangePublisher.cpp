@@ -1,0 +1,70 @@
+#include "ChangePublisher.h"
+
+#include "CMConnect.h"
+
+namespace {
+constexpr int IntervalMs = 250;
+// Above this number of changed folders one reset of the tree is cheaper for everybody.
+constexpr std::size_t MostSingleResets = 50;
+} // namespace
+
+ChangePublisher::ChangePublisher(MusicTree* tree, Scanner* scanner, CMSubscribe* subscribe,
+                                 QObject* parent)
+    : QObject(parent),
+      m_tree(tree),
+      m_scanner(scanner),
+      m_subscribe(subscribe),
+      m_published(scanValue()) {
+    m_timer.setSingleShot(true);
+    m_timer.setInterval(IntervalMs);
+    cmConnect(&m_timer, &QTimer::timeout, this, [this] { publish(); });
+    const auto publishSoon = [this] {
+        if (!m_timer.isActive())
+            m_timer.start();
+    };
+    cmConnect(m_scanner, &Scanner::progressed, this, publishSoon);
+    cmConnect(m_tree, &MusicTree::rowsChanged, this, [this, publishSoon](const FolderPtr& folder) {
+        m_changed[folder.get()] = folder;
+        publishSoon();
+    });
+}
+
+CMPath ChangePublisher::scanPath() {
+    static const CMPath path(QStringLiteral("files:scan"));
+    return path;
+}
+
+OrvoValue ChangePublisher::scanValue() const {
+    const bool ready = m_begun && !m_scanner->isScanning();
+    OrvoValue value;
+    value.setAttribute(QStringLiteral("state"),
+                       ready ? QStringLiteral("ready") : QStringLiteral("scanning"));
+    value.setAttribute(QStringLiteral("folders"), m_tree->foldersCount());
+    value.setAttribute(QStringLiteral("tracks"), m_tree->tracksCount());
+    value.setAttribute(QStringLiteral("done"), m_tree->taggedCount());
+    return value;
+}
+
+void ChangePublisher::publish() {
+    publishRows();
+    const OrvoValue value = scanValue();
+    if (value == m_published)
+        return;
+    const OrvoValue before = m_published;
+    m_published = value;
+    m_subscribe->valueChanged(scanPath(), value, before);
+}
+
+void ChangePublisher::publishRows() {
+    const auto changed = std::move(m_changed);
+    m_changed.clear();
+    if (changed.size() > MostSingleResets) {
+        m_subscribe->changedStartingWith(MusicTree::rootPath(), CMSubscribe::RowsChangeReset(), -1);
+        return;
+    }
+    for (const auto& [key, entry] : changed) {
+        const FolderPtr folder = entry.lock();
+        if (folder && folder->listed)
+            m_subscribe->rowsChanged(folder->path, CMSubscribe::RowsChangeReset(), -1);
+    }
+}

@@ -1,0 +1,6 @@
+#include "FilesLog.h"
+
+log4cplus::Logger& filesLogger() {
+    static log4cplus::Logger instance = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Files"));
+    return instance;
+}

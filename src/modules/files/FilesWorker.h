@@ -1,0 +1,40 @@
+#pragma once
+
+#include "ChangePublisher.h"
+#include "CMWorker.h"
+#include "FolderWatcher.h"
+#include "MusicTree.h"
+#include "Scanner.h"
+#include "TreeNode.h"
+
+// The module's root object: makes and wires the others, and routes requests. Owned by the host, on
+// its thread. Configuration: "musicDir", the folder to publish; without one the tree is empty.
+class FilesWorker : public CMNodesWorker {
+    Q_OBJECT
+public:
+    explicit FilesWorker(const QHash<QString, QVariant>& config);
+
+    QVariant getValue(const CMPath& path) override;
+    void setDataRequest(const CMSetDataRequest& request) override;
+    void getRowsRequest(const CMGetRowsRequest& request) override;
+    void getDataRequest(const CMGetDataRequest& request) override;
+    void matchRowRequest(const CMMatchRowRequest& request) override;
+
+    static CMPath musicFolderPath();
+    static CMPath rescanPath();
+    static CMPath prepareItemsPath();
+
+private:
+    void prepareItems(const CMSetDataRequest& request);
+    void prePlay(const CMSetDataRequest& request);
+    void rescan(const CMSetDataRequest& request);
+    void scan();
+    void announce();
+
+    MusicTree m_tree;
+    Scanner m_scanner;
+    FolderWatcher m_watcher;
+    ChangePublisher m_publisher;
+    TreeNode m_treeNode;
+    bool m_announce = false; // a scan of everything is under way
+};

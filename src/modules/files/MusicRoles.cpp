@@ -1,0 +1,103 @@
+#include "MusicRoles.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QUrl>
+
+namespace {
+
+QString fileUrl(const QString& file) {
+    return QString::fromLatin1(QUrl::fromLocalFile(file).toEncoded());
+}
+
+QString artworkUrl(const Folder& folder) {
+    return folder.artwork.isEmpty() ? QString()
+                                    : fileUrl(folder.diskPath + QLatin1Char('/') + folder.artwork);
+}
+
+OrvoMetaData metaData(const Folder& folder) {
+    OrvoMetaData data;
+    data.setServiceId(MusicRoles::serviceId());
+    if (!folder.artwork.isEmpty())
+        data.setArtworkUrl(artworkUrl(folder));
+    return data;
+}
+
+OrvoMediaData mediaData(const Folder& folder, const Track& track) {
+    OrvoMetaData data = metaData(folder);
+    data.setPrePlayPath(MusicRoles::prePlayPath());
+    data.setArtist(track.tags.artist);
+    data.setAlbum(track.tags.album);
+    data.setGenre(track.tags.genre);
+    data.setDuration(track.tags.durationMs);
+    if (track.tags.trackNumber > 0)
+        data.setTrackNumber(track.tags.trackNumber);
+    OrvoResource resource;
+    resource.setUri(fileUrl(folder.trackFile(track)));
+    resource.setMimeType(track.mimeType);
+    OrvoMediaData media;
+    media.setMetaData(data);
+    media.setResources({resource});
+    return media;
+}
+
+QString toJson(const OrvoRoles& roles) {
+    return QString::fromUtf8(
+        QJsonDocument(QJsonObject::fromVariantHash(roles.toHash())).toJson(QJsonDocument::Compact));
+}
+
+} // namespace
+
+QString MusicRoles::serviceId() {
+    return QStringLiteral("files");
+}
+
+CMPath MusicRoles::prePlayPath() {
+    static const CMPath path(QStringLiteral("files:prePlay"));
+    return path;
+}
+
+QString MusicRoles::title(const Track& track) {
+    if (!track.tags.title.isEmpty())
+        return track.tags.title;
+    return track.name.left(track.name.lastIndexOf(QLatin1Char('.')));
+}
+
+TrString MusicRoles::title(const Folder& folder) {
+    return folder.name.isEmpty() ? TrString("Files", "Music") : TrString(folder.name);
+}
+
+OrvoRoles MusicRoles::folder(const Folder& folder) {
+    OrvoMediaData media;
+    media.setMetaData(metaData(folder));
+    OrvoRoles roles;
+    roles.setTitle(title(folder));
+    roles.setPath(folder.path);
+    roles.setType(OrvoRolesType::Container);
+    roles.setMediaData(media);
+    return roles;
+}
+
+OrvoRoles MusicRoles::track(const Folder& folder, const Track& track) {
+    OrvoRoles roles;
+    roles.setTitle(TrString(title(track)));
+    roles.setPath(folder.path + track.name);
+    roles.setType(OrvoRolesType::Audio);
+    roles.setMediaData(mediaData(folder, track));
+    return roles;
+}
+
+OrvoPlayListItem MusicRoles::item(const Folder& folder, const Track& track) {
+    constexpr qint64 MsPerSecond = 1000;
+    OrvoPlayListItem item;
+    item.setTitle(title(track));
+    item.setArtist(track.tags.artist);
+    item.setAlbum(track.tags.album);
+    item.setArtworkUrl(artworkUrl(folder));
+    item.setGenre(track.tags.genre);
+    item.setDurationSeconds(int((track.tags.durationMs + MsPerSecond / 2) / MsPerSecond));
+    item.setUrl(fileUrl(folder.trackFile(track)));
+    item.setServiceId(serviceId());
+    item.setOrvoRoles(toJson(MusicRoles::track(folder, track)));
+    return item;
+}

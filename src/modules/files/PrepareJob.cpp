@@ -1,0 +1,94 @@
+#include "PrepareJob.h"
+
+#include "CMConnect.h"
+#include "FilesLog.h"
+#include "MusicRoles.h"
+
+namespace {
+// A person waits for this one, so its slices are longer than the scan's.
+constexpr int SliceMs = 8;
+// A call with thousands of unknown paths must not fill the log.
+constexpr int MostUnknownLogged = 5;
+} // namespace
+
+PrepareJob::PrepareJob(MusicTree* tree, const QStringList& paths, const CMReply<QVariant>& reply,
+                       QObject* parent)
+    : QObject(parent), m_tree(tree), m_paths(paths), m_reply(reply) {
+    m_timer.setInterval(0);
+    cmConnect(&m_timer, &QTimer::timeout, this, [this] { slice(); });
+}
+
+void PrepareJob::slice() {
+    const QDeadlineTimer deadline(SliceMs);
+    while (step(deadline)) {
+        if (deadline.hasExpired()) {
+            m_timer.start();
+            return;
+        }
+    }
+    answer();
+}
+
+bool PrepareJob::step(const QDeadlineTimer& deadline) {
+    if (m_entering) {
+        enterFolder(deadline);
+        return true;
+    }
+    if (!m_levels.empty()) {
+        Level& level = m_levels.back();
+        if (level.nextFolder < level.folders.size())
+            m_entering = level.folders[level.nextFolder++];
+        else if (level.nextTrack < level.tracks.size())
+            append(level.folder, level.tracks[level.nextTrack++]);
+        else
+            m_levels.pop_back();
+        return true;
+    }
+    if (m_nextPath < m_paths.size()) {
+        beginPath(m_paths.at(m_nextPath++));
+        return true;
+    }
+    return false;
+}
+
+void PrepareJob::beginPath(const QString& path) {
+    const MusicTree::Place place = m_tree->find(CMPath(path));
+    if (!place.folder) {
+        if (++m_unknown <= MostUnknownLogged)
+            LOG4CPLUS_WARN(filesLogger(), "nothing to prepare at " << path);
+        return;
+    }
+    if (place.track)
+        append(place.folder, place.track);
+    else
+        m_entering = place.folder;
+}
+
+void PrepareJob::enterFolder(const QDeadlineTimer& deadline) {
+    if (!m_entering->loaded && m_entering->listed) {
+        if (!m_listing)
+            m_listing.emplace(m_tree->list(*m_entering));
+        if (!m_listing->read(deadline))
+            return;
+        const FolderListing listing = std::move(*m_listing);
+        m_listing.reset();
+        m_tree->apply(m_entering, listing.entries());
+    }
+    m_listing.reset();
+    m_levels.push_back({m_entering, m_entering->folders, m_entering->tracks});
+    m_entering.reset();
+}
+
+void PrepareJob::append(const FolderPtr& folder, const TrackPtr& track) {
+    m_tree->tag(folder, track);
+    m_items.append(MusicRoles::item(*folder, *track).toVariant());
+}
+
+void PrepareJob::answer() {
+    m_timer.stop();
+    if (m_unknown > MostUnknownLogged)
+        LOG4CPLUS_WARN(filesLogger(), "nothing to prepare at " << m_unknown << " paths in all");
+    LOG4CPLUS_DEBUG(filesLogger(), "prepared " << m_items.size() << " items");
+    deleteLater();
+    m_reply.setValue(m_items);
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <optional>
+
+#include <QObject>
+#include <QStringList>
+#include <QTimer>
+
+#include "CMReply.h"
+#include "MusicTree.h"
+
+// Answers one prepare call: for each path, in the order given, a track's item or the items of all
+// tracks in and below a folder, in the order of listing. Unknown paths give nothing but a word in
+// the log. What was not read yet is read for it. Works in slices; a short call is answered before
+// start() returns. Deletes itself when it has answered; when its parent goes first, the caller gets
+// the platform's error for a request that nobody answers.
+class PrepareJob : public QObject {
+    Q_OBJECT
+public:
+    PrepareJob(MusicTree* tree, const QStringList& paths, const CMReply<QVariant>& reply,
+               QObject* parent);
+
+    void start() { slice(); }
+
+private:
+    // A folder on the way down, as it was when it was entered.
+    struct Level {
+        FolderPtr folder;
+        std::vector<FolderPtr> folders;
+        std::vector<TrackPtr> tracks;
+        std::size_t nextFolder = 0;
+        std::size_t nextTrack = 0;
+    };
+
+    void slice();
+    // One step of work. False when nothing is left.
+    bool step(const QDeadlineTimer& deadline);
+    void beginPath(const QString& path);
+    void enterFolder(const QDeadlineTimer& deadline);
+    void append(const FolderPtr& folder, const TrackPtr& track);
+    void answer();
+
+    MusicTree* m_tree;
+    QStringList m_paths;
+    CMReply<QVariant> m_reply;
+    int m_nextPath = 0;
+    int m_unknown = 0;
+    std::vector<Level> m_levels;
+    // The folder to enter next, and its listing while it is being read.
+    FolderPtr m_entering;
+    std::optional<FolderListing> m_listing;
+    QVariantList m_items;
+    QTimer m_timer;
+};

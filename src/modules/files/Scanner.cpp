@@ -1,0 +1,104 @@
+#include "Scanner.h"
+
+#include <algorithm>
+
+#include "CMConnect.h"
+
+namespace {
+// Short enough for a request that waits not to be noticed by a person or a player's clock.
+constexpr int SliceMs = 5;
+} // namespace
+
+Scanner::Scanner(MusicTree* tree, QObject* parent) : QObject(parent), m_tree(tree) {
+    m_timer.setInterval(0);
+    cmConnect(&m_timer, &QTimer::timeout, this, [this] { slice(); });
+    cmConnect(m_tree, &MusicTree::tagsWanted, this,
+              [this](const FolderPtr& folder) { wantTags(folder); });
+    cmConnect(m_tree, &MusicTree::folderAdded, this, [this](const FolderPtr& folder) {
+        m_folders.push_back({folder, false, false});
+        start();
+    });
+}
+
+void Scanner::scanAll() {
+    // One that is still waiting its turn will do.
+    const bool isWaiting =
+        std::any_of(m_folders.begin(), m_folders.end(), [this](const FolderJob& job) {
+            return job.recursive && job.folder.lock() == m_tree->root();
+        });
+    if (isWaiting && !m_listing)
+        return;
+    m_folders.push_back({m_tree->root(), true, true});
+    start();
+}
+
+void Scanner::refresh(const FolderPtr& folder) {
+    m_folders.push_back({folder, true, false});
+    start();
+}
+
+void Scanner::wantTags(const FolderPtr& folder) {
+    TagJob job{folder, {}, 0};
+    for (const TrackPtr& track : folder->tracks) {
+        if (!track->tagged)
+            job.tracks.push_back(track);
+    }
+    if (job.tracks.empty())
+        return;
+    m_tags.push_back(std::move(job));
+    start();
+}
+
+void Scanner::start() {
+    if (!m_timer.isActive())
+        m_timer.start();
+}
+
+void Scanner::slice() {
+    const QDeadlineTimer deadline(SliceMs);
+    do {
+        if (!m_folders.empty())
+            readFolder(deadline);
+        else if (!m_tags.empty())
+            readTag();
+        else
+            m_timer.stop();
+    } while (m_timer.isActive() && !deadline.hasExpired());
+    Q_EMIT progressed();
+    if (!m_timer.isActive())
+        Q_EMIT finished();
+}
+
+void Scanner::readFolder(const QDeadlineTimer& deadline) {
+    const FolderJob job = m_folders.front();
+    const FolderPtr folder = job.folder.lock();
+    if (!folder || !folder->listed || (folder->loaded && !job.again)) {
+        m_listing.reset();
+        m_folders.pop_front();
+        return;
+    }
+    if (!m_listing)
+        m_listing.emplace(m_tree->list(*folder));
+    if (!m_listing->read(deadline))
+        return;
+    m_folders.pop_front();
+    if (job.recursive) {
+        for (const FolderPtr& child : folder->folders)
+            m_folders.push_back({child, true, true});
+    }
+    const FolderListing listing = std::move(*m_listing);
+    m_listing.reset();
+    m_tree->apply(folder, listing.entries());
+}
+
+void Scanner::readTag() {
+    TagJob& job = m_tags.front();
+    const FolderPtr folder = job.folder.lock();
+    if (!folder || job.next == job.tracks.size()) {
+        m_tags.pop_front();
+        return;
+    }
+    const TrackPtr track = job.tracks[job.next++].lock();
+    if (track && track->listed)
+        m_tree->tag(folder, track);
+}

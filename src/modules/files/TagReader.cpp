@@ -1,0 +1,43 @@
+#include "TagReader.h"
+
+#include <exception>
+#include <taglib/fileref.h>
+#include <taglib/tag.h>
+
+#include "FilesLog.h"
+
+namespace {
+
+QString toQString(const TagLib::String& text) {
+    const std::string utf8 = text.to8Bit(/*unicode=*/true);
+    return QString::fromUtf8(utf8.data(), int(utf8.size())).trimmed();
+}
+
+TrackTags readTags(const QString& file) {
+    TrackTags tags;
+    const TagLib::FileRef reference(file.toUtf8().constData());
+    if (reference.isNull())
+        return tags;
+    if (const TagLib::Tag* tag = reference.tag()) {
+        tags.title = toQString(tag->title());
+        tags.artist = toQString(tag->artist());
+        tags.album = toQString(tag->album());
+        tags.genre = toQString(tag->genre());
+        tags.trackNumber = int(tag->track());
+    }
+    if (const TagLib::AudioProperties* properties = reference.audioProperties())
+        tags.durationMs = qMax(0, properties->lengthInMilliseconds());
+    return tags;
+}
+
+} // namespace
+
+TrackTags TagReader::read(const QString& file) {
+    try {
+        return readTags(file);
+    } catch (const std::exception& exception) {
+        LOG4CPLUS_WARN(filesLogger(),
+                       "cannot read the tags of " << file << ": " << exception.what());
+        return {};
+    }
+}

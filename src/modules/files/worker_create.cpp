@@ -1,0 +1,5 @@
+#include "FilesWorker.h"
+
+extern "C" Q_DECL_EXPORT CMAbstractWorker* worker_create(QHash<QString, QVariant> config) {
+    return new FilesWorker(config);
+}
