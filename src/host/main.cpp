@@ -68,7 +68,7 @@ int run(const HostOptions& options, const LogSetup& log, const SignalWatcher& si
 
     // Said from inside the loop: whoever waits for this line can send requests and signals.
     QTimer::singleShot(0, qApp, [&modules] {
-        LOG4CPLUS_INFO(logger(), "ready, " << modules.count() << " modules");
+        LOG4CPLUS_INFO(logger(), "ready, modules: " << modules.count());
         std::puts("orvo-host is ready");
         std::fflush(stdout);
     });

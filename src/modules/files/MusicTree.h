@@ -42,6 +42,8 @@ struct Folder {
     int rowsCount() const { return int(folders.size() + tracks.size()); }
 };
 
+Q_DECLARE_METATYPE(FolderPtr)
+
 // The music folder in memory: what is listed, and the only way from a path of the data model to a
 // file. A path is looked up name by name among what was found on the disk, so no path, however
 // made, reaches a file that was not listed. Owned by the worker, on its thread. Reading the disk

@@ -2,7 +2,9 @@
 
 #include <exception>
 #include <taglib/fileref.h>
+#include <taglib/infotag.h>
 #include <taglib/tag.h>
+#include <taglib/wavfile.h>
 
 #include "FilesLog.h"
 
@@ -13,12 +15,20 @@ QString toQString(const TagLib::String& text) {
     return QString::fromUtf8(utf8.data(), int(utf8.size())).trimmed();
 }
 
+// A WAV file has two places for tags, of which its tag() is one; the older INFO chunk counts where
+// that one is empty.
+const TagLib::Tag* bestTag(const TagLib::FileRef& reference) {
+    const TagLib::Tag* tag = reference.tag();
+    const auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(reference.file());
+    return wav && wav->hasInfoTag() && (!tag || tag->isEmpty()) ? wav->InfoTag() : tag;
+}
+
 TrackTags readTags(const QString& file) {
     TrackTags tags;
     const TagLib::FileRef reference(file.toUtf8().constData());
     if (reference.isNull())
         return tags;
-    if (const TagLib::Tag* tag = reference.tag()) {
+    if (const TagLib::Tag* tag = bestTag(reference)) {
         tags.title = toQString(tag->title());
         tags.artist = toQString(tag->artist());
         tags.album = toQString(tag->album());

@@ -1,12 +1,12 @@
 #include "Database.h"
 
-#include "PlayListsLogger.h"
-#include "Sqlite3Statement.h"
+#include <sqlite3.h>
 
 #include <QDir>
 #include <QElapsedTimer>
 
-#include <sqlite3.h>
+#include "ModuleLog.h"
+#include "Sqlite3Statement.h"
 
 namespace {
 
@@ -21,59 +21,54 @@ struct TableRow {
 
 // The last row is what makes the play queue exist at every start.
 constexpr TableRow tables[] = {
-    {"playlists",
-     "CREATE TABLE IF NOT EXISTS playlists ("
-     "  uid INTEGER PRIMARY KEY,"
-     "  name TEXT NOT NULL,"
-     "  shuffle INTEGER NOT NULL DEFAULT 0,"
-     "  repeatAll INTEGER NOT NULL DEFAULT 0,"
-     "  lastPlayedIndex INTEGER NOT NULL DEFAULT 0);"},
-    {"items",
-     "CREATE TABLE IF NOT EXISTS items ("
-     "  uid INTEGER PRIMARY KEY,"
-     "  title TEXT NOT NULL,"
-     "  artist TEXT,"
-     "  album TEXT,"
-     "  artworkUrl TEXT,"
-     "  genre TEXT,"
-     "  durationSeconds INTEGER,"
-     "  url TEXT NOT NULL,"
-     "  serviceId TEXT NOT NULL,"
-     "  orvoRoles TEXT);CREATE INDEX IF NOT EXISTS itemUrlIndex ON items(url);"},
-    {"collections",
-     "CREATE TABLE IF NOT EXISTS collections ("
-     "  uid INTEGER PRIMARY KEY,"
-     "  name TEXT NOT NULL);"},
-    {"playlists-items",
-     "CREATE TABLE IF NOT EXISTS playlists_items ("
-     "  playlist INTEGER NOT NULL,"
-     "  item INTEGER NOT NULL,"
-     "  sequenceNumber INTEGER NOT NULL,"
-     "  PRIMARY KEY(playlist, item, sequenceNumber),"
-     "  FOREIGN KEY(playlist) REFERENCES playlists(uid)"
-     "    ON DELETE CASCADE"
-     "    ON UPDATE CASCADE,"
-     "  FOREIGN KEY(item) REFERENCES items(uid)"
-     "    ON DELETE RESTRICT"
-     "    ON UPDATE CASCADE,"
-     "  UNIQUE(playlist,sequenceNumber));"},
-    {"collections-playlists",
-     "CREATE TABLE IF NOT EXISTS collections_playlists ("
-     "  collection INTEGER NOT NULL,"
-     "  playlist INTEGER NOT NULL,"
-     "  PRIMARY KEY(collection, playlist),"
-     "  FOREIGN KEY(collection) REFERENCES collections(uid)"
-     "    ON DELETE CASCADE"
-     "    ON UPDATE CASCADE,"
-     "  FOREIGN KEY(playlist) REFERENCES playlists(uid)"
-     "    ON DELETE CASCADE"
-     "    ON UPDATE CASCADE);"},
-    {"createplayqueue",
-     "INSERT OR IGNORE INTO playlists(uid, name, lastPlayedIndex)"
-     "  VALUES(0, 'PlayQueue', -1);"},
+    {"playlists", "CREATE TABLE IF NOT EXISTS playlists ("
+                  "  uid INTEGER PRIMARY KEY,"
+                  "  name TEXT NOT NULL,"
+                  "  shuffle INTEGER NOT NULL DEFAULT 0,"
+                  "  repeatAll INTEGER NOT NULL DEFAULT 0,"
+                  "  lastPlayedIndex INTEGER NOT NULL DEFAULT 0);"},
+    {"items", "CREATE TABLE IF NOT EXISTS items ("
+              "  uid INTEGER PRIMARY KEY,"
+              "  title TEXT NOT NULL,"
+              "  artist TEXT,"
+              "  album TEXT,"
+              "  artworkUrl TEXT,"
+              "  genre TEXT,"
+              "  durationSeconds INTEGER,"
+              "  url TEXT NOT NULL,"
+              "  serviceId TEXT NOT NULL,"
+              "  orvoRoles TEXT);CREATE INDEX IF NOT EXISTS itemUrlIndex ON items(url);"},
+    {"collections", "CREATE TABLE IF NOT EXISTS collections ("
+                    "  uid INTEGER PRIMARY KEY,"
+                    "  name TEXT NOT NULL);"},
+    {"playlists-items", "CREATE TABLE IF NOT EXISTS playlists_items ("
+                        "  playlist INTEGER NOT NULL,"
+                        "  item INTEGER NOT NULL,"
+                        "  sequenceNumber INTEGER NOT NULL,"
+                        "  PRIMARY KEY(playlist, item, sequenceNumber),"
+                        "  FOREIGN KEY(playlist) REFERENCES playlists(uid)"
+                        "    ON DELETE CASCADE"
+                        "    ON UPDATE CASCADE,"
+                        "  FOREIGN KEY(item) REFERENCES items(uid)"
+                        "    ON DELETE RESTRICT"
+                        "    ON UPDATE CASCADE,"
+                        "  UNIQUE(playlist,sequenceNumber));"},
+    {"collections-playlists", "CREATE TABLE IF NOT EXISTS collections_playlists ("
+                              "  collection INTEGER NOT NULL,"
+                              "  playlist INTEGER NOT NULL,"
+                              "  PRIMARY KEY(collection, playlist),"
+                              "  FOREIGN KEY(collection) REFERENCES collections(uid)"
+                              "    ON DELETE CASCADE"
+                              "    ON UPDATE CASCADE,"
+                              "  FOREIGN KEY(playlist) REFERENCES playlists(uid)"
+                              "    ON DELETE CASCADE"
+                              "    ON UPDATE CASCADE);"},
+    {"createplayqueue", "INSERT OR IGNORE INTO playlists(uid, name, lastPlayedIndex)"
+                        "  VALUES(0, 'PlayQueue', -1);"},
 };
 
-// The cascades have emptied the last two by then, except in a file whose rows were written without foreign keys.
+// The cascades have emptied the last two by then, except in a file whose rows were written without
+// foreign keys.
 constexpr const char* clearing[] = {
     "DELETE FROM playlists",
     "DELETE FROM items",
@@ -86,21 +81,24 @@ int execute(sqlite3* connection, const char* sql) {
     return sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
 }
 
-// A store that cannot be opened leaves the device without playlists: say so in the module's log and end.
+// A store that cannot be opened leaves the device without playlists: say so in the module's log and
+// end.
 [[noreturn]] void endUnusable(const std::string& text) {
-    LOG4CPLUS_FATAL(playListsLogger(), text);
+    LOG4CPLUS_FATAL(moduleLog(), text);
     cmFatal(text.c_str());
 }
 
-// Switches the foreign keys of a connection off for a block. Only for deletions of rows that are known to be
-// referenced by nothing; everything else relies on the cascades.
+// Switches the foreign keys of a connection off for a block. Only for deletions of rows that are
+// known to be referenced by nothing; everything else relies on the cascades.
 class ForeignKeysSuspended {
 public:
     explicit ForeignKeysSuspended(sqlite3* connection) : m_connection(connection) {
         sqlite3_db_config(m_connection, SQLITE_DBCONFIG_ENABLE_FKEY, -1, &m_before);
         sqlite3_db_config(m_connection, SQLITE_DBCONFIG_ENABLE_FKEY, 0, nullptr);
     }
-    ~ForeignKeysSuspended() { sqlite3_db_config(m_connection, SQLITE_DBCONFIG_ENABLE_FKEY, m_before, nullptr); }
+    ~ForeignKeysSuspended() {
+        sqlite3_db_config(m_connection, SQLITE_DBCONFIG_ENABLE_FKEY, m_before, nullptr);
+    }
     ForeignKeysSuspended(const ForeignKeysSuspended&) = delete;
     ForeignKeysSuspended& operator=(const ForeignKeysSuspended&) = delete;
 
@@ -116,8 +114,8 @@ Database::Database(int itemsLimit, bool vacuumNeeded)
     openFile();
     vacuum();
     execute(m_connection, "PRAGMA foreign_keys=1;");
-    // After the open on purpose, though SQLite takes this only before it is initialised: the log is routed only where
-    // SQLite was shut down in between, and the result does not matter.
+    // After the open on purpose, though SQLite takes this only before it is initialised: the log is
+    // routed only where SQLite was shut down in between, and the result does not matter.
     sqlite3_config(SQLITE_CONFIG_LOG, sqliteErrorLogCallback, nullptr);
     ensureTablesExist();
     prepareStatements();
@@ -152,28 +150,30 @@ int Database::rollbackTransaction() {
 }
 
 void Database::commitTransaction() {
-    // Deliberate: no pause and no limit. Another process that holds the file lets go soon, and an error that is not a
-    // matter of waiting ends the transaction, after which a further COMMIT fails with SQLITE_ERROR.
+    // Deliberate: no pause and no limit. Another process that holds the file lets go soon, and an
+    // error that is not a matter of waiting ends the transaction, after which a further COMMIT
+    // fails with SQLITE_ERROR.
     int code = SQLITE_OK;
     do {
         code = execute(m_connection, "COMMIT;");
     } while (code > SQLITE_ERROR);
     if (code == SQLITE_ERROR)
-        LOG4CPLUS_ERROR(playListsLogger(), "Commit transaction failed");
+        LOG4CPLUS_ERROR(moduleLog(), "Commit transaction failed");
 }
 
 void Database::ensureTablesExist() {
-    CM_ENTER(playListsLogger());
+    CM_ENTER(moduleLog());
     for (const TableRow& table : tables)
         createTableHelper(table.sql, table.name);
-    LOG4CPLUS_TRACE(playListsLogger(), "PlayList tables exist");
+    LOG4CPLUS_TRACE(moduleLog(), "PlayList tables exist");
 }
 
 void Database::createTableHelper(const char* sql, const char* name) {
     char* message = nullptr;
     if (sqlite3_exec(m_connection, sql, nullptr, nullptr, &message) == SQLITE_OK)
         return;
-    const std::string text = std::string("Unable to create table ") + name + ": " + (message ? message : "");
+    const std::string text =
+        std::string("Unable to create table ") + name + ": " + (message ? message : "");
     sqlite3_free(message);
     endUnusable(text);
 }
@@ -197,7 +197,7 @@ void Database::vacuum() {
     QElapsedTimer timer;
     timer.start();
     execute(m_connection, "VACUUM;");
-    LOG4CPLUS_INFO(playListsLogger(), "sqlite vacuum duration: " << timer.elapsed() << " ms");
+    LOG4CPLUS_INFO(moduleLog(), "sqlite vacuum duration: " << timer.elapsed() << " ms");
     Q_EMIT vacuumNeeded(false);
     m_vacuumNeeded = false;
 }
@@ -220,16 +220,17 @@ int Database::count(StatementId id) {
 }
 
 void Database::prepareStatements() {
-    CM_ENTER(playListsLogger());
+    CM_ENTER(moduleLog());
     for (std::size_t i = 0; i < m_statements.size(); ++i) {
         const StatementRow& row = statementRow(static_cast<StatementId>(i));
         const QString name = QString::fromLatin1(row.name);
-        m_statements[i].reset(Sqlite3Statement::create(m_connection, QString::fromLatin1(row.sql), name));
+        m_statements[i].reset(
+            Sqlite3Statement::create(m_connection, QString::fromLatin1(row.sql), name));
         // The process goes on, and what needs this statement fails.
         if (!m_statements[i])
             m_statements[i] = std::make_unique<Sqlite3Statement>(nullptr, name);
     }
-    LOG4CPLUS_TRACE(playListsLogger(), "PlayList statements prepared");
+    LOG4CPLUS_TRACE(moduleLog(), "PlayList statements prepared");
 }
 
 Sqlite3Statement& Database::statement(StatementId id) {
@@ -237,12 +238,12 @@ Sqlite3Statement& Database::statement(StatementId id) {
 }
 
 bool Database::cleanUnusedItems() {
-    // With foreign keys on, SQLite would search all entries once per deleted item, only to find again that no entry
-    // refers to it.
+    // With foreign keys on, SQLite would search all entries once per deleted item, only to find
+    // again that no entry refers to it.
     const ForeignKeysSuspended suspended(m_connection);
     return statement(StatementId::CleanUnusedItems).run();
 }
 
 void sqliteErrorLogCallback(void* /*arg*/, int errorCode, const char* message) {
-    LOG4CPLUS_ERROR(playListsLogger(), "SQLite error " << errorCode << ": " << message);
+    LOG4CPLUS_ERROR(moduleLog(), "SQLite error " << errorCode << ": " << message);
 }

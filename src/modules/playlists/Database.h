@@ -1,12 +1,12 @@
 #pragma once
 
+#include <array>
+#include <memory>
+
 #include <QHash>
 #include <QList>
 #include <QObject>
 #include <QString>
-
-#include <array>
-#include <memory>
 
 #include "CollectionRecord.h"
 #include "OrvoPlayListEnums.h"
@@ -17,15 +17,17 @@
 struct sqlite3;
 class Sqlite3Statement;
 
-// The persistent store: every playlist, the play queue (playlist 0, always there), their items and the collections,
-// in one SQLite file below the working directory.
+// The persistent store: every playlist, the play queue (playlist 0, always there), their items and
+// the collections, in one SQLite file below the working directory.
 //
 // Owner: the worker, for the life of the process. Thread: the worker's; nothing here is locked.
-// Failure: a store that cannot be opened ends the process. After that nothing throws: an operation logs its error and
-// returns false, -1 or a record with uid -1, and the rows are as they were before (see clearItems for the exception).
+// Failure: a store that cannot be opened ends the process. After that nothing throws: an operation
+// logs its error and returns false, -1 or a record with uid -1, and the rows are as they were
+// before (see clearItems for the exception).
 //
-// Entries of a playlist are numbered 0 to size-1 without gaps, and the number is the entry's index. Operations that
-// take a PlayListRecord trust its `uid`, `size` and `lastPlayedIndex`: the caller keeps the record current.
+// Entries of a playlist are numbered 0 to size-1 without gaps, and the number is the entry's index.
+// Operations that take a PlayListRecord trust its `uid`, `size` and `lastPlayedIndex`: the caller
+// keeps the record current.
 class Database : public QObject {
     Q_OBJECT
 
@@ -69,20 +71,27 @@ public:
 
     // --- items (DatabaseItems.cpp) ---
 
-    // The entries numbered `from` to `to`, both included, ascending. getItems(pl, 0, 9) gives up to ten.
+    // The entries numbered `from` to `to`, both included, ascending. getItems(pl, 0, 9) gives up to
+    // ten.
     QList<OrvoPlayListItem> getItems(const PlayListRecord& pl, int from, int to);
-    // An empty item when there is none. Searches all entries of the store: use getItemsByUids for more than a few.
+    // An empty item when there is none. Searches all entries of the store: use getItemsByUids for
+    // more than a few.
     OrvoPlayListItem getItemByUid(int uid);
-    // One item per uid, in the order of `uids`, an empty one where getItemByUid would give one. Costs at most one pass
-    // over the store, however many uids. `playlists` are all playlists of the store, the play queue included.
-    QList<OrvoPlayListItem> getItemsByUids(const QList<PlayListRecord>& playlists, const QList<int>& uids);
+    // One item per uid, in the order of `uids`, an empty one where getItemByUid would give one.
+    // Costs at most one pass over the store, however many uids. `playlists` are all playlists of
+    // the store, the play queue included.
+    QList<OrvoPlayListItem> getItemsByUids(const QList<PlayListRecord>& playlists,
+                                           const QList<int>& uids);
     // The number that an entry appended now would get; -1 on failure.
     int getNextSequenceNumber(const PlayListRecord& pl);
-    // The number that the first of several added entries will get; -1 on failure or for an unknown position.
-    int addItemsNextSequenceNumber(const PlayListRecord& pl, const OrvoPlayListAddPosition::Enum& position);
+    // The number that the first of several added entries will get; -1 on failure or for an unknown
+    // position.
+    int addItemsNextSequenceNumber(const PlayListRecord& pl,
+                                   const OrvoPlayListAddPosition::Enum& position);
 
-    // Adds the items that still fit below the limit, in order, and returns the number of the first one; Failed, or
-    // LimitReached when none fits (or none was given). `addedCount`, unless null, receives how many were to be added.
+    // Adds the items that still fit below the limit, in order, and returns the number of the first
+    // one; Failed, or LimitReached when none fits (or none was given). `addedCount`, unless null,
+    // receives how many were to be added.
     //   entries a b c d, lastPlayedIndex 1, items x y, AfterCurrent  ->  a b x y c d, returns 2
     int addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum position,
                  const QList<OrvoPlayListItem>& items, int* addedCount);
@@ -93,11 +102,13 @@ public:
     //   a b c d, from 1, count 2  ->  a _ _ b c d
     bool offsetItemsFromTransaction(const PlayListRecord& pl, int from, int count);
 
-    // Removes the entries at `indices` (ascending, each once) and closes the gaps; the number removed, or Failed when
-    // one of them does not exist, and then nothing is removed. No indices: 0.
+    // Removes the entries at `indices` (ascending, each once) and closes the gaps; the number
+    // removed, or Failed when one of them does not exist, and then nothing is removed. No indices:
+    // 0.
     //   a b c d e f g, indices 1 2 5  ->  a d e g, returns 3
     int removeItems(const PlayListRecord& pl, const QList<int>& indices);
-    // Removes the entries numbered `from` to `to` without closing the gap; the number removed, or Failed.
+    // Removes the entries numbered `from` to `to` without closing the gap; the number removed, or
+    // Failed.
     int removeItemsHelper(const PlayListRecord& pl, int from, int to);
 
     // Moves the entry at `from` so that it stands at `to`; both within the list.
@@ -105,7 +116,8 @@ public:
     bool moveItem(const PlayListRecord& pl, int from, int to);
     bool moveItemTransaction(const PlayListRecord& pl, int from, int to);
 
-    // Removes all entries. False with the entries gone is possible: when only the clean-up of their items failed.
+    // Removes all entries. False with the entries gone is possible: when only the clean-up of their
+    // items failed.
     bool clearItems(const PlayListRecord& pl);
     // Logs every entry, at trace level; costs nothing when that is off.
     void printItems(const PlayListRecord& pl);
@@ -150,7 +162,8 @@ private:
     bool visitItems(int playlistUid, int from, int to, Visit visit);
     bool readItemByUid(int uid, OrvoPlayListItem& item);
     QHash<int, OrvoPlayListItem> searchItems(const QList<int>& uids);
-    QHash<int, OrvoPlayListItem> collectItems(const QList<PlayListRecord>& playlists, const QList<int>& uids);
+    QHash<int, OrvoPlayListItem> collectItems(const QList<PlayListRecord>& playlists,
+                                              const QList<int>& uids);
     int ownerOfItem(const QList<PlayListRecord>& playlists, const OrvoPlayListItem& item);
     int removeItemsTransaction(const PlayListRecord& pl, const QList<int>& indices);
     bool renumberFrom(const PlayListRecord& pl, int first);

@@ -1,14 +1,13 @@
-#include "Database.h"
-
-#include "PlayListsLogger.h"
-#include "Sqlite3Statement.h"
+#include <sqlite3.h>
 
 #include <QStringList>
 
-#include <sqlite3.h>
+#include "Database.h"
+#include "ModuleLog.h"
+#include "Sqlite3Statement.h"
 
 QList<CollectionRecord> Database::getCollections() {
-    CM_ENTER(playListsLogger());
+    CM_ENTER(moduleLog());
     QList<CollectionRecord> collections;
     StatementScope query(statement(StatementId::GetCollections));
     while (query->step_row()) {
@@ -19,58 +18,60 @@ QList<CollectionRecord> Database::getCollections() {
         collections.append(cl);
     }
     if (!query.reset())
-        LOG4CPLUS_ERROR(playListsLogger(), "Unable to fetch collections");
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to fetch collections");
     return collections;
 }
 
 CollectionRecord Database::createCollection(const QString& name) {
-    CM_ENTER_ARGS(playListsLogger(), "name=" << name);
+    CM_ENTER_ARGS(moduleLog(), "name=" << name);
     CollectionRecord cl;
     if (!statement(StatementId::CreateCollection).run(name)) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Unable to create collection in database");
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to create collection in database");
         return cl;
     }
     cl.uid = int(sqlite3_last_insert_rowid(m_connection));
     cl.name = name;
-    LOG4CPLUS_TRACE(playListsLogger(), "Inserted collection uid=" << cl.uid << " name=" << cl.name);
+    LOG4CPLUS_TRACE(moduleLog(), "Inserted collection uid=" << cl.uid << " name=" << cl.name);
     return cl;
 }
 
 bool Database::deleteCollection(const CollectionRecord& cl) {
-    CM_ENTER_ARGS(playListsLogger(), "uid=" << cl.uid);
+    CM_ENTER_ARGS(moduleLog(), "uid=" << cl.uid);
     if (!statement(StatementId::DeleteCollection).run(cl.uid)) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Unable to delete collection uid=" << cl.uid << " in database");
+        LOG4CPLUS_ERROR(moduleLog(),
+                        "Unable to delete collection uid=" << cl.uid << " in database");
         return false;
     }
     if (sqlite3_changes(m_connection) == 0) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Unable to delete collection uid="
-                                               << cl.uid << " in database: no such collection in DB");
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to delete collection uid="
+                                         << cl.uid << " in database: no such collection in DB");
         return false;
     }
     return true;
 }
 
 bool Database::addToCollection(const CollectionRecord& cl, const int& playlistUid) {
-    CM_ENTER_ARGS(playListsLogger(), "col=" << cl.uid << " pl=" << playlistUid);
+    CM_ENTER_ARGS(moduleLog(), "col=" << cl.uid << " pl=" << playlistUid);
     if (!statement(StatementId::AddToCollection).run(cl.uid, playlistUid)) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Unable to add pl=" << playlistUid << " to collection=" << cl.uid);
+        LOG4CPLUS_ERROR(moduleLog(),
+                        "Unable to add pl=" << playlistUid << " to collection=" << cl.uid);
         return false;
     }
-    LOG4CPLUS_TRACE(playListsLogger(), "Pl=" << playlistUid << " added to collection=" << cl.uid);
+    LOG4CPLUS_TRACE(moduleLog(), "Pl=" << playlistUid << " added to collection=" << cl.uid);
     return true;
 }
 
 bool Database::removeFromCollection(const CollectionRecord& cl, const int& playlistUid) {
-    CM_ENTER_ARGS(playListsLogger(), "col=" << cl.uid << " pl=" << playlistUid);
+    CM_ENTER_ARGS(moduleLog(), "col=" << cl.uid << " pl=" << playlistUid);
     if (!statement(StatementId::RemoveFromCollection).run(cl.uid, playlistUid)) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Unable to remove pl=" << playlistUid << " from collection=" << cl.uid
-                                                                  << " in database");
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to remove pl=" << playlistUid << " from collection="
+                                                            << cl.uid << " in database");
         return false;
     }
     if (sqlite3_changes(m_connection) == 0) {
-        LOG4CPLUS_ERROR(playListsLogger(),
-                        "Unable to remove pl=" << playlistUid << " From collection=" << cl.uid
-                                               << " in database: no such playlist in collection in DB");
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to remove pl="
+                                         << playlistUid << " From collection=" << cl.uid
+                                         << " in database: no such playlist in collection in DB");
         return false;
     }
     return true;
@@ -85,7 +86,7 @@ QList<int> commaSeparateNumberToList(const QString& text) {
         if (ok)
             numbers.append(number);
         else
-            LOG4CPLUS_ERROR(playListsLogger(), "Error parsing collections");
+            LOG4CPLUS_ERROR(moduleLog(), "Error parsing collections");
     }
     return numbers;
 }

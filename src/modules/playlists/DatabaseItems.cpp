@@ -1,15 +1,14 @@
-#include "DatabaseTransaction.h"
-
-#include "PlayListsLogger.h"
-#include "Sqlite3Statement.h"
+#include <algorithm>
+#include <limits>
+#include <utility>
 
 #include <QHash>
 #include <QSet>
 #include <QVector>
 
-#include <algorithm>
-#include <limits>
-#include <utility>
+#include "DatabaseTransaction.h"
+#include "ModuleLog.h"
+#include "Sqlite3Statement.h"
 
 namespace {
 
@@ -49,13 +48,6 @@ OrvoPlayListItem itemFromRow(const Sqlite3Statement& row) {
     return item;
 }
 
-QString joined(const QList<int>& numbers) {
-    QStringList texts;
-    for (int number : numbers)
-        texts.append(QString::number(number));
-    return texts.join(QStringLiteral(", "));
-}
-
 // Entries that follow each other without a gap, both ends included.
 struct Run {
     int from;
@@ -77,23 +69,24 @@ QVector<Run> runsOf(QList<int> indices) {
 
 } // namespace
 
-// Calls visit(row) for each entry numbered `from` to `to`, ascending, until it returns false. The visitor must not
-// change the playlist.
+// Calls visit(row) for each entry numbered `from` to `to`, ascending, until it returns false. The
+// visitor must not change the playlist.
 template <typename Visit>
 bool Database::visitItems(int playlistUid, int from, int to, Visit visit) {
     StatementScope entries(statement(StatementId::GetItems));
-    const bool bound = entries->bindInt(1, playlistUid) && entries->bindInt(2, from) && entries->bindInt(3, to);
+    const bool bound =
+        entries->bindInt(1, playlistUid) && entries->bindInt(2, from) && entries->bindInt(3, to);
     bool goOn = bound;
     while (goOn && entries->step_row())
         goOn = visit(entries.row());
     if (entries.reset() && bound)
         return true;
-    LOG4CPLUS_ERROR(playListsLogger(), "Error fetching PlayList items from DB");
+    LOG4CPLUS_ERROR(moduleLog(), "Error fetching PlayList items from DB");
     return false;
 }
 
 QList<OrvoPlayListItem> Database::getItems(const PlayListRecord& pl, int from, int to) {
-    CM_ENTER_ARGS(playListsLogger(), "pl=" << pl.uid << " from=" << from << " to=" << to);
+    CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid << " from=" << from << " to=" << to);
     QList<OrvoPlayListItem> items;
     visitItems(pl.uid, from, to, [&items](const Sqlite3Statement& row) {
         items.append(itemFromRow(row));
@@ -116,12 +109,13 @@ bool Database::readItemByUid(int uid, OrvoPlayListItem& item) {
 OrvoPlayListItem Database::getItemByUid(int uid) {
     OrvoPlayListItem item;
     if (!readItemByUid(uid, item))
-        LOG4CPLUS_ERROR(playListsLogger(), "Error fetching item by UID");
+        LOG4CPLUS_ERROR(moduleLog(), "Error fetching item by UID");
     return item;
 }
 
-QList<OrvoPlayListItem> Database::getItemsByUids(const QList<PlayListRecord>& playlists, const QList<int>& uids) {
-    CM_ENTER_ARGS(playListsLogger(), "playlists=" << playlists.size() << " uids=" << uids.size());
+QList<OrvoPlayListItem> Database::getItemsByUids(const QList<PlayListRecord>& playlists,
+                                                 const QList<int>& uids) {
+    CM_ENTER_ARGS(moduleLog(), "playlists=" << playlists.size() << " uids=" << uids.size());
     const QHash<int, OrvoPlayListItem> found =
         uids.size() <= fewUids ? searchItems(uids) : collectItems(playlists, uids);
     QList<OrvoPlayListItem> items;
@@ -129,7 +123,7 @@ QList<OrvoPlayListItem> Database::getItemsByUids(const QList<PlayListRecord>& pl
     for (int uid : uids) {
         const auto item = found.constFind(uid);
         if (item == found.constEnd())
-            LOG4CPLUS_ERROR(playListsLogger(), "Error fetching item by UID");
+            LOG4CPLUS_ERROR(moduleLog(), "Error fetching item by UID");
         items.append(item == found.constEnd() ? OrvoPlayListItem() : *item);
     }
     return items;
@@ -145,10 +139,11 @@ QHash<int, OrvoPlayListItem> Database::searchItems(const QList<int>& uids) {
     return found;
 }
 
-// There is no index from an item to its entry, so finding one costs a search through all entries, and finding the next
-// one of the same playlist costs the same again. Items asked for together mostly come from one playlist, or two: find
-// out from which, and walk these first.
-QHash<int, OrvoPlayListItem> Database::collectItems(const QList<PlayListRecord>& playlists, const QList<int>& uids) {
+// There is no index from an item to its entry, so finding one costs a search through all entries,
+// and finding the next one of the same playlist costs the same again. Items asked for together
+// mostly come from one playlist, or two: find out from which, and walk these first.
+QHash<int, OrvoPlayListItem> Database::collectItems(const QList<PlayListRecord>& playlists,
+                                                    const QList<int>& uids) {
     constexpr int discoveries = 2;
     QHash<int, OrvoPlayListItem> found;
     QSet<int> missing(uids.begin(), uids.end());
@@ -165,7 +160,8 @@ QHash<int, OrvoPlayListItem> Database::collectItems(const QList<PlayListRecord>&
 
     auto next = uids.begin();
     for (int i = 0; i < discoveries && !missing.isEmpty(); ++i) {
-        next = std::find_if(next, uids.end(), [&missing](int uid) { return missing.contains(uid); });
+        next =
+            std::find_if(next, uids.end(), [&missing](int uid) { return missing.contains(uid); });
         missing.remove(*next);
         OrvoPlayListItem item;
         if (!readItemByUid(*next, item))
@@ -199,31 +195,33 @@ int Database::ownerOfItem(const QList<PlayListRecord>& playlists, const OrvoPlay
 }
 
 int Database::getNextSequenceNumber(const PlayListRecord& pl) {
-    CM_ENTER_ARGS(playListsLogger(), "pl=" << pl.uid);
+    CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid);
     StatementScope query(statement(StatementId::GetNextSequenceNumber));
     if (!query->bindInt(1, pl.uid) || !query->step_row()) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Error fetching the next sequenceNumber");
+        LOG4CPLUS_ERROR(moduleLog(), "Error fetching the next sequenceNumber");
         return Failed;
     }
     const int number = query->columnInt(0);
     if (!query.reset())
-        LOG4CPLUS_ERROR(playListsLogger(), "Error resetting next sequence number stmt");
+        LOG4CPLUS_ERROR(moduleLog(), "Error resetting next sequence number stmt");
     return number;
 }
 
-int Database::addItemsNextSequenceNumber(const PlayListRecord& pl, const OrvoPlayListAddPosition::Enum& position) {
+int Database::addItemsNextSequenceNumber(const PlayListRecord& pl,
+                                         const OrvoPlayListAddPosition::Enum& position) {
     if (pl.size <= 0) {
-        LOG4CPLUS_TRACE(playListsLogger(), "playlist is empty");
+        LOG4CPLUS_TRACE(moduleLog(), "playlist is empty");
         const int number = getNextSequenceNumber(pl);
-        LOG4CPLUS_TRACE(playListsLogger(), "nextSequenceNumber: " << number);
+        LOG4CPLUS_TRACE(moduleLog(), "nextSequenceNumber: " << number);
         return number;
     }
-    LOG4CPLUS_TRACE(playListsLogger(), "playlist is not empty");
-    LOG4CPLUS_TRACE(playListsLogger(), "lastSeqNum: " << pl.lastPlayedIndex);
+    LOG4CPLUS_TRACE(moduleLog(), "playlist is not empty");
+    LOG4CPLUS_TRACE(moduleLog(), "lastSeqNum: " << pl.lastPlayedIndex);
     switch (position) {
     case OrvoPlayListAddPosition::Now:
     case OrvoPlayListAddPosition::AfterCurrent:
-        // An index beyond the end is left over from a list that was longer: following it would leave a gap.
+        // An index beyond the end is left over from a list that was longer: following it would
+        // leave a gap.
         if (pl.lastPlayedIndex >= 0 && pl.lastPlayedIndex < pl.size)
             return pl.lastPlayedIndex + 1;
         return getNextSequenceNumber(pl);
@@ -236,37 +234,38 @@ int Database::addItemsNextSequenceNumber(const PlayListRecord& pl, const OrvoPla
 int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum position,
                        const QList<OrvoPlayListItem>& items, int* addedCount) {
     Transaction transaction(*this, Transaction::Lock::AtOnce);
-    CM_ENTER_ARGS(playListsLogger(), "pl: " << pl.uid << " pl.size(): " << pl.size
-                                            << " position: " << OrvoPlayListAddPosition::toString(position)
-                                            << " items.size(): " << items.size());
+    CM_ENTER_ARGS(moduleLog(), "pl: " << pl.uid << " pl.size(): " << pl.size << " position: "
+                                      << OrvoPlayListAddPosition::toString(position)
+                                      << " items.size(): " << items.size());
     if (!transaction.begun()) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Error adding items to list");
+        LOG4CPLUS_ERROR(moduleLog(), "Error adding items to list");
         return Failed;
     }
     printItems(pl);
 
     const int dbItemsCount = countPlaylistsItems();
-    // Deliberate: where the store already holds more than the limit, the length is negative, which QList takes as "to
-    // the end", and everything is added.
+    // Deliberate: where the store already holds more than the limit, the length is negative, which
+    // QList takes as "to the end", and everything is added.
     const qint64 room = qint64(m_itemsLimit) - dbItemsCount;
-    const QList<OrvoPlayListItem> itemsToAdd = m_itemsLimit == 0 ? items : items.mid(0, int(qMax<qint64>(room, -1)));
+    const QList<OrvoPlayListItem> itemsToAdd =
+        m_itemsLimit == 0 ? items : items.mid(0, int(qMax<qint64>(room, -1)));
     const int count = itemsToAdd.size();
     if (addedCount)
         *addedCount = count;
-    LOG4CPLUS_TRACE(playListsLogger(), "dbItemsCount: " << dbItemsCount << ", addedItemsCount: " << count
-                                                        << ", limit: " << m_itemsLimit);
+    LOG4CPLUS_TRACE(moduleLog(), "dbItemsCount: " << dbItemsCount << ", addedItemsCount: " << count
+                                                  << ", limit: " << m_itemsLimit);
     if (count == 0) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Error adding playlist items: database reached limit!");
+        LOG4CPLUS_ERROR(moduleLog(), "Error adding playlist items: database reached limit!");
         return LimitReached;
     }
 
     int first = addItemsNextSequenceNumber(pl, position);
     if (first >= 0 && pl.size > first && !offsetItemsFromTransaction(pl, first, count)) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Unable to move item block before adding items");
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to move item block before adding items");
         first = Failed;
     }
     if (first < 0 || !addItemsFromSequenceNumber(pl, first, itemsToAdd)) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Error adding items to list");
+        LOG4CPLUS_ERROR(moduleLog(), "Error adding items to list");
         return Failed;
     }
     transaction.commit();
@@ -274,10 +273,12 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
 }
 
 bool Database::offsetItemsFromTransaction(const PlayListRecord& pl, int from, int count) {
-    // By way of numbers that nobody uses: a number may never stand twice, not even halfway through a statement.
+    // By way of numbers that nobody uses: a number may never stand twice, not even halfway through
+    // a statement.
     Sqlite3Statement& shift = statement(StatementId::MoveItem1);
     const int away = pl.size + 1;
-    return shift.run(pl.uid, from, pl.size, count + away) && shift.run(pl.uid, pl.size, lastPossibleNumber, -away);
+    return shift.run(pl.uid, from, pl.size, count + away) &&
+           shift.run(pl.uid, pl.size, lastPossibleNumber, -away);
 }
 
 bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& sequenceNumber,
@@ -286,15 +287,16 @@ bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& s
     Sqlite3Statement& insertEntry = statement(StatementId::InsertPlayListItem);
     int number = sequenceNumber;
     for (const OrvoPlayListItem& item : items) {
-        if (!insertItem.run(item.title(), item.artist(), item.album(), item.artworkUrl(), item.genre(),
-                            item.durationSeconds(), item.url(), item.serviceId(), item.orvoRoles())) {
-            LOG4CPLUS_ERROR(playListsLogger(), "Error inserting item into DB");
+        if (!insertItem.run(item.title(), item.artist(), item.album(), item.artworkUrl(),
+                            item.genre(), item.durationSeconds(), item.url(), item.serviceId(),
+                            item.orvoRoles())) {
+            LOG4CPLUS_ERROR(moduleLog(), "Error inserting item into DB");
             return false;
         }
         const int uid = int(sqlite3_last_insert_rowid(m_connection));
-        LOG4CPLUS_TRACE(playListsLogger(), "Inserted item into DB with uid" << uid);
+        LOG4CPLUS_TRACE(moduleLog(), "Inserted item into DB with uid" << uid);
         if (!insertEntry.run(pl.uid, uid, number++)) {
-            LOG4CPLUS_ERROR(playListsLogger(), "Error inserting item into playlist DB");
+            LOG4CPLUS_ERROR(moduleLog(), "Error inserting item into playlist DB");
             return false;
         }
     }
@@ -302,13 +304,13 @@ bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& s
 }
 
 int Database::removeItems(const PlayListRecord& pl, const QList<int>& indices) {
-    CM_ENTER_ARGS(playListsLogger(), "pl=" << pl.uid << " indices=" << joined(indices));
+    CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid << " indices=" << joined(indices));
     if (indices.isEmpty())
         return 0;
     Transaction transaction(*this, Transaction::Lock::AtOnce);
     const int removed = transaction.begun() ? removeItemsTransaction(pl, indices) : Failed;
     if (removed == Failed) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Error removing items from list");
+        LOG4CPLUS_ERROR(moduleLog(), "Error removing items from list");
         return Failed;
     }
     transaction.commit();
@@ -321,30 +323,31 @@ int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>&
     for (const Run& run : runsOf(indices)) {
         const int count = removeItemsHelper(pl, run.from, run.to);
         removed += count;
-        // No further run: some failures have ended the transaction, and the rest would be removed for good.
+        // No further run: some failures have ended the transaction, and the rest would be removed
+        // for good.
         if (count == Failed)
             break;
     }
     if (removed != indices.size()) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Unable to remove all item indices");
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to remove all item indices");
         return Failed;
     }
     if (!cleanUnusedItems()) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Unable to clean up unused items");
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to clean up unused items");
         return Failed;
     }
     // Deliberate: the first index as given, not the smallest. Callers list them in ascending order.
     if (!renumberFrom(pl, indices.first())) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Unable to restore sequence numbers");
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to restore sequence numbers");
         return Failed;
     }
     return removed;
 }
 
 int Database::removeItemsHelper(const PlayListRecord& pl, int from, int to) {
-    LOG4CPLUS_TRACE(playListsLogger(), "Remove partial from=" << from << " to=" << to);
+    LOG4CPLUS_TRACE(moduleLog(), "Remove partial from=" << from << " to=" << to);
     if (!statement(StatementId::DeletePlayListItem).run(pl.uid, from, to)) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Error removing partial items from list");
+        LOG4CPLUS_ERROR(moduleLog(), "Error removing partial items from list");
         return Failed;
     }
     return sqlite3_changes(m_connection);
@@ -355,7 +358,8 @@ bool Database::renumberFrom(const PlayListRecord& pl, int first) {
         int uid;
         int number;
     };
-    // All are read before the first is changed: the rows of a statement that is still being stepped must stay put.
+    // All are read before the first is changed: the rows of a statement that is still being stepped
+    // must stay put.
     QVector<Entry> entries;
     entries.reserve(qMax(0, pl.size - first));
     const bool read = visitItems(pl.uid, first, pl.size, [&entries](const Sqlite3Statement& row) {
@@ -367,8 +371,8 @@ bool Database::renumberFrom(const PlayListRecord& pl, int first) {
     Sqlite3Statement& setNumber = statement(StatementId::SetSequenceNumber);
     int number = first;
     for (const Entry& entry : std::as_const(entries)) {
-        LOG4CPLUS_TRACE(playListsLogger(),
-                        "update seq: uid=" << entry.uid << " old=" << entry.number << " new=" << number);
+        LOG4CPLUS_TRACE(moduleLog(), "update seq: uid=" << entry.uid << " old=" << entry.number
+                                                        << " new=" << number);
         // Ascending and never upwards, so each new number is free when it is taken.
         if (!setNumber.run(pl.uid, entry.uid, entry.number, number++))
             return false;
@@ -377,10 +381,10 @@ bool Database::renumberFrom(const PlayListRecord& pl, int first) {
 }
 
 bool Database::moveItem(const PlayListRecord& pl, int from, int to) {
-    CM_ENTER_ARGS(playListsLogger(), "pl=" << pl.uid << " from=" << from << " to=" << to);
+    CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid << " from=" << from << " to=" << to);
     Transaction transaction(*this, Transaction::Lock::WhenWriting);
     if (!transaction.begun() || !moveItemTransaction(pl, from, to)) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Error moving PlayListItem");
+        LOG4CPLUS_ERROR(moduleLog(), "Error moving PlayListItem");
         return false;
     }
     transaction.commit();
@@ -388,36 +392,38 @@ bool Database::moveItem(const PlayListRecord& pl, int from, int to) {
 }
 
 bool Database::moveItemTransaction(const PlayListRecord& pl, int from, int to) {
-    // The whole range is lifted above the numbers in use, and its entries come back one place on, the moved one first.
+    // The whole range is lifted above the numbers in use, and its entries come back one place on,
+    // the moved one first.
     Sqlite3Statement& shift = statement(StatementId::MoveItem1);
     const int size = pl.size;
     const int low = qMin(from, to);
     const int high = qMax(from, to);
     const int direction = from <= to ? 1 : -1;
-    return shift.run(pl.uid, low, high, size) && shift.run(pl.uid, from + size, from + size, to - from - size)
-           && shift.run(pl.uid, low + size, high + size, -(direction + size));
+    return shift.run(pl.uid, low, high, size) &&
+           shift.run(pl.uid, from + size, from + size, to - from - size) &&
+           shift.run(pl.uid, low + size, high + size, -(direction + size));
 }
 
 bool Database::clearItems(const PlayListRecord& pl) {
-    CM_ENTER_ARGS(playListsLogger(), "pl=" << pl.uid);
+    CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid);
     if (removeItemsHelper(pl, 0, lastPossibleNumber) < 0) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Unable to clear playList " << pl.uid);
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to clear playList " << pl.uid);
         return false;
     }
     const bool cleaned = cleanUnusedItems();
     if (!cleaned)
-        LOG4CPLUS_ERROR(playListsLogger(), "Unable to clean up unused items");
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to clean up unused items");
     setVacuumNeeded();
     return cleaned;
 }
 
 void Database::printItems(const PlayListRecord& pl) {
-    CM_ENTER(playListsLogger());
-    if (!playListsLogger().isEnabledFor(log4cplus::TRACE_LOG_LEVEL))
+    CM_ENTER(moduleLog());
+    if (!moduleLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL))
         return;
     const QList<OrvoPlayListItem> items = getItems(pl, 0, pl.size);
     for (const OrvoPlayListItem& item : items) {
-        LOG4CPLUS_TRACE(playListsLogger(), "uid: " << item.uid() << " seqNum: " << item.sequenceNumber()
-                                                   << " name: " << item.title());
+        LOG4CPLUS_TRACE(moduleLog(), "uid: " << item.uid() << " seqNum: " << item.sequenceNumber()
+                                             << " name: " << item.title());
     }
 }

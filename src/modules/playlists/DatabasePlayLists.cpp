@@ -1,6 +1,5 @@
 #include "DatabaseTransaction.h"
-
-#include "PlayListsLogger.h"
+#include "ModuleLog.h"
 #include "Sqlite3Statement.h"
 
 namespace {
@@ -21,7 +20,7 @@ PlayListRecord playListFromRow(const Sqlite3Statement& row) {
 } // namespace
 
 QList<PlayListRecord> Database::getPlayLists() {
-    CM_ENTER(playListsLogger());
+    CM_ENTER(moduleLog());
     QList<PlayListRecord> playlists;
     StatementScope query(statement(StatementId::GetPlayLists));
     while (query->step_row())
@@ -35,38 +34,38 @@ PlayListRecord Database::getPlayQueue() {
 }
 
 PlayListRecord Database::createPlayList(const QString& name) {
-    CM_ENTER_ARGS(playListsLogger(), "name=" << name);
+    CM_ENTER_ARGS(moduleLog(), "name=" << name);
     PlayListRecord pl;
     if (!statement(StatementId::CreatePlayList).run(name)) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Unable to create playlist in database");
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to create playlist in database");
         return pl;
     }
     pl.uid = int(sqlite3_last_insert_rowid(m_connection));
     pl.name = name;
     pl.lastPlayedIndex = -1;
-    LOG4CPLUS_TRACE(playListsLogger(), "Created playlist uid=" << pl.uid << " name=" << pl.name);
+    LOG4CPLUS_TRACE(moduleLog(), "Created playlist uid=" << pl.uid << " name=" << pl.name);
     return pl;
 }
 
 bool Database::updatePlayList(const PlayListRecord& pl) {
-    CM_ENTER_ARGS(playListsLogger(), "pl=" << pl.uid);
+    CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid);
     if (!statement(StatementId::UpdatePlayList)
              .run(pl.name, pl.shuffle ? 1 : 0, pl.repeatAll ? 1 : 0, pl.lastPlayedIndex, pl.uid)) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Error updating PlayList");
+        LOG4CPLUS_ERROR(moduleLog(), "Error updating PlayList");
         return false;
     }
     if (sqlite3_changes(m_connection) == 0) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Error updating PlayList: no such uid in DB");
+        LOG4CPLUS_ERROR(moduleLog(), "Error updating PlayList: no such uid in DB");
         return false;
     }
     return true;
 }
 
 bool Database::deletePlayList(const PlayListRecord& pl) {
-    CM_ENTER_ARGS(playListsLogger(), "pl uid=" << pl.uid);
+    CM_ENTER_ARGS(moduleLog(), "pl uid=" << pl.uid);
     Transaction transaction(*this, Transaction::Lock::WhenWriting);
     if (!transaction.begun() || !deletePlayListTransaction(pl)) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Error deleting PlayList");
+        LOG4CPLUS_ERROR(moduleLog(), "Error deleting PlayList");
         return false;
     }
     transaction.commit();
@@ -76,16 +75,16 @@ bool Database::deletePlayList(const PlayListRecord& pl) {
 
 bool Database::deletePlayListTransaction(const PlayListRecord& pl) {
     if (!statement(StatementId::DeletePlayList).run(pl.uid)) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Error deleting PlayList: delete commad failed");
+        LOG4CPLUS_ERROR(moduleLog(), "Error deleting PlayList: delete commad failed");
         return false;
     }
     if (sqlite3_changes(m_connection) == 0) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Error deleting PlayList: no such list in DB");
+        LOG4CPLUS_ERROR(moduleLog(), "Error deleting PlayList: no such list in DB");
         return false;
     }
     // The entries went with the playlist; their items did not.
     if (!cleanUnusedItems()) {
-        LOG4CPLUS_ERROR(playListsLogger(), "Unable to clean up unused items");
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to clean up unused items");
         return false;
     }
     return true;

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "Database.h"
-
 #include <sqlite3.h>
 
+#include "Database.h"
+
 // A transaction that is rolled back at the end of its block unless it was committed.
-// When begun() is false nothing was opened: nothing may be run, and nothing is rolled back, since whatever transaction
-// stood in the way is somebody else's.
+// When begun() is false nothing was opened: nothing may be run, and nothing is rolled back, since
+// whatever transaction stood in the way is somebody else's.
 class Database::Transaction {
 public:
     enum class Lock {
@@ -16,8 +16,8 @@ public:
 
     Transaction(Database& database, Lock lock)
         : m_database(database),
-          m_open((lock == Lock::AtOnce ? database.beginImmediateTransaction() : database.beginTransaction())
-                 == SQLITE_OK) {}
+          m_open((lock == Lock::AtOnce ? database.beginImmediateTransaction()
+                                       : database.beginTransaction()) == SQLITE_OK) {}
     ~Transaction() {
         if (m_open)
             m_database.rollbackTransaction();

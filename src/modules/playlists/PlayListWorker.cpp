@@ -6,6 +6,7 @@
 #include "Database.h"
 #include "ModuleLog.h"
 #include "PlayListManager.h"
+#include "PlayListPlayLogic.h"
 #include "playlistUI/PlayListUI.h"
 
 namespace {
@@ -29,6 +30,7 @@ PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config) : CMNodes
     m_manager = new PlayListManager(m_database);
     m_ui = new PlayListUI(this, nodes(), subscribe(), m_manager);
     m_controller = new Controller(this, m_manager);
+    m_playLogic = new PlayListPlayLogic(this, m_manager, nullptr);
     cmConnect(this, &PlayListWorker::setDataReceived, this, &PlayListWorker::on_setDataRequest);
     auto* powerManagerTarget = new CMValueItem(this, OrvoPowerManagerTargetPath());
     cmConnect(powerManagerTarget, &CMValueItem::changed, this,
@@ -36,6 +38,7 @@ PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config) : CMNodes
 }
 
 PlayListWorker::~PlayListWorker() {
+    delete m_playLogic;
     delete m_controller;
     delete m_ui;
     delete m_manager;

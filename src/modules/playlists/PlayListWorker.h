@@ -6,10 +6,11 @@ class CMValueItem;
 class Controller;
 class Database;
 class PlayListManager;
+class PlayListPlayLogic;
 class PlayListUI;
 
-// The module's root object: builds the store, the model, the browse tree and the controller, wires what crosses
-// between them, and routes set-data requests. The host owns it; everything lives on the thread that made it.
+// The module's root object: builds the store, the model, the browse tree, the controller and the play logic, wires what
+// crosses between them, and routes set-data requests. The host owns it; everything lives on the thread that made it.
 class PlayListWorker : public CMNodesWorker {
     Q_OBJECT
 public:
@@ -31,4 +32,5 @@ private:
     PlayListManager* m_manager;
     PlayListUI* m_ui;
     Controller* m_controller;
+    PlayListPlayLogic* m_playLogic;
 };

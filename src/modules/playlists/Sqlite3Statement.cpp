@@ -1,14 +1,15 @@
 #include "Sqlite3Statement.h"
 
-#include "PlayListsLogger.h"
-
 #include <sqlite3.h>
+
+#include "ModuleLog.h"
 
 Sqlite3Statement* Sqlite3Statement::create(sqlite3* db, const QString& sql, const QString& name) {
     sqlite3_stmt* statement = nullptr;
     const int code = sqlite3_prepare_v2(db, sql.toUtf8().constData(), -1, &statement, nullptr);
     if (code != SQLITE_OK) {
-        LOG4CPLUS_FATAL(playListsLogger(), "Unable to prepare statement " << name << ": " << sqlite3_errstr(code));
+        LOG4CPLUS_FATAL(moduleLog(),
+                        "Unable to prepare statement " << name << ": " << sqlite3_errstr(code));
         return nullptr;
     }
     return new Sqlite3Statement(statement, name);
@@ -28,7 +29,8 @@ bool Sqlite3Statement::bindInt(const int& index, const int& value) {
 bool Sqlite3Statement::bindText(const int& index, const QString& value) {
     m_boundTexts.append(value.toUtf8());
     const QByteArray& utf8 = m_boundTexts.constLast();
-    return sqlite3_bind_text(m_statement, index, utf8.constData(), utf8.size(), SQLITE_STATIC) == SQLITE_OK;
+    return sqlite3_bind_text(m_statement, index, utf8.constData(), utf8.size(), SQLITE_STATIC) ==
+           SQLITE_OK;
 }
 
 int Sqlite3Statement::columnInt(const int& index) const {
@@ -37,8 +39,10 @@ int Sqlite3Statement::columnInt(const int& index) const {
 
 QString Sqlite3Statement::columnText(const int& index) const {
     const unsigned char* utf8 = sqlite3_column_text(m_statement, index);
-    // The length comes after the text, whose conversion may change it. It is what keeps a NUL inside a text.
-    return QString::fromUtf8(reinterpret_cast<const char*>(utf8), sqlite3_column_bytes(m_statement, index));
+    // The length comes after the text, whose conversion may change it. It is what keeps a NUL
+    // inside a text.
+    return QString::fromUtf8(reinterpret_cast<const char*>(utf8),
+                             sqlite3_column_bytes(m_statement, index));
 }
 
 bool Sqlite3Statement::step_row() {
@@ -55,7 +59,7 @@ bool Sqlite3Statement::reset() {
     const int code = m_statement ? sqlite3_reset(m_statement) : SQLITE_MISUSE;
     if (code == SQLITE_OK)
         return true;
-    LOG4CPLUS_ERROR(playListsLogger(),
-                    "Unable to reset sql statement: " << m_name << " msg: " << sqlite3_errstr(code));
+    LOG4CPLUS_ERROR(moduleLog(), "Unable to reset sql statement: " << m_name << " msg: "
+                                                                   << sqlite3_errstr(code));
     return false;
 }

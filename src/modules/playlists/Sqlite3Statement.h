@@ -9,11 +9,11 @@ struct sqlite3_stmt;
 
 // One prepared statement and the texts bound to it.
 //
-// Each use: bind every parameter (?1 is index 1), step, read the columns (from 0) while on a row, reset. Bindings do
-// not outlive a reset. Prefer run() or a StatementScope, which cannot forget the reset.
-// Owner: whoever made it; the statement is finalised with it. Thread: that of its connection.
-// Failure: by return value. One made with a null statement fails every use, so an operation whose statement could not
-// be prepared fails like one whose statement could not be run.
+// Each use: bind every parameter (?1 is index 1), step, read the columns (from 0) while on a row,
+// reset. Bindings do not outlive a reset. Prefer run() or a StatementScope, which cannot forget the
+// reset. Owner: whoever made it; the statement is finalised with it. Thread: that of its
+// connection. Failure: by return value. One made with a null statement fails every use, so an
+// operation whose statement could not be prepared fails like one whose statement could not be run.
 class Sqlite3Statement {
 public:
     // Null when `sql` cannot be prepared, which is logged. The caller owns the result.
@@ -38,7 +38,8 @@ public:
     int step();
     bool reset();
 
-    // One whole use that reads nothing: binds `values` to ?1, ?2 …, steps once, resets. True when all of it worked.
+    // One whole use that reads nothing: binds `values` to ?1, ?2 …, steps once, resets. True when
+    // all of it worked.
     template <typename... Values>
     bool run(const Values&... values) {
         int index = 0;
@@ -58,7 +59,8 @@ private:
     QList<QByteArray> m_boundTexts;
 };
 
-// Resets a statement at the end of its block, unless reset() has done so, whose result the caller wants to see.
+// Resets a statement at the end of its block, unless reset() has done so, whose result the caller
+// wants to see.
 class StatementScope {
 public:
     explicit StatementScope(Sqlite3Statement& statement) : m_statement(statement) {}

@@ -4,7 +4,8 @@
 
 namespace {
 
-// The texts are fixed to the blank: tools that look at a running device know statements by their text.
+// The texts are fixed to the blank: tools that look at a running device know statements by their
+// text.
 constexpr std::array<StatementRow, StatementCount> catalogue{{
     {StatementId::GetPlayQueue, "getPlayQueue",
      "SELECT"
@@ -99,12 +100,9 @@ constexpr std::array<StatementRow, StatementCount> catalogue{{
     {StatementId::DeleteCollection, "deleteCollection",
      "DELETE FROM collections"
      "  WHERE uid=?1;"},
-    {StatementId::CountPlaylists, "countPlaylists",
-     "SELECT Count(*) FROM playlists"},
-    {StatementId::CountPlaylistItems, "countPlaylistItems",
-     "SELECT Count(*) FROM items"},
-    {StatementId::CountCollections, "countCollections",
-     "SELECT Count(*) FROM collections"},
+    {StatementId::CountPlaylists, "countPlaylists", "SELECT Count(*) FROM playlists"},
+    {StatementId::CountPlaylistItems, "countPlaylistItems", "SELECT Count(*) FROM items"},
+    {StatementId::CountCollections, "countCollections", "SELECT Count(*) FROM collections"},
 }};
 
 constexpr bool rowsStandInOrder() {

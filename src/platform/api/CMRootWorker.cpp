@@ -100,9 +100,28 @@ void CMRootWorker::matchRowRequest(const CMMatchRowRequest& request) {
         owner->matchRowRequest(request);
 }
 
+void CMRootWorker::addValueWatcher(const CMPath& path) {
+    if (++m_valueWatchers[path.base()] == 1)
+        Q_EMIT valueWatched(path, true);
+}
+
+void CMRootWorker::removeValueWatcher(const CMPath& path) {
+    const auto it = m_valueWatchers.find(path.base());
+    if (it == m_valueWatchers.end() || --it.value() > 0)
+        return;
+    m_valueWatchers.erase(it);
+    Q_EMIT valueWatched(path, false);
+}
+
 CMValueItem::CMValueItem(QObject* parent, const CMPath& path) : QObject(parent), m_path(path) {
+    CMRoot()->addValueWatcher(path);
     cmConnect(CMRoot()->events(), &CMSubscribe::changed, this, [this](const CMChange& change) {
         if (change.kind == CMChange::Kind::Value && change.path == m_path)
             Q_EMIT changed(change.newValue, change.oldValue);
     });
+}
+
+CMValueItem::~CMValueItem() {
+    if (CMRootWorker* rootWorker = CMRootWorker::instance())
+        rootWorker->removeValueWatcher(m_path);
 }

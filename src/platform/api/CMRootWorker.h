@@ -21,6 +21,13 @@ public:
     CMAbstractWorker* worker(const QString& prefix) const { return m_workers.value(prefix); }
 
     CMSubscribe* events() { return &m_events; }
+
+    // Who follows the value at `path`. A value that costs something to follow (a play position)
+    // changes its events' pace by this; every other value need not care. Counted here, not by the
+    // owner, so that a watcher may come before the module it watches.
+    void addValueWatcher(const CMPath& path);
+    void removeValueWatcher(const CMPath& path);
+    bool isValueWatched(const CMPath& path) const { return m_valueWatchers.contains(path.base()); }
     CMValueStore* values() { return &m_values; }
 
     QVariant getValue(const CMPath& path) override;
@@ -30,11 +37,16 @@ public:
     void getDataRequest(const CMGetDataRequest& request) override;
     void matchRowRequest(const CMMatchRowRequest& request) override;
 
+Q_SIGNALS:
+    // The first watcher of a value came, or its last one left.
+    void valueWatched(const CMPath& path, bool watched);
+
 private:
     template <typename Request>
     CMAbstractWorker* route(const Request& request);
 
     QHash<QString, CMAbstractWorker*> m_workers;
+    QHash<QString, int> m_valueWatchers;
     CMSubscribe m_events;
     CMValueStore m_values;
 };
@@ -42,11 +54,13 @@ private:
 // The root. Fatal when the host has not made one.
 ORVO_API_EXPORT CMRootWorker* CMRoot();
 
-// Watches one value of the data model. `changed` comes after every write that changed it.
+// Watches one value of the data model while it lives. `changed` comes after every write that
+// changed it.
 class ORVO_API_EXPORT CMValueItem : public QObject {
     Q_OBJECT
 public:
     CMValueItem(QObject* parent, const CMPath& path);
+    ~CMValueItem() override;
 
 Q_SIGNALS:
     void changed(const OrvoValue& newValue, const OrvoValue& oldValue);

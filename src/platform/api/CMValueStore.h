@@ -48,6 +48,7 @@ private:
     X(OrvoPlayListSettingsDataBaseVacuumPath, "settings:playlists/databaseVacuum", "bool", QMetaType::Bool, true)      \
     X(OrvoPlayListSettingsPlayqueueVisibilityPath, "settings:playlists/playqueueVisible", "bool", QMetaType::Bool, true) \
     X(OrvoPlayListSettingsCollectionsVisibilityPath, "settings:playlists/collectionsVisible", "bool", QMetaType::Bool, true) \
+    X(OrvoPlayerSettingsVolumePath, "settings:player/volume", "i32", QMetaType::Int, true)                             \
     X(OrvoPowerManagerTargetPath, "powermanager:target", "target", QMetaType::Int, false)
 
 #define ORVO_DECLARE_VALUE_PATH(function, path, key, type, persistent) ORVO_API_EXPORT CMPath function();

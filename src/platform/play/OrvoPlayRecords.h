@@ -1,6 +1,8 @@
 #pragma once
 
 #include "CMError.h"
+#include "OrvoPlayEnums.h"
+#include "OrvoPlayListEnums.h"
 #include "OrvoRoles.h"
 
 // The records that pass between a play logic, the player and those who watch them.
@@ -40,12 +42,50 @@ public:
     ORVO_ATTRIBUTE(OrvoError, streamerError, StreamerError, "streamerError")
 };
 
-// A play request. Type 1: the container in `mediaRoles` from `index` on, `trackRoles` its first track.
-class OrvoPlayLogicPlayArgs : public OrvoHash {
+// A request at a play-logic path: its kind, beside the arguments of that kind in the same hash.
+class OrvoPlayLogicRequest : public OrvoHash {
 public:
     using OrvoHash::OrvoHash;
+    ORVO_ATTRIBUTE(OrvoPlayLogicRequestKind::Enum, kind, Kind, "request")
+};
+
+// A play request. Type 1: the container in `mediaRoles` from `index` on, `trackRoles` its first
+// track. Its first track starts at `startPosition` (milliseconds) and, with `paused`, waits there.
+class OrvoPlayLogicPlayArgs : public OrvoPlayLogicRequest {
+public:
+    using OrvoPlayLogicRequest::OrvoPlayLogicRequest;
     ORVO_ATTRIBUTE(OrvoRoles, mediaRoles, MediaRoles, "mediaRoles")
     ORVO_ATTRIBUTE(OrvoRoles, trackRoles, TrackRoles, "trackRoles")
     ORVO_ATTRIBUTE(int, index, Index, "index")
     ORVO_ATTRIBUTE(int, type, Type, "type")
+    ORVO_ATTRIBUTE(int, startPosition, StartPosition, "startPosition")
+    ORVO_ATTRIBUTE(bool, paused, Paused, "paused")
+};
+
+// A change-play-mode request, and the argument of the player's own play-mode command.
+class OrvoPlayLogicChangePlayModeArgs : public OrvoPlayLogicRequest {
+public:
+    using OrvoPlayLogicRequest::OrvoPlayLogicRequest;
+    ORVO_ATTRIBUTE(OrvoPlayerPlayMode::Enum, playMode, PlayMode, "playMode")
+};
+
+// A stop request, and the argument of the player's own stop command.
+class OrvoPlayLogicStopArgs : public OrvoPlayLogicRequest {
+public:
+    using OrvoPlayLogicRequest::OrvoPlayLogicRequest;
+    ORVO_ATTRIBUTE(int, reason, Reason, "reason")
+};
+
+// Where to go on in what plays, in milliseconds.
+class OrvoPlayerSeekTimeArgs : public OrvoHash {
+public:
+    using OrvoHash::OrvoHash;
+    ORVO_ID_ATTRIBUTE(time, Time, "time")
+};
+
+// 0 (silent) to 100 (as recorded).
+class OrvoPlayerVolumeArgs : public OrvoHash {
+public:
+    using OrvoHash::OrvoHash;
+    ORVO_ID_ATTRIBUTE(volume, Volume, "volume")
 };

@@ -2,16 +2,14 @@
 
 #include "CMLog.h"
 #include "CMRootWorker.h"
+#include "StreamerPlayLogic.h"
 
-CMPath OrvoPlayerPlayContainerPath() {
-    static const CMPath path(QStringLiteral("player:playContainer"));
-    return path;
+namespace {
+log4cplus::Logger& logger() {
+    static log4cplus::Logger instance = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Player"));
+    return instance;
 }
-
-CMPath OrvoPlayerStopPath() {
-    static const CMPath path(QStringLiteral("player:stop"));
-    return path;
-}
+} // namespace
 
 PlayLogicInterface* PlayLogicInterface::playerInstance() {
     static PlayLogicInterface instance;
@@ -21,27 +19,37 @@ PlayLogicInterface* PlayLogicInterface::playerInstance() {
 CMReply<QVariant> PlayLogicInterface::send(const CMPath& path, const QVariant& args) {
     const CMReply<QVariant> reply;
     reply.onError([path](const CMError& error) {
-        static log4cplus::Logger logger = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Player"));
-        LOG4CPLUS_ERROR(logger, path << " failed: " << error.message().toString());
+        LOG4CPLUS_ERROR(logger(), path << " failed: " << error.message().toString());
     });
     CMRoot()->invoke(path, args, reply);
     return reply;
 }
 
-CMReply<QVariant> PlayLogicInterface::playContainer(const OrvoRoles& container, const OrvoRoles& track, int index,
+CMReply<QVariant> PlayLogicInterface::playContainer(const OrvoRoles& container,
+                                                    const OrvoRoles& track, int index,
                                                     int startPosition, bool paused) {
     OrvoPlayLogicPlayArgs args;
     args.setMediaRoles(container);
     args.setTrackRoles(track);
     args.setIndex(index);
     args.setType(1);
-    args.setAttribute(QStringLiteral("startPosition"), startPosition);
-    args.setAttribute(QStringLiteral("paused"), paused);
+    args.setStartPosition(startPosition);
+    args.setPaused(paused);
     return send(OrvoPlayerPlayContainerPath(), args.toVariant());
 }
 
 CMReply<QVariant> PlayLogicInterface::stop(int reason) {
-    OrvoHash args;
-    args.setAttribute(QStringLiteral("reason"), reason);
+    OrvoPlayLogicStopArgs args;
+    args.setReason(reason);
     return send(OrvoPlayerStopPath(), args.toVariant());
+}
+
+void PlayLogicInterface::command(const PlayLogicCommand& command) {
+    if (m_player) {
+        m_player->carryOut(command);
+        return;
+    }
+    const TrString text("PlayLogicInterface", "There is no player.");
+    LOG4CPLUS_ERROR(logger(), text.toString());
+    command.reply.setError(CMError(text));
 }

@@ -1,8 +1,8 @@
 #include "StatementTrace.h"
 
-#include "StoreFixture.h"
-
 #include <sqlite3.h>
+
+#include "StoreFixture.h"
 
 StatementTrace::StatementTrace(Database& database, Hook hook)
     : m_connection(StoreProbe::connection(database)), m_hook(std::move(hook)) {

@@ -1,14 +1,15 @@
 #pragma once
 
+#include <functional>
+
 #include <QString>
 #include <QStringList>
-
-#include <functional>
 
 class Database;
 struct sqlite3;
 
-// Records the statements that a connection begins while this lives, with whether foreign keys were enforced.
+// Records the statements that a connection begins while this lives, with whether foreign keys were
+// enforced.
 class StatementTrace {
 public:
     using Hook = std::function<void(const QString& sql)>;

@@ -1,17 +1,17 @@
 #include "StoreFixture.h"
 
-#include <QDir>
-
-#include <sqlite3.h>
-
 #include <algorithm>
 #include <iostream>
+#include <sqlite3.h>
+
+#include <QDir>
 
 namespace {
 
 template <typename Visit>
 void visitStatements(sqlite3* connection, Visit visit) {
-    for (sqlite3_stmt* s = sqlite3_next_stmt(connection, nullptr); s; s = sqlite3_next_stmt(connection, s))
+    for (sqlite3_stmt* s = sqlite3_next_stmt(connection, nullptr); s;
+         s = sqlite3_next_stmt(connection, s))
         visit(s);
 }
 
@@ -29,7 +29,9 @@ bool StoreProbe::foreignKeysOn(sqlite3* connection) {
 
 QStringList StoreProbe::preparedTexts(Database& database) {
     QStringList texts;
-    visitStatements(connection(database), [&texts](sqlite3_stmt* s) { texts.prepend(QString::fromUtf8(sqlite3_sql(s))); });
+    visitStatements(connection(database), [&texts](sqlite3_stmt* s) {
+        texts.prepend(QString::fromUtf8(sqlite3_sql(s)));
+    });
     return texts;
 }
 
@@ -52,7 +54,8 @@ qint64 StoreProbe::takeSteps(Database& database) {
 }
 
 StoreFixture::StoreFixture()
-    : m_oldFolder(QDir::currentPath()), m_folder(QDir::tempPath() + QStringLiteral("/orvo-store-XXXXXX")) {
+    : m_oldFolder(QDir::currentPath()),
+      m_folder(QDir::tempPath() + QStringLiteral("/orvo-store-XXXXXX")) {
     QDir::setCurrent(m_folder.path());
 }
 
@@ -65,7 +68,8 @@ void StoreFixture::TearDown() {
     close();
     if (HasFailure()) {
         m_folder.setAutoRemove(false);
-        std::cout << "the store of the failed test is kept in " << m_folder.path().toStdString() << std::endl;
+        std::cout << "the store of the failed test is kept in " << m_folder.path().toStdString()
+                  << std::endl;
     }
 }
 
@@ -77,7 +81,8 @@ Database& StoreFixture::reopen(int itemsLimit, bool vacuumNeeded) {
     close();
     m_database = std::make_unique<Database>(itemsLimit, vacuumNeeded);
     // Tests survive no power failure and need not pay for one.
-    sqlite3_exec(StoreProbe::connection(*m_database), "PRAGMA synchronous=OFF;", nullptr, nullptr, nullptr);
+    sqlite3_exec(StoreProbe::connection(*m_database), "PRAGMA synchronous=OFF;", nullptr, nullptr,
+                 nullptr);
     return *m_database;
 }
 
@@ -109,8 +114,9 @@ QList<OrvoPlayListItem> StoreFixture::items(int count, const QString& prefix) {
 
 PlayListRecord StoreFixture::playListOf(const QList<OrvoPlayListItem>& items, const QString& name) {
     const PlayListRecord created = database().createPlayList(name);
-    if (!items.isEmpty())
+    if (!items.isEmpty()) {
         EXPECT_EQ(0, database().addItems(created, OrvoPlayListAddPosition::Append, items, nullptr));
+    }
     return record(created.uid);
 }
 
@@ -125,14 +131,17 @@ PlayListRecord StoreFixture::record(int uid) {
     if (uid == PlayListRecord::PlayQueueUid)
         return database().getPlayQueue();
     const QList<PlayListRecord> all = database().getPlayLists();
-    const auto found = std::find_if(all.begin(), all.end(), [uid](const PlayListRecord& pl) { return pl.uid == uid; });
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [uid](const PlayListRecord& pl) { return pl.uid == uid; });
     return found == all.end() ? PlayListRecord() : *found;
 }
 
 QString StoreFixture::titles(int playlistUid) {
-    return rawTexts(QStringLiteral("SELECT title FROM playlists_items JOIN items ON item = uid WHERE playlist = %1"
-                                   " ORDER BY sequenceNumber")
-                        .arg(playlistUid))
+    return rawTexts(
+               QStringLiteral(
+                   "SELECT title FROM playlists_items JOIN items ON item = uid WHERE playlist = %1"
+                   " ORDER BY sequenceNumber")
+                   .arg(playlistUid))
         .join(QLatin1Char(' '));
 }
 
@@ -141,17 +150,20 @@ void StoreFixture::expectInvariants() {
     EXPECT_EQ(QStringList(), StoreProbe::busyTexts(store)) << "statements left active";
     EXPECT_TRUE(sqlite3_get_autocommit(StoreProbe::connection(store))) << "a transaction left open";
     EXPECT_TRUE(StoreProbe::foreignKeysOn(StoreProbe::connection(store)));
-    EXPECT_EQ(QStringList(), rawTexts(QStringLiteral(
-                                 "SELECT 'playlist ' || playlist || ': ' || COUNT(*) || ' entries numbered ' ||"
-                                 " MIN(sequenceNumber) || ' to ' || MAX(sequenceNumber) FROM playlists_items"
-                                 " GROUP BY playlist HAVING MIN(sequenceNumber) <> 0"
-                                 " OR MAX(sequenceNumber) <> COUNT(*) - 1")))
+    EXPECT_EQ(QStringList(),
+              rawTexts(QStringLiteral(
+                  "SELECT 'playlist ' || playlist || ': ' || COUNT(*) || ' entries numbered ' ||"
+                  " MIN(sequenceNumber) || ' to ' || MAX(sequenceNumber) FROM playlists_items"
+                  " GROUP BY playlist HAVING MIN(sequenceNumber) <> 0"
+                  " OR MAX(sequenceNumber) <> COUNT(*) - 1")))
         << "numbers that are not dense";
-    EXPECT_EQ(QStringList(), rawTexts(QStringLiteral("SELECT title FROM items LEFT JOIN playlists_items ON item = uid"
-                                                     " GROUP BY uid HAVING COUNT(item) <> 1")))
+    EXPECT_EQ(QStringList(), rawTexts(QStringLiteral(
+                                 "SELECT title FROM items LEFT JOIN playlists_items ON item = uid"
+                                 " GROUP BY uid HAVING COUNT(item) <> 1")))
         << "items that do not have exactly one entry";
     EXPECT_EQ(1, rawInt(QStringLiteral("SELECT COUNT(*) FROM playlists WHERE uid = 0")));
-    EXPECT_EQ(QStringList(QStringLiteral("ok")), rawTexts(QStringLiteral("PRAGMA integrity_check")));
+    EXPECT_EQ(QStringList(QStringLiteral("ok")),
+              rawTexts(QStringLiteral("PRAGMA integrity_check")));
     EXPECT_EQ(QStringList(), rawTexts(QStringLiteral("PRAGMA foreign_key_check")));
 }
 
@@ -159,7 +171,8 @@ sqlite3* StoreFixture::raw() {
     if (!m_raw) {
         EXPECT_EQ(SQLITE_OK, sqlite3_open(File, &m_raw));
         // As the store has it: a raw deletion must not leave what the store could never leave.
-        sqlite3_exec(m_raw, "PRAGMA foreign_keys=1; PRAGMA synchronous=OFF;", nullptr, nullptr, nullptr);
+        sqlite3_exec(m_raw, "PRAGMA foreign_keys=1; PRAGMA synchronous=OFF;", nullptr, nullptr,
+                     nullptr);
     }
     return m_raw;
 }
@@ -182,12 +195,14 @@ int StoreFixture::rawInt(const QString& sql) {
 QStringList StoreFixture::rawTexts(const QString& sql) {
     QStringList texts;
     sqlite3_stmt* statement = nullptr;
-    const int prepared = sqlite3_prepare_v2(raw(), sql.toUtf8().constData(), -1, &statement, nullptr);
+    const int prepared =
+        sqlite3_prepare_v2(raw(), sql.toUtf8().constData(), -1, &statement, nullptr);
     EXPECT_EQ(SQLITE_OK, prepared) << sql.toStdString();
     int code = SQLITE_OK;
     while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
-        texts.append(QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement, 0)),
-                                       sqlite3_column_bytes(statement, 0)));
+        texts.append(
+            QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement, 0)),
+                              sqlite3_column_bytes(statement, 0)));
     }
     EXPECT_EQ(SQLITE_DONE, code) << sql.toStdString();
     sqlite3_finalize(statement);

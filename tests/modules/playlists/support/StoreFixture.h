@@ -1,17 +1,16 @@
 #pragma once
 
-#include "Database.h"
-#include "TestApp.h"
-
 #include <gtest/gtest.h>
+#include <memory>
+#include <ostream>
 
 #include <QList>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
 
-#include <memory>
-#include <ostream>
+#include "Database.h"
+#include "TestApp.h"
 
 struct sqlite3;
 
@@ -23,7 +22,8 @@ public:
     // Texts of the prepared statements, in the order in which they were prepared.
     static QStringList preparedTexts(Database& database);
     static QStringList busyTexts(Database& database);
-    // Steps of SQLite's virtual machine that the prepared statements have taken since the last call.
+    // Steps of SQLite's virtual machine that the prepared statements have taken since the last
+    // call.
     static qint64 takeSteps(Database& database);
 };
 
@@ -47,7 +47,8 @@ protected:
     // Items "<prefix>0", "<prefix>1", …
     static QList<OrvoPlayListItem> items(int count, const QString& prefix = QStringLiteral("t"));
     // A new playlist with these items, and its record as the store has it.
-    PlayListRecord playListOf(const QList<OrvoPlayListItem>& items, const QString& name = QStringLiteral("list"));
+    PlayListRecord playListOf(const QList<OrvoPlayListItem>& items,
+                              const QString& name = QStringLiteral("list"));
     // "abc": items "a", "b", "c".
     PlayListRecord playListOf(const char* titles);
     // The record as the store has it now; uid -1 when there is none.

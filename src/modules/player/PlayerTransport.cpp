@@ -1,0 +1,435 @@
+#include "PlayerTransport.h"
+
+#include "CMConnect.h"
+#include "CMRootWorker.h"
+#include "PlayerLog.h"
+
+namespace {
+
+// Late enough to follow edits of the list, early enough to open a slow source.
+constexpr qint64 PrepareBeforeEndMs = 10000;
+
+QString firstUri(const OrvoRoles& roles) {
+    for (const OrvoResource& resource : roles.mediaData().resources()) {
+        if (!resource.uri().isEmpty())
+            return resource.uri();
+    }
+    return {};
+}
+
+CMPath playLogicPath(const OrvoPlayLogicPlayArgs& args) {
+    const CMPath ofContainer = args.mediaRoles().mediaData().metaData().playLogicPath();
+    return ofContainer.isEmpty() ? args.trackRoles().mediaData().metaData().playLogicPath()
+                                 : ofContainer;
+}
+
+CMError invalid(const char* text) {
+    return CMError(CMError::InvalidValue(), TrString("Player", text), CMError::DefaultTitle());
+}
+
+CMError notNow(const char* text) {
+    return CMError(CMError::NotSupported(), TrString("Player", text), CMError::DefaultTitle());
+}
+
+CMError nothingPlays() {
+    return notNow("Nothing is playing.");
+}
+
+bool isSupported(OrvoPlayerPlayMode::Enum mode, const OrvoPlayLogicPlayModesSupported& modes) {
+    switch (mode) {
+    case OrvoPlayerPlayMode::Normal:
+        return true;
+    case OrvoPlayerPlayMode::Shuffle:
+        return modes.shuffle();
+    case OrvoPlayerPlayMode::RepeatOne:
+        return modes.repeatOne();
+    case OrvoPlayerPlayMode::ShuffleRepeatOne:
+        return modes.shuffleRepeatOne();
+    case OrvoPlayerPlayMode::RepeatAll:
+        return modes.repeatAll();
+    case OrvoPlayerPlayMode::ShuffleRepeatAll:
+        return modes.shuffleRepeatAll();
+    }
+    return false;
+}
+
+} // namespace
+
+PlayerTransport::PlayerTransport(const QString& sink, QObject* parent)
+    : QObject(parent), m_engine(sink) {
+    cmConnect(&m_engine, &PlayerEngine::started, this, &PlayerTransport::onStarted);
+    cmConnect(&m_engine, &PlayerEngine::ended, this, &PlayerTransport::onEnded);
+    cmConnect(&m_engine, &PlayerEngine::finished, this, &PlayerTransport::onFinished);
+    cmConnect(&m_engine, &PlayerEngine::failed, this, &PlayerTransport::onFailed);
+    m_prepareTimer.setSingleShot(true);
+    cmConnect(&m_prepareTimer, &QTimer::timeout, this, &PlayerTransport::armPrepare);
+    PlayLogicInterface::playerInstance()->setPlayer(this);
+}
+
+PlayerTransport::~PlayerTransport() {
+    PlayLogicInterface::playerInstance()->setPlayer(nullptr);
+}
+
+void PlayerTransport::post(std::function<void()> step) {
+    QMetaObject::invokeMethod(this, std::move(step), Qt::QueuedConnection);
+}
+
+OrvoPlayLogicData PlayerTransport::data() const {
+    return m_logic ? m_logic->data() : OrvoPlayLogicData();
+}
+
+OrvoPlayerPlayMode::Enum PlayerTransport::playMode() const {
+    return m_logic ? m_logic->playMode() : OrvoPlayerPlayMode::Normal;
+}
+
+void PlayerTransport::setState(OrvoPlayerState::Enum state) {
+    m_state = state;
+    Q_EMIT changed();
+}
+
+// Commands of play logics.
+
+const PlayerTransport::CommandRow& PlayerTransport::commandRow(PlayLogicCommand::Kind kind) {
+    using Kind = PlayLogicCommand::Kind;
+    using T = PlayerTransport;
+    static const CommandRow rows[] = {
+        {Kind::Play, &T::play, true, true},
+        {Kind::SetNextMedia, &T::setNextMedia, false, false},
+        {Kind::NoNextMedia, &T::noNextMedia, false, false},
+        {Kind::PlaybackEnded, &T::playbackEnded, true, false},
+        {Kind::Stop, &T::stopped, true, false},
+    };
+    for (const CommandRow& row : rows) {
+        if (row.kind == kind)
+            return row;
+    }
+    cmFatal("a play-logic command of an unknown kind");
+}
+
+void PlayerTransport::carryOut(const PlayLogicCommand& command) {
+    const CommandRow& row = commandRow(command.kind);
+    const bool counts = row.takesOver || command.from == m_logic;
+    if (counts)
+        dropNext();
+    const bool decides = row.decides && counts;
+    m_decisionsUnderWay += decides ? 1 : 0;
+    post([this, command, decides] {
+        m_decisionsUnderWay -= decides ? 1 : 0;
+        obey(command);
+    });
+}
+
+void PlayerTransport::obey(const PlayLogicCommand& command) {
+    const CommandRow& row = commandRow(command.kind);
+    if (!command.from || (command.from != m_logic && !row.takesOver)) {
+        command.reply.setError(notNow("This play logic does not play."));
+        return;
+    }
+    (this->*row.carryOut)(command);
+    command.reply.setValue({});
+}
+
+void PlayerTransport::play(const PlayLogicCommand& command) {
+    activate(command.from);
+    OrvoPlayLogicPlayArgs start{QVariantHash(command.params)};
+    m_next = {};
+    m_current = {++m_lastGeneration, command.roles};
+    m_prepared = false;
+    m_prepareTimer.stop();
+    // A pause outlives an item that could not be played.
+    m_paused = start.containsPaused() ? start.paused() : m_resuming && m_paused;
+    m_resuming = false;
+    m_engine.play(m_current.generation, firstUri(command.roles), qMax(0, start.startPosition()),
+                  m_paused);
+    setState(OrvoPlayerState::Opening);
+}
+
+void PlayerTransport::setNextMedia(const PlayLogicCommand& command) {
+    if (m_current.generation == 0)
+        return; // ended meanwhile, nothing for it to follow
+    m_next = {++m_lastGeneration, command.roles};
+    m_engine.setNext(m_next.generation, firstUri(command.roles));
+    Q_EMIT changed();
+}
+
+void PlayerTransport::noNextMedia(const PlayLogicCommand&) {
+    dropNext();
+}
+
+void PlayerTransport::playbackEnded(const PlayLogicCommand&) {
+    silence();
+}
+
+void PlayerTransport::stopped(const PlayLogicCommand&) {
+    deactivate();
+    silence();
+}
+
+void PlayerTransport::activate(StreamerPlayLogic* logic) {
+    if (m_logic == logic)
+        return;
+    const CMPath left = deactivate();
+    m_logic = logic;
+    cmConnect(logic, &PlayLogicBase::dataChanged, this, &PlayerTransport::changed);
+    cmConnect(logic, &PlayLogicBase::playModeChanged, this, &PlayerTransport::changed);
+    cmConnect(logic, &QObject::destroyed, this, &PlayerTransport::silence);
+    if (left.isEmpty())
+        return;
+    OrvoPlayLogicStopArgs args;
+    args.setKind(OrvoPlayLogicRequestKind::Stop);
+    args.setReason(OrvoPlayerStopReason::TakenOver);
+    CMRoot()->invoke(left, args.toVariant(), {});
+}
+
+CMPath PlayerTransport::deactivate() {
+    if (!m_logic)
+        return {};
+    m_logic->disconnect(this);
+    const CMPath path = m_logic->path();
+    m_logic = nullptr;
+    return path;
+}
+
+void PlayerTransport::silence() {
+    m_engine.stop();
+    m_current = m_next = {};
+    m_paused = m_resuming = false;
+    m_prepareTimer.stop();
+    setState(OrvoPlayerState::Stopped);
+}
+
+void PlayerTransport::dropNext() {
+    m_engine.clearNext();
+    if (m_next.generation == 0)
+        return;
+    m_next = {};
+    Q_EMIT changed();
+}
+
+// What the engine reports.
+
+void PlayerTransport::onStarted(PlayerEngine::Generation generation) {
+    if (generation == m_next.generation) {
+        m_current = m_next;
+        m_next = {};
+    }
+    // Something else was decided, which only waits for its turn: this one hardly sounds.
+    if (generation != m_current.generation || m_decisionsUnderWay > 0 || !m_logic)
+        return;
+    m_prepared = false;
+    m_logic->itemStarted(m_current.roles);
+    setState(m_paused ? OrvoPlayerState::Paused : OrvoPlayerState::Playing);
+    Q_EMIT repositioned();
+    armPrepare();
+}
+
+void PlayerTransport::armPrepare() {
+    if (m_prepared || m_current.generation == 0)
+        return;
+    const qint64 whole = duration();
+    const qint64 left = whole - position() - PrepareBeforeEndMs;
+    if (left <= 0)
+        prepare();
+    else if (m_state == OrvoPlayerState::Playing)
+        m_prepareTimer.start(int(qMin<qint64>(left, 3600 * 1000)));
+    else
+        m_prepareTimer.stop();
+}
+
+void PlayerTransport::prepare() {
+    if (m_prepared || m_decisionsUnderWay > 0 || !m_logic)
+        return;
+    m_prepared = true;
+    m_prepareTimer.stop();
+    m_logic->prepareNextMedia();
+}
+
+void PlayerTransport::onEnded(PlayerEngine::Generation generation) {
+    if (generation == m_current.generation)
+        prepare();
+}
+
+void PlayerTransport::onFinished(PlayerEngine::Generation generation) {
+    // Behind the announcement that may be under way.
+    post([this, generation] { resumeAfter(generation); });
+}
+
+void PlayerTransport::resumeAfter(PlayerEngine::Generation generation) {
+    if (generation != m_current.generation || m_next.generation != 0 || m_decisionsUnderWay > 0 ||
+        !m_logic)
+        return;
+    m_state = OrvoPlayerState::Opening;
+    m_resuming = true;
+    m_logic->tryResumePlayback();
+    Q_EMIT changed();
+}
+
+void PlayerTransport::onFailed(PlayerEngine::Generation generation, const QString& text) {
+    const bool ofNext = generation == m_next.generation;
+    if ((!ofNext && generation != m_current.generation) || m_decisionsUnderWay > 0 || !m_logic)
+        return;
+    const OrvoRoles roles = ofNext ? m_next.roles : m_current.roles;
+    const QString title = roles.title().toString();
+    LOG4CPLUS_ERROR(playerLog(),
+                    "cannot play \"" << title << "\" (" << firstUri(roles) << "): " << text);
+    // The play logic knows the way on, whatever it had announced.
+    m_current = {++m_lastGeneration, roles};
+    dropNext();
+    m_prepareTimer.stop();
+    m_prepared = true;
+    m_state = OrvoPlayerState::Opening;
+    m_resuming = true;
+    OrvoError error;
+    error.setCode(QStringLiteral("CannotPlay"));
+    error.setMessage(TrString("Player", "%1 cannot be played: %2.", {title, text}).toString());
+    m_logic->itemFailed(roles, error);
+    Q_EMIT changed();
+}
+
+// Requests of users.
+
+void PlayerTransport::playContainer(const CMSetDataRequest& request) {
+    post([this, request] {
+        OrvoPlayLogicPlayArgs args(request.value());
+        const CMPath path = playLogicPath(args);
+        if (path.isEmpty()) {
+            request.reply().setError(invalid("There is no play logic for this."));
+            return;
+        }
+        // The play logic begins anew, what it had announced is void.
+        if (m_logic && m_logic->path().base() == path.base())
+            dropNext();
+        args.setKind(OrvoPlayLogicRequestKind::Play);
+        CMRoot()->invoke(path, args.toVariant(), request.reply());
+    });
+}
+
+void PlayerTransport::pause(const CMSetDataRequest& request) {
+    post([this, request] {
+        if (m_state == OrvoPlayerState::Stopped) {
+            request.reply().setError(nothingPlays());
+            return;
+        }
+        const OrvoPlayLogicControls controls = data().controls();
+        if (controls.containsPause() && !controls.pause()) {
+            request.reply().setError(notNow("This cannot be paused."));
+            return;
+        }
+        m_paused = true;
+        m_engine.setPaused(true);
+        m_prepareTimer.stop();
+        if (m_state == OrvoPlayerState::Playing)
+            setState(OrvoPlayerState::Paused);
+        Q_EMIT repositioned();
+        request.reply().setValue({});
+    });
+}
+
+void PlayerTransport::resume(const CMSetDataRequest& request) {
+    post([this, request] {
+        if (m_state == OrvoPlayerState::Stopped) {
+            request.reply().setError(nothingPlays());
+            return;
+        }
+        m_paused = false;
+        m_engine.setPaused(false);
+        if (m_state == OrvoPlayerState::Paused) {
+            setState(OrvoPlayerState::Playing);
+            armPrepare();
+        }
+        Q_EMIT repositioned();
+        request.reply().setValue({});
+    });
+}
+
+void PlayerTransport::stop(const CMSetDataRequest& request) {
+    post([this, request] {
+        OrvoPlayLogicStopArgs args(request.value());
+        const CMPath path = deactivate();
+        silence();
+        if (path.isEmpty()) {
+            request.reply().setValue({});
+            return;
+        }
+        args.setKind(OrvoPlayLogicRequestKind::Stop);
+        CMRoot()->invoke(path, args.toVariant(), request.reply());
+    });
+}
+
+void PlayerTransport::seekTime(const CMSetDataRequest& request) {
+    post([this, request] {
+        const int time = OrvoPlayerSeekTimeArgs(request.value()).time();
+        if (time < 0) {
+            request.reply().setError(invalid("The time must be a number of milliseconds."));
+            return;
+        }
+        if (m_state != OrvoPlayerState::Playing && m_state != OrvoPlayerState::Paused) {
+            request.reply().setError(nothingPlays());
+            return;
+        }
+        const OrvoPlayLogicControls controls = data().controls();
+        const bool allowed = !controls.containsSeekTime() || controls.seekTime();
+        const qint64 whole = duration();
+        const qint64 target = whole > 0 ? qMin<qint64>(time, whole) : time;
+        if (!allowed || !m_engine.seek(target)) {
+            request.reply().setError(notNow("This cannot be sought in."));
+            return;
+        }
+        armPrepare();
+        Q_EMIT repositioned();
+        request.reply().setValue({});
+    });
+}
+
+void PlayerTransport::askLogic(const CMSetDataRequest& request, OrvoPlayLogicRequest args) {
+    if (m_logic)
+        CMRoot()->invoke(m_logic->path(), args.toVariant(), request.reply());
+    else
+        request.reply().setError(nothingPlays());
+}
+
+void PlayerTransport::next(const CMSetDataRequest& request) {
+    post([this, request] {
+        OrvoPlayLogicRequest args;
+        args.setKind(OrvoPlayLogicRequestKind::Next);
+        askLogic(request, args);
+    });
+}
+
+void PlayerTransport::previous(const CMSetDataRequest& request) {
+    post([this, request] {
+        OrvoPlayLogicRequest args;
+        args.setKind(OrvoPlayLogicRequestKind::Previous);
+        askLogic(request, args);
+    });
+}
+
+void PlayerTransport::setPlayMode(const CMSetDataRequest& request) {
+    post([this, request] {
+        OrvoPlayLogicChangePlayModeArgs args(request.value());
+        if (m_logic && !isSupported(args.playMode(), m_logic->playModesSupported())) {
+            request.reply().setError(invalid("There is no such play mode here."));
+            return;
+        }
+        args.setKind(OrvoPlayLogicRequestKind::ChangePlayMode);
+        askLogic(request, args);
+    });
+}
+
+void PlayerTransport::setVolume(const CMSetDataRequest& request) {
+    post([this, request] {
+        const int volume = OrvoPlayerVolumeArgs(request.value()).volume();
+        if (volume < 0 || volume > 100) {
+            request.reply().setError(invalid("The volume must be between 0 and 100."));
+            return;
+        }
+        applyVolume(volume);
+        request.reply().setValue({});
+    });
+}
+
+void PlayerTransport::applyVolume(int volume) {
+    m_volume = volume;
+    m_engine.setVolume(volume);
+    Q_EMIT changed();
+}

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <functional>
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+#include "CMRequest.h"
+#include "PlayerEngine.h"
+#include "PlayLogicInterface.h"
+#include "StreamerPlayLogic.h"
+
+// Plays what play logics decide: at most one of them, the active one, is in charge at a time.
+// Requests of users and commands of play logics form one queue and are carried out in its order,
+// each from the event loop, so nothing calls back into a play logic that is still deciding.
+// What a decision replaces is dropped the moment it is sent, not when its turn comes.
+// Owned by the worker, on its thread. A request that cannot be served gets an error reply.
+class PlayerTransport : public QObject, public PlayerCommands {
+    Q_OBJECT
+public:
+    explicit PlayerTransport(const QString& sink, QObject* parent = nullptr);
+    ~PlayerTransport() override;
+
+    // The user's requests, at once or later answered through their replies.
+    void playContainer(const CMSetDataRequest& request);
+    void pause(const CMSetDataRequest& request);
+    void resume(const CMSetDataRequest& request);
+    void stop(const CMSetDataRequest& request);
+    void seekTime(const CMSetDataRequest& request);
+    void next(const CMSetDataRequest& request);
+    void previous(const CMSetDataRequest& request);
+    void setPlayMode(const CMSetDataRequest& request);
+    void setVolume(const CMSetDataRequest& request);
+
+    void carryOut(const PlayLogicCommand& command) override;
+
+    OrvoPlayerState::Enum state() const { return m_state; }
+    OrvoPlayLogicData data() const;
+    OrvoPlayerPlayMode::Enum playMode() const;
+    OrvoRoles nextMedia() const { return m_next.roles; }
+    qint64 position() const { return m_engine.position(); }
+    qint64 duration() const { return m_engine.duration(); }
+    int volume() const { return m_volume; }
+    // Without a request, at start.
+    void applyVolume(int volume);
+
+Q_SIGNALS:
+    // Something of the above has changed, except the position as time goes by.
+    void changed();
+    // The position jumped.
+    void repositioned();
+
+private:
+    struct Item {
+        PlayerEngine::Generation generation = 0;
+        OrvoRoles roles;
+    };
+    struct CommandRow {
+        PlayLogicCommand::Kind kind;
+        void (PlayerTransport::*carryOut)(const PlayLogicCommand& command);
+        // What plays or was announced is over when this is sent.
+        bool decides;
+        // Any play logic may send it, the active one or not.
+        bool takesOver;
+    };
+    static const CommandRow& commandRow(PlayLogicCommand::Kind kind);
+
+    void post(std::function<void()> step);
+    void obey(const PlayLogicCommand& command);
+    void play(const PlayLogicCommand& command);
+    void setNextMedia(const PlayLogicCommand& command);
+    void noNextMedia(const PlayLogicCommand& command);
+    void playbackEnded(const PlayLogicCommand& command);
+    void stopped(const PlayLogicCommand& command);
+
+    void onStarted(PlayerEngine::Generation generation);
+    void onEnded(PlayerEngine::Generation generation);
+    void onFinished(PlayerEngine::Generation generation);
+    void onFailed(PlayerEngine::Generation generation, const QString& text);
+    void resumeAfter(PlayerEngine::Generation generation);
+
+    void activate(StreamerPlayLogic* logic);
+    // Leaves the active play logic and returns its path, empty when there was none.
+    CMPath deactivate();
+    void silence();
+    void dropNext();
+    void askLogic(const CMSetDataRequest& request, OrvoPlayLogicRequest args);
+    void armPrepare();
+    void prepare();
+    void setState(OrvoPlayerState::Enum state);
+
+    PlayerEngine m_engine;
+    QPointer<StreamerPlayLogic> m_logic;
+    PlayerEngine::Generation m_lastGeneration = 0;
+    Item m_current;
+    Item m_next;
+    OrvoPlayerState::Enum m_state = OrvoPlayerState::Stopped;
+    bool m_paused = false;
+    bool m_prepared = false;
+    bool m_resuming = false; // the play logic was asked for a way on
+    int m_decisionsUnderWay = 0;
+    int m_volume = 100;
+    QTimer m_prepareTimer;
+};

@@ -1,0 +1,180 @@
+#include "PlayerWorker.h"
+
+#include "CMConnect.h"
+#include "CMRootWorker.h"
+#include "PlayerLog.h"
+
+namespace {
+
+// A slider that is dragged is one change to keep, not fifty.
+constexpr int KeepVolumeAfterMs = 1000;
+constexpr int DefaultVolume = 100;
+
+OrvoValue text(const QString& value) {
+    return OrvoValue::fromString(value);
+}
+
+OrvoValue milliseconds(qint64 value) {
+    OrvoValue result;
+    result.setI64_(value);
+    return result;
+}
+
+QVariant bare(const QVariant& value) {
+    if (value.type() != QVariant::Hash && value.type() != QVariant::Map)
+        return value;
+    const OrvoValue tagged(value);
+    return tagged.attribute(tagged.tag());
+}
+
+} // namespace
+
+const QList<PlayerWorker::CommandRow>& PlayerWorker::commandRows() {
+    using T = PlayerTransport;
+    static const QList<CommandRow> rows = {
+        {OrvoPlayerPlayContainerPath(), &T::playContainer},
+        {OrvoPlayerPausePath(), &T::pause},
+        {OrvoPlayerResumePath(), &T::resume},
+        {OrvoPlayerStopPath(), &T::stop},
+        {OrvoPlayerSeekTimePath(), &T::seekTime},
+        {OrvoPlayerNextPath(), &T::next},
+        {OrvoPlayerPreviousPath(), &T::previous},
+        {OrvoPlayerSetPlayModePath(), &T::setPlayMode},
+        {OrvoPlayerSetVolumePath(), &T::setVolume},
+    };
+    return rows;
+}
+
+const QList<PlayerWorker::ValueRow>& PlayerWorker::valueRows() {
+    using T = PlayerTransport;
+    static const QList<ValueRow> rows = {
+        {OrvoPlayerStatePath(),
+         [](const T& t) { return text(OrvoPlayerState::toString(t.state())); },
+         false,
+         nullptr,
+         {}},
+        {OrvoPlayerDataPath(),
+         [](const T& t) { return OrvoValue(t.data().toHash()); },
+         false,
+         nullptr,
+         {}},
+        {OrvoPlayerNextMediaPath(),
+         [](const T& t) { return OrvoValue(t.nextMedia().toHash()); },
+         false,
+         nullptr,
+         {}},
+        {OrvoPlayerPlayModePath(),
+         [](const T& t) { return text(OrvoPlayerPlayMode::toString(t.playMode())); }, false,
+         &T::setPlayMode, OrvoPlayLogicChangePlayModeArgs::PlayMode()},
+        {OrvoPlayerPositionPath(), [](const T& t) { return milliseconds(t.position()); }, true,
+         &T::seekTime, OrvoPlayerSeekTimeArgs::Time()},
+        {OrvoPlayerDurationPath(),
+         [](const T& t) { return milliseconds(t.duration()); },
+         false,
+         nullptr,
+         {}},
+        {OrvoPlayerVolumePath(), [](const T& t) { return OrvoValue::fromI32(t.volume()); }, false,
+         &T::setVolume, OrvoPlayerVolumeArgs::Volume()},
+    };
+    return rows;
+}
+
+const PlayerWorker::ValueRow* PlayerWorker::valueRow(const CMPath& path) {
+    const QString base = path.base();
+    for (const ValueRow& row : valueRows()) {
+        if (row.path.base() == base)
+            return &row;
+    }
+    return nullptr;
+}
+
+PlayerWorker::PlayerWorker(const QHash<QString, QVariant>& config)
+    : CMNodesWorker(config, QStringLiteral("Player")),
+      m_transport(config.value(QStringLiteral("player/audioSink")).toString()),
+      m_position(m_transport, subscribe()) {
+    takeVolume(OrvoValue(CMRoot()->getValue(OrvoPlayerSettingsVolumePath())));
+    for (const ValueRow& row : valueRows())
+        m_published.insert(row.path.base(), row.read(m_transport));
+    cmConnect(&m_transport, &PlayerTransport::changed, this, &PlayerWorker::publishSoon);
+    cmConnect(&m_position, &PositionPublisher::ticked, this, &PlayerWorker::publishSoon);
+    m_volumeTimer.setSingleShot(true);
+    cmConnect(&m_volumeTimer, &QTimer::timeout, this, &PlayerWorker::keepVolume);
+    auto* stored = new CMValueItem(this, OrvoPlayerSettingsVolumePath());
+    cmConnect(stored, &CMValueItem::changed, this, &PlayerWorker::takeVolume);
+}
+
+PlayerWorker::~PlayerWorker() {
+    if (m_volumeTimer.isActive())
+        keepVolume();
+}
+
+void PlayerWorker::takeVolume(const OrvoValue& stored) {
+    m_transport.applyVolume(stored.containsI32_() ? qBound(0, stored.i32(), 100) : DefaultVolume);
+}
+
+void PlayerWorker::keepVolume() {
+    m_volumeTimer.stop();
+    const CMVoidReply reply;
+    reply.onError([](const CMError& error) {
+        LOG4CPLUS_ERROR(playerLog(), "the volume is not kept: " << error.message().toString());
+    });
+    if (CMRootWorker* root = CMRootWorker::instance())
+        root->setValue(OrvoPlayerSettingsVolumePath(), m_transport.volume(), reply);
+}
+
+QVariant PlayerWorker::getValue(const CMPath& path) {
+    const ValueRow* row = valueRow(path);
+    return row ? row->read(m_transport).toVariant() : CMNodesWorker::getValue(path);
+}
+
+void PlayerWorker::setValue(const CMPath& path, const QVariant& value, const CMVoidReply& reply) {
+    const ValueRow* row = valueRow(path);
+    if (!row || !row->write) {
+        CMNodesWorker::setValue(path, value, reply);
+        return;
+    }
+    OrvoHash args;
+    args.setAttribute(row->argument, bare(value));
+    const CMReply<QVariant> done;
+    done.onSuccess([reply] { reply.setFinished(); });
+    done.onError([reply](const CMError& error) { reply.setError(error); });
+    (m_transport.*row->write)(CMSetDataRequest(path, args.toVariant(), done));
+}
+
+void PlayerWorker::setDataRequest(const CMSetDataRequest& request) {
+    const QString base = request.path().base();
+    for (const CommandRow& row : commandRows()) {
+        if (row.path.base() == base) {
+            (m_transport.*row.call)(request);
+            return;
+        }
+    }
+    CMNodesWorker::setDataRequest(request);
+}
+
+void PlayerWorker::publishSoon() {
+    if (m_publishing)
+        return;
+    // From the event loop: a change may be made in the middle of a play logic's decision, and
+    // several of them are one to those who watch.
+    m_publishing = true;
+    QMetaObject::invokeMethod(
+        this, [this] { publish(); }, Qt::QueuedConnection);
+}
+
+void PlayerWorker::publish() {
+    m_publishing = false;
+    for (const ValueRow& row : valueRows()) {
+        if (row.publishedByItself)
+            continue;
+        const OrvoValue newValue = row.read(m_transport);
+        OrvoValue& known = m_published[row.path.base()];
+        if (newValue == known)
+            continue;
+        const OrvoValue oldValue = known;
+        known = newValue;
+        subscribe()->valueChanged(row.path, newValue, oldValue);
+        if (row.path == OrvoPlayerVolumePath())
+            m_volumeTimer.start(KeepVolumeAfterMs);
+    }
+}

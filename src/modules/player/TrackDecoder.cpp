@@ -1,0 +1,211 @@
+#include "TrackDecoder.h"
+
+#include <cmath>
+
+#include <QFileInfo>
+#include <QUrl>
+
+#include "PlayerLog.h"
+
+namespace {
+// Long enough not to spin, short enough for the feeder to be called to rest.
+constexpr GstClockTime PullWait = 20 * GST_MSECOND;
+// What is decoded ahead; a second or two with the usual decoders.
+constexpr guint BuffersAhead = 32;
+
+// Frames of the buffer that lie before the segment's start, as after a seek into its middle.
+qint64 framesBeforeStart(GstBuffer* buffer, const GstSegment* segment, int rate) {
+    if (!GST_BUFFER_PTS_IS_VALID(buffer) || segment->format != GST_FORMAT_TIME ||
+        GST_BUFFER_PTS(buffer) >= segment->start)
+        return 0;
+    const double seconds = double(segment->start - GST_BUFFER_PTS(buffer)) / GST_SECOND;
+    return std::llround(seconds * rate);
+}
+} // namespace
+
+TrackDecoder::TrackDecoder(quint64 id, const QString& uri, std::optional<AudioFormat> wanted,
+                           EngineEvents& events)
+    : m_id(id), m_uri(uri), m_events(events) {
+    const QUrl url(uri);
+    // Asked here, because opening a pipe or a folder would wait or fail with an unhelpful text.
+    if (uri.isEmpty() || !url.isValid() || url.scheme().isEmpty()) {
+        fail("there is no address to play");
+    } else if (url.isLocalFile() && !QFileInfo(url.toLocalFile()).isFile()) {
+        fail("there is no such file");
+    } else {
+        build(wanted);
+        gst_element_set_state(m_pipeline.get(), GST_STATE_PLAYING);
+    }
+}
+
+TrackDecoder::~TrackDecoder() {
+    // Ends GStreamer's threads for this item; no callback runs afterwards.
+    if (m_pipeline)
+        gst_element_set_state(m_pipeline.get(), GST_STATE_NULL);
+    const std::lock_guard lock(m_mutex);
+}
+
+void TrackDecoder::build(const std::optional<AudioFormat>& wanted) {
+    m_pipeline.reset(gst_pipeline_new(nullptr));
+    GstElement* source = gst_element_factory_make("uridecodebin", nullptr);
+    m_convert = gst_element_factory_make("audioconvert", nullptr);
+    GstElement* resample = gst_element_factory_make("audioresample", nullptr);
+    GstElement* sink = gst_element_factory_make("appsink", nullptr);
+    CM_ASSERT(source && m_convert && resample && sink, "GStreamer's base plugins are missing");
+    m_sink = GST_APP_SINK(sink);
+
+    const GstCapsPtr decoded(gst_caps_from_string("audio/x-raw(ANY)"));
+    g_object_set(source, "uri", m_uri.toUtf8().constData(), "caps", decoded.get(),
+                 "expose-all-streams", FALSE, nullptr);
+    // No dithering: the same file always gives the same samples.
+    gst_util_set_object_arg(G_OBJECT(m_convert), "dithering", "none");
+    gst_util_set_object_arg(G_OBJECT(m_convert), "noise-shaping", "none");
+    const std::string caps = wanted ? wanted->caps() : AudioFormat::anyCaps();
+    const GstCapsPtr delivered(gst_caps_from_string(caps.c_str()));
+    g_object_set(sink, "sync", FALSE, "caps", delivered.get(), "max-buffers", BuffersAhead,
+                 nullptr);
+
+    gst_bin_add_many(GST_BIN(m_pipeline.get()), source, m_convert, resample, sink, nullptr);
+    gst_element_link_many(m_convert, resample, sink, nullptr);
+    g_signal_connect(source, "pad-added", G_CALLBACK(onPadAdded), this);
+    g_signal_connect(source, "no-more-pads", G_CALLBACK(onNoMorePads), this);
+    GstAppSinkCallbacks callbacks{};
+    callbacks.new_preroll = onPreroll;
+    callbacks.eos = onEos;
+    gst_app_sink_set_callbacks(m_sink, &callbacks, this, nullptr);
+    const GstBusPtr bus(gst_element_get_bus(m_pipeline.get()));
+    gst_bus_set_sync_handler(bus.get(), onMessage, this, nullptr);
+    // Publishes what was built to the threads that are about to start.
+    const std::lock_guard lock(m_mutex);
+}
+
+void TrackDecoder::ready(const AudioFormat& format) {
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_reported)
+            return;
+        m_reported = true;
+        m_format = format;
+    }
+    m_events.push({EngineEvent::Kind::DecoderReady, m_id, 0, {}});
+}
+
+void TrackDecoder::fail(const std::string& text) {
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_error.empty())
+            m_error = text;
+        if (m_reported)
+            return; // the feeder finds the error when it gets there
+        m_reported = true;
+    }
+    m_events.push({EngineEvent::Kind::DecoderFailed, m_id, 0, text});
+}
+
+AudioFormat TrackDecoder::format() const {
+    const std::lock_guard lock(m_mutex);
+    return m_format;
+}
+
+std::string TrackDecoder::error() const {
+    const std::lock_guard lock(m_mutex);
+    return m_error;
+}
+
+qint64 TrackDecoder::duration() const {
+    gint64 duration = 0;
+    if (!m_pipeline || !gst_element_query_duration(m_pipeline.get(), GST_FORMAT_TIME, &duration) ||
+        duration < 0)
+        return 0;
+    return qint64(GST_TIME_AS_MSECONDS(GstClockTime(duration)));
+}
+
+bool TrackDecoder::seek(qint64 ms) {
+    return gst_element_seek_simple(m_pipeline.get(), GST_FORMAT_TIME,
+                                   GstSeekFlags(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE),
+                                   ms * gint64(GST_MSECOND));
+}
+
+TrackDecoder::Pulled TrackDecoder::pull(std::vector<char>& pcm) {
+    const bool over = gst_app_sink_is_eos(m_sink);
+    const GstSamplePtr sample(gst_app_sink_try_pull_sample(m_sink, PullWait));
+    if (!sample) {
+        const std::lock_guard lock(m_mutex);
+        if (!m_error.empty())
+            return Pulled::Failed;
+        return over ? Pulled::Ended : Pulled::NotYet;
+    }
+    GstBuffer* buffer = gst_sample_get_buffer(sample.get());
+    const AudioFormat form = format();
+    const gsize skip =
+        gsize(framesBeforeStart(buffer, gst_sample_get_segment(sample.get()), form.rate)) *
+        gsize(form.frameBytes());
+    const gsize size = gst_buffer_get_size(buffer);
+    if (skip >= size)
+        return Pulled::NotYet;
+    pcm.resize(size - skip);
+    gst_buffer_extract(buffer, skip, pcm.data(), pcm.size());
+    return Pulled::Sound;
+}
+
+// What follows runs on GStreamer's threads.
+
+void TrackDecoder::onPadAdded(GstElement*, GstPad* pad, gpointer self) {
+    auto* decoder = static_cast<TrackDecoder*>(self);
+    GstElement* convert = nullptr;
+    {
+        const std::lock_guard lock(decoder->m_mutex);
+        convert = decoder->m_convert;
+    }
+    const GstPadPtr target(gst_element_get_static_pad(convert, "sink"));
+    if (!gst_pad_is_linked(target.get()))
+        gst_pad_link(pad, target.get());
+}
+
+void TrackDecoder::onNoMorePads(GstElement*, gpointer self) {
+    auto* decoder = static_cast<TrackDecoder*>(self);
+    GstElement* convert = nullptr;
+    {
+        const std::lock_guard lock(decoder->m_mutex);
+        convert = decoder->m_convert;
+    }
+    const GstPadPtr target(gst_element_get_static_pad(convert, "sink"));
+    if (!gst_pad_is_linked(target.get()))
+        decoder->fail("there is no sound in it");
+}
+
+GstFlowReturn TrackDecoder::onPreroll(GstAppSink* sink, gpointer self) {
+    auto* decoder = static_cast<TrackDecoder*>(self);
+    const GstSamplePtr sample(gst_app_sink_pull_preroll(sink));
+    if (!sample)
+        return GST_FLOW_OK;
+    const std::optional<AudioFormat> format =
+        AudioFormat::fromCaps(gst_sample_get_caps(sample.get()));
+    if (format)
+        decoder->ready(*format);
+    else
+        decoder->fail("its sound cannot be read");
+    return GST_FLOW_OK;
+}
+
+void TrackDecoder::onEos(GstAppSink*, gpointer self) {
+    auto* decoder = static_cast<TrackDecoder*>(self);
+    {
+        const std::lock_guard lock(decoder->m_mutex);
+        if (decoder->m_reported)
+            return;
+    }
+    decoder->fail("there is no sound in it");
+}
+
+GstBusSyncReply TrackDecoder::onMessage(GstBus*, GstMessage* message, gpointer self) {
+    auto* decoder = static_cast<TrackDecoder*>(self);
+    if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
+        GError* raw = nullptr;
+        gst_message_parse_error(message, &raw, nullptr);
+        const GErrorPtr error(raw);
+        decoder->fail(error ? error->message : "it cannot be decoded");
+    }
+    gst_message_unref(message);
+    return GST_BUS_DROP;
+}

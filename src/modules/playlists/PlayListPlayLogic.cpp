@@ -1,0 +1,333 @@
+#include "PlayListPlayLogic.h"
+
+#include "CMConnect.h"
+#include "OrvoPlayListPaths.h"
+#include "PlayListBase.h"
+#include "PlayListManager.h"
+#include "PlayListWorker.h"
+#include "PlayLogicInterface.h"
+#include "PlayLogicLog.h"
+
+namespace {
+// How many tracks in a row may fail before playback is given up.
+constexpr int MaximumErrorCount = 5;
+// The play request whose container is to be played from an index on.
+constexpr int PlayContainerType = 1;
+
+constexpr bool isPlayMode(int mode) {
+    return mode >= 0 && mode <= 5;
+}
+
+constexpr bool isShuffled(int mode) {
+    return isPlayMode(mode) && mode % 2 == 1;
+}
+} // namespace
+
+log4cplus::Logger& playLogicLog() {
+    static log4cplus::Logger logger = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("PlayListsPlayLogic"));
+    return logger;
+}
+
+PlayListPlayLogic::PlayListPlayLogic(PlayListWorker* worker, PlayListManager* manager, QObject* parent)
+    : StreamerPlayLogic(worker->nodes(), OrvoPlayListsPlayLogicPath(), parent), m_worker(worker), m_manager(manager) {
+    cmConnect(m_manager, &PlayListManager::playlistDeleted, this, &PlayListPlayLogic::on_playlist_deleted);
+}
+
+// --- the current playlist and its tracks ---
+
+void PlayListPlayLogic::connectCurrentPlayList() {
+    cmConnect(m_currentPlayList, &PlayListBase::itemsCleared, this, &PlayListPlayLogic::on_currentPlayList_cleared);
+    cmConnect(m_currentPlayList, &PlayListBase::itemMoved, this, &PlayListPlayLogic::on_currentPlayList_itemMoved);
+    cmConnect(m_currentPlayList, &PlayListBase::itemsAdded, this, &PlayListPlayLogic::on_currentPlayList_itemsAdded);
+    cmConnect(m_currentPlayList, &PlayListBase::itemsRemoved, this,
+              &PlayListPlayLogic::on_currentPlayList_itemsRemoved);
+    cmConnect(m_currentPlayList, &PlayListBase::shuffleChanged, this,
+              &PlayListPlayLogic::on_currentPlayList_shuffleChanged);
+    cmConnect(m_currentPlayList, &PlayListBase::repeatAllChanged, this,
+              &PlayListPlayLogic::on_currentPlayList_repeatAllChanged);
+}
+
+void PlayListPlayLogic::disconnectCurrentPlayList() {
+    cmDisconnect(m_currentPlayList, &PlayListBase::itemsCleared, this, &PlayListPlayLogic::on_currentPlayList_cleared);
+    cmDisconnect(m_currentPlayList, &PlayListBase::itemMoved, this, &PlayListPlayLogic::on_currentPlayList_itemMoved);
+    cmDisconnect(m_currentPlayList, &PlayListBase::itemsAdded, this, &PlayListPlayLogic::on_currentPlayList_itemsAdded);
+    cmDisconnect(m_currentPlayList, &PlayListBase::itemsRemoved, this,
+                 &PlayListPlayLogic::on_currentPlayList_itemsRemoved);
+    cmDisconnect(m_currentPlayList, &PlayListBase::shuffleChanged, this,
+                 &PlayListPlayLogic::on_currentPlayList_shuffleChanged);
+    cmDisconnect(m_currentPlayList, &PlayListBase::repeatAllChanged, this,
+                 &PlayListPlayLogic::on_currentPlayList_repeatAllChanged);
+}
+
+void PlayListPlayLogic::setCurrentPlayList(PlayListBase* pl) {
+    if (m_currentPlayList)
+        disconnectCurrentPlayList();
+    m_currentPlayList = pl;
+    if (m_currentPlayList)
+        connectCurrentPlayList();
+}
+
+void PlayListPlayLogic::setRepeatMode(RepeatMode mode) {
+    m_repeatMode = mode;
+    if (m_currentPlayList)
+        m_currentPlayList->setRepeatAll(mode == RepeatAll);
+}
+
+OrvoRoles PlayListPlayLogic::trackAt(int seqNum, const char* whenThereIsNone) {
+    if (!m_currentPlayList)
+        return {};
+    const QList<OrvoPlayListItem> items = m_currentPlayList->getItems(seqNum, seqNum);
+    if (items.isEmpty()) {
+        LOG4CPLUS_DEBUG(playLogicLog(), whenThereIsNone);
+        return {};
+    }
+    return m_currentPlayList->itemToOrvoRoles(items.first());
+}
+
+OrvoRoles PlayListPlayLogic::getTrackRelative(int offset) {
+    if (!m_currentPlayList)
+        return {};
+    return trackAt(m_currentPlayList->getLastSequenceNumber() + offset, "Reached last item of playlist");
+}
+
+OrvoRoles PlayListPlayLogic::getTrackAbsolute(int seqNum) {
+    return trackAt(seqNum, "There is no item with this sequence number in the playlist");
+}
+
+OrvoRoles PlayListPlayLogic::getCurrentTrack() {
+    return getTrackRelative(0);
+}
+
+OrvoRoles PlayListPlayLogic::getNextTrack() {
+    if (data().streamerError().containsCode()) {
+        ++m_errorCount;
+        if (m_errorCount > MaximumErrorCount) {
+            LOG4CPLUS_ERROR(playLogicLog(), "Reached maximum error count exiting");
+            return {};
+        }
+    } else {
+        m_errorCount = 0;
+    }
+
+    OrvoRoles result;
+    if (m_shuffleEnabled) {
+        const int seqNum = getNextShuffleItem();
+        if (seqNum != -1)
+            result = getTrackAbsolute(seqNum);
+    } else {
+        result = getTrackRelative(1);
+    }
+    if (result.isEmpty() && m_currentPlayList && m_repeatMode == RepeatAll) {
+        const int first = m_shuffleEnabled && !m_shuffleSeq.isEmpty() ? m_shuffleSeq.at(0) : 0;
+        result = getTrackAbsolute(first);
+        if (result.isEmpty())
+            LOG4CPLUS_WARN(playLogicLog(),
+                           "Playlist should start from beginning again, but does not contain any tracks");
+    }
+    return result;
+}
+
+OrvoRoles PlayListPlayLogic::getPreviousTrack() {
+    OrvoRoles result;
+    if (m_shuffleEnabled) {
+        const int seqNum = getPrevShuffleItem();
+        if (seqNum != -1)
+            result = getTrackAbsolute(seqNum);
+    } else {
+        result = getTrackRelative(-1);
+    }
+    if (result.isEmpty() && m_currentPlayList && m_repeatMode == RepeatAll) {
+        // Deliberate: the last one of the list, also when it is shuffled.
+        result = getTrackAbsolute(m_currentPlayList->getSize() - 1);
+        if (result.isEmpty())
+            LOG4CPLUS_WARN(playLogicLog(),
+                           "Playlist should wrap around and continue with last track, but does not contain any tracks");
+    }
+    return result;
+}
+
+// --- requests ---
+
+void PlayListPlayLogic::playInternal(const CMSetDataRequest& request, const OrvoPlayLogicPlayArgs& args) {
+    CM_ENTER_ARGS(playLogicLog(), "args=" << args.toVariant());
+    // The members are set directly: the setters would write into the playlist that is being left. Repeat one is
+    // forgotten here, deliberately: a playlist does not keep it.
+    setCurrentPlayList(nullptr);
+    m_shuffleEnabled = false;
+    m_repeatMode = RepeatOff;
+    m_shuffleSeq.clear();
+    m_shuffleCurIndex = -1;
+    m_currentTrackRoles = OrvoRoles();
+    m_errorCount = 0;
+    m_nextMediaPrepared = false;
+
+    const OrvoRoles mediaRoles = args.mediaRoles();
+    const OrvoRoles trackRoles = args.trackRoles();
+    const CMPath path = mediaRoles.path();
+    if (args.type() == PlayContainerType) {
+        if (!path.isEmpty()) {
+            LOG4CPLUS_DEBUG(playLogicLog(), "mediaRoles path is " << path << " - playing list");
+            startPlayback(path, args.index(), request);
+        } else {
+            LOG4CPLUS_DEBUG(playLogicLog(), "mediaRoles path is empty - playing trackRoles directly");
+            playTrackRoles(trackRoles);
+        }
+    } else if (mediaRoles.type() == OrvoRolesType::Container) {
+        startPlayback(path, 0, request);
+    }
+    request.reply().setValue(QVariant());
+}
+
+void PlayListPlayLogic::startPlayback(const CMPath& path, int index, CMSetDataRequest request) {
+    CM_ENTER_ARGS(playLogicLog(), " track=" << index);
+    PlayListBase* pl = nullptr;
+    if (path.startsWith(OrvoPlayListPlGetItemsPath())) {
+        const QStringList components = path.splitBase();
+        const int plid = components.isEmpty() ? 0 : components.last().toInt();
+        if (plid == 0) {
+            LOG4CPLUS_ERROR(playLogicLog(), "playInternal called for invalid playlist container " << path);
+            request.reply().setError(
+                CMError(QStringLiteral("PlayList Error"),
+                        TrString(trExtractContext(__PRETTY_FUNCTION__), "Play called on invalid playlist container"),
+                        CMError::DefaultTitle()));
+            return;
+        }
+        pl = m_manager->getPlayListByUid(plid);
+    } else if (path.startsWith(OrvoPlayListPqGetItemsPath())) {
+        pl = m_manager->getPlayQueue();
+    }
+    if (!pl)
+        return;
+
+    setCurrentPlayList(pl);
+    const bool shuffle = pl->getShuffle();
+    const bool repeatAll = pl->getRepeatAll();
+    setPlayMode(OrvoPlayerPlayMode::Enum((repeatAll ? OrvoPlayerPlayMode::RepeatAll : OrvoPlayerPlayMode::Normal) +
+                                         (shuffle ? 1 : 0)));
+    LOG4CPLUS_DEBUG(playLogicLog(), "index=" << index << " size=" << pl->getSize());
+    playTrackRoles(getTrackAbsolute(index));
+    setShuffleEnabled(shuffle);
+    setRepeatMode(repeatAll ? RepeatAll : RepeatOff);
+}
+
+void PlayListPlayLogic::playTrackRoles(OrvoRoles roles) {
+    const OrvoValue position = roles.value();
+    if (m_currentPlayList && position.containsI32_())
+        m_currentPlayList->setLastSequenceNumber(position.i32());
+    sendPlayCommand(roles, {});
+}
+
+void PlayListPlayLogic::stopInternal(const CMSetDataRequest& request) {
+    CM_ENTER(playLogicLog());
+    setCurrentPlayList(nullptr);
+    StreamerPlayLogic::stopInternal(request);
+}
+
+void PlayListPlayLogic::nextInternal(const CMSetDataRequest& request) {
+    const OrvoRoles roles = getNextTrack();
+    if (!roles.isEmpty()) {
+        m_currentTrackRoles = roles;
+        playTrackRoles(roles);
+    } else {
+        LOG4CPLUS_DEBUG(playLogicLog(), "Reached last item of playlist for nextInternal");
+    }
+    request.reply().setValue(QVariant());
+}
+
+void PlayListPlayLogic::previousInternal(const CMSetDataRequest& request) {
+    const OrvoRoles roles = getPreviousTrack();
+    if (!roles.isEmpty()) {
+        m_currentTrackRoles = roles;
+        playTrackRoles(roles);
+    } else {
+        LOG4CPLUS_DEBUG(playLogicLog(), "Reached first item of playlist for previousInternal");
+    }
+    request.reply().setValue(QVariant());
+}
+
+void PlayListPlayLogic::changePlayModeInternal(const CMSetDataRequest& request) {
+    const int newMode = OrvoPlayLogicChangePlayModeArgs(request.value().toHash()).playMode();
+    const int previousMode = playMode();
+    LOG4CPLUS_DEBUG(playLogicLog(), "previous mode: " << OrvoPlayerPlayMode::toString(previousMode)
+                                                      << " new mode: " << OrvoPlayerPlayMode::toString(newMode));
+    setPlayMode(OrvoPlayerPlayMode::Enum(newMode));
+    if (isPlayMode(newMode)) {
+        const bool shuffled = isShuffled(newMode);
+        // A command on the playing list has published the new mode already; then only our own flag is behind.
+        const bool halfChanged = isPlayMode(previousMode) ? shuffled != isShuffled(previousMode) : shuffled;
+        if (halfChanged || shuffled != m_shuffleEnabled)
+            setShuffleEnabled(shuffled);
+        setRepeatMode(RepeatMode(newMode / 2));
+    }
+    if (m_nextMediaPrepared)
+        prepareNextMedia();
+    request.reply().setValue(QVariant());
+}
+
+OrvoPlayLogicPlayModesSupported PlayListPlayLogic::playModesSupported() {
+    OrvoPlayLogicPlayModesSupported supported;
+    supported.setShuffle(true);
+    supported.setShuffleRepeatAll(true);
+    supported.setShuffleRepeatOne(true);
+    supported.setRepeatOne(true);
+    supported.setRepeatAll(true);
+    return supported;
+}
+
+// --- the player's calls ---
+
+void PlayListPlayLogic::prepareNextMedia() {
+    // Deliberate: asking for the next track advances the shuffle cursor, also when it is asked again.
+    const OrvoRoles roles = m_repeatMode == RepeatOne ? getCurrentTrack() : getNextTrack();
+    if (!roles.isEmpty()) {
+        m_currentTrackRoles = roles;
+        sendSetNextMediaCommand(roles, {});
+    } else {
+        LOG4CPLUS_DEBUG(playLogicLog(), "Reached last item of playlist for prepareNextMedia");
+        sendNoNextMediaCommand();
+    }
+    m_nextMediaPrepared = true;
+}
+
+void PlayListPlayLogic::takeOverCurrentTrack() {
+    const OrvoValue position = m_currentTrackRoles.value();
+    if (!m_currentPlayList || !position.containsI32_())
+        return;
+    m_currentPlayList->setLastSequenceNumber(position.i32());
+    m_currentTrackRoles = OrvoRoles();
+}
+
+OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRoles, const OrvoRoles& newRoles) {
+    LOG4CPLUS_DEBUG(playLogicLog(), "newRoles=" << newRoles.toVariant());
+    LOG4CPLUS_DEBUG(playLogicLog(), "oldRoles=" << oldRoles.toVariant());
+    OrvoPlayLogicControls controls;
+    controls.setPause(true);
+    controls.setNext(m_currentPlayList != nullptr);
+    controls.setPrevious(m_currentPlayList != nullptr);
+    const OrvoMetaData metaData = newRoles.mediaData().metaData();
+    const bool seekTime = metaData.containsAllowSeekTime() ? metaData.allowSeekTime() : true;
+    LOG4CPLUS_DEBUG(playLogicLog(), "Enabling seekTime control: " << seekTime);
+    controls.setSeekTime(seekTime);
+    const bool seekBytes = metaData.containsAllowSeekBytes() ? metaData.allowSeekBytes() : true;
+    LOG4CPLUS_DEBUG(playLogicLog(), "Enabling seekBytes control: " << seekBytes);
+    controls.setSeekBytes(seekBytes);
+    controls.setPlayMode(playModesSupported());
+
+    OrvoPlayLogicData result = data();
+    result.removeAttribute(OrvoPlayLogicData::Error());
+    result.removeAttribute(OrvoPlayLogicData::StreamerError());
+    result.setControls(controls);
+    LOG4CPLUS_DEBUG(playLogicLog(), "New playlogic data: " << result.toVariant());
+    m_nextMediaPrepared = false;
+    takeOverCurrentTrack();
+    return result;
+}
+
+void PlayListPlayLogic::tryResumePlayback() {
+    takeOverCurrentTrack();
+    const OrvoRoles roles = getNextTrack();
+    if (!roles.isEmpty())
+        playTrackRoles(roles);
+    else
+        playbackEnded();
+}

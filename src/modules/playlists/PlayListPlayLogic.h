@@ -1,0 +1,98 @@
+#pragma once
+
+#include <QVector>
+
+#include "OrvoRoles.h"
+#include "StreamerPlayLogic.h"
+
+class PlayListBase;
+class PlayListManager;
+class PlayListWorker;
+
+// The module's play logic: what of the current playlist plays first, next and before, with shuffle and repeat, and how
+// that stays right while the list is edited. The position is not kept here but in the playlist, as its last sequence
+// number. Made by the worker, worker's thread only. No current playlist or no such track: empty roles.
+//
+// Requests and the player's calls are handled in PlayListPlayLogic.cpp, the shuffle order in
+// PlayListPlayLogicShuffle.cpp, edits of the current playlist in PlayListPlayLogicEdits.cpp.
+class PlayListPlayLogic : public StreamerPlayLogic {
+    Q_OBJECT
+public:
+    enum RepeatMode : int { RepeatOff = 0, RepeatOne = 1, RepeatAll = 2 };
+
+    PlayListPlayLogic(PlayListWorker* worker, PlayListManager* manager, QObject* parent);
+
+    void setCurrentPlayList(PlayListBase* pl);
+    void setRepeatMode(RepeatMode mode);
+
+    OrvoRoles getTrackRelative(int offset);
+    OrvoRoles getTrackAbsolute(int seqNum);
+    OrvoRoles getCurrentTrack();
+    // Advances the shuffle order. Empty at the end, and after five tracks in a row that failed.
+    OrvoRoles getNextTrack();
+    OrvoRoles getPreviousTrack();
+
+    void playInternal(const CMSetDataRequest& request, const OrvoPlayLogicPlayArgs& args) override;
+    void stopInternal(const CMSetDataRequest& request) override;
+    void nextInternal(const CMSetDataRequest& request) override;
+    void previousInternal(const CMSetDataRequest& request) override;
+    void changePlayModeInternal(const CMSetDataRequest& request) override;
+    OrvoPlayLogicPlayModesSupported playModesSupported() override;
+    void prepareNextMedia() override;
+    OrvoPlayLogicData mediaPlaybackStarted(const OrvoRoles& oldRoles, const OrvoRoles& newRoles) override;
+    void tryResumePlayback() override;
+
+    void startPlayback(const CMPath& path, int index, CMSetDataRequest request);
+    // Makes the track the position, if it carries one, and sends it to the player.
+    void playTrackRoles(OrvoRoles roles);
+    // Lets the published track roles show the position that an edit gave the track.
+    void updateSequenceNumberInData();
+
+    // --- the shuffle order: a permutation of the sequence numbers, and a cursor in it ---
+
+    void setShuffleEnabled(bool enabled);
+    // A new order that starts with `startItem`, negative: with any.
+    void initShuffle(int startItem);
+    // Shuffles the order from position `from` to its end.
+    void randomizeShuffleItems(int from);
+    // Shuffles the same way out of a given seed. order 0..9, from 4: the first four stay where they are.
+    static void shuffleTail(QVector<int>& order, int from, quint64 seed);
+    // A sequence number, -1 for none.
+    int getNextShuffleItem();
+    int getPrevShuffleItem();
+    void debugShuffleItems() const;
+
+private Q_SLOTS:
+    void on_playlist_deleted(int plid);
+    void on_currentPlayList_cleared();
+    void on_currentPlayList_itemsAdded(const QString& positionStr, int firstSeqNum, int count);
+    void on_currentPlayList_itemsRemoved(const QList<int>& indices, int lastSeqNumBeforeRemove);
+    void on_currentPlayList_itemMoved(int from, int to);
+    void on_currentPlayList_shuffleChanged(bool newValue);
+    void on_currentPlayList_repeatAllChanged(bool newValue);
+
+private:
+    friend class PlayLogicProbe; // the tests' look at order, cursor and position
+
+    void connectCurrentPlayList();
+    void disconnectCurrentPlayList();
+    OrvoRoles trackAt(int seqNum, const char* whenThereIsNone);
+    void stopPlayer();
+    // The prepared track has become the position.
+    void takeOverCurrentTrack();
+    // Keeps the sequence number in the current track roles on its item: `moved` maps old to new, -1 for gone.
+    template <typename Moved>
+    void followCurrentTrack(Moved moved);
+    void removeFromShuffle(int seqNum);
+
+    PlayListWorker* m_worker;
+    PlayListManager* m_manager;
+    PlayListBase* m_currentPlayList = nullptr;
+    bool m_shuffleEnabled = false;
+    RepeatMode m_repeatMode = RepeatOff;
+    QVector<int> m_shuffleSeq;
+    int m_shuffleCurIndex = -1;
+    OrvoRoles m_currentTrackRoles;
+    int m_errorCount = 0;
+    bool m_nextMediaPrepared = false;
+};

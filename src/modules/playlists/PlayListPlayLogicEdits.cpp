@@ -1,0 +1,187 @@
+#include <algorithm>
+#include <numeric>
+
+#include "OrvoPlayListEnums.h"
+#include "PlayListBase.h"
+#include "PlayListPlayLogic.h"
+#include "PlayLogicInterface.h"
+#include "PlayLogicLog.h"
+
+// A slot that stops or starts playback returns at once: the stop may come back and take the current playlist away.
+
+namespace {
+constexpr int StopOnRequest = 0;
+constexpr int Gone = -1;
+} // namespace
+
+template <typename Moved>
+void PlayListPlayLogic::followCurrentTrack(Moved moved) {
+    const OrvoValue position = m_currentTrackRoles.value();
+    if (!position.containsI32_())
+        return;
+    const int newNumber = moved(position.i32());
+    if (newNumber == Gone)
+        m_currentTrackRoles.removeAttribute(OrvoRoles::Value());
+    else
+        m_currentTrackRoles.setValue(OrvoValue::fromI32(newNumber));
+}
+
+void PlayListPlayLogic::stopPlayer() {
+    PlayLogicInterface::playerInstance()->stop(StopOnRequest);
+}
+
+void PlayListPlayLogic::on_playlist_deleted(int plid) {
+    if (!m_currentPlayList || m_currentPlayList->getUid() != plid)
+        return;
+    stopPlayer();
+    setCurrentPlayList(nullptr);
+}
+
+void PlayListPlayLogic::on_currentPlayList_cleared() {
+    CM_ENTER(playLogicLog());
+    stopPlayer();
+}
+
+void PlayListPlayLogic::on_currentPlayList_itemsAdded(const QString& positionStr, int firstSeqNum, int count) {
+    LOG4CPLUS_DEBUG(playLogicLog(),
+                    "pos=" << positionStr << " lastSeq=" << m_currentPlayList->getLastSequenceNumber());
+    const OrvoPlayListAddPosition::Enum position = OrvoPlayListAddPosition::fromString(positionStr);
+    if (position == OrvoPlayListAddPosition::AfterCurrent && m_currentTrackRoles.value().containsI32_()) {
+        // The player must hear of its new next item; deliberately before the order below is patched.
+        prepareNextMedia();
+    } else {
+        followCurrentTrack([=](int seqNum) { return seqNum >= firstSeqNum ? seqNum + count : seqNum; });
+    }
+    if (!m_shuffleEnabled)
+        return;
+
+    if (position == OrvoPlayListAddPosition::Now || position == OrvoPlayListAddPosition::AfterCurrent) {
+        // The new items play next, in their own order.
+        for (int& entry : m_shuffleSeq) {
+            if (entry >= firstSeqNum)
+                entry += count;
+        }
+        const int at = std::min(m_shuffleCurIndex + 1, m_shuffleSeq.size());
+        m_shuffleSeq.insert(at, count, 0);
+        std::iota(m_shuffleSeq.begin() + at, m_shuffleSeq.begin() + at + count, firstSeqNum);
+    } else if (position == OrvoPlayListAddPosition::Append) {
+        // Mixed into what has not played yet: shuffling the tail once gives what shuffling it after each item would.
+        const int size = m_shuffleSeq.size();
+        m_shuffleSeq.resize(size + count);
+        std::iota(m_shuffleSeq.begin() + size, m_shuffleSeq.end(), firstSeqNum);
+        randomizeShuffleItems(m_shuffleCurIndex + 1);
+    } else {
+        LOG4CPLUS_DEBUG(playLogicLog(),
+                        "Unknown position specifier: " << OrvoPlayListAddPosition::toString(position));
+    }
+}
+
+// Deliberate: several removed indices are applied one after the other as they are, although each removal has already
+// renumbered what stands behind it.
+void PlayListPlayLogic::removeFromShuffle(int seqNum) {
+    int kept = 0;
+    int cursor = m_shuffleCurIndex;
+    for (int i = 0; i < m_shuffleSeq.size(); ++i) {
+        const int entry = m_shuffleSeq.at(i);
+        if (entry == seqNum) {
+            if (kept <= cursor)
+                --cursor;
+            continue;
+        }
+        m_shuffleSeq[kept++] = entry > seqNum ? entry - 1 : entry;
+    }
+    m_shuffleSeq.resize(kept);
+    m_shuffleCurIndex = cursor;
+}
+
+void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indices, int lastSeqNumBeforeRemove) {
+    LOG4CPLUS_DEBUG(playLogicLog(),
+                    "indices.size()=" << indices.size() << " lastSeqNum=" << lastSeqNumBeforeRemove);
+    if (m_currentPlayList->getSize() == 0) {
+        on_currentPlayList_cleared();
+        return;
+    }
+    if (m_shuffleEnabled) {
+        for (int index : indices)
+            removeFromShuffle(index);
+    }
+    // How many of the removed ones stood before this one; `indices` are ascending.
+    const auto removedBefore = [&indices](int seqNum) {
+        return int(std::lower_bound(indices.cbegin(), indices.cend(), seqNum) - indices.cbegin());
+    };
+    const auto isRemoved = [&indices](int seqNum) {
+        return std::binary_search(indices.cbegin(), indices.cend(), seqNum);
+    };
+    if (!isRemoved(lastSeqNumBeforeRemove)) {
+        followCurrentTrack([&](int seqNum) { return isRemoved(seqNum) ? Gone : seqNum - removedBefore(seqNum); });
+        updateSequenceNumberInData();
+        return;
+    }
+
+    // The playing item went: what has moved into its place plays.
+    const OrvoRoles replacement = getTrackAbsolute(lastSeqNumBeforeRemove - removedBefore(lastSeqNumBeforeRemove));
+    m_currentTrackRoles = OrvoRoles();
+    if (!replacement.isEmpty()) {
+        playTrackRoles(replacement);
+        return;
+    }
+    const OrvoRoles next = m_currentPlayList->getRepeatAll() ? getNextTrack() : OrvoRoles();
+    if (!next.isEmpty())
+        playTrackRoles(next);
+    else
+        stopPlayer();
+}
+
+void PlayListPlayLogic::on_currentPlayList_itemMoved(int from, int to) {
+    CM_ENTER_ARGS(playLogicLog(), "from=" << from << " to=" << to);
+    if (m_shuffleEnabled) {
+        // Deliberate: the two numbers are exchanged, those between are not shifted.
+        for (int& entry : m_shuffleSeq) {
+            if (entry == from)
+                entry = to;
+            else if (entry == to)
+                entry = from;
+        }
+    }
+    followCurrentTrack([=](int seqNum) {
+        if (seqNum == from)
+            return to;
+        if (from < to)
+            return seqNum > from && seqNum <= to ? seqNum - 1 : seqNum;
+        return seqNum >= to && seqNum < from ? seqNum + 1 : seqNum;
+    });
+    updateSequenceNumberInData();
+}
+
+void PlayListPlayLogic::on_currentPlayList_shuffleChanged(bool newValue) {
+    if (newValue == m_shuffleEnabled)
+        return;
+    const int mode = playMode();
+    if (mode >= OrvoPlayerPlayMode::Normal && mode <= OrvoPlayerPlayMode::ShuffleRepeatAll)
+        setPlayMode(OrvoPlayerPlayMode::Enum(mode / 2 * 2 + (newValue ? 1 : 0)));
+}
+
+void PlayListPlayLogic::on_currentPlayList_repeatAllChanged(bool newValue) {
+    const int shuffled = m_shuffleEnabled ? 1 : 0;
+    if (!newValue && m_repeatMode == RepeatAll)
+        setPlayMode(OrvoPlayerPlayMode::Enum(OrvoPlayerPlayMode::Normal + shuffled));
+    else if (newValue && m_repeatMode != RepeatAll)
+        setPlayMode(OrvoPlayerPlayMode::Enum(OrvoPlayerPlayMode::RepeatAll + shuffled));
+}
+
+void PlayListPlayLogic::updateSequenceNumberInData() {
+    if (!m_currentPlayList)
+        return;
+    OrvoPlayLogicData published = data();
+    OrvoRoles trackRoles = published.trackRoles();
+    if (!trackRoles.value().containsI32_()) {
+        LOG4CPLUS_DEBUG(playLogicLog(), "No current sequence number in playlogic data");
+        return;
+    }
+    const int position = m_currentPlayList->getLastSequenceNumber();
+    if (trackRoles.value().i32() == position)
+        return;
+    trackRoles.setValue(OrvoValue::fromI32(position));
+    published.setTrackRoles(trackRoles);
+    setData(published);
+}

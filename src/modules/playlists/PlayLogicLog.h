@@ -1,0 +1,6 @@
+#pragma once
+
+#include "CMLog.h"
+
+// The play logic's logger, "PlayListsPlayLogic".
+log4cplus::Logger& playLogicLog();

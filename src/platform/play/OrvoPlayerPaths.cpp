@@ -1,0 +1,16 @@
+#include "OrvoPlayerPaths.h"
+
+#define ORVO_DEFINE_PATH(function, path)                                                           \
+    CMPath function() {                                                                            \
+        static const CMPath thePath{QStringLiteral(path)};                                         \
+        return thePath;                                                                            \
+    }
+ORVO_PLAYER_PATHS(ORVO_DEFINE_PATH)
+#undef ORVO_DEFINE_PATH
+
+const QList<OrvoPathRow>& orvoPlayerPaths() {
+#define ORVO_PATH_ROW(function, path) {#function, path},
+    static const QList<OrvoPathRow> rows = {ORVO_PLAYER_PATHS(ORVO_PATH_ROW)};
+#undef ORVO_PATH_ROW
+    return rows;
+}

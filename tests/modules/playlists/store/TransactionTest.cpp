@@ -1,0 +1,217 @@
+#include <sqlite3.h>
+
+#include <QRegularExpression>
+
+#include "StatementTrace.h"
+#include "StoreFixture.h"
+
+// Which operation runs in which transaction, and what happens when there is none to be had.
+class TransactionTest : public StoreFixture {
+protected:
+    // The first and the last statement of what `edit` runs.
+    template <typename Edit>
+    QString frame(Edit edit) {
+        StatementTrace trace(database());
+        edit();
+        return trace.texts().value(0) + QLatin1Char(' ') +
+               trace.texts().value(trace.texts().size() - 1);
+    }
+
+    // Without begin: every statement commits itself.
+    template <typename Edit>
+    bool standsAlone(Edit edit) {
+        StatementTrace trace(database());
+        edit();
+        return !trace.texts().isEmpty() &&
+               trace.texts().filter(QStringLiteral("BEGIN")).isEmpty() &&
+               trace.texts().filter(QStringLiteral("COMMIT")).isEmpty();
+    }
+};
+
+TEST_F(TransactionTest, resultCodesComeBackUnchanged) {
+    Database& store = database();
+    EXPECT_EQ(SQLITE_OK, store.beginTransaction());
+    EXPECT_EQ(SQLITE_ERROR, store.beginTransaction());
+    EXPECT_EQ(SQLITE_ERROR, store.beginImmediateTransaction());
+    EXPECT_EQ(SQLITE_OK, store.rollbackTransaction());
+    EXPECT_EQ(SQLITE_ERROR, store.rollbackTransaction());
+    ASSERT_TRUE(rawRun(QStringLiteral("BEGIN IMMEDIATE")));
+    EXPECT_EQ(SQLITE_BUSY, store.beginImmediateTransaction());
+    EXPECT_EQ(SQLITE_OK, store.beginTransaction());
+    EXPECT_EQ(SQLITE_OK, store.rollbackTransaction());
+    ASSERT_TRUE(rawRun(QStringLiteral("ROLLBACK")));
+}
+
+TEST_F(TransactionTest, theStatementsAreTheseFour) {
+    Database& store = database();
+    StatementTrace trace(store);
+    store.beginTransaction();
+    store.rollbackTransaction();
+    store.beginImmediateTransaction();
+    store.commitTransaction();
+    EXPECT_EQ(QStringList({QStringLiteral("BEGIN;"), QStringLiteral("ROLLBACK;"),
+                           QStringLiteral("BEGIN IMMEDIATE;"), QStringLiteral("COMMIT;")}),
+              trace.texts());
+}
+
+TEST_F(TransactionTest, successfulOperationsEndInCommit) {
+    const PlayListRecord pl = playListOf("abcd");
+    const PlayListRecord other = playListOf("abcd");
+    EXPECT_EQ(QStringLiteral("BEGIN; COMMIT;"), frame([&] { database().moveItem(pl, 0, 2); }));
+    EXPECT_EQ(QStringLiteral("BEGIN IMMEDIATE; COMMIT;"),
+              frame([&] { database().removeItems(pl, {3}); }));
+    EXPECT_EQ(QStringLiteral("BEGIN IMMEDIATE; COMMIT;"), frame([&] {
+                  database().addItems(other, OrvoPlayListAddPosition::Append, items(2), nullptr);
+              }));
+    EXPECT_EQ(QStringLiteral("BEGIN; COMMIT;"), frame([&] { database().deletePlayList(pl); }));
+}
+
+TEST_F(TransactionTest, failedOperationsEndInRollback) {
+    const PlayListRecord pl = playListOf("abcd");
+    const PlayListRecord queue = database().getPlayQueue();
+    EXPECT_EQ(QStringLiteral("BEGIN IMMEDIATE; ROLLBACK;"),
+              frame([&] { database().removeItems(pl, {4}); }));
+    EXPECT_EQ(QStringLiteral("BEGIN IMMEDIATE; ROLLBACK;"), frame([&] {
+                  database().addItems(pl, OrvoPlayListAddPosition::Append, {}, nullptr);
+              }));
+    EXPECT_EQ(QStringLiteral("BEGIN; ROLLBACK;"), frame([&] { database().deletePlayList(queue); }));
+    ASSERT_TRUE(rawRun(QStringLiteral("CREATE TRIGGER no BEFORE UPDATE ON playlists_items"
+                                      " BEGIN SELECT RAISE(ABORT, 'no'); END")));
+    EXPECT_EQ(QStringLiteral("BEGIN; ROLLBACK;"), frame([&] { database().moveItem(pl, 0, 2); }));
+    expectInvariants();
+}
+
+TEST_F(TransactionTest, allOthersCommitByThemselves) {
+    PlayListRecord pl = playListOf("abcd");
+    EXPECT_TRUE(standsAlone([&] { database().clearItems(pl); }));
+    EXPECT_TRUE(standsAlone([&] { database().createPlayList(QStringLiteral("x")); }));
+    EXPECT_TRUE(standsAlone([&] { database().updatePlayList(pl); }));
+    EXPECT_TRUE(standsAlone([&] {
+        const CollectionRecord cl = database().createCollection(QStringLiteral("c"));
+        database().addToCollection(cl, pl.uid);
+        database().removeFromCollection(cl, pl.uid);
+        database().deleteCollection(cl);
+    }));
+}
+
+TEST_F(TransactionTest, foreignKeysAreSuspendedForTheCleanUpOnly) {
+    const QStringList cleanUp(QStringLiteral(
+        "DELETE FROM items  WHERE uid NOT IN (    SELECT item FROM playlists_items  )"));
+    PlayListRecord pl = playListOf("abcd");
+    {
+        StatementTrace trace(database());
+        database().removeItems(pl, {1});
+        EXPECT_EQ(cleanUp, trace.withoutForeignKeys());
+    }
+    {
+        StatementTrace trace(database());
+        database().clearItems(pl);
+        EXPECT_EQ(cleanUp, trace.withoutForeignKeys());
+    }
+    {
+        StatementTrace trace(database());
+        database().deletePlayList(pl);
+        EXPECT_EQ(cleanUp, trace.withoutForeignKeys());
+    }
+    {
+        pl = playListOf("abcd");
+        StatementTrace trace(database());
+        database().moveItem(pl, 0, 1);
+        database().addItems(pl, OrvoPlayListAddPosition::Append, items(1), nullptr);
+        EXPECT_EQ(QStringList(), trace.withoutForeignKeys());
+    }
+    // Enforced again, cascade and restriction alike.
+    sqlite3* connection = StoreProbe::connection(database());
+    EXPECT_EQ(SQLITE_CONSTRAINT,
+              sqlite3_exec(connection, "DELETE FROM items", nullptr, nullptr, nullptr));
+    expectInvariants();
+}
+
+TEST_F(TransactionTest, foreignKeysComeBackAfterAFailedCleanUp) {
+    const PlayListRecord pl = playListOf("abcd");
+    ASSERT_TRUE(rawRun(QStringLiteral("CREATE TRIGGER no BEFORE DELETE ON items"
+                                      " BEGIN SELECT RAISE(ABORT, 'no'); END")));
+    EXPECT_EQ(-1, database().removeItems(pl, {1}));
+    expectInvariants();
+    EXPECT_FALSE(database().deletePlayList(pl));
+    expectInvariants();
+    EXPECT_FALSE(database().clearItems(pl));
+    EXPECT_TRUE(StoreProbe::foreignKeysOn(StoreProbe::connection(database())));
+}
+
+// --- no transaction to be had ---
+
+TEST_F(TransactionTest, withoutALockNothingIsAddedOrRemoved) {
+    const PlayListRecord pl = playListOf("abc");
+    ASSERT_TRUE(rawRun(QStringLiteral("BEGIN IMMEDIATE")));
+    {
+        LogCapture log(QStringLiteral("PlayLists"));
+        StatementTrace trace(database());
+        EXPECT_EQ(-1, database().addItems(pl, OrvoPlayListAddPosition::Append, items(2), nullptr));
+        EXPECT_EQ(QStringList(QStringLiteral("Error adding items to list")), log.errors());
+        EXPECT_EQ(QStringList(QStringLiteral("BEGIN IMMEDIATE;")), trace.texts());
+    }
+    {
+        LogCapture log(QStringLiteral("PlayLists"));
+        StatementTrace trace(database());
+        EXPECT_EQ(-1, database().removeItems(pl, {0}));
+        EXPECT_EQ(QStringList(QStringLiteral("Error removing items from list")), log.errors());
+        EXPECT_EQ(QStringList(QStringLiteral("BEGIN IMMEDIATE;")), trace.texts());
+    }
+    ASSERT_TRUE(rawRun(QStringLiteral("ROLLBACK")));
+    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    expectInvariants();
+}
+
+TEST_F(TransactionTest, withinAnotherTransactionOperationsFailAndLeaveItOpen) {
+    const PlayListRecord pl = playListOf("abc");
+    Database& store = database();
+    ASSERT_EQ(SQLITE_OK, store.beginTransaction());
+    const PlayListRecord inside = store.createPlayList(QStringLiteral("inside"));
+    LogCapture log(QStringLiteral("PlayLists"));
+    StatementTrace trace(store);
+    EXPECT_FALSE(store.moveItem(pl, 0, 2));
+    EXPECT_FALSE(store.deletePlayList(pl));
+    EXPECT_EQ(-1, store.addItems(pl, OrvoPlayListAddPosition::Append, items(2), nullptr));
+    EXPECT_EQ(-1, store.removeItems(pl, {0}));
+    EXPECT_EQ(QStringList({QStringLiteral("Error moving PlayListItem"),
+                           QStringLiteral("Error deleting PlayList"),
+                           QStringLiteral("Error adding items to list"),
+                           QStringLiteral("Error removing items from list")}),
+              log.errors());
+    // A BEGIN that is refused does not even begin as a statement: nothing at all was run.
+    EXPECT_EQ(QStringList(),
+              trace.texts().filter(QRegularExpression(QStringLiteral("^(?!BEGIN)"))));
+    store.commitTransaction();
+    EXPECT_EQ(QStringLiteral("inside"), record(inside.uid).name);
+    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    expectInvariants();
+}
+
+// --- commit ---
+
+TEST_F(TransactionTest, commitIsTriedUntilTheReaderLetsGo) {
+    const PlayListRecord pl = playListOf("abc");
+    sqlite3_stmt* reader = nullptr;
+    ASSERT_EQ(SQLITE_OK, sqlite3_prepare_v2(raw(), "SELECT uid FROM items", -1, &reader, nullptr));
+    ASSERT_EQ(SQLITE_ROW, sqlite3_step(reader));
+    int commits = 0;
+    LogCapture log(QStringLiteral("PlayLists"));
+    StatementTrace trace(database(), [&](const QString& sql) {
+        if (sql == QLatin1String("COMMIT;") && ++commits == 5)
+            sqlite3_reset(reader);
+    });
+    EXPECT_TRUE(database().moveItem(pl, 0, 2));
+    sqlite3_finalize(reader);
+    EXPECT_EQ(5, commits);
+    EXPECT_EQ(QStringList(), log.errors());
+    EXPECT_EQ(QStringLiteral("b c a"), titles(pl.uid));
+    expectInvariants();
+}
+
+TEST_F(TransactionTest, aCommitThatFailsForGoodIsLogged) {
+    database();
+    LogCapture log(QStringLiteral("PlayLists"));
+    database().commitTransaction();
+    EXPECT_EQ(QStringList(QStringLiteral("ERROR Commit transaction failed")), log.lines());
+}
