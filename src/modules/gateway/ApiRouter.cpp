@@ -131,6 +131,7 @@ bool isData(const QVariant& value) {
 const QVector<ApiRouter::Route>& ApiRouter::routes() {
     static const QVector<Route> table = {
         {"GET", "/api/paths", &ApiRouter::getPaths, true},
+        {"GET", "/api/modules", &ApiRouter::getModules, true},
         {"GET", "/api/rows", &ApiRouter::getRows, true},
         {"POST", "/api/data", &ApiRouter::postData, false},
         {"GET", "/api/value", &ApiRouter::getValue, true},
@@ -194,6 +195,10 @@ void ApiRouter::refuseUnrouted(const Exchange& exchange, const QStringList& allo
 
 void ApiRouter::getPaths(const Exchange& exchange) {
     exchange->respond(jsonResponse(PathNames::json()));
+}
+
+void ApiRouter::getModules(const Exchange& exchange) {
+    exchange->respond(jsonResponse(renderMember("modules", CMRoot()->prefixes())));
 }
 
 void ApiRouter::getRows(const Exchange& exchange) {

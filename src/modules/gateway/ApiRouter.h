@@ -29,6 +29,7 @@ private:
     static const QVector<Route>& routes();
 
     void getPaths(const Exchange& exchange);
+    void getModules(const Exchange& exchange);
     void getRows(const Exchange& exchange);
     void postData(const Exchange& exchange);
     void getValue(const Exchange& exchange);
