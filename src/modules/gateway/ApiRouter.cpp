@@ -13,6 +13,9 @@
 
 namespace {
 
+// How many values one reader of the events can watch.
+constexpr int MaxWatched = 16;
+
 HttpResponse jsonResponse(const QByteArray& text) {
     return {200, "application/json", text, {{"Cache-Control", "no-store"}}};
 }
@@ -291,7 +294,20 @@ void ApiRouter::getEvents(const Exchange& exchange) {
         const quint64 number = text.toULongLong(&ok);
         lastEventId = ok ? number : EventHistory::NoId;
     }
-    if (!m_feed->serve(exchange, lastEventId))
+    QVector<CMPath> watched;
+    for (const auto& parameter : request.query) {
+        if (parameter.first != QLatin1String("watch"))
+            continue;
+        const CMPath path(parameter.second);
+        if (path.isEmpty() || watched.size() == MaxWatched) {
+            exchange->respond(malformed(
+                QStringLiteral("\"watch\" must be the path of a value, at most %1 times.")
+                    .arg(MaxWatched)));
+            return;
+        }
+        watched.append(path);
+    }
+    if (!m_feed->serve(exchange, lastEventId, watched))
         exchange->respond(ApiError::response(
             ApiError::Kind::TooManyReaders,
             QStringLiteral("%1 readers are connected.").arg(EventFeed::MaxStreams)));
