@@ -3,6 +3,7 @@
 #include <QSet>
 
 #include "ApiError.h"
+#include "ArtworkFiles.h"
 #include "CMRootWorker.h"
 #include "EventFeed.h"
 #include "JsonReader.h"
@@ -140,6 +141,7 @@ const QVector<ApiRouter::Route>& ApiRouter::routes() {
         {"GET", "/api/value", &ApiRouter::getValue, true},
         {"PUT", "/api/value", &ApiRouter::putValue, false},
         {"GET", "/api/events", &ApiRouter::getEvents, false},
+        {"GET", "/api/artwork", &ApiRouter::getArtwork, true},
     };
     return table;
 }
@@ -300,9 +302,9 @@ void ApiRouter::getEvents(const Exchange& exchange) {
             continue;
         const CMPath path(parameter.second);
         if (path.isEmpty() || watched.size() == MaxWatched) {
-            exchange->respond(malformed(
-                QStringLiteral("\"watch\" must be the path of a value, at most %1 times.")
-                    .arg(MaxWatched)));
+            exchange->respond(
+                malformed(QStringLiteral("\"watch\" must be the path of a value, at most %1 times.")
+                              .arg(MaxWatched)));
             return;
         }
         watched.append(path);
@@ -311,4 +313,17 @@ void ApiRouter::getEvents(const Exchange& exchange) {
         exchange->respond(ApiError::response(
             ApiError::Kind::TooManyReaders,
             QStringLiteral("%1 readers are connected.").arg(EventFeed::MaxStreams)));
+}
+
+void ApiRouter::getArtwork(const Exchange& exchange) {
+    const HttpRequest& request = exchange->request();
+    const auto uri = request.parameter(QStringLiteral("uri"));
+    if (!uri) {
+        exchange->respond(malformed(QStringLiteral("\"uri\" is missing.")));
+        return;
+    }
+    const auto picture = m_artwork->find(*uri, request.ifNoneMatch);
+    exchange->respond(picture ? *picture
+                              : ApiError::response(ApiError::Kind::NoSuchResource,
+                                                   QStringLiteral("There is no such picture.")));
 }
