@@ -3,6 +3,7 @@
 #include <QSet>
 
 #include "ApiError.h"
+#include "ArtworkFiles.h"
 #include "CMRootWorker.h"
 #include "EventFeed.h"
 #include "JsonReader.h"
@@ -12,6 +13,9 @@
 #include "PendingAnswer.h"
 
 namespace {
+
+// How many values one reader of the events can watch.
+constexpr int MaxWatched = 16;
 
 HttpResponse jsonResponse(const QByteArray& text) {
     return {200, "application/json", text, {{"Cache-Control", "no-store"}}};
@@ -131,11 +135,13 @@ bool isData(const QVariant& value) {
 const QVector<ApiRouter::Route>& ApiRouter::routes() {
     static const QVector<Route> table = {
         {"GET", "/api/paths", &ApiRouter::getPaths, true},
+        {"GET", "/api/modules", &ApiRouter::getModules, true},
         {"GET", "/api/rows", &ApiRouter::getRows, true},
         {"POST", "/api/data", &ApiRouter::postData, false},
         {"GET", "/api/value", &ApiRouter::getValue, true},
         {"PUT", "/api/value", &ApiRouter::putValue, false},
         {"GET", "/api/events", &ApiRouter::getEvents, false},
+        {"GET", "/api/artwork", &ApiRouter::getArtwork, true},
     };
     return table;
 }
@@ -194,6 +200,10 @@ void ApiRouter::refuseUnrouted(const Exchange& exchange, const QStringList& allo
 
 void ApiRouter::getPaths(const Exchange& exchange) {
     exchange->respond(jsonResponse(PathNames::json()));
+}
+
+void ApiRouter::getModules(const Exchange& exchange) {
+    exchange->respond(jsonResponse(renderMember("modules", CMRoot()->prefixes())));
 }
 
 void ApiRouter::getRows(const Exchange& exchange) {
@@ -286,8 +296,34 @@ void ApiRouter::getEvents(const Exchange& exchange) {
         const quint64 number = text.toULongLong(&ok);
         lastEventId = ok ? number : EventHistory::NoId;
     }
-    if (!m_feed->serve(exchange, lastEventId))
+    QVector<CMPath> watched;
+    for (const auto& parameter : request.query) {
+        if (parameter.first != QLatin1String("watch"))
+            continue;
+        const CMPath path(parameter.second);
+        if (path.isEmpty() || watched.size() == MaxWatched) {
+            exchange->respond(
+                malformed(QStringLiteral("\"watch\" must be the path of a value, at most %1 times.")
+                              .arg(MaxWatched)));
+            return;
+        }
+        watched.append(path);
+    }
+    if (!m_feed->serve(exchange, lastEventId, watched))
         exchange->respond(ApiError::response(
             ApiError::Kind::TooManyReaders,
             QStringLiteral("%1 readers are connected.").arg(EventFeed::MaxStreams)));
+}
+
+void ApiRouter::getArtwork(const Exchange& exchange) {
+    const HttpRequest& request = exchange->request();
+    const auto uri = request.parameter(QStringLiteral("uri"));
+    if (!uri) {
+        exchange->respond(malformed(QStringLiteral("\"uri\" is missing.")));
+        return;
+    }
+    const auto picture = m_artwork->find(*uri, request.ifNoneMatch);
+    exchange->respond(picture ? *picture
+                              : ApiError::response(ApiError::Kind::NoSuchResource,
+                                                   QStringLiteral("There is no such picture.")));
 }

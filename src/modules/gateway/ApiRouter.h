@@ -5,6 +5,7 @@
 #include "CMPath.h"
 #include "HttpServer.h"
 
+class ArtworkFiles;
 class EventFeed;
 class PageFiles;
 
@@ -13,8 +14,9 @@ class PageFiles;
 // here fails otherwise.
 class ApiRouter {
 public:
-    ApiRouter(EventFeed* feed, const PageFiles* pages, int answerTimeoutMs)
-        : m_feed(feed), m_pages(pages), m_answerTimeoutMs(answerTimeoutMs) {}
+    ApiRouter(EventFeed* feed, const PageFiles* pages, const ArtworkFiles* artwork,
+              int answerTimeoutMs)
+        : m_feed(feed), m_pages(pages), m_artwork(artwork), m_answerTimeoutMs(answerTimeoutMs) {}
 
     void handle(const std::shared_ptr<HttpExchange>& exchange);
 
@@ -29,14 +31,17 @@ private:
     static const QVector<Route>& routes();
 
     void getPaths(const Exchange& exchange);
+    void getModules(const Exchange& exchange);
     void getRows(const Exchange& exchange);
     void postData(const Exchange& exchange);
     void getValue(const Exchange& exchange);
     void putValue(const Exchange& exchange);
     void getEvents(const Exchange& exchange);
+    void getArtwork(const Exchange& exchange);
     void refuseUnrouted(const Exchange& exchange, const QStringList& allowed);
 
     EventFeed* m_feed;
     const PageFiles* m_pages;
+    const ArtworkFiles* m_artwork;
     int m_answerTimeoutMs;
 };

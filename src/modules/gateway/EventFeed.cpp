@@ -51,10 +51,10 @@ EventFeed::EventFeed(CMSubscribe* events, const EventHistory::Limits& limits, in
 }
 
 bool EventFeed::serve(const std::shared_ptr<HttpExchange>& exchange,
-                      std::optional<quint64> lastEventId) {
+                      std::optional<quint64> lastEventId, const QVector<CMPath>& watched) {
     if (m_streams.size() >= MaxStreams)
         return false;
-    auto stream = std::make_unique<EventStream>(this, lastEventId);
+    auto stream = std::make_unique<EventStream>(this, lastEventId, watched);
     m_streams.insert(stream.get(), exchange);
     if (!m_commentTimer.isActive())
         m_commentTimer.start();

@@ -24,7 +24,8 @@ public:
     EventFeed(CMSubscribe* events, const EventHistory::Limits& limits, int commentIntervalMs);
 
     // Answers the exchange with a stream. False when there are too many already.
-    bool serve(const std::shared_ptr<HttpExchange>& exchange, std::optional<quint64> lastEventId);
+    bool serve(const std::shared_ptr<HttpExchange>& exchange, std::optional<quint64> lastEventId,
+               const QVector<CMPath>& watched = {});
 
     const EventHistory& history() const { return m_history; }
     int streams() const { return m_streams.size(); }

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "CMRootWorker.h"
 #include "EventFeed.h"
 
 namespace {
@@ -9,7 +10,11 @@ namespace {
 constexpr int RetryMs = 2000;
 } // namespace
 
-EventStream::EventStream(EventFeed* feed, std::optional<quint64> lastEventId) : m_feed(feed) {
+EventStream::EventStream(EventFeed* feed, std::optional<quint64> lastEventId,
+                         const QVector<CMPath>& watched)
+    : m_feed(feed), m_watched(watched) {
+    for (const CMPath& path : watched)
+        CMRoot()->addValueWatcher(path);
     const EventHistory& history = feed->history();
     m_position = lastEventId.value_or(history.lastId());
     m_frame = "retry: " + QByteArray::number(RetryMs) + '\n';
@@ -22,6 +27,10 @@ EventStream::EventStream(EventFeed* feed, std::optional<quint64> lastEventId) : 
 
 EventStream::~EventStream() {
     m_feed->remove(this);
+    if (CMRootWorker* root = CMRootWorker::instance()) {
+        for (const CMPath& path : qAsConst(m_watched))
+            root->removeValueWatcher(path);
+    }
 }
 
 qint64 EventStream::read(char* buffer, qint64 size) {

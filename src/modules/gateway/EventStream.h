@@ -3,7 +3,9 @@
 #include <optional>
 
 #include <QByteArray>
+#include <QVector>
 
+#include "CMPath.h"
 #include "HttpMessages.h"
 
 class EventFeed;
@@ -13,8 +15,10 @@ class EventFeed;
 // no memory and delays nobody. Owned by its connection; the feed knows it while it lives.
 class EventStream : public HttpBodySource {
 public:
-    // Goes on after `lastEventId`, or begins with what comes next.
-    EventStream(EventFeed* feed, std::optional<quint64> lastEventId);
+    // Goes on after `lastEventId`, or begins with what comes next. The values at `watched` count as
+    // watched while the stream lives: there are some that only then have events.
+    EventStream(EventFeed* feed, std::optional<quint64> lastEventId,
+                const QVector<CMPath>& watched);
     ~EventStream() override;
     EventStream(const EventStream&) = delete;
     EventStream& operator=(const EventStream&) = delete;
@@ -27,6 +31,7 @@ private:
     bool nextFrame();
 
     EventFeed* m_feed;
+    QVector<CMPath> m_watched;
     quint64 m_position;
     QByteArray m_frame;
     int m_sent = 0;

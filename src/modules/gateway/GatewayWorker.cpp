@@ -38,7 +38,8 @@ GatewayWorker::GatewayWorker(const QHash<QString, QVariant>& config)
       m_feed(CMRoot()->events(), limits(config),
              positive(config, "gateway/commentMs", DefaultCommentMs)),
       m_pages(config.value(QStringLiteral("gateway/webRoot")).toString()),
-      m_router(&m_feed, &m_pages,
+      m_artwork(config.value(QStringLiteral("musicDir")).toString()),
+      m_router(&m_feed, &m_pages, &m_artwork,
                positive(config, "gateway/answerTimeoutMs", DefaultAnswerTimeoutMs)),
       m_server(
           [this](const std::shared_ptr<HttpExchange>& exchange) { m_router.handle(exchange); }) {}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ApiRouter.h"
+#include "ArtworkFiles.h"
 #include "CMWorker.h"
 #include "EventFeed.h"
 #include "HttpServer.h"
@@ -13,6 +14,7 @@
 //   gateway/listen           ADDRESS:PORT, port 0 for any free one; default 127.0.0.1:8080
 //   gateway/portFile         file to write the port in use to, atomically
 //   gateway/webRoot          folder of the web page's files
+//   musicDir                 folder whose pictures are served as artwork
 //   gateway/answerTimeoutMs  how long a module may take to answer; default 30000
 //   gateway/commentMs        how often a silent event stream shows that it lives; default 15000
 //   gateway/historyEvents    how many events a reader can come back to; default 4096
@@ -34,6 +36,7 @@ private:
     // The server carries the streams that the feed knows, so it goes first.
     EventFeed m_feed;
     PageFiles m_pages;
+    ArtworkFiles m_artwork;
     ApiRouter m_router;
     HttpServer m_server;
 };

@@ -2,6 +2,7 @@
 
 #include "CMValueStore.h"
 #include "JsonWriter.h"
+#include "OrvoPlayerPaths.h"
 #include "OrvoPlayListPaths.h"
 
 namespace {
@@ -12,11 +13,19 @@ struct NamedPath {
 };
 using Table = QVector<NamedPath>;
 
-Table playListPaths() {
+Table tableOf(const QList<OrvoPathRow>& rows) {
     Table table;
-    for (const OrvoPathRow& row : orvoPlayListPaths())
+    for (const OrvoPathRow& row : rows)
         table.append({row.function, QString::fromLatin1(row.path)});
     return table;
+}
+
+Table playListPaths() {
+    return tableOf(orvoPlayListPaths());
+}
+
+Table playerPaths() {
+    return tableOf(orvoPlayerPaths());
 }
 
 Table valuePaths() {
@@ -31,7 +40,7 @@ Table callNames() {
 }
 
 // Every library with path functions has its table here.
-constexpr Table (*Tables[])() = {playListPaths, valuePaths, callNames};
+constexpr Table (*Tables[])() = {playListPaths, playerPaths, valuePaths, callNames};
 
 QByteArray render() {
     JsonWriter json;

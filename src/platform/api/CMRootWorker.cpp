@@ -53,6 +53,12 @@ CMAbstractWorker* CMRootWorker::route(const Request& request) {
     return owner;
 }
 
+QStringList CMRootWorker::prefixes() const {
+    QStringList result = m_workers.keys();
+    result.sort();
+    return result;
+}
+
 QVariant CMRootWorker::getValue(const CMPath& path) {
     if (m_values.isDeclared(path))
         return m_values.value(path).toVariant();

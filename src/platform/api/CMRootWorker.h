@@ -19,6 +19,8 @@ public:
     void addWorker(const QString& prefix, CMAbstractWorker* worker, CMSubscribe* events);
     void removeWorker(const QString& prefix, const CMAbstractWorker* worker);
     CMAbstractWorker* worker(const QString& prefix) const { return m_workers.value(prefix); }
+    // The prefixes that have a worker, sorted.
+    QStringList prefixes() const;
 
     CMSubscribe* events() { return &m_events; }
 

@@ -2,6 +2,7 @@
 
 #include "CMNode.h"
 #include "GatewayFixture.h"
+#include "OrvoPlayerPaths.h"
 #include "OrvoPlayListPaths.h"
 
 namespace {
@@ -18,10 +19,19 @@ TEST_F(GatewayApi, pathsNameEveryPathFunctionAndThePrepareCall) {
     ASSERT_EQ(answer.status, 200);
     EXPECT_EQ(answer.headers.value("content-type"), "application/json");
     const QJsonObject paths = answer.json();
-    EXPECT_EQ(paths.size(), orvoPlayListPaths().size() + CMValueStore::declarations().size() + 1);
+    EXPECT_EQ(paths.size(), orvoPlayListPaths().size() + orvoPlayerPaths().size() +
+                                CMValueStore::declarations().size() + 1);
+    EXPECT_EQ(paths.value("OrvoPlayerPausePath"), "player:pause");
     EXPECT_EQ(paths.value("OrvoPlayListPlMoveItemspath"), "playlists:pl/moveItems");
     EXPECT_EQ(paths.value("OrvoPowerManagerTargetPath"), "powermanager:target");
     EXPECT_EQ(paths.value("OrvoPlayListPrepareItems"), "prepareItems");
+}
+
+TEST_F(GatewayApi, modulesAreThosePrefixesThatHaveAWorker) {
+    const QJsonArray modules = http.get("/api/modules").json().value("modules").toArray();
+    EXPECT_TRUE(modules.contains("test"));
+    EXPECT_TRUE(modules.contains("gateway"));
+    EXPECT_FALSE(modules.contains("player"));
 }
 
 TEST_F(GatewayApi, rowsComeWithTitleCountAndTheAskedForRolesInOrder) {

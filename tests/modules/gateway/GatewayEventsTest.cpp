@@ -56,6 +56,28 @@ TEST_F(GatewayEvents, everyChangeIsOneEvent) {
     EXPECT_EQ(ids.at(2), ids.at(0) + 2);
 }
 
+TEST_F(GatewayEvents, aValueIsWatchedWhileAReaderThatAsksForItIsConnected) {
+    restart({{"gateway/commentMs", 10}});
+    const CMPath position(QStringLiteral("test:position"));
+    {
+        Reader other(port());
+        EXPECT_FALSE(m_root.isValueWatched(position));
+        Reader reader(port(), "?watch=test:number&watch=test:position");
+        EXPECT_TRUE(m_root.isValueWatched(position));
+    }
+    EXPECT_TRUE(waitFor([&] { return !m_root.isValueWatched(position); }));
+}
+
+TEST_F(GatewayEvents, whatCannotBeWatchedIsRefused) {
+    HttpClient http(port());
+    EXPECT_EQ(http.get("/api/events?watch=").status, 400);
+    QByteArray many = "/api/events?watch=test:0";
+    for (int i = 1; i <= 16; ++i)
+        many += "&watch=test:" + QByteArray::number(i);
+    EXPECT_EQ(http.get(many).status, 400);
+    EXPECT_FALSE(m_root.isValueWatched(CMPath(QStringLiteral("test:0"))));
+}
+
 TEST_F(GatewayEvents, aSettingThatIsSetOverHttpIsAnEvent) {
     Reader reader(port());
     HttpClient http(port());

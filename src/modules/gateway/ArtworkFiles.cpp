@@ -1,0 +1,40 @@
+#include "ArtworkFiles.h"
+
+#include <QFileInfo>
+#include <QUrl>
+
+#include "ServedFile.h"
+
+namespace {
+
+constexpr qint64 MaxPicture = 16 * 1024 * 1024;
+// Long enough for a list to be scrolled back and forth without asking again.
+constexpr char CacheControl[] = "private, max-age=600";
+
+// No SVG: opened by itself it is a document that may run scripts.
+constexpr const char* PictureTypes[] = {"image/png", "image/jpeg", "image/gif", "image/webp"};
+
+bool isPicture(const QString& file) {
+    const QByteArray type = ServedFile::mediaType(file);
+    for (const char* picture : PictureTypes) {
+        if (type == picture)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+std::optional<HttpResponse> ArtworkFiles::find(const QString& uri,
+                                               const QByteArray& heldTag) const {
+    const QString folder =
+        m_musicFolder.isEmpty() ? QString() : QFileInfo(m_musicFolder).canonicalFilePath();
+    const QUrl url(uri, QUrl::StrictMode);
+    if (folder.isEmpty() || !url.isLocalFile() || !url.host().isEmpty())
+        return std::nullopt;
+    // Also after links are followed: a link named like a picture may lead to something else.
+    const QString file = QFileInfo(url.toLocalFile()).canonicalFilePath();
+    if (!isPicture(file))
+        return std::nullopt;
+    return ServedFile::answer(folder, file, MaxPicture, CacheControl, heldTag);
+}
