@@ -93,7 +93,7 @@ QString PlayerStatus::text() const {
     lines.append(QStringLiteral("  mode: %1   volume: %2").arg(mode).arg(volume));
     if (!title.isEmpty())
         lines.append(QStringLiteral("  next: ") +
-                     (nextTitle.isEmpty() ? QStringLiteral("not announced yet") : nextTitle));
+                     (nextTitle.isEmpty() ? QStringLiteral("nothing announced") : nextTitle));
     for (QString& line : lines)
         line = SafeText::forTerminal(line);
     return lines.join(QLatin1Char('\n')) + QLatin1Char('\n');

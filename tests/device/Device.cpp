@@ -32,7 +32,7 @@ bool waitFor(Condition condition) {
 }
 } // namespace
 
-Device::Device() {
+Device::Device(const QStringList& arguments) : m_arguments(arguments) {
     for (int album = 1; album <= 3; ++album) {
         for (int track = 1; track <= 4; ++track) {
             SoundTags tags;
@@ -62,8 +62,8 @@ bool Device::start() {
     QFile::remove(portFile);
     m_process.setStandardErrorFile(m_folder.filePath("device.log"), QIODevice::Append);
     m_process.start(QStringLiteral(ORVO_HOST),
-                    {"--data", m_folder.filePath("device"), "--music", musicFolder(), "--listen", "127.0.0.1:0",
-                     "--port-file", portFile});
+                    QStringList{"--data", m_folder.filePath("device"), "--music", musicFolder(), "--listen", "127.0.0.1:0",
+                     "--port-file", portFile} + m_arguments);
     QByteArray output;
     const bool ready = waitFor([&] {
         output += m_process.readAllStandardOutput();
@@ -91,6 +91,14 @@ void Device::waitForScan() {
     EXPECT_TRUE(scanned);
 }
 
+QString Device::stringValue(const QByteArray& path) {
+    return m_client->get("/api/value?path=" + path).json().value("value").toObject().value("string").toString();
+}
+
+bool Device::waitForValue(const QByteArray& path, const QString& value) {
+    return waitFor([&] { return stringValue(path) == value; });
+}
+
 HttpAnswer Device::command(const QByteArray& path, const QByteArray& value) {
     return m_client->post("/api/data", "{\"path\":\"" + path + "\",\"value\":" + value + "}");
 }
@@ -110,7 +118,7 @@ QStringList Device::titles(const QByteArray& path) {
 Device::Ctl Device::ctl(const QStringList& arguments) {
     QProcess program;
     program.start(QStringLiteral(ORVOCTL),
-                  QStringList{"--url", QStringLiteral("http://127.0.0.1:%1").arg(m_port)} + arguments);
+                  QStringList{"--url", url()} + arguments);
     Ctl result;
     if (!program.waitForFinished(PatienceMs))
         return result;
