@@ -60,4 +60,8 @@ function(orvo_test name)
     set(T_TIMEOUT 120)
   endif()
   set_tests_properties(${name} PROPERTIES TIMEOUT ${T_TIMEOUT})
+  if(ORVO_SANITIZE STREQUAL "thread")
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT
+      "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp")
+  endif()
 endfunction()

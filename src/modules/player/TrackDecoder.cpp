@@ -13,6 +13,14 @@ constexpr GstClockTime PullWait = 20 * GST_MSECOND;
 // What is decoded ahead; a second or two with the usual decoders.
 constexpr guint BuffersAhead = 32;
 
+// Passed by the thread that makes a decoder and then by GStreamer's threads when they come to it.
+// GStreamer orders these itself, but with locks that the thread sanitizer does not see; this one
+// it sees, and so it can watch over everything of ours behind it.
+std::mutex& handOver() {
+    static std::mutex mutex;
+    return mutex;
+}
+
 qint64 toFrames(GstClockTime time, int rate) {
     return std::llround(double(time) / double(GST_SECOND) * rate);
 }
@@ -94,36 +102,36 @@ void TrackDecoder::build(const std::optional<AudioFormat>& wanted) {
     gst_app_sink_set_callbacks(m_sink, &callbacks, this, nullptr);
     const GstBusPtr bus(gst_element_get_bus(m_pipeline.get()));
     gst_bus_set_sync_handler(bus.get(), onMessage, this, nullptr);
-    // Publishes what was built to the threads that are about to start.
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(handOver());
 }
 
 void TrackDecoder::ready(const AudioFormat& format) {
-    {
-        const std::lock_guard lock(m_mutex);
-        if (m_reported)
-            return;
-        m_reported = true;
-        m_format = format;
-    }
+    const std::lock_guard lock(m_mutex);
+    if (m_reported)
+        return;
+    m_reported = true;
+    m_format = format;
     m_events.push({EngineEvent::Kind::DecoderReady, m_id, 0, {}});
 }
 
 void TrackDecoder::fail(const std::string& text) {
-    {
-        const std::lock_guard lock(m_mutex);
-        if (m_error.empty())
-            m_error = text;
-        if (m_reported)
-            return; // the feeder finds the error when it gets there
-        m_reported = true;
-    }
+    const std::lock_guard lock(m_mutex);
+    if (m_error.empty())
+        m_error = text;
+    if (m_reported)
+        return; // the feeder finds the error when it gets there
+    m_reported = true;
     m_events.push({EngineEvent::Kind::DecoderFailed, m_id, 0, text});
 }
 
 AudioFormat TrackDecoder::format() const {
     const std::lock_guard lock(m_mutex);
     return m_format;
+}
+
+bool TrackDecoder::isReported() const {
+    const std::lock_guard lock(m_mutex);
+    return m_reported;
 }
 
 std::string TrackDecoder::error() const {
@@ -168,32 +176,30 @@ TrackDecoder::Pulled TrackDecoder::pull(std::vector<char>& pcm) {
 
 // What follows runs on GStreamer's threads.
 
+TrackDecoder* TrackDecoder::entered(gpointer self) {
+    const std::lock_guard lock(handOver());
+    return static_cast<TrackDecoder*>(self);
+}
+
+GstPadPtr TrackDecoder::soundEntry() const {
+    const std::lock_guard lock(m_mutex);
+    return GstPadPtr(gst_element_get_static_pad(m_convert, "sink"));
+}
+
 void TrackDecoder::onPadAdded(GstElement*, GstPad* pad, gpointer self) {
-    auto* decoder = static_cast<TrackDecoder*>(self);
-    GstElement* convert = nullptr;
-    {
-        const std::lock_guard lock(decoder->m_mutex);
-        convert = decoder->m_convert;
-    }
-    const GstPadPtr target(gst_element_get_static_pad(convert, "sink"));
-    if (!gst_pad_is_linked(target.get()))
-        gst_pad_link(pad, target.get());
+    const GstPadPtr entry = entered(self)->soundEntry();
+    if (!gst_pad_is_linked(entry.get()))
+        gst_pad_link(pad, entry.get());
 }
 
 void TrackDecoder::onNoMorePads(GstElement*, gpointer self) {
-    auto* decoder = static_cast<TrackDecoder*>(self);
-    GstElement* convert = nullptr;
-    {
-        const std::lock_guard lock(decoder->m_mutex);
-        convert = decoder->m_convert;
-    }
-    const GstPadPtr target(gst_element_get_static_pad(convert, "sink"));
-    if (!gst_pad_is_linked(target.get()))
+    TrackDecoder* decoder = entered(self);
+    if (!gst_pad_is_linked(decoder->soundEntry().get()))
         decoder->fail("there is no sound in it");
 }
 
 GstFlowReturn TrackDecoder::onPreroll(GstAppSink* sink, gpointer self) {
-    auto* decoder = static_cast<TrackDecoder*>(self);
+    TrackDecoder* decoder = entered(self);
     const GstPadPtr pad(gst_element_get_static_pad(GST_ELEMENT(sink), "sink"));
     const GstCapsPtr caps(gst_pad_get_current_caps(pad.get()));
     const std::optional<AudioFormat> format = AudioFormat::fromCaps(caps.get());
@@ -205,22 +211,17 @@ GstFlowReturn TrackDecoder::onPreroll(GstAppSink* sink, gpointer self) {
 }
 
 void TrackDecoder::onEos(GstAppSink*, gpointer self) {
-    auto* decoder = static_cast<TrackDecoder*>(self);
-    {
-        const std::lock_guard lock(decoder->m_mutex);
-        if (decoder->m_reported)
-            return;
-    }
-    decoder->fail("there is no sound in it");
+    TrackDecoder* decoder = entered(self);
+    if (!decoder->isReported())
+        decoder->fail("there is no sound in it");
 }
 
 GstBusSyncReply TrackDecoder::onMessage(GstBus*, GstMessage* message, gpointer self) {
-    auto* decoder = static_cast<TrackDecoder*>(self);
     if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
         GError* raw = nullptr;
         gst_message_parse_error(message, &raw, nullptr);
         const GErrorPtr error(raw);
-        decoder->fail(error ? error->message : "it cannot be decoded");
+        entered(self)->fail(error ? error->message : "it cannot be decoded");
     }
     gst_message_unref(message);
     return GST_BUS_DROP;
