@@ -21,6 +21,13 @@ std::mutex& handOver() {
     return mutex;
 }
 
+// Addresses come from strangers; others reach devices and open files of this process.
+const QStringList& playableSchemes() {
+    static const QStringList schemes = {QStringLiteral("file"), QStringLiteral("http"),
+                                        QStringLiteral("https")};
+    return schemes;
+}
+
 qint64 toFrames(GstClockTime time, int rate) {
     return std::llround(double(time) / double(GST_SECOND) * rate);
 }
@@ -57,6 +64,8 @@ TrackDecoder::TrackDecoder(quint64 id, const QString& uri, std::optional<AudioFo
     // Asked here, because opening a pipe or a folder would wait or fail with an unhelpful text.
     if (uri.isEmpty() || !url.isValid() || url.scheme().isEmpty()) {
         fail("there is no address to play");
+    } else if (!playableSchemes().contains(url.scheme())) {
+        fail("its kind of address is not played");
     } else if (url.isLocalFile() && !QFileInfo(url.toLocalFile()).isFile()) {
         fail("there is no such file");
     } else {
@@ -82,7 +91,7 @@ void TrackDecoder::build(const std::optional<AudioFormat>& wanted) {
     m_sink = GST_APP_SINK(sink);
 
     const GstCapsPtr decoded(gst_caps_from_string("audio/x-raw(ANY)"));
-    g_object_set(source, "uri", m_uri.toUtf8().constData(), "caps", decoded.get(),
+    g_object_set(source, "uri", QUrl(m_uri).toEncoded().constData(), "caps", decoded.get(),
                  "expose-all-streams", FALSE, nullptr);
     // No dithering: the same file always gives the same samples.
     gst_util_set_object_arg(G_OBJECT(m_convert), "dithering", "none");
