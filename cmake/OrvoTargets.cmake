@@ -65,4 +65,8 @@ function(orvo_test name)
   if(IS_DIRECTORY /dev/shm)
     set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT TMPDIR=/dev/shm)
   endif()
+  if(ORVO_SANITIZE STREQUAL "thread")
+    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT
+      "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp")
+  endif()
 endfunction()

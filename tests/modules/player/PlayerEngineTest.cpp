@@ -243,6 +243,7 @@ TEST_F(PlayerEngineTest, whatCannotBePlayedFailsWithAReason) {
         {files.uri("missing.flac"), "there is no such file"},
         {QString(), "there is no address to play"},
         {"no address", "there is no address to play"},
+        {"fd://0", "its kind of address is not played"},
         {files.uri(""), "there is no such file"},
         {files.text("words.flac", "this is no sound at all, only words"), {}},
         {files.text("empty.wav", ""), {}},
@@ -262,6 +263,24 @@ TEST_F(PlayerEngineTest, whatCannotBePlayedFailsWithAReason) {
     }
     waitFor(30);
     EXPECT_EQ(listener.told.size(), rows.size()) << "each once, and none started";
+}
+
+TEST_F(PlayerEngineTest, anyFileNameIsPlayed) {
+    PlayerEngine engine("null");
+    Listener listener(engine);
+    const Pcm a = SoundFiles::pcm(500, 1);
+    quint64 generation = 0;
+    for (const QString& name : {QStringLiteral("a b.wav"), QStringLiteral("100%.wav"),
+                                QStringLiteral("50%20off.wav"), QStringLiteral("#1?&=.wav"),
+                                QStringLiteral("Ümläut 音.wav"), QStringLiteral("'\"$(x).wav")}) {
+        engine.play(++generation, files.wav(name, a), 0, false);
+        EXPECT_TRUE(listener.waitForLast(QStringLiteral("finished %1").arg(generation)))
+            << name.toStdString() << ": " << listener.failure.toStdString();
+    }
+    files.wav("plain name.wav", a);
+    engine.play(++generation, "file://" + files.fileName("plain name.wav"), 0, false);
+    EXPECT_TRUE(listener.waitForLast(QStringLiteral("finished %1").arg(generation)))
+        << "an address that nobody encoded";
 }
 
 TEST_F(PlayerEngineTest, aBrokenNextItemFailsOnlyWhenItsTurnComes) {
