@@ -284,6 +284,8 @@ void PlayListPlayLogic::prepareNextMedia() {
         sendSetNextMediaCommand(roles, {});
     } else {
         LOG4CPLUS_DEBUG(playLogicLog(), "Reached last item of playlist for prepareNextMedia");
+        // What was announced before is revoked with it and must not become the position.
+        m_currentTrackRoles = OrvoRoles();
         sendNoNextMediaCommand();
     }
     m_nextMediaPrepared = true;

@@ -39,6 +39,8 @@ void PlayListPlayLogic::on_playlist_deleted(int plid) {
 
 void PlayListPlayLogic::on_currentPlayList_cleared() {
     CM_ENTER(playLogicLog());
+    // The item that was announced went, too.
+    m_currentTrackRoles = OrvoRoles();
     stopPlayer();
 }
 
