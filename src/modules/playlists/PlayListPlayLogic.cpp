@@ -284,6 +284,8 @@ void PlayListPlayLogic::prepareNextMedia() {
         sendSetNextMediaCommand(roles, {});
     } else {
         LOG4CPLUS_DEBUG(playLogicLog(), "Reached last item of playlist for prepareNextMedia");
+        // What was announced before is revoked with it and must not become the position.
+        m_currentTrackRoles = OrvoRoles();
         sendNoNextMediaCommand();
     }
     m_nextMediaPrepared = true;
@@ -319,7 +321,9 @@ OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRo
     result.setControls(controls);
     LOG4CPLUS_DEBUG(playLogicLog(), "New playlogic data: " << result.toVariant());
     m_nextMediaPrepared = false;
-    takeOverCurrentTrack();
+    // Something may have been announced between a play command and the start of its item: that is still to come.
+    if (newRoles.id().isEmpty() || newRoles.id() == m_currentTrackRoles.id())
+        takeOverCurrentTrack();
     return result;
 }
 

@@ -83,7 +83,8 @@ private:
     // Keeps the sequence number in the current track roles on its item: `moved` maps old to new, -1 for gone.
     template <typename Moved>
     void followCurrentTrack(Moved moved);
-    void removeFromShuffle(int seqNum);
+    // `indices` are ascending.
+    void removeFromShuffle(const QList<int>& indices);
 
     PlayListWorker* m_worker;
     PlayListManager* m_manager;

@@ -39,6 +39,8 @@ void PlayListPlayLogic::on_playlist_deleted(int plid) {
 
 void PlayListPlayLogic::on_currentPlayList_cleared() {
     CM_ENTER(playLogicLog());
+    // The item that was announced went, too.
+    m_currentTrackRoles = OrvoRoles();
     stopPlayer();
 }
 
@@ -77,18 +79,24 @@ void PlayListPlayLogic::on_currentPlayList_itemsAdded(const QString& positionStr
 }
 
 // Deliberate: several removed indices are applied one after the other as they are, although each removal has already
-// renumbered what stands behind it.
-void PlayListPlayLogic::removeFromShuffle(int seqNum) {
+// renumbered what stands behind it. So the j-th of them, from 0, takes the entry that was j higher to begin with; that
+// way one pass does for all of them.
+//   order 4 2 0 3 1, indices 1 and 2: the entries 1 and 3 go, 2 1 0 are left
+void PlayListPlayLogic::removeFromShuffle(const QList<int>& indices) {
+    QVector<int> taken;
+    taken.reserve(indices.size());
+    for (int index : indices)
+        taken.append(index + taken.size());
+
     int kept = 0;
     int cursor = m_shuffleCurIndex;
     for (int i = 0; i < m_shuffleSeq.size(); ++i) {
         const int entry = m_shuffleSeq.at(i);
-        if (entry == seqNum) {
-            if (kept <= cursor)
-                --cursor;
-            continue;
-        }
-        m_shuffleSeq[kept++] = entry > seqNum ? entry - 1 : entry;
+        const auto at = std::lower_bound(taken.cbegin(), taken.cend(), entry);
+        if (at == taken.cend() || *at != entry)
+            m_shuffleSeq[kept++] = entry - int(at - taken.cbegin());
+        else if (i <= m_shuffleCurIndex)
+            --cursor;
     }
     m_shuffleSeq.resize(kept);
     m_shuffleCurIndex = cursor;
@@ -101,10 +109,8 @@ void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indice
         on_currentPlayList_cleared();
         return;
     }
-    if (m_shuffleEnabled) {
-        for (int index : indices)
-            removeFromShuffle(index);
-    }
+    if (m_shuffleEnabled)
+        removeFromShuffle(indices);
     // How many of the removed ones stood before this one; `indices` are ascending.
     const auto removedBefore = [&indices](int seqNum) {
         return int(std::lower_bound(indices.cbegin(), indices.cend(), seqNum) - indices.cbegin());
