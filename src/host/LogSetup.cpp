@@ -48,9 +48,9 @@ LogSetup::LogSetup(log4cplus::LogLevel level, const QString& file) {
     QFile probe(file);
     if (!file.isEmpty() && !probe.open(QIODevice::WriteOnly | QIODevice::Append))
         m_fileError = probe.errorString();
-    const bool toFile = !file.isEmpty() && m_fileError.isEmpty();
+    m_writesToFile = !file.isEmpty() && m_fileError.isEmpty();
 
-    log4cplus::SharedAppenderPtr appender = toFile ? fileAppender(file) : consoleAppender();
+    log4cplus::SharedAppenderPtr appender = m_writesToFile ? fileAppender(file) : consoleAppender();
     appender->setLayout(std::make_unique<OneLineLayout>());
     log4cplus::Logger rootLogger = log4cplus::Logger::getRoot();
     rootLogger.setLogLevel(level);

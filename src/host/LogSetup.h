@@ -19,8 +19,10 @@ public:
 
     // Empty when all is well.
     const QString& fileError() const { return m_fileError; }
+    bool writesToFile() const { return m_writesToFile; }
 
 private:
     log4cplus::Initializer m_initializer;
     QString m_fileError;
+    bool m_writesToFile = false;
 };

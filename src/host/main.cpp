@@ -25,22 +25,22 @@ log4cplus::Logger& logger() {
 }
 
 // A start that fails is told to whoever started it, and to the log when that is somewhere else.
-int fail(const HostOptions& options, int exitStatus, const QString& text) {
+int fail(const LogSetup& log, int exitStatus, const QString& text) {
     std::fprintf(stderr, "orvo-host: %s\n", qUtf8Printable(text));
-    if (!options.logFile().isEmpty())
+    if (log.writesToFile())
         LOG4CPLUS_ERROR(logger(), text);
     return exitStatus;
 }
 
 int run(const HostOptions& options, const LogSetup& log, const SignalWatcher& signalWatcher) {
     if (!log.fileError().isEmpty())
-        return fail(options, Failure,
+        return fail(log, Failure,
                     QStringLiteral("cannot write the log file %1: %2")
                         .arg(options.logFile(), log.fileError()));
     QString error;
     DataFolder data(options.dataDir());
     if (!data.take(&error))
-        return fail(options, Failure, error);
+        return fail(log, Failure, error);
 
     CMRootWorker root(data.settingsFile());
     Settings::applyFactorySettings(&root, data.settingsFile());
@@ -48,9 +48,9 @@ int run(const HostOptions& options, const LogSetup& log, const SignalWatcher& si
     case Settings::Outcome::Applied:
         break;
     case Settings::Outcome::Refused:
-        return fail(options, UsageError, error);
+        return fail(log, UsageError, error);
     case Settings::Outcome::NotWritten:
-        return fail(options, Failure, error);
+        return fail(log, Failure, error);
     }
 
     cmConnect(&signalWatcher, &SignalWatcher::endRequested, qApp, [](int signalNumber) {
@@ -63,7 +63,7 @@ int run(const HostOptions& options, const LogSetup& log, const SignalWatcher& si
         options.modules().isEmpty() ? ModuleLoader::defaultModules() : options.modules();
     for (const QString& file : files) {
         if (!modules.load(file, &error))
-            return fail(options, Failure, error);
+            return fail(log, Failure, error);
     }
 
     // Said from inside the loop: whoever waits for this line can send requests and signals.

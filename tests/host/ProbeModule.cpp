@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QThread>
 #include <QTimer>
 
 #include "CMLog.h"
@@ -34,8 +35,21 @@ public:
         const QVariant visible = CMRoot()->getValue(OrvoPlayListSettingsPlayqueueVisibilityPath());
         report(QStringLiteral("queue visible: ") + (OrvoValue(visible).bool_() ? "yes" : "no"));
     }
-    ~ProbeWorker() override { report(QStringLiteral("destroy " PROBE_NAME)); }
+    ~ProbeWorker() override {
+        report(QStringLiteral("destroy " PROBE_NAME));
+        while (qgetenv("ORVO_PROBE") == "hang")
+            QThread::sleep(1);
+    }
 };
+
+// One setting after the other, for ever.
+void writeSettings(QObject* parent) {
+    auto* timer = new QTimer(parent);
+    QObject::connect(timer, &QTimer::timeout, parent, [number = 0]() mutable {
+        CMRoot()->setValue(OrvoPlayListsSettingsDataBaseItemsLimitPath(), ++number, CMVoidReply());
+    });
+    timer->start(0);
+}
 
 } // namespace
 
@@ -47,14 +61,17 @@ extern "C" Q_DECL_EXPORT CMAbstractWorker* worker_create(QHash<QString, QVariant
         throw std::runtime_error("no such luck");
     if (mode == "fatal")
         cmFatal("the probe cannot go on");
-    if (mode == "forge")
+    if (mode == "forge") {
         LOG4CPLUS_INFO(logger(), "one\ntwo \x1b[31mred\tend");
+        qWarning("a word from Qt");
+    }
+    if (mode == "slow") {
+        LOG4CPLUS_INFO(logger(), "the probe takes its time");
+        QThread::msleep(300);
+    }
     LOG4CPLUS_DEBUG(logger(), "a debug line");
     auto* worker = new ProbeWorker(config);
     if (mode == "write")
-        QTimer::singleShot(0, worker, [] {
-            for (int i = 0;; ++i)
-                CMRoot()->setValue(OrvoPlayListsSettingsDataBaseItemsLimitPath(), i, CMVoidReply());
-        });
+        writeSettings(worker);
     return worker;
 }

@@ -44,12 +44,11 @@ MusicTree::Place MusicTree::find(const CMPath& path) {
         return {};
     const QStringList& components = path.splitBase();
     FolderPtr folder = m_root;
-    load(folder);
     for (int i = rootPath().splitBase().size(); i < components.size(); ++i) {
         const QString& name = components.at(i);
+        load(folder);
         if (const auto it = folder->folderIndex.constFind(name); it != folder->folderIndex.cend()) {
             folder = folder->folders[std::size_t(*it)];
-            load(folder);
             continue;
         }
         const auto it = folder->trackIndex.constFind(name);

@@ -71,7 +71,7 @@ public:
         FolderPtr folder; // null: there is nothing at the path
         TrackPtr track;   // null: the path is the folder's
     };
-    // Folders on the way that were not read yet are read now.
+    // Folders on the way that were not read yet are read now; the folder found may still be unread.
     Place find(const CMPath& path);
 
     // A listing of the folder, to be read and given to apply().

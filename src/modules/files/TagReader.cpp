@@ -4,6 +4,7 @@
 #include <taglib/fileref.h>
 #include <taglib/infotag.h>
 #include <taglib/tag.h>
+#include <taglib/tfilestream.h>
 #include <taglib/wavfile.h>
 
 #include "FilesLog.h"
@@ -25,7 +26,12 @@ const TagLib::Tag* bestTag(const TagLib::FileRef& reference) {
 
 TrackTags readTags(const QString& file) {
     TrackTags tags;
-    const TagLib::FileRef reference(file.toUtf8().constData());
+    // Read-only: opened as the library would, for writing too, closing it looks like a change to
+    // whoever watches.
+    TagLib::FileStream stream(file.toUtf8().constData(), /*openReadOnly=*/true);
+    if (!stream.isOpen())
+        return tags;
+    const TagLib::FileRef reference(&stream);
     if (reference.isNull())
         return tags;
     if (const TagLib::Tag* tag = bestTag(reference)) {

@@ -45,6 +45,7 @@ bool TreeNode::getRowsRequest(const CMGetRowsRequest& request) {
                                               : noSuchNode(request.path()));
         return true;
     }
+    m_tree->load(place.folder);
     const Folder& folder = *place.folder;
     const QStringList names =
         request.roleNames().isEmpty() ? OrvoRoles::defaultNames() : request.roleNames();

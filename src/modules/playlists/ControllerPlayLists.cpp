@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include "Controller.h"
 #include "ControllerText.h"
 #include "ModuleLog.h"
@@ -9,12 +11,14 @@
 namespace {
 
 // A mode may come as a number or by its name; the record reads names, so a number is turned into its name first.
+// What does not fit into 32 bits stays as it is and is refused: QVariant would cut it down to some other mode.
 template <typename Modes>
 OrvoHash withNamedMode(const QVariant& value, const QString& key) {
     OrvoHash hash(value.toHash());
+    const QVariant mode = hash.attribute(key);
     bool isNumber = false;
-    const int number = hash.attribute(key).toInt(&isNumber);
-    if (isNumber)
+    const int number = mode.toInt(&isNumber);
+    if (isNumber && std::fabs(mode.toDouble() - number) < 1)
         hash.setAttribute(key, Modes::toString(number));
     return hash;
 }

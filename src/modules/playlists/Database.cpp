@@ -150,9 +150,7 @@ int Database::rollbackTransaction() {
 }
 
 void Database::commitTransaction() {
-    // Deliberate: no pause and no limit. Another process that holds the file lets go soon, and an
-    // error that is not a matter of waiting ends the transaction, after which a further COMMIT
-    // fails with SQLITE_ERROR.
+    // Deliberate: no pause and no limit, since another process that holds the file lets go soon.
     int code = SQLITE_OK;
     do {
         code = execute(m_connection, "COMMIT;");

@@ -71,8 +71,7 @@ public:
 
     // --- items (DatabaseItems.cpp) ---
 
-    // The entries numbered `from` to `to`, both included, ascending. getItems(pl, 0, 9) gives up to
-    // ten.
+    // The entries numbered `from` to `to`, both included, ascending: 0 to 9 gives up to ten.
     QList<OrvoPlayListItem> getItems(const PlayListRecord& pl, int from, int to);
     // An empty item when there is none. Searches all entries of the store: use getItemsByUids for
     // more than a few.
@@ -91,7 +90,8 @@ public:
 
     // Adds the items that still fit below the limit, in order, and returns the number of the first
     // one; Failed, or LimitReached when none fits (or none was given). `addedCount`, unless null,
-    // receives how many were to be added.
+    // receives how many were to be added; it is untouched when not even a transaction was to be
+    // had.
     //   entries a b c d, lastPlayedIndex 1, items x y, AfterCurrent  ->  a b x y c d, returns 2
     int addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum position,
                  const QList<OrvoPlayListItem>& items, int* addedCount);
@@ -103,8 +103,7 @@ public:
     bool offsetItemsFromTransaction(const PlayListRecord& pl, int from, int count);
 
     // Removes the entries at `indices` (ascending, each once) and closes the gaps; the number
-    // removed, or Failed when one of them does not exist, and then nothing is removed. No indices:
-    // 0.
+    // removed, or Failed when one of them does not exist, and then nothing is removed.
     //   a b c d e f g, indices 1 2 5  ->  a d e g, returns 3
     int removeItems(const PlayListRecord& pl, const QList<int>& indices);
     // Removes the entries numbered `from` to `to` without closing the gap; the number removed, or

@@ -17,27 +17,32 @@ int PlayList::getUid() const {
 }
 
 QString PlayList::getName() const {
-    return m_record.name;
+    return record().name;
 }
 
 bool PlayList::getShuffle() const {
-    return m_record.shuffle;
+    return record().shuffle;
 }
 
 bool PlayList::getRepeatAll() const {
-    return m_record.repeatAll;
+    return record().repeatAll;
 }
 
 int PlayList::getLastSequenceNumber() const {
-    return m_record.lastPlayedIndex;
+    return record().lastPlayedIndex;
 }
 
 int PlayList::getSize() const {
-    return m_record.size;
+    return record().size;
 }
 
 bool PlayList::valid() const {
     return m_record.uid != PlayListRecord::NoUid;
+}
+
+PlayListRecord PlayList::record() const {
+    QMutexLocker lock(&m_mutex);
+    return m_record;
 }
 
 bool PlayList::writeRecord(const PlayListRecord& changed) {
@@ -88,10 +93,12 @@ void PlayList::setLastSequenceNumber(int sequenceNumber) {
 }
 
 bool PlayList::updateDatabase() const {
+    QMutexLocker lock(&m_mutex);
     return m_database->updatePlayList(m_record);
 }
 
 bool PlayList::remove() {
+    QMutexLocker lock(&m_mutex);
     return m_database->deletePlayList(m_record);
 }
 

@@ -39,12 +39,15 @@ public:
     OrvoRoles itemToOrvoRoles(const OrvoPlayListItem& item) const override;
 
 private:
+    // A copy taken under the lock: another thread may be replacing a text in it right now.
+    PlayListRecord record() const;
     // Writes a changed copy of the record; the record follows only when the store took it.
     bool writeRecord(const PlayListRecord& changed);
     void followMovedItem(int from, int to);
 
     Database* m_database;
     PlayListRecord m_record;
-    // Recursive: removing and moving set the last played position while they hold it.
+    // Guards the record, all but its uid, which never changes. Recursive: removing and moving set the last played
+    // position while they hold it.
     mutable QRecursiveMutex m_mutex;
 };

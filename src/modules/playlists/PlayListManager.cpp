@@ -1,6 +1,7 @@
 #include "PlayListManager.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "Collection.h"
 #include "Database.h"
@@ -116,7 +117,9 @@ bool PlayListManager::deletePlayList(PlayListBase* pl) {
     CM_ENTER_ARGS(moduleLog(), "pl->uid=" << uid);
     // The store refuses to delete the play queue; its memberships must outlive the attempt.
     if (uid != PlayListRecord::PlayQueueUid) {
-        for (CollectionBase* cl : qAsConst(m_collections)) {
+        // Copies here and below: whoever hears of a membership may create or delete a collection.
+        const QList<CollectionBase*> before = m_collections;
+        for (CollectionBase* cl : before) {
             if (cl->getPlayLists().contains(pl) && !cl->removePlayList(pl))
                 LOG4CPLUS_ERROR(moduleLog(), "Unable to remove playlist (" << uid << ") from collection ("
                                                                            << cl->getUid() << ")");
@@ -127,7 +130,8 @@ bool PlayListManager::deletePlayList(PlayListBase* pl) {
         return false;
     }
     // The cascade took every membership: whoever could not be asked before lets go now.
-    for (CollectionBase* cl : qAsConst(m_collections))
+    const QList<CollectionBase*> after = m_collections;
+    for (CollectionBase* cl : after)
         cl->forgetPlayList(pl);
     LOG4CPLUS_INFO(moduleLog(), "Deleted PlayList uid=" << uid);
     m_playLists.removeOne(pl);

@@ -52,6 +52,10 @@ bool CMListRowsNode::matchRowRequest(const CMMatchRowRequest& request) {
     const CMReply<int> reply = request.reply();
     const QString wanted = request.text();
     const int first = qMax(0, request.fromRow());
+    if (!getRowsRequest(
+            CMGetRowsRequest(request.path(), 0, CMGetRowsRequest::LastRow, {OrvoRoles::Title()}, rowsReply)))
+        return false;
+    // Not before: when nobody took the request, its answer is the worker's.
     rowsReply.onSuccess([reply, wanted, first](const OrvoRowsRoles& answer) {
         const QVariantList rows = answer.rows();
         for (int i = first; i < rows.size(); ++i) {
@@ -64,8 +68,7 @@ bool CMListRowsNode::matchRowRequest(const CMMatchRowRequest& request) {
         reply.setValue(-1);
     });
     rowsReply.onError([reply](const CMError& error) { reply.setError(error); });
-    return getRowsRequest(
-        CMGetRowsRequest(request.path(), 0, CMGetRowsRequest::LastRow, {OrvoRoles::Title()}, rowsReply));
+    return true;
 }
 
 void CMListRowsNode::rowsPathAdd(const CMPath&) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <QRecursiveMutex>
 
 #include "CMNodes.h"
@@ -39,7 +40,7 @@ protected:
 
 private:
     CMPath m_path;
-    CMNodes* m_nodes = nullptr;
+    QPointer<CMNodes> m_nodes;
     QRecursiveMutex m_mutex;
 };
 

@@ -26,8 +26,29 @@ QString encode(const QString& text) {
     return isPlain(text) ? text : QString::fromLatin1(QUrl::toPercentEncoding(text));
 }
 
+int hexDigit(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
+}
+
+// Paths come from anybody: an escape that is none stays as it is. (QUrl would turn "%zz" into some byte, and end the
+// text at a zero.)
 QString decode(const QString& text) {
-    return text.contains(QLatin1Char('%')) ? QUrl::fromPercentEncoding(text.toUtf8()) : text;
+    if (!text.contains(QLatin1Char('%')))
+        return text;
+    const QByteArray encoded = text.toUtf8();
+    QByteArray bytes("x"); // in front, a byte order mark would be dropped
+    for (int i = 0; i < encoded.size(); ++i) {
+        const int high = encoded.at(i) == '%' && i + 2 < encoded.size() ? hexDigit(encoded.at(i + 1)) : -1;
+        const int low = high >= 0 ? hexDigit(encoded.at(i + 2)) : -1;
+        bytes.append(low >= 0 ? char(high * 16 + low) : encoded.at(i));
+        if (low >= 0)
+            i += 2;
+    }
+    return QString::fromUtf8(bytes.constData(), bytes.size()).mid(1);
 }
 
 } // namespace

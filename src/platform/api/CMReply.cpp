@@ -38,10 +38,12 @@ void CMVoidReply::setFinished() const {
 }
 
 void CMVoidReply::whenFinished(std::function<void(const State&)> callback) const {
-    if (isPending())
+    if (isPending()) {
         m_state->callbacks.push_back(std::move(callback));
-    else
-        callback(*m_state);
+        return;
+    }
+    const std::shared_ptr<State> alive = m_state; // a callback may drop the last handle
+    callback(*alive);
 }
 
 void CMVoidReply::onFinished(const Callback& callback) const {

@@ -75,8 +75,9 @@ void CMRootWorker::setValue(const CMPath& path, const QVariant& value, const CMV
             return;
         }
         const OrvoValue newValue = m_values.value(path);
+        // Watchers know the value by its own path, whatever parameters the writer gave.
         if (newValue != oldValue)
-            m_events.valueChanged(path, newValue, oldValue);
+            m_events.valueChanged(CMPath(path.base()), newValue, oldValue);
         reply.setFinished();
         return;
     }

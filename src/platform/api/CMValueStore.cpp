@@ -109,16 +109,18 @@ void CMValueStore::load() {
         return;
     }
     QJsonParseError parseError;
-    const QJsonObject object = QJsonDocument::fromJson(file.readAll(), &parseError).object();
-    if (parseError.error != QJsonParseError::NoError) {
+    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &parseError);
+    if (!document.isObject()) {
         // Kept aside, not overwritten: a person may want to look at what was in it.
         const QString aside = m_file + QStringLiteral(".damaged");
         QFile::remove(aside);
         QFile::rename(m_file, aside);
-        LOG4CPLUS_ERROR(logger(), "settings " << m_file << " are damaged (" << parseError.errorString() << "), kept as "
-                                              << aside << ", starting with none");
+        const QString reason = document.isNull() ? parseError.errorString() : QStringLiteral("not a JSON object");
+        LOG4CPLUS_ERROR(logger(), "settings " << m_file << " are damaged (" << reason << "), kept as " << aside
+                                              << ", starting with none");
         return;
     }
+    const QJsonObject object = document.object();
     for (auto it = object.begin(); it != object.end(); ++it) {
         const CMValueDeclaration* row = declaration(CMPath(it.key()));
         const QVariant converted = row ? convert(it.value().toVariant(), row->type) : QVariant();
@@ -128,7 +130,7 @@ void CMValueStore::load() {
         }
         OrvoValue stored;
         stored.setAttribute(QString::fromLatin1(row->key), converted);
-        m_values.insert(it.key(), stored);
+        m_values.insert(QString::fromLatin1(row->path), stored);
     }
 }
 

@@ -42,3 +42,4 @@ public:
 private:
     void setOnly(const QString& tag, const QVariant& value);
 };
+Q_DECLARE_METATYPE(OrvoValue)

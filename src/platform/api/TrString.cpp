@@ -6,13 +6,29 @@ QString Language::ntr(const char* context, const char* source) {
     return QCoreApplication::translate(context, source);
 }
 
+namespace {
+// Replaces %1 to %99 in one pass: filled in one after the other, a "%2" inside the first argument would be taken for
+// the place of the second. Markers without an argument stay.
+QString filledIn(const QString& text, const QStringList& arguments) {
+    QString result;
+    for (int i = 0; i < text.size();) {
+        int end = i + 1;
+        int number = 0;
+        while (text.at(i) == QLatin1Char('%') && end < text.size() && end <= i + 2 && text.at(end) >= QLatin1Char('0') &&
+               text.at(end) <= QLatin1Char('9'))
+            number = number * 10 + (text.at(end++).unicode() - '0');
+        const bool filled = number >= 1 && number <= arguments.size();
+        result += filled ? arguments.at(number - 1) : text.mid(i, end - i);
+        i = end;
+    }
+    return result;
+}
+} // namespace
+
 QString TrString::toString() const {
     if (!isTranslatable())
         return m_source;
-    QString text = Language::ntr(m_context.constData(), m_source.toUtf8().constData());
-    for (const QString& argument : m_arguments)
-        text = text.arg(argument);
-    return text;
+    return filledIn(Language::ntr(m_context.constData(), m_source.toUtf8().constData()), m_arguments);
 }
 
 QVariant TrString::toVariant() const {
@@ -24,6 +40,7 @@ TrString TrString::fromVariant(const QVariant& value) {
 }
 
 namespace {
-// Roles are compared as hashes; without this a title compares by address.
+// Roles are compared, logged and sent as hashes; without these a title compares by address and shows as nothing.
 const bool comparable = QMetaType::registerEqualsComparator<TrString>();
+const bool printable = QMetaType::registerConverter<TrString, QString>(&TrString::toString);
 } // namespace

@@ -55,6 +55,17 @@ TEST_F(FolderWatcherTest, foldersBeyondTheLimitAreNotWatchedAndTheLogSaysSoOnce)
     EXPECT_EQ(watcher.count(), 2) << "a place that became free is used";
 }
 
+TEST_F(FolderWatcherTest, readingTagsIsNoChange) {
+    FolderWatcher watcher(10);
+    QSignalSpy changed(&watcher, &FolderWatcher::changed);
+    const FolderPtr a = folder("a");
+    SoundFiles::writeWav(a->diskPath + "/x.wav");
+    watcher.add(a);
+    TagReader::read(a->diskPath + "/x.wav");
+    // Longer than changes are gathered. If it were one, each scan would begin the next.
+    EXPECT_FALSE(changed.wait(600));
+}
+
 TEST_F(FolderWatcherTest, aRemovedFolderIsNotReported) {
     FolderWatcher watcher(10);
     QSignalSpy changed(&watcher, &FolderWatcher::changed);

@@ -40,6 +40,8 @@ public:
     HttpAnswer readAnswer(bool headRequest = false);
     // Everything that has come until `wanted` is part of it, or patience is over.
     QByteArray readUntil(const QByteArray& wanted, int patienceMs = PatienceMs);
+    // Forgets what was read so far.
+    void discard() { m_buffer.clear(); }
     QTcpSocket& socket() { return m_socket; }
 
 private:

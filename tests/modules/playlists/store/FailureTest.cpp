@@ -175,6 +175,26 @@ TEST_F(FailureTest, anEntryThatCannotBeInserted) {
     expectInvariants();
 }
 
+TEST_F(FailureTest, aDiskThatFillsUpOnTheWay) {
+    PlayListRecord pl = playListOf("abc");
+    pl.lastPlayedIndex = 0;
+    const int pages = rawInt(QStringLiteral("PRAGMA page_count"));
+    ASSERT_EQ(SQLITE_OK,
+              sqlite3_exec(StoreProbe::connection(database()),
+                           qPrintable(QStringLiteral("PRAGMA max_page_count=%1").arg(pages + 5)),
+                           nullptr, nullptr, nullptr));
+    LogCapture log(QStringLiteral("PlayLists"));
+    EXPECT_EQ(-1, database().addItems(pl, OrvoPlayListAddPosition::Now, items(2000), nullptr));
+    EXPECT_EQ(3, log.errors().size());
+    EXPECT_EQ(reset("insertItem", "database or disk is full"), log.errors().value(0));
+    EXPECT_EQ(QStringLiteral("Error adding items to list"), log.errors().value(2));
+    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    expectInvariants();
+    EXPECT_EQ(1, database().addItems(pl, OrvoPlayListAddPosition::Now, items(2), nullptr));
+    EXPECT_EQ(QStringLiteral("a t0 t1 b c"), titles(pl.uid));
+    expectInvariants();
+}
+
 TEST_F(FailureTest, addingToAPlaylistThatIsGone) {
     PlayListRecord pl;
     pl.uid = 4711;

@@ -1,0 +1,214 @@
+#include <QJsonArray>
+
+#include "CtlFailure.h"
+#include "Positions.h"
+#include "TextTable.h"
+#include "Verbs.h"
+
+namespace {
+
+const QString Plid = QStringLiteral("plid");
+const QString Items = QStringLiteral("items");
+const QString Mode = QStringLiteral("mode");
+constexpr int RepeatAll = 2;
+
+QJsonObject record(const Named& playlist) {
+    return {{Plid, playlist.id}};
+}
+
+QJsonArray numbers(const QList<int>& list) {
+    QJsonArray array;
+    for (const int number : list)
+        array.append(number);
+    return array;
+}
+
+bool onOrOff(const QString& word) {
+    if (word != QLatin1String("on") && word != QLatin1String("off"))
+        throw CtlFailure::usage(QStringLiteral("\"on\" or \"off\", not \"%1\"").arg(word));
+    return word == QLatin1String("on");
+}
+
+QString plural(int count) {
+    return count == 1 ? QStringLiteral("1 track") : QStringLiteral("%1 tracks").arg(count);
+}
+
+QString duration(qint64 milliseconds) {
+    const qint64 seconds = (milliseconds + 500) / 1000;
+    const QString rest = QStringLiteral("%1").arg(seconds % 60, 2, 10, QLatin1Char('0'));
+    if (milliseconds <= 0)
+        return {};
+    if (seconds < 3600)
+        return QStringLiteral("%1:%2").arg(seconds / 60).arg(rest);
+    return QStringLiteral("%1:%2:%3")
+        .arg(seconds / 3600)
+        .arg(seconds / 60 % 60, 2, 10, QLatin1Char('0'))
+        .arg(rest);
+}
+
+// One row of a playlist in the client's own words.
+QJsonObject track(const QJsonObject& row, int sequenceNumber) {
+    const QJsonObject meta = row.value(QStringLiteral("mediaData"))
+                                 .toObject()
+                                 .value(QStringLiteral("metaData"))
+                                 .toObject();
+    return {{QStringLiteral("position"), sequenceNumber + 1},
+            {QStringLiteral("sequenceNumber"), sequenceNumber},
+            {QStringLiteral("id"), row.value(QStringLiteral("id"))},
+            {QStringLiteral("title"), row.value(QStringLiteral("title"))},
+            {QStringLiteral("artist"), meta.value(QStringLiteral("artist")).toString()},
+            {QStringLiteral("album"), meta.value(QStringLiteral("album")).toString()},
+            {QStringLiteral("duration"), meta.value(QStringLiteral("duration")).toDouble()},
+            {QStringLiteral("path"), row.value(QStringLiteral("path"))}};
+}
+
+void setMode(VerbContext& context, const char* function, int onMode, const char* word) {
+    const bool on = onOrOff(context.arguments.at(1));
+    const Named playlist = context.playlist();
+    QJsonObject request = record(playlist);
+    request.insert(Mode, on ? onMode : 0);
+    context.run(QString::fromLatin1(function), request,
+                QStringLiteral("%1 is %2 for %3")
+                    .arg(QLatin1String(word), context.arguments.at(1), playlist.label()));
+}
+
+} // namespace
+
+void PlaylistVerbs::list(VerbContext& context) {
+    TextTable table({QStringLiteral(">ID"), QStringLiteral("NAME"), QStringLiteral(">TRACKS")});
+    QJsonArray array;
+    for (const Named& playlist : context.names.playlists()) {
+        const int tracks = context.device.rowsCount(context.names.itemsPath(playlist));
+        table.addRow(
+            {QStringLiteral("#%1").arg(playlist.id), playlist.name, QString::number(tracks)});
+        array.append(QJsonObject{{QStringLiteral("id"), playlist.id},
+                                 {QStringLiteral("name"), playlist.name},
+                                 {QStringLiteral("tracks"), tracks}});
+    }
+    if (context.output.isJson())
+        context.output.json(array);
+    else
+        context.output.text(table.text());
+}
+
+void PlaylistVerbs::create(VerbContext& context) {
+    const QString name = context.arguments.at(0);
+    const QJsonObject result =
+        context.device
+            .command(QStringLiteral("OrvoPlayListPlCreatePath"), {{QStringLiteral("name"), name}})
+            .toObject();
+    const QJsonValue id = result.value(QStringLiteral("result"))
+                              .toObject()
+                              .value(QStringLiteral("value"))
+                              .toObject()
+                              .value(QStringLiteral("i32"));
+    if (context.output.isJson())
+        context.output.json(QJsonObject{{QStringLiteral("id"), id}});
+    else
+        context.output.line(QStringLiteral("#%1 %2").arg(id.toInt()).arg(name));
+}
+
+void PlaylistVerbs::rename(VerbContext& context) {
+    const Named playlist = context.playlist();
+    QJsonObject request = record(playlist);
+    request.insert(QStringLiteral("name"), context.arguments.at(1));
+    context.run(
+        QStringLiteral("OrvoPlayListPlSetNamePath"), request,
+        QStringLiteral("%1 is called %2 now").arg(playlist.label(), context.arguments.at(1)));
+}
+
+void PlaylistVerbs::remove(VerbContext& context) {
+    const Named playlist = context.playlist();
+    context.run(QStringLiteral("OrvoPlayListPlDeletePath"), record(playlist),
+                QStringLiteral("deleted %1").arg(playlist.label()));
+}
+
+void PlaylistVerbs::show(VerbContext& context) {
+    const Arguments& arguments = context.arguments;
+    const int from = arguments.number(QStringLiteral("from"), 1, 1) - 1;
+    const int to = arguments.number(QStringLiteral("to"), Device::LastRow, 1) - 1;
+    if (to < from)
+        throw CtlFailure::usage(QStringLiteral("--to lies before --from"));
+    const Named playlist = context.playlist();
+    if (playlist.name.isEmpty())
+        throw CtlFailure::refused(QStringLiteral("there is no playlist %1").arg(playlist.label()));
+    const DeviceRows answer =
+        context.device.rows(context.names.itemsPath(playlist),
+                            {QStringLiteral("title"), QStringLiteral("id"), QStringLiteral("path"),
+                             QStringLiteral("mediaData")},
+                            from, to);
+    TextTable table({QStringLiteral(">POS"), QStringLiteral("TITLE"), QStringLiteral("ARTIST"),
+                     QStringLiteral("ALBUM"), QStringLiteral(">TIME")});
+    QJsonArray tracks;
+    for (int i = 0; i < answer.rows.size(); ++i) {
+        const QJsonObject one = track(answer.rows.at(i), from + i);
+        tracks.append(one);
+        table.addRow({QString::number(from + i + 1), one.value(QStringLiteral("title")).toString(),
+                      one.value(QStringLiteral("artist")).toString(),
+                      one.value(QStringLiteral("album")).toString(),
+                      duration(qint64(one.value(QStringLiteral("duration")).toDouble()))});
+    }
+    if (context.output.isJson()) {
+        context.output.json(QJsonObject{{QStringLiteral("id"), playlist.id},
+                                        {QStringLiteral("name"), playlist.name},
+                                        {QStringLiteral("tracksCount"), answer.count},
+                                        {QStringLiteral("tracks"), tracks}});
+        return;
+    }
+    context.output.line(QStringLiteral("%1: %2").arg(playlist.label(), plural(answer.count)));
+    if (!answer.rows.isEmpty())
+        context.output.text(table.text());
+}
+
+void PlaylistVerbs::removeItems(VerbContext& context) {
+    const QList<int> positions = Positions::parse(context.arguments.positional().mid(1));
+    const Named playlist = context.playlist();
+    QJsonObject request = record(playlist);
+    request.insert(Items, numbers(positions));
+    context.run(
+        QStringLiteral("OrvoPlayListPlRemoveItemsPath"), request,
+        QStringLiteral("removed %1 from %2").arg(plural(positions.size()), playlist.label()));
+}
+
+void PlaylistVerbs::moveItems(VerbContext& context) {
+    if (!context.arguments.has(QStringLiteral("to")))
+        throw CtlFailure::usage(QStringLiteral("--to is missing"));
+    const int to = Positions::parseOne(context.arguments.value(QStringLiteral("to")));
+    const QList<int> positions = Positions::parse(context.arguments.positional().mid(1));
+    const Named playlist = context.playlist();
+    QJsonObject request = record(playlist);
+    request.insert(Items, numbers(positions));
+    request.insert(QStringLiteral("to"), to);
+    context.run(QStringLiteral("OrvoPlayListPlMoveItemspath"), request,
+                QStringLiteral("moved %1 in %2").arg(plural(positions.size()), playlist.label()));
+}
+
+void PlaylistVerbs::clear(VerbContext& context) {
+    const Named playlist = context.playlist();
+    context.run(QStringLiteral("OrvoPlayListPlClearPath"), record(playlist),
+                QStringLiteral("cleared %1").arg(playlist.label()));
+}
+
+void PlaylistVerbs::merge(VerbContext& context) {
+    const Named source = context.playlist(0);
+    const Named target = context.playlist(1);
+    QJsonObject request = record(target);
+    request.insert(QStringLiteral("fromPlid"), source.id);
+    request.insert(Items, QJsonArray());
+    context.run(QStringLiteral("OrvoPlayListPlAddItemsPath"), request,
+                QStringLiteral("merged %1 into %2").arg(source.label(), target.label()));
+}
+
+void PlaylistVerbs::shuffle(VerbContext& context) {
+    setMode(context, "OrvoPlayListPlSetShufflePath", 1, "shuffle");
+}
+
+void PlaylistVerbs::repeat(VerbContext& context) {
+    setMode(context, "OrvoPlayListPlSetRepeatPath", RepeatAll, "repeat");
+}
+
+void PlaylistVerbs::play(VerbContext& context) {
+    const Named playlist = context.playlist();
+    context.run(QStringLiteral("OrvoPlayListPlPlayPath"), record(playlist),
+                QStringLiteral("playing %1").arg(playlist.label()));
+}

@@ -1,0 +1,31 @@
+#include "Positions.h"
+
+#include <algorithm>
+
+#include "Arguments.h"
+#include "CtlFailure.h"
+
+namespace {
+// A range is spelled out; nobody means more than this.
+constexpr int MaxRange = 1000000;
+} // namespace
+
+int Positions::parseOne(const QString& word) {
+    return Arguments::toNumber(word, 1, QStringLiteral("a position")) - 1;
+}
+
+QList<int> Positions::parse(const QStringList& words) {
+    QList<int> result;
+    for (const QString& word : words) {
+        const int dash = word.indexOf(QLatin1Char('-'), 1);
+        const int first = parseOne(dash < 0 ? word : word.left(dash));
+        const int last = dash < 0 ? first : parseOne(word.mid(dash + 1));
+        if (last < first || last - first > MaxRange)
+            throw CtlFailure::usage(QStringLiteral("\"%1\" is no range of positions").arg(word));
+        for (int i = first; i <= last; ++i)
+            result.append(i);
+    }
+    std::sort(result.begin(), result.end());
+    result.erase(std::unique(result.begin(), result.end()), result.end());
+    return result;
+}

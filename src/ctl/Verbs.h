@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QStringList>
+#include <QVector>
+
+#include "Arguments.h"
+#include "Device.h"
+#include "Names.h"
+#include "Output.h"
+
+// What a verb works with: made by main for the one verb of this run.
+struct VerbContext {
+    Arguments arguments;
+    Device& device;
+    Names& names;
+    Output& output;
+
+    Named playlist(int index = 0) const { return names.playlist(arguments.at(index)); }
+    Named collection(int index = 0) const { return names.collection(arguments.at(index)); }
+    // Sends a command and says what was done; with --json the result itself is printed.
+    void run(const QString& function, const QJsonObject& record, const QString& done) const;
+};
+
+// One verb: its words, what follows them, and who carries it out.
+struct Verb {
+    static constexpr int Any = -1;
+
+    const char* words; // one or two
+    const char* usage; // what follows, as shown in the help
+    const char* help;
+    int least; // positional arguments
+    int most;
+    QStringList valued;
+    QStringList flags;
+    void (*run)(VerbContext& context);
+};
+
+namespace Verbs {
+
+const QVector<Verb>& all();
+// The verb that the command line names; its words are taken off `words`. A usage failure when there
+// is none.
+const Verb& take(QStringList* words);
+// A usage failure when the number of arguments is not the verb's.
+void checkCount(const Verb& verb, const Arguments& arguments);
+QString help();
+
+} // namespace Verbs
+
+namespace BasicVerbs {
+void paths(VerbContext& context);
+void rows(VerbContext& context);
+void set(VerbContext& context);
+void value(VerbContext& context);
+} // namespace BasicVerbs
+
+namespace PlaylistVerbs {
+void list(VerbContext& context);
+void create(VerbContext& context);
+void rename(VerbContext& context);
+void remove(VerbContext& context);
+void show(VerbContext& context);
+void removeItems(VerbContext& context);
+void moveItems(VerbContext& context);
+void clear(VerbContext& context);
+void merge(VerbContext& context);
+void shuffle(VerbContext& context);
+void repeat(VerbContext& context);
+void play(VerbContext& context);
+} // namespace PlaylistVerbs
+
+namespace CollectionVerbs {
+void list(VerbContext& context);
+void create(VerbContext& context);
+void remove(VerbContext& context);
+void add(VerbContext& context);
+void removeItem(VerbContext& context);
+void show(VerbContext& context);
+} // namespace CollectionVerbs
+
+namespace AddVerb {
+void add(VerbContext& context);
+}
+
+namespace WatchVerb {
+void watch(VerbContext& context);
+}

@@ -1,0 +1,108 @@
+#include <QJsonObject>
+
+#include "CtlFixture.h"
+
+namespace {
+
+class CtlAdd : public CtlFixture {
+protected:
+    QStringList tracks(int id) const { return m_playLists.lists.value(id).tracks; }
+
+    static QStringList numbered(int count) {
+        QStringList paths;
+        for (int i = 0; i < count; ++i)
+            paths.append(QStringLiteral("x:track/%1").arg(i));
+        return paths;
+    }
+};
+
+} // namespace
+
+TEST_F(CtlAdd, aLocalFileIsAddedByItsPathInTheMusicFolder) {
+    const int id = playlist("Party");
+    const QString file = makeFile(QString::fromUtf8("Band ü/1 & 2?/a#b.flac"));
+    const CtlRun run = ctl({"add", "Party", file});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.err.toStdString(), "added 1 of 1 tracks to Party (#10)\n");
+    EXPECT_EQ(tracks(id), QStringList{"files:tree/Band%20%C3%BC/1%20%26%202%3F/a%23b.flac"});
+}
+
+TEST_F(CtlAdd, aFolderAddsAllItsTracksInOrder) {
+    const int id = playlist("Party");
+    for (const char* name :
+         {"B/2.flac", "B/1.flac", "A/x/1.flac", "A/cover.jpg", "z.flac", "Empty/readme.txt"})
+        makeFile(QString::fromLatin1(name));
+    EXPECT_EQ(ctl({"add", "Party", musicFolder()}).status, 0);
+    EXPECT_EQ(tracks(id), (QStringList{"files:tree/A/x/1.flac", "files:tree/B/1.flac",
+                                       "files:tree/B/2.flac", "files:tree/z.flac"}));
+    EXPECT_EQ(ctl({"add", "Party", "files:tree/B", musicFolder() + "/A/"}).status, 0);
+    EXPECT_EQ(tracks(id).mid(4),
+              (QStringList{"files:tree/B/1.flac", "files:tree/B/2.flac", "files:tree/A/x/1.flac"}));
+}
+
+TEST_F(CtlAdd, aPathOfTheDeviceIsATrackOrAListOfTracks) {
+    playlist("Source", {"x:a", "x:b"});
+    const int id = playlist("Party");
+    EXPECT_EQ(ctl({"add", "Party", "files:tree/one.flac", "playlists:pl/items/10"}).status, 0);
+    EXPECT_EQ(tracks(id),
+              (QStringList{"files:tree/one.flac", "playlists:item/100", "playlists:item/101"}));
+}
+
+TEST_F(CtlAdd, whatIsNotThereOrNotInTheMusicFolderIsRefused) {
+    const int id = playlist("Party");
+    CtlRun run = ctl({"add", "Party", "/no/such/file.flac"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err.toStdString(), "orvoctl: there is no file or folder /no/such/file.flac\n");
+    run = ctl({"add", "Party", "/dev/null"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.err.contains("is not in the device's music folder"));
+    makeFile("Empty/readme.txt");
+    EXPECT_EQ(ctl({"add", "Party", musicFolder()}).status, 1);
+    EXPECT_EQ(ctl({"add", "Nobody", musicFolder()}).status, 1);
+    EXPECT_EQ(ctl({"add", "#77", "x:a"}).err.toStdString(), "orvoctl: No such list.\n");
+    EXPECT_EQ(ctl({"add", "Party"}).status, 2);
+    EXPECT_EQ(ctl({"add", "Party", "x:a", "--now", "--next"}).status, 2);
+    EXPECT_TRUE(tracks(id).isEmpty());
+}
+
+TEST_F(CtlAdd, manyTracksAreAppendedInPartsThatKeepTheirOrder) {
+    const int id = playlist("Party", {"x:first"});
+    const QStringList many = numbered(1201);
+    EXPECT_EQ(ctl(QStringList{"add", "Party", "--append"} + many).status, 0);
+    EXPECT_EQ(m_playLists.addSizes, (QList<int>{500, 500, 201}));
+    EXPECT_EQ(tracks(id), QStringList{"x:first"} + many);
+}
+
+TEST_F(CtlAdd, manyTracksAreAddedNextInTheirOrderWhateverWasPlayed) {
+    const QStringList many = numbered(1201);
+    for (const int lastPlayed : {-1, 0}) {
+        const int id = playlist("Party", {"x:first", "x:last"});
+        m_playLists.lists[id].lastPlayed = lastPlayed;
+        const QString name = QStringLiteral("#%1").arg(id);
+        EXPECT_EQ(ctl(QStringList{"add", name, "--next"} + many).status, 0);
+        QStringList expected = QStringList{"x:first"} + many;
+        expected.insert(lastPlayed < 0 ? 1 : expected.size(), "x:last");
+        EXPECT_EQ(tracks(id), expected);
+    }
+}
+
+TEST_F(CtlAdd, manyTracksAreAddedNowInTheirOrderAndTheFirstOneStarts) {
+    const int id = playlist("Party", {"x:first", "x:last"});
+    m_playLists.lists[id].lastPlayed = 0;
+    const QStringList many = numbered(1201);
+    EXPECT_EQ(ctl(QStringList{"add", "Party", "--now"} + many).status, 0);
+    EXPECT_EQ(tracks(id), QStringList{"x:first"} + many + QStringList{"x:last"});
+    EXPECT_EQ(m_playLists.lists.value(id).lastPlayed, 1);
+}
+
+TEST_F(CtlAdd, aDeviceThatIsFullSaysHowManyWereAdded) {
+    const int id = playlist("Party");
+    m_playLists.limit = 1000;
+    CtlRun run = ctl(QStringList{"add", "Party"} + numbered(1201));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err.toStdString(),
+              "orvoctl: only 1000 of 1201 tracks added: No items were added.\n");
+    EXPECT_EQ(tracks(id).size(), 1000);
+    m_playLists.limit = 1001;
+    EXPECT_EQ(ctl({"add", "Party", "x:a", "x:b", "--json"}).json().object().value("added"), 1);
+}

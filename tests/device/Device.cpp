@@ -1,0 +1,150 @@
+#include "Device.h"
+
+#include <sqlite3.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QThread>
+
+#include "SoundFiles.h"
+
+namespace {
+constexpr int PatienceMs = 30000;
+
+QByteArray fileText(const QString& name) {
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+template <typename Condition>
+bool waitFor(Condition condition) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.elapsed() > PatienceMs)
+            return false;
+        QCoreApplication::processEvents();
+        QThread::msleep(10);
+    }
+    return true;
+}
+} // namespace
+
+Device::Device() {
+    for (int album = 1; album <= 3; ++album) {
+        for (int track = 1; track <= 4; ++track) {
+            SoundTags tags;
+            tags.title = QStringLiteral("Track %1.%2").arg(album).arg(track);
+            tags.artist = QStringLiteral("Band %1").arg(album);
+            tags.album = QStringLiteral("Album %1").arg(album);
+            tags.track = track;
+            SoundFiles::writeWav(m_folder.filePath(QStringLiteral("music/Band %1/Album %1/%2 track.wav")
+                                                       .arg(album)
+                                                       .arg(track, 2, 10, QLatin1Char('0'))),
+                                 tags, 200);
+        }
+    }
+}
+
+Device::~Device() {
+    if (m_process.state() != QProcess::NotRunning)
+        kill();
+    if (::testing::Test::HasFailure()) {
+        m_folder.setAutoRemove(false);
+        std::printf("the folder of the failed test is kept: %s\n", qPrintable(m_folder.path()));
+    }
+}
+
+bool Device::start() {
+    const QString portFile = m_folder.filePath("port");
+    QFile::remove(portFile);
+    m_process.setStandardErrorFile(m_folder.filePath("device.log"), QIODevice::Append);
+    m_process.start(QStringLiteral(ORVO_HOST),
+                    {"--data", m_folder.filePath("device"), "--music", musicFolder(), "--listen", "127.0.0.1:0",
+                     "--port-file", portFile});
+    QByteArray output;
+    const bool ready = waitFor([&] {
+        output += m_process.readAllStandardOutput();
+        return output.contains("orvo-host is ready") || m_process.state() == QProcess::NotRunning;
+    });
+    if (!ready || m_process.state() == QProcess::NotRunning) {
+        ADD_FAILURE() << "the device did not start:\n" << qPrintable(log());
+        return false;
+    }
+    m_port = quint16(fileText(portFile).trimmed().toUInt());
+    m_client = std::make_unique<HttpClient>(m_port);
+    return m_port != 0;
+}
+
+void Device::kill() {
+    m_client.reset();
+    m_process.kill();
+    m_process.waitForFinished();
+}
+
+void Device::waitForScan() {
+    const bool scanned = waitFor([this] {
+        return m_client->get("/api/value?path=files:scan").json().value("value").toObject().value("state") == "ready";
+    });
+    EXPECT_TRUE(scanned);
+}
+
+HttpAnswer Device::command(const QByteArray& path, const QByteArray& value) {
+    return m_client->post("/api/data", "{\"path\":\"" + path + "\",\"value\":" + value + "}");
+}
+
+QJsonObject Device::rows(const QByteArray& path, const QByteArray& roles) {
+    return m_client->get("/api/rows?path=" + path + "&roles=" + roles).json();
+}
+
+QStringList Device::titles(const QByteArray& path) {
+    QStringList result;
+    const QJsonArray all = rows(path).value("rows").toArray();
+    for (const QJsonValue& row : all)
+        result.append(row.toObject().value("title").toString());
+    return result;
+}
+
+Device::Ctl Device::ctl(const QStringList& arguments) {
+    QProcess program;
+    program.start(QStringLiteral(ORVOCTL),
+                  QStringList{"--url", QStringLiteral("http://127.0.0.1:%1").arg(m_port)} + arguments);
+    Ctl result;
+    if (!program.waitForFinished(PatienceMs))
+        return result;
+    result.status = program.exitCode();
+    result.out = QString::fromUtf8(program.readAllStandardOutput());
+    result.err = QString::fromUtf8(program.readAllStandardError());
+    return result;
+}
+
+QString Device::log() const {
+    return QString::fromUtf8(fileText(m_folder.filePath("device.log")));
+}
+
+QStringList Device::query(const char* sql) const {
+    QStringList rows;
+    sqlite3* connection = nullptr;
+    EXPECT_EQ(sqlite3_open_v2(databaseFile().toUtf8(), &connection, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
+    const auto collect = [](void* into, int count, char** values, char**) {
+        QStringList columns;
+        for (int i = 0; i < count; ++i)
+            columns.append(QString::fromUtf8(values[i]));
+        static_cast<QStringList*>(into)->append(columns.join(QLatin1Char('|')));
+        return 0;
+    };
+    EXPECT_EQ(sqlite3_exec(connection, sql, collect, &rows, nullptr), SQLITE_OK) << sql;
+    sqlite3_close(connection);
+    return rows;
+}
+
+void Device::expectInvariants() const {
+    EXPECT_EQ(query("PRAGMA integrity_check"), QStringList{"ok"});
+    EXPECT_EQ(query("PRAGMA foreign_key_check"), QStringList());
+    EXPECT_EQ(query("SELECT playlist FROM playlists_items GROUP BY playlist"
+                    " HAVING min(sequenceNumber) <> 0 OR max(sequenceNumber) <> count(*) - 1"),
+              QStringList());
+    EXPECT_EQ(query("SELECT uid FROM items WHERE uid NOT IN (SELECT item FROM playlists_items)"), QStringList());
+}

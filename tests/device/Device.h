@@ -1,0 +1,52 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <memory>
+
+#include <QJsonArray>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "HttpClient.h"
+
+// One running orvo-host over its own data and music folders, with the default modules. Killed by its destructor.
+class Device {
+public:
+    struct Ctl {
+        int status = -1;
+        QString out;
+        QString err;
+    };
+
+    // Three albums of short WAV files are in the music folder.
+    Device();
+    ~Device();
+
+    bool start();
+    // SIGKILL: nothing in the process gets a chance to tidy up.
+    void kill();
+    void waitForScan();
+
+    // The command's answer; `value` is the JSON text of its value.
+    HttpAnswer command(const QByteArray& path, const QByteArray& value);
+    QJsonObject rows(const QByteArray& path, const QByteArray& roles = "title");
+    QStringList titles(const QByteArray& path);
+    Ctl ctl(const QStringList& arguments);
+
+    QString musicFolder() const { return m_folder.filePath("music"); }
+    QString databaseFile() const {
+        return m_folder.filePath("device/data-rw/playlists/playlists.sqlite");
+    }
+    QString log() const;
+
+    // What every row of a query on the file holds, the columns of a row joined by '|'.
+    QStringList query(const char* sql) const;
+    // Dense numbers, no orphan items, both checks of SQLite.
+    void expectInvariants() const;
+
+private:
+    QTemporaryDir m_folder;
+    QProcess m_process;
+    quint16 m_port = 0;
+    std::unique_ptr<HttpClient> m_client;
+};

@@ -1,0 +1,24 @@
+#include "OneLineLayout.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(OneLineLayoutTest, plainTextStaysAsItIs) {
+    for (const char* text :
+         {"", "scanning /music", "Grüße, 日本 \xf0\x9f\x8e\xb5", "50 % \\n", "\xc2\xa0\xc3\x80"})
+        EXPECT_EQ(OneLineLayout::escaped(text), text);
+}
+
+TEST(OneLineLayoutTest, controlCharactersBecomeEscapes) {
+    EXPECT_EQ(OneLineLayout::escaped("a\nb\tc\rd"), "a\\nb\\tc\\x0dd");
+    EXPECT_EQ(OneLineLayout::escaped("\x1b[31m\x7f"), "\\x1b[31m\\x7f");
+    EXPECT_EQ(OneLineLayout::escaped(std::string("a\0b", 3)), "a\\x00b");
+    // U+009B, an escape sequence's beginning in one character.
+    EXPECT_EQ(OneLineLayout::escaped("\xc2\x9b"
+                                     "31m"),
+              "\\x9b31m");
+    EXPECT_EQ(OneLineLayout::escaped("end\xc2"), "end\xc2");
+}
+
+} // namespace

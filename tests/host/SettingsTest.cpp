@@ -1,0 +1,97 @@
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QThread>
+
+#include "HostProcess.h"
+
+namespace {
+
+class HostSettings : public HostFixture {
+protected:
+    QJsonObject stored() const {
+        QJsonParseError error;
+        const QJsonObject object =
+            QJsonDocument::fromJson(read(data("settings.json")).toUtf8(), &error).object();
+        EXPECT_EQ(error.error, QJsonParseError::NoError) << qPrintable(error.errorString());
+        return object;
+    }
+    // Starts and ends a host.
+    int run(const QStringList& more = {}) {
+        HostProcess host(arguments(more));
+        host.waitUntilReady();
+        return host.endBy(SIGTERM);
+    }
+};
+
+const QString Limit = "settings:playlists/databaseItemsLimit";
+const QString Queue = "settings:playlists/playqueueVisible";
+const QString Collections = "settings:playlists/collectionsVisible";
+
+TEST_F(HostSettings, aFirstStartShowsThePlayQueueAndCollections) {
+    EXPECT_EQ(run(), 0);
+    EXPECT_EQ(stored(), (QJsonObject{{Queue, true}, {Collections, true}}));
+    EXPECT_EQ(probeLog().value(1), "queue visible: yes");
+}
+
+TEST_F(HostSettings, aLaterStartKeepsWhatWasChosen) {
+    EXPECT_EQ(run({"--set", Queue + "=false", "--set", Limit + "=50"}), 0);
+    EXPECT_EQ(run(), 0);
+    EXPECT_EQ(stored(), (QJsonObject{{Queue, false}, {Collections, true}, {Limit, 50}}));
+    EXPECT_EQ(probeLog().filter("queue visible"),
+              (QStringList{"queue visible: no", "queue visible: no"}));
+}
+
+TEST_F(HostSettings, theLastOfTwoValuesCounts) {
+    EXPECT_EQ(run({"--set", Limit + "=1", "--set", Limit + "=2"}), 0);
+    EXPECT_EQ(stored().value(Limit), 2);
+}
+
+TEST_F(HostSettings, aWrongSettingEndsTheStartWithStatusTwo) {
+    struct Case {
+        QString setting;
+        QString message;
+    };
+    const Case cases[] = {
+        {"settings:nothing=1", "there is no setting \"settings:nothing\""},
+        {"nonsense=1", "there is no setting \"nonsense\""},
+        {"powermanager:target=1", "there is no setting \"powermanager:target\""},
+        {Limit + "=many", Limit + "=many: The value of " + Limit + " must be a int."},
+        {Limit + "=99999999999", Limit + "=99999999999: The value of " + Limit + " must be a int."},
+        {Queue + "=", Queue + "=: The value of " + Queue + " must be a bool."},
+    };
+    for (const Case& each : cases) {
+        HostProcess host(arguments({"--set", each.setting}));
+        EXPECT_EQ(host.end(), 2) << qPrintable(each.setting);
+        EXPECT_EQ(host.errors(), "orvo-host: " + each.message + "\n");
+        EXPECT_FALSE(QFile::exists(data("probe.log"))) << "no module is loaded";
+    }
+    EXPECT_FALSE(stored().contains(Limit));
+}
+
+TEST_F(HostSettings, damagedSettingsAreKeptAsideAndTheDeviceStartsAsNew) {
+    EXPECT_EQ(run({"--set", Limit + "=7"}), 0);
+    QFile file(data("settings.json"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("{\"settings:pl");
+    file.close();
+    EXPECT_EQ(run(), 0);
+    EXPECT_EQ(stored(), (QJsonObject{{Queue, true}, {Collections, true}}));
+    EXPECT_EQ(read(data("settings.json.damaged")), "{\"settings:pl");
+}
+
+TEST_F(HostSettings, aHostKilledWhileWritingLeavesWholeSettings) {
+    int last = -1;
+    for (int round = 0; round < 15; ++round) {
+        HostProcess host(arguments(), "write");
+        ASSERT_TRUE(host.waitUntilReady());
+        QThread::msleep(5 + ulong(round));
+        host.endBy(SIGKILL);
+        const QJsonObject settings = stored();
+        EXPECT_EQ(settings.value(Queue), true);
+        last = qMax(last, settings.value(Limit).toInt(-1));
+    }
+    EXPECT_GT(last, 0) << "the probe did write";
+}
+
+} // namespace

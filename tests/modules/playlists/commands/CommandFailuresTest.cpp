@@ -1,0 +1,256 @@
+#include "CommandFixture.h"
+
+namespace {
+
+using Path = CMPath (*)();
+
+// A command whose checks pass and whose change the store refuses.
+struct Failure {
+    const char* what;
+    const char* operation; // what the store may not do, "INSERT playlists"
+    Path path;
+    QVariantHash args;
+    const char* message;
+    const char* error; // the command's own line, the last one
+};
+
+class CommandFailuresTest : public CommandFixture {
+protected:
+    void SetUp() override { makeParty(); }
+
+    // Everything in the file but the numbers, which a failure must not touch.
+    QStringList contents() {
+        return query(
+            "SELECT 'p' || uid || name || shuffle || repeatAll FROM playlists UNION ALL"
+            " SELECT 'e' || playlist || title || sequenceNumber FROM playlists_items JOIN items ON item = uid"
+            " UNION ALL SELECT 'c' || uid || name FROM collections UNION ALL"
+            " SELECT 'm' || collection || playlist FROM collections_playlists ORDER BY 1");
+    }
+};
+
+const QList<Failure>& failures() {
+    static const QVariantList first{0};
+    static const QList<Failure> rows = {
+        {"create",
+         "INSERT playlists",
+         OrvoPlayListPlCreatePath,
+         {{"name", "x"}},
+         "Could not create playlist. Create playlist error.",
+         "Create playlist failed"},
+        {"create collection",
+         "INSERT collections",
+         OrvoPlayListClCreatePath,
+         {{"name", "x"}},
+         "Could not create collection. Create collection error.",
+         "Create collection error"},
+        {"delete collection",
+         "DELETE collections",
+         OrvoPlayListClDeletePath,
+         {{"clid", 1}},
+         "Could not delete collection. Delete collection failed",
+         "Unable to delete collection id: 1"},
+        {"delete",
+         "DELETE playlists",
+         OrvoPlayListPlDeletePath,
+         {{"plid", 1}},
+         "Could not delete playlist. Delete playlist error.",
+         "Delete playlist id: 1 failed"},
+        {"delete, clean-up",
+         "DELETE items",
+         OrvoPlayListPlDeletePath,
+         {{"plid", 1}},
+         "Could not delete playlist. Delete playlist error.",
+         "Delete playlist id: 1 failed"},
+        {"add to collection",
+         "INSERT collections_playlists",
+         OrvoPlayListClAddItemPath,
+         {{"clid", 1}, {"plid", 1}},
+         "Could not add items to collection. Add playlist to collection failed.",
+         "Unable to add playList id: 1 to collection id: 1"},
+        {"remove from collection",
+         "DELETE collections_playlists",
+         OrvoPlayListClRemoveItemPath,
+         {{"clid", 1}, {"plid", 2}},
+         "Could not remove items from collection. Remove playlist from collection failed.",
+         "Unable to remove playList, id: 2 from collection id: 1"},
+        {"clear",
+         "DELETE playlists_items",
+         OrvoPlayListPlClearPath,
+         {{"plid", 1}},
+         "Could not clear playlist. Clear playlist failed.",
+         "Clear playlist id: 1 failed"},
+        {"remove",
+         "DELETE playlists_items",
+         OrvoPlayListPlRemoveItemsPath,
+         {{"plid", 1}, {"items", first}},
+         "Could not remove items from playlist. Remove items failed",
+         "Remove items from playlist id: 1 failed"},
+        {"remove, clean-up",
+         "DELETE items",
+         OrvoPlayListPlRemoveItemsPath,
+         {{"plid", 1}, {"items", first}},
+         "Could not remove items from playlist. Remove items failed",
+         "Remove items from playlist id: 1 failed"},
+        {"remove, renumbering",
+         "UPDATE playlists_items",
+         OrvoPlayListPlRemoveItemsPath,
+         {{"plid", 1}, {"items", first}},
+         "Could not remove items from playlist. Remove items failed",
+         "Remove items from playlist id: 1 failed"},
+        {"move",
+         "UPDATE playlists_items",
+         OrvoPlayListPlMoveItemspath,
+         {{"plid", 1}, {"to", 2}, {"items", first}},
+         "Could not move items in playlist. Move items failed",
+         "Unable to move items (0,) to seqnum 2 in playlist id: 1"},
+        {"add",
+         "INSERT items",
+         OrvoPlayListPlAddExternalItemsPath,
+         {{"plid", 1}},
+         "Could not add external items to playlist. No items were added.",
+         "No items were added to playlist id: 1"},
+        {"add, entry",
+         "INSERT playlists_items",
+         OrvoPlayListPlAddExternalItemsPath,
+         {{"plid", 1}},
+         "Could not add external items to playlist. No items were added.",
+         "No items were added to playlist id: 1"},
+        {"add paths",
+         "INSERT items",
+         OrvoPlayListPlAddItemsPath,
+         {{"plid", 2}, {"fromPlid", 1}},
+         "Could not add items to playlist. No items were added.",
+         "Error adding items to list"},
+    };
+    return rows;
+}
+
+QVariantHash completed(const Failure& row, const QVariantList& items) {
+    QVariantHash args = row.args;
+    if (row.path == OrvoPlayListPlAddExternalItemsPath)
+        args.insert("items", items);
+    return args;
+}
+
+TEST_F(CommandFailuresTest, whatTheStoreRefusesIsAnsweredLoggedAndUndone) {
+    const QStringList before = contents();
+    for (const Failure& row : failures()) {
+        const QStringList words = QString(row.operation).split(' ');
+        forbid(words.at(0), words.at(1));
+        {
+            const LogCapture log("PlayLists");
+            EXPECT_EQ(QString(row.message), refusal(row.path(), completed(row, itemHashes({"d"}))))
+                << row.what;
+            EXPECT_EQ(QString(row.error), log.errors().value(log.errors().size() - 1)) << row.what;
+            EXPECT_EQ(QStringList(), log.texts("INFO")) << row.what;
+        }
+        allowAll();
+        EXPECT_EQ(before, contents()) << row.what;
+        expectSoundStore();
+    }
+}
+
+TEST_F(CommandFailuresTest, everyCommandWorksAgainAfterItFailed) {
+    addItems(1, {"e", "f", "g", "h"});
+    for (const Failure& row : failures()) {
+        const QStringList words = QString(row.operation).split(' ');
+        const bool deletes =
+            row.path == OrvoPlayListPlDeletePath || row.path == OrvoPlayListClDeletePath ||
+            row.path == OrvoPlayListPlClearPath || row.path == OrvoPlayListPlAddItemsPath;
+        if (deletes)
+            continue; // would take away what later rows need
+        forbid(words.at(0), words.at(1));
+        refusal(row.path(), completed(row, itemHashes({"d"})));
+        allowAll();
+        expectDone(row.path(), completed(row, itemHashes({"d"})));
+        expectSoundStore();
+    }
+}
+
+TEST_F(CommandFailuresTest, aFileThatSomebodyElseHoldsFailsEveryChange) {
+    const QStringList before = contents();
+    run("BEGIN EXCLUSIVE;");
+    for (const Failure& row : failures()) {
+        if (row.path == OrvoPlayListPlAddItemsPath)
+            continue; // has to read first, see the next test
+        EXPECT_EQ(QString(row.message), refusal(row.path(), completed(row, itemHashes({"d"}))))
+            << row.what;
+    }
+    run("ROLLBACK;");
+    EXPECT_EQ(before, contents());
+    // Memory has not run ahead of the file.
+    expectDone(OrvoPlayListPlMoveItemspath(),
+               QVariantHash{{"plid", 1}, {"to", 0}, {"items", QVariantList{2}}});
+    EXPECT_EQ(QString("c a b"), stored(1));
+    addItems(1, {"d"});
+    EXPECT_EQ(QString("c a b d"), stored(1));
+    expectSoundStore();
+}
+
+TEST_F(CommandFailuresTest, aSourcePlaylistThatCannotBeReadHasNothingToAdd) {
+    run("BEGIN EXCLUSIVE;");
+    EXPECT_EQ(QString("Could not add items to playlist. Please select one or more items to add."),
+              refusal(OrvoPlayListPlAddItemsPath(), QVariantHash{{"plid", 2}, {"fromPlid", 1}}));
+    run("ROLLBACK;");
+    EXPECT_EQ(QString("a b c"), stored(1));
+    EXPECT_EQ(QString(), stored(2));
+}
+
+TEST_F(CommandFailuresTest, aFirstItemThatCannotBeReadIsNotPlayed) {
+    FakeModules others;
+    run("ALTER TABLE items RENAME TO elsewhere;");
+    const LogCapture log("PlayLists");
+    EXPECT_EQ(QString("Could not start playback on playlist. Cannot get first item"),
+              refusal(OrvoPlayListPlPlayPath(), QVariantHash{{"plid", 1}}));
+    EXPECT_TRUE(others.player.requests.isEmpty());
+    run("ALTER TABLE elsewhere RENAME TO items;");
+    expectDone(OrvoPlayListPlPlayPath(), QVariantHash{{"plid", 1}});
+    EXPECT_EQ(1, others.player.requests.size());
+}
+
+TEST_F(CommandFailuresTest, aNewItemThatCannotBeReadIsNotStarted) {
+    FakeModules others;
+    offer(others.files, "files:d", "d");
+    // What is added is taken away at once, behind the store's back.
+    run("CREATE TRIGGER vanish AFTER INSERT ON playlists_items BEGIN"
+        " DELETE FROM playlists_items WHERE item = NEW.item; END;");
+    {
+        const LogCapture log("PlayLists");
+        EXPECT_EQ(QString("Could not add external items to playlist. Cannot get last item."),
+                  refusal(OrvoPlayListPlAddExternalItemsPath(),
+                          QVariantHash{{"plid", 1}, {"items", itemHashes({"d"})}, {"mode", 0}}));
+        EXPECT_EQ(QStringList("Cannot get last item for playlist id: 1"), log.errors());
+        EXPECT_EQ(QStringList(), log.texts("INFO"));
+    }
+    EXPECT_EQ(
+        QString("Could not add items to playlist. Cannot get last sequence number. 1 items added."),
+        refusal(OrvoPlayListPlAddItemsPath(),
+                QVariantHash{{"plid", 1}, {"items", QVariantList{"files:d"}}, {"mode", 0}}));
+    EXPECT_EQ(1, others.files.requests.size());
+    EXPECT_TRUE(others.player.requests.isEmpty());
+}
+
+TEST_F(CommandFailuresTest, membershipIsRefusedTwiceAndRemovedOnce) {
+    EXPECT_EQ(QString("Could not add items to collection. Add playlist to collection failed."),
+              refusal(OrvoPlayListClAddItemPath(), QVariantHash{{"clid", 1}, {"plid", 2}}));
+    expectDone(OrvoPlayListClRemoveItemPath(), QVariantHash{{"clid", 1}, {"plid", 2}});
+    EXPECT_EQ(
+        QString("Could not remove items from collection. Remove playlist from collection failed."),
+        refusal(OrvoPlayListClRemoveItemPath(), QVariantHash{{"clid", 1}, {"plid", 2}}));
+    // The queue is a playlist like any other here.
+    expectDone(OrvoPlayListClAddItemPath(), QVariantHash{{"clid", 1}, {"plid", 0}});
+    EXPECT_EQ(QStringList("1/0"),
+              query("SELECT collection || '/' || playlist FROM collections_playlists"));
+    expectSoundStore();
+}
+
+TEST_F(CommandFailuresTest, aPlaylistThatCouldNotBeDeletedIsStillThere) {
+    forbid("DELETE", "playlists");
+    refusal(OrvoPlayListPlDeletePath(), QVariantHash{{"plid", 1}});
+    EXPECT_EQ(QStringList({"a", "b", "c"}), titles(1));
+    allowAll();
+    expectDone(OrvoPlayListPlDeletePath(), QVariantHash{{"plid", 1}});
+    EXPECT_EQ(QStringList("0"), query("SELECT count(*) FROM items"));
+}
+
+} // namespace

@@ -1,0 +1,294 @@
+#include "CommandFixture.h"
+
+namespace {
+
+using Path = CMPath (*)();
+
+// One request that fails several checks at once: the first of them is what the caller hears of.
+struct Row {
+    Path path;
+    const char* fails; // the checks, by their place in the command's order
+    QVariantHash args;
+    const char* message;
+};
+
+const QVariantList none;
+const QVariantList first{0};
+const QVariantList beyond{9};
+
+class CommandOrderTest : public CommandFixture {
+protected:
+    void SetUp() override { makeParty(); }
+
+    void expectMessages(const QList<Row>& rows) {
+        for (const Row& row : rows) {
+            EXPECT_EQ(QString(row.message), refusal(row.path(), row.args))
+                << qPrintable(row.path().toString()) << " fails " << row.fails;
+        }
+        EXPECT_EQ(QString("a b c"), stored(1));
+        expectSoundStore();
+    }
+};
+
+TEST_F(CommandOrderTest, renaming) {
+    // 1 id, 2 queue, 3 name, 4 playlist
+    expectMessages({
+        {OrvoPlayListPlSetNamePath,
+         "1 3 4",
+         {{"plid", -1}, {"name", ""}},
+         "Could not set playlist name. Cannot find playlist with invalid ID."},
+        {OrvoPlayListPlSetNamePath,
+         "1 4",
+         {{"plid", -1}, {"name", "x"}},
+         "Could not set playlist name. Cannot find playlist with invalid ID."},
+        {OrvoPlayListPlSetNamePath,
+         "2 3",
+         {{"plid", 0}, {"name", ""}},
+         "Could not set playlist name. Cannot rename PlayQueue."},
+        {OrvoPlayListPlSetNamePath,
+         "3 4",
+         {{"plid", 77}, {"name", ""}},
+         "Could not set playlist name. Please provide a non-empty string as field. (name)"},
+    });
+}
+
+TEST_F(CommandOrderTest, settingModes) {
+    // 1 id, 2 mode, 3 playlist
+    expectMessages({
+        {OrvoPlayListPlSetShufflePath,
+         "1 2 3",
+         {{"plid", -1}, {"mode", 2}},
+         "Could not set shuffle mode on playlist. Cannot find playlist with invalid ID."},
+        {OrvoPlayListPlSetShufflePath,
+         "1 3",
+         {{"plid", -1}, {"mode", 1}},
+         "Could not set shuffle mode on playlist. Cannot find playlist with invalid ID."},
+        {OrvoPlayListPlSetShufflePath,
+         "2 3",
+         {{"plid", 77}, {"mode", 2}},
+         "Could not set shuffle mode on playlist. Invalid shuffle mode. (shuffle-mode)"},
+        {OrvoPlayListPlSetRepeatPath,
+         "1 2 3",
+         {{"plid", -1}, {"mode", 4}},
+         "Could not set repeat mode on playlist. Cannot find playlist with invalid ID."},
+        {OrvoPlayListPlSetRepeatPath,
+         "1 3",
+         {{"plid", -1}, {"mode", 1}},
+         "Could not set repeat mode on playlist. Cannot find playlist with invalid ID."},
+        {OrvoPlayListPlSetRepeatPath,
+         "2 3",
+         {{"plid", 77}, {"mode", 4}},
+         "Could not set repeat mode on playlist. Invalid repeat mode. (repeat-mode)"},
+    });
+}
+
+TEST_F(CommandOrderTest, deleting) {
+    forbid("DELETE", "playlists");
+    forbid("DELETE", "collections");
+    // 1 id, 2 queue, 3 playlist, 4 store
+    expectMessages({
+        {OrvoPlayListPlDeletePath,
+         "1 3",
+         {{"plid", -1}},
+         "Could not delete playlist. Cannot find playlist with invalid ID."},
+        {OrvoPlayListPlDeletePath,
+         "2 4",
+         {{"plid", 0}},
+         "Could not delete playlist. Cannot delete PlayQueue."},
+        {OrvoPlayListPlDeletePath,
+         "3 4",
+         {{"plid", 77}},
+         "Could not delete playlist. There is no playlist with this ID. (77)"},
+        {OrvoPlayListClDeletePath,
+         "1 2",
+         {{"clid", 9}},
+         "Could not delete collection. There is no collection with this ID. (9)"},
+    });
+}
+
+TEST_F(CommandOrderTest, creating) {
+    forbid("INSERT", "playlists");
+    forbid("INSERT", "collections");
+    // 1 name, 2 store
+    expectMessages({
+        {OrvoPlayListPlCreatePath,
+         "1 2",
+         {{"name", ""}},
+         "Could not create playlist. Please provide a non-empty string as field. (name)"},
+        {OrvoPlayListClCreatePath,
+         "1 2",
+         {{"name", ""}},
+         "Could not create collection. Please provide a non-empty string as field. (name)"},
+    });
+}
+
+TEST_F(CommandOrderTest, collectionMembers) {
+    forbid("INSERT", "collections_playlists");
+    forbid("DELETE", "collections_playlists");
+    // 1 id, 2 collection, 3 playlist, 4 store
+    const QList<QPair<Path, QByteArray>> commands = {
+        {OrvoPlayListClAddItemPath, "Could not add items to collection."},
+        {OrvoPlayListClRemoveItemPath, "Could not remove items from collection."}};
+    for (const auto& [path, prefix] : commands) {
+        const QByteArray invalid = prefix + " Cannot find playlist with invalid ID.";
+        const QByteArray noCollection = prefix + " There is no collection with this ID. (9)";
+        const QByteArray noPlayList = prefix + " There is no playlist with this ID. (77)";
+        expectMessages({
+            {path, "1 2 3 4", {{"plid", -1}, {"clid", 9}}, invalid},
+            {path, "1 3 4", {{"plid", -1}, {"clid", 1}}, invalid},
+            {path, "2 3 4", {{"plid", 77}, {"clid", 9}}, noCollection},
+            {path, "2 4", {{"plid", 2}, {"clid", 9}}, noCollection},
+            {path, "3 4", {{"plid", 77}, {"clid", 1}}, noPlayList},
+        });
+    }
+}
+
+TEST_F(CommandOrderTest, clearing) {
+    forbid("DELETE", "playlists_items");
+    // 1 id, 2 playlist, 3 store
+    expectMessages({
+        {OrvoPlayListPlClearPath,
+         "1 2 3",
+         {{"plid", -1}},
+         "Could not clear playlist. Cannot find playlist with invalid ID."},
+        {OrvoPlayListPlClearPath,
+         "2 3",
+         {{"plid", 77}},
+         "Could not clear playlist. There is no playlist with this ID. (77)"},
+    });
+}
+
+TEST_F(CommandOrderTest, removing) {
+    // 1 id, 2 items, 3 playlist, 4 store
+    expectMessages({
+        {OrvoPlayListPlRemoveItemsPath,
+         "1 2 3",
+         {{"plid", -1}, {"items", none}},
+         "Could not remove items from playlist. Cannot find playlist with invalid ID."},
+        {OrvoPlayListPlRemoveItemsPath,
+         "1 3 4",
+         {{"plid", -1}, {"items", beyond}},
+         "Could not remove items from playlist. Cannot find playlist with invalid ID."},
+        {OrvoPlayListPlRemoveItemsPath,
+         "2 3",
+         {{"plid", 77}, {"items", none}},
+         "Could not remove items from playlist. Please select one or more items to remove."},
+        {OrvoPlayListPlRemoveItemsPath,
+         "3 4",
+         {{"plid", 77}, {"items", beyond}},
+         "Could not remove items from playlist. There is no playlist with this ID. (77)"},
+    });
+}
+
+TEST_F(CommandOrderTest, moving) {
+    const char* const invalid =
+        "Could not move items in playlist. Cannot find playlist with invalid ID.";
+    const char* const nothing =
+        "Could not move items in playlist. Please select one or more items to move.";
+    const char* const negative =
+        "Could not move items in playlist. Cannot move items to negative position.";
+    const char* const unknown =
+        "Could not move items in playlist. There is no playlist with this ID. (77)";
+    const char* const range =
+        "Could not move items in playlist. Cannot move items, sequence number is not in valid range.";
+    // 1 id, 2 items, 3 negative target, 4 playlist, 5 target beyond, 6 store
+    expectMessages({
+        {OrvoPlayListPlMoveItemspath,
+         "1 2 3 4",
+         {{"plid", -1}, {"to", -1}, {"items", none}},
+         invalid},
+        {OrvoPlayListPlMoveItemspath, "1 2 4", {{"plid", -1}, {"to", 0}, {"items", none}}, invalid},
+        {OrvoPlayListPlMoveItemspath,
+         "1 3 4",
+         {{"plid", -1}, {"to", -1}, {"items", first}},
+         invalid},
+        {OrvoPlayListPlMoveItemspath,
+         "1 4 5",
+         {{"plid", -1}, {"to", 3}, {"items", first}},
+         invalid},
+        {OrvoPlayListPlMoveItemspath,
+         "1 4 6",
+         {{"plid", -1}, {"to", 0}, {"items", beyond}},
+         invalid},
+        {OrvoPlayListPlMoveItemspath, "2 3", {{"plid", 1}, {"to", -1}, {"items", none}}, nothing},
+        {OrvoPlayListPlMoveItemspath, "2 4", {{"plid", 77}, {"to", 0}, {"items", none}}, nothing},
+        {OrvoPlayListPlMoveItemspath, "2 5", {{"plid", 1}, {"to", 3}, {"items", none}}, nothing},
+        {OrvoPlayListPlMoveItemspath,
+         "3 4",
+         {{"plid", 77}, {"to", -1}, {"items", first}},
+         negative},
+        {OrvoPlayListPlMoveItemspath,
+         "3 6",
+         {{"plid", 1}, {"to", -1}, {"items", beyond}},
+         negative},
+        {OrvoPlayListPlMoveItemspath, "4 5", {{"plid", 77}, {"to", 3}, {"items", first}}, unknown},
+        {OrvoPlayListPlMoveItemspath, "4 6", {{"plid", 77}, {"to", 0}, {"items", beyond}}, unknown},
+        {OrvoPlayListPlMoveItemspath, "5 6", {{"plid", 1}, {"to", 3}, {"items", beyond}}, range},
+        {OrvoPlayListPlMoveItemspath,
+         "5 on an empty one",
+         {{"plid", 2}, {"to", 0}, {"items", first}},
+         range},
+    });
+}
+
+TEST_F(CommandOrderTest, playing) {
+    // 1 id, 2 playlist, 3 size, 4 first item
+    run("ALTER TABLE items RENAME TO elsewhere;");
+    EXPECT_EQ(
+        QString("Could not start playback on playlist. Cannot find playlist with invalid ID."),
+        refusal(OrvoPlayListPlPlayPath(), QVariantHash{{"plid", -1}}));
+    EXPECT_EQ(
+        QString("Could not start playback on playlist. There is no playlist with this ID. (77)"),
+        refusal(OrvoPlayListPlPlayPath(), QVariantHash{{"plid", 77}}));
+    EXPECT_EQ(QString("Could not start playback on playlist. There are no items in the playlist."),
+              refusal(OrvoPlayListPlPlayPath(), QVariantHash{{"plid", 2}}));
+    run("ALTER TABLE elsewhere RENAME TO items;");
+}
+
+TEST_F(CommandOrderTest, addingCompleteItems) {
+    OrvoRoles untitled;
+    untitled.setType(OrvoRolesType::Audio);
+    const QVariantList bad{itemWithRoles(untitled).toHash()};
+    // 1 id, 2 items, 3 playlist, 4 item
+    expectMessages({
+        {OrvoPlayListPlAddExternalItemsPath,
+         "1 2 3",
+         {{"plid", -1}, {"items", none}},
+         "Could not add external items to playlist. Cannot find playlist with invalid ID."},
+        {OrvoPlayListPlAddExternalItemsPath,
+         "1 3 4",
+         {{"plid", -1}, {"items", bad}},
+         "Could not add external items to playlist. Cannot find playlist with invalid ID."},
+        {OrvoPlayListPlAddExternalItemsPath,
+         "2 3",
+         {{"plid", 77}, {"items", none}},
+         "Could not add external items to playlist. Please select one or more items to add."},
+        {OrvoPlayListPlAddExternalItemsPath,
+         "3 4",
+         {{"plid", 77}, {"items", bad}},
+         "Could not add external items to playlist. There is no playlist with this ID. (77)"},
+    });
+}
+
+TEST_F(CommandOrderTest, addingPaths) {
+    FakeModules others;
+    // 1 id, 2 items, 3 playlist
+    expectMessages({
+        {OrvoPlayListPlAddItemsPath,
+         "1 2 3",
+         {{"plid", -1}, {"fromPlid", 2}},
+         "Could not add items to playlist. Cannot find playlist with invalid ID."},
+        {OrvoPlayListPlAddItemsPath,
+         "2 3",
+         {{"plid", 77}, {"fromPlid", 2}},
+         "Could not add items to playlist. Please select one or more items to add."},
+        // Here the items are gathered first: the target may come and go meanwhile.
+        {OrvoPlayListPlAddItemsPath,
+         "3 and nothing gathered",
+         {{"plid", 77}, {"items", QVariantList{"files:x"}}},
+         "Could not add items to playlist. No items were added. (There is no playlist with this ID. (77))"},
+    });
+    EXPECT_EQ(1, others.files.requests.size());
+}
+
+} // namespace

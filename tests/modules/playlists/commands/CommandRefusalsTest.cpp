@@ -1,0 +1,301 @@
+#include "CommandFixture.h"
+
+namespace {
+
+using Path = CMPath (*)();
+
+// A command that is refused by a check: the caller's text, whole, and every error line in order.
+struct Refusal {
+    const char* what;
+    Path path;
+    QVariantHash args;
+    const char* message;
+    QStringList errors;
+};
+
+class CommandRefusalsTest : public CommandFixture {
+protected:
+    void SetUp() override { makeParty(); }
+};
+
+const QStringList invalidIdAnd(const QString& line) {
+    return {"Cannot find playlist with invalid ID : -1", line};
+}
+const QStringList unknown77And(const QString& line) {
+    return {"There is no playlist with ID : 77", line};
+}
+const QStringList unknown77 = unknown77And("Playlist id: 77 doesn't exist");
+
+TEST_F(CommandRefusalsTest, refusalsAreAnsweredAndLogged) {
+    const QVariantList first{0};
+    const QVariantList item = itemHashes({"d"});
+    const QList<Refusal> rows = {
+        {"create",
+         OrvoPlayListPlCreatePath,
+         {{"name", ""}},
+         "Could not create playlist. Please provide a non-empty string as field. (name)",
+         {"Cannot create playlist with empty name"}},
+        {"create without name",
+         OrvoPlayListPlCreatePath,
+         {},
+         "Could not create playlist. Please provide a non-empty string as field. (name)",
+         {"Cannot create playlist with empty name"}},
+        {"create collection",
+         OrvoPlayListClCreatePath,
+         {{"name", ""}},
+         "Could not create collection. Please provide a non-empty string as field. (name)",
+         {"Cannot create collection with empty name"}},
+        {"delete unknown collection",
+         OrvoPlayListClDeletePath,
+         {{"clid", 7}},
+         "Could not delete collection. There is no collection with this ID. (7)",
+         {"Unable to find collection id: 7"}},
+        {"delete no collection",
+         OrvoPlayListClDeletePath,
+         {{"clid", -1}},
+         "Could not delete collection. There is no collection with this ID. (-1)",
+         {"Unable to find collection id: -1"}},
+
+        {"rename -1",
+         OrvoPlayListPlSetNamePath,
+         {{"plid", -1}, {"name", "x"}},
+         "Could not set playlist name. Cannot find playlist with invalid ID.",
+         invalidIdAnd("Cannot rename playlist id: -1")},
+        {"rename queue",
+         OrvoPlayListPlSetNamePath,
+         {{"plid", 0}, {"name", "x"}},
+         "Could not set playlist name. Cannot rename PlayQueue.",
+         {"Cannot rename playqueue"}},
+        {"rename to nothing",
+         OrvoPlayListPlSetNamePath,
+         {{"plid", 1}, {"name", ""}},
+         "Could not set playlist name. Please provide a non-empty string as field. (name)",
+         {"Cannot rename playlist id:1 to empty string"}},
+        {"rename unknown",
+         OrvoPlayListPlSetNamePath,
+         {{"plid", 77}, {"name", "x"}},
+         "Could not set playlist name. There is no playlist with this ID. (77)",
+         unknown77},
+
+        {"shuffle -1",
+         OrvoPlayListPlSetShufflePath,
+         {{"plid", -1}, {"mode", 1}},
+         "Could not set shuffle mode on playlist. Cannot find playlist with invalid ID.",
+         invalidIdAnd("Cannot set shuffle for invalid playlist id: -1")},
+        {"shuffle mode 2",
+         OrvoPlayListPlSetShufflePath,
+         {{"plid", 1}, {"mode", 2}},
+         "Could not set shuffle mode on playlist. Invalid shuffle mode. (shuffle-mode)",
+         {"Cannot set shuffle mode: 2"}},
+        {"shuffle unknown",
+         OrvoPlayListPlSetShufflePath,
+         {{"plid", 77}, {"mode", 1}},
+         "Could not set shuffle mode on playlist. There is no playlist with this ID. (77)",
+         unknown77},
+
+        {"repeat -1",
+         OrvoPlayListPlSetRepeatPath,
+         {{"plid", -1}, {"mode", 1}},
+         "Could not set repeat mode on playlist. Cannot find playlist with invalid ID.",
+         invalidIdAnd("Cannot set repeat for invalid playlist id: -1")},
+        {"repeat mode 4",
+         OrvoPlayListPlSetRepeatPath,
+         {{"plid", 1}, {"mode", 4}},
+         "Could not set repeat mode on playlist. Invalid repeat mode. (repeat-mode)",
+         {"Cannot set repeat mode: 4"}},
+        {"repeat unknown",
+         OrvoPlayListPlSetRepeatPath,
+         {{"plid", 77}, {"mode", 1}},
+         "Could not set repeat mode on playlist. There is no playlist with this ID. (77)",
+         unknown77},
+
+        {"delete -1",
+         OrvoPlayListPlDeletePath,
+         {{"plid", -1}},
+         "Could not delete playlist. Cannot find playlist with invalid ID.",
+         invalidIdAnd("Cannot delete invalid playlist id: -1")},
+        {"delete queue",
+         OrvoPlayListPlDeletePath,
+         {{"plid", 0}},
+         "Could not delete playlist. Cannot delete PlayQueue.",
+         {"Cannot delete playqueue"}},
+        {"delete unknown",
+         OrvoPlayListPlDeletePath,
+         {{"plid", 77}},
+         "Could not delete playlist. There is no playlist with this ID. (77)",
+         unknown77},
+
+        {"add -1 to collection",
+         OrvoPlayListClAddItemPath,
+         {{"clid", 1}, {"plid", -1}},
+         "Could not add items to collection. Cannot find playlist with invalid ID.",
+         {"Cannot find playlist with invalid ID : -1"}},
+        {"add to unknown collection",
+         OrvoPlayListClAddItemPath,
+         {{"clid", 9}, {"plid", 1}},
+         "Could not add items to collection. There is no collection with this ID. (9)",
+         {"Collection id: 9doesn't exist"}},
+        {"add unknown to collection",
+         OrvoPlayListClAddItemPath,
+         {{"clid", 1}, {"plid", 77}},
+         "Could not add items to collection. There is no playlist with this ID. (77)",
+         unknown77And("Unable to add playList to collection, playlist id: 77 doesn't exist")},
+
+        {"remove -1 from collection",
+         OrvoPlayListClRemoveItemPath,
+         {{"clid", 1}, {"plid", -1}},
+         "Could not remove items from collection. Cannot find playlist with invalid ID.",
+         {"Cannot find playlist with invalid ID : -1"}},
+        {"remove from unknown collection",
+         OrvoPlayListClRemoveItemPath,
+         {{"clid", 9}, {"plid", 1}},
+         "Could not remove items from collection. There is no collection with this ID. (9)",
+         {"Collection id: 9doesn't exist"}},
+        {"remove unknown from collection",
+         OrvoPlayListClRemoveItemPath,
+         {{"clid", 1}, {"plid", 77}},
+         "Could not remove items from collection. There is no playlist with this ID. (77)",
+         unknown77And("Unable to remove playList from collection, playlist id: 77 doesn't exist")},
+
+        {"clear -1",
+         OrvoPlayListPlClearPath,
+         {{"plid", -1}},
+         "Could not clear playlist. Cannot find playlist with invalid ID.",
+         invalidIdAnd("Cannot clear items from invalid playlist id: -1")},
+        {"clear unknown",
+         OrvoPlayListPlClearPath,
+         {{"plid", 77}},
+         "Could not clear playlist. There is no playlist with this ID. (77)",
+         unknown77},
+
+        {"remove from -1",
+         OrvoPlayListPlRemoveItemsPath,
+         {{"plid", -1}, {"items", first}},
+         "Could not remove items from playlist. Cannot find playlist with invalid ID.",
+         invalidIdAnd("Cannot delete items from invalid playlist id: -1")},
+        {"remove nothing",
+         OrvoPlayListPlRemoveItemsPath,
+         {{"plid", 1}, {"items", QVariantList()}},
+         "Could not remove items from playlist. Please select one or more items to remove.",
+         {"Cannot delete zero items from playlist id: 1"}},
+        {"remove from unknown",
+         OrvoPlayListPlRemoveItemsPath,
+         {{"plid", 77}, {"items", first}},
+         "Could not remove items from playlist. There is no playlist with this ID. (77)",
+         unknown77},
+
+        {"move in -1",
+         OrvoPlayListPlMoveItemspath,
+         {{"plid", -1}, {"to", 0}, {"items", first}},
+         "Could not move items in playlist. Cannot find playlist with invalid ID.",
+         invalidIdAnd("Cannot move items in invalid playlist id: -1")},
+        {"move nothing",
+         OrvoPlayListPlMoveItemspath,
+         {{"plid", 1}, {"to", 0}, {"items", QVariantList()}},
+         "Could not move items in playlist. Please select one or more items to move.",
+         {"Please select one or more items to move in playlist id: 1"}},
+        {"move before the start",
+         OrvoPlayListPlMoveItemspath,
+         {{"plid", 1}, {"to", -1}, {"items", first}},
+         "Could not move items in playlist. Cannot move items to negative position.",
+         {"Cannot move items to negative position in playlist id: 1"}},
+        {"move in unknown",
+         OrvoPlayListPlMoveItemspath,
+         {{"plid", 77}, {"to", 0}, {"items", first}},
+         "Could not move items in playlist. There is no playlist with this ID. (77)",
+         unknown77},
+        {"move to the size",
+         OrvoPlayListPlMoveItemspath,
+         {{"plid", 1}, {"to", 3}, {"items", first}},
+         "Could not move items in playlist. Cannot move items, sequence number is not in valid range.",
+         {"Cannot move items, sequence number is not in valid range"}},
+        {"move what is not there",
+         OrvoPlayListPlMoveItemspath,
+         {{"plid", 1}, {"to", 0}, {"items", QVariantList{1, 3}}},
+         "Could not move items in playlist. Move items failed",
+         {"Unable to move items (1,3,) to seqnum 0 in playlist id: 1"}},
+
+        {"play -1",
+         OrvoPlayListPlPlayPath,
+         {{"plid", -1}},
+         "Could not start playback on playlist. Cannot find playlist with invalid ID.",
+         invalidIdAnd("Cannot play invalid playlist id: -1")},
+        {"play unknown",
+         OrvoPlayListPlPlayPath,
+         {{"plid", 77}},
+         "Could not start playback on playlist. There is no playlist with this ID. (77)",
+         unknown77},
+        {"play an empty one",
+         OrvoPlayListPlPlayPath,
+         {{"plid", 2}},
+         "Could not start playback on playlist. There are no items in the playlist.",
+         {}},
+        {"play the empty queue",
+         OrvoPlayListPlPlayPath,
+         {{"plid", 0}},
+         "Could not start playback on playlist. There are no items in the playlist.",
+         {}},
+
+        {"add to -1",
+         OrvoPlayListPlAddExternalItemsPath,
+         {{"plid", -1}, {"items", item}},
+         "Could not add external items to playlist. Cannot find playlist with invalid ID.",
+         invalidIdAnd("Cannot add items to invalid playlist id: -1")},
+        {"add nothing",
+         OrvoPlayListPlAddExternalItemsPath,
+         {{"plid", 1}, {"items", QVariantList()}},
+         "Could not add external items to playlist. Please select one or more items to add.",
+         {"Cannot add zero items to playlist id: 1"}},
+        {"add to unknown",
+         OrvoPlayListPlAddExternalItemsPath,
+         {{"plid", 77}, {"items", item}},
+         "Could not add external items to playlist. There is no playlist with this ID. (77)",
+         unknown77},
+        {"add at no position",
+         OrvoPlayListPlAddExternalItemsPath,
+         {{"plid", 1}, {"items", item}, {"mode", 3}},
+         "Could not add external items to playlist. No items were added.",
+         {"Error adding items to list", "No items were added to playlist id: 1"}},
+
+        {"add paths to -1",
+         OrvoPlayListPlAddItemsPath,
+         {{"plid", -1}, {"items", QVariantList{"files:a"}}},
+         "Could not add items to playlist. Cannot find playlist with invalid ID.",
+         {"Cannot find playlist with invalid ID : -1"}},
+        {"add an empty playlist",
+         OrvoPlayListPlAddItemsPath,
+         {{"plid", 1}, {"fromPlid", 2}},
+         "Could not add items to playlist. Please select one or more items to add.",
+         {"There isn't any items to add to playlist id: 1"}},
+        {"add an unknown playlist",
+         OrvoPlayListPlAddItemsPath,
+         {{"plid", 1}, {"fromPlid", 77}},
+         "Could not add items to playlist. Please select one or more items to add.",
+         unknown77And("There isn't any items to add to playlist id: 1")},
+        {"add no playlist",
+         OrvoPlayListPlAddItemsPath,
+         {{"plid", 1}},
+         "Could not add items to playlist. Please select one or more items to add.",
+         {"There is no playlist with ID : -1", "There isn't any items to add to playlist id: 1"}},
+        {"add a playlist to an unknown one",
+         OrvoPlayListPlAddItemsPath,
+         {{"plid", 77}, {"fromPlid", 1}},
+         "Could not add items to playlist. No items were added. (There is no playlist with this ID. (77))",
+         {"Cannot find playlist with plid: 77"}},
+    };
+    for (const Refusal& row : rows) {
+        const LogCapture log("PlayLists");
+        EXPECT_EQ(QString(row.message), refusal(row.path(), row.args)) << row.what;
+        EXPECT_EQ(row.errors, log.errors()) << row.what;
+        EXPECT_EQ(QStringList(), log.texts("INFO")) << row.what;
+    }
+    EXPECT_EQ(QString("a b c"), stored(1));
+    EXPECT_EQ(QStringList({"PlayQueue", "Party", "Quiet"}),
+              query("SELECT name FROM playlists ORDER BY uid"));
+    EXPECT_EQ(QStringList("Box"), query("SELECT name FROM collections"));
+    EXPECT_EQ(QStringList("1/2"),
+              query("SELECT collection || '/' || playlist FROM collections_playlists"));
+    expectSoundStore();
+}
+
+} // namespace

@@ -1,0 +1,168 @@
+#include "PropertyModel.h"
+
+#include <algorithm>
+
+namespace {
+template <typename Map>
+int nextId(const Map& map) {
+    return map.isEmpty() ? 1 : std::max(map.lastKey(), 0) + 1;
+}
+} // namespace
+
+int PropertyModel::itemCount() const {
+    int count = 0;
+    for (const PlayList& pl : playLists)
+        count += pl.titles.size();
+    return count;
+}
+
+std::optional<int> PropertyModel::createPlayList(const QString& name) {
+    if (name.isEmpty())
+        return std::nullopt;
+    const int id = nextId(playLists);
+    playLists[id].name = name;
+    return id;
+}
+
+std::optional<int> PropertyModel::createCollection(const QString& name) {
+    if (name.isEmpty())
+        return std::nullopt;
+    const int id = nextId(collections);
+    collections[id].name = name;
+    return id;
+}
+
+bool PropertyModel::renamePlayList(int plid, const QString& name) {
+    if (plid == 0 || name.isEmpty() || !playLists.contains(plid))
+        return false;
+    playLists[plid].name = name;
+    return true;
+}
+
+bool PropertyModel::setShuffle(int plid, int mode) {
+    if (mode > 1 || !playLists.contains(plid))
+        return false;
+    playLists[plid].shuffle = mode == 1;
+    return true;
+}
+
+bool PropertyModel::setRepeat(int plid, int mode) {
+    if (mode > 3 || !playLists.contains(plid))
+        return false;
+    playLists[plid].repeatAll = mode == 2;
+    return true;
+}
+
+bool PropertyModel::deletePlayList(int plid) {
+    if (plid == 0 || playLists.remove(plid) == 0)
+        return false;
+    for (Collection& cl : collections)
+        cl.members.remove(plid);
+    return true;
+}
+
+bool PropertyModel::deleteCollection(int clid) {
+    return collections.remove(clid) > 0;
+}
+
+bool PropertyModel::addMember(int clid, int plid) {
+    if (!collections.contains(clid) || !playLists.contains(plid) ||
+        collections[clid].members.contains(plid))
+        return false;
+    collections[clid].members.insert(plid);
+    return true;
+}
+
+bool PropertyModel::removeMember(int clid, int plid) {
+    return collections.contains(clid) && playLists.contains(plid) &&
+           collections[clid].members.remove(plid);
+}
+
+bool PropertyModel::clear(int plid) {
+    if (!playLists.contains(plid))
+        return false;
+    playLists[plid].titles.clear();
+    return true;
+}
+
+bool PropertyModel::removeItems(int plid, const QList<int>& positions) {
+    if (positions.isEmpty() || !playLists.contains(plid))
+        return false;
+    PlayList& pl = playLists[plid];
+    const QSet<int> gone(positions.begin(), positions.end());
+    const auto exists = [&pl](int position) {
+        return position >= 0 && position < pl.titles.size();
+    };
+    if (gone.size() != positions.size() || !std::all_of(gone.begin(), gone.end(), exists))
+        return false;
+    QStringList kept;
+    for (int i = 0; i < pl.titles.size(); ++i) {
+        if (!gone.contains(i))
+            kept.append(pl.titles.at(i));
+    }
+    pl.titles = kept;
+    const int lastPlayed = pl.lastPlayed;
+    pl.lastPlayed -= int(
+        std::count_if(gone.begin(), gone.end(), [lastPlayed](int p) { return p < lastPlayed; }));
+    return true;
+}
+
+// Cuts the movers out and puts them back as one block. When some stood at or before the target,
+// those end at it and the others follow; else the block begins at it.
+bool PropertyModel::moveItems(int plid, const QList<int>& positions, int to) {
+    if (positions.isEmpty() || to < 0 || !playLists.contains(plid))
+        return false;
+    PlayList& pl = playLists[plid];
+    const int size = pl.titles.size();
+    if (to >= size)
+        return false;
+    const QSet<int> movers(positions.begin(), positions.end());
+    const auto exists = [size](int position) { return position >= 0 && position < size; };
+    if (!std::all_of(movers.begin(), movers.end(), exists))
+        return false;
+
+    // Numbers stand for the entries, so that the last played one is found again.
+    QList<int> block;
+    QList<int> rest;
+    for (int i = 0; i < size; ++i)
+        (movers.contains(i) ? block : rest).append(i);
+    const int fromBefore =
+        int(std::count_if(block.begin(), block.end(), [to](int p) { return p <= to; }));
+    const int start = fromBefore > 0 ? to - fromBefore + 1 : to;
+    QList<int> order = rest.mid(0, start) + block + rest.mid(start);
+    QStringList titles;
+    for (int entry : qAsConst(order))
+        titles.append(pl.titles.at(entry));
+    if (pl.lastPlayed >= 0 && pl.lastPlayed < size)
+        pl.lastPlayed = order.indexOf(pl.lastPlayed);
+    pl.titles = titles;
+    return true;
+}
+
+int PropertyModel::addItems(int plid, const QStringList& titles, int mode) {
+    if (titles.isEmpty() || !playLists.contains(plid))
+        return 0;
+    PlayList& pl = playLists[plid];
+    // A store that is over its limit already takes everything.
+    const int room = limit - itemCount();
+    const QStringList added = titles.mid(0, limit == 0 ? -1 : std::max(room, -1));
+    const bool noSuchPosition = mode < 0 || mode > Append;
+    if (added.isEmpty() || (noSuchPosition && !pl.titles.isEmpty()))
+        return 0;
+    const bool afterLastPlayed =
+        mode != Append && pl.lastPlayed >= 0 && pl.lastPlayed < pl.titles.size();
+    int at = afterLastPlayed ? pl.lastPlayed + 1 : pl.titles.size();
+    addedAt = at;
+    for (const QString& title : added)
+        pl.titles.insert(at++, title);
+    return added.size();
+}
+
+int PropertyModel::merge(int from, int plid, int mode) {
+    if (!playLists.contains(from))
+        return 0;
+    const int added = addItems(plid, playLists[from].titles, mode);
+    if (added > 0 && from != plid)
+        deletePlayList(from);
+    return added;
+}
