@@ -1,0 +1,349 @@
+// Puts the page together: what the device has, where things are shown, and what the parts ask of
+// each other.
+
+import { artworkUrl, getModules, getPaths, sendData } from './core/api.js';
+import { EventFeed } from './core/events.js';
+import { samePlace } from './core/paths.js';
+import { Adding } from './model/adder.js';
+import { AddMode, Commands } from './model/commands.js';
+import { Covers } from './model/covers.js';
+import { Player } from './model/player.js';
+import { RowType, isCreate, isSwitch, metaData } from './model/rows.js';
+import { Address } from './view/address.js';
+import { setText } from './view/dom.js';
+import { icon } from './view/icons.js';
+import { showHelp } from './view/help.js';
+import { wireKeys } from './view/keys.js';
+import { Menu } from './view/menu.js';
+import { Pane } from './view/pane.js';
+import { PlayerBar } from './view/playerbar.js';
+import { watchAdding } from './view/progress.js';
+import { tellError } from './view/toast.js';
+
+// Where the trees begin. A module that is not loaded has none.
+const FilesRoot = 'files:tree';
+const Narrow = '(max-width: 47.49rem)';
+const Wide = '(min-width: 75rem)';
+
+export class App {
+  constructor(paths, modules) {
+    this.paths = paths;
+    this.live = document.getElementById('live');
+    this.commands = new Commands(paths);
+    this.covers = new Covers();
+    this.player = new Player(paths);
+    this.narrow = matchMedia(Narrow);
+    this.feed = new EventFeed({ watch: [paths.OrvoPlayerPositionPath].filter(Boolean) });
+    this.setModules(modules);
+    this.menu = new Menu(this);
+    this.nav = new Pane(this, 'nav', document.getElementById('nav'));
+    this.main = new Pane(this, 'main', document.getElementById('main'), this.nav);
+    this.side = new Pane(this, 'side', document.getElementById('side'));
+    this.panes = [this.nav, this.main, this.side];
+    this.bar = new PlayerBar(document.getElementById('player'), this.player, { onJump: () => this.jumpToCurrent() });
+    this.address = new Address(this);
+  }
+
+  setModules(modules) {
+    this.modules = new Set(modules);
+    this.hasMusic = this.modules.has('files');
+    document.body.classList.toggle('no-music', !this.hasMusic);
+  }
+
+  start() {
+    for (const place of document.querySelectorAll('.tab-icon')) place.append(icon(place.dataset.icon));
+    this.wireFeed();
+    wireKeys(this);
+    this.nav.begin({ path: this.paths.OrvoPlayListsRootPath });
+    this.side.begin({ path: FilesRoot, title: 'Music' });
+    document.getElementById('tab-lists').addEventListener('click', () => this.showLists());
+    document.getElementById('tab-music').addEventListener('click', () => this.showSide(true));
+    document.getElementById('help').addEventListener('click', showHelp);
+    this.narrow.addEventListener('change', () => this.showHeads());
+    const { nav } = this;
+    nav.top.store.on('rows', () => this.followParents());
+    this.address.apply(matchMedia(Wide).matches);
+    this.refreshPlayer();
+  }
+
+  get isNarrow() {
+    return this.narrow.matches;
+  }
+
+  // The device.
+  wireFeed() {
+    this.feed.onEvent((event) => {
+      this.player.apply(event);
+      this.covers.apply(event);
+      for (const pane of this.panes) pane.apply(event);
+      this.menu.apply(event);
+    });
+    this.feed.onResync(() => this.readEverythingAgain());
+    this.feed.onOnline((online) => {
+      document.body.classList.toggle('offline', !online);
+      document.getElementById('banner').hidden = online;
+      if (online) this.retry();
+    });
+    this.feed.connect();
+  }
+
+  async readEverythingAgain() {
+    this.covers.forgetAll();
+    for (const pane of this.panes) pane.reread();
+    this.menu.reread();
+    try {
+      this.setModules(await getModules());
+    } catch {
+      return; // the next connection brings another resync
+    }
+    await this.refreshPlayer();
+    this.showHeads();
+  }
+
+  // What was asked for while there was no connection was not answered.
+  retry() {
+    for (const pane of this.panes) for (const screen of pane.stack) screen.store.pump();
+    this.refreshPlayer();
+  }
+
+  async refreshPlayer() {
+    try {
+      await this.player.refresh(this.modules.has('player'));
+    } catch (error) {
+      tellError(error);
+    }
+  }
+
+  // A text or a switch is set, an action is carried out; then what the reply says happens. True
+  // when it was done.
+  async carryOut(row, value) {
+    const sent = row.type === RowType.Editable && isSwitch(row) ? { bool: !row.value.bool } : value ?? {};
+    const reply = await sendData(row.path, sent);
+    for (const event of reply.events ?? []) if (event.rowsType === 1) this.closePlace(event.path);
+    return true;
+  }
+
+  closePlace(path) {
+    this.menu.closePlace(path);
+    for (const pane of this.panes) {
+      for (const screen of [...pane.stack]) {
+        if (pane !== this.nav && samePlace(screen.path, path)) pane.remove(screen);
+      }
+    }
+  }
+
+  // Menus.
+  openPublishedMenu({ path }, anchor, row, urls) {
+    const own = artworkUrl(metaData(row).artworkUrl);
+    const { artist } = metaData(row);
+    this.menu.open({ path }, { anchor, head: { title: row.title, subtitle: artist, urls: own ? [own] : urls ?? [] } });
+  }
+
+  editRow(row, anchor) {
+    if (isCreate(row)) this.expectNewRow();
+    this.menu.open({ title: row.title, field: row }, { anchor, head: { title: row.title, urls: [] } });
+  }
+
+  // What was just made is what people want to see.
+  expectNewRow() {
+    const { store } = this.nav.top;
+    const known = new Set(store.rows.filter(Boolean).map((row) => row.path));
+    this.stopExpecting?.();
+    const stop = store.on('rows', () => {
+      const made = store.rows.find((row) => row?.type === RowType.Container && !known.has(row.path));
+      if (!made) return;
+      stop();
+      this.openInMain(made);
+    });
+    this.stopExpecting = stop;
+  }
+
+  openAddMenu(rows, anchor, screen) {
+    const urls = rows.map((row) => artworkUrl(metaData(row).artworkUrl)).filter(Boolean).slice(0, 1);
+    const title = rows.length === 1 ? rows[0].title : `${rows.length} chosen`;
+    const target = this.addTarget(screen);
+    const page = target ? this.addPage(rows, target, screen) : this.targetPage(rows, screen);
+    this.menu.open(page, { anchor, head: { title, urls } });
+  }
+
+  // Where music goes unless another list is chosen: what is open beside it.
+  addTarget(screen) {
+    const open = this.main.top;
+    if (open && open !== screen && open.target) return { ...open.target, title: open.title };
+    return null;
+  }
+
+  addPage(rows, target, screen) {
+    const add = (mode) => () => {
+      this.menu.close();
+      screen.list.selection.clear();
+      this.add(rows, target, mode);
+    };
+    return {
+      title: `Add to ${target.title}`,
+      items: [
+        ...(this.player.present ? [{ title: 'Now', icon: 'play', run: add(AddMode.Now) }] : []),
+        { title: 'Next', icon: 'next', run: add(AddMode.Next) },
+        { title: 'Append', icon: 'list', run: add(AddMode.Append) },
+        { title: 'To another list', icon: 'forward', run: () => this.menu.push(this.targetPage(rows, screen)) },
+      ],
+    };
+  }
+
+  targetPage(rows, screen) {
+    return {
+      path: this.paths.OrvoPlayListsRootPath,
+      pick: (row) => {
+        const target = this.commands.targetOf(row.path);
+        if (target) this.menu.push(this.addPage(rows, { ...target, title: row.title }, screen));
+        else this.menu.push({ path: row.path, pick: (inner) => {
+          const found = this.commands.targetOf(inner.path);
+          if (found) this.menu.push(this.addPage(rows, { ...found, title: inner.title }, screen));
+        } });
+      },
+    };
+  }
+
+  add(rows, target, mode) {
+    const adding = new Adding({ commands: this.commands, plid: target.plid, mode, rows, title: target.title });
+    watchAdding(adding, document.getElementById('progress'));
+    adding.run();
+  }
+
+  // Places.
+  openList(row) {
+    this.openInMain(row);
+  }
+
+  openInMain(row) {
+    this.main.begin(row);
+    this.showMain();
+    this.remember();
+    this.nav.top.list.refresh();
+    if (this.isNarrow) this.main.top.focus();
+  }
+
+  setPlace(place) {
+    document.body.dataset.place = place;
+    for (const [id, is] of [['tab-lists', place !== 'side'], ['tab-music', place === 'side']]) {
+      const tab = document.getElementById(id);
+      if (is) tab.setAttribute('aria-current', 'page');
+      else tab.removeAttribute('aria-current');
+    }
+    this.showHeads();
+    for (const pane of this.panes) pane.top?.list.refresh();
+  }
+
+  showNav() {
+    this.setPlace('nav');
+  }
+
+  showMain() {
+    this.setPlace('main');
+  }
+
+  showLists() {
+    if (document.body.dataset.place === 'side' && this.main.top) this.showMain();
+    else this.showNav();
+    this.remember();
+  }
+
+  showSide(shown) {
+    document.body.classList.toggle('side-open', shown);
+    if (shown) this.setPlace('side');
+    else this.setPlace(this.main.top ? 'main' : 'nav');
+    this.remember();
+    if (shown) this.side.top?.focus();
+  }
+
+  showHeads() {
+    for (const pane of this.panes) pane.top?.showHead();
+  }
+
+  onPaneEmpty(pane) {
+    if (pane === this.main) {
+      if (this.isNarrow) this.showNav();
+      else this.openFirst();
+    } else if (pane === this.side) {
+      pane.begin({ path: FilesRoot, title: 'Music' });
+    }
+  }
+
+  // Beside the root there is always a list.
+  openFirst() {
+    const { store } = this.nav.top;
+    const row = store.rows.find((found) => found?.type === RowType.Container);
+    if (row) {
+      this.main.begin(row);
+      this.nav.top.list.refresh();
+    }
+  }
+
+  // Lists follow the rows that they were opened from.
+  followParents() {
+    const { store } = this.nav.top;
+    if (!store.isCurrent) return;
+    const first = this.main.stack[0];
+    if (first) {
+      first.row ??= store.rows.find((row) => row?.path === first.path) ?? null;
+      first.followRow(store);
+    } else if (!this.isNarrow) this.openFirst();
+  }
+
+  isCurrent(row) {
+    if (row.type === RowType.Audio) return this.player.isCurrent(row);
+    if (row.type !== RowType.Container) return false;
+    return Boolean(this.player.track) && this.player.container?.path === row.path;
+  }
+
+  // Called whenever the head of a shown list may have changed.
+  onHead(screen) {
+    if (screen.pane === this.main) document.title = screen.title ? `${screen.title} – Orvo` : 'Orvo';
+  }
+
+  async jumpToCurrent() {
+    const { track, container } = this.player;
+    if (!track || !container?.path) return;
+    const index = track.value?.i32 ?? 0;
+    if (this.main.top?.path !== container.path) {
+      const row = this.nav.top.store.rows.find((found) => found?.path === container.path);
+      this.main.begin(row ?? container);
+    }
+    this.showMain();
+    this.remember();
+    this.main.top.jumpTo(index);
+  }
+
+  get shownScreen() {
+    const focused = this.panes.find((pane) => pane.element.contains(document.activeElement));
+    const place = this[document.body.dataset.place] ?? this.main;
+    return (focused ?? place).top ?? this.nav.top;
+  }
+
+  remember() {
+    this.address.write();
+  }
+
+  say(text) {
+    setText(this.live, text);
+  }
+}
+
+export async function startApp() {
+  const begin = async () => {
+    const [paths, modules] = await Promise.all([getPaths(), getModules()]);
+    return new App(paths, modules);
+  };
+  let app = null;
+  while (!app) {
+    try {
+      app = await begin();
+    } catch {
+      document.getElementById('banner').hidden = false;
+      await new Promise((done) => setTimeout(done, 1500));
+    }
+  }
+  document.getElementById('banner').hidden = true;
+  app.start();
+  return app;
+}

@@ -1,0 +1,81 @@
+// The pictures that stand for a list: its own, or those of what it holds. Looked up only for what
+// is on screen, kept, and forgotten when the list changes.
+//
+// Emits: change (the path whose pictures may be others now).
+
+import { Emitter } from '../core/emitter.js';
+import { artworkUrl, getRows } from '../core/api.js';
+import { isAtOrBelow, samePlace } from '../core/paths.js';
+import { metaData } from './rows.js';
+
+const LookAt = 24;
+const MostPictures = 4;
+const MostRequests = 2;
+const MostKept = 600;
+
+export class Covers extends Emitter {
+  constructor() {
+    super();
+    this.known = new Map(); // path → urls
+    this.queue = new Map(); // path → callbacks, the newest first in line
+    this.running = 0;
+    this.gone = new Set();
+  }
+
+  // The pictures, null while they are not known; `found` is called once then.
+  of(path, found) {
+    const urls = this.known.get(path);
+    if (urls) return urls;
+    if (this.gone.has(path)) return [];
+    const callbacks = this.queue.get(path) ?? [];
+    this.queue.delete(path);
+    this.queue.set(path, [...callbacks, found]);
+    this.pump();
+    return null;
+  }
+
+
+  async pump() {
+    while (this.running < MostRequests && this.queue.size) {
+      const [path, callbacks] = [...this.queue].at(-1);
+      this.queue.delete(path);
+      this.running += 1;
+      this.look(path).then((urls) => {
+        this.running -= 1;
+        if (urls) {
+          this.known.set(path, urls);
+          if (this.known.size > MostKept) this.known.delete(this.known.keys().next().value);
+          for (const callback of callbacks) callback(urls);
+        }
+        this.pump();
+      });
+    }
+  }
+
+  async look(path) {
+    try {
+      const answer = await getRows(path, 0, LookAt - 1, ['mediaData']);
+      const urls = answer.rows.map((row) => artworkUrl(metaData(row).artworkUrl)).filter(Boolean);
+      return [...new Set(urls)].slice(0, MostPictures);
+    } catch {
+      return null; // a picture is not worth a message
+    }
+  }
+
+  apply(event) {
+    if (event.kind === 'value') return;
+    const hit = event.kind === 'startingWith' ? isAtOrBelow : samePlace;
+    if (event.changes.includes('close')) this.gone.add(event.path);
+    for (const path of this.known.keys()) {
+      if (!hit(path, event.path)) continue;
+      this.known.delete(path);
+      this.emit('change', path);
+    }
+  }
+
+  forgetAll() {
+    this.known.clear();
+    this.gone.clear();
+    this.emit('change', null);
+  }
+}

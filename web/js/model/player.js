@@ -1,0 +1,159 @@
+// What plays, as the device publishes it, and what can be asked of it.
+//
+// Emits: change {what} with what one of state, data, mode, position, duration, volume, present.
+
+import { Emitter } from '../core/emitter.js';
+import { getValue, sendData } from '../core/api.js';
+import { samePlace } from '../core/paths.js';
+
+// Odd: shuffled. 0, 1: no repeat; 2, 3: repeat one; 4, 5: repeat all.
+const ModeNames = ['normal', 'shuffle', 'repeatOne', 'shuffleRepeatOne', 'repeatAll', 'shuffleRepeatAll'];
+export const Repeat = { Off: 0, One: 1, All: 2 };
+
+const bare = (value) => (value ? Object.values(value)[0] : undefined);
+
+export class Player extends Emitter {
+  constructor(paths) {
+    super();
+    this.paths = paths;
+    this.present = false;
+    this.state = 'stopped';
+    this.data = {};
+    this.mode = 0;
+    this.duration = 0;
+    this.volume = 100;
+    this.anchor = { position: 0, at: performance.now() };
+    this.values = [
+      [paths.OrvoPlayerStatePath, 'state', (value) => (this.state = bare(value) ?? 'stopped')],
+      [paths.OrvoPlayerDataPath, 'data', (value) => (this.data = value ?? {})],
+      [paths.OrvoPlayerPlayModePath, 'mode', (value) => (this.mode = Math.max(0, ModeNames.indexOf(bare(value))))],
+      [paths.OrvoPlayerDurationPath, 'duration', (value) => (this.duration = bare(value) ?? 0)],
+      [paths.OrvoPlayerVolumePath, 'volume', (value) => (this.volume = bare(value) ?? 100)],
+      [paths.OrvoPlayerPositionPath, 'position', (value) => this.setAnchor(bare(value) ?? 0)],
+    ].filter(([path]) => path);
+  }
+
+  setAnchor(position) {
+    this.anchor = { position, at: performance.now() };
+  }
+
+  // Reads everything again. Without a player nothing is asked.
+  async refresh(present) {
+    this.present = present && this.values.length > 0;
+    this.emit('change', 'present');
+    if (!this.present) return;
+    await Promise.all(this.values.map(async ([path, what, take]) => {
+      take(await getValue(path));
+      this.emit('change', what);
+    }));
+  }
+
+  apply(event) {
+    if (event.kind !== 'value') return;
+    for (const [path, what, take] of this.values) {
+      if (!samePlace(path, event.path)) continue;
+      // The clock runs between two positions, so it is set when it starts or stops, too.
+      if (what === 'state') this.setAnchor(this.position);
+      take(event.value);
+      this.emit('change', what);
+    }
+  }
+
+  get isPlaying() {
+    return this.state === 'playing';
+  }
+
+  get isActive() {
+    return this.present && this.state !== 'stopped';
+  }
+
+  get track() {
+    return this.isActive ? this.data.trackRoles ?? null : null;
+  }
+
+  get container() {
+    return this.data.mediaRoles ?? null;
+  }
+
+  get controls() {
+    return this.isActive ? this.data.controls ?? {} : {};
+  }
+
+  get error() {
+    const { error, streamerError } = this.data;
+    const found = error ?? streamerError;
+    return found ? found.message?.toString() || found.title || 'This cannot be played.' : null;
+  }
+
+  get position() {
+    const gone = this.isPlaying ? performance.now() - this.anchor.at : 0;
+    const position = this.anchor.position + gone;
+    return this.duration > 0 ? Math.min(position, this.duration) : position;
+  }
+
+  get isShuffled() {
+    return this.mode % 2 === 1;
+  }
+
+  get repeat() {
+    return Math.floor(this.mode / 2);
+  }
+
+  // The modes that can be chosen, as the play logic says.
+  isModePossible(shuffled, repeat) {
+    const possible = this.controls.playMode ?? {};
+    const mode = repeat * 2 + (shuffled ? 1 : 0);
+    return mode === 0 || Boolean(possible[ModeNames[mode]]);
+  }
+
+  isCurrent(row) {
+    return Boolean(row?.path && this.track?.path === row.path);
+  }
+
+  playContainer(container, track, index) {
+    return sendData(this.paths.OrvoPlayerPlayContainerPath, {
+      mediaRoles: container,
+      ...(track ? { trackRoles: track } : {}),
+      index,
+      type: 1,
+    });
+  }
+
+  toggle() {
+    return sendData(this.isPlaying ? this.paths.OrvoPlayerPausePath : this.paths.OrvoPlayerResumePath);
+  }
+
+  next() {
+    return sendData(this.paths.OrvoPlayerNextPath);
+  }
+
+  previous() {
+    return sendData(this.paths.OrvoPlayerPreviousPath);
+  }
+
+  async seek(milliseconds) {
+    const time = Math.round(milliseconds);
+    this.setAnchor(time);
+    this.emit('change', 'position');
+    await sendData(this.paths.OrvoPlayerSeekTimePath, { time });
+  }
+
+  setVolume(volume) {
+    this.volume = volume;
+    this.emit('change', 'volume');
+    return sendData(this.paths.OrvoPlayerSetVolumePath, { volume });
+  }
+
+  setMode(shuffled, repeat) {
+    return sendData(this.paths.OrvoPlayerSetPlayModePath, { playMode: repeat * 2 + (shuffled ? 1 : 0) });
+  }
+
+  nextRepeat() {
+    for (let step = 1; step <= 3; step += 1) {
+      const repeat = [Repeat.Off, Repeat.All, Repeat.One][
+        ([Repeat.Off, Repeat.All, Repeat.One].indexOf(this.repeat) + step) % 3];
+      if (this.isModePossible(this.isShuffled, repeat)) return repeat;
+    }
+    return this.repeat;
+  }
+}

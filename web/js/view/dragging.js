@@ -1,0 +1,152 @@
+// Reordering by drag: with a mouse from anywhere in the row, with a finger from the grip or after a
+// long press. A long press that does not move opens the menu.
+
+import { clamp } from './dom.js';
+
+const LongPressMs = 430;
+const Slop = 7; // pixels of a hand that does not mean to move
+const EdgeSize = 64;
+const EdgeSpeed = 14; // pixels per frame at the very edge
+
+export class Dragging {
+  // `canMove()` tells whether rows can be moved; `drop(indices, gap)` carries it out.
+  constructor(list, { canMove, drop }) {
+    Object.assign(this, { list, canMove, drop });
+    const { body } = list;
+    body.addEventListener('pointerdown', (event) => this.onDown(event));
+    body.addEventListener('pointermove', (event) => this.onMove(event));
+    body.addEventListener('pointerup', (event) => this.onUp(event));
+    body.addEventListener('pointercancel', () => this.end(false));
+    body.addEventListener('lostpointercapture', () => this.end(false));
+    // Once a row is lifted the finger moves it, not the page.
+    body.addEventListener('touchmove', (event) => this.lifted && event.preventDefault(), { passive: false });
+    body.addEventListener('dragstart', (event) => event.preventDefault());
+  }
+
+  onDown(event) {
+    const view = this.list.rowOf(event.target);
+    const role = event.target.closest('[data-role]')?.dataset.role;
+    if (!view?.row || event.button !== 0 || role === 'more' || role === 'switch') return;
+    this.list.suppressClick = false;
+    this.press = { view, index: view.index, x: event.clientX, y: event.clientY, id: event.pointerId, type: event.pointerType, role };
+    if (event.pointerType === 'mouse') return;
+    if (role === 'grip') this.lift();
+    else this.timer = setTimeout(() => this.lift(), LongPressMs);
+  }
+
+  onMove(event) {
+    if (!this.press || event.pointerId !== this.press.id) return;
+    this.pointerY = event.clientY;
+    if (!this.lifted) {
+      const distance = Math.hypot(event.clientX - this.press.x, event.clientY - this.press.y);
+      if (distance < Slop) return;
+      if (this.press.type !== 'mouse') {
+        this.cancelPress(); // the page scrolls
+        return;
+      }
+      if (!this.canMove() || event.buttons !== 1) return;
+      this.lift();
+    }
+    if (this.lifted && this.movable) this.drag();
+  }
+
+  lift() {
+    clearTimeout(this.timer);
+    const { press, list } = this;
+    if (!press) return;
+    this.lifted = true;
+    this.movable = this.canMove() && list.store.row(press.index)?.type === 3;
+    list.suppressClick = true;
+    list.pinned = press.index;
+    press.view.element.classList.add('lifted');
+    list.body.setPointerCapture?.(press.id);
+    if (press.type !== 'mouse') navigator.vibrate?.(8);
+  }
+
+  drag() {
+    const { list, press } = this;
+    if (!this.dragging) {
+      if (Math.abs(this.pointerY - press.y) < Slop && press.type !== 'mouse') return;
+      this.dragging = true;
+      const chosen = list.selection.has(list.store.row(press.index)) && list.selection.size > 1;
+      this.indices = chosen
+        ? [...list.selection.chosen.values()].map((entry) => entry.index).sort((a, b) => a - b)
+        : [press.index];
+      this.grabbed = press.y - press.view.element.getBoundingClientRect().top;
+      list.body.classList.add('dragging');
+      list.shift = (index) => this.shiftOf(index);
+      press.view.element.dataset.count = this.indices.length > 1 ? this.indices.length : '';
+      this.autoScroll();
+    }
+    this.aim();
+  }
+
+  // The gap between rows that the lifted row's middle is nearest to.
+  aim() {
+    const { list } = this;
+    const bodyTop = list.body.getBoundingClientRect().top;
+    this.liftedTop = clamp(this.pointerY - bodyTop - this.grabbed, 0, list.metrics.topOf(list.store.count) - list.metrics.height);
+    const middle = this.liftedTop + list.metrics.height / 2;
+    const over = list.metrics.indexAt(middle, list.store.count);
+    const below = middle > list.metrics.topOf(over) + list.metrics.heightOf(over) / 2;
+    const from = this.press.index;
+    let gap = below ? over + 1 : over;
+    if (over === from) gap = from;
+    else if (over > from && !below) gap = over;
+    this.gap = gap;
+    list.render();
+  }
+
+  shiftOf(index) {
+    const from = this.press.index;
+    const { metrics } = this.list;
+    if (index === from) return this.liftedTop - metrics.topOf(from);
+    if (index > from && index < this.gap) return -metrics.height;
+    if (index < from && index >= this.gap) return metrics.height;
+    return 0;
+  }
+
+  autoScroll() {
+    if (!this.dragging) return;
+    const { scroller } = this.list;
+    const { top, bottom } = scroller.getBoundingClientRect();
+    const near = (distance) => clamp((EdgeSize - distance) / EdgeSize, 0, 1);
+    const speed = near(bottom - this.pointerY) - near(this.pointerY - top);
+    if (speed) {
+      scroller.scrollTop += speed * EdgeSpeed;
+      this.aim();
+    }
+    requestAnimationFrame(() => this.autoScroll());
+  }
+
+  onUp(event) {
+    if (!this.press || event.pointerId !== this.press.id) return;
+    const opensMenu = this.lifted && !this.dragging && this.press.type !== 'mouse' && this.press.role !== 'grip';
+    const { index } = this.press;
+    this.end(true);
+    if (opensMenu) this.list.openMenu(index);
+  }
+
+  cancelPress() {
+    clearTimeout(this.timer);
+    this.press = null;
+  }
+
+  end(dropped) {
+    if (!this.press) return;
+    const { press, list, dragging, gap, indices } = this;
+    clearTimeout(this.timer);
+    press.view.element.classList.remove('lifted');
+    delete press.view.element.dataset.count;
+    this.press = null;
+    this.lifted = false;
+    this.dragging = false;
+    list.shift = null;
+    list.pinned = -1;
+    list.body.classList.remove('dragging');
+    if (list.suppressClick) setTimeout(() => (list.suppressClick = false), 60);
+    list.refresh();
+    const moves = dragging && dropped && !(indices.length === 1 && (gap === indices[0] || gap === indices[0] + 1));
+    if (moves) this.drop(indices, gap);
+  }
+}

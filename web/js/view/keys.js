@@ -1,0 +1,35 @@
+// The keys that work anywhere on the page.
+
+import { showHelp } from './help.js';
+import { attempt } from './toast.js';
+
+const isTyping = (target) => target.matches?.('input:not([type=range]), textarea, [contenteditable]');
+const hasOwnSpace = (target) => target.matches?.('button, a, input, summary');
+
+function press(button) {
+  if (!button.disabled) button.click();
+}
+
+export function wireKeys(app) {
+  const transport = app.bar.transport;
+  const keys = {
+    '/': () => app.shownScreen.find(),
+    '?': () => showHelp(),
+    n: () => press(transport.next),
+    p: () => press(transport.previous),
+    j: () => attempt(app.jumpToCurrent(), null),
+    ' ': (event) => {
+      if (hasOwnSpace(event.target)) return false;
+      press(transport.play);
+      return true;
+    },
+  };
+  document.addEventListener('keydown', (event) => {
+    if (event.ctrlKey || event.metaKey || event.altKey || isTyping(event.target)) return;
+    if (document.querySelector('dialog[open]')) return;
+    const run = keys[event.key];
+    if (run && run(event) !== false) event.preventDefault();
+    else if ((event.key === 'ArrowDown' || event.key === 'ArrowUp') && event.target === document.body)
+      app.shownScreen.list.setActive(Math.max(0, app.shownScreen.list.active));
+  });
+}

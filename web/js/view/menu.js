@@ -1,0 +1,238 @@
+// Menus: what the device publishes for a row, and the page's own choices, on a sheet that rises
+// from below on a phone and stands beside its row elsewhere. One at a time, with pages to go back
+// from.
+
+import { ListStore } from '../model/liststore.js';
+import { RowType, isCreate, isFocusable, isSwitch } from '../model/rows.js';
+import { asksTwice } from '../model/commands.js';
+import { samePlace } from '../core/paths.js';
+import { Artwork } from './artwork.js';
+import { clamp, el } from './dom.js';
+import { icon } from './icons.js';
+import { attempt } from './toast.js';
+
+const SureForMs = 4000;
+const AllRows = 1000000;
+const Gap = 8;
+
+export class Menu {
+  // `app`: feed events are passed on by it, rows are carried out by it.
+  constructor(app) {
+    this.app = app;
+    this.pages = [];
+    this.dialog = el('dialog.sheet', { 'aria-modal': 'true' });
+    this.dialog.addEventListener('click', (event) => event.target === this.dialog && this.close());
+    this.dialog.addEventListener('close', () => this.onClosed());
+    this.dialog.addEventListener('cancel', (event) => {
+      if (this.pages.length <= 1) return;
+      event.preventDefault();
+      this.back();
+    });
+    this.dialog.addEventListener('keydown', (event) => this.onKey(event));
+    document.body.append(this.dialog);
+  }
+
+  get isOpen() {
+    return this.dialog.open;
+  }
+
+  // page: {path, pick?} for a published menu, {title, items: [{title, icon, run}]} for the page's
+  // own. head: {title, subtitle, urls}.
+  open(page, { anchor, head }) {
+    this.close();
+    this.head = head;
+    this.anchor = anchor;
+    this.returnTo = document.activeElement;
+    this.push(page);
+  }
+
+  push(page) {
+    this.pages.at(-1)?.store?.dispose();
+    this.pages.push(page);
+    this.load(page);
+  }
+
+  back() {
+    this.pages.pop().store?.dispose();
+    const page = this.pages.at(-1);
+    if (page) this.load(page);
+    else this.close();
+  }
+
+  async load(page) {
+    if (!page.path) {
+      this.show(page);
+      return;
+    }
+    page.store = new ListStore(page.path);
+    const { store } = page;
+    store.on('stale', () => this.read(page));
+    store.on('closed', () => this.back());
+    await this.read(page);
+  }
+
+  async read(page) {
+    // A menu is short, and shown whole.
+    const answer = await attempt(page.store.read(page.path, 0, AllRows), this.isOpen ? this.dialog : this.anchor);
+    if (page !== this.pages.at(-1) || page.store.closed) return;
+    if (!answer) {
+      if (!this.isOpen) this.pages = [];
+      return;
+    }
+    page.title = answer.title;
+    page.rows = answer.rows;
+    this.show(page);
+  }
+
+  show(page) {
+    const focused = this.isOpen ? [...this.entries()].indexOf(document.activeElement) : -1;
+    const content = page.field ? this.fieldContent(page) : this.listContent(page);
+    this.dialog.replaceChildren(this.header(page), content);
+    this.dialog.setAttribute('aria-label', page.title ?? '');
+    if (!this.isOpen) this.dialog.showModal();
+    this.position();
+    const entries = this.entries();
+    const input = this.dialog.querySelector('input');
+    if (input) input.select();
+    (input ?? entries[Math.max(0, focused)] ?? this.dialog.querySelector('button'))?.focus();
+  }
+
+  entries() {
+    return this.dialog.querySelectorAll('.menu-entry');
+  }
+
+  header(page) {
+    const artwork = new Artwork('div.art.small');
+    artwork.set({ urls: this.head?.urls ?? [], title: this.head?.title ?? '' });
+    const back = this.pages.length > 1
+      ? el('button.icon-button', { type: 'button', 'aria-label': 'Back', onclick: () => this.back() }, icon('back'))
+      : artwork.element;
+    return el('header.sheet-head', {}, back,
+      el('div.sheet-texts', {}, el('h2.sheet-title', {}, this.head?.title ?? page.title ?? ''),
+        el('p.sheet-subtitle', {}, page.title ?? '')),
+      el('button.icon-button', { type: 'button', 'aria-label': 'Close', onclick: () => this.close() }, icon('close')));
+  }
+
+  listContent(page) {
+    const content = el('div.menu-entries');
+    const rows = page.items ?? page.rows;
+    for (const row of rows) content.append(page.items ? this.ownEntry(row) : this.entry(row, page));
+    if (!rows.length) content.append(el('p.menu-empty', {}, 'Nothing to choose here.'));
+    return content;
+  }
+
+  ownEntry({ title, icon: name, run, detail }) {
+    return el('button.menu-entry', { type: 'button', onclick: run }, icon(name), el('span.menu-text', {}, title),
+      detail ? el('span.menu-detail', {}, detail) : null);
+  }
+
+  entry(row, page) {
+    if (row.type === RowType.Separator) return el('hr.menu-line');
+    if (row.type === RowType.Header) return el('h3.menu-heading', {}, row.title ?? '');
+    const button = el('button.menu-entry', { type: 'button', disabled: !isFocusable(row) },
+      el('span.menu-text', {}, row.title ?? ''));
+    button.addEventListener('click', () => this.choose(row, page, button));
+    if (isSwitch(row)) {
+      button.setAttribute('role', 'switch');
+      button.setAttribute('aria-checked', String(row.value.bool));
+      button.append(el('span.switch-face', { 'aria-hidden': 'true' }));
+    } else if (isCreate(row)) {
+      button.prepend(icon('plus'));
+    } else if (row.type === RowType.Editable) {
+      button.append(el('span.menu-detail', {}, row.value?.string ?? ''));
+    } else if (row.type === RowType.Container) {
+      button.append(icon('forward'));
+    }
+    if (asksTwice(row)) button.classList.add('grave');
+    return button;
+  }
+
+  async choose(row, page, button) {
+    if (row.type === RowType.Container) {
+      if (page.pick) page.pick(row);
+      else if (row.containerType) this.push({ path: row.path });
+      else {
+        this.close();
+        this.app.openList(row);
+      }
+    } else if (row.type === RowType.Editable && !isSwitch(row)) {
+      this.push({ title: row.title, field: row });
+    } else if (asksTwice(row) && !button.classList.contains('sure')) {
+      this.askAgain(button);
+    } else {
+      await attempt(this.app.carryOut(row), button);
+    }
+  }
+
+  askAgain(button) {
+    const text = button.querySelector('.menu-text');
+    const said = text.textContent;
+    button.classList.add('sure');
+    text.textContent = `${said} – sure?`;
+    setTimeout(() => {
+      button.classList.remove('sure');
+      text.textContent = said;
+    }, SureForMs);
+  }
+
+  // A text to be entered or changed.
+  fieldContent(page) {
+    const row = page.field;
+    const input = el('input', { type: 'text', value: row.value?.string ?? '', 'aria-label': row.title, autocomplete: 'off', enterkeyhint: 'done', maxlength: '500' });
+    const save = el('button.pill.primary', { type: 'submit' }, isCreate(row) ? 'Create' : 'Save');
+    const form = el('form.field', {
+      onsubmit: async (event) => {
+        event.preventDefault();
+        const done = await attempt(this.app.carryOut(row, { string: input.value }), save);
+        if (done && this.pages.at(-1) === page) this.back();
+      },
+    }, input, el('div.field-buttons', {},
+      el('button.pill', { type: 'button', onclick: () => this.back() }, 'Cancel'), save));
+    return form;
+  }
+
+  // Beside what it belongs to, inside the window. A phone's sheet ignores it.
+  position() {
+    const rect = this.anchor?.isConnected ? this.anchor.getBoundingClientRect() : null;
+    const { offsetWidth: width, offsetHeight: height } = this.dialog;
+    const x = rect ? clamp(rect.right - width, Gap, innerWidth - width - Gap) : (innerWidth - width) / 2;
+    let y = rect ? rect.bottom + Gap : (innerHeight - height) / 2;
+    if (rect && y + height > innerHeight - Gap) y = rect.top - height - Gap;
+    this.dialog.style.setProperty('--x', `${x}px`);
+    this.dialog.style.setProperty('--y', `${clamp(y, Gap, Math.max(Gap, innerHeight - height - Gap))}px`);
+  }
+
+  onKey(event) {
+    const step = { ArrowDown: 1, ArrowUp: -1 }[event.key];
+    if (!step || event.target.tagName === 'INPUT') return;
+    const entries = [...this.entries()];
+    const at = entries.indexOf(document.activeElement);
+    entries[(at + step + entries.length) % entries.length]?.focus();
+    event.preventDefault();
+  }
+
+  apply(event) {
+    this.pages.at(-1)?.store?.apply(event);
+  }
+
+  reread() {
+    this.pages.at(-1)?.store?.invalidate();
+  }
+
+  // The device says that this view is done with.
+  closePlace(path) {
+    if (this.pages.some((page) => page.path && samePlace(page.path, path))) this.close();
+  }
+
+  close() {
+    if (this.isOpen) this.dialog.close();
+    else this.onClosed();
+  }
+
+  onClosed() {
+    for (const page of this.pages) page.store?.dispose();
+    this.pages = [];
+    if (this.returnTo?.isConnected) this.returnTo.focus({ preventScroll: true });
+    this.returnTo = null;
+  }
+}

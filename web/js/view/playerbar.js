@@ -1,0 +1,98 @@
+// The bar at the foot of the page, always there, and the large view that it opens.
+
+import { artworkUrl } from '../core/api.js';
+import { metaData } from '../model/rows.js';
+import { Artwork } from './artwork.js';
+import { el, setText } from './dom.js';
+import { icon } from './icons.js';
+import { Transport } from './transport.js';
+
+const ClockMs = 250;
+
+function describe(player) {
+  const { track } = player;
+  if (!track) return { title: player.present ? 'Nothing is playing' : 'No player', line: player.present ? 'Choose a track to begin.' : 'This device has no player.', album: '', urls: [] };
+  const { artist, album, artworkUrl: uri } = metaData(track);
+  const url = artworkUrl(uri);
+  return { title: track.title ?? '', line: player.error ?? artist ?? '', album: album ?? '', urls: url ? [url] : [] };
+}
+
+export class PlayerBar {
+  // `onJump`: shows the current track in its list.
+  constructor(element, player, { onJump }) {
+    Object.assign(this, { element, player });
+    this.artwork = new Artwork('div.art');
+    this.title = el('span.now-title');
+    this.line = el('span.now-line');
+    this.transport = new Transport(player);
+    this.large = new LargeView(player, { onJump });
+    this.open = el('button.now', { type: 'button', 'aria-label': 'Show what plays', onclick: () => this.large.show() },
+      this.artwork.element, el('span.now-texts', {}, this.title, this.line));
+    this.jump = el('button.icon-button', { type: 'button', 'aria-label': 'Jump to the current track', title: 'Jump to the current track', onclick: onJump }, icon('target'));
+    element.append(this.open, el('div.controls', {}, this.transport.buttons, this.transport.seek),
+      el('div.extras', {}, this.jump, this.transport.volume));
+    player.on('change', () => this.show());
+    setInterval(() => this.tick(), ClockMs);
+    this.show();
+  }
+
+  show() {
+    const { player } = this;
+    const { title, line, album, urls } = describe(player);
+    this.element.classList.toggle('idle', !player.isActive);
+    this.element.classList.toggle('failed', Boolean(player.track && player.error));
+    setText(this.title, title);
+    setText(this.line, [line, player.error ? '' : album].filter(Boolean).join(' · '));
+    this.artwork.set({ urls, title, symbol: player.track ? null : 'note' });
+    this.open.disabled = !player.isActive;
+    this.jump.disabled = !player.track || !player.container?.path;
+    this.open.setAttribute('aria-label', player.track ? `Now playing: ${title}, ${line}` : title);
+  }
+
+  tick() {
+    if (document.hidden || !this.player.isPlaying) return;
+    this.transport.showClock();
+    if (this.large.dialog.open) this.large.transport.showClock();
+  }
+}
+
+class LargeView {
+  constructor(player, { onJump }) {
+    this.player = player;
+    this.artwork = new Artwork('div.art.huge');
+    this.glow = new Artwork('div.art.glow');
+    this.title = el('h2.large-title');
+    this.line = el('p.large-line');
+    this.album = el('p.large-album');
+    this.transport = new Transport(player);
+    const close = el('button.icon-button', { type: 'button', 'aria-label': 'Close', onclick: () => this.dialog.close() }, icon('down'));
+    const jump = el('button.pill', { type: 'button', onclick: () => { this.dialog.close(); onJump(); } }, icon('target'), 'Show in its list');
+    this.dialog = el('dialog.large', { 'aria-label': 'Now playing' },
+      this.glow.element,
+      el('div.large-head', {}, close, jump),
+      el('div.large-body', {}, this.artwork.element,
+        el('div.large-side', {}, el('div.large-texts', {}, this.title, this.line, this.album),
+          this.transport.seek, this.transport.buttons, this.transport.volume)));
+    document.body.append(this.dialog);
+    player.on('change', () => this.refresh());
+  }
+
+  show() {
+    this.refresh(true);
+    this.dialog.showModal();
+  }
+
+  refresh(force = false) {
+    if (!force && !this.dialog.open) return;
+    if (!this.player.isActive) {
+      this.dialog.close();
+      return;
+    }
+    const { title, line, album, urls } = describe(this.player);
+    setText(this.title, title);
+    setText(this.line, line);
+    setText(this.album, album);
+    this.artwork.set({ urls, title });
+    this.glow.set({ urls, title });
+  }
+}

@@ -1,0 +1,117 @@
+// One row of a list on screen, whatever its type. Made once and given other rows as the list
+// scrolls; says nothing to the device itself.
+
+import { artworkUrl } from '../core/api.js';
+import { RowType, duration, isCreate, isMenu, isSwitch, metaData, subtitle } from '../model/rows.js';
+import { Artwork } from './artwork.js';
+import { el, setAttribute, setText } from './dom.js';
+import { icon, setIcon } from './icons.js';
+
+const Known = new Set(Object.values(RowType));
+
+const ClassOf = {
+  [RowType.Container]: 'opens',
+  [RowType.Audio]: 'plays',
+  [RowType.Editable]: 'edits',
+  [RowType.Action]: 'acts',
+  [RowType.Header]: 'heads',
+  [RowType.Separator]: 'separates',
+};
+
+function symbolOf(row) {
+  if (isCreate(row)) return 'plus';
+  if (row.type === RowType.Editable) return 'edit';
+  if (row.type === RowType.Action) return 'forward';
+  if (isMenu(row)) return 'more';
+  return null;
+}
+
+export class RowView {
+  constructor() {
+    this.artwork = new Artwork();
+    this.check = el('span.check', { 'aria-hidden': 'true' }, icon('check'));
+    this.title = el('span.row-title');
+    this.subtitle = el('span.row-subtitle');
+    this.playIcon = icon('play');
+    this.bars = el('span.bars', { 'aria-hidden': 'true' }, el('i'), el('i'), el('i'));
+    this.artwork.element.append(el('span.art-play', {}, this.playIcon), this.bars);
+    this.detail = el('span.row-detail');
+    this.switch = el('button.switch', { type: 'button', role: 'switch', tabindex: '-1', 'data-role': 'switch' });
+    this.moreIcon = icon('more');
+    this.more = el('button.icon-button.row-more', { type: 'button', tabindex: '-1', 'data-role': 'more' }, this.moreIcon);
+    this.grip = el('span.grip', { 'aria-hidden': 'true', 'data-role': 'grip' }, icon('grip'));
+    this.main = el('div.row-main', { role: 'gridcell' }, this.check, this.artwork.element,
+      el('span.row-texts', {}, this.title, this.subtitle));
+    this.end = el('div.row-end', { role: 'gridcell' }, this.detail, this.switch, this.more, this.grip);
+    this.element = el('div.row', { role: 'row', tabindex: '-1' }, this.main, this.end);
+    this.index = -1;
+  }
+
+  place(index, top, height) {
+    this.index = index;
+    if (this.top !== top) this.element.style.transform = `translateY(${top}px)`;
+    if (this.height !== height) this.element.style.height = `${height}px`;
+    this.top = top;
+    this.height = height;
+    setAttribute(this.element, 'aria-rowindex', index + 1);
+    this.element.dataset.index = index;
+  }
+
+  // `row` may be missing: it is on its way. `look`: {selected, selecting, current, playing, movable,
+  // action, urls, plain}; plain is for rows that fly by.
+  show(row, look) {
+    const type = row ? ClassOf[row.type] ?? 'unknown' : 'waits';
+    const classes = ['row', type];
+    if (look.selected) classes.push('selected');
+    if (look.current) classes.push('current');
+    if (look.current && look.playing) classes.push('playing');
+    if (look.opened) classes.push('opened');
+    if (look.movable) classes.push('movable');
+    if (look.found) classes.push('found');
+    const name = classes.join(' ');
+    if (this.element.className !== name) this.element.className = name;
+    setAttribute(this.element, 'aria-busy', row ? null : 'true');
+    setAttribute(this.element, 'aria-selected', row && look.selectable ? String(Boolean(look.selected)) : null);
+    setAttribute(this.element, 'aria-current', look.opened ? 'page' : look.current ? 'true' : null);
+    this.row = row;
+    if (!row) {
+      setText(this.title, '\u00a0');
+      setText(this.subtitle, '');
+      setText(this.detail, '');
+      this.artwork.set({});
+      this.more.hidden = true;
+      this.switch.hidden = true;
+      return;
+    }
+    setText(this.title, row.title ?? '');
+    setText(this.subtitle, row.type === RowType.Audio ? subtitle(row) : isMenu(row) ? '' : look.detail ?? '');
+    setText(this.detail, row.type === RowType.Audio ? duration(metaData(row).duration) : '');
+    this.showArtwork(row, look);
+    this.showControls(row, look);
+  }
+
+  showArtwork(row, look) {
+    if (row.type === RowType.Header || row.type === RowType.Separator) return;
+    const own = artworkUrl(metaData(row).artworkUrl);
+    const urls = look.plain ? this.artwork.urls.filter((url) => url === own) : own ? [own] : look.urls ?? [];
+    const symbol = symbolOf(row);
+    this.artwork.element.classList.toggle('symbol', symbol !== null);
+    this.artwork.set({ urls, title: row.title ?? '', symbol });
+  }
+
+  showControls(row, look) {
+    const flips = isSwitch(row);
+    this.switch.hidden = !flips;
+    if (flips) {
+      setAttribute(this.switch, 'aria-checked', String(row.value.bool));
+      setAttribute(this.switch, 'aria-label', row.title);
+    }
+    const hasMenu = Boolean(row.context?.path) || look.action === 'add';
+    this.more.hidden = !hasMenu || look.selecting;
+    if (hasMenu) {
+      setIcon(this.moreIcon, look.action === 'add' ? 'plus' : 'more');
+      setAttribute(this.more, 'aria-label', `${look.action === 'add' ? 'Add' : 'Menu of'} ${row.title}`);
+    }
+    setAttribute(this.element, 'aria-disabled', Known.has(row.type) ? null : 'true');
+  }
+}

@@ -1,0 +1,347 @@
+// One list, as people see it: its head, its rows, finding, choosing and reordering. Made by a pane,
+// which owns it.
+
+import { ListStore } from '../model/liststore.js';
+import { RowType, isMenu, isSwitch, metaData, position } from '../model/rows.js';
+import { Dragging } from './dragging.js';
+import { el, plural, setText } from './dom.js';
+import { Finder } from './finder.js';
+import { Hero, amount, heading, ownPictures } from './hero.js';
+import { icon } from './icons.js';
+import { ListView } from './listview.js';
+import { attempt, tellError } from './toast.js';
+
+const HeadAgainMs = 250;
+
+export class Screen {
+  // kind: 'nav' (the root beside everything), 'main' or 'side'.
+  constructor(app, pane, { path, row = null, lead = null }) {
+    Object.assign(this, { app, pane, path, row, knownLead: lead });
+    this.store = new ListStore(path);
+    this.target = app.commands.targetOf(path);
+    this.offers = null; // what the tracks' menus offer, once known
+    this.build();
+    this.wire();
+    this.store.want(0, 30);
+  }
+
+  build() {
+    const { app, pane } = this;
+    this.scroller = el('div.scroller', { tabindex: '-1' });
+    this.list = new ListView({
+      store: this.store,
+      scroller: this.scroller,
+      label: this.row?.title ?? 'List',
+      look: {
+        selectable: pane.kind !== 'nav',
+        current: (row) => app.isCurrent(row),
+        opened: (row) => pane.kind === 'nav' && app.main.stack[0]?.path === row.path,
+        playing: () => app.player.isPlaying,
+        cover: (row, found) => this.coverOf(row, found),
+        action: (row) => (pane.kind === 'side' && !isMenu(row) && (row.type === RowType.Audio || row.type === RowType.Container) ? 'add' : null),
+      },
+    });
+    this.hero = new Hero({
+      level: pane.kind === 'main' ? 'h1' : 'h2',
+      onPlay: () => this.playFrom(null, 0),
+      onAdd: (anchor) => this.addRows([{ ...this.store.roles, path: this.path, title: this.title }], anchor),
+      onMusic: () => app.showSide(true),
+    });
+    this.finder = new Finder(this.list, { onClose: () => this.showBar() });
+    this.bar = this.buildBar();
+    this.empty = el('div.empty', { hidden: true }, icon('note'), el('p', {}, 'Nothing here yet.'));
+    this.scroller.append(this.bar, this.hero.element, this.list.body, this.empty);
+    this.element = el('section.screen', { 'data-kind': pane.kind }, this.scroller);
+    new Dragging(this.list, {
+      canMove: () => Boolean(this.offers?.move),
+      drop: (indices, gap) => this.move(indices, gap),
+    });
+  }
+
+  buildBar() {
+    const button = (name, label, run) =>
+      el('button.icon-button', { type: 'button', 'aria-label': label, title: label, onclick: run }, icon(name));
+    const { pane } = this;
+    this.backButton = button('back', 'Back', () => pane.back());
+    this.barTitle = el('span.bar-title', { 'aria-hidden': 'true' });
+    this.menuButton = button('more', 'Menu of this list', () => this.openOwnMenu());
+    this.selectButton = button('select', 'Choose several', () => this.list.selection.setMode(true));
+    this.plainBar = el('div.bar-tools', {}, this.backButton, this.barTitle,
+      button('search', 'Find in this list', () => this.find()),
+      pane.kind === 'nav' ? null : this.selectButton,
+      this.menuButton,
+      pane.kind === 'side' ? el('button.icon-button.close-side', { type: 'button', 'aria-label': 'Close', title: 'Close', onclick: () => this.app.showSide(false) }, icon('close')) : null);
+    this.chosenCount = el('span.bar-title.shown', { role: 'status' });
+    this.removeButton = el('button.pill.small', { type: 'button', onclick: () => this.removeChosen() }, icon('trash'), 'Remove');
+    this.addButton = el('button.pill.small', { type: 'button', onclick: (event) => this.addChosen(event.currentTarget) }, icon('plus'), 'Add to…');
+    this.chooseBar = el('div.bar-tools', { hidden: true },
+      button('close', 'End choosing', () => this.list.selection.clear()), this.chosenCount,
+      this.addButton, this.removeButton);
+    return el('div.pane-bar', {}, this.plainBar, this.chooseBar, this.finder.element);
+  }
+
+  wire() {
+    const { store, list, app } = this;
+    store.on('title', () => this.showHead());
+    store.on('count', () => this.showHead());
+    store.on('rows', () => {
+      this.showHead();
+      this.learnOffers();
+      this.pane.onRows(this);
+    });
+    store.on('error', (error) => this.onError(error));
+    store.on('closed', () => this.pane.remove(this));
+    list.selection.on('change', () => this.showBar());
+    list.on('open', (what) => this.open(what));
+    list.on('menu', ({ row, anchor }) => this.openMenu(row, anchor));
+    list.on('back', () => this.pane.back());
+    list.on('remove', () => this.removeChosen());
+    list.on('move', ({ by }) => this.moveActive(by));
+    list.on('selectAll', () => attempt(list.selection.all(), this.element));
+    this.scroller.addEventListener('scroll', () => this.showBarTitle(), { passive: true });
+    this.stopPlayer = app.player.on('change', (what) => {
+      if (what === 'position' || what === 'duration' || what === 'volume') return;
+      this.list.refresh();
+      if (what === 'present') this.showHead();
+    });
+    this.stopCovers = app.covers.on('change', () => this.list.refresh());
+  }
+
+  dispose() {
+    clearTimeout(this.headTimer);
+    this.stopPlayer();
+    this.stopCovers();
+    this.list.dispose();
+    this.store.dispose();
+    this.element.remove();
+  }
+
+  // Shown and hidden by the pane; the place is kept meanwhile.
+  show() {
+    this.element.hidden = false;
+    this.list.measure();
+    this.scroller.scrollTop = this.savedTop ?? 0;
+    this.showHead();
+    this.list.refresh();
+  }
+
+  hide() {
+    this.savedTop = this.scroller.scrollTop;
+    this.element.hidden = true;
+  }
+
+  focus() {
+    if (this.list.active >= 0) this.list.setActive(this.list.active, { scroll: false });
+    else this.hero.title.focus({ preventScroll: true });
+  }
+
+  // The head.
+  showHead() {
+    const { store, app, pane } = this;
+    const { lead, title } = heading(store.title, this.row?.title, this.knownLead);
+    if (lead) this.knownLead = lead;
+    this.title = title;
+    const canPlay = store.count > 0 && app.player.present && Boolean(this.playLogicPath());
+    this.hero.show({
+      lead: pane.kind === 'nav' ? '' : lead,
+      title,
+      meta: pane.kind === 'nav' ? '' : amount(store),
+      urls: ownPictures(store, this.coverOf({ ...store.roles, path: this.path, type: RowType.Container }, () => this.showHead())),
+      canPlay,
+      canAdd: pane.kind === 'side' && pane.depth > 1 && store.count > 0,
+      canFill: Boolean(this.target) && app.hasMusic,
+    });
+    setText(this.barTitle, title);
+    this.list.body.setAttribute('aria-label', title);
+    this.element.setAttribute('aria-label', title);
+    this.element.setAttribute('role', 'region');
+    this.backButton.hidden = !pane.canGoBack;
+    this.menuButton.hidden = !this.row?.context?.path;
+    this.selectButton.hidden = !(store.count > 0);
+    this.empty.hidden = store.count !== 0;
+    this.showBarTitle();
+    if (this.isTop) app.onHead(this);
+  }
+
+  get isTop() {
+    return this.pane.top === this;
+  }
+
+  showBarTitle() {
+    const past = this.scroller.scrollTop > this.hero.element.offsetTop + this.hero.title.offsetTop;
+    this.bar.classList.toggle('past', past);
+  }
+
+  showBar() {
+    const { selection } = this.list;
+    const choosing = selection.mode || selection.size > 1;
+    this.plainBar.hidden = choosing || this.finder.isOpen;
+    this.chooseBar.hidden = !choosing || this.finder.isOpen;
+    this.element.classList.toggle('choosing', selection.mode);
+    setText(this.chosenCount, `${selection.size.toLocaleString()} chosen`);
+    this.removeButton.hidden = !this.offers?.remove;
+    this.removeButton.disabled = this.addButton.disabled = selection.size === 0;
+  }
+
+  find() {
+    this.finder.open();
+    this.showBar();
+  }
+
+  coverOf(row, found) {
+    if (!row.path || row.type !== RowType.Container || isMenu(row)) return null;
+    return metaData(row).artworkUrl ? null : this.app.covers.of(row.path, found);
+  }
+
+  // Events.
+  apply(event) {
+    this.store.apply(event);
+    // A title may say what another list changed: a playlist's name, for one.
+    const concernsModule = event.kind !== 'value' && event.path.split(':')[0] === this.path.split(':')[0];
+    if (concernsModule && !this.store.closed && !this.element.hidden) this.headSoon();
+  }
+
+  headSoon() {
+    clearTimeout(this.headTimer);
+    this.headTimer = setTimeout(async () => {
+      if (this.store.closed || this.store.requests.size) return;
+      try {
+        const answer = await this.store.read(this.path, 0, 0, ['title']);
+        if (this.store.closed) return;
+        this.store.setTitle(answer);
+        if (answer.rowsCount !== this.store.count) this.store.invalidate();
+      } catch {
+        // Only a second look.
+      }
+    }, HeadAgainMs);
+  }
+
+  onError(error) {
+    if (error.status === 404) this.pane.remove(this, error);
+    else tellError(error);
+  }
+
+  // The row that led here, as it is now; gone when its list no longer has it.
+  followRow(parentStore) {
+    if (!this.row || !parentStore.isCurrent) return;
+    for (let i = 0; i < parentStore.count; i += 1) {
+      const row = parentStore.row(i);
+      if (row?.path === this.path) {
+        this.row = row;
+        this.showHead();
+        return;
+      }
+    }
+    this.pane.remove(this);
+  }
+
+  // What can be done with the rows.
+  async open({ row, index, anchor }) {
+    const { app } = this;
+    if (row.type === RowType.Audio) this.playFrom(row, index, anchor);
+    else if (row.type === RowType.Container && isMenu(row)) app.openPublishedMenu(row, anchor, row);
+    else if (row.type === RowType.Container) this.pane.open(row, this);
+    else if (row.type === RowType.Editable && !isSwitch(row)) app.editRow(row, anchor);
+    else if (row.type === RowType.Action || isSwitch(row)) await attempt(app.carryOut(row), anchor);
+  }
+
+  playLogicPath() {
+    return metaData(this.store.roles).playLogicPath ?? metaData(this.row).playLogicPath;
+  }
+
+  playFrom(row, index, anchor) {
+    const { app, store } = this;
+    if (!app.player.present || !this.playLogicPath()) {
+      if (row) this.openMenu(row, anchor);
+      return;
+    }
+    const container = { mediaData: this.row?.mediaData, ...store.roles, path: this.path, type: RowType.Container };
+    const track = row ?? store.row(0);
+    const place = position(track) >= 0 ? position(track) : index;
+    attempt(app.player.playContainer(container, track, place), anchor);
+  }
+
+  openMenu(row, anchor) {
+    if (row.context?.path) this.app.openPublishedMenu(row.context, anchor, row, this.coverOf(row, () => {}));
+    else if (this.pane.kind === 'side') this.addRows([row], anchor);
+  }
+
+  openOwnMenu() {
+    const urls = ownPictures(this.store, null);
+    this.app.openPublishedMenu(this.row.context, this.menuButton, { ...this.row, title: this.title }, urls);
+  }
+
+  addRows(rows, anchor) {
+    this.app.openAddMenu(rows, anchor, this);
+  }
+
+  async addChosen(anchor) {
+    const entries = await attempt(this.list.selection.resolve(), this.element);
+    if (!entries?.length) return;
+    this.addRows(entries.map((entry) => entry.row), anchor);
+  }
+
+  // Whether tracks here can be moved and removed: their menus say so, and all alike.
+  async learnOffers() {
+    if (this.offers || this.learning || this.pane.kind === 'side') return;
+    const track = this.store.rows.find((row) => row?.type === RowType.Audio && row.context?.path);
+    if (!track) return;
+    this.learning = true;
+    try {
+      this.offers = await this.app.commands.trackActions(track);
+      this.list.movable = Boolean(this.offers.move);
+      this.list.refresh();
+      this.showBar();
+    } catch {
+      this.offers = null;
+    }
+    this.learning = false;
+  }
+
+  async move(indices, gap) {
+    const { store, list, app } = this;
+    const track = store.row(indices[0]);
+    const activeKey = store.row(list.active);
+    store.moveLocally(indices, gap);
+    if (activeKey) list.follow(store.rows.indexOf(activeKey));
+    await attempt((async () => {
+      try {
+        const { move } = await app.commands.trackActions(track);
+        if (move) await app.commands.move(move, indices, gap);
+      } finally {
+        store.invalidate();
+      }
+    })(), this.element);
+  }
+
+  moveActive(by) {
+    const { list, store } = this;
+    const from = list.active;
+    const to = from + by;
+    if (!this.offers?.move || to < 0 || to >= store.count || store.row(from)?.type !== RowType.Audio) return;
+    this.move([from], by > 0 ? to + 1 : to);
+    this.app.say(`Moved to ${to + 1} of ${store.count}`);
+  }
+
+  async removeChosen() {
+    const { list, app } = this;
+    if (!this.offers?.remove) return;
+    if (!list.selection.size && list.active >= 0) list.selection.only(list.active);
+    const entries = await attempt(list.selection.resolve(), this.element);
+    if (!entries?.length) return;
+    const { remove } = this.offers;
+    await attempt(app.commands.remove(remove, entries.map((entry) => entry.index)), this.element);
+    list.selection.clear();
+    this.app.say(`${plural(entries.length, 'row')} removed`);
+  }
+
+  jumpTo(index) {
+    if (this.store.isLoaded) this.list.jumpTo(index);
+    else {
+      const end = this.store.on('reset', () => {
+        end();
+        requestAnimationFrame(() => this.list.jumpTo(index));
+      });
+    }
+  }
+}

@@ -1,0 +1,131 @@
+// The controls of what plays, for the bar and for the large view alike. Only those are live that
+// the play logic allows.
+
+import { clock } from '../model/rows.js';
+import { Repeat } from '../model/player.js';
+import { el, setAttribute, setText } from './dom.js';
+import { icon, setIcon } from './icons.js';
+import { attempt } from './toast.js';
+
+const SendVolumeEveryMs = 80;
+const RepeatNames = { [Repeat.Off]: 'Repeat: off', [Repeat.One]: 'Repeat: this track', [Repeat.All]: 'Repeat: all' };
+
+export class Transport {
+  constructor(player) {
+    this.player = player;
+    const button = (spec, name, label, run) =>
+      el(`button.icon-button${spec}`, { type: 'button', 'aria-label': label, title: label, onclick: () => attempt(run(), null) }, icon(name));
+    this.shuffle = button('.toggle', 'shuffle', 'Shuffle', () => player.setMode(!player.isShuffled, this.repeatWith(!player.isShuffled)));
+    this.previous = button('', 'previous', 'Previous', () => player.previous());
+    this.play = button('.play-button', 'play', 'Play', () => player.toggle());
+    this.next = button('', 'next', 'Next', () => player.next());
+    this.repeat = button('.toggle', 'repeat', 'Repeat', () => player.setMode(player.isShuffled, player.nextRepeat()));
+    this.buttons = el('div.transport', { role: 'group', 'aria-label': 'Playback' },
+      this.shuffle, this.previous, this.play, this.next, this.repeat);
+    this.buildSeek();
+    this.buildVolume();
+    player.on('change', (what) => this.show(what));
+    this.show('all');
+  }
+
+  // Some play logics repeat only without shuffle, or the other way round.
+  repeatWith(shuffled) {
+    return this.player.isModePossible(shuffled, this.player.repeat) ? this.player.repeat : Repeat.Off;
+  }
+
+  buildSeek() {
+    const { player } = this;
+    this.elapsed = el('span.time');
+    this.length = el('span.time');
+    this.slider = el('input.range', { type: 'range', min: 0, max: 1000, value: 0, step: 1, 'aria-label': 'Position' });
+    this.seek = el('div.seek', {}, this.elapsed, this.slider, this.length);
+    const target = () => (Number(this.slider.value) / 1000) * player.duration;
+    this.slider.addEventListener('input', () => {
+      this.seeking = true;
+      this.showTime(target());
+    });
+    this.slider.addEventListener('change', () => {
+      this.seeking = false;
+      attempt(player.seek(target()), this.slider);
+    });
+  }
+
+  buildVolume() {
+    const { player } = this;
+    this.mute = el('button.icon-button', { type: 'button', onclick: () => this.toggleMute() }, icon('volume'));
+    this.volumeSlider = el('input.range', { type: 'range', min: 0, max: 100, step: 1, 'aria-label': 'Volume' });
+    this.volume = el('div.volume', {}, this.mute, this.volumeSlider);
+    let waiting = 0;
+    const send = () => {
+      waiting = 0;
+      attempt(player.setVolume(Number(this.volumeSlider.value)), null);
+    };
+    this.volumeSlider.addEventListener('input', () => {
+      setFill(this.volumeSlider, Number(this.volumeSlider.value) / 100);
+      waiting ||= setTimeout(send, SendVolumeEveryMs);
+    });
+  }
+
+  toggleMute() {
+    const { player } = this;
+    if (player.volume > 0) this.loud = player.volume;
+    attempt(player.setVolume(player.volume > 0 ? 0 : this.loud ?? 60), null);
+  }
+
+  show(what) {
+    const { player } = this;
+    const { controls } = player;
+    const allows = (name) => player.isActive && controls[name] !== false && Boolean(controls[name] ?? true);
+    this.play.disabled = !player.isActive || (player.isPlaying && !allows('pause'));
+    this.next.disabled = !allows('next');
+    this.previous.disabled = !allows('previous');
+    this.shuffle.disabled = !player.isActive || !player.isModePossible(!player.isShuffled, this.repeatWith(!player.isShuffled));
+    this.repeat.disabled = !player.isActive || player.nextRepeat() === player.repeat;
+    this.slider.disabled = !allows('seekTime') || !(player.duration > 0);
+    this.volumeSlider.disabled = this.mute.disabled = !player.present;
+    setIcon(this.play.firstChild, player.isPlaying || player.state === 'opening' ? 'pause' : 'play');
+    label(this.play, player.isPlaying ? 'Pause' : 'Play');
+    setAttribute(this.shuffle, 'aria-pressed', String(player.isShuffled));
+    setAttribute(this.repeat, 'aria-pressed', String(player.repeat !== Repeat.Off));
+    setIcon(this.repeat.firstChild, player.repeat === Repeat.One ? 'repeatOne' : 'repeat');
+    label(this.repeat, RepeatNames[player.repeat]);
+    if (what === 'volume' || what === 'all') this.showVolume();
+    this.showClock();
+  }
+
+  showVolume() {
+    const { volume } = this.player;
+    if (document.activeElement !== this.volumeSlider || !this.volumeSlider.matches(':active')) this.volumeSlider.value = volume;
+    setFill(this.volumeSlider, volume / 100);
+    setIcon(this.mute.firstChild, volume === 0 ? 'muted' : 'volume');
+    label(this.mute, volume === 0 ? 'Sound on' : 'Mute');
+  }
+
+  // Once a frame or less, by whoever shows this.
+  showClock() {
+    if (!this.seeking) this.showTime(this.player.isActive ? this.player.position : 0);
+  }
+
+  showTime(position) {
+    const { duration } = this.player;
+    const active = this.player.isActive;
+    setText(this.elapsed, active ? clock(position) : '–:––');
+    setText(this.length, active && duration > 0 ? clock(duration) : '–:––');
+    const share = duration > 0 ? Math.min(1, position / duration) : 0;
+    if (!this.seeking) {
+      const value = String(Math.round(share * 1000));
+      if (this.slider.value !== value) this.slider.value = value;
+    }
+    setAttribute(this.slider, 'aria-valuetext', `${clock(position)} of ${clock(duration)}`);
+    setFill(this.slider, share);
+  }
+}
+
+function label(button, text) {
+  setAttribute(button, 'aria-label', text);
+  setAttribute(button, 'title', text);
+}
+
+function setFill(slider, share) {
+  slider.style.setProperty('--fill', `${(share * 100).toFixed(2)}%`);
+}
