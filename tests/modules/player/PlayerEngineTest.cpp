@@ -343,6 +343,39 @@ TEST_F(PlayerEngineTest, seekingBackFromTheEndPlaysTheTailAgain) {
     EXPECT_TRUE(out().samples() == SoundFiles::joined({a, tail}));
 }
 
+TEST_F(PlayerEngineTest, thePositionIsThatOfTheItemNotOfTheSound) {
+    PlayerEngine engine("null");
+    Listener listener(engine);
+    qint64 atStart = -1;
+    QObject::connect(&engine, &PlayerEngine::started, &engine, [&](auto generation) {
+        if (generation == 2) {
+            engine.setPaused(true);
+            atStart = engine.position();
+        }
+    });
+    engine.play(1, files.wav("a.wav", SoundFiles::pcm(44100, 1)), 0, false);
+    engine.setNext(2, files.wav("b.wav", SoundFiles::pcm(22050, 2)));
+    ASSERT_TRUE(listener.waitForCount(3));
+    EXPECT_LE(atStart, 500);
+    engine.setPaused(false);
+    ASSERT_TRUE(listener.waitForLast("finished 2"));
+    EXPECT_EQ(engine.position(), 500);
+}
+
+TEST_F(PlayerEngineTest, anEndFromBeforeASeekIsNotTold) {
+    PlayerEngine engine("null");
+    Listener listener(engine);
+    engine.play(1, files.wav("a.wav", SoundFiles::pcm(4410, 1)), 0, true);
+    ASSERT_TRUE(listener.waitForLast("started 1"));
+    engine.setPaused(false);
+    QThread::msleep(150); // it runs to its end, which nobody has looked at yet
+    EXPECT_EQ(engine.position(), 100);
+    ASSERT_TRUE(engine.seek(0));
+    ASSERT_TRUE(listener.waitForLast("finished 1"));
+    waitFor(50);
+    EXPECT_EQ(listener.told, (QStringList{"started 1", "ended 1", "finished 1"}));
+}
+
 TEST_F(PlayerEngineTest, aPauseHoldsTheSoundBack) {
     PlayerEngine engine("null");
     Listener listener(engine);
