@@ -62,6 +62,10 @@ export class App {
     this.narrow.addEventListener('change', () => this.showHeads());
     const { nav } = this;
     nav.top.store.on('rows', () => this.followParents());
+    const measured = nav.top.store.on('rows', () => {
+      measured();
+      requestAnimationFrame(() => performance.mark('first-rows'));
+    });
     this.address.apply(matchMedia(Wide).matches);
     this.refreshPlayer();
   }
