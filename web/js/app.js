@@ -209,7 +209,7 @@ export class App {
   }
 
   add(rows, target, mode) {
-    const adding = new Adding({ commands: this.commands, plid: target.plid, mode, rows, title: target.title });
+    const adding = new Adding({ commands: this.commands, plid: target.plid, path: target.path, mode, rows, title: target.title });
     watchAdding(adding, document.getElementById('progress'));
     adding.run();
   }
@@ -228,6 +228,7 @@ export class App {
   }
 
   setPlace(place) {
+    this.workedIn = this[place];
     document.body.dataset.place = place;
     for (const [id, is] of [['tab-lists', place !== 'side'], ['tab-music', place === 'side']]) {
       const tab = document.getElementById(id);
@@ -319,9 +320,13 @@ export class App {
   }
 
   get shownScreen() {
-    const focused = this.panes.find((pane) => pane.element.contains(document.activeElement));
-    const place = this[document.body.dataset.place] ?? this.main;
-    return (focused ?? place).top ?? this.nav.top;
+    const pane = this.workedIn?.element.offsetParent ? this.workedIn : this[document.body.dataset.place];
+    return pane.top ?? this.nav.top;
+  }
+
+  // The pane that keys mean: where people pointed or moved last, or what they opened there.
+  workIn(target) {
+    this.workedIn = this.panes.find((pane) => pane.element.contains(target)) ?? this.workedIn;
   }
 
   remember() {

@@ -1,5 +1,5 @@
 import assert from 'node:assert/strict';
-import { Albums, Hours, Lanterns, Tides } from '../support/device.mjs';
+import { Albums, Hours, Lanterns, Tides, hasPlayer } from '../support/device.mjs';
 import { eventually, story } from '../support/story.mjs';
 
 story('add an album from the files tree', async ({ device, open }) => {
@@ -67,15 +67,28 @@ story('adding many shows how far it is and can be stopped', async ({ device, ope
   assert.equal(said, `Stopped: ${rowsCount.toLocaleString('en')} tracks of 1,000 added to Everything.`);
 }, { device: { music: 'many-tracks' } });
 
-story('many added next keep their order', async ({ device, open }) => {
-  const plid = await device.playlist('Everything');
+const tracks = (from, count) => Array.from({ length: count }, (_, i) => `Track ${from + i}`);
+
+story('many added next keep their order, inside a list that was played and behind one that was not', async ({ device, open }) => {
+  const plid = await device.playlist('Everything', 'Artist 000/Album 0000');
   const me = await open();
   await me.openList('Everything');
   await me.toMusic();
   await me.menuOf('side', 'Artist 001');
   await me.choose('Next');
   await me.toast('1,000 tracks added to Everything.').waitFor({ timeout: 15000 });
-  const titles = await device.titles(`playlists:pl/items/${plid}`);
-  assert.deepEqual(titles, Array.from({ length: 1000 }, (_, i) => `Track ${1001 + i}`));
-  assert.match(await me.meta('main').textContent(), /^1,000 tracks/);
+  const behind = [...tracks(1, 100), ...tracks(1001, 1000)];
+  assert.deepEqual(await device.titles(`playlists:pl/items/${plid}`), behind);
+  await eventually(() => me.meta('main').textContent().then((text) => /^1,100 tracks/.test(text)), true);
+
+  if (!hasPlayer) return;
+  await me.playRow('Track 3');
+  await eventually(() => device.value('player:data').then((data) => data?.trackRoles?.value?.i32 >= 2), true);
+  await me.control('Pause');
+  const { i32: current } = (await device.value('player:data')).trackRoles.value;
+  await me.menuOf('side', 'Artist 002');
+  await me.choose('Next');
+  await eventually(() => device.rows(`playlists:pl/items/${plid}`, 0, 0).then(({ rowsCount }) => rowsCount), 2100, { within: 15000 });
+  const inside = [...behind.slice(0, current + 1), ...tracks(2001, 1000), ...behind.slice(current + 1)];
+  assert.deepEqual(await device.titles(`playlists:pl/items/${plid}`), inside);
 }, { device: { music: 'many-tracks' }, sizes: ['desktop'] });

@@ -146,3 +146,18 @@ test('aFailedReadIsToldAndTriedAgainWithTheNextLook', async () => {
   await list.answerAll();
   assert.equal(store.count, 10);
 });
+
+test('aMoveIsShownBeforeTheDeviceConfirmsItAndNothingOldComesBetween', async () => {
+  const { list, store } = await loaded(6);
+  store.want(0, 6);
+  store.moveLocally([1, 3], 5);
+  assert.deepEqual(titles(store), ['t0', 't2', 't4', 't1', 't3', 't5']);
+  store.want(0, 6);
+  assert.equal(list.asked.length, 0);
+  store.moveLocally([5], 0);
+  assert.deepEqual(titles(store), ['t5', 't0', 't2', 't4', 't1', 't3']);
+  list.titles = ['a', 'b', 'c', 'd', 'e', 'f'];
+  store.invalidate();
+  await list.answerAll();
+  assert.deepEqual(titles(store), ['a', 'b', 'c', 'd', 'e', 'f']);
+});
