@@ -62,6 +62,10 @@ export class App {
     this.narrow.addEventListener('change', () => this.showHeads());
     const { nav } = this;
     nav.top.store.on('rows', () => this.followParents());
+    const measured = nav.top.store.on('rows', () => {
+      measured();
+      requestAnimationFrame(() => performance.mark('first-rows'));
+    });
     this.address.apply(matchMedia(Wide).matches);
     this.refreshPlayer();
   }
@@ -205,7 +209,7 @@ export class App {
   }
 
   add(rows, target, mode) {
-    const adding = new Adding({ commands: this.commands, plid: target.plid, mode, rows, title: target.title });
+    const adding = new Adding({ commands: this.commands, plid: target.plid, path: target.path, mode, rows, title: target.title });
     watchAdding(adding, document.getElementById('progress'));
     adding.run();
   }
@@ -224,6 +228,7 @@ export class App {
   }
 
   setPlace(place) {
+    this.workedIn = this[place];
     document.body.dataset.place = place;
     for (const [id, is] of [['tab-lists', place !== 'side'], ['tab-music', place === 'side']]) {
       const tab = document.getElementById(id);
@@ -315,9 +320,13 @@ export class App {
   }
 
   get shownScreen() {
-    const focused = this.panes.find((pane) => pane.element.contains(document.activeElement));
-    const place = this[document.body.dataset.place] ?? this.main;
-    return (focused ?? place).top ?? this.nav.top;
+    const pane = this.workedIn?.element.offsetParent ? this.workedIn : this[document.body.dataset.place];
+    return pane.top ?? this.nav.top;
+  }
+
+  // The pane that keys mean: where people pointed or moved last, or what they opened there.
+  workIn(target) {
+    this.workedIn = this.panes.find((pane) => pane.element.contains(target)) ?? this.workedIn;
   }
 
   remember() {

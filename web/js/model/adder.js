@@ -12,9 +12,9 @@ const FindPage = 500;
 const Portion = 250;
 
 export class Adding extends Emitter {
-  constructor({ commands, plid, mode, rows, title }) {
+  constructor({ commands, plid, path, mode, rows, title }) {
     super();
-    Object.assign(this, { commands, plid, mode, rows, title });
+    Object.assign(this, { commands, plid, path, mode, rows, title });
     this.phase = 'finding';
     this.found = 0;
     this.added = 0;
@@ -72,25 +72,48 @@ export class Adding extends Emitter {
 
   async add(tracks) {
     this.enter('adding');
-    for (const portion of this.portions(tracks)) {
+    for (const portion of await this.portions(tracks)) {
       if (this.stopping) return;
       await this.commands.addItems(this.plid, portion.items, portion.mode);
-      this.added += portion.items.length;
-      this.emit('change');
+      this.count(portion.items);
     }
   }
 
-  // What is added next stands before what was added next earlier, so those portions go backwards;
-  // the first one comes last then, and starts when it should.
-  portions(tracks) {
-    const portions = [];
-    for (let i = 0; i < tracks.length; i += Portion)
-      portions.push({ items: tracks.slice(i, i + Portion), mode: this.mode });
-    if (this.mode === AddMode.Append) return portions;
-    portions.reverse();
-    portions.forEach((portion, i) => {
-      portion.mode = i === portions.length - 1 ? this.mode : AddMode.Next;
-    });
+  count(items) {
+    this.added += items.length;
+    this.emit('change');
+  }
+
+  // What to add, and how, one after the other, so that in the end the tracks stand in their order.
+  async portions(tracks) {
+    const cut = (list) => Array.from({ length: Math.ceil(list.length / Portion) }, (_, i) =>
+      ({ items: list.slice(i * Portion, (i + 1) * Portion), mode: AddMode.Append }));
+    if (this.mode !== AddMode.Append && tracks.length > Portion && (await this.beginAtBack(tracks.at(-1)))) {
+      // Each portion stands in front of the one before; the first one comes last and starts then.
+      const portions = cut(tracks.slice(0, -1)).reverse();
+      portions.forEach((portion, i) => (portion.mode = i < portions.length - 1 ? AddMode.Next : this.mode));
+      return portions;
+    }
+    // From the end of the list on there is nothing to stand in front of.
+    const portions = cut(tracks);
+    if (portions.length) portions[0].mode = this.mode;
     return portions;
+  }
+
+  // "Next" may be inside the list, or at its end: where, only the list can tell. The last track tries
+  // it: inside it stays, and everything else comes in front of it.
+  async beginAtBack(track) {
+    const { commands, plid, path } = this;
+    const at = async (index) => (await getRows(path, index, index, ['path'])).rows[0]?.path;
+    const { rowsCount: size } = await getRows(path, 0, 0, ['path']);
+    if (size === 0) return false;
+    const last = await at(size - 1);
+    await commands.addItems(plid, [track], AddMode.Next);
+    if ((await at(size)) === last) {
+      this.count([track]);
+      return true;
+    }
+    await commands.removeItems(plid, [size]);
+    return false;
   }
 }

@@ -20,10 +20,10 @@ export class Commands {
   // The playlist that a list shows, null when tracks cannot be added to it.
   targetOf(listPath) {
     const base = basePart(listPath);
-    if (base === this.paths.OrvoPlayListPqGetItemsPath) return { plid: 0 };
+    if (base === this.paths.OrvoPlayListPqGetItemsPath) return { plid: 0, path: base };
     if (!base.startsWith(`${this.paths.OrvoPlayListPlGetItemsPath}/`)) return null;
     const plid = Number(components(base).at(-1));
-    return Number.isInteger(plid) ? { plid } : null;
+    return Number.isInteger(plid) ? { plid, path: base } : null;
   }
 
   addItems(plid, items, mode) {
@@ -51,7 +51,10 @@ export class Commands {
   }
 
   async remove(offer, at) {
-    const { fromplid } = params(offer.path);
-    await sendData(this.paths.OrvoPlayListPlRemoveItemsPath, { plid: Number(fromplid), items: at });
+    await this.removeItems(Number(params(offer.path).fromplid), at);
+  }
+
+  removeItems(plid, items) {
+    return sendData(this.paths.OrvoPlayListPlRemoveItemsPath, { plid, items });
   }
 }

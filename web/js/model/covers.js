@@ -6,10 +6,12 @@
 import { Emitter } from '../core/emitter.js';
 import { artworkUrl, getRows } from '../core/api.js';
 import { isAtOrBelow, samePlace } from '../core/paths.js';
-import { metaData } from './rows.js';
+import { RowType, isMenu, metaData } from './rows.js';
 
 const LookAt = 24;
 const MostPictures = 4;
+const Depth = 2;
+const Roles = ['mediaData', 'path', 'type', 'containerType'];
 const MostRequests = 2;
 const MostKept = 600;
 
@@ -54,12 +56,24 @@ export class Covers extends Emitter {
 
   async look(path) {
     try {
-      const answer = await getRows(path, 0, LookAt - 1, ['mediaData']);
-      const urls = answer.rows.map((row) => artworkUrl(metaData(row).artworkUrl)).filter(Boolean);
-      return [...new Set(urls)].slice(0, MostPictures);
+      const urls = new Set();
+      await this.gather(path, urls, Depth);
+      return [...urls].slice(0, MostPictures);
     } catch {
       return null; // a picture is not worth a message
     }
+  }
+
+  // A folder of folders has its pictures one step further down.
+  async gather(path, urls, depth) {
+    const { rows } = await getRows(path, 0, LookAt - 1, Roles);
+    for (const row of rows) {
+      const url = artworkUrl(metaData(row).artworkUrl);
+      if (url) urls.add(url);
+    }
+    if (urls.size || depth === 1) return;
+    const inner = rows.filter((row) => row.type === RowType.Container && !isMenu(row)).slice(0, MostPictures);
+    for (const row of inner) await this.gather(row.path, urls, depth - 1);
   }
 
   apply(event) {

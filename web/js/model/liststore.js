@@ -231,9 +231,9 @@ export class ListStore extends Emitter {
 
   // The rows at `from` (ascending) stand in front of what is at `gap` now, before the device says so.
   moveLocally(from, gap) {
-    const moved = from.map((i) => this.rows[i]);
     const chosen = new Set(from);
-    const rest = (list) => {
+    const reorder = (list) => {
+      const moved = from.map((i) => list[i]);
       const result = [];
       for (let i = 0; i < this.count; i += 1) {
         if (i === gap) result.push(...moved);
@@ -242,8 +242,10 @@ export class ListStore extends Emitter {
       if (gap >= this.count) result.push(...moved);
       return result;
     };
-    this.rows = rest(this.rows);
-    this.generations = this.generations.map(() => 0);
+    // What is under way would bring the old order back.
+    this.cancelFrom(0);
+    this.rows = reorder(this.rows);
+    this.generations = reorder(this.generations);
     this.emit('rows', { from: 0, to: this.count });
   }
 

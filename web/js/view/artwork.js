@@ -41,6 +41,7 @@ export class Artwork {
   }
 
   setFallback(title, symbol) {
+    this.element.classList.toggle('symbol', symbol !== null);
     const key = `${symbol}|${title}`;
     if (this.fallback === key) return;
     this.fallback = key;

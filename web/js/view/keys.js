@@ -6,6 +6,8 @@ import { attempt } from './toast.js';
 const isTyping = (target) => target.matches?.('input:not([type=range]), textarea, [contenteditable]');
 const hasOwnSpace = (target) => target.matches?.('button, a, input, summary');
 
+const Navigation = new Set(['ArrowUp', 'ArrowDown', 'Home', 'End', 'PageUp', 'PageDown']);
+
 function press(button) {
   if (!button.disabled) button.click();
 }
@@ -24,6 +26,10 @@ export function wireKeys(app) {
       return true;
     },
   };
+  document.addEventListener('pointerdown', (event) => app.workIn(event.target), true);
+  document.addEventListener('keydown', (event) => {
+    if (Navigation.has(event.key)) app.workIn(document.activeElement);
+  }, true);
   document.addEventListener('keydown', (event) => {
     if (event.ctrlKey || event.metaKey || event.altKey || isTyping(event.target)) return;
     if (document.querySelector('dialog[open]')) return;

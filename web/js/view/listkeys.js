@@ -35,7 +35,7 @@ export function handleListKey(list, event) {
     list.openMenu(list.active);
   } else if (Moves[key]) {
     const index = Moves[key](list);
-    if (event.shiftKey && list.look.selectable) list.selection.extendTo(index);
+    if (event.shiftKey && list.look.selectable) list.selection.extendTo(index, list.active);
     list.setActive(index);
   } else if (key === 'Escape' && (list.selection.mode || list.selection.size)) {
     list.selection.clear();

@@ -359,8 +359,9 @@ export class ListView extends Emitter {
 
   onRowClick(event, { index, row, element }) {
     const chooses = this.look.selectable && Selection.canChoose(row);
+    const from = this.active;
     this.setActive(index, { scroll: false });
-    if (chooses && event.shiftKey) this.selection.extendTo(index);
+    if (chooses && event.shiftKey) this.selection.extendTo(index, from);
     else if (chooses && (event.ctrlKey || event.metaKey || this.selection.mode)) this.selection.toggle(index);
     else if (row.type === RowType.Audio && event.pointerType === 'mouse' && !event.target.closest('.art')) {
       // A mouse points first and plays with the second click, or on the picture.

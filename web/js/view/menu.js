@@ -226,10 +226,12 @@ export class Menu {
 
   close() {
     if (this.isOpen) this.dialog.close();
-    else this.onClosed();
+    this.onClosed();
   }
 
+  // Also told by the dialog itself, a moment later or when people close it.
   onClosed() {
+    if (this.isOpen) return; // opened again meanwhile
     for (const page of this.pages) page.store?.dispose();
     this.pages = [];
     if (this.returnTo?.isConnected) this.returnTo.focus({ preventScroll: true });

@@ -95,7 +95,6 @@ export class RowView {
     const own = artworkUrl(metaData(row).artworkUrl);
     const urls = look.plain ? this.artwork.urls.filter((url) => url === own) : own ? [own] : look.urls ?? [];
     const symbol = symbolOf(row);
-    this.artwork.element.classList.toggle('symbol', symbol !== null);
     this.artwork.set({ urls, title: row.title ?? '', symbol });
   }
 

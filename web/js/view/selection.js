@@ -68,8 +68,9 @@ export class Selection extends Emitter {
     this.emit('change');
   }
 
-  extendTo(index) {
-    if (this.anchor < 0) this.anchor = index;
+  // From where choosing began, or from `start` when it begins now.
+  extendTo(index, start = index) {
+    if (!this.size || this.anchor < 0) this.anchor = start;
     this.chosen.clear();
     const [from, to] = [Math.min(this.anchor, index), Math.max(this.anchor, index)];
     for (let i = from; i <= to; i += 1) this.add(i);

@@ -1,0 +1,143 @@
+import assert from 'node:assert/strict';
+import { readFileSync } from 'node:fs';
+import { createRequire } from 'node:module';
+import { Albums, Hours, Lanterns, hasPlayer } from '../support/device.mjs';
+import { eventually, story } from '../support/story.mjs';
+
+const axeSource = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
+
+// Serious and critical findings, as readable lines.
+async function findings(me) {
+  await me.page.waitForTimeout(350); // animations end
+  // Evaluated from outside, so the page's own policy on scripts stays as it is.
+  if (!(await me.page.evaluate(() => Boolean(window.axe)))) await me.page.evaluate(axeSource);
+  return me.page.evaluate(async () => {
+    const { violations } = await window.axe.run(document, { resultTypes: ['violations'] });
+    return violations.filter(({ impact }) => impact === 'serious' || impact === 'critical')
+      .map(({ id, help, nodes }) => `${id}: ${help}: ${nodes.slice(0, 3).map((node) => `${node.html} ${node.failureSummary}`).join(' | ')}`);
+  });
+}
+
+for (const colorScheme of ['light', 'dark']) {
+  story(`nothing serious stands in the way of anybody, ${colorScheme}`, async ({ device, open }) => {
+    await device.playlist('Party', Albums.lanterns);
+    const me = await open({ colorScheme });
+    assert.deepEqual(await findings(me), []);
+    await me.openList('Party');
+    await me.row('main', 'Paper Boats').waitFor();
+    if (hasPlayer) {
+      await me.playRow('Seven Bridges');
+      await eventually(() => me.nowTitle(), 'Seven Bridges');
+    }
+    assert.deepEqual(await findings(me), []);
+    await me.menuOf('main', 'Paper Boats');
+    assert.deepEqual(await findings(me), []);
+    await me.closeSheet();
+    await me.page.locator('#main .screen:not([hidden]) [aria-label="Choose several"]').click();
+    await me.press(me.row('main', 'Paper Boats').locator('.row-title'));
+    assert.deepEqual(await findings(me), []);
+    await me.page.keyboard.press('Escape');
+    await me.toMusic('Velka Torrin');
+    assert.deepEqual(await findings(me), []);
+    if (hasPlayer) {
+      await me.page.locator('#player .now').click();
+      assert.deepEqual(await findings(me), []);
+    }
+  });
+}
+
+story('everything is in reach of the keyboard', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.lanterns);
+  await device.playlist('Other', Albums.hours);
+  const me = await open();
+  const { keyboard } = me.page;
+  const focused = () => me.page.evaluate(() => document.activeElement.querySelector('.row-title')?.textContent ?? document.activeElement.className);
+  await me.row('nav', 'Other').waitFor();
+  // The Tab key leads into the list, the arrows through it, past what is only a heading.
+  await me.page.locator('#nav .row[tabindex="0"]').focus();
+  assert.equal(await focused(), 'PlayQueue');
+  await keyboard.press('ArrowDown');
+  assert.equal(await focused(), 'Create New Playlist');
+  await keyboard.press('ArrowDown');
+  assert.equal(await focused(), 'Party');
+  await keyboard.press('Enter');
+  await eventually(() => me.heading().textContent(), 'Party');
+  await me.row('main', Lanterns[0]).waitFor();
+  await me.page.locator('#main .screen:not([hidden]) .row[tabindex="0"]').focus();
+  await keyboard.press('End');
+  assert.equal(await focused(), Lanterns[4]);
+  await keyboard.press('m');
+  await me.sheet.waitFor();
+  await keyboard.press('ArrowDown');
+  await keyboard.press('Escape');
+  await me.sheetCloses();
+  await eventually(focused, Lanterns[4]); // the focus comes back
+  await keyboard.press('Home');
+  await keyboard.press('Shift+ArrowDown');
+  await keyboard.press('Delete');
+  await eventually(() => device.titles(`playlists:pl/items/${plid}`), Lanterns.slice(2));
+  await keyboard.press('?');
+  await me.page.locator('dialog.help').waitFor();
+  await keyboard.press('Escape');
+  await me.page.locator('dialog.help').waitFor({ state: 'detached' });
+}, { sizes: ['desktop'] });
+
+story('space plays and pauses, n and p step', async ({ device, open }) => {
+  await device.playlist('Party', Albums.lanterns);
+  const me = await open();
+  await me.openList('Party');
+  await me.row('main', Lanterns[1]).focus();
+  await me.page.keyboard.press('Enter');
+  await eventually(() => me.nowTitle(), Lanterns[1]);
+  await eventually(async () => (await device.value('player:state')).string, 'playing');
+  await me.page.keyboard.press(' ');
+  await eventually(async () => (await device.value('player:state')).string, 'paused');
+  await me.page.keyboard.press('n');
+  await eventually(() => me.nowTitle(), Lanterns[2]);
+  await me.page.keyboard.press('p');
+  await eventually(() => me.nowTitle(), Lanterns[1]);
+}, { player: true, sizes: ['desktop'] });
+
+story('finding in a list goes from match to match', async ({ device, open }) => {
+  await device.playlist('Party', Albums.lanterns, Albums.hours, Albums.ferry);
+  const me = await open();
+  await me.openList('Party');
+  await me.row('main', Lanterns[0]).waitFor();
+  if (me.touch) await me.press(me.page.locator('#main .screen:not([hidden]) [aria-label="Find in this list"]').first());
+  else await me.page.keyboard.press('/');
+  await me.page.keyboard.type('UBER dem');
+  await eventually(() => me.page.locator('#main .find-count').textContent(), '1 of 1');
+  await eventually(() => me.page.locator('#main .row.found .row-title').textContent(), 'Über dem Maschinenraum');
+  await me.page.locator('#main .find-input').fill('e');
+  await eventually(() => me.page.locator('#main .find-count').textContent().then((text) => / of /.test(text)), true);
+  const before = await me.page.locator('#main .find-count').textContent();
+  await me.page.keyboard.press('Enter');
+  await eventually(() => me.page.locator('#main .find-count').textContent().then((text) => text !== before), true);
+  await me.page.locator('#main .find-input').fill('no such thing');
+  await eventually(() => me.page.locator('#main .find-count').textContent(), 'None');
+  await me.page.keyboard.press('Escape');
+  await me.page.locator('#main .find').waitFor({ state: 'hidden' });
+});
+
+for (const [width, height] of [[320, 568], [768, 1024], [1024, 768], [3840, 2160]]) {
+  story(`nothing is cut off at ${width} × ${height}`, async ({ device, open }) => {
+    await device.playlist('A name that is much longer than any pane on any screen would ever have the room for', Albums.hours);
+    const me = await open({ viewport: { width, height }, isMobile: false, hasTouch: false });
+    me.touch = false;
+    if (width < 760) me.touch = null;
+    await me.page.locator('#nav .row.opens .row-title', { hasText: 'A name' }).click();
+    await me.row('main', Hours[0]).waitFor();
+    const sizes = await me.page.evaluate(() => ({
+      page: document.documentElement.scrollWidth - innerWidth,
+      main: document.querySelector('#main .scroller').scrollWidth - document.querySelector('#main .scroller').clientWidth,
+      player: document.querySelector('#player').scrollWidth - document.querySelector('#player').clientWidth,
+      bottom: Math.round(document.querySelector(innerWidth < 760 ? '#tabs' : '#player').getBoundingClientRect().bottom) - innerHeight,
+    }));
+    assert.deepEqual(sizes, { page: 0, main: 0, player: 0, bottom: 0 });
+    const small = await me.page.locator('button:visible').evaluateAll((buttons) => buttons
+      .map((button) => [button.ariaLabel ?? button.textContent, button.getBoundingClientRect()])
+      .filter(([, box]) => box.width < 24 || box.height < 24 || box.right > innerWidth + 1 || box.left < -1)
+      .map(([name]) => name));
+    assert.deepEqual(small, []);
+  }, { sizes: ['desktop'] });
+}

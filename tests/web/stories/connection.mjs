@@ -1,0 +1,62 @@
+import assert from 'node:assert/strict';
+import { Albums, Hours, Lanterns } from '../support/device.mjs';
+import { eventually, story } from '../support/story.mjs';
+
+const Outage = /ERR_CONNECTION_REFUSED|ERR_CONNECTION_RESET|ERR_EMPTY_RESPONSE|ERR_INCOMPLETE_CHUNKED_ENCODING|ERR_INTERNET_DISCONNECTED/;
+
+story('kill and restart the host: the page recovers', async ({ device, open, allow }) => {
+  const plid = await device.playlist('Party', Albums.hours);
+  const me = await open();
+  await me.openList('Party');
+  await me.row('main', 'Two Kettles').waitFor();
+  await me.page.evaluate(() => (window.stayed = true));
+  allow(Outage);
+  await device.kill();
+  const banner = me.page.locator('#banner');
+  await banner.waitFor();
+  assert.match(await banner.textContent(), /No connection/);
+  await device.start();
+  await device.send('playlists:pl/removeItems', { plid, items: [0] });
+  await banner.waitFor({ state: 'hidden', timeout: 10000 });
+  // What changed while nobody listened is there, and what changes now comes at once.
+  await eventually(() => me.titles('main'), Hours.slice(1));
+  await device.send('playlists:pl/setName', { plid, name: 'After Party' });
+  await eventually(() => me.heading().textContent(), 'After Party');
+  await eventually(() => me.nowTitle().then((title) => title !== ''), true);
+  assert.equal(await me.page.evaluate(() => window.stayed), true);
+});
+
+story('a short break of the network loses no event', async ({ device, open, allow }) => {
+  const plid = await device.playlist('Party', Albums.hours);
+  const me = await open();
+  await me.openList('Party');
+  await eventually(() => me.titles('main'), Hours);
+  allow(Outage);
+  await me.window.context.setOffline(true);
+  await me.page.evaluate(() => window.dispatchEvent(new Event('offline')));
+  await me.page.locator('#banner').waitFor();
+  await device.ready();
+  await device.send('playlists:pl/addItems', { plid, items: ['files:tree/Velka%20Torrin/Lanterns%20on%20the%20Canal'] });
+  await me.window.context.setOffline(false);
+  await me.page.locator('#banner').waitFor({ state: 'hidden', timeout: 10000 });
+  await eventually(() => me.titles('main'), [...Hours, ...Lanterns]);
+});
+
+story('what takes longer than a moment shows that it works', async ({ device, open }) => {
+  await device.playlist('Party', Albums.hours);
+  const me = await open();
+  await me.toLists();
+  let release;
+  const held = new Promise((done) => (release = done));
+  await me.page.route('**/api/rows?path=playlists%3Apl%2Fcontext*', async (route) => {
+    await held;
+    await route.continue();
+  });
+  await me.press(me.row('nav', 'Party').locator('.row-more'));
+  await me.page.waitForTimeout(60);
+  assert.equal(await me.page.evaluate(() => document.body.classList.contains('busy')), false);
+  await me.page.locator('body.busy').waitFor({ timeout: 1000 });
+  release();
+  await me.entry('Rename').waitFor();
+  await eventually(() => me.page.evaluate(() => document.body.classList.contains('busy')), false);
+});

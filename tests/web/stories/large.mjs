@@ -1,0 +1,115 @@
+import assert from 'node:assert/strict';
+import { join } from 'node:path';
+import { pathToFileURL } from 'node:url';
+import { hasPlayer, musicFolder } from '../support/device.mjs';
+import { recordFrames } from '../support/frames.mjs';
+import { eventually, story } from '../support/story.mjs';
+
+const Count = 20000;
+const Portion = 2500;
+
+const fileUrl = (name) => pathToFileURL(join(musicFolder(), name)).href;
+const Sounds = fileUrl('Velka Torrin/Lanterns on the Canal/01 Towpath at Dusk.flac');
+const Covers = ['Velka Torrin/Lanterns on the Canal', 'Velka Torrin/Small Hours', 'Quillmarsh Ensemble/Tides and Clockwork', 'Søren Abbelwick/Nachtfähre']
+  .map((album) => fileUrl(`${album}/cover.png`));
+
+function item(i) {
+  const title = `Track ${i}`;
+  const artworkUrl = Covers[Math.floor(i / 10) % Covers.length];
+  const metaData = { artist: `Artist ${i % 300}`, album: `Album ${Math.floor(i / 10)}`, artworkUrl, duration: 180000, serviceId: 'files', prePlayPath: 'files:prePlay' };
+  const orvoRoles = JSON.stringify({ title, type: 3, mediaData: { metaData, resources: [{ uri: Sounds, mimeType: 'audio/flac' }] } });
+  return { title, artist: metaData.artist, album: metaData.album, artworkUrl, durationSeconds: 180, url: Sounds, serviceId: 'files', orvoRoles };
+}
+
+async function fill(device) {
+  const plid = await device.playlist('Everything');
+  for (let from = 0; from < Count; from += Portion) {
+    const items = Array.from({ length: Portion }, (_, i) => item(from + i));
+    await device.send('playlists:pl/addExternalItems', { plid, items });
+  }
+  return plid;
+}
+
+const heap = (page) => page.evaluate(() => performance.memory.usedJSHeapSize);
+
+story('20,000 tracks: scroll to the end, jump to the playing one', async ({ device, open, size }) => {
+  const plid = await fill(device);
+  const me = await open();
+  await me.openList('Everything');
+  await me.row('main', 'Track 0').waitFor();
+  assert.match(await me.meta().textContent(), /^20,000 tracks/);
+  if (hasPlayer) {
+    const { rows, roles } = await device.rows(`playlists:pl/items/${plid}`, 12345, 12345);
+    await device.send('player:playContainer', { mediaRoles: roles, trackRoles: rows[0], index: 12345, type: 1 });
+    await eventually(() => me.nowTitle(), 'Track 12345');
+  }
+
+  const scroller = me.page.locator('#main .screen:not([hidden]) .scroller');
+  const before = await heap(me.page);
+  const stop = await recordFrames(me.page);
+  // As a hand would: first along the list for some seconds, then all the way in a few strokes.
+  await scroller.evaluate(async (element) => {
+    const frame = () => new Promise(requestAnimationFrame);
+    for (let i = 0; i < 180; i += 1) {
+      element.scrollTop += 90;
+      await frame();
+    }
+    for (let i = 0; i < 180; i += 1) {
+      element.scrollTop += element.scrollHeight / 190;
+      await frame();
+    }
+    element.scrollTop = element.scrollHeight;
+    for (let i = 0; i < 30; i += 1) await frame();
+  });
+  const frames = await stop();
+  await me.row('main', `Track ${Count - 1}`).waitFor();
+  const after = await heap(me.page);
+  console.log(`# ${size}: ${frames.count} frames over 20,000 tracks, median ${frames.median.toFixed(1)} ms, ` +
+    `95 % ${frames.p95.toFixed(1)} ms, 99 % ${frames.p99.toFixed(1)} ms, longest ${frames.longest.toFixed(1)} ms, over 50 ms: ${frames.over50}; ` +
+    `heap ${(before / 1e6).toFixed(1)} → ${(after / 1e6).toFixed(1)} MB`);
+  assert.equal(frames.over50, 0, `frames over 50 ms, the longest ${frames.longest} ms`);
+  const rowElements = await me.page.locator('#main .row').count();
+  assert.ok(rowElements < 60, `${rowElements} row elements`);
+  assert.ok(after - before < 40e6, `the heap grew by ${after - before} bytes`);
+
+  if (hasPlayer) {
+    if (me.touch) {
+      await me.controls();
+      await me.press(me.page.locator('dialog.large').getByRole('button', { name: 'Show in its list' }));
+    } else {
+      await me.press(me.page.locator('#player [aria-label="Jump to the current track"]'));
+    }
+    const row = me.row('main', 'Track 12345');
+    await row.waitFor();
+    await eventually(() => row.getAttribute('aria-current'), 'true');
+    const box = await row.boundingBox();
+    assert.ok(box.y > 0 && box.y + box.height < me.page.viewportSize().height, 'the row is in view');
+  }
+
+  // The place is kept when rows are inserted in front of it and when the list is read again.
+  await scroller.evaluate((element) => (element.scrollTop = element.scrollHeight / 2));
+  await eventually(() => me.page.locator('#main .row.waits:not([hidden])').count(), 0);
+  const topRow = () => scroller.evaluate((element) => {
+    const top = element.getBoundingClientRect().top + 80;
+    const row = [...element.querySelectorAll('.row:not([hidden])')].find((found) => found.getBoundingClientRect().top > top);
+    return [row.querySelector('.row-title').textContent, Math.round(row.getBoundingClientRect().top)];
+  });
+  const place = await topRow();
+  await device.send('playlists:pl/removeItems', { plid, items: [3, 4, 5] });
+  await eventually(() => me.meta().textContent().then((text) => /^19,997 tracks/.test(text)), true);
+  await eventually(topRow, place);
+});
+
+story('the first screen is there in 300 ms', async ({ device, open, size }) => {
+  await device.playlist('Party', 'Velka Torrin/Small Hours');
+  const times = [];
+  for (let run = 0; run < 3; run += 1) {
+    const me = await open();
+    await me.row('nav', 'Party').waitFor();
+    times.push(await me.page.evaluate(() => performance.getEntriesByName('first-rows')[0].startTime));
+    await me.window.context.close();
+  }
+  console.log(`# ${size}: first rows on screen after ${times.map((time) => time.toFixed(0)).join(', ')} ms`);
+  // The first opening warms the browser and the disk.
+  assert.ok(Math.min(...times.slice(1)) < 300, `${times} ms`);
+});

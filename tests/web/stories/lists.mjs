@@ -1,0 +1,134 @@
+import assert from 'node:assert/strict';
+import { Albums, Lanterns, Hours } from '../support/device.mjs';
+import { eventually, story } from '../support/story.mjs';
+
+story('create a playlist and rename it', async ({ device, open, size }) => {
+  const me = await open();
+  const other = await open();
+  await me.createFromRoot('Create New Playlist', 'Party');
+  assert.deepEqual(await device.titles('playlists:pl/list'), ['Create new playlist', 'Party']);
+  await other.row('nav', 'Party').waitFor();
+
+  await me.toLists();
+  await me.menuOf('nav', 'Party');
+  await me.choose('Rename');
+  await me.enter('Summer Party');
+  // Renaming keeps the menu open; it shows the new name.
+  await eventually(() => me.entry('Rename').locator('.menu-detail').textContent(), 'Summer Party');
+  await me.closeSheet();
+  await me.row('nav', 'Summer Party').waitFor();
+  await other.row('nav', 'Summer Party').waitFor();
+  if (size === 'desktop') await eventually(() => me.heading().textContent(), 'Summer Party');
+});
+
+story('an error shows the command\'s own text', async ({ device, open, allow }) => {
+  await device.playlist('Party');
+  const me = await open();
+  await me.toLists();
+  await me.menuOf('nav', 'Party');
+  await me.choose('Rename');
+  const answer = me.page.waitForResponse((response) => response.status() === 422);
+  await me.enter('');
+  const { error } = await (await answer).json();
+  assert.match(error.message, /^Could not /);
+  await me.toast(error.message).waitFor();
+  assert.equal(await me.toast(error.message).locator('p').textContent(), error.message);
+  await me.sheet.locator('input').waitFor(); // and the name can be entered again
+  allow(/status 422|status of 422/);
+});
+
+story('delete a playlist open in another window: that view closes', async ({ device, open, size }) => {
+  await device.playlist('Party', Albums.hours);
+  await device.playlist('Other', Albums.lanterns);
+  const me = await open();
+  const other = await open();
+  await other.openList('Party');
+  await me.toLists();
+  await me.menuOf('nav', 'Party');
+  await me.choose('Delete playlist');
+  await me.press(me.sheet.locator('.menu-entry.sure')); // it asks twice
+  await me.sheetCloses();
+  await other.toast('“Party” is gone.').waitFor();
+  if (size === 'phone') await other.page.locator('#nav').waitFor();
+  else await eventually(() => other.heading().textContent(), 'PlayQueue');
+  await eventually(() => other.page.locator('#nav .row.opens:not([hidden]) .row-title').allTextContents(), ['PlayQueue', 'Other']);
+});
+
+story('merge two playlists', async ({ device, open }) => {
+  const target = await device.playlist('Evening', Albums.hours);
+  await device.playlist('Canal', Albums.lanterns);
+  const me = await open();
+  await me.openList('Evening');
+  await me.toLists();
+  await me.menuOf('nav', 'Canal');
+  await me.choose('Merge with playlist', 'Evening', 'Append');
+  await me.sheetCloses();
+  await eventually(() => device.titles(`playlists:pl/items/${target}`), [...Hours, ...Lanterns]);
+  await me.row('nav', 'Canal').waitFor({ state: 'hidden' });
+  await me.openList('Evening');
+  await eventually(() => me.titles('main'), [...Hours, ...Lanterns]);
+});
+
+story('a switch in a menu shows what holds, whoever changes it', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.hours);
+  const me = await open();
+  await me.toLists();
+  await me.menuOf('nav', 'Party');
+  const shuffle = me.entry('Set shuffle mode');
+  assert.equal(await shuffle.getAttribute('aria-checked'), 'false');
+  await me.press(shuffle);
+  await eventually(() => shuffle.getAttribute('aria-checked'), 'true');
+  await device.send('playlists:pl/setShuffle', { plid, mode: 0 });
+  await eventually(() => shuffle.getAttribute('aria-checked'), 'false');
+  const repeat = me.entry('Set repeat mode');
+  await me.press(repeat);
+  await eventually(() => repeat.getAttribute('aria-checked'), 'true');
+});
+
+story('several tracks are chosen and removed, and added to another list', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.lanterns);
+  const target = await device.playlist('Best');
+  const me = await open();
+  await me.openList('Party');
+  await me.press(me.page.locator('#main .screen:not([hidden]) [aria-label="Choose several"]'));
+  for (const title of ['Seven Bridges', 'Last Light Out']) await me.press(me.row('main', title).locator('.row-title'));
+  await me.press(me.page.locator('#main').getByRole('button', { name: 'Add to…' }));
+  await me.choose('Best', 'Append');
+  await eventually(() => device.titles(`playlists:pl/items/${target}`), ['Seven Bridges', 'Last Light Out']);
+
+  await me.press(me.page.locator('#main .screen:not([hidden]) [aria-label="Choose several"]'));
+  for (const title of ['Towpath at Dusk', 'Paper Boats']) await me.press(me.row('main', title).locator('.row-title'));
+  await eventually(() => me.page.locator('#main .bar-title.shown').textContent(), '2 chosen');
+  await me.press(me.page.locator('#main').getByRole('button', { name: 'Remove' }));
+  const left = ['Seven Bridges', "The Lockkeeper's Daughter", 'Last Light Out'];
+  await eventually(() => device.titles(`playlists:pl/items/${plid}`), left);
+  await eventually(() => me.titles('main'), left);
+});
+
+story('names are texts, whatever they hold', async ({ device, open }) => {
+  const name = '<img src=x onerror=document.title="owned"><b>&amp;</b>';
+  await device.playlist(name, Albums.hours);
+  const me = await open();
+  await me.openList(name);
+  assert.equal(await me.heading().textContent(), name);
+  await me.toLists();
+  await me.menuOf('nav', name);
+  assert.equal(await me.sheet.locator('.sheet-title').textContent(), name);
+  assert.equal(await me.page.locator('#nav img[src="x"], #main img[src="x"], dialog img[src="x"]').count(), 0);
+  assert.doesNotMatch(await me.page.title(), /^owned$/);
+});
+
+story('the address keeps the place: reload and back', async ({ device, open, size }) => {
+  await device.playlist('Party', Albums.hours);
+  await device.playlist('Other', Albums.lanterns);
+  const me = await open();
+  await me.openList('Party');
+  await me.toLists();
+  await me.openList('Other');
+  await me.page.reload();
+  await eventually(() => me.heading().textContent(), 'Other');
+  await eventually(() => me.titles('main'), Lanterns);
+  await me.page.goBack();
+  if (size === 'phone') await me.page.locator('#nav').waitFor();
+  else await eventually(() => me.heading().textContent(), 'Party');
+});

@@ -1,0 +1,121 @@
+import assert from 'node:assert/strict';
+import { Albums, Lanterns, Hours, Tides } from '../support/device.mjs';
+import { eventually, story } from '../support/story.mjs';
+
+const playing = async (device) => {
+  const state = await device.value('player:state');
+  const data = await device.value('player:data');
+  return state?.string === 'stopped' ? null : data?.trackRoles?.title ?? null;
+};
+
+story('play from the middle, next, previous, seek', async ({ device, open }) => {
+  await device.playlist('Party', Albums.lanterns);
+  const me = await open();
+  await me.openList('Party');
+  await me.playRow("The Lockkeeper's Daughter");
+  await eventually(() => playing(device), "The Lockkeeper's Daughter");
+  await eventually(() => me.nowTitle(), "The Lockkeeper's Daughter");
+  await eventually(() => me.row('main', "The Lockkeeper's Daughter").getAttribute('aria-current'), 'true');
+
+  await me.control('Next');
+  await eventually(() => me.nowTitle(), 'Paper Boats');
+  await me.control('Previous');
+  await eventually(() => me.nowTitle(), "The Lockkeeper's Daughter");
+
+  const slider = (await me.controls()).locator('.seek .range');
+  await eventually(() => slider.isEnabled(), true);
+  await slider.evaluate((input) => {
+    input.value = 500;
+    input.dispatchEvent(new Event('input', { bubbles: true }));
+    input.dispatchEvent(new Event('change', { bubbles: true }));
+  });
+  const length = (await device.value('player:duration')).i64;
+  await eventually(async () => {
+    const at = (await device.value('player:position')).i64;
+    return at >= length * 0.48 && at < length * 0.9;
+  }, true);
+
+  await me.control('Pause');
+  await eventually(async () => (await device.value('player:state')).string, 'paused');
+  const first = (await device.value('player:position')).i64;
+  await me.control('Play');
+  await eventually(async () => (await device.value('player:position')).i64 > first, true);
+}, { player: true });
+
+story('insert next while shuffled and hear it next', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.lanterns);
+  const me = await open();
+  await me.openList('Party');
+  await me.playRow('Towpath at Dusk');
+  await eventually(() => me.nowTitle(), 'Towpath at Dusk');
+  await me.control('Shuffle');
+  await eventually(async () => (await (await me.controls()).locator('[aria-label="Shuffle"]').getAttribute('aria-pressed')), 'true');
+  await me.closeControls();
+  await me.toMusic('Quillmarsh Ensemble', 'Tides and Clockwork');
+  await me.menuOf('side', 'Ebb');
+  await me.choose('Next');
+  await me.toast('1 track added to Party.').waitFor();
+  assert.equal((await device.titles(`playlists:pl/items/${plid}`))[1], 'Ebb');
+  await me.control('Next');
+  await eventually(() => playing(device), 'Ebb');
+  await eventually(() => me.nowTitle(), 'Ebb');
+}, { player: true });
+
+story('added now sounds now', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.hours);
+  const me = await open();
+  await me.openList('Party');
+  await me.toMusic('Quillmarsh Ensemble');
+  await me.menuOf('side', 'Tides and Clockwork');
+  await me.choose('Now');
+  await eventually(() => me.nowTitle(), 'Escapement');
+  assert.deepEqual(await device.titles(`playlists:pl/items/${plid}`), [...Hours, ...Tides]);
+}, { player: true });
+
+story('a list is played, repeated and jumped to', async ({ device, open }) => {
+  await device.playlist('Party', Albums.lanterns);
+  await device.playlist('Other', Albums.hours);
+  const me = await open();
+  await me.openList('Party');
+  await me.press(me.page.locator('#main .screen:not([hidden]) .hero').getByRole('button', { name: 'Play' }));
+  await eventually(() => me.nowTitle(), Lanterns[0]);
+  await me.control('Repeat: off');
+  await eventually(async () => (await device.value('player:playMode')).string, 'repeatAll');
+  await me.control('Repeat: all');
+  await eventually(async () => (await device.value('player:playMode')).string, 'repeatOne');
+  await me.closeControls();
+  await me.toLists();
+  await me.openList('Other');
+  if (me.touch) {
+    await me.controls();
+    await me.press(me.page.locator('dialog.large').getByRole('button', { name: 'Show in its list' }));
+  } else {
+    await me.page.keyboard.press('j');
+  }
+  await eventually(() => me.heading().textContent(), 'Party');
+  await eventually(() => me.page.evaluate(() => document.activeElement.querySelector('.row-title')?.textContent), Lanterns[0]);
+}, { player: true });
+
+story('two windows show the same volume', async ({ device, open }) => {
+  const me = await open();
+  const other = await open();
+  const volume = me.page.locator('#player .volume .range');
+  await volume.evaluate((input) => {
+    input.value = 35;
+    input.dispatchEvent(new Event('input', { bubbles: true }));
+  });
+  await eventually(async () => (await device.value('player:volume')).i32, 35);
+  await eventually(() => other.page.locator('#player .volume .range').inputValue(), '35');
+}, { player: true, sizes: ['desktop'] });
+
+story('a device without a player shows that, and asks for nothing it has not', async ({ device, open }) => {
+  await device.playlist('Party', Albums.hours);
+  const me = await open();
+  await eventually(() => me.nowTitle(), 'No player');
+  assert.equal(await me.page.locator('#player .play-button').isEnabled(), false);
+  await me.openList('Party');
+  await me.row('main', 'Two Kettles').waitFor();
+  assert.equal(await me.page.locator('#main .screen:not([hidden]) .hero').getByRole('button', { name: 'Play' }).count(), 0);
+  await me.playRow('Two Kettles'); // there is its menu instead
+  await me.entry('Remove track').waitFor();
+}, { device: { modules: ['playlists', 'files', 'gateway'] } });

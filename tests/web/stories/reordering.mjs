@@ -1,0 +1,63 @@
+import assert from 'node:assert/strict';
+import { Albums, Lanterns } from '../support/device.mjs';
+import { eventually, story } from '../support/story.mjs';
+
+const [first, second, third, fourth, fifth] = Lanterns;
+
+story('reorder by drag; the second window follows without a reload', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.lanterns);
+  const me = await open();
+  const other = await open();
+  await me.openList('Party');
+  await other.openList('Party');
+  await other.page.evaluate(() => (window.stayed = true));
+  await me.page.locator('#main .row.movable').first().waitFor();
+
+  const down = [second, third, fourth, first, fifth];
+  await me.drag(first, fourth);
+  await eventually(() => device.titles(`playlists:pl/items/${plid}`), down);
+  await eventually(() => me.titles('main'), down);
+  await eventually(() => other.titles('main'), down);
+
+  const up = [fifth, second, third, fourth, first];
+  await me.drag(fifth, second);
+  await eventually(() => device.titles(`playlists:pl/items/${plid}`), up);
+  await eventually(() => other.titles('main'), up);
+  assert.equal(await other.page.evaluate(() => window.stayed), true);
+});
+
+story('several tracks are moved at once', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.lanterns);
+  const me = await open();
+  await me.openList('Party');
+  await me.page.locator('#main .row.movable').first().waitFor();
+  const control = { modifiers: ['Control'] };
+  await me.row('main', first).locator('.row-title').click();
+  await me.row('main', third).locator('.row-title').click(control);
+  await me.drag(first, fourth);
+  const moved = [second, fourth, first, third, fifth];
+  await eventually(() => device.titles(`playlists:pl/items/${plid}`), moved);
+  await eventually(() => me.titles('main'), moved);
+}, { sizes: ['desktop'] });
+
+story('a track is moved by its menu, by the keys, and removed', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.lanterns);
+  const me = await open();
+  await me.openList('Party');
+  await me.menuOf('main', first);
+  await me.choose('Move track');
+  await me.enter('2');
+  await me.sheetCloses();
+  await eventually(() => device.titles(`playlists:pl/items/${plid}`), [second, third, first, fourth, fifth]);
+  await me.menuOf('main', fifth);
+  await me.choose('Remove track');
+  await me.sheetCloses();
+  await eventually(() => me.titles('main'), [second, third, first, fourth]);
+
+  await me.page.locator('#main .row.movable').first().waitFor();
+  await me.row('main', second).focus();
+  await me.page.keyboard.press('Alt+ArrowDown');
+  await eventually(() => device.titles(`playlists:pl/items/${plid}`), [third, second, first, fourth]);
+  // The focus goes along with the track.
+  await eventually(() => me.page.evaluate(() => document.activeElement.querySelector('.row-title')?.textContent), second);
+});

@@ -1,0 +1,11 @@
+// All tests of the page, one after the other: one browser, one device at a time.
+import './units/liststore.mjs';
+import './units/helpers.mjs';
+import './stories/lists.mjs';
+import './stories/adding.mjs';
+import './stories/playing.mjs';
+import './stories/reordering.mjs';
+import './stories/collections.mjs';
+import './stories/connection.mjs';
+import './stories/access.mjs';
+import './stories/large.mjs';

@@ -1,0 +1,108 @@
+// The frame of a story: a device, a browser window of the right size, and the check that nothing
+// went wrong behind the page.
+
+import assert from 'node:assert/strict';
+import { appendFileSync } from 'node:fs';
+import { join } from 'node:path';
+import { after, before, test } from 'node:test';
+import { chromium } from 'playwright-core';
+import { Device, hasPlayer } from './device.mjs';
+import { People } from './people.mjs';
+
+// The browser asks nobody but the device.
+const Flags = ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
+  '--disable-component-update', '--disable-sync'];
+
+export const Sizes = {
+  phone: { viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true },
+  desktop: { viewport: { width: 1440, height: 900 } },
+};
+
+let browser;
+before(async () => {
+  browser = await chromium.launch({ executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: Flags });
+});
+after(() => browser?.close());
+
+class Window {
+  constructor(device, size) {
+    this.device = device;
+    this.size = size;
+    this.wrong = [];
+  }
+
+  async open({ address = '/', ...options } = {}) {
+    this.context = await browser.newContext({ ...Sizes[this.size], ...options });
+    this.page = await this.context.newPage();
+    this.page.setDefaultTimeout(6000);
+    const note = (text) => this.wrong.push(text);
+    this.page.on('console', (message) => {
+      if (['error', 'warning'].includes(message.type())) note(`console: ${message.text()} ${message.location().url}`);
+    });
+    this.page.on('pageerror', (error) => note(`exception: ${error.stack}`));
+    this.page.on('response', (response) => response.status() >= 400 && note(`status ${response.status()}: ${response.url()}`));
+    this.page.on('requestfailed', (request) => {
+      // Closing a stream is how the page ends it.
+      if (!request.url().includes('/api/events')) note(`failed: ${request.url()} ${request.failure()?.errorText}`);
+    });
+    await this.page.goto(this.device.url + address);
+    await this.page.locator('#nav .row.heads').first().waitFor({ state: 'attached' });
+    return new People(this);
+  }
+}
+
+// tell(t): tells it at both sizes. t: {device, size, open(), allow(pattern)}.
+export function story(name, tell, { player = false, device: options = {}, sizes = Object.keys(Sizes) } = {}) {
+  for (const size of sizes) {
+    const skip = player && !hasPlayer ? 'liborvo_player.so is not built' : false;
+    test(`${name} (${size})`, { skip }, async () => {
+      const device = new Device(options);
+      const windows = [];
+      const allowed = [];
+      const open = async (how) => {
+        const window = new Window(device, size);
+        windows.push(window);
+        return window.open(how);
+      };
+      await device.start();
+      try {
+        await device.ready();
+        await tell({ device, size, open, allow: (pattern) => allowed.push(pattern) });
+        const wrong = windows.flatMap((window) => window.wrong)
+          .filter((text) => !allowed.some((pattern) => pattern.test(text)));
+        assert.deepEqual(wrong, [], 'something went wrong behind the page');
+      } catch (error) {
+        await keepEvidence(name, size, windows, device);
+        throw error;
+      } finally {
+        for (const window of windows) await window.context?.close();
+        await device.end();
+      }
+    });
+  }
+}
+
+async function keepEvidence(name, size, windows, device) {
+  const file = (i, end) => join(process.env.ORVO_WORK, `failed ${name} (${size}) ${i}${end}`.replace(/[^\w ().]/g, '_'));
+  for (const [i, window] of windows.entries()) {
+    await window.page?.screenshot({ path: file(i, '.png') }).catch(() => {});
+    appendFileSync(file(i, '.log'), `${window.wrong.join('\n')}\n`);
+  }
+  appendFileSync(file('device', '.log'), device.log());
+}
+
+// Waits until `look` gives what is expected; fails with what it gave last.
+export async function eventually(look, expected, { within = 5000 } = {}) {
+  const end = Date.now() + within;
+  let seen;
+  do {
+    seen = await look();
+    try {
+      assert.deepEqual(seen, expected);
+      return;
+    } catch {
+      await new Promise((done) => setTimeout(done, 30));
+    }
+  } while (Date.now() < end);
+  assert.deepEqual(seen, expected);
+}
