@@ -15,6 +15,7 @@ class PlayListWorker : public CMNodesWorker {
     Q_OBJECT
 public:
     explicit PlayListWorker(const QHash<QString, QVariant>& config);
+    // Takes its parts along, the store last, so that the file is closed when a host ends in order.
     ~PlayListWorker() override;
 
     void setDataRequest(const CMSetDataRequest& request) override;
