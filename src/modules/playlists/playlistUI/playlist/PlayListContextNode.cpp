@@ -54,12 +54,12 @@ bool PlayListContextNode::getRowsRequest(const CMGetRowsRequest& request) {
 
 namespace {
 
-// The mode that the entry carries, else the switch's value.
-bool wantedMode(const CMSetDataRequest& request, const QString& modeParam) {
+// The mode that the entry carries, else the switch's value. Which numbers are modes is for the command to say.
+int wantedMode(const CMSetDataRequest& request, const QString& modeParam) {
     const QMap<QString, QString>& params = request.path().params();
     if (params.contains(modeParam))
-        return params.value(modeParam).toInt() != 0;
-    return OrvoValue(request.value().toHash()).bool_();
+        return params.value(modeParam).toInt();
+    return OrvoValue(request.value().toHash()).bool_() ? 1 : 0;
 }
 
 } // namespace
@@ -77,15 +77,16 @@ bool PlayListContextNode::setDataRequest(const CMSetDataRequest& request) {
     if (action == QLatin1String("shuffle")) {
         OrvoPlayListPlSetShuffle args;
         args.setPlid(plid);
-        args.setMode(wantedMode(request, Mode()) ? OrvoPlayListPlShuffleMode::On : OrvoPlayListPlShuffleMode::Off);
+        args.setMode(OrvoPlayListPlShuffleMode::Enum(wantedMode(request, Mode())));
         sendCommand(OrvoPlayListPlSetShufflePath(), args, request);
         return true;
     }
     if (action == QLatin1String("repeat")) {
-        // The entry switches repeat-all, which is the one mode that a playlist keeps.
+        // "On" is repeat-all here, the one mode that a playlist keeps.
         OrvoPlayListPlSetRepeat args;
         args.setPlid(plid);
-        args.setMode(wantedMode(request, Mode()) ? OrvoPlayListPlRepeatMode::All : OrvoPlayListPlRepeatMode::Off);
+        const int mode = wantedMode(request, Mode());
+        args.setMode(mode == 1 ? OrvoPlayListPlRepeatMode::All : OrvoPlayListPlRepeatMode::Enum(mode));
         sendCommand(OrvoPlayListPlSetRepeatPath(), args, request);
         return true;
     }
