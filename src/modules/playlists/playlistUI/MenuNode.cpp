@@ -3,6 +3,7 @@
 #include <QPointer>
 
 #include "CMRootWorker.h"
+#include "OrvoPlayListCommands.h"
 
 CMPath MenuNode::pathWith(CMPath path, const Params& params) {
     for (const auto& param : params)
@@ -53,8 +54,30 @@ void MenuNode::sendMenu(const QList<OrvoRoles>& entries, const TrString& title, 
     sendRowsReply(rows, rows.count(), title, createRolesFromPath(request.path(), request.roleNames()), request, true);
 }
 
-bool MenuNode::closesAfter(const QString&) const {
-    return true;
+int MenuNode::numberParam(const CMSetDataRequest& request, const QString& name) {
+    return toInt(request.path().param(name), -1);
+}
+
+OrvoHash MenuNode::playListOnly(const CMSetDataRequest& request) {
+    OrvoPlayListPlId args;
+    args.setPlid(numberParam(request, Plid()));
+    return args;
+}
+
+const MenuNode::MenuAction* MenuNode::findAction(const CMSetDataRequest& request) const {
+    const QString name = request.path().param(Action());
+    for (const MenuAction& action : actions()) {
+        if (name == QLatin1String(action.name))
+            return &action;
+    }
+    return nullptr;
+}
+
+bool MenuNode::setDataRequest(const CMSetDataRequest& request) {
+    const MenuAction* action = findAction(request);
+    if (action)
+        sendCommand(action->command(), action->arguments(request), request);
+    return action != nullptr;
 }
 
 QString MenuNode::stringValue(const CMSetDataRequest& request) {
@@ -91,7 +114,8 @@ void MenuNode::watchReplyFinished(const CMReply<QVariant>& reply, CMSetDataReque
         request.reply().setError(reply.error());
         return;
     }
-    if (!closesAfter(request.path().param(Action()))) {
+    const MenuAction* action = findAction(request);
+    if (action && action->after == Menu::StaysOpen) {
         request.reply().setValue(reply.value());
         return;
     }

@@ -36,11 +36,10 @@ PlayListUI::PlayListUI(QObject* parent, CMNodes* nodes, CMSubscribe* subscribe, 
 }
 
 void PlayListUI::createFixedNodes() {
-    m_listNode = PlayListGetListNode::create(m_nodes, OrvoPlayListPlGetlistPath(), m_manager);
     m_nodeList = {
         RootNode::create(m_nodes, OrvoPlayListsRootPath(), m_manager),
         PlayQueueContextNode::create(m_nodes, OrvoPlayListPqContextPath(), m_manager),
-        m_listNode,
+        m_listNode = PlayListGetListNode::create(m_nodes, OrvoPlayListPlGetlistPath(), m_manager),
         PlayListAddToPlaylistNode::create(m_nodes, OrvoPlayListPlAddToPlaylistPath(), m_manager),
         PlayListAddModeNode::create(m_nodes, OrvoPlayListPlSelectAddModePath(), m_manager),
         PlayListContextNode::create(m_nodes, OrvoPlayListPlContextPath(), m_manager),

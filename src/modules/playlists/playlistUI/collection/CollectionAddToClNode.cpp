@@ -10,10 +10,6 @@ CollectionAddToClNode* CollectionAddToClNode::create(CMNodes* nodes, const CMPat
     return createNode<CollectionAddToClNode>(nodes, path, manager);
 }
 
-bool CollectionAddToClNode::closesAfter(const QString& action) const {
-    return action == QLatin1String("addItem");
-}
-
 bool CollectionAddToClNode::getRowsRequest(const CMGetRowsRequest& request) {
     QList<OrvoRoles> entries;
     entries.append(editRow(TrString("CollectionAddToClNode", "Create new collection"),
@@ -29,23 +25,25 @@ bool CollectionAddToClNode::getRowsRequest(const CMGetRowsRequest& request) {
     return true;
 }
 
-bool CollectionAddToClNode::setDataRequest(const CMSetDataRequest& request) {
-    const QMap<QString, QString>& params = request.path().params();
-    const QString action = params.value(Action());
-    if (action == QLatin1String("createCl")) {
+std::span<const MenuNode::MenuAction> CollectionAddToClNode::actions() const {
+    constexpr auto name = [](const CMSetDataRequest& request) -> OrvoHash {
         OrvoPlayListClCreate args;
         args.setName(stringValue(request));
-        sendCommand(OrvoPlayListClCreatePath(), args, request);
-        return true;
-    }
-    if (action == QLatin1String("addItem")) {
+        return args;
+    };
+    constexpr auto membership = [](const CMSetDataRequest& request) -> OrvoHash {
+        const QMap<QString, QString>& params = request.path().params();
         OrvoPlayListClAddRemoveItem args;
         if (params.contains(Plid()))
-            args.setPlid(toInt(params.value(Plid()), -1));
+            args.setPlid(numberParam(request, Plid()));
         if (params.contains(Clid()))
-            args.setClid(toInt(params.value(Clid()), -1));
-        sendCommand(OrvoPlayListClAddItemPath(), args, request);
-        return true;
-    }
-    return false;
+            args.setClid(numberParam(request, Clid()));
+        return args;
+    };
+    // The menu stays so that the new collection can be chosen.
+    static constexpr MenuAction rows[] = {
+        {"createCl", OrvoPlayListClCreatePath, name, Menu::StaysOpen},
+        {"addItem", OrvoPlayListClAddItemPath, membership},
+    };
+    return rows;
 }

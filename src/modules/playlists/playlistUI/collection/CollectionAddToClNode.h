@@ -11,9 +11,7 @@ public:
     static CollectionAddToClNode* create(CMNodes* nodes, const CMPath& path, PlayListManager* manager);
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
-    bool setDataRequest(const CMSetDataRequest& request) override;
 
 protected:
-    // Stays open after "createCl", so that the new collection can be chosen.
-    bool closesAfter(const QString& action) const override;
+    std::span<const MenuAction> actions() const override;
 };

@@ -21,11 +21,12 @@ bool CollectionContextNode::getRowsRequest(const CMGetRowsRequest& request) {
     return true;
 }
 
-bool CollectionContextNode::setDataRequest(const CMSetDataRequest& request) {
-    if (request.path().param(Action()) != QLatin1String("delete"))
-        return false;
-    OrvoPlayListClId args;
-    args.setClid(toInt(request.path().param(Clid()), -1));
-    sendCommand(OrvoPlayListClDeletePath(), args, request);
-    return true;
+std::span<const MenuNode::MenuAction> CollectionContextNode::actions() const {
+    constexpr auto collection = [](const CMSetDataRequest& request) -> OrvoHash {
+        OrvoPlayListClId args;
+        args.setClid(numberParam(request, Clid()));
+        return args;
+    };
+    static constexpr MenuAction rows[] = {{"delete", OrvoPlayListClDeletePath, collection}};
+    return rows;
 }

@@ -3,7 +3,6 @@
 #include "../../ModuleLog.h"
 #include "../../PlayListBase.h"
 #include "../../PlayListManager.h"
-#include "CMRootWorker.h"
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 
@@ -31,11 +30,13 @@ bool PlayListAddToPlaylistNode::getRowsRequest(const CMGetRowsRequest& request) 
     return true;
 }
 
-bool PlayListAddToPlaylistNode::setDataRequest(const CMSetDataRequest& request) {
-    if (request.path().param(Action()) != QLatin1String("createPl"))
-        return false;
-    OrvoPlayListPlCreate args;
-    args.setName(stringValue(request));
-    CMRoot()->invoke(OrvoPlayListPlCreatePath(), args.toVariant(), request.reply());
-    return true;
+std::span<const MenuNode::MenuAction> PlayListAddToPlaylistNode::actions() const {
+    constexpr auto name = [](const CMSetDataRequest& request) -> OrvoHash {
+        OrvoPlayListPlCreate args;
+        args.setName(stringValue(request));
+        return args;
+    };
+    // The menu stays so that the new playlist can be chosen.
+    static constexpr MenuAction rows[] = {{"createPl", OrvoPlayListPlCreatePath, name, Menu::StaysOpen}};
+    return rows;
 }

@@ -10,10 +10,6 @@ PlayListContextNode* PlayListContextNode::create(CMNodes* nodes, const CMPath& p
     return createNode<PlayListContextNode>(nodes, path, manager);
 }
 
-bool PlayListContextNode::closesAfter(const QString& action) const {
-    return action != QLatin1String("shuffle") && action != QLatin1String("repeat") && action != QLatin1String("rename");
-}
-
 bool PlayListContextNode::getRowsRequest(const CMGetRowsRequest& request) {
     const QString plid = request.path().param(Plid());
     const QString clid = request.path().param(Clid());
@@ -54,61 +50,52 @@ bool PlayListContextNode::getRowsRequest(const CMGetRowsRequest& request) {
 
 namespace {
 
-// The mode that the entry carries, else the switch's value.
-bool wantedMode(const CMSetDataRequest& request, const QString& modeParam) {
+// The mode that the entry carries, else the switch's value. Which numbers are modes is for the command to say.
+int wantedMode(const CMSetDataRequest& request, const QString& modeParam) {
     const QMap<QString, QString>& params = request.path().params();
     if (params.contains(modeParam))
-        return params.value(modeParam).toInt() != 0;
-    return OrvoValue(request.value().toHash()).bool_();
+        return params.value(modeParam).toInt();
+    return OrvoValue(request.value().toHash()).bool_() ? 1 : 0;
 }
 
 } // namespace
 
-bool PlayListContextNode::setDataRequest(const CMSetDataRequest& request) {
-    const QString action = request.path().param(Action());
-    const int plid = toInt(request.path().param(Plid()), -1);
-    if (action == QLatin1String("rename")) {
+std::span<const MenuNode::MenuAction> PlayListContextNode::actions() const {
+    constexpr auto newName = [](const CMSetDataRequest& request) -> OrvoHash {
         OrvoPlayListPlSetName args;
-        args.setPlid(plid);
+        args.setPlid(numberParam(request, Plid()));
         args.setName(stringValue(request));
-        sendCommand(OrvoPlayListPlSetNamePath(), args, request);
-        return true;
-    }
-    if (action == QLatin1String("shuffle")) {
-        OrvoPlayListPlSetShuffle args;
-        args.setPlid(plid);
-        args.setMode(wantedMode(request, Mode()) ? OrvoPlayListPlShuffleMode::On : OrvoPlayListPlShuffleMode::Off);
-        sendCommand(OrvoPlayListPlSetShufflePath(), args, request);
-        return true;
-    }
-    if (action == QLatin1String("repeat")) {
-        // The entry switches repeat-all, which is the one mode that a playlist keeps.
-        OrvoPlayListPlSetRepeat args;
-        args.setPlid(plid);
-        args.setMode(wantedMode(request, Mode()) ? OrvoPlayListPlRepeatMode::All : OrvoPlayListPlRepeatMode::Off);
-        sendCommand(OrvoPlayListPlSetRepeatPath(), args, request);
-        return true;
-    }
-    if (action == QLatin1String("delFromCl")) {
-        OrvoPlayListClAddRemoveItem args;
-        args.setPlid(plid);
-        args.setClid(toInt(request.path().param(Clid()), -1));
-        sendCommand(OrvoPlayListClRemoveItemPath(), args, request);
-        return true;
-    }
-    struct PlainAction {
-        const char* action;
-        CMPath (*command)();
+        return args;
     };
-    static constexpr PlainAction plainActions[] = {
-        {"play", OrvoPlayListPlPlayPath}, {"clearPl", OrvoPlayListPlClearPath}, {"delPL", OrvoPlayListPlDeletePath}};
-    for (const PlainAction& plain : plainActions) {
-        if (action == QLatin1String(plain.action)) {
-            OrvoPlayListPlId args;
-            args.setPlid(plid);
-            sendCommand(plain.command(), args, request);
-            return true;
-        }
-    }
-    return false;
+    constexpr auto shuffleMode = [](const CMSetDataRequest& request) -> OrvoHash {
+        OrvoPlayListPlSetShuffle args;
+        args.setPlid(numberParam(request, Plid()));
+        args.setMode(OrvoPlayListPlShuffleMode::Enum(wantedMode(request, Mode())));
+        return args;
+    };
+    constexpr auto repeatMode = [](const CMSetDataRequest& request) -> OrvoHash {
+        // "On" is repeat-all here, the one mode that a playlist keeps.
+        const int mode = wantedMode(request, Mode());
+        OrvoPlayListPlSetRepeat args;
+        args.setPlid(numberParam(request, Plid()));
+        args.setMode(mode == 1 ? OrvoPlayListPlRepeatMode::All : OrvoPlayListPlRepeatMode::Enum(mode));
+        return args;
+    };
+    constexpr auto membership = [](const CMSetDataRequest& request) -> OrvoHash {
+        OrvoPlayListClAddRemoveItem args;
+        args.setPlid(numberParam(request, Plid()));
+        args.setClid(numberParam(request, Clid()));
+        return args;
+    };
+    // The menu stays where its entry shows the new value.
+    static constexpr MenuAction rows[] = {
+        {"play", OrvoPlayListPlPlayPath, playListOnly},
+        {"rename", OrvoPlayListPlSetNamePath, newName, Menu::StaysOpen},
+        {"shuffle", OrvoPlayListPlSetShufflePath, shuffleMode, Menu::StaysOpen},
+        {"repeat", OrvoPlayListPlSetRepeatPath, repeatMode, Menu::StaysOpen},
+        {"delFromCl", OrvoPlayListClRemoveItemPath, membership},
+        {"clearPl", OrvoPlayListPlClearPath, playListOnly},
+        {"delPL", OrvoPlayListPlDeletePath, playListOnly},
+    };
+    return rows;
 }

@@ -57,23 +57,23 @@ int enteredPosition(const CMSetDataRequest& request) {
 }
 } // namespace
 
-bool PlayListTrackContextNode::setDataRequest(const CMSetDataRequest& request) {
-    const CMPath& path = request.path();
-    const QString action = path.param(Action());
-    if (action == QLatin1String("moveTr")) {
+std::span<const MenuNode::MenuAction> PlayListTrackContextNode::actions() const {
+    constexpr auto move = [](const CMSetDataRequest& request) -> OrvoHash {
         OrvoPlayListPlMoveItems args;
-        args.setPlid(toInt(path.param(Plid()), -1));
-        args.setItems({toInt(path.param(QStringLiteral("from")), -1)});
+        args.setPlid(numberParam(request, Plid()));
+        args.setItems({numberParam(request, QStringLiteral("from"))});
         args.setTo(enteredPosition(request));
-        sendCommand(OrvoPlayListPlMoveItemspath(), args, request);
-        return true;
-    }
-    if (action == QLatin1String("removeTr")) {
+        return args;
+    };
+    constexpr auto remove = [](const CMSetDataRequest& request) -> OrvoHash {
         OrvoPlayListPlRemoveItems args;
-        args.setPlid(toInt(path.param(FromPlid()), -1));
-        args.setItems({toInt(path.param(SeqNum()), -1)});
-        sendCommand(OrvoPlayListPlRemoveItemsPath(), args, request);
-        return true;
-    }
-    return false;
+        args.setPlid(numberParam(request, FromPlid()));
+        args.setItems({numberParam(request, SeqNum())});
+        return args;
+    };
+    static constexpr MenuAction rows[] = {
+        {"moveTr", OrvoPlayListPlMoveItemspath, move},
+        {"removeTr", OrvoPlayListPlRemoveItemsPath, remove},
+    };
+    return rows;
 }

@@ -11,5 +11,7 @@ public:
     static PlayListTrackContextNode* create(CMNodes* nodes, const CMPath& path, PlayListManager* manager);
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
-    bool setDataRequest(const CMSetDataRequest& request) override;
+
+protected:
+    std::span<const MenuAction> actions() const override;
 };

@@ -23,15 +23,10 @@ bool PlayQueueContextNode::getRowsRequest(const CMGetRowsRequest& request) {
     return true;
 }
 
-bool PlayQueueContextNode::setDataRequest(const CMSetDataRequest& request) {
-    const QString action = request.path().param(Action());
-    OrvoPlayListPlId args;
-    args.setPlid(toInt(request.path().param(Plid()), -1));
-    if (action == QLatin1String("playPl"))
-        sendCommand(OrvoPlayListPlPlayPath(), args, request);
-    else if (action == QLatin1String("clearPl"))
-        sendCommand(OrvoPlayListPlClearPath(), args, request);
-    else
-        return false;
-    return true;
+std::span<const MenuNode::MenuAction> PlayQueueContextNode::actions() const {
+    static constexpr MenuAction rows[] = {
+        {"playPl", OrvoPlayListPlPlayPath, playListOnly},
+        {"clearPl", OrvoPlayListPlClearPath, playListOnly},
+    };
+    return rows;
 }
