@@ -97,6 +97,31 @@ TEST_F(SoundDeviceTest, aPauseLosesNothing) {
     EXPECT_TRUE(played() == a);
 }
 
+TEST_F(SoundDeviceTest, quickPausesAndResumesEndInWhatWasLastAskedFor) {
+    const Pcm a = SoundFiles::pcm(44100, 1);
+    const QString uri = files.wav("a.wav", a);
+    PlayerEngine engine("auto");
+    bool started = false;
+    QObject::connect(&engine, &PlayerEngine::started, &engine, [&] { started = true; });
+    for (int round = 0; round < 8; ++round) {
+        started = false;
+        engine.play(quint64(round + 1), uri, 0, false);
+        ASSERT_TRUE(waitUntil([&] { return started; }));
+        waitFor(round);
+        for (int i = 0; i <= round; ++i) {
+            engine.setPaused(true);
+            if (i % 2)
+                QCoreApplication::processEvents();
+            if (i % 3 == 2)
+                engine.seek(100);
+            engine.setPaused(false);
+        }
+        const qint64 at = engine.position();
+        EXPECT_TRUE(waitUntil([&] { return engine.position() > at + 30; }, 3000))
+            << "round " << round;
+    }
+}
+
 TEST_F(SoundDeviceTest, theVolumeIsTheDevicesAndMayChangeAnyTime) {
     const Pcm a = SoundFiles::pcm(8820, 1);
     PlayerEngine engine("auto");
