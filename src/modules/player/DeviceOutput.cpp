@@ -187,8 +187,11 @@ qint64 DeviceOutput::heardFrames() {
     if (!m_pipeline)
         return 0;
     const qint64 running = runningFrames();
+    const guint64 waiting = gst_app_src_get_current_level_bytes(GST_APP_SRC(m_source));
     const std::lock_guard lock(m_mutex);
-    m_heard = std::clamp(m_base + running - m_late, m_heard, m_written);
+    // What the sink has not even fetched was not heard, whatever the clock says.
+    const qint64 fetched = m_written - qint64(waiting) / m_format.frameBytes();
+    m_heard = qMax(m_heard, qMin(m_base + running - m_late, fetched));
     return m_heard;
 }
 
