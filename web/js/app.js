@@ -33,7 +33,7 @@ export class App {
     this.covers = new Covers();
     this.player = new Player(paths);
     this.narrow = matchMedia(Narrow);
-    this.feed = new EventFeed({ watch: [paths.OrvoPlayerPositionPath].filter(Boolean) });
+    this.feed = new EventFeed();
     this.setModules(modules);
     this.menu = new Menu(this);
     this.nav = new Pane(this, 'nav', document.getElementById('nav'));

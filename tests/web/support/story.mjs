@@ -18,11 +18,12 @@ export const Sizes = {
   desktop: { viewport: { width: 1440, height: 900 } },
 };
 
-let browser;
+let theBrowser;
+export const browser = () => theBrowser;
 before(async () => {
-  browser = await chromium.launch({ executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: Flags });
+  theBrowser = await chromium.launch({ executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: Flags });
 });
-after(() => browser?.close());
+after(() => theBrowser?.close());
 
 class Window {
   constructor(device, size) {
@@ -32,7 +33,7 @@ class Window {
   }
 
   async open({ address = '/', ...options } = {}) {
-    this.context = await browser.newContext({ ...Sizes[this.size], ...options });
+    this.context = await theBrowser.newContext({ ...Sizes[this.size], ...options });
     this.page = await this.context.newPage();
     this.page.setDefaultTimeout(6000);
     const note = (text) => this.wrong.push(text);

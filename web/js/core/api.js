@@ -1,5 +1,7 @@
 // The device over HTTP. Every failure is an ApiError whose message is what the device said.
 
+import { takeFirst } from './boot.js';
+
 export class ApiError extends Error {
   constructor(message, { name = 'Error', title = 'Error', status = 0 } = {}) {
     super(message);
@@ -73,10 +75,10 @@ export async function sendData(path, value = {}) {
   return answer.result ?? {};
 }
 
-export const getPaths = () => request('/api/paths');
+export const getPaths = () => takeFirst('/api/paths') ?? request('/api/paths');
 
 export async function getModules() {
-  return (await request('/api/modules')).modules;
+  return (await (takeFirst('/api/modules') ?? request('/api/modules'))).modules;
 }
 
 export function artworkUrl(uri) {

@@ -5,13 +5,13 @@
 // read again.
 
 import { onReachable } from './api.js';
+import { openStream, takeStream } from './boot.js';
 
 const RetryMs = 1500;
 const ShowLossAfterMs = 400;
 
 export class EventFeed {
-  constructor({ watch = [] } = {}) {
-    this.watch = watch;
+  constructor() {
     this.listeners = new Set();
     this.stateListeners = new Set();
     this.resyncListeners = new Set();
@@ -43,33 +43,35 @@ export class EventFeed {
   connect() {
     clearTimeout(this.retryTimer);
     this.source?.close();
-    const query = new URLSearchParams(this.watch.map((path) => ['watch', path]));
-    if (this.lastId !== null) query.append('lastEventId', this.lastId);
-    const source = new EventSource(`/api/events?${query}`);
-    const resumes = this.lastId !== null;
-    let opened = false;
+    const early = this.source ? null : takeStream();
+    const source = early?.source ?? openStream(this.lastId);
     this.source = source;
-    for (const kind of ['rows', 'startingWith', 'value']) {
-      source.addEventListener(kind, (event) => {
-        this.lastId = event.lastEventId;
-        this.tell({ kind, ...JSON.parse(event.data) });
-      });
-    }
-    source.addEventListener('resync', (event) => {
-      this.lastId = event.lastEventId;
-      for (const listener of this.resyncListeners) listener();
-    });
+    // What was read before the stream stood may be out of date already, unless the stream goes on
+    // where the last one was lost.
+    let mayHaveMissed = this.lastId === null && source.readyState !== EventSource.OPEN;
+    for (const kind of ['rows', 'startingWith', 'value', 'resync'])
+      source.addEventListener(kind, (event) => this.take(event));
     source.addEventListener('open', () => {
       this.found();
-      // What was read before the stream stood may be out of date already.
-      if (!opened && !resumes) for (const listener of this.resyncListeners) listener();
-      opened = true;
+      if (mayHaveMissed) this.resync();
+      mayHaveMissed = false;
     });
     source.addEventListener('error', () => {
       this.lost();
       if (source.readyState === EventSource.CLOSED && source === this.source)
         this.retryTimer = setTimeout(() => this.connect(), RetryMs);
     });
+    for (const event of early?.events ?? []) this.take(event);
+  }
+
+  take(event) {
+    this.lastId = event.lastEventId;
+    if (event.type === 'resync') this.resync();
+    else this.tell({ kind: event.type, ...JSON.parse(event.data) });
+  }
+
+  resync() {
+    for (const listener of this.resyncListeners) listener();
   }
 
   tell(event) {

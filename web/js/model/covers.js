@@ -19,8 +19,8 @@ export class Covers extends Emitter {
   constructor() {
     super();
     this.known = new Map(); // path → urls
-    this.queue = new Map(); // path → callbacks, the newest first in line
-    this.running = 0;
+    this.queue = new Map(); // path → callbacks; the newest is looked up first
+    this.running = new Map(); // path → {callbacks, stale}
     this.gone = new Set();
   }
 
@@ -29,29 +29,38 @@ export class Covers extends Emitter {
     const urls = this.known.get(path);
     if (urls) return urls;
     if (this.gone.has(path)) return [];
-    const callbacks = this.queue.get(path) ?? [];
+    const running = this.running.get(path);
+    if (running) {
+      running.callbacks.add(found);
+      return null;
+    }
+    const callbacks = this.queue.get(path) ?? new Set();
     this.queue.delete(path);
-    this.queue.set(path, [...callbacks, found]);
+    this.queue.set(path, callbacks.add(found));
     this.pump();
     return null;
   }
 
-
-  async pump() {
-    while (this.running < MostRequests && this.queue.size) {
+  pump() {
+    while (this.running.size < MostRequests && this.queue.size) {
       const [path, callbacks] = [...this.queue].at(-1);
       this.queue.delete(path);
-      this.running += 1;
-      this.look(path).then((urls) => {
-        this.running -= 1;
-        if (urls) {
-          this.known.set(path, urls);
-          if (this.known.size > MostKept) this.known.delete(this.known.keys().next().value);
-          for (const callback of callbacks) callback(urls);
-        }
-        this.pump();
-      });
+      const entry = { callbacks, stale: false };
+      this.running.set(path, entry);
+      this.look(path).then((urls) => this.onLooked(path, entry, urls));
     }
+  }
+
+  onLooked(path, { callbacks, stale }, urls) {
+    this.running.delete(path);
+    if (stale) {
+      this.queue.set(path, callbacks);
+    } else if (urls) {
+      this.known.set(path, urls);
+      if (this.known.size > MostKept) this.known.delete(this.known.keys().next().value);
+      for (const callback of callbacks) callback(urls);
+    }
+    this.pump();
   }
 
   async look(path) {
@@ -80,6 +89,7 @@ export class Covers extends Emitter {
     if (event.kind === 'value') return;
     const hit = event.kind === 'startingWith' ? isAtOrBelow : samePlace;
     if (event.changes.includes('close')) this.gone.add(event.path);
+    for (const [path, entry] of this.running) if (hit(path, event.path)) entry.stale = true;
     for (const path of this.known.keys()) {
       if (!hit(path, event.path)) continue;
       this.known.delete(path);
@@ -89,6 +99,7 @@ export class Covers extends Emitter {
 
   forgetAll() {
     this.known.clear();
+    for (const entry of this.running.values()) entry.stale = true;
     this.gone.clear();
     this.emit('change', null);
   }

@@ -68,7 +68,7 @@ export class Hero {
   }
 }
 
-export function ownPictures(store, known) {
+export function ownPictures(store) {
   const own = artworkUrl(metaData(store.roles).artworkUrl);
   if (own) return [own];
   const urls = new Set();
@@ -76,5 +76,5 @@ export function ownPictures(store, known) {
     const url = artworkUrl(metaData(store.row(i)).artworkUrl);
     if (url) urls.add(url);
   }
-  return urls.size ? [...urls] : known ?? [];
+  return [...urls];
 }

@@ -146,7 +146,7 @@ export class Screen {
       lead: pane.kind === 'nav' ? '' : lead,
       title,
       meta: pane.kind === 'nav' ? '' : amount(store),
-      urls: ownPictures(store, this.coverOf({ ...store.roles, path: this.path, type: RowType.Container }, () => this.showHead())),
+      urls: this.pictures(),
       canPlay,
       canAdd: pane.kind === 'side' && pane.depth > 1 && store.count > 0,
       canFill: Boolean(this.target) && app.hasMusic,
@@ -159,8 +159,18 @@ export class Screen {
     this.menuButton.hidden = !this.row?.context?.path;
     this.selectButton.hidden = !(store.count > 0);
     this.empty.hidden = store.count !== 0;
+    // Read here, not while scrolling, where it would cost a layout.
+    this.titleTop = this.hero.element.offsetTop + this.hero.title.offsetTop;
     this.showBarTitle();
     if (this.isTop) app.onHead(this);
+  }
+
+  // Its own, or those of its rows, or of what its rows hold.
+  pictures() {
+    if (this.pane.kind === 'nav') return [];
+    const own = ownPictures(this.store);
+    if (own.length || this.store.row(0)?.type !== RowType.Container) return own;
+    return this.app.covers.of(this.path, () => this.showHead()) ?? [];
   }
 
   get isTop() {
@@ -168,8 +178,7 @@ export class Screen {
   }
 
   showBarTitle() {
-    const past = this.scroller.scrollTop > this.hero.element.offsetTop + this.hero.title.offsetTop;
-    this.bar.classList.toggle('past', past);
+    this.bar.classList.toggle('past', this.scroller.scrollTop > this.titleTop);
   }
 
   showBar() {
@@ -267,7 +276,7 @@ export class Screen {
   }
 
   openOwnMenu() {
-    const urls = ownPictures(this.store, null);
+    const urls = this.pictures();
     this.app.openPublishedMenu(this.row.context, this.menuButton, { ...this.row, title: this.title }, urls);
   }
 
