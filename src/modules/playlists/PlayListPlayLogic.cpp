@@ -315,15 +315,23 @@ OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRo
     controls.setSeekBytes(seekBytes);
     controls.setPlayMode(playModesSupported());
 
-    OrvoPlayLogicData result = data();
-    result.removeAttribute(OrvoPlayLogicData::Error());
-    result.removeAttribute(OrvoPlayLogicData::StreamerError());
-    result.setControls(controls);
-    LOG4CPLUS_DEBUG(playLogicLog(), "New playlogic data: " << result.toVariant());
     m_nextMediaPrepared = false;
     // Something may have been announced between a play command and the start of its item: that is still to come.
     if (newRoles.id().isEmpty() || newRoles.id() == m_currentTrackRoles.id())
         takeOverCurrentTrack();
+
+    OrvoPlayLogicData result = data();
+    // The player has the item as it was handed over; edits since then may have given it another number.
+    const OrvoRoles current = getCurrentTrack();
+    if (newRoles == result.trackRoles() && newRoles.value().containsI32_() && newRoles.id() == current.id()) {
+        OrvoRoles renumbered = newRoles;
+        renumbered.setValue(current.value());
+        result.setTrackRoles(renumbered);
+    }
+    result.removeAttribute(OrvoPlayLogicData::Error());
+    result.removeAttribute(OrvoPlayLogicData::StreamerError());
+    result.setControls(controls);
+    LOG4CPLUS_DEBUG(playLogicLog(), "New playlogic data: " << result.toVariant());
     return result;
 }
 
