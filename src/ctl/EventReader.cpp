@@ -51,8 +51,8 @@ bool EventReader::readConnection(const Handler& handler) {
 void EventReader::read(const Handler& handler) {
     bool connected = readConnection(handler);
     if (!connected)
-        throw CtlFailure::refused(QStringLiteral("no events from %1: %2")
-                                      .arg(m_client->url().toString(), m_reason));
+        throw CtlFailure::refused(
+            QStringLiteral("no events from %1: %2").arg(m_client->url().toString(), m_reason));
     while (!m_ended) {
         if (connected)
             Output::message(QStringLiteral("the connection is lost, trying again"));

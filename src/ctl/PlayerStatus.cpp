@@ -82,9 +82,9 @@ QString PlayerStatus::text() const {
         if (!album.isEmpty())
             line += QStringLiteral(" (") + album + QLatin1Char(')');
         lines.append(line);
-        lines.append(QStringLiteral("  %1 %2 %3").arg(ClockText::ofTime(position),
-                                                      bar(position, duration, BarCells),
-                                                      ClockText::ofTime(duration)));
+        lines.append(QStringLiteral("  %1 %2 %3")
+                         .arg(ClockText::ofTime(position), bar(position, duration, BarCells),
+                              ClockText::ofTime(duration)));
     }
     if (!error.isEmpty())
         lines.append(QStringLiteral("  error: ") + error);

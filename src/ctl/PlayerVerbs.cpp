@@ -19,18 +19,18 @@ void send(VerbContext& context, const char* function, const char* done) {
 void playFrom(VerbContext& context, const Named& playlist, int index) {
     const QString path = context.names.itemsPath(playlist);
     const DeviceRows rows = context.device.rows(
-        path, {QStringLiteral("title"), QStringLiteral("type"), QStringLiteral("path"),
-               QStringLiteral("id"), QStringLiteral("value"), QStringLiteral("mediaData")},
+        path,
+        {QStringLiteral("title"), QStringLiteral("type"), QStringLiteral("path"),
+         QStringLiteral("id"), QStringLiteral("value"), QStringLiteral("mediaData")},
         index, index);
     if (rows.rows.isEmpty())
-        throw CtlFailure::refused(QStringLiteral("there is no track %1 in %2")
-                                      .arg(index + 1)
-                                      .arg(playlist.label()));
-    const QJsonObject container = {{QStringLiteral("path"), path},
-                                   {QStringLiteral("type"), 1},
-                                   {QStringLiteral("containerPlayable"), true},
-                                   {QStringLiteral("mediaData"),
-                                    rows.roles.value(QStringLiteral("mediaData"))}};
+        throw CtlFailure::refused(
+            QStringLiteral("there is no track %1 in %2").arg(index + 1).arg(playlist.label()));
+    const QJsonObject container = {
+        {QStringLiteral("path"), path},
+        {QStringLiteral("type"), 1},
+        {QStringLiteral("containerPlayable"), true},
+        {QStringLiteral("mediaData"), rows.roles.value(QStringLiteral("mediaData"))}};
     context.run(QStringLiteral("OrvoPlayerPlayContainerPath"),
                 {{QStringLiteral("mediaRoles"), container},
                  {QStringLiteral("trackRoles"), rows.rows.first()},
@@ -77,7 +77,8 @@ void PlayerVerbs::seek(VerbContext& context) {
     const QString text = context.arguments.at(0);
     const std::optional<int> time = ClockText::toMilliseconds(text);
     if (!time)
-        throw CtlFailure::usage(QStringLiteral("a time is 95, 1:35 or 0:01:35, not \"%1\"").arg(text));
+        throw CtlFailure::usage(
+            QStringLiteral("a time is 95, 1:35 or 0:01:35, not \"%1\"").arg(text));
     context.run(QStringLiteral("OrvoPlayerSeekTimePath"), {{QStringLiteral("time"), *time}},
                 QStringLiteral("at %1").arg(ClockText::ofTime(*time)));
 }
@@ -118,10 +119,8 @@ void PlayerVerbs::status(VerbContext& context) {
     for (const QString& function : PlayerStatus::valueFunctions())
         paths.append(context.device.path(function));
     EventReader(&context.device.client(), paths).read([&](const DeviceEvent& event) {
-        const QString path = QJsonDocument::fromJson(event.data)
-                                 .object()
-                                 .value(QStringLiteral("path"))
-                                 .toString();
+        const QString path =
+            QJsonDocument::fromJson(event.data).object().value(QStringLiteral("path")).toString();
         if (event.type == "resync" || paths.contains(path))
             show();
         return true;

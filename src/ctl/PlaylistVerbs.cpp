@@ -131,11 +131,11 @@ void PlaylistVerbs::show(VerbContext& context) {
     for (int i = 0; i < answer.rows.size(); ++i) {
         const QJsonObject one = track(answer.rows.at(i), from + i);
         tracks.append(one);
-        table.addRow({QString::number(from + i + 1), one.value(QStringLiteral("title")).toString(),
-                      one.value(QStringLiteral("artist")).toString(),
-                      one.value(QStringLiteral("album")).toString(),
-                      ClockText::ofDuration(
-                          qint64(one.value(QStringLiteral("duration")).toDouble()))});
+        table.addRow(
+            {QString::number(from + i + 1), one.value(QStringLiteral("title")).toString(),
+             one.value(QStringLiteral("artist")).toString(),
+             one.value(QStringLiteral("album")).toString(),
+             ClockText::ofDuration(qint64(one.value(QStringLiteral("duration")).toDouble()))});
     }
     if (context.output.isJson()) {
         context.output.json(QJsonObject{{QStringLiteral("id"), playlist.id},

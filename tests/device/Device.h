@@ -9,7 +9,8 @@
 
 #include "HttpClient.h"
 
-// One running orvo-host over its own data and music folders, with the default modules. Killed by its destructor.
+// One running orvo-host over its own data and music folders, with the default modules. Killed by
+// its destructor.
 class Device {
 public:
     struct Ctl {

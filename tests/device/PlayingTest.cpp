@@ -3,8 +3,8 @@
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
-#include <QThread>
 #include <QtEndian>
+#include <QThread>
 
 #include "Device.h"
 
@@ -49,7 +49,8 @@ QByteArray recorded(const QString& file) {
 // The whole device with a recording in place of the speakers.
 class Playing : public ::testing::Test {
 protected:
-    Playing() : recording(m_folder.filePath("sound.wav")), device({"--audio-sink", "wav=" + recording}) {}
+    Playing()
+        : recording(m_folder.filePath("sound.wav")), device({"--audio-sink", "wav=" + recording}) {}
 
     // An album of noise; lengths that no block size divides.
     void writeAlbum(const QString& suffix) {
@@ -60,7 +61,10 @@ protected:
             const QString wav = QStringLiteral("%1/%2.wav").arg(folder).arg(i + 1);
             writeWav(wav, tracks.last());
             if (suffix != "wav") {
-                ASSERT_EQ(QProcess::execute("sox", {wav, QStringLiteral("%1/%2.%3").arg(folder).arg(i + 1).arg(suffix)}), 0);
+                ASSERT_EQ(QProcess::execute(
+                              "sox",
+                              {wav, QStringLiteral("%1/%2.%3").arg(folder).arg(i + 1).arg(suffix)}),
+                          0);
                 QFile::remove(wav);
             }
         }
@@ -151,7 +155,8 @@ TEST_F(Playing, fiveBrokenFilesArePassedOverAndTheSixthEndsPlayback) {
     EXPECT_EQ(device.log().count("Reached maximum error count exiting"), 1);
     ASSERT_TRUE(device.waitForValue("player:state", "stopped"));
     EXPECT_EQ(recorded(recording), QByteArray()) << "the good file behind them is not reached";
-    EXPECT_EQ(device.query("SELECT lastPlayedIndex FROM playlists WHERE uid = 1"), QStringList{"5"});
+    EXPECT_EQ(device.query("SELECT lastPlayedIndex FROM playlists WHERE uid = 1"),
+              QStringList{"5"});
 }
 
 TEST_F(Playing, threeBrokenFilesDoNotKeepAGoodOneFromPlaying) {

@@ -9,8 +9,9 @@ class PlayListManager;
 class PlayListPlayLogic;
 class PlayListUI;
 
-// The module's root object: builds the store, the model, the browse tree, the controller and the play logic, wires what
-// crosses between them, and routes set-data requests. The host owns it; everything lives on the thread that made it.
+// The module's root object: builds the store, the model, the browse tree, the controller and the
+// play logic, wires what crosses between them, and routes set-data requests. The host owns it;
+// everything lives on the thread that made it.
 class PlayListWorker : public CMNodesWorker {
     Q_OBJECT
 public:

@@ -11,7 +11,8 @@ CMPath MenuNode::pathWith(CMPath path, const Params& params) {
     return path;
 }
 
-CMPath MenuNode::entryPath(const CMGetRowsRequest& request, const QString& action, const Params& params) const {
+CMPath MenuNode::entryPath(const CMGetRowsRequest& request, const QString& action,
+                           const Params& params) const {
     CMPath result = path();
     result.setParams(request.path().params());
     result.addParam(Action(), action);
@@ -46,12 +47,14 @@ OrvoRoles MenuNode::separatorRow() {
     return row;
 }
 
-void MenuNode::sendMenu(const QList<OrvoRoles>& entries, const TrString& title, const CMGetRowsRequest& request) {
+void MenuNode::sendMenu(const QList<OrvoRoles>& entries, const TrString& title,
+                        const CMGetRowsRequest& request) {
     QVariantList rows;
     rows.reserve(entries.size());
     for (const OrvoRoles& entry : entries)
         rows.append(QVariant(CMGlobal::itemRolesToList(request.roleNames(), entry)));
-    sendRowsReply(rows, rows.count(), title, createRolesFromPath(request.path(), request.roleNames()), request, true);
+    sendRowsReply(rows, rows.count(), title,
+                  createRolesFromPath(request.path(), request.roleNames()), request, true);
 }
 
 int MenuNode::numberParam(const CMSetDataRequest& request, const QString& name) {
@@ -84,7 +87,8 @@ QString MenuNode::stringValue(const CMSetDataRequest& request) {
     return OrvoValue(request.value().toHash()).string();
 }
 
-void MenuNode::sendCommand(const CMPath& command, const OrvoHash& args, const CMSetDataRequest& request) {
+void MenuNode::sendCommand(const CMPath& command, const OrvoHash& args,
+                           const CMSetDataRequest& request) {
     const QPointer<MenuNode> self(this);
     const auto finished = [self, request](const CMReply<QVariant>& reply) {
         if (self)
@@ -94,7 +98,8 @@ void MenuNode::sendCommand(const CMPath& command, const OrvoHash& args, const CM
         else
             request.reply().setValue(reply.value());
     };
-    // The callbacks hand on copies of the outcome: holding the reply itself here would keep it alive for ever.
+    // The callbacks hand on copies of the outcome: holding the reply itself here would keep it
+    // alive for ever.
     const CMReply<QVariant> reply;
     reply.onSuccess([finished](const QVariant& value) {
         const CMReply<QVariant> outcome;

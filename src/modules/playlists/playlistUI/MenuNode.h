@@ -4,8 +4,9 @@
 
 #include "BaseNode.h"
 
-// What the menus share: building entries, and sending an entry's command on behalf of the requester. A command's error
-// reaches the requester unchanged; after a success the menu closes unless the action says that it stays open.
+// What the menus share: building entries, and sending an entry's command on behalf of the
+// requester. A command's error reaches the requester unchanged; after a success the menu closes
+// unless the action says that it stays open.
 class MenuNode : public BaseNode {
     Q_OBJECT
 public:
@@ -21,8 +22,8 @@ protected:
 
     enum class Menu { Closes, StaysOpen };
 
-    // What the entry with this "action" does: the command that it sends, the command's arguments out of the request,
-    // and what becomes of the menu after a success.
+    // What the entry with this "action" does: the command that it sends, the command's arguments
+    // out of the request, and what becomes of the menu after a success.
     struct MenuAction {
         const char* name;
         CMPath (*command)();
@@ -32,7 +33,8 @@ protected:
     virtual std::span<const MenuAction> actions() const { return {}; }
 
     // This node's path with the request's parameters, `action` and further ones.
-    CMPath entryPath(const CMGetRowsRequest& request, const QString& action, const Params& params) const;
+    CMPath entryPath(const CMGetRowsRequest& request, const QString& action,
+                     const Params& params) const;
     // Another path with exactly these parameters.
     static CMPath pathWith(CMPath path, const Params& params);
 
@@ -41,11 +43,13 @@ protected:
     static OrvoRoles menuRow(const TrString& title, const CMPath& path);
     static OrvoRoles separatorRow();
 
-    void sendMenu(const QList<OrvoRoles>& entries, const TrString& title, const CMGetRowsRequest& request);
+    void sendMenu(const QList<OrvoRoles>& entries, const TrString& title,
+                  const CMGetRowsRequest& request);
 
     // Invokes the command; the requester is answered when it is done.
     void sendCommand(const CMPath& command, const OrvoHash& args, const CMSetDataRequest& request);
-    // An id or a place that a path carries: -1, which every command refuses, when it is missing or no number.
+    // An id or a place that a path carries: -1, which every command refuses, when it is missing or
+    // no number.
     static int numberParam(const CMSetDataRequest& request, const QString& name);
     // The arguments of a command that needs the playlist alone.
     static OrvoHash playListOnly(const CMSetDataRequest& request);

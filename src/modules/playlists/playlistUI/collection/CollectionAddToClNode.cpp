@@ -6,20 +6,23 @@
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 
-CollectionAddToClNode* CollectionAddToClNode::create(CMNodes* nodes, const CMPath& path, PlayListManager* manager) {
+CollectionAddToClNode* CollectionAddToClNode::create(CMNodes* nodes, const CMPath& path,
+                                                     PlayListManager* manager) {
     return createNode<CollectionAddToClNode>(nodes, path, manager);
 }
 
 bool CollectionAddToClNode::getRowsRequest(const CMGetRowsRequest& request) {
     QList<OrvoRoles> entries;
     entries.append(editRow(TrString("CollectionAddToClNode", "Create new collection"),
-                           entryPath(request, QStringLiteral("createCl"), {}), OrvoValue::fromString(QString())));
+                           entryPath(request, QStringLiteral("createCl"), {}),
+                           OrvoValue::fromString(QString())));
     entries.append(separatorRow());
     const QList<CollectionBase*> collections = manager()->getAllCollection();
     for (const CollectionBase* cl : collections) {
         LOG4CPLUS_DEBUG(moduleLog(), "clid:" << cl->getUid() << " clname:" << cl->getName());
-        entries.append(actionRow(TrString(cl->getName()), entryPath(request, QStringLiteral("addItem"),
-                                                                    {{Clid(), toStr(cl->getUid())}})));
+        entries.append(
+            actionRow(TrString(cl->getName()), entryPath(request, QStringLiteral("addItem"),
+                                                         {{Clid(), toStr(cl->getUid())}})));
     }
     sendMenu(entries, TrString("CollectionAddToClNode", "Add playlist to collection"), request);
     return true;

@@ -5,7 +5,8 @@
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 
-CollectionContextNode* CollectionContextNode::create(CMNodes* nodes, const CMPath& path, PlayListManager* manager) {
+CollectionContextNode* CollectionContextNode::create(CMNodes* nodes, const CMPath& path,
+                                                     PlayListManager* manager) {
     return createNode<CollectionContextNode>(nodes, path, manager);
 }
 
@@ -17,7 +18,8 @@ bool CollectionContextNode::getRowsRequest(const CMGetRowsRequest& request) {
         entries.append(actionRow(TrString("CollectionContextNode", "Delete collection"),
                                  entryPath(request, QStringLiteral("delete"), {{Clid(), clid}})));
     const QString name = cl ? cl->getName() : QString();
-    sendMenu(entries, TrString("CollectionContextNode", "Collection Context Menu - %1", {name}), request);
+    sendMenu(entries, TrString("CollectionContextNode", "Collection Context Menu - %1", {name}),
+             request);
     return true;
 }
 

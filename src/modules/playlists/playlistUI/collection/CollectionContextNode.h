@@ -8,7 +8,8 @@ class CollectionContextNode : public MenuNode {
 public:
     using MenuNode::MenuNode;
 
-    static CollectionContextNode* create(CMNodes* nodes, const CMPath& path, PlayListManager* manager);
+    static CollectionContextNode* create(CMNodes* nodes, const CMPath& path,
+                                         PlayListManager* manager);
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
 

@@ -14,7 +14,8 @@ PlayListAddToPlaylistNode* PlayListAddToPlaylistNode::create(CMNodes* nodes, con
 bool PlayListAddToPlaylistNode::getRowsRequest(const CMGetRowsRequest& request) {
     QList<OrvoRoles> entries;
     entries.append(editRow(TrString("PlayListAddToPlaylistNode", "Create new playlist"),
-                           entryPath(request, QStringLiteral("createPl"), {}), OrvoValue::fromString(QString())));
+                           entryPath(request, QStringLiteral("createPl"), {}),
+                           OrvoValue::fromString(QString())));
     entries.append(separatorRow());
     // The source is offered too: adding a playlist to itself doubles it, which some want.
     const QList<PlayListBase*> playLists = manager()->getAllPlayList();
@@ -22,7 +23,8 @@ bool PlayListAddToPlaylistNode::getRowsRequest(const CMGetRowsRequest& request) 
         LOG4CPLUS_DEBUG(moduleLog(), "plid:" << pl->getUid() << " plname:" << pl->getName());
         CMPath target = OrvoPlayListPlSelectAddModePath();
         target.setParams(request.path().params());
-        OrvoRoles entry = menuRow(TrString(pl->getName()), target.addParam(Plid(), toStr(pl->getUid())));
+        OrvoRoles entry =
+            menuRow(TrString(pl->getName()), target.addParam(Plid(), toStr(pl->getUid())));
         entry.setContainerPlayable(true);
         entries.append(entry);
     }
@@ -37,6 +39,7 @@ std::span<const MenuNode::MenuAction> PlayListAddToPlaylistNode::actions() const
         return args;
     };
     // The menu stays so that the new playlist can be chosen.
-    static constexpr MenuAction rows[] = {{"createPl", OrvoPlayListPlCreatePath, name, Menu::StaysOpen}};
+    static constexpr MenuAction rows[] = {
+        {"createPl", OrvoPlayListPlCreatePath, name, Menu::StaysOpen}};
     return rows;
 }

@@ -6,7 +6,8 @@
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 
-PlayListContextNode* PlayListContextNode::create(CMNodes* nodes, const CMPath& path, PlayListManager* manager) {
+PlayListContextNode* PlayListContextNode::create(CMNodes* nodes, const CMPath& path,
+                                                 PlayListManager* manager) {
     return createNode<PlayListContextNode>(nodes, path, manager);
 }
 
@@ -20,21 +21,30 @@ bool PlayListContextNode::getRowsRequest(const CMGetRowsRequest& request) {
     QList<OrvoRoles> entries;
     if (pl) {
         const auto entry = [this, &request, &plid](const char* action, const Params& params = {}) {
-            return pathWith(entryPath(request, QString::fromLatin1(action), {{Plid(), plid}}), params);
+            return pathWith(entryPath(request, QString::fromLatin1(action), {{Plid(), plid}}),
+                            params);
         };
-        const auto opposite = [](bool on) { return on ? QStringLiteral("0") : QStringLiteral("1"); };
+        const auto opposite = [](bool on) {
+            return on ? QStringLiteral("0") : QStringLiteral("1");
+        };
         entries.append(actionRow(tr("Play"), entry("play")));
-        entries.append(editRow(tr("Rename"), entry("rename"), OrvoValue::fromString(pl->getName())));
-        entries.append(editRow(tr("Set shuffle mode"), entry("shuffle", {{Mode(), opposite(pl->getShuffle())}}),
+        entries.append(
+            editRow(tr("Rename"), entry("rename"), OrvoValue::fromString(pl->getName())));
+        entries.append(editRow(tr("Set shuffle mode"),
+                               entry("shuffle", {{Mode(), opposite(pl->getShuffle())}}),
                                OrvoValue::fromBool(pl->getShuffle())));
-        entries.append(editRow(tr("Set repeat mode"), entry("repeat", {{Mode(), opposite(pl->getRepeatAll())}}),
+        entries.append(editRow(tr("Set repeat mode"),
+                               entry("repeat", {{Mode(), opposite(pl->getRepeatAll())}}),
                                OrvoValue::fromBool(pl->getRepeatAll())));
-        entries.append(menuRow(tr("Merge with playlist"), pathWith(OrvoPlayListPlAddToPlaylistPath(),
-                                                                   {{Action(), CmNode()}, {FromPlid(), plid}})));
+        entries.append(menuRow(tr("Merge with playlist"),
+                               pathWith(OrvoPlayListPlAddToPlaylistPath(),
+                                        {{Action(), CmNode()}, {FromPlid(), plid}})));
         if (areCollectionsVisible()) {
-            entries.append(menuRow(tr("Add to collection"), pathWith(OrvoPlayListClAddtoCollectionPath(),
-                                                                     {{Action(), CmNode()}, {Plid(), plid}})));
-            const CollectionBase* cl = clid.isEmpty() ? nullptr : manager()->getCollectionByUid(toInt(clid, -1));
+            entries.append(
+                menuRow(tr("Add to collection"), pathWith(OrvoPlayListClAddtoCollectionPath(),
+                                                          {{Action(), CmNode()}, {Plid(), plid}})));
+            const CollectionBase* cl =
+                clid.isEmpty() ? nullptr : manager()->getCollectionByUid(toInt(clid, -1));
             if (cl)
                 entries.append(actionRow(tr("Remove from collection - %1", {cl->getName()}),
                                          entry("delFromCl", {{Clid(), clid}})));
@@ -50,7 +60,8 @@ bool PlayListContextNode::getRowsRequest(const CMGetRowsRequest& request) {
 
 namespace {
 
-// The mode that the entry carries, else the switch's value. Which numbers are modes is for the command to say.
+// The mode that the entry carries, else the switch's value. Which numbers are modes is for the
+// command to say.
 int wantedMode(const CMSetDataRequest& request, const QString& modeParam) {
     const QMap<QString, QString>& params = request.path().params();
     if (params.contains(modeParam))
@@ -78,7 +89,8 @@ std::span<const MenuNode::MenuAction> PlayListContextNode::actions() const {
         const int mode = wantedMode(request, Mode());
         OrvoPlayListPlSetRepeat args;
         args.setPlid(numberParam(request, Plid()));
-        args.setMode(mode == 1 ? OrvoPlayListPlRepeatMode::All : OrvoPlayListPlRepeatMode::Enum(mode));
+        args.setMode(mode == 1 ? OrvoPlayListPlRepeatMode::All
+                               : OrvoPlayListPlRepeatMode::Enum(mode));
         return args;
     };
     constexpr auto membership = [](const CMSetDataRequest& request) -> OrvoHash {

@@ -8,7 +8,8 @@ class PlayListContextNode : public MenuNode {
 public:
     using MenuNode::MenuNode;
 
-    static PlayListContextNode* create(CMNodes* nodes, const CMPath& path, PlayListManager* manager);
+    static PlayListContextNode* create(CMNodes* nodes, const CMPath& path,
+                                       PlayListManager* manager);
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
 

@@ -25,32 +25,36 @@ bool PlayListTrackContextNode::getRowsRequest(const CMGetRowsRequest& request) {
         const QString itemPath = (OrvoPlayListItemPath() + toStr(item.uid())).toString();
         const QString place = toStr(item.sequenceNumber());
         if (isPlayQueueVisible() && plid != toStr(queue->getUid())) {
-            entries.append(menuRow(tr("Add to playqueue"), pathWith(OrvoPlayListPlSelectAddModePath(),
-                                                                    {{Action(), CmNode()},
-                                                                     {FromPlid(), plid},
-                                                                     {ItemId(), itemPath},
-                                                                     {Plid(), toStr(queue->getUid())}})));
+            entries.append(
+                menuRow(tr("Add to playqueue"), pathWith(OrvoPlayListPlSelectAddModePath(),
+                                                         {{Action(), CmNode()},
+                                                          {FromPlid(), plid},
+                                                          {ItemId(), itemPath},
+                                                          {Plid(), toStr(queue->getUid())}})));
         }
         // The prepare path is carried for interfaces that ask for it; nothing here reads it back.
-        entries.append(menuRow(tr("Add to playlist"),
-                               pathWith(OrvoPlayListPlAddToPlaylistPath(),
-                                        {{Action(), CmNode()},
-                                         {FromPlid(), plid},
-                                         {ItemId(), itemPath},
-                                         {PreparePath(), OrvoPlayListPlPrepareItemsPath().toString()}})));
-        entries.append(editRow(
-            tr("Move track"),
-            entryPath(request, QStringLiteral("moveTr"), {{Plid(), plid}, {QStringLiteral("from"), place}}),
-            OrvoValue::fromString(place)));
-        entries.append(actionRow(tr("Remove track"), entryPath(request, QStringLiteral("removeTr"),
-                                                               {{FromPlid(), plid}, {SeqNum(), place}})));
+        entries.append(
+            menuRow(tr("Add to playlist"),
+                    pathWith(OrvoPlayListPlAddToPlaylistPath(),
+                             {{Action(), CmNode()},
+                              {FromPlid(), plid},
+                              {ItemId(), itemPath},
+                              {PreparePath(), OrvoPlayListPlPrepareItemsPath().toString()}})));
+        entries.append(editRow(tr("Move track"),
+                               entryPath(request, QStringLiteral("moveTr"),
+                                         {{Plid(), plid}, {QStringLiteral("from"), place}}),
+                               OrvoValue::fromString(place)));
+        entries.append(
+            actionRow(tr("Remove track"), entryPath(request, QStringLiteral("removeTr"),
+                                                    {{FromPlid(), plid}, {SeqNum(), place}})));
     }
     sendMenu(entries, tr("Track Context Menu"), request);
     return true;
 }
 
 namespace {
-// A target position, entered as text or sent as a number; anything else is -1, which the command refuses.
+// A target position, entered as text or sent as a number; anything else is -1, which the command
+// refuses.
 int enteredPosition(const CMSetDataRequest& request) {
     const OrvoValue value(request.value().toHash());
     return OrvoHash::toInt(value.attribute(value.tag()), -1);

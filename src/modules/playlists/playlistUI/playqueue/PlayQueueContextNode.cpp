@@ -5,7 +5,8 @@
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 
-PlayQueueContextNode* PlayQueueContextNode::create(CMNodes* nodes, const CMPath& path, PlayListManager* manager) {
+PlayQueueContextNode* PlayQueueContextNode::create(CMNodes* nodes, const CMPath& path,
+                                                   PlayListManager* manager) {
     return createNode<PlayQueueContextNode>(nodes, path, manager);
 }
 
@@ -14,8 +15,8 @@ bool PlayQueueContextNode::getRowsRequest(const CMGetRowsRequest& request) {
     const auto tr = [](const char* text) { return TrString("PlayQueueContextNode", text); };
     const QList<OrvoRoles> entries = {
         actionRow(tr("Play"), entryPath(request, QStringLiteral("playPl"), {{Plid(), plid}})),
-        menuRow(tr("Merge with playlist"),
-                pathWith(OrvoPlayListPlAddToPlaylistPath(), {{Action(), CmNode()}, {FromPlid(), plid}})),
+        menuRow(tr("Merge with playlist"), pathWith(OrvoPlayListPlAddToPlaylistPath(),
+                                                    {{Action(), CmNode()}, {FromPlid(), plid}})),
         separatorRow(),
         actionRow(tr("Clear"), entryPath(request, QStringLiteral("clearPl"), {{Plid(), plid}})),
     };

@@ -8,7 +8,8 @@ class PlayQueueContextNode : public MenuNode {
 public:
     using MenuNode::MenuNode;
 
-    static PlayQueueContextNode* create(CMNodes* nodes, const CMPath& path, PlayListManager* manager);
+    static PlayQueueContextNode* create(CMNodes* nodes, const CMPath& path,
+                                        PlayListManager* manager);
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
 
