@@ -1,4 +1,5 @@
 // All tests of the page, one after the other: one browser, one device at a time.
+import './units/browserless.mjs';
 import './units/liststore.mjs';
 import './units/helpers.mjs';
 import './stories/lists.mjs';

@@ -11,7 +11,10 @@ declare -A packages=(
     [fmt]='clang-format'
     [lint]='clang-tidy shellcheck'
     [fuzz]='clang libclang-rt-dev'
+    [web]='chromium'
 )
+# Node may have come from elsewhere than Debian; its package would not go along with Debian's npm.
+if ! command -v node >/dev/null || ! command -v npm >/dev/null; then packages[web]+=' nodejs npm'; fi
 
 # need GROUP…: installs what is missing of these groups, or says what to do and exits with 3.
 need() {

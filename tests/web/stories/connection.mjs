@@ -52,10 +52,15 @@ story('what takes longer than a moment shows that it works', async ({ device, op
     await held;
     await route.continue();
   });
+  // By the page's own clock: not at once, where it would flicker, but after 150 ms.
+  await me.page.evaluate(() => {
+    document.addEventListener('click', () => (window.pressedAt = performance.now()), { capture: true, once: true });
+    new MutationObserver(() => (window.busyAt ??= performance.now())).observe(document.body, { attributeFilter: ['class'] });
+  });
   await me.press(me.row('nav', 'Party').locator('.row-more'));
-  await me.page.waitForTimeout(60);
-  assert.equal(await me.page.evaluate(() => document.body.classList.contains('busy')), false);
-  await me.page.locator('body.busy').waitFor({ timeout: 1000 });
+  await me.page.locator('body.busy').waitFor();
+  const delay = await me.page.evaluate(() => window.busyAt - window.pressedAt);
+  assert.ok(delay >= 145, `after ${delay} ms`);
   release();
   await me.entry('Rename').waitFor();
   await eventually(() => me.page.evaluate(() => document.body.classList.contains('busy')), false);

@@ -83,6 +83,7 @@ export class Finder {
       this.mark(-1);
       return;
     }
+    if (!this.texts) setText(this.count, 'Searching');
     await attempt(this.load(signal), this.element);
     if (signal.aborted || !this.texts) return;
     this.texts.forEach((text, index) => text.includes(wanted) && this.matches.push(index));

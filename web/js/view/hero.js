@@ -50,7 +50,7 @@ export class Hero {
     this.meta = el('p.hero-meta');
     this.play = el('button.pill.primary', { type: 'button', onclick: onPlay, hidden: true }, icon('play'), 'Play');
     this.add = el('button.pill.primary', { type: 'button', onclick: (event) => onAdd(event.currentTarget), hidden: true }, icon('plus'), 'Add all');
-    this.music = el('button.pill', { type: 'button', onclick: onMusic, hidden: true }, icon('note'), 'Add music');
+    this.music = el('button.pill.fill', { type: 'button', onclick: onMusic, hidden: true }, icon('note'), 'Add music');
     this.buttons = el('div.hero-buttons', {}, this.play, this.add, this.music);
     this.element = el('header.hero', {}, this.artwork.element,
       el('div.hero-texts', {}, this.lead, this.title, this.meta, this.buttons));

@@ -15,6 +15,8 @@ const Overscan = 6;
 // Faster than this, in screens per second, rows fly by and pictures wait.
 const FlyingBy = 4;
 const SettleMs = 110;
+// What a recycled row shows: neither a row nor one that is on its way.
+const Nothing = Symbol('nothing');
 
 export class ListView extends Emitter {
   // `look`: what the surroundings know about a row: {current(row), playing(), cover(row, found),
@@ -255,7 +257,7 @@ export class ListView extends Emitter {
     if (!view) {
       view = this.free.pop() ?? this.makeView();
       view.element.hidden = false;
-      view.shownRow = undefined;
+      view.shownRow = Nothing;
       this.views.set(index, view);
     }
     const top = this.metrics.topOf(index) + (this.shift ? this.shift(index) : 0);
