@@ -2,7 +2,7 @@
 
 function(orvo_common target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
-                                           -Wcast-align -Wnull-dereference)
+                                           -Wcast-align)
   if(ORVO_WERROR)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
