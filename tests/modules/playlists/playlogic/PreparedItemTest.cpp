@@ -135,6 +135,7 @@ TEST_F(PreparedItemTest, aRevokedAnnouncementUnderShuffleDoesNotBecomeThePositio
     add(pl, Position::AfterCurrent, "x");
     EXPECT_EQ((QStringList{"next b@1", "no next"}), player.takeCommands());
     EXPECT_EQ("axb", titlesOf(pl));
+    EXPECT_TRUE(probe().currentTrackRoles().isEmpty());
     player.end();
     EXPECT_EQ(QStringList{"play x@1"}, player.takeCommands());
 }

@@ -114,6 +114,7 @@ TEST_F(RemovedItemsTest, anySetOfIndicesActsOnTheOrderOneByOne) {
         pl->setShuffle(true);
         play(pl, 0);
         QVector<int> order = probe().order();
+        ASSERT_EQ(size, order.size());
         // Now and then an order that has lost touch with the list, numbers twice included.
         for (int i = below(4); i > 0 && round % 2; --i)
             order[below(size)] = below(size + 2);
