@@ -15,6 +15,7 @@ done
 if [[ ! -d $here/node_modules || $here/package-lock.json -nt $here/node_modules/.package-lock.json ]]; then
     (cd "$here" && npm ci --ignore-scripts >"$work/npm.log" 2>&1) || complain "npm ci failed, see $work/npm.log"
 fi
+rm -f "$work"/failed\ *
 # Made under another name first: an interrupted run leaves no half of a library.
 music() {
     local folder=$work/$1

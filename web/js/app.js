@@ -40,6 +40,7 @@ export class App {
     this.main = new Pane(this, 'main', document.getElementById('main'), this.nav);
     this.side = new Pane(this, 'side', document.getElementById('side'));
     this.panes = [this.nav, this.main, this.side];
+    this.player.on('failed', (message) => tellError({ message }));
     this.bar = new PlayerBar(document.getElementById('player'), this.player, { onJump: () => this.jumpToCurrent() });
     this.address = new Address(this);
   }

@@ -96,6 +96,20 @@ story('a list is played, repeated and jumped to', async ({ device, open }) => {
   await eventually(() => me.page.evaluate(() => document.activeElement.querySelector('.row-title')?.textContent), Lanterns[0]);
 }, { player: true });
 
+story('a file that cannot be played is named, and the next one plays', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.hours);
+  const roles = { title: 'Gone', type: 3, mediaData: { metaData: {}, resources: [{ uri: 'file:///nowhere/gone.flac' }] } };
+  const item = { title: 'Gone', url: 'file:///nowhere/gone.flac', serviceId: 'files', orvoRoles: JSON.stringify(roles) };
+  await device.send('playlists:pl/addExternalItems', { plid, items: [item] });
+  await device.send('playlists:pl/moveItems', { plid, items: [4], to: 0 });
+  const me = await open();
+  await me.openList('Party');
+  await me.playRow('Gone');
+  await me.toast('Gone cannot be played: there is no such file.').waitFor();
+  await eventually(() => me.nowTitle(), Hours[0]);
+  await eventually(() => me.page.locator('#player').evaluate((bar) => bar.classList.contains('failed')), false);
+}, { player: true });
+
 story('two windows show the same volume', async ({ device, open }) => {
   const me = await open();
   const other = await open();

@@ -32,7 +32,7 @@ class Window {
     this.wrong = [];
   }
 
-  async open({ address = '/', ...options } = {}) {
+  async open({ at = this.device.url, ...options } = {}) {
     this.context = await theBrowser.newContext({ ...Sizes[this.size], ...options });
     this.page = await this.context.newPage();
     this.page.setDefaultTimeout(6000);
@@ -46,7 +46,7 @@ class Window {
       // Closing a stream is how the page ends it.
       if (!request.url().includes('/api/events')) note(`failed: ${request.url()} ${request.failure()?.errorText}`);
     });
-    await this.page.goto(this.device.url + address);
+    await this.page.goto(at);
     await this.page.locator('#nav .row.heads').first().waitFor({ state: 'attached' });
     return new People(this);
   }

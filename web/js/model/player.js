@@ -1,6 +1,7 @@
 // What plays, as the device publishes it, and what can be asked of it.
 //
-// Emits: change {what} with what one of state, data, mode, position, duration, volume, present.
+// Emits: change (what: state, data, mode, position, duration, volume or present) · failed (the text
+// of an error that has just come up).
 
 import { Emitter } from '../core/emitter.js';
 import { getValue, sendData } from '../core/api.js';
@@ -54,8 +55,10 @@ export class Player extends Emitter {
       if (!samePlace(path, event.path)) continue;
       // The clock runs between two positions, so it is set when it starts or stops, too.
       if (what === 'state') this.setAnchor(this.position);
+      const before = this.error;
       take(event.value);
       this.emit('change', what);
+      if (this.error && this.error !== before) this.emit('failed', this.error);
     }
   }
 
@@ -68,7 +71,7 @@ export class Player extends Emitter {
   }
 
   get track() {
-    return this.isActive ? this.data.trackRoles ?? null : null;
+    return this.isActive && this.data.trackRoles?.path ? this.data.trackRoles : null;
   }
 
   get container() {
@@ -82,7 +85,7 @@ export class Player extends Emitter {
   get error() {
     const { error, streamerError } = this.data;
     const found = error ?? streamerError;
-    return found ? found.message?.toString() || found.title || 'This cannot be played.' : null;
+    return found ? found.message || 'This cannot be played.' : null;
   }
 
   get position() {

@@ -11,7 +11,8 @@ const ClockMs = 250;
 
 function describe(player) {
   const { track } = player;
-  if (!track) return { title: player.present ? 'Nothing is playing' : 'No player', line: player.present ? 'Choose a track to begin.' : 'This device has no player.', album: '', urls: [] };
+  if (!player.present) return { title: 'No player', line: 'This device has no player.', album: '', urls: [] };
+  if (!track) return { title: 'Nothing is playing', line: player.error ?? 'Choose a track to begin.', album: '', urls: [] };
   const { artist, album, artworkUrl: uri } = metaData(track);
   const url = artworkUrl(uri);
   return { title: track.title ?? '', line: player.error ?? artist ?? '', album: album ?? '', urls: url ? [url] : [] };
@@ -40,7 +41,7 @@ export class PlayerBar {
     const { player } = this;
     const { title, line, album, urls } = describe(player);
     this.element.classList.toggle('idle', !player.isActive);
-    this.element.classList.toggle('failed', Boolean(player.track && player.error));
+    this.element.classList.toggle('failed', Boolean(player.error));
     setText(this.title, title);
     setText(this.line, [line, player.error ? '' : album].filter(Boolean).join(' · '));
     this.artwork.set({ urls, title, symbol: player.track ? null : 'note' });
