@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "Arguments.h"
+#include "ClockText.h"
 #include "CtlFailure.h"
 #include "EventParser.h"
 #include "Names.h"
 #include "PathText.h"
+#include "PlayerStatus.h"
 #include "Positions.h"
 #include "ProgressBar.h"
 #include "SafeText.h"
@@ -159,4 +161,30 @@ TEST(Verbs, oneOrTwoWordsNameAVerb) {
         EXPECT_EQ(statusOf([&] { Verbs::take(&unknown); }), CtlFailure::Usage);
     for (const Verb& verb : Verbs::all())
         EXPECT_TRUE(Verbs::help().contains(QLatin1String(verb.words))) << verb.words;
+}
+
+TEST(ClockText, timesReadAsOnAClock) {
+    EXPECT_EQ(ClockText::ofTime(0), "0:00");
+    EXPECT_EQ(ClockText::ofTime(65000), "1:05");
+    EXPECT_EQ(ClockText::ofTime(65500), "1:06");
+    EXPECT_EQ(ClockText::ofTime(3599000), "59:59");
+    EXPECT_EQ(ClockText::ofTime(3725000), "1:02:05");
+    EXPECT_EQ(ClockText::ofDuration(0), "");
+    EXPECT_EQ(ClockText::ofDuration(7000), "0:07");
+}
+
+TEST(ClockText, whatPeopleTypeIsATimeOrIsRefused) {
+    EXPECT_EQ(ClockText::toMilliseconds("95"), 95000);
+    EXPECT_EQ(ClockText::toMilliseconds("1:35"), 95000);
+    EXPECT_EQ(ClockText::toMilliseconds("1:02:05"), 3725000);
+    for (const char* text : {"", "abc", "1:60", "1:2:3:4", "-5", "1:-5", "99999999", "1.5"})
+        EXPECT_FALSE(ClockText::toMilliseconds(text)) << text;
+}
+
+TEST(PlayerStatus, theBarShowsWhereTheTrackIs) {
+    EXPECT_EQ(PlayerStatus::bar(0, 100, 10), "[>---------]");
+    EXPECT_EQ(PlayerStatus::bar(50, 100, 11), "[=====>-----]");
+    EXPECT_EQ(PlayerStatus::bar(100, 100, 10), "[=========>]");
+    EXPECT_EQ(PlayerStatus::bar(500, 100, 10), "[=========>]");
+    EXPECT_EQ(PlayerStatus::bar(5, 0, 10), "[>---------]");
 }
