@@ -129,7 +129,6 @@ export class ListView extends Emitter {
   onCount() {
     this.metrics.cut(Math.max(0, this.store.count));
     this.resize();
-    if (this.active >= this.store.count) this.active = this.store.count - 1;
     this.schedule();
   }
 
@@ -160,17 +159,18 @@ export class ListView extends Emitter {
         this.scroller.scrollTop = this.body.offsetTop + this.metrics.topOf(index) - this.place.offset;
       this.place = null;
     }
-    if (this.activeKey && this.store.isFresh(this.active)) {
-      const index = find(this.activeKey, this.active);
-      if (index >= 0 && index !== this.active) this.follow(index);
+    const near = Math.min(this.active, this.store.count - 1);
+    if (this.activeKey && this.store.isFresh(near)) {
+      const index = find(this.activeKey, near);
       this.activeKey = null;
+      this.follow(index >= 0 ? index : near); // its neighbour, when it is gone
     }
   }
 
   follow(index) {
-    const hadFocus = this.views.get(this.active)?.element === document.activeElement;
+    const hadFocus = this.body.contains(document.activeElement);
     this.active = index;
-    if (hadFocus) {
+    if (hadFocus && !this.views.get(index)?.element.contains(document.activeElement)) {
       this.render();
       this.views.get(index)?.element.focus({ preventScroll: true });
     }
@@ -292,7 +292,7 @@ export class ListView extends Emitter {
 
   // Where the user is.
   setActive(index, { focus = true, scroll = true } = {}) {
-    if (!this.store.count) return;
+    if (!(this.store.count > 0)) return;
     this.active = clamp(index, 0, this.store.count - 1);
     if (scroll) this.reveal(this.active);
     this.render();
