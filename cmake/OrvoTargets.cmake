@@ -2,7 +2,7 @@
 
 function(orvo_common target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
-                                           -Wcast-align -Wnull-dereference)
+                                           -Wcast-align)
   if(ORVO_WERROR)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
@@ -64,5 +64,9 @@ function(orvo_test name)
   # outlived there too: only a power cut would tell the difference.
   if(IS_DIRECTORY /dev/shm)
     set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT TMPDIR=/dev/shm)
+  endif()
+  if(ORVO_SANITIZE STREQUAL "thread")
+    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT
+      "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp")
   endif()
 endfunction()

@@ -1,5 +1,6 @@
 #include <QJsonArray>
 
+#include "ClockText.h"
 #include "CtlFailure.h"
 #include "Positions.h"
 #include "TextTable.h"
@@ -31,19 +32,6 @@ bool onOrOff(const QString& word) {
 
 QString plural(int count) {
     return count == 1 ? QStringLiteral("1 track") : QStringLiteral("%1 tracks").arg(count);
-}
-
-QString duration(qint64 milliseconds) {
-    const qint64 seconds = (milliseconds + 500) / 1000;
-    const QString rest = QStringLiteral("%1").arg(seconds % 60, 2, 10, QLatin1Char('0'));
-    if (milliseconds <= 0)
-        return {};
-    if (seconds < 3600)
-        return QStringLiteral("%1:%2").arg(seconds / 60).arg(rest);
-    return QStringLiteral("%1:%2:%3")
-        .arg(seconds / 3600)
-        .arg(seconds / 60 % 60, 2, 10, QLatin1Char('0'))
-        .arg(rest);
 }
 
 // One row of a playlist in the client's own words.
@@ -143,10 +131,11 @@ void PlaylistVerbs::show(VerbContext& context) {
     for (int i = 0; i < answer.rows.size(); ++i) {
         const QJsonObject one = track(answer.rows.at(i), from + i);
         tracks.append(one);
-        table.addRow({QString::number(from + i + 1), one.value(QStringLiteral("title")).toString(),
-                      one.value(QStringLiteral("artist")).toString(),
-                      one.value(QStringLiteral("album")).toString(),
-                      duration(qint64(one.value(QStringLiteral("duration")).toDouble()))});
+        table.addRow(
+            {QString::number(from + i + 1), one.value(QStringLiteral("title")).toString(),
+             one.value(QStringLiteral("artist")).toString(),
+             one.value(QStringLiteral("album")).toString(),
+             ClockText::ofDuration(qint64(one.value(QStringLiteral("duration")).toDouble()))});
     }
     if (context.output.isJson()) {
         context.output.json(QJsonObject{{QStringLiteral("id"), playlist.id},
@@ -205,10 +194,4 @@ void PlaylistVerbs::shuffle(VerbContext& context) {
 
 void PlaylistVerbs::repeat(VerbContext& context) {
     setMode(context, "OrvoPlayListPlSetRepeatPath", RepeatAll, "repeat");
-}
-
-void PlaylistVerbs::play(VerbContext& context) {
-    const Named playlist = context.playlist();
-    context.run(QStringLiteral("OrvoPlayListPlPlayPath"), record(playlist),
-                QStringLiteral("playing %1").arg(playlist.label()));
 }

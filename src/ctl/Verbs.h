@@ -66,8 +66,20 @@ void clear(VerbContext& context);
 void merge(VerbContext& context);
 void shuffle(VerbContext& context);
 void repeat(VerbContext& context);
-void play(VerbContext& context);
 } // namespace PlaylistVerbs
+
+namespace PlayerVerbs {
+void play(VerbContext& context);
+void pause(VerbContext& context);
+void resume(VerbContext& context);
+void stop(VerbContext& context);
+void next(VerbContext& context);
+void previous(VerbContext& context);
+void seek(VerbContext& context);
+void mode(VerbContext& context);
+void volume(VerbContext& context);
+void status(VerbContext& context);
+} // namespace PlayerVerbs
 
 namespace CollectionVerbs {
 void list(VerbContext& context);

@@ -62,6 +62,9 @@ std::optional<HostOptions::Ending> HostOptions::read(const QStringList& argument
         {"set", "Store a setting before the modules are loaded; repeatable.", "PATH=VALUE"},
         {"port-file", "The file to write the port to that the HTTP interface got.", "FILE"},
         {"web", "The folder with the web page.", "DIR"},
+        {"audio-sink",
+         "Where sound goes: auto, null (silent, as fast as it can) or wav=FILE (all that sounds).",
+         "SINK", "auto"},
     });
 
     const auto wrong = [](const QString& text) {
@@ -86,6 +89,8 @@ std::optional<HostOptions::Ending> HostOptions::read(const QStringList& argument
     if (auto error = readListen(parser.value(QStringLiteral("listen"))))
         return wrong(*error);
     if (auto error = readLogLevel(parser.value(QStringLiteral("log-level"))))
+        return wrong(*error);
+    if (auto error = readAudioSink(parser.value(QStringLiteral("audio-sink"))))
         return wrong(*error);
     if (auto error = readSettings(parser.values(QStringLiteral("set"))))
         return wrong(*error);
@@ -122,6 +127,15 @@ std::optional<QString> HostOptions::readLogLevel(const QString& text) {
     return QStringLiteral("there is no log level \"%1\"").arg(text);
 }
 
+std::optional<QString> HostOptions::readAudioSink(const QString& text) {
+    const QString wav = QStringLiteral("wav=");
+    const bool toFile = text.startsWith(wav) && text.size() > wav.size();
+    if (!toFile && text != QLatin1String("auto") && text != QLatin1String("null"))
+        return QStringLiteral("--audio-sink takes auto, null or wav=FILE, not \"%1\"").arg(text);
+    m_audioSink = toFile ? wav + absolute(text.mid(wav.size())) : text;
+    return {};
+}
+
 std::optional<QString> HostOptions::readSettings(const QStringList& texts) {
     for (const QString& text : texts) {
         const int equals = text.indexOf(QLatin1Char('='));
@@ -139,5 +153,6 @@ QHash<QString, QVariant> HostOptions::moduleConfig() const {
         {QStringLiteral("gateway/listen"), m_listen},
         {QStringLiteral("gateway/portFile"), m_portFile},
         {QStringLiteral("gateway/webRoot"), m_webRoot},
+        {QStringLiteral("player/audioSink"), m_audioSink},
     };
 }

@@ -38,6 +38,7 @@ public:
 private:
     std::optional<QString> readListen(const QString& text);
     std::optional<QString> readLogLevel(const QString& text);
+    std::optional<QString> readAudioSink(const QString& text);
     std::optional<QString> readSettings(const QStringList& texts);
 
     QString m_dataDir;
@@ -45,6 +46,7 @@ private:
     QString m_listen;
     QString m_portFile;
     QString m_webRoot;
+    QString m_audioSink;
     QString m_logFile;
     QStringList m_modules;
     QList<QPair<QString, QString>> m_settings;

@@ -8,12 +8,20 @@ protected:
 
     void expectTrue(const HttpAnswer& answer) {
         EXPECT_EQ(answer.status, 200) << answer.body.constData();
-        EXPECT_EQ(answer.body, R"({"result":{"result":{"value":{"bool":true}},"xclass":"OrvoActionReply"}})");
+        EXPECT_EQ(answer.body,
+                  R"({"result":{"result":{"value":{"bool":true}},"xclass":"OrvoActionReply"}})");
     }
     void expectId(const HttpAnswer& answer, int id) {
         EXPECT_EQ(answer.status, 200) << answer.body.constData();
-        EXPECT_EQ(answer.json().value("result").toObject().value("result").toObject().value("value").toObject()
-                      .value("i32").toInt(),
+        EXPECT_EQ(answer.json()
+                      .value("result")
+                      .toObject()
+                      .value("result")
+                      .toObject()
+                      .value("value")
+                      .toObject()
+                      .value("i32")
+                      .toInt(),
                   id);
     }
     void expectRefused(const HttpAnswer& answer, const QString& message) {
@@ -37,11 +45,13 @@ TEST_F(CommandsOverHttp, allSixteenCommandsAnswer) {
     expectTrue(device.command("playlists:pl/setRepeat", R"({"plid":1,"mode":"repeatAll"})"));
     expectTrue(device.command("playlists:pl/addExternalItems",
                               R"({"plid":1,"items":[)" + item + "," + item + "]}"));
-    expectTrue(device.command("playlists:pl/addItems",
-                              R"({"plid":1,"items":["files:tree/Band%201/Album%201/01%20track.wav"]})"));
+    expectTrue(
+        device.command("playlists:pl/addItems",
+                       R"({"plid":1,"items":["files:tree/Band%201/Album%201/01%20track.wav"]})"));
     const HttpAnswer prepared = device.command("playlists:prepareItems", R"(["playlists:item/1"])");
     EXPECT_EQ(prepared.status, 200);
-    EXPECT_EQ(prepared.json().value("result").toArray().at(0).toObject().value("title").toString(), "A");
+    EXPECT_EQ(prepared.json().value("result").toArray().at(0).toObject().value("title").toString(),
+              "A");
     expectTrue(device.command("playlists:pl/moveItems", R"({"plid":1,"items":[2],"to":0})"));
     EXPECT_EQ(device.titles("playlists:pl/items/1"), (QStringList{"Track 1.1", "A", "A"}));
     expectTrue(device.command("playlists:pl/removeItems", R"({"plid":1,"items":[1]})"));
@@ -74,15 +84,18 @@ TEST_F(CommandsOverHttp, eachRefusalReachesTheCallerAndChangesNothing) {
          "Could not create collection. Please provide a non-empty string as field. (name)"},
         {"playlists:cl/delete", R"({"clid":7})",
          "Could not delete collection. There is no collection with this ID. (7)"},
-        {"playlists:pl/setName", R"({"plid":0,"name":""})", "Could not set playlist name. Cannot rename PlayQueue."},
+        {"playlists:pl/setName", R"({"plid":0,"name":""})",
+         "Could not set playlist name. Cannot rename PlayQueue."},
         {"playlists:pl/setName", R"({"name":"x"})",
          "Could not set playlist name. Cannot find playlist with invalid ID."},
         {"playlists:pl/setShuffle", R"({"plid":1,"mode":2})",
          "Could not set shuffle mode on playlist. Invalid shuffle mode. (shuffle-mode)"},
         {"playlists:pl/setRepeat", R"({"plid":1,"mode":4})",
          "Could not set repeat mode on playlist. Invalid repeat mode. (repeat-mode)"},
-        {"playlists:pl/delete", R"({"plid":0})", "Could not delete playlist. Cannot delete PlayQueue."},
-        {"playlists:pl/delete", R"({"plid":9})", "Could not delete playlist. There is no playlist with this ID. (9)"},
+        {"playlists:pl/delete", R"({"plid":0})",
+         "Could not delete playlist. Cannot delete PlayQueue."},
+        {"playlists:pl/delete", R"({"plid":9})",
+         "Could not delete playlist. There is no playlist with this ID. (9)"},
         {"playlists:cl/addItem", R"({"plid":1,"clid":3})",
          "Could not add items to collection. There is no collection with this ID. (3)"},
         {"playlists:cl/removeItem", R"({"plid":1,"clid":3})",

@@ -32,7 +32,7 @@ bool waitFor(Condition condition) {
 }
 } // namespace
 
-Device::Device() {
+Device::Device(const QStringList& arguments) : m_arguments(arguments) {
     for (int album = 1; album <= 3; ++album) {
         for (int track = 1; track <= 4; ++track) {
             SoundTags tags;
@@ -40,10 +40,11 @@ Device::Device() {
             tags.artist = QStringLiteral("Band %1").arg(album);
             tags.album = QStringLiteral("Album %1").arg(album);
             tags.track = track;
-            SoundFiles::writeWav(m_folder.filePath(QStringLiteral("music/Band %1/Album %1/%2 track.wav")
-                                                       .arg(album)
-                                                       .arg(track, 2, 10, QLatin1Char('0'))),
-                                 tags, 200);
+            SoundFiles::writeWav(
+                m_folder.filePath(QStringLiteral("music/Band %1/Album %1/%2 track.wav")
+                                      .arg(album)
+                                      .arg(track, 2, 10, QLatin1Char('0'))),
+                tags, 200);
         }
     }
 }
@@ -62,8 +63,9 @@ bool Device::start() {
     QFile::remove(portFile);
     m_process.setStandardErrorFile(m_folder.filePath("device.log"), QIODevice::Append);
     m_process.start(QStringLiteral(ORVO_HOST),
-                    {"--data", m_folder.filePath("device"), "--music", musicFolder(), "--listen", "127.0.0.1:0",
-                     "--port-file", portFile});
+                    QStringList{"--data", m_folder.filePath("device"), "--music", musicFolder(),
+                                "--listen", "127.0.0.1:0", "--port-file", portFile} +
+                        m_arguments);
     QByteArray output;
     const bool ready = waitFor([&] {
         output += m_process.readAllStandardOutput();
@@ -86,9 +88,26 @@ void Device::kill() {
 
 void Device::waitForScan() {
     const bool scanned = waitFor([this] {
-        return m_client->get("/api/value?path=files:scan").json().value("value").toObject().value("state") == "ready";
+        return m_client->get("/api/value?path=files:scan")
+                   .json()
+                   .value("value")
+                   .toObject()
+                   .value("state") == "ready";
     });
     EXPECT_TRUE(scanned);
+}
+
+QString Device::stringValue(const QByteArray& path) {
+    return m_client->get("/api/value?path=" + path)
+        .json()
+        .value("value")
+        .toObject()
+        .value("string")
+        .toString();
+}
+
+bool Device::waitForValue(const QByteArray& path, const QString& value) {
+    return waitFor([&] { return stringValue(path) == value; });
 }
 
 HttpAnswer Device::command(const QByteArray& path, const QByteArray& value) {
@@ -109,8 +128,7 @@ QStringList Device::titles(const QByteArray& path) {
 
 Device::Ctl Device::ctl(const QStringList& arguments) {
     QProcess program;
-    program.start(QStringLiteral(ORVOCTL),
-                  QStringList{"--url", QStringLiteral("http://127.0.0.1:%1").arg(m_port)} + arguments);
+    program.start(QStringLiteral(ORVOCTL), QStringList{"--url", url()} + arguments);
     Ctl result;
     if (!program.waitForFinished(PatienceMs))
         return result;
@@ -127,7 +145,8 @@ QString Device::log() const {
 QStringList Device::query(const char* sql) const {
     QStringList rows;
     sqlite3* connection = nullptr;
-    EXPECT_EQ(sqlite3_open_v2(databaseFile().toUtf8(), &connection, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
+    EXPECT_EQ(sqlite3_open_v2(databaseFile().toUtf8(), &connection, SQLITE_OPEN_READWRITE, nullptr),
+              SQLITE_OK);
     const auto collect = [](void* into, int count, char** values, char**) {
         QStringList columns;
         for (int i = 0; i < count; ++i)
@@ -146,5 +165,6 @@ void Device::expectInvariants() const {
     EXPECT_EQ(query("SELECT playlist FROM playlists_items GROUP BY playlist"
                     " HAVING min(sequenceNumber) <> 0 OR max(sequenceNumber) <> count(*) - 1"),
               QStringList());
-    EXPECT_EQ(query("SELECT uid FROM items WHERE uid NOT IN (SELECT item FROM playlists_items)"), QStringList());
+    EXPECT_EQ(query("SELECT uid FROM items WHERE uid NOT IN (SELECT item FROM playlists_items)"),
+              QStringList());
 }

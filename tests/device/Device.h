@@ -9,7 +9,8 @@
 
 #include "HttpClient.h"
 
-// One running orvo-host over its own data and music folders, with the default modules. Killed by its destructor.
+// One running orvo-host over its own data and music folders, with the default modules. Killed by
+// its destructor.
 class Device {
 public:
     struct Ctl {
@@ -18,8 +19,8 @@ public:
         QString err;
     };
 
-    // Three albums of short WAV files are in the music folder.
-    Device();
+    // Three albums of short WAV files are in the music folder. The arguments are the host's.
+    explicit Device(const QStringList& arguments = {"--audio-sink", "null"});
     ~Device();
 
     bool start();
@@ -33,6 +34,11 @@ public:
     QStringList titles(const QByteArray& path);
     Ctl ctl(const QStringList& arguments);
 
+    // The string value at the path, e.g. the player's state.
+    QString stringValue(const QByteArray& path);
+    bool waitForValue(const QByteArray& path, const QString& value);
+
+    QString url() const { return QStringLiteral("http://127.0.0.1:%1").arg(m_port); }
     QString musicFolder() const { return m_folder.filePath("music"); }
     QString databaseFile() const {
         return m_folder.filePath("device/data-rw/playlists/playlists.sqlite");
@@ -46,6 +52,7 @@ public:
 
 private:
     QTemporaryDir m_folder;
+    QStringList m_arguments;
     QProcess m_process;
     quint16 m_port = 0;
     std::unique_ptr<HttpClient> m_client;

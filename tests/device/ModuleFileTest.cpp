@@ -27,9 +27,10 @@ TEST(ModuleFile, aFreshDatabaseHoldsFiveTablesOneIndexAndThePlayQueue) {
     Device device;
     ASSERT_TRUE(device.start());
     device.kill();
-    EXPECT_EQ(device.query("SELECT type || ' ' || name FROM sqlite_master WHERE sql IS NOT NULL ORDER BY 1"),
-              (QStringList{"index itemUrlIndex", "table collections", "table collections_playlists", "table items",
-                           "table playlists", "table playlists_items"}));
+    EXPECT_EQ(device.query(
+                  "SELECT type || ' ' || name FROM sqlite_master WHERE sql IS NOT NULL ORDER BY 1"),
+              (QStringList{"index itemUrlIndex", "table collections", "table collections_playlists",
+                           "table items", "table playlists", "table playlists_items"}));
     EXPECT_EQ(device.query("SELECT * FROM playlists"), QStringList{"0|PlayQueue|0|0|-1"});
     EXPECT_EQ(device.query("PRAGMA journal_mode"), QStringList{"delete"});
     device.expectInvariants();

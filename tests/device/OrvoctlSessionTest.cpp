@@ -10,7 +10,8 @@ protected:
     }
     void run(const QStringList& arguments) {
         const Device::Ctl result = device.ctl(arguments);
-        EXPECT_EQ(result.status, 0) << qPrintable(arguments.join(' ')) << ": " << qPrintable(result.err);
+        EXPECT_EQ(result.status, 0)
+            << qPrintable(arguments.join(' ')) << ": " << qPrintable(result.err);
     }
 
     Device device;
@@ -22,7 +23,8 @@ TEST_F(OrvoctlSession, whatWasAnsweredIsThereAfterAKillAndTheQueueIsEmpty) {
     run({"create", "Party"});
     run({"create", "Sunday"});
     run({"add", "Party", device.musicFolder() + "/Band 1"});
-    run({"add", "Sunday", device.musicFolder() + "/Band 2", device.musicFolder() + "/Band 3/Album 3/04 track.wav"});
+    run({"add", "Sunday", device.musicFolder() + "/Band 2",
+         device.musicFolder() + "/Band 3/Album 3/04 track.wav"});
     run({"move", "Party", "1", "--to", "3"});
     run({"remove", "Sunday", "2", "4"});
     run({"rename", "Sunday", "Sunday morning"});
@@ -39,10 +41,12 @@ TEST_F(OrvoctlSession, whatWasAnsweredIsThereAfterAKillAndTheQueueIsEmpty) {
     device.expectInvariants();
     ASSERT_TRUE(device.start());
 
-    EXPECT_EQ(device.titles("playlists:pl/list"), (QStringList{"Create new playlist", "Party", "Sunday morning"}));
+    EXPECT_EQ(device.titles("playlists:pl/list"),
+              (QStringList{"Create new playlist", "Party", "Sunday morning"}));
     EXPECT_EQ(device.titles("playlists:pl/items/1"),
               (QStringList{"Track 1.2", "Track 1.3", "Track 1.1", "Track 1.4", "Track 3.1"}));
-    EXPECT_EQ(device.titles("playlists:pl/items/2"), (QStringList{"Track 2.1", "Track 2.3", "Track 3.4"}));
+    EXPECT_EQ(device.titles("playlists:pl/items/2"),
+              (QStringList{"Track 2.1", "Track 2.3", "Track 3.4"}));
     EXPECT_EQ(device.titles("playlists:cl/items%3Fclid%3D1"), QStringList{"Party"});
     EXPECT_EQ(device.titles("playlists:pq/items"), QStringList());
     EXPECT_EQ(device.query("SELECT shuffle FROM playlists WHERE uid = 1"), QStringList{"1"});
@@ -51,6 +55,8 @@ TEST_F(OrvoctlSession, whatWasAnsweredIsThereAfterAKillAndTheQueueIsEmpty) {
 TEST_F(OrvoctlSession, aRefusalIsStatusOneAndAWrongCallStatusTwo) {
     const Device::Ctl refused = device.ctl({"set", "playlists:pl/create", R"({"name":""})"});
     EXPECT_EQ(refused.status, 1);
-    EXPECT_EQ(refused.err, "orvoctl: Could not create playlist. Please provide a non-empty string as field. (name)\n");
+    EXPECT_EQ(
+        refused.err,
+        "orvoctl: Could not create playlist. Please provide a non-empty string as field. (name)\n");
     EXPECT_EQ(device.ctl({"no-such-verb"}).status, 2);
 }

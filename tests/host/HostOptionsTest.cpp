@@ -78,6 +78,8 @@ TEST(HostOptionsTest, aWrongCallHasStatusTwoAndSaysWhatIsWrong) {
         {{"--data", ""}, "--data needs a value"},
         {{"--module="}, "--module needs a value"},
         {{"music"}, "what is \"music\"?"},
+        {{"--audio-sink", "wav="}, "--audio-sink takes auto, null or wav=FILE, not \"wav=\""},
+        {{"--audio-sink", "loud"}, "--audio-sink takes auto, null or wav=FILE, not \"loud\""},
         {{"--log-level", "loud"}, "there is no log level \"loud\""},
         {{"--log-level", "INFO"}, "there is no log level \"INFO\""},
         {{"--listen", "8080"}, "--listen takes ADDRESS:PORT, not \"8080\""},

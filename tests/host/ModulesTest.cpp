@@ -21,7 +21,8 @@ TEST_F(Modules, areLoadedInOrderAndDestroyedInReverse) {
 
 TEST_F(Modules, areGivenTheConfiguration) {
     HostProcess host({"--data", "data", "--module", PROBE_MODULE, "--music", "my music", "--listen",
-                      "127.0.0.1:0", "--port-file", "port", "--web", "web"},
+                      "127.0.0.1:0", "--port-file", "port", "--web", "web", "--audio-sink",
+                      "wav=sound.wav"},
                      {}, path(""));
     ASSERT_TRUE(host.waitUntilReady());
     host.endBy(SIGTERM);
@@ -30,7 +31,8 @@ TEST_F(Modules, areGivenTheConfiguration) {
                                    {"musicDir", path("my music")},
                                    {"gateway/listen", "127.0.0.1:0"},
                                    {"gateway/portFile", path("port")},
-                                   {"gateway/webRoot", path("web")}}));
+                                   {"gateway/webRoot", path("web")},
+                                   {"player/audioSink", "wav=" + path("sound.wav")}}));
 }
 
 TEST_F(Modules, areFoundByTheirBareNameBesideTheProgram) {

@@ -6,10 +6,12 @@
 #include <QString>
 #include <QStringList>
 
-// Captures what is logged while it lives, as "LEVEL text" lines in order, for one logger or for all.
+// Captures what is logged while it lives, as "LEVEL text" lines in order, for one logger or for
+// all.
 class LogCapture {
 public:
-    explicit LogCapture(const QString& loggerName = {}, log4cplus::LogLevel level = log4cplus::TRACE_LOG_LEVEL);
+    explicit LogCapture(const QString& loggerName = {},
+                        log4cplus::LogLevel level = log4cplus::TRACE_LOG_LEVEL);
     ~LogCapture();
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
@@ -18,7 +20,9 @@ public:
     // The texts of one level, e.g. "ERROR".
     QStringList texts(const QString& level) const;
     QStringList errors() const { return texts(QStringLiteral("ERROR")); }
-    bool contains(const QString& level, const QString& text) const { return texts(level).contains(text); }
+    bool contains(const QString& level, const QString& text) const {
+        return texts(level).contains(text);
+    }
     void clear();
 
 private:

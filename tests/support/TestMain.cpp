@@ -1,11 +1,11 @@
-#include "TestApp.h"
-
 #include <gtest/gtest.h>
 #include <log4cplus/initializer.h>
 #include <log4cplus/logger.h>
 #include <log4cplus/spi/loggingevent.h>
 
 #include <QCoreApplication>
+
+#include "TestApp.h"
 
 class LogCapture::Sink : public log4cplus::Appender {
 public:
@@ -17,13 +17,15 @@ public:
 protected:
     void append(const log4cplus::spi::InternalLoggingEvent& event) override {
         const std::string level = log4cplus::getLogLevelManager().toString(event.getLogLevel());
-        lines.append(QString::fromStdString(level) + QLatin1Char(' ') + QString::fromStdString(event.getMessage()));
+        lines.append(QString::fromStdString(level) + QLatin1Char(' ') +
+                     QString::fromStdString(event.getMessage()));
     }
 };
 
 namespace {
 log4cplus::Logger loggerNamed(const QString& name) {
-    return name.isEmpty() ? log4cplus::Logger::getRoot() : log4cplus::Logger::getInstance(name.toStdString());
+    return name.isEmpty() ? log4cplus::Logger::getRoot()
+                          : log4cplus::Logger::getInstance(name.toStdString());
 }
 } // namespace
 
@@ -60,7 +62,8 @@ void LogCapture::clear() {
 
 int main(int argc, char** argv) {
     log4cplus::Initializer logging;
-    // Quiet unless a test captures: the levels stay as in production, the root has no appender but a null one.
+    // Quiet unless a test captures: the levels stay as in production, the root has no appender but
+    // a null one.
     log4cplus::Logger::getRoot().setLogLevel(log4cplus::OFF_LOG_LEVEL);
     QCoreApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);

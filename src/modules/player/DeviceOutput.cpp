@@ -15,6 +15,7 @@ constexpr double SecondsAhead = 0.5;
 // Room for the first sound after the output ran dry.
 constexpr double SecondsToCatchUp = 0.05;
 constexpr std::chrono::seconds LookAgainAfter{10};
+constexpr GstClockTime SettleTime = 300 * GST_MSECOND;
 
 // An automatic sink that found nothing plays into a fake of its own.
 bool isFake(GstElement* sink) {
@@ -110,6 +111,7 @@ void DeviceOutput::start(const AudioFormat& format) {
     if (!m_pipeline || (m_silent && sinceLook > LookAgainAfter) || !reopen())
         openDevice();
     m_running = true;
+    m_taken = false;
     m_format = format;
     {
         const std::lock_guard lock(m_mutex);
@@ -138,6 +140,9 @@ void DeviceOutput::setPaused(bool paused) {
     m_paused = paused;
     if (!m_running || m_broken)
         return;
+    // A change of state on top of one that is just being completed can leave the sink behind for
+    // good, so that one is awaited; without sound to complete it there is nothing to wait for.
+    gst_element_get_state(m_pipeline.get(), nullptr, nullptr, m_taken ? SettleTime : 0);
     if (gst_element_set_state(m_pipeline.get(), paused ? GST_STATE_PAUSED : GST_STATE_PLAYING) ==
             GST_STATE_CHANGE_FAILURE &&
         !m_broken.exchange(true))
@@ -155,6 +160,7 @@ void DeviceOutput::fallBack() {
     if (!m_broken)
         return;
     openSilence();
+    m_taken = false;
     {
         // What the device still had to play counts as heard.
         const std::lock_guard lock(m_mutex);
@@ -166,7 +172,12 @@ void DeviceOutput::fallBack() {
 }
 
 qint64 DeviceOutput::runningFrames() const {
-    const GstClockTime time = gst_element_get_current_running_time(m_pipeline.get());
+    GstState state = GST_STATE_NULL;
+    gst_element_get_state(m_pipeline.get(), &state, nullptr, 0);
+    // Stands still during a pause and before the first sound has arrived.
+    const GstClockTime time = state == GST_STATE_PLAYING
+                                  ? gst_element_get_current_running_time(m_pipeline.get())
+                                  : gst_element_get_start_time(m_pipeline.get());
     if (!GST_CLOCK_TIME_IS_VALID(time))
         return 0;
     return qint64(gst_util_uint64_scale(time, guint64(m_format.rate), GST_SECOND));
@@ -176,8 +187,11 @@ qint64 DeviceOutput::heardFrames() {
     if (!m_pipeline)
         return 0;
     const qint64 running = runningFrames();
+    const guint64 waiting = gst_app_src_get_current_level_bytes(GST_APP_SRC(m_source));
     const std::lock_guard lock(m_mutex);
-    m_heard = std::clamp(m_base + running - m_late, m_heard, m_written);
+    // What the sink has not even fetched was not heard, whatever the clock says.
+    const qint64 fetched = m_written - qint64(waiting) / m_format.frameBytes();
+    m_heard = qMax(m_heard, qMin(m_base + running - m_late, fetched));
     return m_heard;
 }
 
@@ -209,6 +223,7 @@ void DeviceOutput::write(const char* data, qint64 bytes) {
     GST_BUFFER_PTS(buffer) = gst_util_uint64_scale(guint64(at), GST_SECOND, rate);
     GST_BUFFER_DURATION(buffer) =
         gst_util_uint64_scale(guint64(at + frames), GST_SECOND, rate) - GST_BUFFER_PTS(buffer);
+    m_taken = true;
     gst_app_src_push_buffer(GST_APP_SRC(m_source), buffer);
 }
 

@@ -54,6 +54,7 @@ private:
     GstElement* m_loudness = nullptr; // the pipeline's
     GstElement* m_sink = nullptr;     // the pipeline's
     std::atomic<bool> m_broken{false};
+    std::atomic<bool> m_taken{false}; // some sound was taken since the pipeline started
 
     // What follows is shared between the feeder's and the worker's thread.
     mutable std::mutex m_mutex;

@@ -15,14 +15,14 @@ EngineEvents::EngineEvents(std::function<void(const EngineEvent&)> receiver)
 
 EngineEvents::~EngineEvents() {
     m_notifier.setEnabled(false);
+    // Whoever pushed last is through with it.
+    const std::lock_guard lock(m_mutex);
     close(m_wakeFd);
 }
 
 void EngineEvents::push(EngineEvent event) {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_events.push_back(std::move(event));
-    }
+    const std::lock_guard lock(m_mutex);
+    m_events.push_back(std::move(event));
     // Cannot fail but for a counter that is full, which wakes as well.
     [[maybe_unused]] const int result = eventfd_write(m_wakeFd, 1);
 }

@@ -82,6 +82,11 @@ OrvoPlayerPlayMode::Enum PlayerTransport::playMode() const {
     return m_logic ? m_logic->playMode() : OrvoPlayerPlayMode::Normal;
 }
 
+qint64 PlayerTransport::duration() const {
+    const qint64 told = m_engine.duration();
+    return told > 0 ? told : qMax<qint64>(0, m_current.roles.mediaData().metaData().duration());
+}
+
 void PlayerTransport::setState(OrvoPlayerState::Enum state) {
     m_state = state;
     Q_EMIT changed();

@@ -40,7 +40,8 @@ public:
     OrvoPlayerPlayMode::Enum playMode() const;
     OrvoRoles nextMedia() const { return m_next.roles; }
     qint64 position() const { return m_engine.position(); }
-    qint64 duration() const { return m_engine.duration(); }
+    // As the file tells, else as its roles do; 0 when unknown.
+    qint64 duration() const;
     int volume() const { return m_volume; }
     // Without a request, at start.
     void applyVolume(int volume);

@@ -35,6 +35,8 @@ void PositionPublisher::publishSoon() {
 }
 
 void PositionPublisher::publish() {
+    if (!CMRoot()->isValueWatched(OrvoPlayerPositionPath()))
+        return;
     const qint64 position = m_transport.position();
     if (position != m_last) {
         m_events->valueChanged(OrvoPlayerPositionPath(), milliseconds(position),
@@ -43,7 +45,6 @@ void PositionPublisher::publish() {
         m_sinceLast.start();
     }
     Q_EMIT ticked();
-    if (m_transport.state() == OrvoPlayerState::Playing &&
-        CMRoot()->isValueWatched(OrvoPlayerPositionPath()))
+    if (m_transport.state() == OrvoPlayerState::Playing)
         m_timer.start(IntervalMs);
 }

@@ -13,13 +13,47 @@ constexpr GstClockTime PullWait = 20 * GST_MSECOND;
 // What is decoded ahead; a second or two with the usual decoders.
 constexpr guint BuffersAhead = 32;
 
-// Frames of the buffer that lie before the segment's start, as after a seek into its middle.
-qint64 framesBeforeStart(GstBuffer* buffer, const GstSegment* segment, int rate) {
-    if (!GST_BUFFER_PTS_IS_VALID(buffer) || segment->format != GST_FORMAT_TIME ||
-        GST_BUFFER_PTS(buffer) >= segment->start)
-        return 0;
-    const double seconds = double(segment->start - GST_BUFFER_PTS(buffer)) / GST_SECOND;
-    return std::llround(seconds * rate);
+// Passed by the thread that makes a decoder and then by GStreamer's threads when they come to it.
+// GStreamer orders these itself, but with locks that the thread sanitizer does not see; this one
+// it sees, and so it can watch over everything of ours behind it.
+std::mutex& handOver() {
+    static std::mutex mutex;
+    return mutex;
+}
+
+// Addresses come from strangers; others reach devices and open files of this process.
+const QStringList& playableSchemes() {
+    static const QStringList schemes = {QStringLiteral("file"), QStringLiteral("http"),
+                                        QStringLiteral("https")};
+    return schemes;
+}
+
+qint64 toFrames(GstClockTime time, int rate) {
+    return std::llround(double(time) / double(GST_SECOND) * rate);
+}
+
+// What of a buffer of `frames` belongs to the item. A seek into its middle begins before the place
+// that was asked for; and a decoder that rounds the item's end to the wrong side of a frame gives
+// one too many, which would shift everything that follows without a gap.
+struct Part {
+    qint64 first = 0;
+    qint64 count = 0;
+};
+
+Part belonging(GstBuffer* buffer, const GstSegment* segment, qint64 frames, int rate) {
+    constexpr qint64 RoundingFrames = 2;
+    Part part{0, frames};
+    if (!GST_BUFFER_PTS_IS_VALID(buffer) || segment->format != GST_FORMAT_TIME)
+        return part;
+    const qint64 begin = toFrames(GST_BUFFER_PTS(buffer), rate);
+    part.first = qBound<qint64>(0, toFrames(segment->start, rate) - begin, frames);
+    if (GST_CLOCK_TIME_IS_VALID(segment->stop)) {
+        const qint64 excess = begin + frames - toFrames(segment->stop, rate);
+        if (excess > 0 && excess <= RoundingFrames)
+            frames -= excess;
+    }
+    part.count = qMax<qint64>(0, frames - part.first);
+    return part;
 }
 } // namespace
 
@@ -30,6 +64,8 @@ TrackDecoder::TrackDecoder(quint64 id, const QString& uri, std::optional<AudioFo
     // Asked here, because opening a pipe or a folder would wait or fail with an unhelpful text.
     if (uri.isEmpty() || !url.isValid() || url.scheme().isEmpty()) {
         fail("there is no address to play");
+    } else if (!playableSchemes().contains(url.scheme())) {
+        fail("its kind of address is not played");
     } else if (url.isLocalFile() && !QFileInfo(url.toLocalFile()).isFile()) {
         fail("there is no such file");
     } else {
@@ -55,7 +91,7 @@ void TrackDecoder::build(const std::optional<AudioFormat>& wanted) {
     m_sink = GST_APP_SINK(sink);
 
     const GstCapsPtr decoded(gst_caps_from_string("audio/x-raw(ANY)"));
-    g_object_set(source, "uri", m_uri.toUtf8().constData(), "caps", decoded.get(),
+    g_object_set(source, "uri", QUrl(m_uri).toEncoded().constData(), "caps", decoded.get(),
                  "expose-all-streams", FALSE, nullptr);
     // No dithering: the same file always gives the same samples.
     gst_util_set_object_arg(G_OBJECT(m_convert), "dithering", "none");
@@ -75,36 +111,36 @@ void TrackDecoder::build(const std::optional<AudioFormat>& wanted) {
     gst_app_sink_set_callbacks(m_sink, &callbacks, this, nullptr);
     const GstBusPtr bus(gst_element_get_bus(m_pipeline.get()));
     gst_bus_set_sync_handler(bus.get(), onMessage, this, nullptr);
-    // Publishes what was built to the threads that are about to start.
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(handOver());
 }
 
 void TrackDecoder::ready(const AudioFormat& format) {
-    {
-        const std::lock_guard lock(m_mutex);
-        if (m_reported)
-            return;
-        m_reported = true;
-        m_format = format;
-    }
+    const std::lock_guard lock(m_mutex);
+    if (m_reported)
+        return;
+    m_reported = true;
+    m_format = format;
     m_events.push({EngineEvent::Kind::DecoderReady, m_id, 0, {}});
 }
 
 void TrackDecoder::fail(const std::string& text) {
-    {
-        const std::lock_guard lock(m_mutex);
-        if (m_error.empty())
-            m_error = text;
-        if (m_reported)
-            return; // the feeder finds the error when it gets there
-        m_reported = true;
-    }
+    const std::lock_guard lock(m_mutex);
+    if (m_error.empty())
+        m_error = text;
+    if (m_reported)
+        return; // the feeder finds the error when it gets there
+    m_reported = true;
     m_events.push({EngineEvent::Kind::DecoderFailed, m_id, 0, text});
 }
 
 AudioFormat TrackDecoder::format() const {
     const std::lock_guard lock(m_mutex);
     return m_format;
+}
+
+bool TrackDecoder::isReported() const {
+    const std::lock_guard lock(m_mutex);
+    return m_reported;
 }
 
 std::string TrackDecoder::error() const {
@@ -137,50 +173,45 @@ TrackDecoder::Pulled TrackDecoder::pull(std::vector<char>& pcm) {
     }
     GstBuffer* buffer = gst_sample_get_buffer(sample.get());
     const AudioFormat form = format();
-    const gsize skip =
-        gsize(framesBeforeStart(buffer, gst_sample_get_segment(sample.get()), form.rate)) *
-        gsize(form.frameBytes());
-    const gsize size = gst_buffer_get_size(buffer);
-    if (skip >= size)
+    const gsize frameBytes = gsize(form.frameBytes());
+    const Part part = belonging(buffer, gst_sample_get_segment(sample.get()),
+                                qint64(gst_buffer_get_size(buffer) / frameBytes), form.rate);
+    if (part.count == 0)
         return Pulled::NotYet;
-    pcm.resize(size - skip);
-    gst_buffer_extract(buffer, skip, pcm.data(), pcm.size());
+    pcm.resize(gsize(part.count) * frameBytes);
+    gst_buffer_extract(buffer, gsize(part.first) * frameBytes, pcm.data(), pcm.size());
     return Pulled::Sound;
 }
 
 // What follows runs on GStreamer's threads.
 
+TrackDecoder* TrackDecoder::entered(gpointer self) {
+    const std::lock_guard lock(handOver());
+    return static_cast<TrackDecoder*>(self);
+}
+
+GstPadPtr TrackDecoder::soundEntry() const {
+    const std::lock_guard lock(m_mutex);
+    return GstPadPtr(gst_element_get_static_pad(m_convert, "sink"));
+}
+
 void TrackDecoder::onPadAdded(GstElement*, GstPad* pad, gpointer self) {
-    auto* decoder = static_cast<TrackDecoder*>(self);
-    GstElement* convert = nullptr;
-    {
-        const std::lock_guard lock(decoder->m_mutex);
-        convert = decoder->m_convert;
-    }
-    const GstPadPtr target(gst_element_get_static_pad(convert, "sink"));
-    if (!gst_pad_is_linked(target.get()))
-        gst_pad_link(pad, target.get());
+    const GstPadPtr entry = entered(self)->soundEntry();
+    if (!gst_pad_is_linked(entry.get()))
+        gst_pad_link(pad, entry.get());
 }
 
 void TrackDecoder::onNoMorePads(GstElement*, gpointer self) {
-    auto* decoder = static_cast<TrackDecoder*>(self);
-    GstElement* convert = nullptr;
-    {
-        const std::lock_guard lock(decoder->m_mutex);
-        convert = decoder->m_convert;
-    }
-    const GstPadPtr target(gst_element_get_static_pad(convert, "sink"));
-    if (!gst_pad_is_linked(target.get()))
+    TrackDecoder* decoder = entered(self);
+    if (!gst_pad_is_linked(decoder->soundEntry().get()))
         decoder->fail("there is no sound in it");
 }
 
 GstFlowReturn TrackDecoder::onPreroll(GstAppSink* sink, gpointer self) {
-    auto* decoder = static_cast<TrackDecoder*>(self);
-    const GstSamplePtr sample(gst_app_sink_pull_preroll(sink));
-    if (!sample)
-        return GST_FLOW_OK;
-    const std::optional<AudioFormat> format =
-        AudioFormat::fromCaps(gst_sample_get_caps(sample.get()));
+    TrackDecoder* decoder = entered(self);
+    const GstPadPtr pad(gst_element_get_static_pad(GST_ELEMENT(sink), "sink"));
+    const GstCapsPtr caps(gst_pad_get_current_caps(pad.get()));
+    const std::optional<AudioFormat> format = AudioFormat::fromCaps(caps.get());
     if (format)
         decoder->ready(*format);
     else
@@ -189,22 +220,17 @@ GstFlowReturn TrackDecoder::onPreroll(GstAppSink* sink, gpointer self) {
 }
 
 void TrackDecoder::onEos(GstAppSink*, gpointer self) {
-    auto* decoder = static_cast<TrackDecoder*>(self);
-    {
-        const std::lock_guard lock(decoder->m_mutex);
-        if (decoder->m_reported)
-            return;
-    }
-    decoder->fail("there is no sound in it");
+    TrackDecoder* decoder = entered(self);
+    if (!decoder->isReported())
+        decoder->fail("there is no sound in it");
 }
 
 GstBusSyncReply TrackDecoder::onMessage(GstBus*, GstMessage* message, gpointer self) {
-    auto* decoder = static_cast<TrackDecoder*>(self);
     if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
         GError* raw = nullptr;
         gst_message_parse_error(message, &raw, nullptr);
         const GErrorPtr error(raw);
-        decoder->fail(error ? error->message : "it cannot be decoded");
+        entered(self)->fail(error ? error->message : "it cannot be decoded");
     }
     gst_message_unref(message);
     return GST_BUS_DROP;

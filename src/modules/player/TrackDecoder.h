@@ -39,15 +39,19 @@ public:
     Pulled pull(std::vector<char>& pcm);
 
 private:
+    // How GStreamer's threads come in.
+    static TrackDecoder* entered(gpointer self);
     static void onPadAdded(GstElement*, GstPad* pad, gpointer self);
     static void onNoMorePads(GstElement*, gpointer self);
     static GstFlowReturn onPreroll(GstAppSink* sink, gpointer self);
     static void onEos(GstAppSink* sink, gpointer self);
     static GstBusSyncReply onMessage(GstBus*, GstMessage* message, gpointer self);
 
+    GstPadPtr soundEntry() const;
     void build(const std::optional<AudioFormat>& wanted);
     void ready(const AudioFormat& format);
     void fail(const std::string& text);
+    bool isReported() const;
 
     const quint64 m_id;
     const QString m_uri;

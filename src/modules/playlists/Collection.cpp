@@ -4,7 +4,8 @@
 #include "ModuleLog.h"
 #include "PlayListBase.h"
 
-Collection::Collection(Database* database, const CollectionRecord& record, QList<PlayListBase*> playlists)
+Collection::Collection(Database* database, const CollectionRecord& record,
+                       QList<PlayListBase*> playlists)
     : m_database(database), m_record(record), m_playLists(std::move(playlists)) {}
 
 bool Collection::remove() {
@@ -14,7 +15,8 @@ bool Collection::remove() {
 bool Collection::addPlayList(PlayListBase* pl) {
     CM_ENTER_ARGS(moduleLog(), "this=" << getUid() << " pl=" << pl->getUid());
     if (!m_database->addToCollection(m_record, pl->getUid())) {
-        LOG4CPLUS_ERROR(moduleLog(), "Unable to add pl to collection, this=" << getUid() << " pl=" << pl->getUid());
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to add pl to collection, this=" << getUid() << " pl="
+                                                                             << pl->getUid());
         return false;
     }
     m_record.playlists.append(pl->getUid());

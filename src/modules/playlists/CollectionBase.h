@@ -5,7 +5,8 @@
 
 class PlayListBase;
 
-// A named group of playlists as the rest of the module sees it. Owned by the manager; the playlists are not its own.
+// A named group of playlists as the rest of the module sees it. Owned by the manager; the playlists
+// are not its own.
 class CollectionBase : public QObject {
     Q_OBJECT
 public:

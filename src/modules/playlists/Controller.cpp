@@ -10,9 +10,10 @@
 
 // One command: its path, and its handler, whose kind says how the request is answered.
 struct Controller::Command {
-    using Run = bool (Controller::*)(CMSetDataRequest, QString&);          // setReply with its result
-    using Create = bool (Controller::*)(CMSetDataRequest, QString&, int&); // setReplyInt with the new id
-    using Start = void (Controller::*)(CMSetDataRequest);                  // answers by itself
+    using Run = bool (Controller::*)(CMSetDataRequest, QString&); // setReply with its result
+    using Create = bool (Controller::*)(CMSetDataRequest, QString&,
+                                        int&);            // setReplyInt with the new id
+    using Start = void (Controller::*)(CMSetDataRequest); // answers by itself
     CMPath (*path)();
     std::variant<Run, Create, Start> handler;
 };
@@ -39,7 +40,8 @@ const QList<Controller::Command>& Controller::commands() {
     return rows;
 }
 
-Controller::Controller(PlayListWorker* worker, PlayListManager* manager) : m_worker(worker), m_manager(manager) {}
+Controller::Controller(PlayListWorker* worker, PlayListManager* manager)
+    : m_worker(worker), m_manager(manager) {}
 
 bool Controller::handleSetData(const CMSetDataRequest& request) {
     CM_ENTER(moduleLog());
@@ -64,7 +66,8 @@ bool Controller::handleSetData(const CMSetDataRequest& request) {
 }
 
 namespace {
-void answer(const CMSetDataRequest& request, bool success, const OrvoValue& value, const QString& msg) {
+void answer(const CMSetDataRequest& request, bool success, const OrvoValue& value,
+            const QString& msg) {
     if (!success) {
         request.reply().setError(TrString(msg));
         return;
@@ -83,31 +86,38 @@ void Controller::setReply(const CMSetDataRequest& request, bool success, const Q
     answer(request, success, OrvoValue::fromBool(success), msg);
 }
 
-void Controller::setReplyInt(const CMSetDataRequest& request, bool success, int value, const QString& msg) {
+void Controller::setReplyInt(const CMSetDataRequest& request, bool success, int value,
+                             const QString& msg) {
     CM_ENTER_ARGS(moduleLog(), "res: " << success << " val: " << value << " msg: " << msg);
     answer(request, success, OrvoValue::fromI32(value), msg);
 }
 
 QString Controller::buildErrMsg(const QString& a, const QString& b, const QString& c) {
-    return c.isEmpty() ? QStringLiteral("%1 %2").arg(a).arg(b) : QStringLiteral("%1 %2 (%3)").arg(a).arg(b).arg(c);
+    return c.isEmpty() ? QStringLiteral("%1 %2").arg(a).arg(b)
+                       : QStringLiteral("%1 %2 (%3)").arg(a).arg(b).arg(c);
 }
 
 QString Controller::buildOkMsg(const QString& a, const QString& b, const QString& c) {
-    return c.isEmpty() ? QStringLiteral("%1 (%2)").arg(a).arg(b) : QStringLiteral("%1 %2 (%3)").arg(a).arg(b).arg(c);
+    return c.isEmpty() ? QStringLiteral("%1 (%2)").arg(a).arg(b)
+                       : QStringLiteral("%1 %2 (%3)").arg(a).arg(b).arg(c);
 }
 
-bool Controller::checkNonemptyString(const QString& str, const QString& field, const QString& prefix, QString& msg) {
+bool Controller::checkNonemptyString(const QString& str, const QString& field,
+                                     const QString& prefix, QString& msg) {
     if (!str.isEmpty())
         return true;
-    msg = buildErrMsg(prefix, CONTROLLER_TEXT("Please provide a non-empty string as field."), field);
+    msg =
+        buildErrMsg(prefix, CONTROLLER_TEXT("Please provide a non-empty string as field."), field);
     return false;
 }
 
-bool Controller::checkPlayList(const PlayListBase* pl, const int& plid, const QString& prefix, QString& msg) {
+bool Controller::checkPlayList(const PlayListBase* pl, const int& plid, const QString& prefix,
+                               QString& msg) {
     if (pl)
         return true;
     LOG4CPLUS_ERROR(moduleLog(), "There is no playlist with ID : " << plid);
-    msg = buildErrMsg(prefix, CONTROLLER_TEXT("There is no playlist with this ID."), QString::number(plid));
+    msg = buildErrMsg(prefix, CONTROLLER_TEXT("There is no playlist with this ID."),
+                      QString::number(plid));
     return false;
 }
 

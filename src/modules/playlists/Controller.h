@@ -1,8 +1,9 @@
 #pragma once
 
+#include <memory>
+
 #include <QHash>
 #include <QObject>
-#include <memory>
 
 #include "CMRequest.h"
 #include "CMRequestGroup.h"
@@ -14,16 +15,18 @@ class PlayListBase;
 class PlayListManager;
 class PlayListWorker;
 
-// Runs the module's sixteen commands: recognises the path, checks the request, makes one change in the model and
-// answers with a result or with an error text for people. Made by the worker, worker's thread only. The table of
-// commands is in Controller.cpp, playlist commands in ControllerPlayLists.cpp, collection commands in
-// ControllerCollections.cpp, adding items in ControllerAddItems.cpp.
+// Runs the module's sixteen commands: recognises the path, checks the request, makes one change in
+// the model and answers with a result or with an error text for people. Made by the worker,
+// worker's thread only. The table of commands is in Controller.cpp, playlist commands in
+// ControllerPlayLists.cpp, collection commands in ControllerCollections.cpp, adding items in
+// ControllerAddItems.cpp.
 class Controller : public QObject {
     Q_OBJECT
 public:
     Controller(PlayListWorker* worker, PlayListManager* manager);
 
-    // False when the path is no command's: nothing was answered then. True: answered, or answered later.
+    // False when the path is no command's: nothing was answered then. True: answered, or answered
+    // later.
     bool handleSetData(const CMSetDataRequest& request);
 
     // Result: an action reply whose value is true, or an error with the text.
@@ -37,13 +40,16 @@ public:
     static QString buildOkMsg(const QString& a, const QString& b, const QString& c = {});
 
     // Each is true when the check passes; otherwise `msg` says why, after `prefix`.
-    static bool checkNonemptyString(const QString& str, const QString& field, const QString& prefix, QString& msg);
-    static bool checkPlayList(const PlayListBase* pl, const int& plid, const QString& prefix, QString& msg);
+    static bool checkNonemptyString(const QString& str, const QString& field, const QString& prefix,
+                                    QString& msg);
+    static bool checkPlayList(const PlayListBase* pl, const int& plid, const QString& prefix,
+                              QString& msg);
     static bool checkPlayListId(const int& plid, const QString& prefix, QString& msg);
 
     // The items at these paths, in order, up to the first path that names none.
     QVariantList preparePlaylistItems(const QStringList& paths);
-    // Validates all items, then adds them. Returns how many were added, -1 with a reason in `msg` otherwise.
+    // Validates all items, then adds them. Returns how many were added, -1 with a reason in `msg`
+    // otherwise.
     int addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
                            OrvoPlayListAddPosition::Enum mode, QString* msg);
     // Asks the player to play the playlist from this item on.
@@ -88,8 +94,10 @@ private:
     void plAddItems(CMSetDataRequest request);
     bool plAddExternalItems(CMSetDataRequest request, QString& msg);
     // The name ("Replays") is historical and kept.
-    int addItemsFromAllReplays(const ReqGroupProperties& props, CMRequestGroup* group, QString* msg);
-    bool startFirstNewItem(PlayListBase* pl, int added, const QString& failure, const QString& prefix, QString& msg);
+    int addItemsFromAllReplays(const ReqGroupProperties& props, CMRequestGroup* group,
+                               QString* msg);
+    bool startFirstNewItem(PlayListBase* pl, int added, const QString& failure,
+                           const QString& prefix, QString& msg);
 
     PlayListWorker* m_worker;
     PlayListManager* m_manager;

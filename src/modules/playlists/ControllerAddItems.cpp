@@ -1,7 +1,7 @@
+#include <algorithm>
+
 #include <QJsonDocument>
 #include <QJsonObject>
-
-#include <algorithm>
 
 #include "CMConnect.h"
 #include "CMRootWorker.h"
@@ -31,8 +31,9 @@ bool isAcceptable(const OrvoRoles& roles) {
         return true;
     const OrvoMediaData mediaData = roles.mediaData();
     const QList<OrvoResource> resources = mediaData.resources();
-    const bool hasUri = std::any_of(resources.cbegin(), resources.cend(),
-                                    [](const OrvoResource& resource) { return !resource.uri().isEmpty(); });
+    const bool hasUri =
+        std::any_of(resources.cbegin(), resources.cend(),
+                    [](const OrvoResource& resource) { return !resource.uri().isEmpty(); });
     return hasUri && !mediaData.metaData().prePlayPath().isEmpty();
 }
 
@@ -43,7 +44,8 @@ QString itemPathText(const OrvoPlayListItem& item) {
 QString listText(const QList<OrvoPlayListItem>& items) {
     QStringList texts;
     for (const OrvoPlayListItem& item : items)
-        texts.append(QString::fromUtf8(QJsonDocument(QJsonObject::fromVariantHash(item.toHash())).toJson(QJsonDocument::Compact)));
+        texts.append(QString::fromUtf8(QJsonDocument(QJsonObject::fromVariantHash(item.toHash()))
+                                           .toJson(QJsonDocument::Compact)));
     return texts.join(QStringLiteral(", "));
 }
 
@@ -75,7 +77,8 @@ QVariantList Controller::preparePlaylistItems(const QStringList& paths) {
         const QString text = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
         const int uid = text.toInt();
         if (uid == 0) {
-            LOG4CPLUS_ERROR(moduleLog(), "conversion error occured: uid, str=" << text << " path=" << path);
+            LOG4CPLUS_ERROR(moduleLog(),
+                            "conversion error occured: uid, str=" << text << " path=" << path);
             break;
         }
         uids.append(uid);
@@ -108,9 +111,10 @@ void Controller::plAddItems(CMSetDataRequest request) {
     for (const QVariant& item : items)
         paths.append(CMPath::fromQVariant(item));
     if (paths.isEmpty()) {
-        LOG4CPLUS_DEBUG(moduleLog(), QStringLiteral("adding whole playlist (id: %1) to playlist (id: %2)")
-                                         .arg(props.fromPlid)
-                                         .arg(props.plid));
+        LOG4CPLUS_DEBUG(moduleLog(),
+                        QStringLiteral("adding whole playlist (id: %1) to playlist (id: %2)")
+                            .arg(props.fromPlid)
+                            .arg(props.plid));
         PlayListBase* source = m_manager->getPlayListByUid(props.fromPlid);
         if (checkPlayList(source, props.fromPlid, prefix, msg)) {
             const QList<OrvoPlayListItem> sourceItems = source->getItems(0, source->getSize());
@@ -121,7 +125,8 @@ void Controller::plAddItems(CMSetDataRequest request) {
     }
     if (paths.isEmpty()) {
         LOG4CPLUS_ERROR(moduleLog(), "There isn't any items to add to playlist id: " << props.plid);
-        setReply(request, false, buildErrMsg(prefix, CONTROLLER_TEXT("Please select one or more items to add.")));
+        setReply(request, false,
+                 buildErrMsg(prefix, CONTROLLER_TEXT("Please select one or more items to add.")));
         return;
     }
 
@@ -140,7 +145,8 @@ void Controller::plAddItems(CMSetDataRequest request) {
     }
     for (const QString& owner : qAsConst(prefixes)) {
         const QStringList& ofPrefix = pathsByPrefix[owner];
-        LOG4CPLUS_DEBUG(moduleLog(), "requestPrefix: " << owner << " call: " << OrvoPlayListPrepareItems());
+        LOG4CPLUS_DEBUG(moduleLog(),
+                        "requestPrefix: " << owner << " call: " << OrvoPlayListPrepareItems());
         LOG4CPLUS_TRACE(moduleLog(), "items: " << ofPrefix);
         group->addInvoke(OrvoPlayListPrepareItems(), CMPath::fromPrefix(owner), ofPrefix);
     }
@@ -155,7 +161,8 @@ void Controller::on_prepareItemsGroup_finished() {
         return;
     }
     if (!m_ReqGroupPropertiesHash.contains(group)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Called without request group stored in m_ReqGroupPropertiesHash");
+        LOG4CPLUS_ERROR(moduleLog(),
+                        "Called without request group stored in m_ReqGroupPropertiesHash");
         cmFatal("m_ReqGroupPropertiesHash.contains(group)");
     }
     const ReqGroupProperties props = m_ReqGroupPropertiesHash.take(group);
@@ -180,15 +187,17 @@ void Controller::on_prepareItemsGroup_finished() {
         if (success) {
             LOG4CPLUS_DEBUG(moduleLog(), "plsize: " << pl->getSize());
             if (pl->getSize() > 0 && props.mode == OrvoPlayListAddPosition::Now) {
-                LOG4CPLUS_DEBUG(moduleLog(), "addMode: now lastSeqNum: " << pl->getLastSequenceNumber()
-                                                                         << " nextSeqNum: "
-                                                                         << firstNewSequenceNumber(pl, added));
-                success = startFirstNewItem(pl, added, CONTROLLER_TEXT("Cannot get last sequence number."), prefix, msg);
+                LOG4CPLUS_DEBUG(moduleLog(), "addMode: now lastSeqNum: "
+                                                 << pl->getLastSequenceNumber() << " nextSeqNum: "
+                                                 << firstNewSequenceNumber(pl, added));
+                success = startFirstNewItem(
+                    pl, added, CONTROLLER_TEXT("Cannot get last sequence number."), prefix, msg);
             }
         }
         if (success)
-            msg = buildOkMsg(QString::number(added), CONTROLLER_TEXT("Items added successfully to playlist."),
-                             pl->getName());
+            msg =
+                buildOkMsg(QString::number(added),
+                           CONTROLLER_TEXT("Items added successfully to playlist."), pl->getName());
         if (!resultMsg.isEmpty())
             msg += QLatin1Char(' ') + resultMsg;
     }
@@ -196,7 +205,8 @@ void Controller::on_prepareItemsGroup_finished() {
     LOG4CPLUS_DEBUG(moduleLog(), "Add items finished, num added: " << added);
 }
 
-int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, CMRequestGroup* group, QString* msg) {
+int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, CMRequestGroup* group,
+                                       QString* msg) {
     QList<OrvoPlayListItem> items;
     const QList<CMReply<QVariant>> replies = group->getReplyList();
     LOG4CPLUS_TRACE(moduleLog(), "curReplyList: " << replies.size());
@@ -214,7 +224,8 @@ int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, CMReques
     PlayListBase* pl = m_manager->getPlayListByUid(props.plid);
     if (!pl) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot find playlist with plid: " << props.plid);
-        *msg = CONTROLLER_TEXT("There is no playlist with this ID.") + QStringLiteral(" (%1)").arg(props.plid);
+        *msg = CONTROLLER_TEXT("There is no playlist with this ID.") +
+               QStringLiteral(" (%1)").arg(props.plid);
         return -1;
     }
     return addItemsToPlaylist(pl, items, props.mode, msg);
@@ -231,7 +242,8 @@ int Controller::addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListIte
             continue;
         }
         if (!isAcceptable(rolesOf(item))) {
-            *msg = CONTROLLER_TEXT("Missing title or type==audio or [resource uri and prePlayPath]");
+            *msg =
+                CONTROLLER_TEXT("Missing title or type==audio or [resource uri and prePlayPath]");
             return -1;
         }
         accepted.append(item);
@@ -263,7 +275,8 @@ bool Controller::plAddExternalItems(CMSetDataRequest request, QString& msg) {
     const OrvoPlayListPlAddExternalItems args(request.value().toHash());
     const int plid = args.plid();
     const QList<OrvoPlayListItem> items = args.items();
-    const OrvoPlayListAddPosition::Enum mode = args.containsMode() ? args.mode() : OrvoPlayListAddPosition::Append;
+    const OrvoPlayListAddPosition::Enum mode =
+        args.containsMode() ? args.mode() : OrvoPlayListAddPosition::Append;
     const QString prefix = CONTROLLER_TEXT("Could not add external items to playlist.");
     if (!checkPlayListId(plid, prefix, msg)) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot add items to invalid playlist id: " << plid);
@@ -296,12 +309,13 @@ bool Controller::plAddExternalItems(CMSetDataRequest request, QString& msg) {
         }
     }
     LOG4CPLUS_INFO(moduleLog(), "Items added successfully to playlist id: " << plid);
-    msg = buildOkMsg(QString::number(added), CONTROLLER_TEXT("Items added successfully to playlist."), pl->getName());
+    msg = buildOkMsg(QString::number(added),
+                     CONTROLLER_TEXT("Items added successfully to playlist."), pl->getName());
     return true;
 }
 
-bool Controller::startFirstNewItem(PlayListBase* pl, int added, const QString& failure, const QString& prefix,
-                                   QString& msg) {
+bool Controller::startFirstNewItem(PlayListBase* pl, int added, const QString& failure,
+                                   const QString& prefix, QString& msg) {
     const int next = firstNewSequenceNumber(pl, added);
     const QList<OrvoPlayListItem> items = pl->getItems(next, next);
     if (items.size() != 1) {

@@ -21,7 +21,8 @@ bool Controller::clCreate(CMSetDataRequest request, QString& msg, int& id) {
         return false;
     }
     id = cl->getUid();
-    LOG4CPLUS_INFO(moduleLog(), "Collection id: " << id << ", name: " << cl->getName() << " created successfully");
+    LOG4CPLUS_INFO(moduleLog(), "Collection id: " << id << ", name: " << cl->getName()
+                                                  << " created successfully");
     msg = buildOkMsg(CONTROLLER_TEXT("Collection created successfully."), cl->getName());
     return true;
 }
@@ -33,7 +34,8 @@ bool Controller::clDelete(CMSetDataRequest request, QString& msg) {
     CollectionBase* cl = m_manager->getCollectionByUid(clid);
     if (!cl) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to find collection id: " << clid);
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("There is no collection with this ID."), QString::number(clid));
+        msg = buildErrMsg(prefix, CONTROLLER_TEXT("There is no collection with this ID."),
+                          QString::number(clid));
         return false;
     }
     const QString name = cl->getName();
@@ -58,17 +60,19 @@ bool Controller::clAddItem(CMSetDataRequest request, QString& msg) {
     CollectionBase* cl = m_manager->getCollectionByUid(clid);
     if (!cl) {
         LOG4CPLUS_ERROR(moduleLog(), "Collection id: " << clid << "doesn't exist");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("There is no collection with this ID."), QString::number(clid));
+        msg = buildErrMsg(prefix, CONTROLLER_TEXT("There is no collection with this ID."),
+                          QString::number(clid));
         return false;
     }
     PlayListBase* pl = m_manager->getPlayListByUid(plid);
     if (!checkPlayList(pl, plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(),
-                        "Unable to add playList to collection, playlist id: " << plid << " doesn't exist");
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to add playList to collection, playlist id: "
+                                         << plid << " doesn't exist");
         return false;
     }
     if (!cl->addPlayList(pl)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Unable to add playList id: " << plid << " to collection id: " << clid);
+        LOG4CPLUS_ERROR(moduleLog(),
+                        "Unable to add playList id: " << plid << " to collection id: " << clid);
         msg = buildErrMsg(prefix, CONTROLLER_TEXT("Add playlist to collection failed."));
         return false;
     }
@@ -88,21 +92,24 @@ bool Controller::clRemoveItem(CMSetDataRequest request, QString& msg) {
     CollectionBase* cl = m_manager->getCollectionByUid(clid);
     if (!cl) {
         LOG4CPLUS_ERROR(moduleLog(), "Collection id: " << clid << "doesn't exist");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("There is no collection with this ID."), QString::number(clid));
+        msg = buildErrMsg(prefix, CONTROLLER_TEXT("There is no collection with this ID."),
+                          QString::number(clid));
         return false;
     }
     PlayListBase* pl = m_manager->getPlayListByUid(plid);
     if (!checkPlayList(pl, plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(),
-                        "Unable to remove playList from collection, playlist id: " << plid << " doesn't exist");
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to remove playList from collection, playlist id: "
+                                         << plid << " doesn't exist");
         return false;
     }
     if (!cl->removePlayList(pl)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Unable to remove playList, id: " << plid << " from collection id: " << clid);
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to remove playList, id: "
+                                         << plid << " from collection id: " << clid);
         msg = buildErrMsg(prefix, CONTROLLER_TEXT("Remove playlist from collection failed."));
         return false;
     }
     LOG4CPLUS_INFO(moduleLog(), "Playlist id: " << plid << " removed from collection id: " << clid);
-    msg = buildOkMsg(CONTROLLER_TEXT("Playlist removed successfully from collection."), cl->getName());
+    msg = buildOkMsg(CONTROLLER_TEXT("Playlist removed successfully from collection."),
+                     cl->getName());
     return true;
 }

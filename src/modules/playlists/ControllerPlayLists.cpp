@@ -10,8 +10,9 @@
 
 namespace {
 
-// A mode may come as a number or by its name; the record reads names, so a number is turned into its name first.
-// What does not fit into 32 bits stays as it is and is refused: QVariant would cut it down to some other mode.
+// A mode may come as a number or by its name; the record reads names, so a number is turned into
+// its name first. What does not fit into 32 bits stays as it is and is refused: QVariant would cut
+// it down to some other mode.
 template <typename Modes>
 OrvoHash withNamedMode(const QVariant& value, const QString& key) {
     OrvoHash hash(value.toHash());
@@ -41,7 +42,8 @@ bool Controller::plCreate(CMSetDataRequest request, QString& msg, int& id) {
     }
     id = pl->getUid();
     Q_EMIT playlistCreated(id);
-    LOG4CPLUS_INFO(moduleLog(), "Playlist id: " << id << ", name: " << pl->getName() << " created successfully");
+    LOG4CPLUS_INFO(moduleLog(),
+                   "Playlist id: " << id << ", name: " << pl->getName() << " created successfully");
     msg = buildOkMsg(CONTROLLER_TEXT("Playlist created successfully."), pl->getName());
     return true;
 }
@@ -79,7 +81,8 @@ bool Controller::plSetName(CMSetDataRequest request, QString& msg) {
 bool Controller::plSetShuffle(CMSetDataRequest request, QString& msg) {
     CM_ENTER(moduleLog());
     const OrvoPlayListPlSetShuffle args(
-        withNamedMode<OrvoPlayListPlShuffleMode>(request.value(), OrvoPlayListPlSetShuffle::Mode()).toHash());
+        withNamedMode<OrvoPlayListPlShuffleMode>(request.value(), OrvoPlayListPlSetShuffle::Mode())
+            .toHash());
     const int plid = args.plid();
     const OrvoPlayListPlShuffleMode::Enum mode = args.mode();
     const QString prefix = CONTROLLER_TEXT("Could not set shuffle mode on playlist.");
@@ -90,7 +93,8 @@ bool Controller::plSetShuffle(CMSetDataRequest request, QString& msg) {
     // Deliberate: no lower bound, a negative mode switches off.
     if (mode > OrvoPlayListPlShuffleMode::On) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot set shuffle mode: " << int(mode));
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Invalid shuffle mode."), QStringLiteral("shuffle-mode"));
+        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Invalid shuffle mode."),
+                          QStringLiteral("shuffle-mode"));
         return false;
     }
     PlayListBase* pl = m_manager->getPlayListByUid(plid);
@@ -107,7 +111,8 @@ bool Controller::plSetShuffle(CMSetDataRequest request, QString& msg) {
 bool Controller::plSetRepeat(CMSetDataRequest request, QString& msg) {
     CM_ENTER(moduleLog());
     const OrvoPlayListPlSetRepeat args(
-        withNamedMode<OrvoPlayListPlRepeatMode>(request.value(), OrvoPlayListPlSetRepeat::Mode()).toHash());
+        withNamedMode<OrvoPlayListPlRepeatMode>(request.value(), OrvoPlayListPlSetRepeat::Mode())
+            .toHash());
     const int plid = args.plid();
     const OrvoPlayListPlRepeatMode::Enum mode = args.mode();
     const QString prefix = CONTROLLER_TEXT("Could not set repeat mode on playlist.");
@@ -118,7 +123,8 @@ bool Controller::plSetRepeat(CMSetDataRequest request, QString& msg) {
     // Deliberate: no lower bound, and every accepted mode but repeat-all is kept as "off".
     if (mode > OrvoPlayListPlRepeatMode::Track) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot set repeat mode: " << int(mode));
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Invalid repeat mode."), QStringLiteral("repeat-mode"));
+        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Invalid repeat mode."),
+                          QStringLiteral("repeat-mode"));
         return false;
     }
     PlayListBase* pl = m_manager->getPlayListByUid(plid);
@@ -212,9 +218,10 @@ bool Controller::plRemoveItems(CMSetDataRequest request, QString& msg) {
         msg = buildErrMsg(prefix, CONTROLLER_TEXT("Remove items failed"));
         return false;
     }
-    LOG4CPLUS_INFO(moduleLog(), "Removed " << numItemsChanged << " items from playlist id: " << plid);
-    msg = buildOkMsg(QString::number(numItemsChanged), CONTROLLER_TEXT("Items removed successfully from playlist."),
-                     pl->getName());
+    LOG4CPLUS_INFO(moduleLog(),
+                   "Removed " << numItemsChanged << " items from playlist id: " << plid);
+    msg = buildOkMsg(QString::number(numItemsChanged),
+                     CONTROLLER_TEXT("Items removed successfully from playlist."), pl->getName());
     return true;
 }
 
@@ -230,12 +237,14 @@ bool Controller::plMoveItems(CMSetDataRequest request, QString& msg) {
         return false;
     }
     if (items.isEmpty()) {
-        LOG4CPLUS_ERROR(moduleLog(), "Please select one or more items to move in playlist id: " << plid);
+        LOG4CPLUS_ERROR(moduleLog(),
+                        "Please select one or more items to move in playlist id: " << plid);
         msg = buildErrMsg(prefix, CONTROLLER_TEXT("Please select one or more items to move."));
         return false;
     }
     if (to < 0) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot move items to negative position in playlist id: " << plid);
+        LOG4CPLUS_ERROR(moduleLog(),
+                        "Cannot move items to negative position in playlist id: " << plid);
         msg = buildErrMsg(prefix, CONTROLLER_TEXT("Cannot move items to negative position."));
         return false;
     }
@@ -246,7 +255,8 @@ bool Controller::plMoveItems(CMSetDataRequest request, QString& msg) {
     }
     if (to >= pl->getSize()) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot move items, sequence number is not in valid range");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Cannot move items, sequence number is not in valid range."));
+        msg = buildErrMsg(
+            prefix, CONTROLLER_TEXT("Cannot move items, sequence number is not in valid range."));
         return false;
     }
     const auto positions = [&items] {
@@ -262,10 +272,11 @@ bool Controller::plMoveItems(CMSetDataRequest request, QString& msg) {
         msg = buildErrMsg(prefix, CONTROLLER_TEXT("Move items failed"));
         return false;
     }
-    LOG4CPLUS_INFO(moduleLog(), "Items in playlist id: " << plid << " moved successfully to position: " << to);
+    LOG4CPLUS_INFO(moduleLog(),
+                   "Items in playlist id: " << plid << " moved successfully to position: " << to);
     // Deliberate: the sentence of the remove command.
-    msg = buildOkMsg(QString::number(items.count()), CONTROLLER_TEXT("Items removed successfully from playlist."),
-                     pl->getName());
+    msg = buildOkMsg(QString::number(items.count()),
+                     CONTROLLER_TEXT("Items removed successfully from playlist."), pl->getName());
     return true;
 }
 

@@ -114,8 +114,8 @@ Database::Database(int itemsLimit, bool vacuumNeeded)
     openFile();
     vacuum();
     execute(m_connection, "PRAGMA foreign_keys=1;");
-    // After the open on purpose, though SQLite takes this only before it is initialised: the log is
-    // routed only where SQLite was shut down in between, and the result does not matter.
+    // Deliberate: after the open, and whatever the result. An initialised SQLite refuses this, so
+    // its log stays where the process has routed it.
     sqlite3_config(SQLITE_CONFIG_LOG, sqliteErrorLogCallback, nullptr);
     ensureTablesExist();
     prepareStatements();

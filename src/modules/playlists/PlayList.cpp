@@ -1,16 +1,17 @@
 #include "PlayList.h"
 
+#include <algorithm>
+
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMutexLocker>
-
-#include <algorithm>
 
 #include "Database.h"
 #include "ModuleLog.h"
 #include "OrvoPlayListPaths.h"
 
-PlayList::PlayList(Database* database, const PlayListRecord& record) : m_database(database), m_record(record) {}
+PlayList::PlayList(Database* database, const PlayListRecord& record)
+    : m_database(database), m_record(record) {}
 
 int PlayList::getUid() const {
     return m_record.uid;
@@ -87,7 +88,8 @@ void PlayList::setRepeatAll(bool repeatAll) {
 
 void PlayList::setLastSequenceNumber(int sequenceNumber) {
     QMutexLocker lock(&m_mutex);
-    // The position is kept even when it cannot be written: after a move it names the item that plays.
+    // The position is kept even when it cannot be written: after a move it names the item that
+    // plays.
     m_record.lastPlayedIndex = sequenceNumber;
     updateDatabase();
 }
@@ -108,9 +110,10 @@ QList<OrvoPlayListItem> PlayList::getItems(int from, int to) {
     return m_database->getItems(m_record, from, to);
 }
 
-int PlayList::addItems(OrvoPlayListAddPosition::Enum position, const QList<OrvoPlayListItem>& items) {
-    CM_ENTER_ARGS(moduleLog(),
-                  "position=" << OrvoPlayListAddPosition::toString(position) << " count=" << items.count());
+int PlayList::addItems(OrvoPlayListAddPosition::Enum position,
+                       const QList<OrvoPlayListItem>& items) {
+    CM_ENTER_ARGS(moduleLog(), "position=" << OrvoPlayListAddPosition::toString(position)
+                                           << " count=" << items.count());
     int added = 0;
     int first = -1;
     {
@@ -137,7 +140,8 @@ int PlayList::removeItems(const QList<int>& indices) {
         if (removed <= 0)
             return removed;
         lastPlayed = getLastSequenceNumber();
-        const int before = int(std::lower_bound(sorted.cbegin(), sorted.cend(), lastPlayed) - sorted.cbegin());
+        const int before =
+            int(std::lower_bound(sorted.cbegin(), sorted.cend(), lastPlayed) - sorted.cbegin());
         if (before > 0)
             setLastSequenceNumber(lastPlayed - before);
         m_record.size -= removed;
@@ -197,7 +201,8 @@ bool PlayList::moveItems(QList<int> indices, int to) {
         return false;
     to = std::min(to, getSize() - 1);
 
-    const int firstBehind = int(std::upper_bound(indices.cbegin(), indices.cend(), to) - indices.cbegin());
+    const int firstBehind =
+        int(std::upper_bound(indices.cbegin(), indices.cend(), to) - indices.cbegin());
     for (int moved = 0; moved < firstBehind; ++moved) {
         // Each move out of the front lets the rest of the front slide down by one.
         if (!moveItem(indices.at(moved) - moved, to))

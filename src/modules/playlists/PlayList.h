@@ -7,8 +7,9 @@
 
 class Database;
 
-// A playlist over the store. Its record is the authority for size and last played position, so every change goes to
-// the store first, then into the record, and is announced once the lock is released.
+// A playlist over the store. Its record is the authority for size and last played position, so
+// every change goes to the store first, then into the record, and is announced once the lock is
+// released.
 class PlayList : public PlayListBase {
     Q_OBJECT
 public:
@@ -30,7 +31,8 @@ public:
     bool remove() override;
 
     QList<OrvoPlayListItem> getItems(int from, int to) override;
-    int addItems(OrvoPlayListAddPosition::Enum position, const QList<OrvoPlayListItem>& items) override;
+    int addItems(OrvoPlayListAddPosition::Enum position,
+                 const QList<OrvoPlayListItem>& items) override;
     int removeItems(const QList<int>& indices) override;
     bool moveItem(int from, int to) override;
     bool moveItems(QList<int> indices, int to) override;
@@ -47,7 +49,7 @@ private:
 
     Database* m_database;
     PlayListRecord m_record;
-    // Guards the record, all but its uid, which never changes. Recursive: removing and moving set the last played
-    // position while they hold it.
+    // Guards the record, all but its uid, which never changes. Recursive: removing and moving set
+    // the last played position while they hold it.
     mutable QRecursiveMutex m_mutex;
 };

@@ -7,8 +7,9 @@
 #include "OrvoPlayListItem.h"
 #include "OrvoRoles.h"
 
-// A playlist as the rest of the module sees it. Owned by the manager. Positions are sequence numbers: 0 to size - 1,
-// without gaps. Nothing throws; failures are false, -1, or -2 where the item limit leaves no room.
+// A playlist as the rest of the module sees it. Owned by the manager. Positions are sequence
+// numbers: 0 to size - 1, without gaps. Nothing throws; failures are false, -1, or -2 where the
+// item limit leaves no room.
 class PlayListBase : public QObject {
     Q_OBJECT
 public:
@@ -18,8 +19,8 @@ public:
     virtual QString getName() const = 0;
     virtual bool getShuffle() const = 0;
     virtual bool getRepeatAll() const = 0;
-    // Sequence number of the last played item, -1 when nothing has been played. May lie at or past the size after the
-    // played item at the end was removed.
+    // Sequence number of the last played item, -1 when nothing has been played. May lie at or past
+    // the size after the played item at the end was removed.
     virtual int getLastSequenceNumber() const = 0;
     virtual int getSize() const = 0;
     virtual bool valid() const = 0;
@@ -34,20 +35,24 @@ public:
 
     // The entries from `from` to `to`, both included.
     virtual QList<OrvoPlayListItem> getItems(int from, int to) = 0;
-    // Returns the sequence number of the first item added, -1 on failure, -2 when the store is full. How many were
-    // added (the limit may cut the list short) is what getSize() grew by.
-    virtual int addItems(OrvoPlayListAddPosition::Enum position, const QList<OrvoPlayListItem>& items) = 0;
-    // Returns how many entries were removed, -1 when one of them does not exist (then none is removed).
+    // Returns the sequence number of the first item added, -1 on failure, -2 when the store is
+    // full. How many were added (the limit may cut the list short) is what getSize() grew by.
+    virtual int addItems(OrvoPlayListAddPosition::Enum position,
+                         const QList<OrvoPlayListItem>& items) = 0;
+    // Returns how many entries were removed, -1 when one of them does not exist (then none is
+    // removed).
     virtual int removeItems(const QList<int>& indices) = 0;
-    // Moves one entry; those between shift by one. 0..9, move 2 to 5: 0,1,3,4,5,2,6,…; 5 to 2: 0,1,5,2,3,4,6,…
+    // Moves one entry; those between shift by one. 0..9, move 2 to 5: 0,1,3,4,5,2,6,…; 5 to 2:
+    // 0,1,5,2,3,4,6,…
     virtual bool moveItem(int from, int to) = 0;
-    // Moves several entries, given by their positions before the call. They end up together in their old order, the
-    // first of those from behind, or the last of those from before, at `to`:
+    // Moves several entries, given by their positions before the call. They end up together in
+    // their old order, the first of those from behind, or the last of those from before, at `to`:
     // 0..9, [1,3] to 5: 0,2,4,5,1,3,6,…; [8,6] to 2: 0,1,6,8,2,…
     virtual bool moveItems(QList<int> indices, int to) = 0;
     virtual bool clearItems() = 0;
 
-    // The roles of one item, as user interfaces and the player get them. The value is the item's sequence number.
+    // The roles of one item, as user interfaces and the player get them. The value is the item's
+    // sequence number.
     virtual OrvoRoles itemToOrvoRoles(const OrvoPlayListItem& item) const = 0;
 
 Q_SIGNALS:

@@ -86,8 +86,9 @@ int PlayListManager::getCollectionsCount() const {
 }
 
 CollectionBase* PlayListManager::getCollectionByUid(int uid) const {
-    const auto found = std::find_if(m_collections.cbegin(), m_collections.cend(),
-                                    [uid](const CollectionBase* cl) { return cl->getUid() == uid; });
+    const auto found =
+        std::find_if(m_collections.cbegin(), m_collections.cend(),
+                     [uid](const CollectionBase* cl) { return cl->getUid() == uid; });
     return found == m_collections.cend() ? nullptr : *found;
 }
 
@@ -121,8 +122,9 @@ bool PlayListManager::deletePlayList(PlayListBase* pl) {
         const QList<CollectionBase*> before = m_collections;
         for (CollectionBase* cl : before) {
             if (cl->getPlayLists().contains(pl) && !cl->removePlayList(pl))
-                LOG4CPLUS_ERROR(moduleLog(), "Unable to remove playlist (" << uid << ") from collection ("
-                                                                           << cl->getUid() << ")");
+                LOG4CPLUS_ERROR(moduleLog(), "Unable to remove playlist ("
+                                                 << uid << ") from collection (" << cl->getUid()
+                                                 << ")");
         }
     }
     if (!pl->remove()) {

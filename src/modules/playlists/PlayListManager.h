@@ -10,9 +10,10 @@
 
 class Database;
 
-// The registry of all playlists and collections, which it owns: loads them at start, creates and deletes them in
-// store and memory alike, finds them by uid and announces what came and went. Made once by the worker, worker's
-// thread only. Failures are logged and come back as null or false, with nothing changed in the lists.
+// The registry of all playlists and collections, which it owns: loads them at start, creates and
+// deletes them in store and memory alike, finds them by uid and announces what came and went. Made
+// once by the worker, worker's thread only. Failures are logged and come back as null or false,
+// with nothing changed in the lists.
 class PlayListManager : public QObject {
     Q_OBJECT
 public:
@@ -26,7 +27,8 @@ public:
     PlayListBase* getPlayListByUid(int uid) const;
     // An empty item when there is none.
     OrvoPlayListItem getPlayListItemByUid(int uid) const;
-    // The same for many uids at the cost of one pass over the store at most; one element per uid, in their order.
+    // The same for many uids at the cost of one pass over the store at most; one element per uid,
+    // in their order.
     QList<OrvoPlayListItem> getPlayListItemsByUids(const QList<int>& uids) const;
 
     // Counts of the store; the first includes the play queue.
@@ -36,8 +38,8 @@ public:
 
     QList<CollectionBase*> getAllCollection() const { return m_collections; }
     CollectionBase* getCollectionByUid(int uid) const;
-    // The collections from one bound to the other, both included, in either order and limited to what there is.
-    // Not for an empty list: that ends the process.
+    // The collections from one bound to the other, both included, in either order and limited to
+    // what there is. Not for an empty list: that ends the process.
     QList<CollectionBase*> getCollections(int from, int to) const;
 
     PlayListBase* createPlayList(const QString& name);

@@ -24,21 +24,29 @@ constexpr bool isShuffled(int mode) {
 } // namespace
 
 log4cplus::Logger& playLogicLog() {
-    static log4cplus::Logger logger = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("PlayListsPlayLogic"));
+    static log4cplus::Logger logger =
+        log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("PlayListsPlayLogic"));
     return logger;
 }
 
-PlayListPlayLogic::PlayListPlayLogic(PlayListWorker* worker, PlayListManager* manager, QObject* parent)
-    : StreamerPlayLogic(worker->nodes(), OrvoPlayListsPlayLogicPath(), parent), m_worker(worker), m_manager(manager) {
-    cmConnect(m_manager, &PlayListManager::playlistDeleted, this, &PlayListPlayLogic::on_playlist_deleted);
+PlayListPlayLogic::PlayListPlayLogic(PlayListWorker* worker, PlayListManager* manager,
+                                     QObject* parent)
+    : StreamerPlayLogic(worker->nodes(), OrvoPlayListsPlayLogicPath(), parent),
+      m_worker(worker),
+      m_manager(manager) {
+    cmConnect(m_manager, &PlayListManager::playlistDeleted, this,
+              &PlayListPlayLogic::on_playlist_deleted);
 }
 
 // --- the current playlist and its tracks ---
 
 void PlayListPlayLogic::connectCurrentPlayList() {
-    cmConnect(m_currentPlayList, &PlayListBase::itemsCleared, this, &PlayListPlayLogic::on_currentPlayList_cleared);
-    cmConnect(m_currentPlayList, &PlayListBase::itemMoved, this, &PlayListPlayLogic::on_currentPlayList_itemMoved);
-    cmConnect(m_currentPlayList, &PlayListBase::itemsAdded, this, &PlayListPlayLogic::on_currentPlayList_itemsAdded);
+    cmConnect(m_currentPlayList, &PlayListBase::itemsCleared, this,
+              &PlayListPlayLogic::on_currentPlayList_cleared);
+    cmConnect(m_currentPlayList, &PlayListBase::itemMoved, this,
+              &PlayListPlayLogic::on_currentPlayList_itemMoved);
+    cmConnect(m_currentPlayList, &PlayListBase::itemsAdded, this,
+              &PlayListPlayLogic::on_currentPlayList_itemsAdded);
     cmConnect(m_currentPlayList, &PlayListBase::itemsRemoved, this,
               &PlayListPlayLogic::on_currentPlayList_itemsRemoved);
     cmConnect(m_currentPlayList, &PlayListBase::shuffleChanged, this,
@@ -48,9 +56,12 @@ void PlayListPlayLogic::connectCurrentPlayList() {
 }
 
 void PlayListPlayLogic::disconnectCurrentPlayList() {
-    cmDisconnect(m_currentPlayList, &PlayListBase::itemsCleared, this, &PlayListPlayLogic::on_currentPlayList_cleared);
-    cmDisconnect(m_currentPlayList, &PlayListBase::itemMoved, this, &PlayListPlayLogic::on_currentPlayList_itemMoved);
-    cmDisconnect(m_currentPlayList, &PlayListBase::itemsAdded, this, &PlayListPlayLogic::on_currentPlayList_itemsAdded);
+    cmDisconnect(m_currentPlayList, &PlayListBase::itemsCleared, this,
+                 &PlayListPlayLogic::on_currentPlayList_cleared);
+    cmDisconnect(m_currentPlayList, &PlayListBase::itemMoved, this,
+                 &PlayListPlayLogic::on_currentPlayList_itemMoved);
+    cmDisconnect(m_currentPlayList, &PlayListBase::itemsAdded, this,
+                 &PlayListPlayLogic::on_currentPlayList_itemsAdded);
     cmDisconnect(m_currentPlayList, &PlayListBase::itemsRemoved, this,
                  &PlayListPlayLogic::on_currentPlayList_itemsRemoved);
     cmDisconnect(m_currentPlayList, &PlayListBase::shuffleChanged, this,
@@ -87,7 +98,8 @@ OrvoRoles PlayListPlayLogic::trackAt(int seqNum, const char* whenThereIsNone) {
 OrvoRoles PlayListPlayLogic::getTrackRelative(int offset) {
     if (!m_currentPlayList)
         return {};
-    return trackAt(m_currentPlayList->getLastSequenceNumber() + offset, "Reached last item of playlist");
+    return trackAt(m_currentPlayList->getLastSequenceNumber() + offset,
+                   "Reached last item of playlist");
 }
 
 OrvoRoles PlayListPlayLogic::getTrackAbsolute(int seqNum) {
@@ -121,8 +133,9 @@ OrvoRoles PlayListPlayLogic::getNextTrack() {
         const int first = m_shuffleEnabled && !m_shuffleSeq.isEmpty() ? m_shuffleSeq.at(0) : 0;
         result = getTrackAbsolute(first);
         if (result.isEmpty())
-            LOG4CPLUS_WARN(playLogicLog(),
-                           "Playlist should start from beginning again, but does not contain any tracks");
+            LOG4CPLUS_WARN(
+                playLogicLog(),
+                "Playlist should start from beginning again, but does not contain any tracks");
     }
     return result;
 }
@@ -140,18 +153,20 @@ OrvoRoles PlayListPlayLogic::getPreviousTrack() {
         // Deliberate: the last one of the list, also when it is shuffled.
         result = getTrackAbsolute(m_currentPlayList->getSize() - 1);
         if (result.isEmpty())
-            LOG4CPLUS_WARN(playLogicLog(),
-                           "Playlist should wrap around and continue with last track, but does not contain any tracks");
+            LOG4CPLUS_WARN(
+                playLogicLog(),
+                "Playlist should wrap around and continue with last track, but does not contain any tracks");
     }
     return result;
 }
 
 // --- requests ---
 
-void PlayListPlayLogic::playInternal(const CMSetDataRequest& request, const OrvoPlayLogicPlayArgs& args) {
+void PlayListPlayLogic::playInternal(const CMSetDataRequest& request,
+                                     const OrvoPlayLogicPlayArgs& args) {
     CM_ENTER_ARGS(playLogicLog(), "args=" << args.toVariant());
-    // The members are set directly: the setters would write into the playlist that is being left. Repeat one is
-    // forgotten here, deliberately: a playlist does not keep it.
+    // The members are set directly: the setters would write into the playlist that is being left.
+    // Repeat one is forgotten here, deliberately: a playlist does not keep it.
     setCurrentPlayList(nullptr);
     m_shuffleEnabled = false;
     m_repeatMode = RepeatOff;
@@ -169,7 +184,8 @@ void PlayListPlayLogic::playInternal(const CMSetDataRequest& request, const Orvo
             LOG4CPLUS_DEBUG(playLogicLog(), "mediaRoles path is " << path << " - playing list");
             startPlayback(path, args.index(), request);
         } else {
-            LOG4CPLUS_DEBUG(playLogicLog(), "mediaRoles path is empty - playing trackRoles directly");
+            LOG4CPLUS_DEBUG(playLogicLog(),
+                            "mediaRoles path is empty - playing trackRoles directly");
             playTrackRoles(trackRoles);
         }
     } else if (mediaRoles.type() == OrvoRolesType::Container) {
@@ -185,11 +201,12 @@ void PlayListPlayLogic::startPlayback(const CMPath& path, int index, CMSetDataRe
         const QStringList components = path.splitBase();
         const int plid = components.isEmpty() ? 0 : components.last().toInt();
         if (plid == 0) {
-            LOG4CPLUS_ERROR(playLogicLog(), "playInternal called for invalid playlist container " << path);
-            request.reply().setError(
-                CMError(QStringLiteral("PlayList Error"),
-                        TrString(trExtractContext(__PRETTY_FUNCTION__), "Play called on invalid playlist container"),
-                        CMError::DefaultTitle()));
+            LOG4CPLUS_ERROR(playLogicLog(),
+                            "playInternal called for invalid playlist container " << path);
+            request.reply().setError(CMError(QStringLiteral("PlayList Error"),
+                                             TrString(trExtractContext(__PRETTY_FUNCTION__),
+                                                      "Play called on invalid playlist container"),
+                                             CMError::DefaultTitle()));
             return;
         }
         pl = m_manager->getPlayListByUid(plid);
@@ -202,8 +219,9 @@ void PlayListPlayLogic::startPlayback(const CMPath& path, int index, CMSetDataRe
     setCurrentPlayList(pl);
     const bool shuffle = pl->getShuffle();
     const bool repeatAll = pl->getRepeatAll();
-    setPlayMode(OrvoPlayerPlayMode::Enum((repeatAll ? OrvoPlayerPlayMode::RepeatAll : OrvoPlayerPlayMode::Normal) +
-                                         (shuffle ? 1 : 0)));
+    setPlayMode(OrvoPlayerPlayMode::Enum(
+        (repeatAll ? OrvoPlayerPlayMode::RepeatAll : OrvoPlayerPlayMode::Normal) +
+        (shuffle ? 1 : 0)));
     LOG4CPLUS_DEBUG(playLogicLog(), "index=" << index << " size=" << pl->getSize());
     playTrackRoles(getTrackAbsolute(index));
     setShuffleEnabled(shuffle);
@@ -248,13 +266,16 @@ void PlayListPlayLogic::previousInternal(const CMSetDataRequest& request) {
 void PlayListPlayLogic::changePlayModeInternal(const CMSetDataRequest& request) {
     const int newMode = OrvoPlayLogicChangePlayModeArgs(request.value().toHash()).playMode();
     const int previousMode = playMode();
-    LOG4CPLUS_DEBUG(playLogicLog(), "previous mode: " << OrvoPlayerPlayMode::toString(previousMode)
-                                                      << " new mode: " << OrvoPlayerPlayMode::toString(newMode));
+    LOG4CPLUS_DEBUG(playLogicLog(),
+                    "previous mode: " << OrvoPlayerPlayMode::toString(previousMode)
+                                      << " new mode: " << OrvoPlayerPlayMode::toString(newMode));
     setPlayMode(OrvoPlayerPlayMode::Enum(newMode));
     if (isPlayMode(newMode)) {
         const bool shuffled = isShuffled(newMode);
-        // A command on the playing list has published the new mode already; then only our own flag is behind.
-        const bool halfChanged = isPlayMode(previousMode) ? shuffled != isShuffled(previousMode) : shuffled;
+        // A command on the playing list has published the new mode already; then only our own flag
+        // is behind.
+        const bool halfChanged =
+            isPlayMode(previousMode) ? shuffled != isShuffled(previousMode) : shuffled;
         if (halfChanged || shuffled != m_shuffleEnabled)
             setShuffleEnabled(shuffled);
         setRepeatMode(RepeatMode(newMode / 2));
@@ -277,13 +298,16 @@ OrvoPlayLogicPlayModesSupported PlayListPlayLogic::playModesSupported() {
 // --- the player's calls ---
 
 void PlayListPlayLogic::prepareNextMedia() {
-    // Deliberate: asking for the next track advances the shuffle cursor, also when it is asked again.
+    // Deliberate: asking for the next track advances the shuffle cursor, also when it is asked
+    // again.
     const OrvoRoles roles = m_repeatMode == RepeatOne ? getCurrentTrack() : getNextTrack();
     if (!roles.isEmpty()) {
         m_currentTrackRoles = roles;
         sendSetNextMediaCommand(roles, {});
     } else {
         LOG4CPLUS_DEBUG(playLogicLog(), "Reached last item of playlist for prepareNextMedia");
+        // What was announced before is revoked with it and must not become the position.
+        m_currentTrackRoles = OrvoRoles();
         sendNoNextMediaCommand();
     }
     m_nextMediaPrepared = true;
@@ -297,7 +321,8 @@ void PlayListPlayLogic::takeOverCurrentTrack() {
     m_currentTrackRoles = OrvoRoles();
 }
 
-OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRoles, const OrvoRoles& newRoles) {
+OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRoles,
+                                                          const OrvoRoles& newRoles) {
     LOG4CPLUS_DEBUG(playLogicLog(), "newRoles=" << newRoles.toVariant());
     LOG4CPLUS_DEBUG(playLogicLog(), "oldRoles=" << oldRoles.toVariant());
     OrvoPlayLogicControls controls;
@@ -313,13 +338,26 @@ OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRo
     controls.setSeekBytes(seekBytes);
     controls.setPlayMode(playModesSupported());
 
+    m_nextMediaPrepared = false;
+    // Something may have been announced between a play command and the start of its item: that is
+    // still to come.
+    if (newRoles.id().isEmpty() || newRoles.id() == m_currentTrackRoles.id())
+        takeOverCurrentTrack();
+
     OrvoPlayLogicData result = data();
+    // The player has the item as it was handed over; edits since then may have given it another
+    // number.
+    const OrvoRoles current = getCurrentTrack();
+    if (newRoles == result.trackRoles() && newRoles.value().containsI32_() &&
+        newRoles.id() == current.id()) {
+        OrvoRoles renumbered = newRoles;
+        renumbered.setValue(current.value());
+        result.setTrackRoles(renumbered);
+    }
     result.removeAttribute(OrvoPlayLogicData::Error());
     result.removeAttribute(OrvoPlayLogicData::StreamerError());
     result.setControls(controls);
     LOG4CPLUS_DEBUG(playLogicLog(), "New playlogic data: " << result.toVariant());
-    m_nextMediaPrepared = false;
-    takeOverCurrentTrack();
     return result;
 }
 

@@ -9,9 +9,10 @@ class PlayListBase;
 class PlayListManager;
 class PlayListWorker;
 
-// The module's play logic: what of the current playlist plays first, next and before, with shuffle and repeat, and how
-// that stays right while the list is edited. The position is not kept here but in the playlist, as its last sequence
-// number. Made by the worker, worker's thread only. No current playlist or no such track: empty roles.
+// The module's play logic: what of the current playlist plays first, next and before, with shuffle
+// and repeat, and how that stays right while the list is edited. The position is not kept here but
+// in the playlist, as its last sequence number. Made by the worker, worker's thread only. No
+// current playlist or no such track: empty roles.
 //
 // Requests and the player's calls are handled in PlayListPlayLogic.cpp, the shuffle order in
 // PlayListPlayLogicShuffle.cpp, edits of the current playlist in PlayListPlayLogicEdits.cpp.
@@ -39,7 +40,8 @@ public:
     void changePlayModeInternal(const CMSetDataRequest& request) override;
     OrvoPlayLogicPlayModesSupported playModesSupported() override;
     void prepareNextMedia() override;
-    OrvoPlayLogicData mediaPlaybackStarted(const OrvoRoles& oldRoles, const OrvoRoles& newRoles) override;
+    OrvoPlayLogicData mediaPlaybackStarted(const OrvoRoles& oldRoles,
+                                           const OrvoRoles& newRoles) override;
     void tryResumePlayback() override;
 
     void startPlayback(const CMPath& path, int index, CMSetDataRequest request);
@@ -55,7 +57,8 @@ public:
     void initShuffle(int startItem);
     // Shuffles the order from position `from` to its end.
     void randomizeShuffleItems(int from);
-    // Shuffles the same way out of a given seed. order 0..9, from 4: the first four stay where they are.
+    // Shuffles the same way out of a given seed. order 0..9, from 4: the first four stay where they
+    // are.
     static void shuffleTail(QVector<int>& order, int from, quint64 seed);
     // A sequence number, -1 for none.
     int getNextShuffleItem();
@@ -80,10 +83,12 @@ private:
     void stopPlayer();
     // The prepared track has become the position.
     void takeOverCurrentTrack();
-    // Keeps the sequence number in the current track roles on its item: `moved` maps old to new, -1 for gone.
+    // Keeps the sequence number in the current track roles on its item: `moved` maps old to new, -1
+    // for gone.
     template <typename Moved>
     void followCurrentTrack(Moved moved);
-    void removeFromShuffle(int seqNum);
+    // `indices` are ascending.
+    void removeFromShuffle(const QList<int>& indices);
 
     PlayListWorker* m_worker;
     PlayListManager* m_manager;

@@ -7,7 +7,8 @@
 #include "PlayLogicInterface.h"
 #include "PlayLogicLog.h"
 
-// A slot that stops or starts playback returns at once: the stop may come back and take the current playlist away.
+// A slot that stops or starts playback returns at once: the stop may come back and take the current
+// playlist away.
 
 namespace {
 constexpr int StopOnRequest = 0;
@@ -39,23 +40,30 @@ void PlayListPlayLogic::on_playlist_deleted(int plid) {
 
 void PlayListPlayLogic::on_currentPlayList_cleared() {
     CM_ENTER(playLogicLog());
+    // The item that was announced went, too.
+    m_currentTrackRoles = OrvoRoles();
     stopPlayer();
 }
 
-void PlayListPlayLogic::on_currentPlayList_itemsAdded(const QString& positionStr, int firstSeqNum, int count) {
-    LOG4CPLUS_DEBUG(playLogicLog(),
-                    "pos=" << positionStr << " lastSeq=" << m_currentPlayList->getLastSequenceNumber());
+void PlayListPlayLogic::on_currentPlayList_itemsAdded(const QString& positionStr, int firstSeqNum,
+                                                      int count) {
+    LOG4CPLUS_DEBUG(playLogicLog(), "pos=" << positionStr << " lastSeq="
+                                           << m_currentPlayList->getLastSequenceNumber());
     const OrvoPlayListAddPosition::Enum position = OrvoPlayListAddPosition::fromString(positionStr);
-    if (position == OrvoPlayListAddPosition::AfterCurrent && m_currentTrackRoles.value().containsI32_()) {
-        // The player must hear of its new next item; deliberately before the order below is patched.
+    if (position == OrvoPlayListAddPosition::AfterCurrent &&
+        m_currentTrackRoles.value().containsI32_()) {
+        // The player must hear of its new next item; deliberately before the order below is
+        // patched.
         prepareNextMedia();
     } else {
-        followCurrentTrack([=](int seqNum) { return seqNum >= firstSeqNum ? seqNum + count : seqNum; });
+        followCurrentTrack(
+            [=](int seqNum) { return seqNum >= firstSeqNum ? seqNum + count : seqNum; });
     }
     if (!m_shuffleEnabled)
         return;
 
-    if (position == OrvoPlayListAddPosition::Now || position == OrvoPlayListAddPosition::AfterCurrent) {
+    if (position == OrvoPlayListAddPosition::Now ||
+        position == OrvoPlayListAddPosition::AfterCurrent) {
         // The new items play next, in their own order.
         for (int& entry : m_shuffleSeq) {
             if (entry >= firstSeqNum)
@@ -65,46 +73,52 @@ void PlayListPlayLogic::on_currentPlayList_itemsAdded(const QString& positionStr
         m_shuffleSeq.insert(at, count, 0);
         std::iota(m_shuffleSeq.begin() + at, m_shuffleSeq.begin() + at + count, firstSeqNum);
     } else if (position == OrvoPlayListAddPosition::Append) {
-        // Mixed into what has not played yet: shuffling the tail once gives what shuffling it after each item would.
+        // Mixed into what has not played yet: shuffling the tail once gives what shuffling it after
+        // each item would.
         const int size = m_shuffleSeq.size();
         m_shuffleSeq.resize(size + count);
         std::iota(m_shuffleSeq.begin() + size, m_shuffleSeq.end(), firstSeqNum);
         randomizeShuffleItems(m_shuffleCurIndex + 1);
     } else {
-        LOG4CPLUS_DEBUG(playLogicLog(),
-                        "Unknown position specifier: " << OrvoPlayListAddPosition::toString(position));
+        LOG4CPLUS_DEBUG(playLogicLog(), "Unknown position specifier: "
+                                            << OrvoPlayListAddPosition::toString(position));
     }
 }
 
-// Deliberate: several removed indices are applied one after the other as they are, although each removal has already
-// renumbered what stands behind it.
-void PlayListPlayLogic::removeFromShuffle(int seqNum) {
+// Deliberate: several removed indices are applied one after the other as they are, although each
+// removal has already renumbered what stands behind it. So the j-th of them, from 0, takes the
+// entry that was j higher to begin with; that way one pass does for all of them.
+//   order 4 2 0 3 1, indices 1 and 2: the entries 1 and 3 go, 2 1 0 are left
+void PlayListPlayLogic::removeFromShuffle(const QList<int>& indices) {
+    QVector<int> taken;
+    taken.reserve(indices.size());
+    for (int index : indices)
+        taken.append(index + taken.size());
+
     int kept = 0;
     int cursor = m_shuffleCurIndex;
     for (int i = 0; i < m_shuffleSeq.size(); ++i) {
         const int entry = m_shuffleSeq.at(i);
-        if (entry == seqNum) {
-            if (kept <= cursor)
-                --cursor;
-            continue;
-        }
-        m_shuffleSeq[kept++] = entry > seqNum ? entry - 1 : entry;
+        const auto at = std::lower_bound(taken.cbegin(), taken.cend(), entry);
+        if (at == taken.cend() || *at != entry)
+            m_shuffleSeq[kept++] = entry - int(at - taken.cbegin());
+        else if (i <= m_shuffleCurIndex)
+            --cursor;
     }
     m_shuffleSeq.resize(kept);
     m_shuffleCurIndex = cursor;
 }
 
-void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indices, int lastSeqNumBeforeRemove) {
-    LOG4CPLUS_DEBUG(playLogicLog(),
-                    "indices.size()=" << indices.size() << " lastSeqNum=" << lastSeqNumBeforeRemove);
+void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indices,
+                                                        int lastSeqNumBeforeRemove) {
+    LOG4CPLUS_DEBUG(playLogicLog(), "indices.size()=" << indices.size()
+                                                      << " lastSeqNum=" << lastSeqNumBeforeRemove);
     if (m_currentPlayList->getSize() == 0) {
         on_currentPlayList_cleared();
         return;
     }
-    if (m_shuffleEnabled) {
-        for (int index : indices)
-            removeFromShuffle(index);
-    }
+    if (m_shuffleEnabled)
+        removeFromShuffle(indices);
     // How many of the removed ones stood before this one; `indices` are ascending.
     const auto removedBefore = [&indices](int seqNum) {
         return int(std::lower_bound(indices.cbegin(), indices.cend(), seqNum) - indices.cbegin());
@@ -113,13 +127,15 @@ void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indice
         return std::binary_search(indices.cbegin(), indices.cend(), seqNum);
     };
     if (!isRemoved(lastSeqNumBeforeRemove)) {
-        followCurrentTrack([&](int seqNum) { return isRemoved(seqNum) ? Gone : seqNum - removedBefore(seqNum); });
+        followCurrentTrack(
+            [&](int seqNum) { return isRemoved(seqNum) ? Gone : seqNum - removedBefore(seqNum); });
         updateSequenceNumberInData();
         return;
     }
 
     // The playing item went: what has moved into its place plays.
-    const OrvoRoles replacement = getTrackAbsolute(lastSeqNumBeforeRemove - removedBefore(lastSeqNumBeforeRemove));
+    const OrvoRoles replacement =
+        getTrackAbsolute(lastSeqNumBeforeRemove - removedBefore(lastSeqNumBeforeRemove));
     m_currentTrackRoles = OrvoRoles();
     if (!replacement.isEmpty()) {
         playTrackRoles(replacement);

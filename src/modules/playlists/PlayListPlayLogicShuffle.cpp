@@ -1,18 +1,20 @@
-#include <QElapsedTimer>
-
 #include <algorithm>
 #include <cstdlib>
 #include <ctime>
 #include <numeric>
 #include <random>
 
+#include <QElapsedTimer>
+
 #include "PlayListBase.h"
 #include "PlayListPlayLogic.h"
 #include "PlayLogicLog.h"
 
 namespace {
-// The minimal standard generator. Multiplier and modulus are fixed: a seed gives the same order everywhere.
-using MinimalStandardEngine = std::linear_congruential_engine<std::uint_fast64_t, 16807, 0, 2147483647>;
+// The minimal standard generator. Multiplier and modulus are fixed: a seed gives the same order
+// everywhere.
+using MinimalStandardEngine =
+    std::linear_congruential_engine<std::uint_fast64_t, 16807, 0, 2147483647>;
 constexpr qint64 SeedModulus = 0x7FFFFFFF;
 } // namespace
 

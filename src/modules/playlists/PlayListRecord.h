@@ -3,7 +3,8 @@
 #include <QList>
 #include <QString>
 
-// One playlist as the store keeps it. A value; `uid` 0 is the play queue, -1 marks "no such playlist".
+// One playlist as the store keeps it. A value; `uid` 0 is the play queue, -1 marks "no such
+// playlist".
 struct PlayListRecord {
     static constexpr int NoUid = -1;
     static constexpr int PlayQueueUid = 0;

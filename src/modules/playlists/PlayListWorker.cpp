@@ -19,7 +19,8 @@ OrvoValue readSetting(const CMPath& path) {
 }
 } // namespace
 
-PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config) : CMNodesWorker(config, "PlayLists") {
+PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config)
+    : CMNodesWorker(config, "PlayLists") {
     const int itemsLimit = readSetting(OrvoPlayListsSettingsDataBaseItemsLimitPath()).i32();
     const bool vacuumNeeded = readSetting(OrvoPlayListSettingsDataBaseVacuumPath()).bool_();
     m_database = new Database(itemsLimit, vacuumNeeded);
@@ -55,8 +56,10 @@ void PlayListWorker::on_setDataRequest(const CMSetDataRequest& request) {
         CMNodesWorker::setDataRequest(request);
 }
 
-void PlayListWorker::on_powerManagerTargetItem_changed(const OrvoValue& newValue, const OrvoValue& oldValue) {
-    LOG4CPLUS_TRACE(moduleLog(), "newValue=" << newValue.toVariant() << " oldValue=" << oldValue.toVariant());
+void PlayListWorker::on_powerManagerTargetItem_changed(const OrvoValue& newValue,
+                                                       const OrvoValue& oldValue) {
+    LOG4CPLUS_TRACE(moduleLog(),
+                    "newValue=" << newValue.toVariant() << " oldValue=" << oldValue.toVariant());
     const int newTarget = OrvoPowerManagerTarget(newValue.toHash()).target();
     const int oldTarget = OrvoPowerManagerTarget(oldValue.toHash()).target();
     if (oldTarget == TargetBeforeMaintenance && newTarget == TargetForMaintenance)
@@ -64,6 +67,6 @@ void PlayListWorker::on_powerManagerTargetItem_changed(const OrvoValue& newValue
 }
 
 void PlayListWorker::on_databaseVacuum_needed(bool needed) {
-    CMRoot()->setValue(OrvoPlayListSettingsDataBaseVacuumPath(), OrvoValue::fromBool(needed).toVariant(),
-                       CMVoidReply());
+    CMRoot()->setValue(OrvoPlayListSettingsDataBaseVacuumPath(),
+                       OrvoValue::fromBool(needed).toVariant(), CMVoidReply());
 }

@@ -9,12 +9,14 @@ class PlayListManager;
 class PlayListPlayLogic;
 class PlayListUI;
 
-// The module's root object: builds the store, the model, the browse tree, the controller and the play logic, wires what
-// crosses between them, and routes set-data requests. The host owns it; everything lives on the thread that made it.
+// The module's root object: builds the store, the model, the browse tree, the controller and the
+// play logic, wires what crosses between them, and routes set-data requests. The host owns it;
+// everything lives on the thread that made it.
 class PlayListWorker : public CMNodesWorker {
     Q_OBJECT
 public:
     explicit PlayListWorker(const QHash<QString, QVariant>& config);
+    // Takes its parts along, the store last, so that the file is closed when a host ends in order.
     ~PlayListWorker() override;
 
     void setDataRequest(const CMSetDataRequest& request) override;

@@ -4,8 +4,7 @@
 
 namespace {
 
-// The texts are fixed to the blank: tools that look at a running device know statements by their
-// text.
+// Deliberate: the texts are fixed to the blank, doubled ones included.
 constexpr std::array<StatementRow, StatementCount> catalogue{{
     {StatementId::GetPlayQueue, "getPlayQueue",
      "SELECT"

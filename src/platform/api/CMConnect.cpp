@@ -1,7 +1,7 @@
 #include "CMConnect.h"
 
-bool cmConnectionParametersRegistered(const QObject* sender, const QMetaMethod& signal, const QObject* receiver,
-                                      Qt::ConnectionType type) {
+bool cmConnectionParametersRegistered(const QObject* sender, const QMetaMethod& signal,
+                                      const QObject* receiver, Qt::ConnectionType type) {
     if (!sender || !receiver)
         return true; // no connection at all: making it fails
     const int kind = type & ~Qt::UniqueConnection;

@@ -7,7 +7,8 @@
 class ORVO_API_EXPORT CMError {
 public:
     CMError() = default;
-    CMError(const TrString& message) : m_name(DefaultName()), m_message(message), m_title(DefaultTitle()) {}
+    CMError(const TrString& message)
+        : m_name(DefaultName()), m_message(message), m_title(DefaultTitle()) {}
     CMError(const QString& name, const TrString& message, const TrString& title)
         : m_name(name), m_message(message), m_title(title) {}
 

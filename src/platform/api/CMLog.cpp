@@ -1,13 +1,13 @@
 #include "CMLog.h"
 
-#include "CMRequest.h"
+#include <cstdlib>
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonValue>
 
-#include <cstdlib>
+#include "CMRequest.h"
 
 std::ostream& operator<<(std::ostream& out, const QString& text) {
     const QByteArray utf8 = text.toUtf8();
@@ -21,8 +21,9 @@ std::ostream& operator<<(std::ostream& out, const QVariant& value) {
     case QMetaType::QVariantList:
     case QMetaType::QStringList: {
         const QJsonValue json = QJsonValue::fromVariant(value);
-        const QByteArray text = (json.isObject() ? QJsonDocument(json.toObject()) : QJsonDocument(json.toArray()))
-                                    .toJson(QJsonDocument::Compact);
+        const QByteArray text =
+            (json.isObject() ? QJsonDocument(json.toObject()) : QJsonDocument(json.toArray()))
+                .toJson(QJsonDocument::Compact);
         return out.write(text.constData(), text.size());
     }
     default:
@@ -46,5 +47,6 @@ void cmFatal(const char* text) {
 
 void cmAssertHasReply(bool hasReply, const CMPath& path) {
     if (!hasReply)
-        cmFatal(("a request without a reply must be answered: " + path.toString().toStdString()).c_str());
+        cmFatal(("a request without a reply must be answered: " + path.toString().toStdString())
+                    .c_str());
 }

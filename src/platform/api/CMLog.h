@@ -2,11 +2,10 @@
 
 #include <log4cplus/logger.h>
 #include <log4cplus/loggingmacros.h>
+#include <ostream>
 
 #include <QString>
 #include <QVariant>
-
-#include <ostream>
 
 #include "CMPath.h"
 #include "orvo_api_export.h"
@@ -17,12 +16,13 @@ ORVO_API_EXPORT std::ostream& operator<<(std::ostream& out, const QVariant& valu
 ORVO_API_EXPORT std::ostream& operator<<(std::ostream& out, const CMPath& path);
 ORVO_API_EXPORT std::ostream& operator<<(std::ostream& out, const QStringList& texts);
 
-// The scoped "Enter" line: the full signature and, where given, the arguments as name=value pairs. The arguments are
-// evaluated only when trace is on.
+// The scoped "Enter" line: the full signature and, where given, the arguments as name=value pairs.
+// The arguments are evaluated only when trace is on.
 #define CM_ENTER(logger) LOG4CPLUS_TRACE(logger, "Enter " << __PRETTY_FUNCTION__)
-#define CM_ENTER_ARGS(logger, args) LOG4CPLUS_TRACE(logger, "Enter " << __PRETTY_FUNCTION__ << ": " << args)
+#define CM_ENTER_ARGS(logger, args)                                                                \
+    LOG4CPLUS_TRACE(logger, "Enter " << __PRETTY_FUNCTION__ << ": " << args)
 
-// Ends the process with a log line at fatal level. For programming errors and a platform that cannot be used, never
-// for anything that a request can bring.
+// Ends the process with a log line at fatal level. For programming errors and a platform that
+// cannot be used, never for anything that a request can bring.
 [[noreturn]] ORVO_API_EXPORT void cmFatal(const char* text);
 #define CM_ASSERT(condition, text) ((condition) ? static_cast<void>(0) : cmFatal(text))

@@ -21,7 +21,8 @@ void CMUINode::deleteLater() {
     QObject::deleteLater();
 }
 
-OrvoRoles CMUINode::getDataRoles(const QStringList& keys, const QMap<QString, QString>& params) const {
+OrvoRoles CMUINode::getDataRoles(const QStringList& keys,
+                                 const QMap<QString, QString>& params) const {
     OrvoRoles all;
     CMPath ownPath = path();
     ownPath.setParams(params);
@@ -52,8 +53,8 @@ bool CMListRowsNode::matchRowRequest(const CMMatchRowRequest& request) {
     const CMReply<int> reply = request.reply();
     const QString wanted = request.text();
     const int first = qMax(0, request.fromRow());
-    if (!getRowsRequest(
-            CMGetRowsRequest(request.path(), 0, CMGetRowsRequest::LastRow, {OrvoRoles::Title()}, rowsReply)))
+    if (!getRowsRequest(CMGetRowsRequest(request.path(), 0, CMGetRowsRequest::LastRow,
+                                         {OrvoRoles::Title()}, rowsReply)))
         return false;
     // Not before: when nobody took the request, its answer is the worker's.
     rowsReply.onSuccess([reply, wanted, first](const OrvoRowsRoles& answer) {

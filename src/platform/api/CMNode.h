@@ -7,12 +7,13 @@
 #include "CMNodes.h"
 #include "CMRequest.h"
 
-// One place of the data model. A request function that returns true has answered, or will answer; with false the
-// worker answers with an error. Lives on its worker's thread.
+// One place of the data model. A request function that returns true has answered, or will answer;
+// with false the worker answers with an error. Lives on its worker's thread.
 class ORVO_API_EXPORT CMNode : public QObject {
     Q_OBJECT
 public:
-    explicit CMNode(const CMPath& path, QObject* parent = nullptr) : QObject(parent), m_path(path) {}
+    explicit CMNode(const CMPath& path, QObject* parent = nullptr)
+        : QObject(parent), m_path(path) {}
     ~CMNode() override;
 
     const CMPath& path() const { return m_path; }
@@ -50,7 +51,8 @@ class ORVO_API_EXPORT CMUINode : public CMNode {
 public:
     using CMNode::CMNode;
 
-    // Leaves the registry at once, unless a successor is registered there already, and is destroyed later.
+    // Leaves the registry at once, unless a successor is registered there already, and is destroyed
+    // later.
     virtual void deleteLater();
 
     void setTitle(const TrString& title) { m_title = title; }

@@ -14,8 +14,8 @@ namespace {
 bool isPlain(const QString& text) {
     for (const QChar c : text) {
         const ushort u = c.unicode();
-        const bool plain = (u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || (u >= '0' && u <= '9') || u == '-' ||
-                           u == '_' || u == '.' || u == '~';
+        const bool plain = (u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') ||
+                           (u >= '0' && u <= '9') || u == '-' || u == '_' || u == '.' || u == '~';
         if (!plain)
             return false;
     }
@@ -34,15 +34,16 @@ int hexDigit(char c) {
     return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
 }
 
-// Paths come from anybody: an escape that is none stays as it is. (QUrl would turn "%zz" into some byte, and end the
-// text at a zero.)
+// Paths come from anybody: an escape that is none stays as it is. (QUrl would turn "%zz" into some
+// byte, and end the text at a zero.)
 QString decode(const QString& text) {
     if (!text.contains(QLatin1Char('%')))
         return text;
     const QByteArray encoded = text.toUtf8();
     QByteArray bytes("x"); // in front, a byte order mark would be dropped
     for (int i = 0; i < encoded.size(); ++i) {
-        const int high = encoded.at(i) == '%' && i + 2 < encoded.size() ? hexDigit(encoded.at(i + 1)) : -1;
+        const int high =
+            encoded.at(i) == '%' && i + 2 < encoded.size() ? hexDigit(encoded.at(i + 1)) : -1;
         const int low = high >= 0 ? hexDigit(encoded.at(i + 2)) : -1;
         bytes.append(low >= 0 ? char(high * 16 + low) : encoded.at(i));
         if (low >= 0)
@@ -85,7 +86,8 @@ CMPath CMPath::fromPrefix(const QString& prefix) {
 }
 
 CMPath CMPath::fromQVariant(const QVariant& value) {
-    return value.userType() == qMetaTypeId<CMPath>() ? value.value<CMPath>() : CMPath(value.toString());
+    return value.userType() == qMetaTypeId<CMPath>() ? value.value<CMPath>()
+                                                     : CMPath(value.toString());
 }
 
 bool CMPath::isEmpty() const {

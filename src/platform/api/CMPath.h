@@ -10,13 +10,14 @@
 
 #include "orvo_api_export.h"
 
-// An address in the data model: the prefix of the module that owns it, components, and optional text parameters.
+// An address in the data model: the prefix of the module that owns it, components, and optional
+// text parameters.
 //
 //   playlists:pl/items/5?plid=5&action=cmnode
 //   ^prefix   ^components ^parameters, in the order of their names
 //
-// In the text form everything that is not plain in a component or parameter is percent-encoded, so that any file name
-// can be a component and a path carried inside a parameter comes back whole.
+// In the text form everything that is not plain in a component or parameter is percent-encoded, so
+// that any file name can be a component and a path carried inside a parameter comes back whole.
 class ORVO_API_EXPORT CMPath {
 public:
     CMPath();

@@ -15,8 +15,9 @@ void CMVoidReply::complete(State& state, Status status) {
 
 void CMVoidReply::abandon(State* state) {
     if (state->status == Status::Pending && !state->callbacks.empty()) {
-        state->error = CMError(CMError::NotAnswered(), TrString("CMReply", "The request was not answered."),
-                               CMError::DefaultTitle());
+        state->error =
+            CMError(CMError::NotAnswered(), TrString("CMReply", "The request was not answered."),
+                    CMError::DefaultTitle());
         complete(*state, Status::Failed);
     }
     delete state;

@@ -6,11 +6,12 @@
 
 #include "CMError.h"
 
-// The answer to a request, once it is there. A handle: copies share one state. The first completion wins, later ones
-// are ignored. Callbacks run once, on the worker's thread, at once when registered after completion. Dropping a reply
-// cancels nothing; when the last handle of a pending one goes, nobody can answer any more and the callbacks get the
-// error `NotAnswered`. So whoever waits registers callbacks and lets go, and whoever answers keeps a copy.
-// Everything here belongs to the worker's thread; other threads post to it first.
+// The answer to a request, once it is there. A handle: copies share one state. The first completion
+// wins, later ones are ignored. Callbacks run once, on the worker's thread, at once when registered
+// after completion. Dropping a reply cancels nothing; when the last handle of a pending one goes,
+// nobody can answer any more and the callbacks get the error `NotAnswered`. So whoever waits
+// registers callbacks and lets go, and whoever answers keeps a copy. Everything here belongs to the
+// worker's thread; other threads post to it first.
 class ORVO_API_EXPORT CMVoidReply {
 public:
     using Callback = std::function<void()>;
@@ -29,8 +30,9 @@ public:
     void onError(const ErrorCallback& callback) const;
     void onFinished(const Callback& callback) const;
 
-    // Returns at once when finished. Otherwise events are handled until the reply is there or the time is over
-    // (milliseconds, negative: without end), so a module never calls it on a reply that may still be pending.
+    // Returns at once when finished. Otherwise events are handled until the reply is there or the
+    // time is over (milliseconds, negative: without end), so a module never calls it on a reply
+    // that may still be pending.
     bool waitForFinished(int timeoutMs = -1) const;
 
 protected:

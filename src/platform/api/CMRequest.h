@@ -7,7 +7,8 @@
 #include "CMReply.h"
 #include "OrvoRoles.h"
 
-// What reaches a module: a path, what is wanted of it, and the reply to complete. Copies share the reply.
+// What reaches a module: a path, what is wanted of it, and the reply to complete. Copies share the
+// reply.
 template <typename Result>
 class CMRequest {
 public:
@@ -38,7 +39,8 @@ private:
 };
 Q_DECLARE_METATYPE(CMSetDataRequest*)
 
-// Get-rows: the rows from `fromRow` to `toRow`, both included, counted from 0; by default all of them.
+// Get-rows: the rows from `fromRow` to `toRow`, both included, counted from 0; by default all of
+// them.
 class ORVO_API_EXPORT CMGetRowsRequest : public CMRequest<OrvoRowsRoles> {
 public:
     static constexpr int LastRow = std::numeric_limits<int>::max();
@@ -60,7 +62,8 @@ private:
 // Get-data: the node's own roles.
 class ORVO_API_EXPORT CMGetDataRequest : public CMRequest<OrvoRoles> {
 public:
-    CMGetDataRequest(const CMPath& path, const QStringList& roleNames, const CMReplyData<OrvoRoles>& reply)
+    CMGetDataRequest(const CMPath& path, const QStringList& roleNames,
+                     const CMReplyData<OrvoRoles>& reply)
         : CMRequest(path, reply), m_roleNames(roleNames) {}
 
     const QStringList& roleNames() const { return m_roleNames; }
@@ -69,11 +72,12 @@ private:
     QStringList m_roleNames;
 };
 
-// Match-row: the first row at or after `fromRow` whose title contains the text, upper and lower case alike.
-// The answer is its number, -1 when there is none.
+// Match-row: the first row at or after `fromRow` whose title contains the text, upper and lower
+// case alike. The answer is its number, -1 when there is none.
 class ORVO_API_EXPORT CMMatchRowRequest : public CMRequest<int> {
 public:
-    CMMatchRowRequest(const CMPath& path, const QString& text, int fromRow, const CMReply<int>& reply)
+    CMMatchRowRequest(const CMPath& path, const QString& text, int fromRow,
+                      const CMReply<int>& reply)
         : CMRequest(path, reply), m_text(text), m_fromRow(fromRow) {}
 
     const QString& text() const { return m_text; }

@@ -5,8 +5,8 @@
 #include "CMRootWorker.h"
 
 void CMRequestGroup::addInvoke(const QString& call, const CMPath& path, const QVariant& args) {
-    // The listed reply is the group's own: the one that travels has no handle here, so that its last holder's going
-    // away is noticed.
+    // The listed reply is the group's own: the one that travels has no handle here, so that its
+    // last holder's going away is noticed.
     const CMReply<QVariant> listed;
     m_replies.append(listed);
     ++m_pending;

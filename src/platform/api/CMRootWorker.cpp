@@ -6,7 +6,8 @@ namespace {
 CMRootWorker* root = nullptr;
 
 CMError unknownPrefix(const CMPath& path) {
-    return CMError(CMError::NoSuchNode(), TrString("CMRoot", "There is nothing at %1.", {path.toString()}),
+    return CMError(CMError::NoSuchNode(),
+                   TrString("CMRoot", "There is nothing at %1.", {path.toString()}),
                    CMError::DefaultTitle());
 }
 } // namespace
@@ -31,8 +32,10 @@ CMRootWorker::~CMRootWorker() {
 
 void CMRootWorker::addWorker(const QString& prefix, CMAbstractWorker* worker, CMSubscribe* events) {
     if (m_workers.contains(prefix)) {
-        static log4cplus::Logger logger = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Platform"));
-        LOG4CPLUS_ERROR(logger, "prefix " << prefix << " is taken, its second worker gets no requests");
+        static log4cplus::Logger logger =
+            log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Platform"));
+        LOG4CPLUS_ERROR(logger,
+                        "prefix " << prefix << " is taken, its second worker gets no requests");
         return;
     }
     m_workers.insert(prefix, worker);

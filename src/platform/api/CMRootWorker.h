@@ -3,9 +3,10 @@
 #include "CMValueStore.h"
 #include "CMWorker.h"
 
-// The root of the data model: routes every request to the worker that owns the path's prefix, keeps the values that
-// belong to the platform itself (settings, the power manager's target), and passes on every worker's events.
-// The host makes exactly one, before the first module and outliving the last.
+// The root of the data model: routes every request to the worker that owns the path's prefix, keeps
+// the values that belong to the platform itself (settings, the power manager's target), and passes
+// on every worker's events. The host makes exactly one, before the first module and outliving the
+// last.
 class ORVO_API_EXPORT CMRootWorker : public CMAbstractWorker {
     Q_OBJECT
 public:
@@ -15,7 +16,8 @@ public:
 
     static CMRootWorker* instance();
 
-    // A prefix that is taken stays with its first worker; the second one is logged and never reached.
+    // A prefix that is taken stays with its first worker; the second one is logged and never
+    // reached.
     void addWorker(const QString& prefix, CMAbstractWorker* worker, CMSubscribe* events);
     void removeWorker(const QString& prefix, const CMAbstractWorker* worker);
     CMAbstractWorker* worker(const QString& prefix) const { return m_workers.value(prefix); }

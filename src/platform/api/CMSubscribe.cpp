@@ -8,10 +8,12 @@ void CMSubscribe::rowsChanged(const CMPath& path, const QString& kind, int count
     Q_EMIT changed({CMChange::Kind::Rows, path, {kind}, -1, count, {}, {}});
 }
 
-void CMSubscribe::rowsChanged(const CMPath& path, const QStringList& changes, int start, int count) {
+void CMSubscribe::rowsChanged(const CMPath& path, const QStringList& changes, int start,
+                              int count) {
     Q_EMIT changed({CMChange::Kind::Rows, path, changes, start, count, {}, {}});
 }
 
-void CMSubscribe::valueChanged(const CMPath& path, const OrvoValue& newValue, const OrvoValue& oldValue) {
+void CMSubscribe::valueChanged(const CMPath& path, const OrvoValue& newValue,
+                               const OrvoValue& oldValue) {
     Q_EMIT changed({CMChange::Kind::Value, path, {}, -1, -1, newValue, oldValue});
 }

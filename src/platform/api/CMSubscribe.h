@@ -16,8 +16,8 @@ struct CMChange {
     };
     Kind kind = Kind::Rows;
     CMPath path;
-    // Rows and StartingWith: "reset" (read again), "close" (the list is gone), "+4" (a row was inserted at 4, the
-    // markers in ascending order).
+    // Rows and StartingWith: "reset" (read again), "close" (the list is gone), "+4" (a row was
+    // inserted at 4, the markers in ascending order).
     QStringList changes;
     int start = -1;
     int count = -1;

@@ -1,11 +1,11 @@
 #include "CMValueStore.h"
 
-#include "CMLog.h"
-
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSaveFile>
+
+#include "CMLog.h"
 
 #define ORVO_DEFINE_VALUE_PATH(function, path, key, type, persistent)                              \
     CMPath function() {                                                                            \
@@ -45,7 +45,8 @@ QVariant convert(const QVariant& bare, QMetaType::Type type) {
 } // namespace
 
 const QList<CMValueDeclaration>& CMValueStore::declarations() {
-#define ORVO_VALUE_ROW(function, path, key, type, persistent) {#function, path, key, type, persistent},
+#define ORVO_VALUE_ROW(function, path, key, type, persistent)                                      \
+    {#function, path, key, type, persistent},
     static const QList<CMValueDeclaration> rows = {ORVO_VALUE_PATHS(ORVO_VALUE_ROW)};
 #undef ORVO_VALUE_ROW
     return rows;
@@ -72,7 +73,8 @@ bool CMValueStore::isPersistent(const CMPath& path) const {
 bool CMValueStore::setValue(const CMPath& path, const QVariant& value, CMError* error) {
     const CMValueDeclaration* row = declaration(path);
     if (!row) {
-        *error = CMError(CMError::NoSuchNode(), TrString("CMValueStore", "There is no value at %1.", {path.toString()}),
+        *error = CMError(CMError::NoSuchNode(),
+                         TrString("CMValueStore", "There is no value at %1.", {path.toString()}),
                          CMError::DefaultTitle());
         return false;
     }
@@ -82,10 +84,11 @@ bool CMValueStore::setValue(const CMPath& path, const QVariant& value, CMError* 
                               : value;
     const QVariant converted = convert(bare, row->type);
     if (!converted.isValid()) {
-        *error = CMError(CMError::InvalidValue(),
-                         TrString("CMValueStore", "The value of %1 must be a %2.",
-                                  {path.toString(), QString::fromLatin1(QMetaType::typeName(row->type))}),
-                         CMError::DefaultTitle());
+        *error = CMError(
+            CMError::InvalidValue(),
+            TrString("CMValueStore", "The value of %1 must be a %2.",
+                     {path.toString(), QString::fromLatin1(QMetaType::typeName(row->type))}),
+            CMError::DefaultTitle());
         return false;
     }
     OrvoValue stored;
@@ -115,9 +118,10 @@ void CMValueStore::load() {
         const QString aside = m_file + QStringLiteral(".damaged");
         QFile::remove(aside);
         QFile::rename(m_file, aside);
-        const QString reason = document.isNull() ? parseError.errorString() : QStringLiteral("not a JSON object");
-        LOG4CPLUS_ERROR(logger(), "settings " << m_file << " are damaged (" << reason << "), kept as " << aside
-                                              << ", starting with none");
+        const QString reason =
+            document.isNull() ? parseError.errorString() : QStringLiteral("not a JSON object");
+        LOG4CPLUS_ERROR(logger(), "settings " << m_file << " are damaged (" << reason
+                                              << "), kept as " << aside << ", starting with none");
         return;
     }
     const QJsonObject object = document.object();
@@ -141,11 +145,13 @@ bool CMValueStore::save(const QHash<QString, OrvoValue>& values) const {
     for (const CMValueDeclaration& row : declarations()) {
         const QString path = QString::fromLatin1(row.path);
         if (row.persistent && values.contains(path))
-            object.insert(path, QJsonValue::fromVariant(values.value(path).attribute(QString::fromLatin1(row.key))));
+            object.insert(path, QJsonValue::fromVariant(
+                                    values.value(path).attribute(QString::fromLatin1(row.key))));
     }
     QSaveFile file(m_file);
     const QByteArray text = QJsonDocument(object).toJson(QJsonDocument::Indented);
-    const bool written = file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
+    const bool written =
+        file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
     if (!written)
         LOG4CPLUS_ERROR(logger(), "cannot write settings " << m_file << ": " << file.errorString());
     return written;

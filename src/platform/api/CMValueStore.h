@@ -7,8 +7,8 @@
 #include "CMPath.h"
 #include "OrvoValue.h"
 
-// One value that the platform itself keeps: the function that names its path, the path, the one key its hash form
-// has, what is kept there, and whether it survives a restart.
+// One value that the platform itself keeps: the function that names its path, the path, the one key
+// its hash form has, what is kept there, and whether it survives a restart.
 struct CMValueDeclaration {
     const char* function;
     const char* path;
@@ -17,8 +17,9 @@ struct CMValueDeclaration {
     bool persistent;
 };
 
-// The platform's own values. Undeclared paths, wrong keys and wrong types are refused and change nothing. Persistent
-// values are written to their file before a change counts, atomically: the file holds the old state or the new one.
+// The platform's own values. Undeclared paths, wrong keys and wrong types are refused and change
+// nothing. Persistent values are written to their file before a change counts, atomically: the file
+// holds the old state or the new one.
 class ORVO_API_EXPORT CMValueStore {
 public:
     explicit CMValueStore(const QString& file);
@@ -43,14 +44,19 @@ private:
 };
 
 // The paths of these values, one function each.
-#define ORVO_VALUE_PATHS(X)                                                                                            \
-    X(OrvoPlayListsSettingsDataBaseItemsLimitPath, "settings:playlists/databaseItemsLimit", "i32", QMetaType::Int, true) \
-    X(OrvoPlayListSettingsDataBaseVacuumPath, "settings:playlists/databaseVacuum", "bool", QMetaType::Bool, true)      \
-    X(OrvoPlayListSettingsPlayqueueVisibilityPath, "settings:playlists/playqueueVisible", "bool", QMetaType::Bool, true) \
-    X(OrvoPlayListSettingsCollectionsVisibilityPath, "settings:playlists/collectionsVisible", "bool", QMetaType::Bool, true) \
-    X(OrvoPlayerSettingsVolumePath, "settings:player/volume", "i32", QMetaType::Int, true)                             \
+#define ORVO_VALUE_PATHS(X)                                                                        \
+    X(OrvoPlayListsSettingsDataBaseItemsLimitPath, "settings:playlists/databaseItemsLimit", "i32", \
+      QMetaType::Int, true)                                                                        \
+    X(OrvoPlayListSettingsDataBaseVacuumPath, "settings:playlists/databaseVacuum", "bool",         \
+      QMetaType::Bool, true)                                                                       \
+    X(OrvoPlayListSettingsPlayqueueVisibilityPath, "settings:playlists/playqueueVisible", "bool",  \
+      QMetaType::Bool, true)                                                                       \
+    X(OrvoPlayListSettingsCollectionsVisibilityPath, "settings:playlists/collectionsVisible",      \
+      "bool", QMetaType::Bool, true)                                                               \
+    X(OrvoPlayerSettingsVolumePath, "settings:player/volume", "i32", QMetaType::Int, true)         \
     X(OrvoPowerManagerTargetPath, "powermanager:target", "target", QMetaType::Int, false)
 
-#define ORVO_DECLARE_VALUE_PATH(function, path, key, type, persistent) ORVO_API_EXPORT CMPath function();
+#define ORVO_DECLARE_VALUE_PATH(function, path, key, type, persistent)                             \
+    ORVO_API_EXPORT CMPath function();
 ORVO_VALUE_PATHS(ORVO_DECLARE_VALUE_PATH)
 #undef ORVO_DECLARE_VALUE_PATH

@@ -5,12 +5,14 @@
 
 namespace {
 CMError noSuchNode(const CMPath& path) {
-    return CMError(CMError::NoSuchNode(), TrString("CMWorker", "There is nothing at %1.", {path.toString()}),
+    return CMError(CMError::NoSuchNode(),
+                   TrString("CMWorker", "There is nothing at %1.", {path.toString()}),
                    CMError::DefaultTitle());
 }
 
 CMError notSupported(const CMPath& path) {
-    return CMError(CMError::NotSupported(), TrString("CMWorker", "%1 does not do that.", {path.toString()}),
+    return CMError(CMError::NotSupported(),
+                   TrString("CMWorker", "%1 does not do that.", {path.toString()}),
                    CMError::DefaultTitle());
 }
 } // namespace

@@ -8,8 +8,9 @@
 #include "CMRequest.h"
 #include "CMSubscribe.h"
 
-// Whoever answers requests: a module, or the root that routes to modules. Lives on the thread that made it; the owner
-// is whoever called its constructor (for modules the host). Failures are replies, never exceptions.
+// Whoever answers requests: a module, or the root that routes to modules. Lives on the thread that
+// made it; the owner is whoever called its constructor (for modules the host). Failures are
+// replies, never exceptions.
 class ORVO_API_EXPORT CMAbstractWorker : public QObject {
     Q_OBJECT
 public:
@@ -29,8 +30,8 @@ public:
     virtual void matchRowRequest(const CMMatchRowRequest& request) = 0;
 };
 
-// A module's worker: answers from its node registry unless told otherwise. Its name in lower case is the prefix that
-// the root routes to it.
+// A module's worker: answers from its node registry unless told otherwise. Its name in lower case
+// is the prefix that the root routes to it.
 class ORVO_API_EXPORT CMNodesWorker : public CMAbstractWorker {
     Q_OBJECT
 public:

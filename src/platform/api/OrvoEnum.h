@@ -3,11 +3,11 @@
 #include <QString>
 #include <QVariant>
 
-#include "OrvoHash.h"
 #include "orvo_api_export.h"
+#include "OrvoHash.h"
 
-// Numbers and their texts in one place. Every number round-trips: one without a name becomes its decimal text, so a
-// command can see what it was sent and refuse it.
+// Numbers and their texts in one place. Every number round-trips: one without a name becomes its
+// decimal text, so a command can see what it was sent and refuse it.
 namespace OrvoEnum {
 
 struct Name {
@@ -23,7 +23,8 @@ ORVO_API_EXPORT int fromString(const Name* names, int count, const QString& text
 
 } // namespace OrvoEnum
 
-// Declares struct `Type` with `Type::Enum` (any 32-bit number is a valid value of it), toString and fromString.
+// Declares struct `Type` with `Type::Enum` (any 32-bit number is a valid value of it), toString and
+// fromString.
 #define ORVO_ENUM(Type, Export, ...)                                                               \
     struct Export Type {                                                                           \
         enum Enum : int { __VA_ARGS__ };                                                           \

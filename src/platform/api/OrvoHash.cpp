@@ -9,11 +9,15 @@ qint64 OrvoHash::toInt64(const QVariant& value, qint64 fallback) {
     case QMetaType::UInt:
         return value.toLongLong();
     case QMetaType::ULongLong:
-        return value.toULongLong() > quint64(std::numeric_limits<qint64>::max()) ? fallback : value.toLongLong();
+        return value.toULongLong() > quint64(std::numeric_limits<qint64>::max())
+                   ? fallback
+                   : value.toLongLong();
     case QMetaType::Double: {
-        constexpr double exactLimit = 9007199254740992.0; // 2^53: beyond it a double is no exact integer
+        constexpr double exactLimit =
+            9007199254740992.0; // 2^53: beyond it a double is no exact integer
         const double number = value.toDouble();
-        return std::trunc(number) == number && std::fabs(number) <= exactLimit ? qint64(number) : fallback;
+        return std::trunc(number) == number && std::fabs(number) <= exactLimit ? qint64(number)
+                                                                               : fallback;
     }
     case QMetaType::QString:
     case QMetaType::QByteArray: {
@@ -28,6 +32,7 @@ qint64 OrvoHash::toInt64(const QVariant& value, qint64 fallback) {
 
 int OrvoHash::toInt(const QVariant& value, int fallback) {
     const qint64 number = toInt64(value, fallback);
-    const bool fits = number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max();
+    const bool fits =
+        number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max();
     return fits ? int(number) : fallback;
 }

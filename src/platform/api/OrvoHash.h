@@ -1,15 +1,16 @@
 #pragma once
 
+#include <limits>
+
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 
-#include <limits>
-
 #include "orvo_api_export.h"
 
-// A record whose attributes live in a hash: the base of every value type that crosses a module's border.
-// Implicitly shared; keys it does not know are kept, so a record survives a trip through older code.
+// A record whose attributes live in a hash: the base of every value type that crosses a module's
+// border. Implicitly shared; keys it does not know are kept, so a record survives a trip through
+// older code.
 class ORVO_API_EXPORT OrvoHash {
 public:
     OrvoHash() = default;
@@ -28,8 +29,9 @@ public:
     bool operator==(const OrvoHash& other) const { return m_hash == other.m_hash; }
     bool operator!=(const OrvoHash& other) const { return m_hash != other.m_hash; }
 
-    // A whole number out of untrusted data: integers, integral doubles and decimal text within 32 bits.
-    // Everything else (out of range, fractions, booleans, objects) is `fallback`; nothing wraps around or rounds.
+    // A whole number out of untrusted data: integers, integral doubles and decimal text within 32
+    // bits. Everything else (out of range, fractions, booleans, objects) is `fallback`; nothing
+    // wraps around or rounds.
     static int toInt(const QVariant& value, int fallback);
     static qint64 toInt64(const QVariant& value, qint64 fallback);
 
@@ -37,8 +39,8 @@ private:
     QVariantHash m_hash;
 };
 
-// How an attribute of type T is kept in the hash. Records are hashes, lists are lists, enumerations are texts
-// (OrvoEnum.h), everything else is kept as it is.
+// How an attribute of type T is kept in the hash. Records are hashes, lists are lists, enumerations
+// are texts (OrvoEnum.h), everything else is kept as it is.
 template <typename T>
 struct OrvoAttribute {
     static T read(const QVariant& value) {
@@ -124,13 +126,23 @@ struct OrvoId {
     static QVariant write(int value) { return value; }
 };
 
-// Declares one attribute of a record: getter `getter()`, setter `set<Key>()`, its name `<Key>()` and `contains<Key>()`.
-#define ORVO_ATTRIBUTE(Type, getter, Key, name) ORVO_ATTRIBUTE_AS(Type, OrvoAttribute<Type>, getter, Key, name)
+// Declares one attribute of a record: getter `getter()`, setter `set<Key>()`, its name `<Key>()`
+// and `contains<Key>()`.
+#define ORVO_ATTRIBUTE(Type, getter, Key, name)                                                    \
+    ORVO_ATTRIBUTE_AS(Type, OrvoAttribute<Type>, getter, Key, name)
 #define ORVO_ID_ATTRIBUTE(getter, Key, name) ORVO_ATTRIBUTE_AS(int, OrvoId, getter, Key, name)
 #define ORVO_LIST_ATTRIBUTE(Record, getter, Key, name)                                             \
     ORVO_ATTRIBUTE_AS(QList<Record>, OrvoRecordListAttribute<Record>, getter, Key, name)
 #define ORVO_ATTRIBUTE_AS(Type, Codec, getter, Key, name)                                          \
-    static QString Key() { return QStringLiteral(name); }                                          \
-    bool contains##Key() const { return contains(Key()); }                                         \
-    Type getter() const { return Codec::read(attribute(Key())); }                                  \
-    void set##Key(const Type& newValue) { setAttribute(Key(), Codec::write(newValue)); }
+    static QString Key() {                                                                         \
+        return QStringLiteral(name);                                                               \
+    }                                                                                              \
+    bool contains##Key() const {                                                                   \
+        return contains(Key());                                                                    \
+    }                                                                                              \
+    Type getter() const {                                                                          \
+        return Codec::read(attribute(Key()));                                                      \
+    }                                                                                              \
+    void set##Key(const Type& newValue) {                                                          \
+        setAttribute(Key(), Codec::write(newValue));                                               \
+    }

@@ -1,8 +1,9 @@
 #include "OrvoRoles.h"
 
 const QStringList& OrvoRoles::defaultNames() {
-    static const QStringList names = {Title(), Path(),       Type(), ContainerType(), ContainerPlayable(),
-                                      Value(), Modifiable(), Id(),   Context(),       MediaData()};
+    static const QStringList names = {
+        Title(), Path(),       Type(), ContainerType(), ContainerPlayable(),
+        Value(), Modifiable(), Id(),   Context(),       MediaData()};
     return names;
 }
 

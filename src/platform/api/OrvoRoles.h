@@ -17,7 +17,8 @@ struct OrvoAttribute<CMPath> {
     static QVariant write(const CMPath& value) { return value.toQVariant(); }
 };
 
-// What a row, item, container or track is. The numbers are exchanged with user interfaces and stored with items: fixed.
+// What a row, item, container or track is. The numbers are exchanged with user interfaces and
+// stored with items: fixed.
 struct OrvoRolesType {
     enum Enum : int {
         None = 0,
@@ -89,8 +90,8 @@ public:
     ORVO_API_EXPORT static const QStringList& defaultNames();
 };
 
-// The answer to a get-rows request: the container's own roles, its rows (each a list with one value per requested
-// role) and the total number of rows, of which `rows` may be a part.
+// The answer to a get-rows request: the container's own roles, its rows (each a list with one value
+// per requested role) and the total number of rows, of which `rows` may be a part.
 class OrvoRowsRoles : public OrvoHash {
 public:
     using OrvoHash::OrvoHash;
@@ -120,7 +121,8 @@ public:
     ORVO_LIST_ATTRIBUTE(OrvoEvent, events, Events, "events")
 };
 
-// What the power manager is heading for. Its numbering is its own; the step from Target 1 to 2 is the quiet moment.
+// What the power manager is heading for. Its numbering is its own; the step from Target 1 to 2 is
+// the quiet moment.
 class OrvoPowerManagerTarget : public OrvoHash {
 public:
     using OrvoHash::OrvoHash;

@@ -2,8 +2,8 @@
 
 namespace {
 const QStringList& tags() {
-    static const QStringList all = {OrvoValue::Bool_(), OrvoValue::I32_(), OrvoValue::I64_(), OrvoValue::Double_(),
-                                    OrvoValue::String_()};
+    static const QStringList all = {OrvoValue::Bool_(), OrvoValue::I32_(), OrvoValue::I64_(),
+                                    OrvoValue::Double_(), OrvoValue::String_()};
     return all;
 }
 } // namespace

@@ -3,7 +3,8 @@
 #include "OrvoHash.h"
 #include "TrString.h"
 
-// A tagged value: at most one entry of a known tag. The empty value reads 0, false and the empty text.
+// A tagged value: at most one entry of a known tag. The empty value reads 0, false and the empty
+// text.
 class ORVO_API_EXPORT OrvoValue : public OrvoHash {
 public:
     using OrvoHash::OrvoHash;

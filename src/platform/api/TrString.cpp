@@ -7,15 +7,15 @@ QString Language::ntr(const char* context, const char* source) {
 }
 
 namespace {
-// Replaces %1 to %99 in one pass: filled in one after the other, a "%2" inside the first argument would be taken for
-// the place of the second. Markers without an argument stay.
+// Replaces %1 to %99 in one pass: filled in one after the other, a "%2" inside the first argument
+// would be taken for the place of the second. Markers without an argument stay.
 QString filledIn(const QString& text, const QStringList& arguments) {
     QString result;
     for (int i = 0; i < text.size();) {
         int end = i + 1;
         int number = 0;
-        while (text.at(i) == QLatin1Char('%') && end < text.size() && end <= i + 2 && text.at(end) >= QLatin1Char('0') &&
-               text.at(end) <= QLatin1Char('9'))
+        while (text.at(i) == QLatin1Char('%') && end < text.size() && end <= i + 2 &&
+               text.at(end) >= QLatin1Char('0') && text.at(end) <= QLatin1Char('9'))
             number = number * 10 + (text.at(end++).unicode() - '0');
         const bool filled = number >= 1 && number <= arguments.size();
         result += filled ? arguments.at(number - 1) : text.mid(i, end - i);
@@ -28,7 +28,8 @@ QString filledIn(const QString& text, const QStringList& arguments) {
 QString TrString::toString() const {
     if (!isTranslatable())
         return m_source;
-    return filledIn(Language::ntr(m_context.constData(), m_source.toUtf8().constData()), m_arguments);
+    return filledIn(Language::ntr(m_context.constData(), m_source.toUtf8().constData()),
+                    m_arguments);
 }
 
 QVariant TrString::toVariant() const {
@@ -36,11 +37,13 @@ QVariant TrString::toVariant() const {
 }
 
 TrString TrString::fromVariant(const QVariant& value) {
-    return value.userType() == qMetaTypeId<TrString>() ? value.value<TrString>() : TrString(value.toString());
+    return value.userType() == qMetaTypeId<TrString>() ? value.value<TrString>()
+                                                       : TrString(value.toString());
 }
 
 namespace {
-// Roles are compared, logged and sent as hashes; without these a title compares by address and shows as nothing.
+// Roles are compared, logged and sent as hashes; without these a title compares by address and
+// shows as nothing.
 const bool comparable = QMetaType::registerEqualsComparator<TrString>();
 const bool printable = QMetaType::registerConverter<TrString, QString>(&TrString::toString);
 } // namespace

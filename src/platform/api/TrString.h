@@ -7,8 +7,8 @@
 
 #include "orvo_api_export.h"
 
-// A text for people: either a source text with its translation context and arguments, translated when it is shown,
-// or a plain text that is shown as it is (names that people gave).
+// A text for people: either a source text with its translation context and arguments, translated
+// when it is shown, or a plain text that is shown as it is (names that people gave).
 class ORVO_API_EXPORT TrString {
 public:
     TrString() = default;
@@ -29,7 +29,8 @@ public:
     static TrString fromVariant(const QVariant& value);
 
     bool operator==(const TrString& other) const {
-        return m_context == other.m_context && m_source == other.m_source && m_arguments == other.m_arguments;
+        return m_context == other.m_context && m_source == other.m_source &&
+               m_arguments == other.m_arguments;
     }
     bool operator!=(const TrString& other) const { return !(*this == other); }
 

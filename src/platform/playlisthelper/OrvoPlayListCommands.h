@@ -5,8 +5,8 @@
 #include "OrvoPlayListEnums.h"
 #include "OrvoPlayListItem.h"
 
-// One record per command. An id or target position that is missing or is no number reads -1, which every command
-// refuses; a missing or unreadable mode reads as a number above every mode.
+// One record per command. An id or target position that is missing or is no number reads -1, which
+// every command refuses; a missing or unreadable mode reads as a number above every mode.
 
 class OrvoPlayListPlId : public OrvoHash {
 public:
@@ -56,8 +56,8 @@ public:
     ORVO_ATTRIBUTE(QList<int>, items, Items, "items")
 };
 
-// Items by path: each element of `items` is the path of something that its module can prepare. No items: the whole
-// playlist `fromPlid`.
+// Items by path: each element of `items` is the path of something that its module can prepare. No
+// items: the whole playlist `fromPlid`.
 class OrvoPlayListPlAddItems : public OrvoHash {
 public:
     using OrvoHash::OrvoHash;

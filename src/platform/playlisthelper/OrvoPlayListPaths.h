@@ -5,8 +5,8 @@
 #include "CMPath.h"
 #include "playListHelper_export.h"
 
-// The fixed paths of the playlists module. None is the start of another one; only "items" and "item" are extended,
-// by an id.
+// The fixed paths of the playlists module. None is the start of another one; only "items" and
+// "item" are extended, by an id.
 #define ORVO_PLAYLIST_PATHS(X)                                                                     \
     X(OrvoPlayListsRootPath, "playlists:root")                                                     \
     X(OrvoPlayListsPlayLogicPath, "playlists:playlogic")                                           \
@@ -43,8 +43,8 @@
 ORVO_PLAYLIST_PATHS(ORVO_DECLARE_PATH)
 #undef ORVO_DECLARE_PATH
 
-// The name of the prepare call: appended to a module's prefix it is that module's prepare path. Takes a list of paths,
-// answers a list of playlist items in their hash form.
+// The name of the prepare call: appended to a module's prefix it is that module's prepare path.
+// Takes a list of paths, answers a list of playlist items in their hash form.
 PLAYLISTHELPER_EXPORT QString OrvoPlayListPrepareItems();
 
 struct OrvoPathRow {

@@ -13,7 +13,8 @@ bool readFlag(const CMPath& path) {
 } // namespace
 
 BaseNode::BaseNode(const CMPath& path, PlayListManager* manager)
-    : CMListRowsNode(path), m_manager(manager),
+    : CMListRowsNode(path),
+      m_manager(manager),
       m_playQueueVisible(readFlag(OrvoPlayListSettingsPlayqueueVisibilityPath())),
       m_collectionsVisible(readFlag(OrvoPlayListSettingsCollectionsVisibilityPath())) {}
 
@@ -43,8 +44,9 @@ OrvoRoles BaseNode::createRolesFromPath(const CMPath& path, const QStringList& k
     return getDataRoles(keys, path.params());
 }
 
-void BaseNode::sendRowsReply(const QVariantList& rows, int rowsCount, const TrString& title, const OrvoRoles& roles,
-                             const CMGetRowsRequest& request, bool sliceRows) {
+void BaseNode::sendRowsReply(const QVariantList& rows, int rowsCount, const TrString& title,
+                             const OrvoRoles& roles, const CMGetRowsRequest& request,
+                             bool sliceRows) {
     LOG4CPLUS_TRACE(moduleLog(), "rowsCount: " << rowsCount);
     setTitle(title);
     QVariantList sent = rows;

@@ -7,8 +7,9 @@
 
 class PlayListManager;
 
-// What all nodes of the tree share: the manager, the two visibility settings, path parameters, and how rows are sent.
-// Owned by whoever created it, worker's thread only. Never fails: what is unknown lists as empty.
+// What all nodes of the tree share: the manager, the two visibility settings, path parameters, and
+// how rows are sent. Owned by whoever created it, worker's thread only. Never fails: what is
+// unknown lists as empty.
 class BaseNode : public CMListRowsNode {
     Q_OBJECT
 public:
@@ -27,10 +28,11 @@ public:
     // The node's own roles as seen at `path`, restricted to `keys`.
     OrvoRoles createRolesFromPath(const CMPath& path, const QStringList& keys) const;
 
-    // Answers the request. With `sliceRows` the rows are all there are and the requested range is cut out of them;
-    // without it they are that range already. `rowsCount` is the total in both cases.
-    void sendRowsReply(const QVariantList& rows, int rowsCount, const TrString& title, const OrvoRoles& roles,
-                       const CMGetRowsRequest& request, bool sliceRows);
+    // Answers the request. With `sliceRows` the rows are all there are and the requested range is
+    // cut out of them; without it they are that range already. `rowsCount` is the total in both
+    // cases.
+    void sendRowsReply(const QVariantList& rows, int rowsCount, const TrString& title,
+                       const OrvoRoles& roles, const CMGetRowsRequest& request, bool sliceRows);
 
     // Adds the link to the track's menu to a track row.
     static OrvoRoles addContextMenuToRoles(OrvoRoles roles, int plid);

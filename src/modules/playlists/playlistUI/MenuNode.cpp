@@ -3,6 +3,7 @@
 #include <QPointer>
 
 #include "CMRootWorker.h"
+#include "OrvoPlayListCommands.h"
 
 CMPath MenuNode::pathWith(CMPath path, const Params& params) {
     for (const auto& param : params)
@@ -10,7 +11,8 @@ CMPath MenuNode::pathWith(CMPath path, const Params& params) {
     return path;
 }
 
-CMPath MenuNode::entryPath(const CMGetRowsRequest& request, const QString& action, const Params& params) const {
+CMPath MenuNode::entryPath(const CMGetRowsRequest& request, const QString& action,
+                           const Params& params) const {
     CMPath result = path();
     result.setParams(request.path().params());
     result.addParam(Action(), action);
@@ -45,23 +47,48 @@ OrvoRoles MenuNode::separatorRow() {
     return row;
 }
 
-void MenuNode::sendMenu(const QList<OrvoRoles>& entries, const TrString& title, const CMGetRowsRequest& request) {
+void MenuNode::sendMenu(const QList<OrvoRoles>& entries, const TrString& title,
+                        const CMGetRowsRequest& request) {
     QVariantList rows;
     rows.reserve(entries.size());
     for (const OrvoRoles& entry : entries)
         rows.append(QVariant(CMGlobal::itemRolesToList(request.roleNames(), entry)));
-    sendRowsReply(rows, rows.count(), title, createRolesFromPath(request.path(), request.roleNames()), request, true);
+    sendRowsReply(rows, rows.count(), title,
+                  createRolesFromPath(request.path(), request.roleNames()), request, true);
 }
 
-bool MenuNode::closesAfter(const QString&) const {
-    return true;
+int MenuNode::numberParam(const CMSetDataRequest& request, const QString& name) {
+    return toInt(request.path().param(name), -1);
+}
+
+OrvoHash MenuNode::playListOnly(const CMSetDataRequest& request) {
+    OrvoPlayListPlId args;
+    args.setPlid(numberParam(request, Plid()));
+    return args;
+}
+
+const MenuNode::MenuAction* MenuNode::findAction(const CMSetDataRequest& request) const {
+    const QString name = request.path().param(Action());
+    for (const MenuAction& action : actions()) {
+        if (name == QLatin1String(action.name))
+            return &action;
+    }
+    return nullptr;
+}
+
+bool MenuNode::setDataRequest(const CMSetDataRequest& request) {
+    const MenuAction* action = findAction(request);
+    if (action)
+        sendCommand(action->command(), action->arguments(request), request);
+    return action != nullptr;
 }
 
 QString MenuNode::stringValue(const CMSetDataRequest& request) {
     return OrvoValue(request.value().toHash()).string();
 }
 
-void MenuNode::sendCommand(const CMPath& command, const OrvoHash& args, const CMSetDataRequest& request) {
+void MenuNode::sendCommand(const CMPath& command, const OrvoHash& args,
+                           const CMSetDataRequest& request) {
     const QPointer<MenuNode> self(this);
     const auto finished = [self, request](const CMReply<QVariant>& reply) {
         if (self)
@@ -71,7 +98,8 @@ void MenuNode::sendCommand(const CMPath& command, const OrvoHash& args, const CM
         else
             request.reply().setValue(reply.value());
     };
-    // The callbacks hand on copies of the outcome: holding the reply itself here would keep it alive for ever.
+    // The callbacks hand on copies of the outcome: holding the reply itself here would keep it
+    // alive for ever.
     const CMReply<QVariant> reply;
     reply.onSuccess([finished](const QVariant& value) {
         const CMReply<QVariant> outcome;
@@ -91,7 +119,8 @@ void MenuNode::watchReplyFinished(const CMReply<QVariant>& reply, CMSetDataReque
         request.reply().setError(reply.error());
         return;
     }
-    if (!closesAfter(request.path().param(Action()))) {
+    const MenuAction* action = findAction(request);
+    if (action && action->after == Menu::StaysOpen) {
         request.reply().setValue(reply.value());
         return;
     }

@@ -4,22 +4,23 @@
 #include "../PlayListBase.h"
 #include "../PlayListManager.h"
 #include "CMConnect.h"
-#include "OrvoPlayListPaths.h"
-#include "PlayListWatcher.h"
-#include "RootNode.h"
 #include "collection/CollectionAddToClNode.h"
 #include "collection/CollectionContextNode.h"
 #include "collection/CollectionGetItemsNode.h"
+#include "OrvoPlayListPaths.h"
 #include "playlist/PlayListAddModeNode.h"
 #include "playlist/PlayListAddToPlaylistNode.h"
 #include "playlist/PlayListContextNode.h"
 #include "playlist/PlayListGetItemsNode.h"
 #include "playlist/PlayListGetListNode.h"
 #include "playlist/PlayListTrackContextNode.h"
+#include "PlayListWatcher.h"
 #include "playqueue/PlayQueueContextNode.h"
 #include "playqueue/PlayQueueGetItemsNode.h"
+#include "RootNode.h"
 
-PlayListUI::PlayListUI(QObject* parent, CMNodes* nodes, CMSubscribe* subscribe, PlayListManager* manager)
+PlayListUI::PlayListUI(QObject* parent, CMNodes* nodes, CMSubscribe* subscribe,
+                       PlayListManager* manager)
     : QObject(parent), m_nodes(nodes), m_subscribe(subscribe), m_manager(manager) {
     createFixedNodes();
     watchPlayQueue();
@@ -31,16 +32,17 @@ PlayListUI::PlayListUI(QObject* parent, CMNodes* nodes, CMSubscribe* subscribe, 
         watchCollection(cl);
     cmConnect(m_manager, &PlayListManager::playlistCreated, this, &PlayListUI::on_playlist_create);
     cmConnect(m_manager, &PlayListManager::playlistDeleted, this, &PlayListUI::on_playlist_delete);
-    cmConnect(m_manager, &PlayListManager::collectionCreated, this, &PlayListUI::on_collection_create);
-    cmConnect(m_manager, &PlayListManager::collectionDeleted, this, &PlayListUI::on_collection_delete);
+    cmConnect(m_manager, &PlayListManager::collectionCreated, this,
+              &PlayListUI::on_collection_create);
+    cmConnect(m_manager, &PlayListManager::collectionDeleted, this,
+              &PlayListUI::on_collection_delete);
 }
 
 void PlayListUI::createFixedNodes() {
-    m_listNode = PlayListGetListNode::create(m_nodes, OrvoPlayListPlGetlistPath(), m_manager);
     m_nodeList = {
         RootNode::create(m_nodes, OrvoPlayListsRootPath(), m_manager),
         PlayQueueContextNode::create(m_nodes, OrvoPlayListPqContextPath(), m_manager),
-        m_listNode,
+        m_listNode = PlayListGetListNode::create(m_nodes, OrvoPlayListPlGetlistPath(), m_manager),
         PlayListAddToPlaylistNode::create(m_nodes, OrvoPlayListPlAddToPlaylistPath(), m_manager),
         PlayListAddModeNode::create(m_nodes, OrvoPlayListPlSelectAddModePath(), m_manager),
         PlayListContextNode::create(m_nodes, OrvoPlayListPlContextPath(), m_manager),
@@ -64,7 +66,8 @@ void PlayListUI::watchPlayQueue() {
 void PlayListUI::watchPlayList(PlayListBase* pl) {
     const int plid = pl->getUid();
     m_listNode->createPlaylistNode(plid);
-    m_watchers.insert(plid, new PlayListWatcher(this, m_subscribe, pl, m_listNode->playlistNode(plid)));
+    m_watchers.insert(plid,
+                      new PlayListWatcher(this, m_subscribe, pl, m_listNode->playlistNode(plid)));
 }
 
 void PlayListUI::watchCollection(CollectionBase* cl) {

@@ -14,8 +14,9 @@ class PlayListGetListNode;
 class PlayListManager;
 class PlayListWatcher;
 
-// Publishes the browse tree and keeps it current: the fixed nodes, one items node and watcher per playlist, and the
-// notifications of what came and went. Made once by the worker, owns its nodes and watchers.
+// Publishes the browse tree and keeps it current: the fixed nodes, one items node and watcher per
+// playlist, and the notifications of what came and went. Made once by the worker, owns its nodes
+// and watchers.
 class PlayListUI : public QObject {
     Q_OBJECT
 public:

@@ -7,15 +7,23 @@
 #include "CMConnect.h"
 #include "OrvoPlayListPaths.h"
 
-PlayListWatcher::PlayListWatcher(QObject* parent, CMSubscribe* subscribe, PlayListBase* playlist, BaseNode* node)
-    : QObject(parent), m_subscribe(subscribe), m_playlist(playlist), m_plid(playlist->getUid()), m_node(node) {
+PlayListWatcher::PlayListWatcher(QObject* parent, CMSubscribe* subscribe, PlayListBase* playlist,
+                                 BaseNode* node)
+    : QObject(parent),
+      m_subscribe(subscribe),
+      m_playlist(playlist),
+      m_plid(playlist->getUid()),
+      m_node(node) {
     cmConnect(m_playlist, &PlayListBase::itemsAdded, this, &PlayListWatcher::on_items_added);
     cmConnect(m_playlist, &PlayListBase::itemsRemoved, this, &PlayListWatcher::on_items_removed);
     cmConnect(m_playlist, &PlayListBase::itemMoved, this, &PlayListWatcher::on_items_moved);
     cmConnect(m_playlist, &PlayListBase::itemsCleared, this, &PlayListWatcher::on_items_cleared);
-    cmConnect(m_playlist, &PlayListBase::shuffleChanged, this, &PlayListWatcher::on_playlist_changed);
-    cmConnect(m_playlist, &PlayListBase::repeatAllChanged, this, &PlayListWatcher::on_playlist_changed);
-    cmConnect(m_playlist, &PlayListBase::nameChanged, this, &PlayListWatcher::on_playlistName_changed);
+    cmConnect(m_playlist, &PlayListBase::shuffleChanged, this,
+              &PlayListWatcher::on_playlist_changed);
+    cmConnect(m_playlist, &PlayListBase::repeatAllChanged, this,
+              &PlayListWatcher::on_playlist_changed);
+    cmConnect(m_playlist, &PlayListBase::nameChanged, this,
+              &PlayListWatcher::on_playlistName_changed);
 }
 
 PlayListWatcher::~PlayListWatcher() {
@@ -27,8 +35,9 @@ PlayListWatcher::~PlayListWatcher() {
 }
 
 CMPath PlayListWatcher::itemListPath(int plid) {
-    return plid == PlayListRecord::PlayQueueUid ? OrvoPlayListPqGetItemsPath()
-                                                : OrvoPlayListPlGetItemsPath() + "/" + QString::number(plid);
+    return plid == PlayListRecord::PlayQueueUid
+               ? OrvoPlayListPqGetItemsPath()
+               : OrvoPlayListPlGetItemsPath() + "/" + QString::number(plid);
 }
 
 void PlayListWatcher::restartPlayListView(int plid) {
@@ -51,7 +60,8 @@ void PlayListWatcher::on_items_removed(const QList<int>&, int) {
 
 void PlayListWatcher::on_items_moved(int, int) {
     restartPlayListView(m_plid);
-    m_subscribe->changedStartingWith(OrvoPlayListPlTrackContextPath(), CMSubscribe::RowsChangeReset(), -1);
+    m_subscribe->changedStartingWith(OrvoPlayListPlTrackContextPath(),
+                                     CMSubscribe::RowsChangeReset(), -1);
 }
 
 void PlayListWatcher::on_items_cleared() {
@@ -66,5 +76,6 @@ void PlayListWatcher::on_playlist_changed(bool) {
 
 void PlayListWatcher::on_playlistName_changed(const QString&) {
     m_subscribe->changedStartingWith(OrvoPlayListsRootPath(), CMSubscribe::RowsChangeReset(), -1);
-    m_subscribe->changedStartingWith(OrvoPlayListPlContextPath(), CMSubscribe::RowsChangeReset(), -1);
+    m_subscribe->changedStartingWith(OrvoPlayListPlContextPath(), CMSubscribe::RowsChangeReset(),
+                                     -1);
 }

@@ -8,12 +8,14 @@
 class BaseNode;
 class PlayListBase;
 
-// Turns one playlist's signals into row-change events for user interfaces. Owned by the tree publisher. When it goes,
-// it tells the views of its list to close and schedules the node's end, if the node is still there.
+// Turns one playlist's signals into row-change events for user interfaces. Owned by the tree
+// publisher. When it goes, it tells the views of its list to close and schedules the node's end, if
+// the node is still there.
 class PlayListWatcher : public QObject {
     Q_OBJECT
 public:
-    PlayListWatcher(QObject* parent, CMSubscribe* subscribe, PlayListBase* playlist, BaseNode* node);
+    PlayListWatcher(QObject* parent, CMSubscribe* subscribe, PlayListBase* playlist,
+                    BaseNode* node);
     ~PlayListWatcher() override;
 
     void restartPlayListView(int plid);

@@ -21,8 +21,8 @@ OrvoRoles RootNode::playQueueRow(const PlayListBase* queue) {
     row.setType(OrvoRolesType::Container);
     row.setContainerPlayable(true);
     row.setMediaData(playableMediaData());
-    row.setContext(contextMenu(TrString(queue->getName()),
-                               OrvoPlayListPqContextPath().addParam(Plid(), toStr(queue->getUid()))));
+    row.setContext(contextMenu(TrString(queue->getName()), OrvoPlayListPqContextPath().addParam(
+                                                               Plid(), toStr(queue->getUid()))));
     return row;
 }
 
@@ -41,15 +41,16 @@ OrvoRoles RootNode::playListRow(const PlayListBase* pl) {
 OrvoRoles RootNode::collectionRow(const CollectionBase* cl) {
     LOG4CPLUS_DEBUG(moduleLog(), "clid: " << cl->getUid());
     LOG4CPLUS_DEBUG(moduleLog(), "clname: " << cl->getName());
-    // Deliberately unlike a playlist's row: one node serves all collections, told apart by a parameter, and a
-    // collection has no play logic.
+    // Deliberately unlike a playlist's row: one node serves all collections, told apart by a
+    // parameter, and a collection has no play logic.
     OrvoRoles row;
     row.setTitle(TrString(cl->getName()));
     row.setPath(OrvoPlayListClGetItemsPath().addParam(Clid(), toStr(cl->getUid())));
     row.setType(OrvoRolesType::Container);
     row.setContainerPlayable(true);
-    row.setContext(contextMenu(TrString("RootNode", "Collection Context Menu - %1", {cl->getName()}),
-                               OrvoPlayListClContextPath().addParam(Clid(), toStr(cl->getUid()))));
+    row.setContext(
+        contextMenu(TrString("RootNode", "Collection Context Menu - %1", {cl->getName()}),
+                    OrvoPlayListClContextPath().addParam(Clid(), toStr(cl->getUid()))));
     return row;
 }
 
@@ -67,20 +68,24 @@ bool RootNode::getRowsRequest(const CMGetRowsRequest& request) {
         append(playQueueRow(queue));
 
     append(headerRow(TrString("PlayLists", "Playlists")));
-    append(textEntryRow(TrString("RootNode", "Create New Playlist"), ownPath, QStringLiteral("createPl")));
-    const QList<PlayListBase*> playLists = manager() ? manager()->getAllPlayList() : QList<PlayListBase*>();
+    append(textEntryRow(TrString("RootNode", "Create New Playlist"), ownPath,
+                        QStringLiteral("createPl")));
+    const QList<PlayListBase*> playLists =
+        manager() ? manager()->getAllPlayList() : QList<PlayListBase*>();
     for (const PlayListBase* pl : playLists)
         append(playListRow(pl));
 
     if (areCollectionsVisible()) {
         append(headerRow(TrString("PlayLists", "Collections")));
-        append(textEntryRow(TrString("RootNode", "Create New Collection"), ownPath, QStringLiteral("createCl")));
+        append(textEntryRow(TrString("RootNode", "Create New Collection"), ownPath,
+                            QStringLiteral("createCl")));
         const QList<CollectionBase*> collections =
             manager() ? manager()->getAllCollection() : QList<CollectionBase*>();
         for (const CollectionBase* cl : collections)
             append(collectionRow(cl));
     }
-    sendRowsReply(rows, rows.count(), TrString("RootNode", "Playlists"), OrvoRoles(), request, true);
+    sendRowsReply(rows, rows.count(), TrString("RootNode", "Playlists"), OrvoRoles(), request,
+                  true);
     return true;
 }
 
@@ -99,11 +104,13 @@ bool RootNode::setDataRequest(const CMSetDataRequest& request) {
     const OrvoHash value(request.value().toHash());
     const QString action = request.path().param(Action());
     if (action == QLatin1String("createPl")) {
-        CMRoot()->invoke(OrvoPlayListPlCreatePath(), createArguments<OrvoPlayListPlCreate>(value), request.reply());
+        CMRoot()->invoke(OrvoPlayListPlCreatePath(), createArguments<OrvoPlayListPlCreate>(value),
+                         request.reply());
         return true;
     }
     if (action == QLatin1String("createCl")) {
-        CMRoot()->invoke(OrvoPlayListClCreatePath(), createArguments<OrvoPlayListClCreate>(value), request.reply());
+        CMRoot()->invoke(OrvoPlayListClCreatePath(), createArguments<OrvoPlayListClCreate>(value),
+                         request.reply());
         return true;
     }
     return false;

@@ -5,8 +5,8 @@
 class CollectionBase;
 class PlayListBase;
 
-// The entry of the tree: the play queue, the playlists and, where visible, the collections, each section with an
-// entry that creates one.
+// The entry of the tree: the play queue, the playlists and, where visible, the collections, each
+// section with an entry that creates one.
 class RootNode : public BaseNode {
     Q_OBJECT
 public:

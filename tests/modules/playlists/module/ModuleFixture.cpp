@@ -14,7 +14,8 @@ OrvoValue Answer::result() const {
 
 void RecordingWorker::setDataRequest(const CMSetDataRequest& request) {
     requests.append(request);
-    const bool isPrepare = request.path() == CMPath::fromPrefix(prefix()) + OrvoPlayListPrepareItems();
+    const bool isPrepare =
+        request.path() == CMPath::fromPrefix(prefix()) + OrvoPlayListPrepareItems();
     if (!isPrepare) {
         request.reply().setValue(QVariant());
         return;
@@ -34,16 +35,18 @@ ModuleFixture::ModuleFixture() : m_oldFolder(QDir::currentPath()) {
     EXPECT_TRUE(folder.isValid());
     QDir::setCurrent(folder.path());
     m_root = std::make_unique<CMRootWorker>(folder.filePath("settings.json"));
-    QObject::connect(m_root->events(), &CMSubscribe::changed, m_root->events(), [this](const CMChange& change) {
-        if (change.kind == CMChange::Kind::Value)
-            return;
-        const bool rows = change.kind == CMChange::Kind::Rows;
-        QStringList words = {rows ? "Rows" : "StartingWith", change.path.toString(), change.changes.join(',')};
-        if (change.start >= 0)
-            words.append(QString::number(change.start));
-        words.append(QString::number(change.count));
-        events.append(words.join(' '));
-    });
+    QObject::connect(m_root->events(), &CMSubscribe::changed, m_root->events(),
+                     [this](const CMChange& change) {
+                         if (change.kind == CMChange::Kind::Value)
+                             return;
+                         const bool rows = change.kind == CMChange::Kind::Rows;
+                         QStringList words = {rows ? "Rows" : "StartingWith",
+                                              change.path.toString(), change.changes.join(',')};
+                         if (change.start >= 0)
+                             words.append(QString::number(change.start));
+                         words.append(QString::number(change.count));
+                         events.append(words.join(' '));
+                     });
 }
 
 ModuleFixture::~ModuleFixture() {
@@ -149,8 +152,8 @@ OrvoPlayListItem ModuleFixture::makeItem(const QString& title) {
     item.setTitle(title);
     item.setUrl(resource.uri());
     item.setServiceId(QStringLiteral("files"));
-    item.setOrvoRoles(QString::fromUtf8(
-        QJsonDocument(QJsonObject::fromVariantHash(roles.toHash())).toJson(QJsonDocument::Compact)));
+    item.setOrvoRoles(QString::fromUtf8(QJsonDocument(QJsonObject::fromVariantHash(roles.toHash()))
+                                            .toJson(QJsonDocument::Compact)));
     return item;
 }
 

@@ -1,11 +1,10 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <memory>
 
 #include <QDir>
 #include <QTemporaryDir>
-
-#include <memory>
 
 #include "CMRootWorker.h"
 #include "OrvoPlayListItem.h"
@@ -26,8 +25,8 @@ struct Answer {
     QString message() const { return failed ? error.message().toString() : QString(); }
 };
 
-// A worker of another module, with what reached it. It answers prepare calls with the items given for the paths, or
-// keeps the requests for the test to answer, and everything else with success.
+// A worker of another module, with what reached it. It answers prepare calls with the items given
+// for the paths, or keeps the requests for the test to answer, and everything else with success.
 class RecordingWorker : public CMNodesWorker {
 public:
     explicit RecordingWorker(const QString& name) : CMNodesWorker({}, name) {}
@@ -39,7 +38,8 @@ public:
     bool keepPrepareRequests = false;       // answer none: the test does
 };
 
-// The whole module over a real store in a temporary folder, as the host builds it: root, settings, worker.
+// The whole module over a real store in a temporary folder, as the host builds it: root, settings,
+// worker.
 class ModuleFixture : public ::testing::Test {
 protected:
     ModuleFixture();
@@ -54,7 +54,9 @@ protected:
 
     // Set-data, with the events of one turn of the loop handled when the answer is late.
     Answer send(const CMPath& path, const QVariant& value);
-    Answer send(const CMPath& path, const OrvoHash& record) { return send(path, record.toVariant()); }
+    Answer send(const CMPath& path, const OrvoHash& record) {
+        return send(path, record.toVariant());
+    }
     OrvoRowsRoles rows(const CMPath& path, int from = 0, int to = CMGetRowsRequest::LastRow,
                        const QStringList& roles = OrvoRoles::defaultNames());
     // The rows of a reply as role maps again.
@@ -63,14 +65,15 @@ protected:
 
     int createPlayList(const QString& name);
     int createCollection(const QString& name);
-    // A complete item as a media source delivers it: roles of type 3 with title, uri and pre-play path.
+    // A complete item as a media source delivers it: roles of type 3 with title, uri and pre-play
+    // path.
     static OrvoPlayListItem makeItem(const QString& title);
     void addItems(int plid, const QStringList& titles, int mode = 2);
     // The titles of a playlist, in order.
     QStringList titles(int plid);
 
-    // Everything user interfaces were told since the last clear: "StartingWith playlists:root reset -1" and
-    // "Rows playlists:pl/items/7 +4,+5 0 -1".
+    // Everything user interfaces were told since the last clear: "StartingWith playlists:root reset
+    // -1" and "Rows playlists:pl/items/7 +4,+5 0 -1".
     QStringList events;
 
     QTemporaryDir folder;

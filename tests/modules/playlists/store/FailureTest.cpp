@@ -102,6 +102,20 @@ TEST_F(FailureTest, readingFromALockedFile) {
     expectInvariants();
 }
 
+TEST_F(FailureTest, aNextNumberIsGivenThoughItsResetFails) {
+    // A reading statement that gave its row cannot fail in the reset; one that commits there can.
+    const PlayListRecord pl = playListOf("abc");
+    StoreProbe::replaceStatement(
+        database(), StatementId::GetNextSequenceNumber,
+        "INSERT INTO collections_playlists(collection, playlist) VALUES(4711, ?1) RETURNING 42");
+    ASSERT_EQ(SQLITE_OK, sqlite3_exec(StoreProbe::connection(database()),
+                                      "PRAGMA defer_foreign_keys=1;", nullptr, nullptr, nullptr));
+    EXPECT_EQ(QStringList({reset("getNextSequenceNumber", "constraint failed"),
+                           QStringLiteral("Error resetting next sequence number stmt")}),
+              errorsOf([&] { EXPECT_EQ(42, database().getNextSequenceNumber(pl)); }));
+    expectInvariants();
+}
+
 TEST_F(FailureTest, writingToALockedFile) {
     PlayListRecord pl = playListOf("abc");
     const CollectionRecord cl = database().createCollection(QStringLiteral("c"));
@@ -279,6 +293,7 @@ TEST_F(FailureTest, anEntryThatCannotBeRemoved) {
                            QStringLiteral("Unable to clear playList %1").arg(pl.uid)}),
               errorsOf([&] { EXPECT_FALSE(database().clearItems(pl)); }));
     EXPECT_EQ(QStringLiteral("a b c d e f"), titles(pl.uid));
+    EXPECT_EQ(0, spy.size());
     expectInvariants();
 }
 

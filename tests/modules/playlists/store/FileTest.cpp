@@ -87,6 +87,34 @@ TEST_F(FileTest, startRunsItsStepsInOrder) {
     EXPECT_TRUE(statements[8].startsWith(QLatin1String("INSERT OR IGNORE")));
 }
 
+TEST_F(FileTest, sqlitesLogIsAskedForBetweenForeignKeysAndTables) {
+    // SQLite, initialised by the open, refuses, and says so to the log it has.
+    QStringList steps;
+    sqlite3_shutdown();
+    sqlite3_config(
+        SQLITE_CONFIG_LOG,
+        +[](void* all, int code, const char*) {
+            static_cast<QStringList*>(all)->append(QStringLiteral("log %1").arg(code));
+        },
+        &steps);
+    openingStatements = &steps;
+    sqlite3_auto_extension(reinterpret_cast<void (*)()>(&traceNewConnection));
+    LogCapture log(QStringLiteral("PlayLists"));
+    {
+        Database store(0, false);
+        sqlite3_exec(StoreProbe::connection(store), "INSERT INTO playlists(uid) VALUES(0)", nullptr,
+                     nullptr, nullptr);
+    }
+    openingStatements = nullptr;
+    sqlite3_shutdown();
+    sqlite3_config(SQLITE_CONFIG_LOG, nullptr, nullptr);
+    EXPECT_EQ(QStringLiteral("PRAGMA foreign_keys=1;"), steps.value(0));
+    EXPECT_EQ(QStringLiteral("log %1").arg(SQLITE_MISUSE), steps.value(1));
+    EXPECT_TRUE(steps.value(2).startsWith(QLatin1String("CREATE TABLE IF NOT EXISTS playlists ")));
+    EXPECT_TRUE(steps.last().startsWith(QLatin1String("log "))) << "the failed insertion";
+    EXPECT_EQ(QStringList(), log.errors());
+}
+
 TEST_F(FileTest, startAndTablesAreTraced) {
     LogCapture log(QStringLiteral("PlayLists"));
     database();
@@ -183,6 +211,41 @@ TEST_F(FileTest, vacuumWithoutNeedDoesNothing) {
     EXPECT_EQ(QStringList(), trace.texts());
     EXPECT_EQ(QStringList(), log.lines());
     EXPECT_EQ(0, spy.size());
+}
+
+TEST_F(FileTest, aVacuumThatFailsIsOwedNoLonger) {
+    database().setVacuumNeeded();
+    QSignalSpy spy(&database(), &Database::vacuumNeeded);
+    ASSERT_TRUE(rawRun(QStringLiteral("BEGIN EXCLUSIVE")));
+    LogCapture log(QStringLiteral("PlayLists"));
+    StatementTrace trace(database());
+    database().vacuum();
+    database().vacuum();
+    ASSERT_TRUE(rawRun(QStringLiteral("ROLLBACK")));
+    EXPECT_EQ(QStringList(QStringLiteral("VACUUM;")), trace.texts());
+    EXPECT_EQ(1, log.texts(QStringLiteral("INFO")).size());
+    ASSERT_EQ(1, spy.size());
+    EXPECT_FALSE(spy[0][0].toBool());
+}
+
+TEST_F(FileTest, theSignalGoesOutBeforeTheChangeCounts) {
+    Database& store = database();
+    bool told = false;
+    QObject::connect(&store, &Database::vacuumNeeded, [&](bool needed) {
+        told = true;
+        if (needed)
+            store.vacuum(); // not owed yet
+        else
+            store.setVacuumNeeded(); // owed still
+    });
+    QSignalSpy spy(&store, &Database::vacuumNeeded);
+    store.setVacuumNeeded();
+    EXPECT_TRUE(told);
+    EXPECT_EQ(1, spy.size());
+    store.vacuum();
+    EXPECT_EQ(2, spy.size());
+    store.vacuum();
+    EXPECT_EQ(2, spy.size());
 }
 
 TEST_F(FileTest, anOwedVacuumIsMadeUpForAtStart) {

@@ -1,5 +1,6 @@
 #include <QSignalSpy>
 
+#include "StatementTrace.h"
 #include "StoreFixture.h"
 
 // Moving, removing and clearing.
@@ -64,6 +65,35 @@ TEST_F(ItemsEditTest, openingAGapShiftsTheTail) {
             .arg(pl.uid);
     ASSERT_TRUE(database().offsetItemsFromTransaction(pl, 1, 2));
     EXPECT_EQ(QStringLiteral("0a 3b 4c 5d"), rawTexts(numbers).join(QLatin1Char(' ')));
+}
+
+TEST_F(ItemsEditTest, shiftsGoByWayOfNumbersBeyondTheList) {
+    const auto shift = [](int playlist, int from, int to, int offset) {
+        return QStringLiteral(
+                   "UPDATE playlists_items  SET sequenceNumber = sequenceNumber + %4"
+                   "  WHERE playlist = %1 AND sequenceNumber >= %2 AND sequenceNumber <= %3;")
+            .arg(playlist)
+            .arg(from)
+            .arg(to)
+            .arg(offset);
+    };
+    const auto shiftsOf = [this](auto edit) {
+        const StatementTrace trace(database());
+        edit();
+        return trace.boundTexts().filter(QStringLiteral("UPDATE"));
+    };
+    PlayListRecord pl = playListOf("0123456789");
+    const int uid = pl.uid;
+    EXPECT_EQ(QStringList({shift(uid, 2, 5, 10), shift(uid, 12, 12, -7), shift(uid, 12, 15, -11)}),
+              shiftsOf([&] { database().moveItem(pl, 2, 5); }));
+    EXPECT_EQ(QStringList({shift(uid, 2, 5, 10), shift(uid, 15, 15, -13), shift(uid, 12, 15, -9)}),
+              shiftsOf([&] { database().moveItem(pl, 5, 2); }));
+    EXPECT_EQ(QStringLiteral("0 1 2 3 4 5 6 7 8 9"), titles(uid));
+    pl.lastPlayedIndex = 3;
+    EXPECT_EQ(QStringList({shift(uid, 4, 10, 14), shift(uid, 10, 0x7FFFFFFF, -11)}), shiftsOf([&] {
+                  database().addItems(pl, OrvoPlayListAddPosition::Now, items(3), nullptr);
+              }));
+    expectInvariants();
 }
 
 TEST_F(ItemsEditTest, removingTwoRunsClosesTheGaps) {

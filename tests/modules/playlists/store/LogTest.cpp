@@ -107,6 +107,15 @@ TEST_F(LogTest, removing) {
               linesOf([&] { database().removeItems(pl, {}); }));
 }
 
+TEST_F(LogTest, removingOutOfOrder) {
+    const PlayListRecord pl = playListOf("abcdefg");
+    EXPECT_EQ(list({"Enter removeItems: pl=1 indices=5, 2, 1", "Remove partial from=1 to=2",
+                    "Remove partial from=5 to=5", "update seq: uid=7 old=6 new=5"}),
+              linesOf([&] {
+                  database().removeItems(pl, {5, 2, 1});
+              }));
+}
+
 TEST_F(LogTest, movingAndClearing) {
     const PlayListRecord pl = playListOf("abc");
     EXPECT_EQ(list({"Enter moveItem: pl=1 from=0 to=2"}),

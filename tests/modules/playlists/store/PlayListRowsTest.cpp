@@ -140,6 +140,16 @@ TEST_F(PlayListRowsTest, deletingTakesEntriesItemsAndMemberships) {
     expectInvariants();
 }
 
+TEST_F(PlayListRowsTest, deletingOwesAVacuumOnceCommitted) {
+    const PlayListRecord pl = playListOf("abc");
+    bool committed = false;
+    QObject::connect(&database(), &Database::vacuumNeeded, [this, &committed] {
+        committed = rawInt(QStringLiteral("SELECT COUNT(*) FROM playlists WHERE uid > 0")) == 0;
+    });
+    EXPECT_TRUE(database().deletePlayList(pl));
+    EXPECT_TRUE(committed);
+}
+
 TEST_F(PlayListRowsTest, theQueueCannotBeDeleted) {
     ASSERT_EQ(0, database().addItems(database().getPlayQueue(), OrvoPlayListAddPosition::Append,
                                      items(2), nullptr));

@@ -215,3 +215,20 @@ TEST_F(TransactionTest, aCommitThatFailsForGoodIsLogged) {
     database().commitTransaction();
     EXPECT_EQ(QStringList(QStringLiteral("ERROR Commit transaction failed")), log.lines());
 }
+
+TEST_F(TransactionTest, aCommitIsTriedAgainWhateverStoodInItsWay) {
+    const PlayListRecord pl = playListOf("abc");
+    int refusals = 1;
+    sqlite3_commit_hook(
+        StoreProbe::connection(database()),
+        [](void* left) { return (*static_cast<int*>(left))-- > 0 ? 1 : 0; }, &refusals);
+    LogCapture log(QStringLiteral("PlayLists"));
+    StatementTrace trace(database());
+    database().moveItem(pl, 0, 2);
+    // A refused commit is not a busy one, and SQLite has undone everything by the second.
+    EXPECT_EQ(2, trace.texts().count(QStringLiteral("COMMIT;")));
+    EXPECT_EQ(QStringList(QStringLiteral("Commit transaction failed")), log.errors());
+    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    sqlite3_commit_hook(StoreProbe::connection(database()), nullptr, nullptr);
+    expectInvariants();
+}

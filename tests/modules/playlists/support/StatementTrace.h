@@ -21,6 +21,8 @@ public:
     StatementTrace& operator=(const StatementTrace&) = delete;
 
     const QStringList& texts() const { return m_texts; }
+    // The same with the bound values in place of the parameters.
+    const QStringList& boundTexts() const { return m_boundTexts; }
     const QStringList& withoutForeignKeys() const { return m_withoutForeignKeys; }
 
 private:
@@ -29,5 +31,6 @@ private:
     sqlite3* m_connection;
     Hook m_hook;
     QStringList m_texts;
+    QStringList m_boundTexts;
     QStringList m_withoutForeignKeys;
 };

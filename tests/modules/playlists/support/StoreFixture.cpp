@@ -6,6 +6,8 @@
 
 #include <QDir>
 
+#include "Sqlite3Statement.h"
+
 namespace {
 
 template <typename Visit>
@@ -42,6 +44,13 @@ QStringList StoreProbe::busyTexts(Database& database) {
             texts.append(QString::fromUtf8(sqlite3_sql(s)));
     });
     return texts;
+}
+
+void StoreProbe::replaceStatement(Database& database, StatementId id, const char* sql) {
+    std::unique_ptr<Sqlite3Statement>& place = database.m_statements[static_cast<std::size_t>(id)];
+    place.reset(Sqlite3Statement::create(connection(database), QString::fromUtf8(sql),
+                                         QString::fromLatin1(statementRow(id).name)));
+    ASSERT_TRUE(place) << sql;
 }
 
 qint64 StoreProbe::takeSteps(Database& database) {

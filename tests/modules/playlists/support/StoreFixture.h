@@ -22,6 +22,9 @@ public:
     // Texts of the prepared statements, in the order in which they were prepared.
     static QStringList preparedTexts(Database& database);
     static QStringList busyTexts(Database& database);
+    // Lets `sql` run where `id` would, for results that the statement itself cannot be made to
+    // have.
+    static void replaceStatement(Database& database, StatementId id, const char* sql);
     // Steps of SQLite's virtual machine that the prepared statements have taken since the last
     // call.
     static qint64 takeSteps(Database& database);

@@ -2,18 +2,18 @@
 
 #include "../MenuNode.h"
 
-// To which collection a playlist ("plid") is added: the collections, after an entry that makes a new one.
+// To which collection a playlist ("plid") is added: the collections, after an entry that makes a
+// new one.
 class CollectionAddToClNode : public MenuNode {
     Q_OBJECT
 public:
     using MenuNode::MenuNode;
 
-    static CollectionAddToClNode* create(CMNodes* nodes, const CMPath& path, PlayListManager* manager);
+    static CollectionAddToClNode* create(CMNodes* nodes, const CMPath& path,
+                                         PlayListManager* manager);
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
-    bool setDataRequest(const CMSetDataRequest& request) override;
 
 protected:
-    // Stays open after "createCl", so that the new collection can be chosen.
-    bool closesAfter(const QString& action) const override;
+    std::span<const MenuAction> actions() const override;
 };

@@ -5,7 +5,8 @@
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 
-CollectionContextNode* CollectionContextNode::create(CMNodes* nodes, const CMPath& path, PlayListManager* manager) {
+CollectionContextNode* CollectionContextNode::create(CMNodes* nodes, const CMPath& path,
+                                                     PlayListManager* manager) {
     return createNode<CollectionContextNode>(nodes, path, manager);
 }
 
@@ -17,15 +18,17 @@ bool CollectionContextNode::getRowsRequest(const CMGetRowsRequest& request) {
         entries.append(actionRow(TrString("CollectionContextNode", "Delete collection"),
                                  entryPath(request, QStringLiteral("delete"), {{Clid(), clid}})));
     const QString name = cl ? cl->getName() : QString();
-    sendMenu(entries, TrString("CollectionContextNode", "Collection Context Menu - %1", {name}), request);
+    sendMenu(entries, TrString("CollectionContextNode", "Collection Context Menu - %1", {name}),
+             request);
     return true;
 }
 
-bool CollectionContextNode::setDataRequest(const CMSetDataRequest& request) {
-    if (request.path().param(Action()) != QLatin1String("delete"))
-        return false;
-    OrvoPlayListClId args;
-    args.setClid(toInt(request.path().param(Clid()), -1));
-    sendCommand(OrvoPlayListClDeletePath(), args, request);
-    return true;
+std::span<const MenuNode::MenuAction> CollectionContextNode::actions() const {
+    constexpr auto collection = [](const CMSetDataRequest& request) -> OrvoHash {
+        OrvoPlayListClId args;
+        args.setClid(numberParam(request, Clid()));
+        return args;
+    };
+    static constexpr MenuAction rows[] = {{"delete", OrvoPlayListClDeletePath, collection}};
+    return rows;
 }

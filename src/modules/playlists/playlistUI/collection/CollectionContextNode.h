@@ -8,8 +8,11 @@ class CollectionContextNode : public MenuNode {
 public:
     using MenuNode::MenuNode;
 
-    static CollectionContextNode* create(CMNodes* nodes, const CMPath& path, PlayListManager* manager);
+    static CollectionContextNode* create(CMNodes* nodes, const CMPath& path,
+                                         PlayListManager* manager);
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
-    bool setDataRequest(const CMSetDataRequest& request) override;
+
+protected:
+    std::span<const MenuAction> actions() const override;
 };

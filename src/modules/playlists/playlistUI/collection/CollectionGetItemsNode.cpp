@@ -6,7 +6,8 @@
 #include "../../PlayListManager.h"
 #include "OrvoPlayListPaths.h"
 
-CollectionGetItemsNode* CollectionGetItemsNode::create(CMNodes* nodes, const CMPath& path, PlayListManager* manager) {
+CollectionGetItemsNode* CollectionGetItemsNode::create(CMNodes* nodes, const CMPath& path,
+                                                       PlayListManager* manager) {
     return createNode<CollectionGetItemsNode>(nodes, path, manager);
 }
 
@@ -28,10 +29,13 @@ bool CollectionGetItemsNode::getRowsRequest(const CMGetRowsRequest& request) {
         row.setType(OrvoRolesType::Container);
         row.setContainerPlayable(true);
         row.setMediaData(playableMediaData());
-        row.setContext(contextMenu(TrString("CollectionGetItemsNode", "Playlist - %1", {pl->getName()}), menuPath));
+        row.setContext(contextMenu(
+            TrString("CollectionGetItemsNode", "Playlist - %1", {pl->getName()}), menuPath));
         rows.append(QVariant(CMGlobal::itemRolesToList(request.roleNames(), row)));
     }
-    const TrString title("CollectionGetItemsNode", "Collection - %1", {cl ? cl->getName() : QString()});
-    sendRowsReply(rows, rows.count(), title, createRolesFromPath(request.path(), request.roleNames()), request, true);
+    const TrString title("CollectionGetItemsNode", "Collection - %1",
+                         {cl ? cl->getName() : QString()});
+    sendRowsReply(rows, rows.count(), title,
+                  createRolesFromPath(request.path(), request.roleNames()), request, true);
     return true;
 }

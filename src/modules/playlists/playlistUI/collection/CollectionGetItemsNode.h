@@ -2,13 +2,15 @@
 
 #include "../BaseNode.h"
 
-// The playlists of one collection. One node serves all collections: the path parameter "clid" tells which.
+// The playlists of one collection. One node serves all collections: the path parameter "clid" tells
+// which.
 class CollectionGetItemsNode : public BaseNode {
     Q_OBJECT
 public:
     using BaseNode::BaseNode;
 
-    static CollectionGetItemsNode* create(CMNodes* nodes, const CMPath& path, PlayListManager* manager);
+    static CollectionGetItemsNode* create(CMNodes* nodes, const CMPath& path,
+                                          PlayListManager* manager);
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
 };

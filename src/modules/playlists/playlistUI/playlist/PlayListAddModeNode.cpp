@@ -3,7 +3,8 @@
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 
-PlayListAddModeNode* PlayListAddModeNode::create(CMNodes* nodes, const CMPath& path, PlayListManager* manager) {
+PlayListAddModeNode* PlayListAddModeNode::create(CMNodes* nodes, const CMPath& path,
+                                                 PlayListManager* manager) {
     return createNode<PlayListAddModeNode>(nodes, path, manager);
 }
 

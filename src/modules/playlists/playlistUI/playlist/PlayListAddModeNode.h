@@ -8,7 +8,8 @@ class PlayListAddModeNode : public MenuNode {
 public:
     using MenuNode::MenuNode;
 
-    static PlayListAddModeNode* create(CMNodes* nodes, const CMPath& path, PlayListManager* manager);
+    static PlayListAddModeNode* create(CMNodes* nodes, const CMPath& path,
+                                       PlayListManager* manager);
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
     // Depends on the parameters that are there, not on "action".

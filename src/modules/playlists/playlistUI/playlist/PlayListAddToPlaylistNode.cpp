@@ -3,7 +3,6 @@
 #include "../../ModuleLog.h"
 #include "../../PlayListBase.h"
 #include "../../PlayListManager.h"
-#include "CMRootWorker.h"
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 
@@ -15,7 +14,8 @@ PlayListAddToPlaylistNode* PlayListAddToPlaylistNode::create(CMNodes* nodes, con
 bool PlayListAddToPlaylistNode::getRowsRequest(const CMGetRowsRequest& request) {
     QList<OrvoRoles> entries;
     entries.append(editRow(TrString("PlayListAddToPlaylistNode", "Create new playlist"),
-                           entryPath(request, QStringLiteral("createPl"), {}), OrvoValue::fromString(QString())));
+                           entryPath(request, QStringLiteral("createPl"), {}),
+                           OrvoValue::fromString(QString())));
     entries.append(separatorRow());
     // The source is offered too: adding a playlist to itself doubles it, which some want.
     const QList<PlayListBase*> playLists = manager()->getAllPlayList();
@@ -23,7 +23,8 @@ bool PlayListAddToPlaylistNode::getRowsRequest(const CMGetRowsRequest& request) 
         LOG4CPLUS_DEBUG(moduleLog(), "plid:" << pl->getUid() << " plname:" << pl->getName());
         CMPath target = OrvoPlayListPlSelectAddModePath();
         target.setParams(request.path().params());
-        OrvoRoles entry = menuRow(TrString(pl->getName()), target.addParam(Plid(), toStr(pl->getUid())));
+        OrvoRoles entry =
+            menuRow(TrString(pl->getName()), target.addParam(Plid(), toStr(pl->getUid())));
         entry.setContainerPlayable(true);
         entries.append(entry);
     }
@@ -31,11 +32,14 @@ bool PlayListAddToPlaylistNode::getRowsRequest(const CMGetRowsRequest& request) 
     return true;
 }
 
-bool PlayListAddToPlaylistNode::setDataRequest(const CMSetDataRequest& request) {
-    if (request.path().param(Action()) != QLatin1String("createPl"))
-        return false;
-    OrvoPlayListPlCreate args;
-    args.setName(stringValue(request));
-    CMRoot()->invoke(OrvoPlayListPlCreatePath(), args.toVariant(), request.reply());
-    return true;
+std::span<const MenuNode::MenuAction> PlayListAddToPlaylistNode::actions() const {
+    constexpr auto name = [](const CMSetDataRequest& request) -> OrvoHash {
+        OrvoPlayListPlCreate args;
+        args.setName(stringValue(request));
+        return args;
+    };
+    // The menu stays so that the new playlist can be chosen.
+    static constexpr MenuAction rows[] = {
+        {"createPl", OrvoPlayListPlCreatePath, name, Menu::StaysOpen}};
+    return rows;
 }

@@ -6,12 +6,9 @@
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 
-PlayListContextNode* PlayListContextNode::create(CMNodes* nodes, const CMPath& path, PlayListManager* manager) {
+PlayListContextNode* PlayListContextNode::create(CMNodes* nodes, const CMPath& path,
+                                                 PlayListManager* manager) {
     return createNode<PlayListContextNode>(nodes, path, manager);
-}
-
-bool PlayListContextNode::closesAfter(const QString& action) const {
-    return action != QLatin1String("shuffle") && action != QLatin1String("repeat") && action != QLatin1String("rename");
 }
 
 bool PlayListContextNode::getRowsRequest(const CMGetRowsRequest& request) {
@@ -24,21 +21,30 @@ bool PlayListContextNode::getRowsRequest(const CMGetRowsRequest& request) {
     QList<OrvoRoles> entries;
     if (pl) {
         const auto entry = [this, &request, &plid](const char* action, const Params& params = {}) {
-            return pathWith(entryPath(request, QString::fromLatin1(action), {{Plid(), plid}}), params);
+            return pathWith(entryPath(request, QString::fromLatin1(action), {{Plid(), plid}}),
+                            params);
         };
-        const auto opposite = [](bool on) { return on ? QStringLiteral("0") : QStringLiteral("1"); };
+        const auto opposite = [](bool on) {
+            return on ? QStringLiteral("0") : QStringLiteral("1");
+        };
         entries.append(actionRow(tr("Play"), entry("play")));
-        entries.append(editRow(tr("Rename"), entry("rename"), OrvoValue::fromString(pl->getName())));
-        entries.append(editRow(tr("Set shuffle mode"), entry("shuffle", {{Mode(), opposite(pl->getShuffle())}}),
+        entries.append(
+            editRow(tr("Rename"), entry("rename"), OrvoValue::fromString(pl->getName())));
+        entries.append(editRow(tr("Set shuffle mode"),
+                               entry("shuffle", {{Mode(), opposite(pl->getShuffle())}}),
                                OrvoValue::fromBool(pl->getShuffle())));
-        entries.append(editRow(tr("Set repeat mode"), entry("repeat", {{Mode(), opposite(pl->getRepeatAll())}}),
+        entries.append(editRow(tr("Set repeat mode"),
+                               entry("repeat", {{Mode(), opposite(pl->getRepeatAll())}}),
                                OrvoValue::fromBool(pl->getRepeatAll())));
-        entries.append(menuRow(tr("Merge with playlist"), pathWith(OrvoPlayListPlAddToPlaylistPath(),
-                                                                   {{Action(), CmNode()}, {FromPlid(), plid}})));
+        entries.append(menuRow(tr("Merge with playlist"),
+                               pathWith(OrvoPlayListPlAddToPlaylistPath(),
+                                        {{Action(), CmNode()}, {FromPlid(), plid}})));
         if (areCollectionsVisible()) {
-            entries.append(menuRow(tr("Add to collection"), pathWith(OrvoPlayListClAddtoCollectionPath(),
-                                                                     {{Action(), CmNode()}, {Plid(), plid}})));
-            const CollectionBase* cl = clid.isEmpty() ? nullptr : manager()->getCollectionByUid(toInt(clid, -1));
+            entries.append(
+                menuRow(tr("Add to collection"), pathWith(OrvoPlayListClAddtoCollectionPath(),
+                                                          {{Action(), CmNode()}, {Plid(), plid}})));
+            const CollectionBase* cl =
+                clid.isEmpty() ? nullptr : manager()->getCollectionByUid(toInt(clid, -1));
             if (cl)
                 entries.append(actionRow(tr("Remove from collection - %1", {cl->getName()}),
                                          entry("delFromCl", {{Clid(), clid}})));
@@ -54,61 +60,54 @@ bool PlayListContextNode::getRowsRequest(const CMGetRowsRequest& request) {
 
 namespace {
 
-// The mode that the entry carries, else the switch's value.
-bool wantedMode(const CMSetDataRequest& request, const QString& modeParam) {
+// The mode that the entry carries, else the switch's value. Which numbers are modes is for the
+// command to say.
+int wantedMode(const CMSetDataRequest& request, const QString& modeParam) {
     const QMap<QString, QString>& params = request.path().params();
     if (params.contains(modeParam))
-        return params.value(modeParam).toInt() != 0;
-    return OrvoValue(request.value().toHash()).bool_();
+        return params.value(modeParam).toInt();
+    return OrvoValue(request.value().toHash()).bool_() ? 1 : 0;
 }
 
 } // namespace
 
-bool PlayListContextNode::setDataRequest(const CMSetDataRequest& request) {
-    const QString action = request.path().param(Action());
-    const int plid = toInt(request.path().param(Plid()), -1);
-    if (action == QLatin1String("rename")) {
+std::span<const MenuNode::MenuAction> PlayListContextNode::actions() const {
+    constexpr auto newName = [](const CMSetDataRequest& request) -> OrvoHash {
         OrvoPlayListPlSetName args;
-        args.setPlid(plid);
+        args.setPlid(numberParam(request, Plid()));
         args.setName(stringValue(request));
-        sendCommand(OrvoPlayListPlSetNamePath(), args, request);
-        return true;
-    }
-    if (action == QLatin1String("shuffle")) {
-        OrvoPlayListPlSetShuffle args;
-        args.setPlid(plid);
-        args.setMode(wantedMode(request, Mode()) ? OrvoPlayListPlShuffleMode::On : OrvoPlayListPlShuffleMode::Off);
-        sendCommand(OrvoPlayListPlSetShufflePath(), args, request);
-        return true;
-    }
-    if (action == QLatin1String("repeat")) {
-        // The entry switches repeat-all, which is the one mode that a playlist keeps.
-        OrvoPlayListPlSetRepeat args;
-        args.setPlid(plid);
-        args.setMode(wantedMode(request, Mode()) ? OrvoPlayListPlRepeatMode::All : OrvoPlayListPlRepeatMode::Off);
-        sendCommand(OrvoPlayListPlSetRepeatPath(), args, request);
-        return true;
-    }
-    if (action == QLatin1String("delFromCl")) {
-        OrvoPlayListClAddRemoveItem args;
-        args.setPlid(plid);
-        args.setClid(toInt(request.path().param(Clid()), -1));
-        sendCommand(OrvoPlayListClRemoveItemPath(), args, request);
-        return true;
-    }
-    struct PlainAction {
-        const char* action;
-        CMPath (*command)();
+        return args;
     };
-    static constexpr PlainAction plainActions[] = {
-        {"play", OrvoPlayListPlPlayPath}, {"clearPl", OrvoPlayListPlClearPath}, {"delPL", OrvoPlayListPlDeletePath}};
-    for (const PlainAction& plain : plainActions) {
-        if (action == QLatin1String(plain.action)) {
-            OrvoPlayListPlId args;
-            args.setPlid(plid);
-            sendCommand(plain.command(), args, request);
-            return true;
-        }
-    }
-    return false;
+    constexpr auto shuffleMode = [](const CMSetDataRequest& request) -> OrvoHash {
+        OrvoPlayListPlSetShuffle args;
+        args.setPlid(numberParam(request, Plid()));
+        args.setMode(OrvoPlayListPlShuffleMode::Enum(wantedMode(request, Mode())));
+        return args;
+    };
+    constexpr auto repeatMode = [](const CMSetDataRequest& request) -> OrvoHash {
+        // "On" is repeat-all here, the one mode that a playlist keeps.
+        const int mode = wantedMode(request, Mode());
+        OrvoPlayListPlSetRepeat args;
+        args.setPlid(numberParam(request, Plid()));
+        args.setMode(mode == 1 ? OrvoPlayListPlRepeatMode::All
+                               : OrvoPlayListPlRepeatMode::Enum(mode));
+        return args;
+    };
+    constexpr auto membership = [](const CMSetDataRequest& request) -> OrvoHash {
+        OrvoPlayListClAddRemoveItem args;
+        args.setPlid(numberParam(request, Plid()));
+        args.setClid(numberParam(request, Clid()));
+        return args;
+    };
+    // The menu stays where its entry shows the new value.
+    static constexpr MenuAction rows[] = {
+        {"play", OrvoPlayListPlPlayPath, playListOnly},
+        {"rename", OrvoPlayListPlSetNamePath, newName, Menu::StaysOpen},
+        {"shuffle", OrvoPlayListPlSetShufflePath, shuffleMode, Menu::StaysOpen},
+        {"repeat", OrvoPlayListPlSetRepeatPath, repeatMode, Menu::StaysOpen},
+        {"delFromCl", OrvoPlayListClRemoveItemPath, membership},
+        {"clearPl", OrvoPlayListPlClearPath, playListOnly},
+        {"delPL", OrvoPlayListPlDeletePath, playListOnly},
+    };
+    return rows;
 }

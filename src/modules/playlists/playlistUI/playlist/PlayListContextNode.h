@@ -8,12 +8,11 @@ class PlayListContextNode : public MenuNode {
 public:
     using MenuNode::MenuNode;
 
-    static PlayListContextNode* create(CMNodes* nodes, const CMPath& path, PlayListManager* manager);
+    static PlayListContextNode* create(CMNodes* nodes, const CMPath& path,
+                                       PlayListManager* manager);
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
-    bool setDataRequest(const CMSetDataRequest& request) override;
 
 protected:
-    // Stays open where the entry shows the new value.
-    bool closesAfter(const QString& action) const override;
+    std::span<const MenuAction> actions() const override;
 };

@@ -8,7 +8,8 @@ class PlayListGetItemsNode : public TrackListNode {
 public:
     using TrackListNode::TrackListNode;
 
-    static PlayListGetItemsNode* create(CMNodes* nodes, const CMPath& path, PlayListManager* manager);
+    static PlayListGetItemsNode* create(CMNodes* nodes, const CMPath& path,
+                                        PlayListManager* manager);
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
 };

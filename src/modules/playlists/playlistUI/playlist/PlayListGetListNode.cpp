@@ -6,7 +6,8 @@
 #include "OrvoPlayListPaths.h"
 #include "PlayListGetItemsNode.h"
 
-PlayListGetListNode* PlayListGetListNode::create(CMNodes* nodes, const CMPath& path, PlayListManager* manager) {
+PlayListGetListNode* PlayListGetListNode::create(CMNodes* nodes, const CMPath& path,
+                                                 PlayListManager* manager) {
     return createNode<PlayListGetListNode>(nodes, path, manager);
 }
 
@@ -16,8 +17,8 @@ bool PlayListGetListNode::getRowsRequest(const CMGetRowsRequest& request) {
     CMPath createPath = OrvoPlayListsRootPath();
     createPath.setParams(request.path().params());
     rows.append(QVariant(CMGlobal::itemRolesToList(
-        request.roleNames(), textEntryRow(TrString("PlayListGetListNode", "Create new playlist"), createPath,
-                                          QStringLiteral("createPl")))));
+        request.roleNames(), textEntryRow(TrString("PlayListGetListNode", "Create new playlist"),
+                                          createPath, QStringLiteral("createPl")))));
     const QList<PlayListBase*> playLists = manager()->getAllPlayList();
     for (const PlayListBase* pl : playLists) {
         LOG4CPLUS_DEBUG(moduleLog(), "plid:" << pl->getUid() << " plname:" << pl->getName());
@@ -27,11 +28,13 @@ bool PlayListGetListNode::getRowsRequest(const CMGetRowsRequest& request) {
         row.setPath(OrvoPlayListPlGetItemsPath() + toStr(pl->getUid()));
         row.setType(OrvoRolesType::Container);
         row.setMediaData(playableMediaData());
-        row.setContext(contextMenu(TrString("PlayListGetListNode", "Playlist Context Menu - %1", {pl->getName()}),
-                                   OrvoPlayListPlContextPath().addParam(Plid(), toStr(pl->getUid()))));
+        row.setContext(contextMenu(
+            TrString("PlayListGetListNode", "Playlist Context Menu - %1", {pl->getName()}),
+            OrvoPlayListPlContextPath().addParam(Plid(), toStr(pl->getUid()))));
         rows.append(QVariant(CMGlobal::itemRolesToList(request.roleNames(), row)));
     }
-    sendRowsReply(rows, rows.count(), TrString("PlayListGetListNode", "Playlists"), OrvoRoles(), request, true);
+    sendRowsReply(rows, rows.count(), TrString("PlayListGetListNode", "Playlists"), OrvoRoles(),
+                  request, true);
     return true;
 }
 

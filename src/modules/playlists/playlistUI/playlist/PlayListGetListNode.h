@@ -12,7 +12,8 @@ class PlayListGetListNode : public BaseNode {
 public:
     using BaseNode::BaseNode;
 
-    static PlayListGetListNode* create(CMNodes* nodes, const CMPath& path, PlayListManager* manager);
+    static PlayListGetListNode* create(CMNodes* nodes, const CMPath& path,
+                                       PlayListManager* manager);
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
 
@@ -23,7 +24,9 @@ public:
     void createPlaylistNodes();
     void debugPlaylistNodes() const;
     // Null when the playlist has no node.
-    PlayListGetItemsNode* playlistNode(int plid) const { return m_itemsNodeMap.value(plid, nullptr); }
+    PlayListGetItemsNode* playlistNode(int plid) const {
+        return m_itemsNodeMap.value(plid, nullptr);
+    }
 
 private:
     QHash<int, PlayListGetItemsNode*> m_itemsNodeMap;

@@ -25,55 +25,59 @@ bool PlayListTrackContextNode::getRowsRequest(const CMGetRowsRequest& request) {
         const QString itemPath = (OrvoPlayListItemPath() + toStr(item.uid())).toString();
         const QString place = toStr(item.sequenceNumber());
         if (isPlayQueueVisible() && plid != toStr(queue->getUid())) {
-            entries.append(menuRow(tr("Add to playqueue"), pathWith(OrvoPlayListPlSelectAddModePath(),
-                                                                    {{Action(), CmNode()},
-                                                                     {FromPlid(), plid},
-                                                                     {ItemId(), itemPath},
-                                                                     {Plid(), toStr(queue->getUid())}})));
+            entries.append(
+                menuRow(tr("Add to playqueue"), pathWith(OrvoPlayListPlSelectAddModePath(),
+                                                         {{Action(), CmNode()},
+                                                          {FromPlid(), plid},
+                                                          {ItemId(), itemPath},
+                                                          {Plid(), toStr(queue->getUid())}})));
         }
         // The prepare path is carried for interfaces that ask for it; nothing here reads it back.
-        entries.append(menuRow(tr("Add to playlist"),
-                               pathWith(OrvoPlayListPlAddToPlaylistPath(),
-                                        {{Action(), CmNode()},
-                                         {FromPlid(), plid},
-                                         {ItemId(), itemPath},
-                                         {PreparePath(), OrvoPlayListPlPrepareItemsPath().toString()}})));
-        entries.append(editRow(
-            tr("Move track"),
-            entryPath(request, QStringLiteral("moveTr"), {{Plid(), plid}, {QStringLiteral("from"), place}}),
-            OrvoValue::fromString(place)));
-        entries.append(actionRow(tr("Remove track"), entryPath(request, QStringLiteral("removeTr"),
-                                                               {{FromPlid(), plid}, {SeqNum(), place}})));
+        entries.append(
+            menuRow(tr("Add to playlist"),
+                    pathWith(OrvoPlayListPlAddToPlaylistPath(),
+                             {{Action(), CmNode()},
+                              {FromPlid(), plid},
+                              {ItemId(), itemPath},
+                              {PreparePath(), OrvoPlayListPlPrepareItemsPath().toString()}})));
+        entries.append(editRow(tr("Move track"),
+                               entryPath(request, QStringLiteral("moveTr"),
+                                         {{Plid(), plid}, {QStringLiteral("from"), place}}),
+                               OrvoValue::fromString(place)));
+        entries.append(
+            actionRow(tr("Remove track"), entryPath(request, QStringLiteral("removeTr"),
+                                                    {{FromPlid(), plid}, {SeqNum(), place}})));
     }
     sendMenu(entries, tr("Track Context Menu"), request);
     return true;
 }
 
 namespace {
-// A target position, entered as text or sent as a number; anything else is -1, which the command refuses.
+// A target position, entered as text or sent as a number; anything else is -1, which the command
+// refuses.
 int enteredPosition(const CMSetDataRequest& request) {
     const OrvoValue value(request.value().toHash());
     return OrvoHash::toInt(value.attribute(value.tag()), -1);
 }
 } // namespace
 
-bool PlayListTrackContextNode::setDataRequest(const CMSetDataRequest& request) {
-    const CMPath& path = request.path();
-    const QString action = path.param(Action());
-    if (action == QLatin1String("moveTr")) {
+std::span<const MenuNode::MenuAction> PlayListTrackContextNode::actions() const {
+    constexpr auto move = [](const CMSetDataRequest& request) -> OrvoHash {
         OrvoPlayListPlMoveItems args;
-        args.setPlid(toInt(path.param(Plid()), -1));
-        args.setItems({toInt(path.param(QStringLiteral("from")), -1)});
+        args.setPlid(numberParam(request, Plid()));
+        args.setItems({numberParam(request, QStringLiteral("from"))});
         args.setTo(enteredPosition(request));
-        sendCommand(OrvoPlayListPlMoveItemspath(), args, request);
-        return true;
-    }
-    if (action == QLatin1String("removeTr")) {
+        return args;
+    };
+    constexpr auto remove = [](const CMSetDataRequest& request) -> OrvoHash {
         OrvoPlayListPlRemoveItems args;
-        args.setPlid(toInt(path.param(FromPlid()), -1));
-        args.setItems({toInt(path.param(SeqNum()), -1)});
-        sendCommand(OrvoPlayListPlRemoveItemsPath(), args, request);
-        return true;
-    }
-    return false;
+        args.setPlid(numberParam(request, FromPlid()));
+        args.setItems({numberParam(request, SeqNum())});
+        return args;
+    };
+    static constexpr MenuAction rows[] = {
+        {"moveTr", OrvoPlayListPlMoveItemspath, move},
+        {"removeTr", OrvoPlayListPlRemoveItemsPath, remove},
+    };
+    return rows;
 }

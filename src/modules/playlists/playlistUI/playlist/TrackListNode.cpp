@@ -2,7 +2,8 @@
 
 #include "../../PlayListBase.h"
 
-void TrackListNode::sendTracks(PlayListBase* pl, const TrString& title, const CMGetRowsRequest& request) {
+void TrackListNode::sendTracks(PlayListBase* pl, const TrString& title,
+                               const CMGetRowsRequest& request) {
     int total = 0;
     QVariantList rows;
     if (pl) {
@@ -14,5 +15,6 @@ void TrackListNode::sendTracks(PlayListBase* pl, const TrString& title, const CM
             rows.append(QVariant(CMGlobal::itemRolesToList(request.roleNames(), roles)));
         }
     }
-    sendRowsReply(rows, total, title, createRolesFromPath(path(), request.roleNames()), request, false);
+    sendRowsReply(rows, total, title, createRolesFromPath(path(), request.roleNames()), request,
+                  false);
 }

@@ -4,7 +4,8 @@
 
 class PlayListBase;
 
-// What the nodes that list tracks share: the requested range is read from the playlist and nothing else.
+// What the nodes that list tracks share: the requested range is read from the playlist and nothing
+// else.
 class TrackListNode : public BaseNode {
     Q_OBJECT
 public:

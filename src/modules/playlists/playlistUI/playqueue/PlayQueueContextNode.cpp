@@ -5,7 +5,8 @@
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 
-PlayQueueContextNode* PlayQueueContextNode::create(CMNodes* nodes, const CMPath& path, PlayListManager* manager) {
+PlayQueueContextNode* PlayQueueContextNode::create(CMNodes* nodes, const CMPath& path,
+                                                   PlayListManager* manager) {
     return createNode<PlayQueueContextNode>(nodes, path, manager);
 }
 
@@ -14,8 +15,8 @@ bool PlayQueueContextNode::getRowsRequest(const CMGetRowsRequest& request) {
     const auto tr = [](const char* text) { return TrString("PlayQueueContextNode", text); };
     const QList<OrvoRoles> entries = {
         actionRow(tr("Play"), entryPath(request, QStringLiteral("playPl"), {{Plid(), plid}})),
-        menuRow(tr("Merge with playlist"),
-                pathWith(OrvoPlayListPlAddToPlaylistPath(), {{Action(), CmNode()}, {FromPlid(), plid}})),
+        menuRow(tr("Merge with playlist"), pathWith(OrvoPlayListPlAddToPlaylistPath(),
+                                                    {{Action(), CmNode()}, {FromPlid(), plid}})),
         separatorRow(),
         actionRow(tr("Clear"), entryPath(request, QStringLiteral("clearPl"), {{Plid(), plid}})),
     };
@@ -23,15 +24,10 @@ bool PlayQueueContextNode::getRowsRequest(const CMGetRowsRequest& request) {
     return true;
 }
 
-bool PlayQueueContextNode::setDataRequest(const CMSetDataRequest& request) {
-    const QString action = request.path().param(Action());
-    OrvoPlayListPlId args;
-    args.setPlid(toInt(request.path().param(Plid()), -1));
-    if (action == QLatin1String("playPl"))
-        sendCommand(OrvoPlayListPlPlayPath(), args, request);
-    else if (action == QLatin1String("clearPl"))
-        sendCommand(OrvoPlayListPlClearPath(), args, request);
-    else
-        return false;
-    return true;
+std::span<const MenuNode::MenuAction> PlayQueueContextNode::actions() const {
+    static constexpr MenuAction rows[] = {
+        {"playPl", OrvoPlayListPlPlayPath, playListOnly},
+        {"clearPl", OrvoPlayListPlClearPath, playListOnly},
+    };
+    return rows;
 }

@@ -8,7 +8,8 @@ class PlayQueueGetItemsNode : public TrackListNode {
 public:
     using TrackListNode::TrackListNode;
 
-    static PlayQueueGetItemsNode* create(CMNodes* nodes, const CMPath& path, PlayListManager* manager);
+    static PlayQueueGetItemsNode* create(CMNodes* nodes, const CMPath& path,
+                                         PlayListManager* manager);
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
 };

@@ -1,0 +1,64 @@
+#include "EventReader.h"
+
+#include <memory>
+
+#include <QEventLoop>
+#include <QNetworkReply>
+#include <QTimer>
+
+#include "ApiClient.h"
+#include "CtlFailure.h"
+#include "Output.h"
+
+namespace {
+// The device shows every 15 s that it is there.
+constexpr int SilenceMs = 45000;
+constexpr int RetryMs = 1000;
+constexpr int Ok = 200;
+} // namespace
+
+// Reads one connection to its end. False when there never was one.
+bool EventReader::readConnection(const Handler& handler) {
+    QVector<QPair<QString, QString>> query;
+    for (const QString& path : m_watched)
+        query.append({QStringLiteral("watch"), path});
+    QNetworkRequest request =
+        m_client->request(QStringLiteral("/api/events"), ApiClient::query(query));
+    request.setRawHeader("Accept", "text/event-stream");
+    request.setTransferTimeout(SilenceMs);
+    if (!m_parser.lastId().isEmpty())
+        request.setRawHeader("Last-Event-ID", m_parser.lastId());
+    m_parser.restart();
+    const std::unique_ptr<QNetworkReply> reply(m_client->manager().get(request));
+    QEventLoop loop;
+    QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, [&] {
+        for (const DeviceEvent& event : m_parser.feed(reply->readAll())) {
+            m_ended = m_ended || !handler(event);
+            if (m_ended) {
+                loop.quit();
+                return;
+            }
+        }
+    });
+    loop.exec();
+    m_reason = reply->errorString();
+    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    reply->abort();
+    return status == Ok;
+}
+
+void EventReader::read(const Handler& handler) {
+    bool connected = readConnection(handler);
+    if (!connected)
+        throw CtlFailure::refused(
+            QStringLiteral("no events from %1: %2").arg(m_client->url().toString(), m_reason));
+    while (!m_ended) {
+        if (connected)
+            Output::message(QStringLiteral("the connection is lost, trying again"));
+        QEventLoop pause;
+        QTimer::singleShot(RetryMs, &pause, &QEventLoop::quit);
+        pause.exec();
+        connected = readConnection(handler);
+    }
+}

@@ -1,0 +1,128 @@
+#include <QJsonDocument>
+
+#include "ClockText.h"
+#include "CtlFailure.h"
+#include "EventReader.h"
+#include "PlayerStatus.h"
+#include "Positions.h"
+#include "Verbs.h"
+
+namespace {
+
+constexpr int PlayContainer = 1; // the type of a play request for a list
+
+// A player's command without arguments.
+void send(VerbContext& context, const char* function, const char* done) {
+    context.run(QString::fromLatin1(function), {}, QString::fromLatin1(done));
+}
+
+void playFrom(VerbContext& context, const Named& playlist, int index) {
+    const QString path = context.names.itemsPath(playlist);
+    const DeviceRows rows = context.device.rows(
+        path,
+        {QStringLiteral("title"), QStringLiteral("type"), QStringLiteral("path"),
+         QStringLiteral("id"), QStringLiteral("value"), QStringLiteral("mediaData")},
+        index, index);
+    if (rows.rows.isEmpty())
+        throw CtlFailure::refused(
+            QStringLiteral("there is no track %1 in %2").arg(index + 1).arg(playlist.label()));
+    const QJsonObject container = {
+        {QStringLiteral("path"), path},
+        {QStringLiteral("type"), 1},
+        {QStringLiteral("containerPlayable"), true},
+        {QStringLiteral("mediaData"), rows.roles.value(QStringLiteral("mediaData"))}};
+    context.run(QStringLiteral("OrvoPlayerPlayContainerPath"),
+                {{QStringLiteral("mediaRoles"), container},
+                 {QStringLiteral("trackRoles"), rows.rows.first()},
+                 {QStringLiteral("index"), index},
+                 {QStringLiteral("type"), PlayContainer}},
+                QStringLiteral("playing %1 from track %2").arg(playlist.label()).arg(index + 1));
+}
+
+} // namespace
+
+void PlayerVerbs::play(VerbContext& context) {
+    const bool hasPosition = context.arguments.positional().size() > 1;
+    const int index = hasPosition ? Positions::parseOne(context.arguments.at(1)) : 0;
+    const Named playlist = context.playlist();
+    if (hasPosition)
+        playFrom(context, playlist, index);
+    else
+        context.run(QStringLiteral("OrvoPlayListPlPlayPath"),
+                    {{QStringLiteral("plid"), playlist.id}},
+                    QStringLiteral("playing %1").arg(playlist.label()));
+}
+
+void PlayerVerbs::pause(VerbContext& context) {
+    send(context, "OrvoPlayerPausePath", "paused");
+}
+
+void PlayerVerbs::resume(VerbContext& context) {
+    send(context, "OrvoPlayerResumePath", "going on");
+}
+
+void PlayerVerbs::stop(VerbContext& context) {
+    send(context, "OrvoPlayerStopPath", "stopped");
+}
+
+void PlayerVerbs::next(VerbContext& context) {
+    send(context, "OrvoPlayerNextPath", "next track");
+}
+
+void PlayerVerbs::previous(VerbContext& context) {
+    send(context, "OrvoPlayerPreviousPath", "track before");
+}
+
+void PlayerVerbs::seek(VerbContext& context) {
+    const QString text = context.arguments.at(0);
+    const std::optional<int> time = ClockText::toMilliseconds(text);
+    if (!time)
+        throw CtlFailure::usage(
+            QStringLiteral("a time is 95, 1:35 or 0:01:35, not \"%1\"").arg(text));
+    context.run(QStringLiteral("OrvoPlayerSeekTimePath"), {{QStringLiteral("time"), *time}},
+                QStringLiteral("at %1").arg(ClockText::ofTime(*time)));
+}
+
+void PlayerVerbs::mode(VerbContext& context) {
+    if (context.arguments.positional().isEmpty()) {
+        context.output.line(PlayerStatus::read(context.device).mode);
+        return;
+    }
+    const QString mode = context.arguments.at(0);
+    context.run(QStringLiteral("OrvoPlayerSetPlayModePath"), {{QStringLiteral("playMode"), mode}},
+                QStringLiteral("play mode: %1").arg(mode));
+}
+
+void PlayerVerbs::volume(VerbContext& context) {
+    if (context.arguments.positional().isEmpty()) {
+        context.output.line(QString::number(PlayerStatus::read(context.device).volume));
+        return;
+    }
+    const int volume =
+        Arguments::toNumber(context.arguments.at(0), 0, QStringLiteral("the volume"));
+    context.run(QStringLiteral("OrvoPlayerSetVolumePath"), {{QStringLiteral("volume"), volume}},
+                QStringLiteral("volume: %1").arg(volume));
+}
+
+void PlayerVerbs::status(VerbContext& context) {
+    const auto show = [&context] {
+        const PlayerStatus status = PlayerStatus::read(context.device);
+        if (context.output.isJson())
+            context.output.json(status.json());
+        else
+            context.output.text(status.text());
+    };
+    show();
+    if (!context.arguments.has(QStringLiteral("follow")))
+        return;
+    QStringList paths;
+    for (const QString& function : PlayerStatus::valueFunctions())
+        paths.append(context.device.path(function));
+    EventReader(&context.device.client(), paths).read([&](const DeviceEvent& event) {
+        const QString path =
+            QJsonDocument::fromJson(event.data).object().value(QStringLiteral("path")).toString();
+        if (event.type == "resync" || paths.contains(path))
+            show();
+        return true;
+    });
+}

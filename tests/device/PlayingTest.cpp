@@ -1,0 +1,178 @@
+#include <random>
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QtEndian>
+#include <QThread>
+
+#include "Device.h"
+
+namespace {
+
+constexpr int HeaderBytes = 44;
+
+// Noise that differs from one seed to the next, as 16-bit stereo at 44.1 kHz.
+QByteArray noise(unsigned seed, int frames) {
+    std::minstd_rand engine(seed);
+    QByteArray pcm(frames * 4, Qt::Uninitialized);
+    for (char& byte : pcm)
+        byte = char(engine() >> 8);
+    return pcm;
+}
+
+void writeWav(const QString& file, const QByteArray& pcm) {
+    const auto u32 = [](quint32 number) {
+        QByteArray bytes(4, 0);
+        qToLittleEndian(number, bytes.data());
+        return bytes;
+    };
+    const auto u16 = [](quint16 number) {
+        QByteArray bytes(2, 0);
+        qToLittleEndian(number, bytes.data());
+        return bytes;
+    };
+    QFile out(file);
+    ASSERT_TRUE(out.open(QIODevice::WriteOnly)) << qPrintable(file);
+    out.write("RIFF" + u32(36 + pcm.size()) + "WAVEfmt " + u32(16) + u16(1) + u16(2) + u32(44100) +
+              u32(44100 * 4) + u16(4) + u16(16) + "data" + u32(pcm.size()) + pcm);
+}
+
+// What sounded, out of the recording.
+QByteArray recorded(const QString& file) {
+    QFile in(file);
+    if (!in.open(QIODevice::ReadOnly))
+        return {};
+    return in.readAll().mid(HeaderBytes);
+}
+
+// The whole device with a recording in place of the speakers.
+class Playing : public ::testing::Test {
+protected:
+    Playing()
+        : recording(m_folder.filePath("sound.wav")), device({"--audio-sink", "wav=" + recording}) {}
+
+    // An album of noise; lengths that no block size divides.
+    void writeAlbum(const QString& suffix) {
+        const QString folder = device.musicFolder() + "/Noise";
+        QDir().mkpath(folder);
+        for (int i = 0; i < 3; ++i) {
+            tracks.append(noise(unsigned(i + 1), 3 * 44100 + 1237 * (i + 1)));
+            const QString wav = QStringLiteral("%1/%2.wav").arg(folder).arg(i + 1);
+            writeWav(wav, tracks.last());
+            if (suffix != "wav") {
+                ASSERT_EQ(QProcess::execute(
+                              "sox",
+                              {wav, QStringLiteral("%1/%2.%3").arg(folder).arg(i + 1).arg(suffix)}),
+                          0);
+                QFile::remove(wav);
+            }
+        }
+    }
+    void makeParty(const QString& folder) {
+        ASSERT_TRUE(device.start());
+        device.waitForScan();
+        ASSERT_EQ(device.ctl({"create", "Party"}).status, 0);
+        ASSERT_EQ(device.ctl({"add", "Party", device.musicFolder() + "/" + folder}).status, 0);
+    }
+    void playToTheEnd() {
+        const Device::Ctl played = device.ctl({"play", "Party"});
+        ASSERT_EQ(played.status, 0) << qPrintable(played.err);
+        // A recording is faster than a look at the state: that something sounded shows in the file.
+        for (int i = 0; i < 600 && QFile(recording).size() <= HeaderBytes; ++i)
+            QThread::msleep(10);
+        ASSERT_TRUE(device.waitForValue("player:state", "stopped"));
+    }
+
+    QTemporaryDir m_folder;
+    QString recording;
+    QList<QByteArray> tracks;
+    Device device;
+};
+
+} // namespace
+
+TEST_F(Playing, threeFilesOfAnAlbumSoundEndToEndToTheSample) {
+    writeAlbum("wav");
+    makeParty("Noise");
+    playToTheEnd();
+    EXPECT_TRUE(recorded(recording) == tracks[0] + tracks[1] + tracks[2]);
+}
+
+TEST_F(Playing, threeFlacFilesToo) {
+    writeAlbum("flac");
+    makeParty("Noise");
+    playToTheEnd();
+    EXPECT_TRUE(recorded(recording) == tracks[0] + tracks[1] + tracks[2]);
+}
+
+TEST_F(Playing, aShuffledAlbumSoundsEndToEndInTheOrderThatIsTold) {
+    writeAlbum("flac");
+    makeParty("Noise");
+    ASSERT_EQ(device.ctl({"shuffle", "Party", "on"}).status, 0);
+    // Whoever watches sees each track as it starts.
+    QProcess watcher;
+    watcher.start(QStringLiteral(ORVOCTL), {"--url", device.url(), "--json", "watch"});
+    ASSERT_TRUE(watcher.waitForStarted());
+    ASSERT_EQ(device.ctl({"volume", "100"}).status, 0);
+    QThread::msleep(500); // the watcher is connected
+    playToTheEnd();
+    watcher.waitForReadyRead(1000);
+    watcher.kill();
+    watcher.waitForFinished();
+
+    QList<int> order;
+    for (const QByteArray& line : watcher.readAllStandardOutput().split('\n')) {
+        const QJsonObject data = QJsonDocument::fromJson(line).object().value("data").toObject();
+        const QJsonObject track = data.value("value").toObject().value("trackRoles").toObject();
+        if (data.value("path").toString() != "player:data" || track.isEmpty())
+            continue;
+        const int number = track.value("value").toObject().value("i32").toInt(-1);
+        if (order.isEmpty() || order.last() != number)
+            order.append(number);
+    }
+    ASSERT_EQ(order.size(), 3);
+    EXPECT_EQ(order.first(), 0) << "the track that was started is the first of the order";
+    QByteArray expected;
+    for (int number : order)
+        expected += tracks.value(number);
+    EXPECT_TRUE(recorded(recording) == expected);
+}
+
+TEST_F(Playing, fiveBrokenFilesArePassedOverAndTheSixthEndsPlayback) {
+    const QString folder = device.musicFolder() + "/Broken";
+    QDir().mkpath(folder);
+    for (int i = 1; i <= 6; ++i) {
+        QFile file(QStringLiteral("%1/%2.wav").arg(folder).arg(i));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("this is no sound at all");
+    }
+    writeWav(folder + "/7.wav", noise(7, 4410));
+    makeParty("Broken");
+    ASSERT_EQ(device.ctl({"play", "Party"}).status, 0);
+    for (int i = 0; i < 100 && !device.log().contains("Reached maximum error count exiting"); ++i)
+        QThread::msleep(50);
+    EXPECT_EQ(device.log().count("Reached maximum error count exiting"), 1);
+    ASSERT_TRUE(device.waitForValue("player:state", "stopped"));
+    EXPECT_EQ(recorded(recording), QByteArray()) << "the good file behind them is not reached";
+    EXPECT_EQ(device.query("SELECT lastPlayedIndex FROM playlists WHERE uid = 1"),
+              QStringList{"5"});
+}
+
+TEST_F(Playing, threeBrokenFilesDoNotKeepAGoodOneFromPlaying) {
+    const QString folder = device.musicFolder() + "/Mixed";
+    QDir().mkpath(folder);
+    for (int i = 1; i <= 3; ++i) {
+        QFile file(QStringLiteral("%1/%2.wav").arg(folder).arg(i));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("this is no sound at all");
+    }
+    const QByteArray good = noise(4, 44100);
+    writeWav(folder + "/4.wav", good);
+    makeParty("Mixed");
+    ASSERT_EQ(device.ctl({"play", "Party"}).status, 0);
+    for (int i = 0; i < 100 && recorded(recording).size() < good.size(); ++i)
+        QThread::msleep(50);
+    ASSERT_TRUE(device.waitForValue("player:state", "stopped"));
+    EXPECT_TRUE(recorded(recording) == good);
+}

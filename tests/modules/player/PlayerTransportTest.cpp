@@ -1,0 +1,347 @@
+#include "PlayerFixture.h"
+
+namespace {
+
+class PlayerTransportTest : public PlayerFixture {
+protected:
+    void playSilentlyInRealTime() { startPlayer(QStringLiteral("auto")); }
+};
+
+class PlayerRecordingTest : public PlayerFixture {
+protected:
+    PlayerRecordingTest() { startPlayer("wav=" + files.fileName("out.wav")); }
+    Pcm recorded() {
+        player.reset();
+        return SoundFiles::readWav(files.fileName("out.wav")).samples();
+    }
+};
+
+TEST_F(PlayerTransportTest, aListPlaysFromTheGivenIndexToItsEnd) {
+    logic.setTracks({sound("a.wav", 50), sound("b.wav", 50), sound("c.wav", 50)});
+    const auto reply = play(logic, 1);
+    ASSERT_TRUE(waitForCall(logic, "resume"));
+    ASSERT_TRUE(waitForTheEnd());
+    EXPECT_TRUE(reply.isFinished() && !reply.isError());
+    EXPECT_EQ(logic.calls, (QStringList{"play", "started:>t1", "prepare", "started:t1>t2",
+                                        "prepare", "resume"}));
+    EXPECT_FALSE(logic.data().containsTrackRoles());
+}
+
+TEST_F(PlayerRecordingTest, threeFilesOfAListComeOutEndToEndToTheSample) {
+    const Pcm a = SoundFiles::pcm(20011, 1);
+    const Pcm b = SoundFiles::pcm(30007, 2);
+    const Pcm c = SoundFiles::pcm(10009, 3);
+    logic.setTracks({files.flac("a.flac", a), files.flac("b.flac", b), files.flac("c.flac", c)});
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "resume"));
+    ASSERT_TRUE(waitForTheEnd());
+    EXPECT_TRUE(recorded() == SoundFiles::joined({a, b, c}));
+}
+
+TEST_F(PlayerTransportTest, whoeverPlaysNothingIsToldSo) {
+    for (const CMPath& path : {OrvoPlayerPausePath(), OrvoPlayerResumePath(), OrvoPlayerNextPath(),
+                               OrvoPlayerPreviousPath(), OrvoPlayerSetPlayModePath()}) {
+        const auto reply = done(path, {{"playMode", "normal"}});
+        EXPECT_TRUE(reply.isError()) << path.toString().toStdString();
+        EXPECT_EQ(reply.error().message().toString(), "Nothing is playing.");
+    }
+    EXPECT_EQ(done(OrvoPlayerSeekTimePath(), {{"time", 5}}).error().message().toString(),
+              "Nothing is playing.");
+    EXPECT_FALSE(done(OrvoPlayerStopPath()).isError()) << "stopped is what was wanted";
+}
+
+TEST_F(PlayerTransportTest, wrongArgumentsAreRefusedAndChangeNothing) {
+    logic.setTracks({sound("a.wav", 300)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForState("paused"));
+    const QList<QPair<CMPath, QVariantHash>> rows = {
+        {OrvoPlayerSeekTimePath(), {}},
+        {OrvoPlayerSeekTimePath(), {{"time", -1}}},
+        {OrvoPlayerSeekTimePath(), {{"time", "soon"}}},
+        {OrvoPlayerSetVolumePath(), {}},
+        {OrvoPlayerSetVolumePath(), {{"volume", 101}}},
+        {OrvoPlayerSetVolumePath(), {{"volume", 12.5}}},
+        {OrvoPlayerSetPlayModePath(), {}},
+        {OrvoPlayerSetPlayModePath(), {{"playMode", 6}}},
+        {OrvoPlayerSetPlayModePath(), {{"playMode", -1}}},
+        {OrvoPlayerSetPlayModePath(), {{"playMode", "sideways"}}},
+        {OrvoPlayerPlayContainerPath(), {}},
+    };
+    for (const auto& row : rows) {
+        const auto reply = done(row.first, row.second);
+        ASSERT_TRUE(reply.isError()) << row.first.toString().toStdString();
+        EXPECT_EQ(reply.error().name(), CMError::InvalidValue());
+    }
+    EXPECT_EQ(done(OrvoPlayerSetPlayModePath(), {{"playMode", "repeatOne"}}).error().name(),
+              CMError::InvalidValue())
+        << "this play logic does not offer it";
+    EXPECT_EQ(state(), "paused");
+    EXPECT_EQ(position(), 0);
+    EXPECT_EQ(logic.calls, (QStringList{"play", "started:>t0", "prepare"}));
+}
+
+TEST_F(PlayerTransportTest, aContainerWithoutAPlayLogicIsRefused) {
+    OrvoRoles nowhere = container(logic);
+    OrvoMediaData media;
+    OrvoMetaData meta;
+    meta.setPlayLogicPath(CMPath(QStringLiteral("source:nobody")));
+    media.setMetaData(meta);
+    nowhere.setMediaData(media);
+    const auto reply =
+        PlayLogicInterface::playerInstance()->playContainer(nowhere, {}, 0, 0, false);
+    ASSERT_TRUE(waitUntil([&] { return reply.isFinished(); }));
+    EXPECT_EQ(reply.error().name(), CMError::NoSuchNode());
+    EXPECT_EQ(state(), "stopped");
+}
+
+TEST_F(PlayerTransportTest, theTracksOwnPlayLogicServesWhereTheContainerNamesNone) {
+    logic.setTracks({sound("a.wav", 30)});
+    PlayLogicInterface::playerInstance()->playContainer({}, container(logic), 0, 0, false);
+    EXPECT_TRUE(waitForCall(logic, "started:>t0"));
+}
+
+TEST_F(PlayerTransportTest, pauseAndResumeStartNothingAnew) {
+    logic.setTracks({sound("a.wav", 2000)});
+    playSilentlyInRealTime();
+    play(logic);
+    ASSERT_TRUE(waitForState("playing"));
+    EXPECT_FALSE(done(OrvoPlayerPausePath()).isError());
+    EXPECT_EQ(state(), "paused");
+    const qint64 at = position();
+    waitFor(150);
+    EXPECT_NEAR(double(position()), double(at), 25.0);
+    EXPECT_FALSE(done(OrvoPlayerPausePath()).isError()) << "once more does no harm";
+    EXPECT_FALSE(done(OrvoPlayerResumePath()).isError());
+    EXPECT_EQ(state(), "playing");
+    ASSERT_TRUE(waitUntil([&] { return position() > at + 100; }));
+    EXPECT_EQ(logic.calls.filter("started").size(), 1);
+    EXPECT_EQ(logic.calls.count("prepare"), 1);
+}
+
+TEST_F(PlayerTransportTest, aPlayLogicThatForbidsPauseAndSeekIsObeyed) {
+    class Strict : public TestPlayLogic {
+    public:
+        using TestPlayLogic::TestPlayLogic;
+        OrvoPlayLogicData mediaPlaybackStarted(const OrvoRoles& a, const OrvoRoles& b) override {
+            OrvoPlayLogicData data = TestPlayLogic::mediaPlaybackStarted(a, b);
+            OrvoPlayLogicControls controls;
+            controls.setPause(false);
+            controls.setSeekTime(false);
+            data.setControls(controls);
+            return data;
+        }
+    } strict(source.nodes(), CMPath(QStringLiteral("source:strict")));
+    strict.setTracks({sound("a.wav", 1000)});
+    playSilentlyInRealTime();
+    play(strict);
+    ASSERT_TRUE(waitForState("playing"));
+    EXPECT_EQ(done(OrvoPlayerPausePath()).error().message().toString(), "This cannot be paused.");
+    EXPECT_EQ(done(OrvoPlayerSeekTimePath(), {{"time", 1}}).error().message().toString(),
+              "This cannot be sought in.");
+    EXPECT_EQ(state(), "playing");
+}
+
+TEST_F(PlayerRecordingTest, startPositionAndPauseBelongToTheFirstTrackOnly) {
+    const Pcm a = SoundFiles::pcm(44100, 1);
+    const Pcm b = SoundFiles::pcm(4410, 2);
+    logic.setTracks({files.wav("a.wav", a), files.wav("b.wav", b)});
+    play(logic, 0, 500, true);
+    ASSERT_TRUE(waitForState("paused"));
+    EXPECT_EQ(position(), 500);
+    done(OrvoPlayerResumePath());
+    ASSERT_TRUE(waitForCall(logic, "resume"));
+    ASSERT_TRUE(waitForTheEnd());
+    EXPECT_TRUE(recorded() == SoundFiles::joined({Pcm(a.begin() + 44100, a.end()), b}));
+}
+
+TEST_F(PlayerRecordingTest, seekGoesOnThereAndBeyondTheEndIsTheEnd) {
+    const Pcm a = SoundFiles::pcm(44100, 1);
+    logic.setTracks({files.wav("a.wav", a)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForState("paused"));
+    EXPECT_FALSE(done(OrvoPlayerSeekTimePath(), {{"time", 750}}).isError());
+    EXPECT_EQ(position(), 750);
+    done(OrvoPlayerResumePath());
+    ASSERT_TRUE(waitForTheEnd());
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForState("paused"));
+    EXPECT_FALSE(done(OrvoPlayerSeekTimePath(), {{"time", 99999}}).isError());
+    done(OrvoPlayerResumePath());
+    ASSERT_TRUE(waitForTheEnd());
+    EXPECT_TRUE(recorded() == Pcm(a.begin() + 44100 / 4 * 3 * 2, a.end()));
+}
+
+TEST_F(PlayerTransportTest, nextAndPreviousGoToThePlayLogicAndPlayOnAfterAPause) {
+    logic.setTracks({sound("a.wav", 2000), sound("b.wav", 2000), sound("c.wav", 2000)});
+    playSilentlyInRealTime();
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "started:>t0"));
+    done(OrvoPlayerPausePath());
+    EXPECT_FALSE(done(OrvoPlayerNextPath()).isError());
+    ASSERT_TRUE(waitForCall(logic, "started:t0>t1"));
+    EXPECT_EQ(state(), "playing");
+    EXPECT_FALSE(done(OrvoPlayerPreviousPath()).isError());
+    ASSERT_TRUE(waitForCall(logic, "started:t1>t0"));
+    done(OrvoPlayerPreviousPath());
+    waitFor(50);
+    EXPECT_EQ(logic.calls,
+              (QStringList{"play", "started:>t0", "prepare", "next", "started:t0>t1", "prepare",
+                           "previous", "started:t1>t0", "prepare", "previous"}));
+}
+
+TEST_F(PlayerTransportTest, theModeGoesToThePlayLogicAndComesBackAsAValue) {
+    logic.setTracks({sound("a.wav", 300)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForState("paused"));
+    EXPECT_FALSE(done(OrvoPlayerSetPlayModePath(), {{"playMode", "shuffle"}}).isError());
+    EXPECT_EQ(logic.lastMode, OrvoPlayerPlayMode::Shuffle);
+    EXPECT_EQ(OrvoValue(CMRoot()->getValue(OrvoPlayerPlayModePath())).string(), "shuffle");
+    EXPECT_FALSE(done(OrvoPlayerSetPlayModePath(), {{"playMode", 4}}).isError());
+    EXPECT_EQ(OrvoValue(CMRoot()->getValue(OrvoPlayerPlayModePath())).string(), "repeatAll");
+}
+
+TEST_F(PlayerTransportTest, stopReachesThePlayLogicWithItsReason) {
+    logic.setTracks({sound("a.wav", 300)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForState("paused"));
+    const auto reply = PlayLogicInterface::playerInstance()->stop(7);
+    ASSERT_TRUE(waitUntil([&] { return reply.isFinished(); }));
+    EXPECT_FALSE(reply.isError());
+    EXPECT_EQ(logic.calls.last(), "stop");
+    EXPECT_EQ(logic.lastStopReason, 7);
+    EXPECT_EQ(state(), "stopped");
+    EXPECT_TRUE(CMRoot()->getValue(OrvoPlayerDataPath()).toHash().isEmpty());
+    waitFor(20);
+    EXPECT_TRUE(done(OrvoPlayerNextPath()).isError()) << "nobody is in charge after a stop";
+}
+
+TEST_F(PlayerTransportTest, aStopRequestToThePlayLogicItselfStopsThePlayer) {
+    logic.setTracks({sound("a.wav", 300)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForState("paused"));
+    done(logic.path(), {{"request", "stop"}});
+    EXPECT_TRUE(waitForState("stopped"));
+    EXPECT_EQ(logic.calls.count("stop"), 1);
+}
+
+TEST_F(PlayerTransportTest, twoPlayLogicsTakeOverFromEachOther) {
+    logic.setTracks({sound("a.wav", 2000)});
+    other.setTracks({sound("b.wav", 2000)});
+    playSilentlyInRealTime();
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "started:>t0"));
+    play(other);
+    ASSERT_TRUE(waitForCall(other, "started:>t0"));
+    EXPECT_EQ(logic.calls, (QStringList{"play", "started:>t0", "prepare", "stop"}));
+    EXPECT_EQ(logic.lastStopReason, OrvoPlayerStopReason::TakenOver);
+    EXPECT_TRUE(logic.data().isEmpty());
+    EXPECT_EQ(CMRoot()->getValue(OrvoPlayerDataPath()).toHash(), other.data().toHash());
+    play(logic);
+    ASSERT_TRUE(waitUntil([&] { return logic.calls.count("started:>t0") == 2; }));
+    EXPECT_EQ(other.calls, (QStringList{"play", "started:>t0", "prepare", "stop"}));
+    waitFor(20);
+    EXPECT_EQ(state(), "playing");
+}
+
+TEST_F(PlayerTransportTest, aRefusedPlayRequestLeavesTheOtherPlayLogicAlone) {
+    logic.setTracks({sound("a.wav", 100), sound("b.wav", 100)});
+    StreamerPlayLogic unable(source.nodes(), CMPath(QStringLiteral("source:unable")));
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForCall(logic, "prepare"));
+    OrvoRoles roles = container(logic);
+    OrvoMetaData meta;
+    meta.setPlayLogicPath(unable.path());
+    OrvoMediaData media;
+    media.setMetaData(meta);
+    roles.setMediaData(media);
+    EXPECT_TRUE(done(OrvoPlayerPlayContainerPath(), {{"mediaRoles", roles.toHash()}}).isError());
+    done(OrvoPlayerResumePath());
+    ASSERT_TRUE(waitForCall(logic, "resume"));
+    EXPECT_TRUE(logic.calls.contains("started:t0>t1"));
+    EXPECT_FALSE(logic.calls.contains("stop"));
+}
+
+TEST_F(PlayerTransportTest, commandsOfAPlayLogicThatIsNotInChargeAreRefused) {
+    logic.setTracks({sound("a.wav", 300)});
+    other.setTracks({sound("b.wav", 300)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForState("paused"));
+    const QList<CMReply<QVariant>> replies = {
+        other.sendSetNextMediaCommand(other.tracks.first(), {}), other.sendNoNextMediaCommand(),
+        other.playbackEnded()};
+    ASSERT_TRUE(waitUntil([&] { return replies.last().isFinished(); }));
+    for (const auto& reply : replies)
+        EXPECT_TRUE(reply.isError());
+    EXPECT_EQ(state(), "paused");
+}
+
+TEST_F(PlayerTransportTest, aPlayLogicThatGoesTakesItsSoundWithIt) {
+    auto gone =
+        std::make_unique<TestPlayLogic>(source.nodes(), CMPath(QStringLiteral("source:gone")));
+    gone->setTracks({sound("a.wav", 2000)});
+    play(*gone, 0, 0, true);
+    ASSERT_TRUE(waitForState("paused"));
+    gone->sendPlayCommand(gone->tracks.first(), {});
+    gone.reset();
+    ASSERT_TRUE(waitForState("stopped"));
+    waitFor(30);
+    EXPECT_EQ(state(), "stopped");
+    EXPECT_TRUE(done(OrvoPlayerNextPath()).isError());
+}
+
+TEST_F(PlayerTransportTest, aFileThatCannotBePlayedIsToldAndPassedOver) {
+    const LogCapture log("Player");
+    logic.setTracks({files.uri("missing.wav"), sound("b.wav", 30)});
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "started:>t1"));
+    EXPECT_EQ(logic.calls.mid(0, 3), (QStringList{"play", "resume after error", "started:>t1"}));
+    EXPECT_EQ(log.errors(), QStringList{"cannot play \"t0\" (" + files.uri("missing.wav") +
+                                        "): there is no such file"});
+    EXPECT_FALSE(logic.data().containsStreamerError());
+}
+
+TEST_F(PlayerTransportTest, sixBrokenFilesInARowEndPlaybackWithTheErrorInTheData) {
+    QStringList uris;
+    for (int i = 0; i < 8; ++i)
+        uris.append(files.text(QStringLiteral("%1.flac").arg(i), "no sound"));
+    logic.setTracks(uris);
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "gave up"));
+    ASSERT_TRUE(waitForTheEnd());
+    EXPECT_EQ(logic.calls.count("resume after error"), 6);
+    EXPECT_EQ(logic.calls.filter("started").size(), 0);
+    const OrvoPlayLogicData data(CMRoot()->getValue(OrvoPlayerDataPath()));
+    EXPECT_EQ(data.streamerError().code(), "CannotPlay");
+    EXPECT_TRUE(data.streamerError().message().startsWith("t5 cannot be played: "))
+        << data.streamerError().message().toStdString();
+}
+
+TEST_F(PlayerRecordingTest, aBrokenAnnouncedFileIsPassedOverAfterTheOneBeforeItWasHeard) {
+    const Pcm a = SoundFiles::pcm(20000, 1);
+    const Pcm c = SoundFiles::pcm(20000, 2);
+    logic.setTracks({files.wav("a.wav", a), files.uri("missing.wav"), files.wav("c.wav", c)});
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "resume"));
+    ASSERT_TRUE(waitForTheEnd());
+    EXPECT_EQ(logic.calls, (QStringList{"play", "started:>t0", "prepare", "resume after error",
+                                        "started:t0>t2", "prepare", "resume"}));
+    EXPECT_TRUE(recorded() == SoundFiles::joined({a, c}));
+}
+
+TEST_F(PlayerTransportTest, aPauseOutlivesAFileThatCannotBePlayed) {
+    logic.setTracks({files.uri("missing.wav"), sound("b.wav", 300)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForCall(logic, "started:>t1"));
+    EXPECT_EQ(state(), "paused");
+}
+
+TEST_F(PlayerTransportTest, afterTheEndThePlayLogicStaysInCharge) {
+    logic.setTracks({sound("a.wav", 20), sound("b.wav", 20)});
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "resume"));
+    ASSERT_TRUE(waitForTheEnd());
+    EXPECT_FALSE(done(OrvoPlayerPreviousPath()).isError());
+    EXPECT_TRUE(waitUntil([&] { return logic.calls.count("started:>t0") == 2; }));
+}
+
+} // namespace

@@ -1,0 +1,192 @@
+#include <QElapsedTimer>
+
+#include "PlayerFixture.h"
+
+namespace {
+
+// The value changes that reach the outside, as "path=value" lines.
+class Watcher {
+public:
+    Watcher() {
+        QObject::connect(CMRoot()->events(), &CMSubscribe::changed, &m_context,
+                         [this](const CMChange& change) {
+                             if (change.kind == CMChange::Kind::Value)
+                                 changes.append(change);
+                         });
+    }
+    QList<OrvoValue> of(const CMPath& path) const {
+        QList<OrvoValue> values;
+        for (const CMChange& change : changes) {
+            if (change.path == path)
+                values.append(change.newValue);
+        }
+        return values;
+    }
+    QStringList texts(const CMPath& path) const {
+        QStringList result;
+        for (const OrvoValue& value : of(path))
+            result.append(value.string());
+        return result;
+    }
+    QList<CMChange> changes;
+
+private:
+    QObject m_context;
+};
+
+class PlayerValuesTest : public PlayerFixture {
+protected:
+    CMVoidReply put(const CMPath& path, const QVariant& value) {
+        const CMVoidReply reply;
+        CMRoot()->setValue(path, value, reply);
+        EXPECT_TRUE(waitUntil([&] { return reply.isFinished(); }));
+        return reply;
+    }
+    int volume() const { return OrvoValue(CMRoot()->getValue(OrvoPlayerVolumePath())).i32(); }
+};
+
+TEST_F(PlayerValuesTest, everyValueHasAStateOfRest) {
+    EXPECT_EQ(state(), "stopped");
+    EXPECT_EQ(OrvoValue(CMRoot()->getValue(OrvoPlayerPlayModePath())).string(), "normal");
+    EXPECT_TRUE(CMRoot()->getValue(OrvoPlayerDataPath()).toHash().isEmpty());
+    EXPECT_TRUE(CMRoot()->getValue(OrvoPlayerNextMediaPath()).toHash().isEmpty());
+    EXPECT_EQ(position(), 0);
+    EXPECT_EQ(OrvoValue(CMRoot()->getValue(OrvoPlayerDurationPath())).i64(), 0);
+    EXPECT_EQ(volume(), 100);
+    EXPECT_FALSE(CMRoot()->getValue(CMPath(QStringLiteral("player:nothing"))).isValid());
+}
+
+TEST_F(PlayerValuesTest, changesArePublishedWithOldAndNewValue) {
+    const Watcher watcher;
+    logic.setTracks({sound("a.wav", 300)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForState("paused"));
+    done(OrvoPlayerStopPath());
+    waitFor(20);
+    EXPECT_EQ(watcher.texts(OrvoPlayerStatePath()), (QStringList{"opening", "paused", "stopped"}));
+    QString old = "stopped";
+    for (const CMChange& change : watcher.changes) {
+        if (change.path != OrvoPlayerStatePath())
+            continue;
+        EXPECT_EQ(change.oldValue.string(), old);
+        old = change.newValue.string();
+    }
+    const QList<OrvoValue> durations = watcher.of(OrvoPlayerDurationPath());
+    ASSERT_EQ(durations.size(), 2);
+    EXPECT_EQ(durations.first().i64(), 300);
+    EXPECT_EQ(durations.last().i64(), 0);
+}
+
+TEST_F(PlayerValuesTest, theDataThatMediaPlaybackStartedReturnsIsPublished) {
+    const Watcher watcher;
+    logic.setTracks({sound("a.wav", 300), sound("b.wav", 300)});
+    play(logic, 1, 0, true);
+    ASSERT_TRUE(waitForState("paused"));
+    waitFor(20);
+    const QList<OrvoValue> published = watcher.of(OrvoPlayerDataPath());
+    ASSERT_FALSE(published.isEmpty());
+    EXPECT_EQ(OrvoPlayLogicData(published.last().toHash()).trackRoles(), logic.tracks.at(1));
+    EXPECT_EQ(OrvoPlayLogicData(published.last().toHash()).mediaRoles(), container(logic));
+}
+
+TEST_F(PlayerValuesTest, whatComesNextIsPublishedWhenItIsAnnounced) {
+    const Watcher watcher;
+    logic.setTracks({sound("a.wav", 300), sound("b.wav", 30)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitUntil([&] { return !watcher.of(OrvoPlayerNextMediaPath()).isEmpty(); }));
+    EXPECT_EQ(watcher.of(OrvoPlayerNextMediaPath()).last().toHash(), logic.tracks.at(1).toHash());
+    done(OrvoPlayerResumePath());
+    ASSERT_TRUE(waitForCall(logic, "resume"));
+    waitFor(20);
+    EXPECT_TRUE(watcher.of(OrvoPlayerNextMediaPath()).last().isEmpty());
+}
+
+TEST_F(PlayerValuesTest, aModeChosenByThePlayLogicIsPublished) {
+    const Watcher watcher;
+    logic.setTracks({sound("a.wav", 300)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForState("paused"));
+    logic.setPlayMode(OrvoPlayerPlayMode::ShuffleRepeatAll);
+    waitFor(20);
+    EXPECT_EQ(watcher.texts(OrvoPlayerPlayModePath()), QStringList{"shuffleRepeatAll"});
+    EXPECT_EQ(logic.calls.last(), "mode:shuffleRepeatAll");
+}
+
+TEST_F(PlayerValuesTest, thePositionIsPublishedOnlyWhileWatchedAndAtMostTwiceASecond) {
+    startPlayer("auto");
+    const Watcher watcher;
+    logic.setTracks({sound("a.wav", 5000)});
+    play(logic);
+    ASSERT_TRUE(waitForState("playing"));
+    waitFor(700);
+    EXPECT_TRUE(watcher.of(OrvoPlayerPositionPath()).isEmpty()) << "nobody watches";
+
+    auto item = std::make_unique<CMValueItem>(nullptr, OrvoPlayerPositionPath());
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < 20; ++i) {
+        // What jumps is told soon, but not more often either.
+        done(OrvoPlayerSeekTimePath(), {{"time", 100 * i}});
+        waitFor(75);
+    }
+    const double seconds = double(timer.elapsed()) / 1000.0;
+    const int count = watcher.of(OrvoPlayerPositionPath()).size();
+    EXPECT_GE(count, 2);
+    EXPECT_LE(count, int(seconds * 2) + 1);
+    item.reset();
+    waitFor(20);
+    const int before = watcher.of(OrvoPlayerPositionPath()).size();
+    waitFor(1100);
+    EXPECT_EQ(watcher.of(OrvoPlayerPositionPath()).size(), before);
+}
+
+TEST_F(PlayerValuesTest, aPausedPositionIsNotRepeated) {
+    const Watcher watcher;
+    const CMValueItem item(nullptr, OrvoPlayerPositionPath());
+    logic.setTracks({sound("a.wav", 3000)});
+    play(logic, 0, 1000, true);
+    ASSERT_TRUE(waitForState("paused"));
+    waitFor(1200);
+    const QList<OrvoValue> positions = watcher.of(OrvoPlayerPositionPath());
+    ASSERT_EQ(positions.size(), 1);
+    EXPECT_EQ(positions.first().i64(), 1000);
+}
+
+TEST_F(PlayerValuesTest, valuesThatAreCommandsCanBeWritten) {
+    logic.setTracks({sound("a.wav", 3000)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForState("paused"));
+    EXPECT_FALSE(put(OrvoPlayerPositionPath(), 2000).isError());
+    EXPECT_EQ(position(), 2000);
+    EXPECT_FALSE(put(OrvoPlayerPlayModePath(), "shuffle").isError());
+    EXPECT_EQ(logic.lastMode, OrvoPlayerPlayMode::Shuffle);
+    EXPECT_FALSE(put(OrvoPlayerVolumePath(), QVariantHash{{"i32", 30}}).isError());
+    EXPECT_EQ(volume(), 30);
+    EXPECT_TRUE(put(OrvoPlayerVolumePath(), "loud").isError());
+    EXPECT_TRUE(put(OrvoPlayerStatePath(), "playing").isError()) << "only read";
+    EXPECT_TRUE(put(OrvoPlayerDurationPath(), 5).isError());
+    EXPECT_EQ(volume(), 30);
+}
+
+TEST_F(PlayerValuesTest, theVolumeIsKeptAndComesBack) {
+    const Watcher watcher;
+    for (int step = 0; step <= 40; ++step)
+        invoke(OrvoPlayerSetVolumePath(), {{"volume", step}});
+    waitFor(20);
+    EXPECT_EQ(watcher.of(OrvoPlayerVolumePath()).last().i32(), 40);
+    EXPECT_FALSE(root.values()->hasValue(OrvoPlayerSettingsVolumePath()))
+        << "a dragged slider is not written at every step";
+    startPlayer("null");
+    EXPECT_EQ(root.values()->value(OrvoPlayerSettingsVolumePath()).i32(), 40);
+    EXPECT_EQ(volume(), 40);
+    EXPECT_FALSE(put(OrvoPlayerSettingsVolumePath(), 55).isError());
+    EXPECT_EQ(volume(), 55) << "the setting is the volume";
+}
+
+TEST_F(PlayerValuesTest, unknownPathsAreAnsweredWithAnError) {
+    EXPECT_EQ(done(CMPath(QStringLiteral("player:dance"))).error().name(), CMError::NoSuchNode());
+    EXPECT_EQ(done(OrvoPlayerStatePath()).error().name(), CMError::NoSuchNode())
+        << "a value is no command";
+}
+
+} // namespace

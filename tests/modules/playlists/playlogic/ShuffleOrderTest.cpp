@@ -1,0 +1,299 @@
+#include <QSignalSpy>
+
+#include "DrawnOrder.h"
+#include "PlayLogicFixture.h"
+#include "TestClock.h"
+
+using namespace DrawnOrder;
+
+// The shuffle order and the walks through it.
+class ShuffleOrderTest : public PlayLogicFixture {};
+
+TEST_F(ShuffleOrderTest, theReferenceGeneratorIsTheMinimalStandard) {
+    // The standard library's documentation of minstd_rand0 gives its ten thousandth number.
+    MinimalStandard engine(1);
+    quint64 number = 0;
+    for (int i = 0; i < 10000; ++i)
+        number = engine();
+    EXPECT_EQ(1043618065u, number);
+}
+
+TEST_F(ShuffleOrderTest, aSeedGivesThePermutationOfTheMinimalStandard) {
+    for (const quint64 seed :
+         {quint64(1), quint64(2), quint64(16807), quint64(123456789), quint64(2147483646)}) {
+        for (const int size : {1, 2, 3, 10, 257, 70000}) {
+            for (const int from : {0, 1, size / 2, size - 1}) {
+                if (from >= size)
+                    continue;
+                QVector<int> order = ascending(size);
+                PlayListPlayLogic::shuffleTail(order, from, seed);
+                ASSERT_EQ(shuffled(ascending(size), from, seed), order)
+                    << seed << ' ' << size << ' ' << from;
+            }
+        }
+    }
+}
+
+TEST_F(ShuffleOrderTest, theSeedNoughtIsOne) {
+    QVector<int> order = ascending(50);
+    PlayListPlayLogic::shuffleTail(order, 0, 0);
+    EXPECT_EQ(shuffled(ascending(50), 0, 1), order);
+}
+
+TEST_F(ShuffleOrderTest, onlyTheTailIsShuffled) {
+    QVector<int> order = ascending(10);
+    PlayListPlayLogic::shuffleTail(order, 4, 99);
+    EXPECT_EQ(ascending(4), order.mid(0, 4));
+    EXPECT_TRUE(isPermutation(order, 10));
+    EXPECT_NE(ascending(10), order);
+}
+
+TEST_F(ShuffleOrderTest, aTailOutsideTheOrderIsLeftAlone) {
+    QVector<int> order = ascending(5);
+    for (const int from : {-1, -100, 5, 6, 100}) {
+        PlayListPlayLogic::shuffleTail(order, from, 7);
+        probe().order() = ascending(5);
+        logic()->randomizeShuffleItems(from);
+        EXPECT_EQ(ascending(5), probe().order()) << from;
+    }
+    EXPECT_EQ(ascending(5), order);
+    probe().order().clear();
+    logic()->randomizeShuffleItems(0);
+    EXPECT_TRUE(probe().order().isEmpty());
+}
+
+TEST_F(ShuffleOrderTest, theSeedIsTheMonotonicClockInMilliseconds) {
+    constexpr qint64 modulus = 2147483647;
+    const QPair<qint64, quint64> rows[] = {
+        {1, 1},           {86400123, 86400123}, {modulus - 1, modulus - 1},
+        {modulus + 5, 5}, {modulus * 3, 1},     {0, 1}, // the seed nought is one
+    };
+    for (const auto& [ms, seed] : rows) {
+        probe().order() = ascending(40);
+        const TestClock clock(ms);
+        logic()->randomizeShuffleItems(3);
+        EXPECT_EQ(shuffled(ascending(40), 3, seed), probe().order()) << ms;
+    }
+}
+
+TEST_F(ShuffleOrderTest, aNewOrderBeginsWithTheItemAskedFor) {
+    playing("abcdefgh");
+    for (int item = 0; item < 8; ++item) {
+        probe().cursor() = 5;
+        logic()->initShuffle(item);
+        EXPECT_EQ(item, probe().order().value(0));
+        EXPECT_TRUE(isPermutation(probe().order(), 8));
+        EXPECT_EQ(0, probe().cursor());
+    }
+}
+
+TEST_F(ShuffleOrderTest, theItemAskedForIsPutBeforeTheDrawnOrder) {
+    playing("abcdefgh");
+    const TestClock clock(4711);
+    QVector<int> expected = shuffled(ascending(8), 0, 4711);
+    const int index = expected.indexOf(6);
+    expected.move(index, 0);
+    const LogCapture log("PlayListsPlayLogic");
+    logic()->initShuffle(6);
+    EXPECT_EQ(expected, probe().order());
+    EXPECT_EQ(QString("DEBUG index of startItem in sequence: %1").arg(index), log.lines().value(0));
+    EXPECT_EQ("DEBUG m_shuffleSeq.size(): 8", log.lines().value(1));
+    EXPECT_EQ(10, log.lines().size());
+}
+
+TEST_F(ShuffleOrderTest, withoutAnItemTheDrawnOrderStays) {
+    playing("abcdefgh");
+    const TestClock clock(4711);
+    const LogCapture log("PlayListsPlayLogic");
+    probe().cursor() = 5;
+    logic()->initShuffle(-1);
+    EXPECT_EQ(shuffled(ascending(8), 0, 4711), probe().order());
+    EXPECT_EQ(0, probe().cursor());
+    EXPECT_EQ("DEBUG m_shuffleSeq.size(): 8", log.lines().value(0));
+}
+
+TEST_F(ShuffleOrderTest, anItemThatTheListLacksLeavesTheDrawnOrder) {
+    playing("abcdefgh");
+    const TestClock clock(4711);
+    const LogCapture log("PlayListsPlayLogic");
+    logic()->initShuffle(8);
+    EXPECT_EQ(shuffled(ascending(8), 0, 4711), probe().order());
+    EXPECT_EQ(0, probe().cursor());
+    EXPECT_TRUE(log.contains("DEBUG", "index of startItem in sequence: -1"));
+}
+
+TEST_F(ShuffleOrderTest, anEmptyListKeepsTheOrderThereWas) {
+    logic()->setCurrentPlayList(listOf(""));
+    probe().order() = {2, 0, 1};
+    probe().cursor() = 1;
+    const LogCapture log("PlayListsPlayLogic");
+    logic()->initShuffle(0);
+    EXPECT_EQ((QVector<int>{2, 0, 1}), probe().order());
+    EXPECT_EQ(1, probe().cursor());
+    EXPECT_EQ(QStringList{"DEBUG size <= 0"}, log.lines());
+}
+
+TEST_F(ShuffleOrderTest, withoutAListTheOrderIsForgotten) {
+    probe().order() = {2, 0, 1};
+    probe().cursor() = 1;
+    logic()->initShuffle(0);
+    EXPECT_EQ(QVector<int>(), probe().order());
+    EXPECT_EQ(-1, probe().cursor());
+}
+
+TEST_F(ShuffleOrderTest, switchingOnDrawsFromWhatPlaysAndTellsTheList) {
+    PlayListBase* pl = playing("abcdefgh", 5);
+    const QSignalSpy changes(pl, &PlayListBase::shuffleChanged);
+    const QSignalSpy modes(logic(), &PlayLogicBase::playModeChanged);
+    const LogCapture log("PlayListsPlayLogic");
+    logic()->setShuffleEnabled(true);
+    EXPECT_EQ("TRACE Enter void PlayListPlayLogic::setShuffleEnabled(bool): enabled=1",
+              log.lines().value(0));
+    EXPECT_TRUE(probe().shuffle());
+    EXPECT_TRUE(pl->getShuffle());
+    EXPECT_EQ(1, changes.count());
+    EXPECT_EQ(0, modes.count());
+    EXPECT_EQ(5, probe().order().value(0));
+    EXPECT_TRUE(isPermutation(probe().order(), 8));
+    EXPECT_EQ(0, probe().cursor());
+}
+
+TEST_F(ShuffleOrderTest, switchingOffLeavesTheOrderAndOnDrawsAnew) {
+    PlayListBase* pl = playingShuffled("abcd", {3, 2, 1, 0}, 2);
+    logic()->setShuffleEnabled(false);
+    EXPECT_FALSE(pl->getShuffle());
+    EXPECT_EQ((QVector<int>{3, 2, 1, 0}), probe().order());
+    EXPECT_EQ(2, probe().cursor());
+    const TestClock clock(99);
+    logic()->setShuffleEnabled(true);
+    QVector<int> expected = shuffled(ascending(4), 0, 99);
+    expected.move(expected.indexOf(1), 0);
+    EXPECT_EQ(expected, probe().order());
+    EXPECT_EQ(0, probe().cursor());
+}
+
+TEST_F(ShuffleOrderTest, switchingWithoutAListSetsTheFlagOnly) {
+    probe().order() = {1, 0};
+    probe().cursor() = 1;
+    logic()->setShuffleEnabled(true);
+    EXPECT_TRUE(probe().shuffle());
+    EXPECT_EQ((QVector<int>{1, 0}), probe().order());
+    EXPECT_EQ(1, probe().cursor());
+}
+
+TEST_F(ShuffleOrderTest, theOrderIsLoggedEntryByEntry) {
+    probe().order() = {2, 0, 1};
+    const LogCapture log("PlayListsPlayLogic");
+    logic()->debugShuffleItems();
+    EXPECT_EQ((QStringList{"DEBUG m_shuffleSeq.size(): 3", "DEBUG m_shuffleSeq entry: #0 2",
+                           "DEBUG m_shuffleSeq entry: #1 0", "DEBUG m_shuffleSeq entry: #2 1"}),
+              log.lines());
+}
+
+TEST_F(ShuffleOrderTest, walkingIsLogged) {
+    probe().order() = {2, 0};
+    probe().cursor() = 0;
+    LogCapture log("PlayListsPlayLogic");
+    EXPECT_EQ(0, logic()->getNextShuffleItem());
+    EXPECT_EQ((QStringList{"DEBUG m_shuffleCurIndex before next: 0",
+                           "DEBUG m_shuffleCurIndex after next: 1", "DEBUG index: 0"}),
+              log.lines());
+    log.clear();
+    EXPECT_EQ(2, logic()->getPrevShuffleItem());
+    EXPECT_EQ((QStringList{"DEBUG m_shuffleCurIndex before prev: 1",
+                           "DEBUG m_shuffleCurIndex after prev: 0", "DEBUG index: 2"}),
+              log.lines());
+    log.clear();
+    EXPECT_EQ(-1, logic()->getPrevShuffleItem());
+    EXPECT_EQ((QStringList{"DEBUG m_shuffleCurIndex before prev: 0",
+                           "DEBUG m_shuffleCurIndex after prev: 0", "DEBUG index: -1"}),
+              log.lines());
+}
+
+TEST_F(ShuffleOrderTest, wrappingIsLogged) {
+    logic()->setRepeatMode(PlayListPlayLogic::RepeatAll);
+    probe().order() = {2, 0, 1};
+    probe().cursor() = 0;
+    LogCapture log("PlayListsPlayLogic");
+    EXPECT_EQ(1, logic()->getPrevShuffleItem());
+    EXPECT_EQ((QStringList{"DEBUG m_shuffleCurIndex before prev: 0",
+                           "DEBUG m_shuffleCurIndex is set to last item in m_shuffleSeq",
+                           "DEBUG m_shuffleCurIndex after prev: 2", "DEBUG index: 1"}),
+              log.lines());
+    log.clear();
+    EXPECT_EQ(2, logic()->getNextShuffleItem());
+    EXPECT_EQ((QStringList{"DEBUG m_shuffleCurIndex before next: 2",
+                           "DEBUG m_shuffleCurIndex is set to first item in m_shuffleSeq",
+                           "DEBUG m_shuffleCurIndex after next: 0", "DEBUG index: 2"}),
+              log.lines());
+}
+
+TEST_F(ShuffleOrderTest, anEmptyOrderIsLogged) {
+    logic()->setRepeatMode(PlayListPlayLogic::RepeatAll);
+    LogCapture log("PlayListsPlayLogic");
+    EXPECT_EQ(-1, logic()->getNextShuffleItem());
+    EXPECT_EQ(
+        (QStringList{"DEBUG m_shuffleCurIndex before next: -1", "DEBUG error: m_shuffleSeq.size: 0",
+                     "DEBUG m_shuffleCurIndex after next: -1", "DEBUG index: -1"}),
+        log.lines());
+    log.clear();
+    EXPECT_EQ(-1, logic()->getPrevShuffleItem());
+    EXPECT_EQ(
+        (QStringList{"DEBUG m_shuffleCurIndex before prev: -1", "DEBUG error: m_shuffleSeq.size: 0",
+                     "DEBUG m_shuffleCurIndex after prev: -1", "DEBUG index: -1"}),
+        log.lines());
+}
+
+TEST_F(ShuffleOrderTest, theWalksByCursorAndRepeatMode) {
+    struct Row {
+        int cursor;
+        int next, cursorAfterNext;
+        int previous, cursorAfterPrevious;
+    };
+    const QVector<int> order = {7, 8, 9};
+    // From outside the order nothing leads on, but for repeat all.
+    const Row off[] = {{-1, -1, -1, -1, -1}, {0, 8, 1, -1, 0},  {1, 9, 2, 7, 0},
+                       {2, -1, 2, 8, 1},     {3, -1, 3, -1, 3}, {9, -1, 9, -1, 9}};
+    const Row all[] = {{-1, 7, 0, 9, 2}, {0, 8, 1, 9, 2}, {1, 9, 2, 7, 0},
+                       {2, 7, 0, 8, 1},  {3, 7, 0, 9, 2}, {9, 7, 0, 9, 2}};
+    const auto check = [&](PlayListPlayLogic::RepeatMode mode, const Row& row) {
+        SCOPED_TRACE(testing::Message() << "repeat " << mode << " cursor " << row.cursor);
+        logic()->setRepeatMode(mode);
+        probe().order() = order;
+        probe().cursor() = row.cursor;
+        EXPECT_EQ(row.next, logic()->getNextShuffleItem());
+        EXPECT_EQ(row.cursorAfterNext, probe().cursor());
+        probe().cursor() = row.cursor;
+        EXPECT_EQ(row.previous, logic()->getPrevShuffleItem());
+        EXPECT_EQ(row.cursorAfterPrevious, probe().cursor());
+    };
+    for (const Row& row : off) {
+        check(PlayListPlayLogic::RepeatOff, row);
+        check(PlayListPlayLogic::RepeatOne, row);
+    }
+    for (const Row& row : all)
+        check(PlayListPlayLogic::RepeatAll, row);
+}
+
+TEST_F(ShuffleOrderTest, aListOfOneItem) {
+    playing("a");
+    logic()->setShuffleEnabled(true);
+    EXPECT_EQ(-1, logic()->getNextShuffleItem());
+    EXPECT_EQ(-1, logic()->getPrevShuffleItem());
+    logic()->setRepeatMode(PlayListPlayLogic::RepeatAll);
+    EXPECT_EQ(0, logic()->getNextShuffleItem());
+    EXPECT_EQ(0, logic()->getPrevShuffleItem());
+}
+
+TEST_F(ShuffleOrderTest, aSecondPassPlaysTheSameOrder) {
+    playing("abcdefgh");
+    changeMode(OrvoPlayerPlayMode::ShuffleRepeatAll);
+    QStringList passes[2];
+    for (QStringList& pass : passes) {
+        for (int i = 0; i < 8; ++i)
+            next();
+        pass = player.takeCommands();
+    }
+    EXPECT_EQ(8, passes[0].size());
+    EXPECT_EQ(passes[0], passes[1]);
+}

@@ -1,0 +1,288 @@
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QSignalSpy>
+
+#include "CMRootWorker.h"
+#include "TestApp.h"
+#include "TestPlayLogic.h"
+
+namespace {
+
+using Kind = PlayLogicCommand::Kind;
+
+class RecordingPlayer : public PlayerCommands {
+public:
+    RecordingPlayer() { PlayLogicInterface::playerInstance()->setPlayer(this); }
+    ~RecordingPlayer() override { PlayLogicInterface::playerInstance()->setPlayer(nullptr); }
+    void carryOut(const PlayLogicCommand& command) override { commands.append(command); }
+
+    QList<Kind> kinds() const {
+        QList<Kind> result;
+        for (const PlayLogicCommand& command : commands)
+            result.append(command.kind);
+        return result;
+    }
+    QList<PlayLogicCommand> commands;
+};
+
+class StreamerPlayLogicTest : public ::testing::Test {
+protected:
+    CMReply<QVariant> request(OrvoPlayLogicRequestKind::Enum kind, OrvoPlayLogicRequest args = {}) {
+        args.setKind(kind);
+        return request(args);
+    }
+    CMReply<QVariant> request(const OrvoPlayLogicRequest& args) {
+        const CMReply<QVariant> reply;
+        CMRoot()->invoke(logic.path(), args.toVariant(), reply);
+        return reply;
+    }
+    static CMReply<QVariant> mode(TestPlayLogic& logic, OrvoPlayerPlayMode::Enum mode) {
+        OrvoPlayLogicChangePlayModeArgs args;
+        args.setKind(OrvoPlayLogicRequestKind::ChangePlayMode);
+        args.setPlayMode(mode);
+        const CMReply<QVariant> reply;
+        CMRoot()->invoke(logic.path(), args.toVariant(), reply);
+        return reply;
+    }
+    static void settle() { QCoreApplication::processEvents(); }
+
+    CMRootWorker root;
+    RecordingPlayer player;
+    CMNodesWorker worker{{}, QStringLiteral("Source")};
+    TestPlayLogic logic{worker.nodes(), CMPath(QStringLiteral("source:playlogic"))};
+};
+
+TEST_F(StreamerPlayLogicTest, everyKindOfRequestReachesItsOverride) {
+    const QList<QPair<OrvoPlayLogicRequestKind::Enum, QString>> rows = {
+        {OrvoPlayLogicRequestKind::Play, "play"},
+        {OrvoPlayLogicRequestKind::Stop, "stop"},
+        {OrvoPlayLogicRequestKind::Next, "next"},
+        {OrvoPlayLogicRequestKind::Previous, "previous"},
+        {OrvoPlayLogicRequestKind::ChangePlayMode, "mode:normal"},
+    };
+    for (const auto& row : rows) {
+        logic.calls.clear();
+        OrvoPlayLogicChangePlayModeArgs args;
+        args.setPlayMode(OrvoPlayerPlayMode::Normal);
+        const CMReply<QVariant> reply = request(row.first, args);
+        EXPECT_EQ(logic.calls, QStringList{row.second});
+        EXPECT_TRUE(reply.isFinished() && !reply.isError()) << row.second.toStdString();
+    }
+}
+
+TEST_F(StreamerPlayLogicTest, aPlayRequestBringsItsArguments) {
+    OrvoPlayLogicPlayArgs args;
+    OrvoRoles media;
+    media.setPath(CMPath(QStringLiteral("source:list/5")));
+    args.setMediaRoles(media);
+    args.setIndex(7);
+    args.setType(1);
+    request(OrvoPlayLogicRequestKind::Play, args);
+    EXPECT_EQ(logic.lastArgs.mediaRoles(), media);
+    EXPECT_EQ(logic.lastArgs.index(), 7);
+    EXPECT_EQ(logic.lastArgs.type(), 1);
+}
+
+TEST_F(StreamerPlayLogicTest, anUnknownKindIsRefused) {
+    for (const QVariant& value :
+         {QVariant(), QVariant(5), QVariant(QVariantHash{{"request", "dance"}}),
+          QVariant(QVariantHash{{"request", -1}})}) {
+        const CMReply<QVariant> reply;
+        CMRoot()->invoke(logic.path(), value, reply);
+        EXPECT_TRUE(reply.isError());
+        EXPECT_EQ(reply.error().name(), CMError::NotSupported());
+    }
+    EXPECT_TRUE(logic.calls.isEmpty());
+    EXPECT_TRUE(player.commands.isEmpty());
+}
+
+TEST_F(StreamerPlayLogicTest, aRequestThatNobodyAnswersGetsAnError) {
+    logic.answers = false;
+    CMReply<QVariant> travelling;
+    QString error;
+    travelling.onError([&](const CMError& e) { error = e.name(); });
+    OrvoPlayLogicRequest args;
+    args.setKind(OrvoPlayLogicRequestKind::Next);
+    CMRoot()->invoke(logic.path(), args.toVariant(), travelling);
+    travelling = {};
+    EXPECT_EQ(error, CMError::NotAnswered());
+}
+
+TEST_F(StreamerPlayLogicTest, whatIsNotOverriddenIsRefusedExceptStop) {
+    StreamerPlayLogic bare(worker.nodes(), CMPath(QStringLiteral("source:bare")));
+    for (int kind = OrvoPlayLogicRequestKind::Play;
+         kind <= OrvoPlayLogicRequestKind::ChangePlayMode; ++kind) {
+        OrvoPlayLogicRequest args;
+        args.setKind(OrvoPlayLogicRequestKind::Enum(kind));
+        const CMReply<QVariant> reply;
+        CMRoot()->invoke(bare.path(), args.toVariant(), reply);
+        EXPECT_EQ(reply.isError(), kind != OrvoPlayLogicRequestKind::Stop) << kind;
+    }
+}
+
+TEST_F(StreamerPlayLogicTest, stopStopsThePlayerEmptiesTheDataAndAnswers) {
+    logic.itemStarted(TestPlayLogic::track(3, "file:///a"));
+    OrvoPlayLogicStopArgs args;
+    args.setReason(OrvoPlayerStopReason::TakenOver);
+    const CMReply<QVariant> reply = request(OrvoPlayLogicRequestKind::Stop, args);
+    EXPECT_TRUE(reply.isFinished() && !reply.isError());
+    EXPECT_EQ(logic.lastStopReason, 1);
+    EXPECT_EQ(player.kinds(), QList<Kind>{Kind::Stop});
+    EXPECT_TRUE(logic.data().isEmpty());
+    logic.itemStarted(TestPlayLogic::track(4, "file:///b"));
+    EXPECT_EQ(logic.calls.last(), "started:>t4") << "what was stopped is no old item";
+}
+
+TEST_F(StreamerPlayLogicTest, commandsGoToThePlayerInOrderWithWhatTheyCarry) {
+    const OrvoRoles a = TestPlayLogic::track(0, "file:///a");
+    logic.sendSetNextMediaCommand(a, {{"k", 1}});
+    logic.sendNoNextMediaCommand();
+    logic.sendPlayCommand(a, {{"k", 2}});
+    logic.playbackEnded();
+    EXPECT_EQ(player.kinds(), (QList<Kind>{Kind::SetNextMedia, Kind::NoNextMedia, Kind::Play,
+                                           Kind::PlaybackEnded}));
+    EXPECT_EQ(player.commands.at(0).roles, a);
+    EXPECT_EQ(player.commands.at(0).params.value("k"), 1);
+    EXPECT_EQ(player.commands.at(2).roles, a);
+    EXPECT_EQ(player.commands.at(2).params, (QHash<QString, QVariant>{{"k", 2}}));
+    for (const PlayLogicCommand& command : player.commands)
+        EXPECT_EQ(command.from, &logic);
+}
+
+TEST_F(StreamerPlayLogicTest, theFirstPlayCommandAfterAPlayRequestTakesItsStartPosition) {
+    logic.setTracks({"file:///a", "file:///b"});
+    OrvoPlayLogicPlayArgs args;
+    args.setIndex(1);
+    args.setStartPosition(1500);
+    args.setPaused(true);
+    OrvoRoles media;
+    media.setTitle(QStringLiteral("Party"));
+    args.setMediaRoles(media);
+    request(OrvoPlayLogicRequestKind::Play, args);
+    logic.playTrack(0);
+    ASSERT_EQ(player.commands.size(), 2);
+    EXPECT_EQ(player.commands.at(0).params,
+              (QHash<QString, QVariant>{{"startPosition", 1500}, {"paused", true}}));
+    EXPECT_TRUE(player.commands.at(1).params.isEmpty());
+    EXPECT_EQ(logic.data().mediaRoles().title().toString(), "Party");
+}
+
+TEST_F(StreamerPlayLogicTest, aStartedItemIsPublishedOnceWithOldAndNewRoles) {
+    const QSignalSpy spy(&logic, &PlayLogicBase::dataChanged);
+    const OrvoRoles a = TestPlayLogic::track(0, "file:///a");
+    const OrvoRoles b = TestPlayLogic::track(1, "file:///b");
+    logic.itemStarted(a);
+    logic.itemStarted(b);
+    EXPECT_EQ(logic.calls, (QStringList{"started:>t0", "started:t0>t1"}));
+    EXPECT_EQ(logic.data().trackRoles(), b);
+    EXPECT_EQ(spy.count(), 2);
+}
+
+TEST_F(StreamerPlayLogicTest, aFailureIsInTheDataBeforeAWayOnIsSought) {
+    logic.setTracks({"file:///a", "file:///b", "file:///c"});
+    logic.itemStarted(TestPlayLogic::track(0, "file:///a"));
+    OrvoError error;
+    error.setCode(QStringLiteral("CannotPlay"));
+    logic.itemFailed(TestPlayLogic::track(1, "file:///b"), error);
+    EXPECT_EQ(logic.calls.last(), "resume after error");
+    EXPECT_EQ(logic.data().streamerError().code(), "CannotPlay");
+    EXPECT_EQ(logic.data().trackRoles().value().i32(), 1);
+    logic.itemStarted(TestPlayLogic::track(2, "file:///c"));
+    EXPECT_FALSE(logic.data().containsStreamerError());
+}
+
+TEST_F(StreamerPlayLogicTest, theEndKeepsTheErrorAndForgetsTheTrack) {
+    OrvoPlayLogicControls controls;
+    controls.setPause(true);
+    OrvoPlayLogicData data;
+    data.setControls(controls);
+    data.setTrackRoles(TestPlayLogic::track(0, "file:///a"));
+    data.setStreamerError(OrvoError(QVariantHash{{"code", "X"}}));
+    logic.setData(data);
+    logic.playbackEnded();
+    EXPECT_EQ(logic.data().streamerError().code(), "X");
+    EXPECT_FALSE(logic.data().containsTrackRoles());
+    EXPECT_FALSE(logic.data().containsControls());
+}
+
+TEST_F(StreamerPlayLogicTest, settingTheSameDataTellsNobody) {
+    OrvoPlayLogicData data;
+    data.setTrackRoles(TestPlayLogic::track(0, "file:///a"));
+    const QSignalSpy spy(&logic, &PlayLogicBase::dataChanged);
+    logic.setData(data);
+    logic.setData(data);
+    EXPECT_EQ(spy.count(), 1);
+}
+
+TEST_F(StreamerPlayLogicTest, aModePublishedByTheWayBecomesAQueuedRequest) {
+    const QSignalSpy spy(&logic, &PlayLogicBase::playModeChanged);
+    logic.setPlayMode(OrvoPlayerPlayMode::Shuffle);
+    EXPECT_EQ(spy.count(), 1);
+    EXPECT_TRUE(logic.calls.isEmpty()) << "not before the event loop";
+    settle();
+    EXPECT_EQ(logic.calls, QStringList{"mode:shuffle"});
+    settle();
+    EXPECT_EQ(logic.calls.size(), 1) << "the request does not breed another one";
+    EXPECT_EQ(spy.count(), 1);
+}
+
+TEST_F(StreamerPlayLogicTest, aModeSetWithinAPlayOrModeRequestStaysThere) {
+    mode(logic, OrvoPlayerPlayMode::RepeatAll);
+    settle();
+    EXPECT_EQ(logic.calls, QStringList{"mode:repeatAll"});
+
+    class ModalLogic : public TestPlayLogic {
+    public:
+        using TestPlayLogic::TestPlayLogic;
+        void playInternal(const CMSetDataRequest& request,
+                          const OrvoPlayLogicPlayArgs& args) override {
+            setPlayMode(OrvoPlayerPlayMode::ShuffleRepeatAll);
+            TestPlayLogic::playInternal(request, args);
+        }
+    } modal(worker.nodes(), CMPath(QStringLiteral("source:modal")));
+    OrvoPlayLogicRequest args;
+    args.setKind(OrvoPlayLogicRequestKind::Play);
+    CMRoot()->invoke(modal.path(), args.toVariant(), {});
+    settle();
+    EXPECT_EQ(modal.calls, QStringList{"play"});
+    EXPECT_EQ(modal.playMode(), OrvoPlayerPlayMode::ShuffleRepeatAll);
+}
+
+TEST_F(StreamerPlayLogicTest, aQueuedModeIsDroppedWhenSomethingNewerDecided) {
+    logic.setPlayMode(OrvoPlayerPlayMode::Shuffle);
+    mode(logic, OrvoPlayerPlayMode::RepeatAll);
+    settle();
+    EXPECT_EQ(logic.calls, QStringList{"mode:repeatAll"});
+
+    logic.calls.clear();
+    logic.setPlayMode(OrvoPlayerPlayMode::Shuffle);
+    request(OrvoPlayLogicRequestKind::Play);
+    settle();
+    EXPECT_EQ(logic.calls, QStringList{"play"}) << "the new list has a mode of its own";
+
+    logic.calls.clear();
+    logic.setPlayMode(OrvoPlayerPlayMode::Normal);
+    logic.setPlayMode(OrvoPlayerPlayMode::RepeatAll);
+    settle();
+    EXPECT_EQ(logic.calls, QStringList{"mode:repeatAll"}) << "of two, the last one";
+}
+
+TEST_F(StreamerPlayLogicTest, theModeThatHoldsAlreadyTellsNobody) {
+    const QSignalSpy spy(&logic, &PlayLogicBase::playModeChanged);
+    logic.setPlayMode(OrvoPlayerPlayMode::Normal);
+    settle();
+    EXPECT_EQ(spy.count(), 0);
+    EXPECT_TRUE(logic.calls.isEmpty());
+}
+
+TEST_F(StreamerPlayLogicTest, aDestroyedPlayLogicLeavesNothingBehind) {
+    {
+        TestPlayLogic gone(worker.nodes(), CMPath(QStringLiteral("source:gone")));
+        gone.setPlayMode(OrvoPlayerPlayMode::Shuffle);
+    }
+    settle();
+    EXPECT_EQ(worker.nodes()->find(CMPath(QStringLiteral("source:gone"))), nullptr);
+}
+
+} // namespace
