@@ -1,5 +1,5 @@
 import assert from 'node:assert/strict';
-import { Albums, Lanterns } from '../support/device.mjs';
+import { Albums, Hours, Lanterns } from '../support/device.mjs';
 import { eventually, story } from '../support/story.mjs';
 
 const [first, second, third, fourth, fifth] = Lanterns;
@@ -61,3 +61,24 @@ story('a track is moved by its menu, by the keys, and removed', async ({ device,
   // The focus goes along with the track.
   await eventually(() => me.page.evaluate(() => document.activeElement.querySelector('.row-title')?.textContent), second);
 });
+
+story('the focus stays in its row while others insert and remove', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.lanterns);
+  const me = await open();
+  await me.openList('Party');
+  await me.playRow(first);
+  await eventually(() => me.nowTitle(), first);
+  await device.send('player:pause', {});
+  await me.row('main', fourth).focus();
+  const focused = () => me.page.evaluate(() => document.activeElement.querySelector('.row-title')?.textContent);
+  const element = await me.page.evaluateHandle(() => document.activeElement);
+  await device.send('playlists:pl/addItems', { plid, mode: 1, items: ['files:tree/Velka%20Torrin/Small%20Hours'] });
+  const longer = [first, ...Hours, second, third, fourth, fifth];
+  await eventually(() => me.titles('main'), longer);
+  await eventually(focused, fourth);
+  // Not only a row of the same name: screen readers stay with the element.
+  assert.equal(await element.evaluate((node) => node === document.activeElement), true);
+  await device.send('playlists:pl/removeItems', { plid, items: [1, 2, 3, 4, 5] });
+  await eventually(() => me.titles('main'), [first, third, fourth, fifth]);
+  await eventually(focused, fourth);
+}, { player: true, sizes: ['desktop'] });

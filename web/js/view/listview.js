@@ -129,7 +129,11 @@ export class ListView extends Emitter {
   onCount() {
     this.metrics.cut(Math.max(0, this.store.count));
     this.resize();
-    if (this.active >= this.store.count) this.active = this.store.count - 1;
+    if (this.store.count === 0) {
+      if (this.body.contains(document.activeElement)) this.scroller.focus({ preventScroll: true });
+      this.active = -1;
+      this.activeKey = null;
+    }
     this.schedule();
   }
 
@@ -137,10 +141,7 @@ export class ListView extends Emitter {
   rememberPlace() {
     const first = this.firstInView();
     const row = this.store.row(first);
-    if (!this.place && first > 0 && row) {
-      const offset = this.body.offsetTop + this.metrics.topOf(first) - this.scroller.scrollTop;
-      this.place = { key: rowKey(row), index: first, offset };
-    }
+    if (!this.place && first > 0 && row) this.place = { key: rowKey(row), index: first };
     const active = this.store.row(this.active);
     if (active) this.activeKey = rowKey(active);
   }
@@ -157,20 +158,27 @@ export class ListView extends Emitter {
     if (this.place && this.store.isFresh(this.place.index)) {
       const index = find(this.place.key, this.place.index);
       if (index >= 0 && index !== this.place.index)
-        this.scroller.scrollTop = this.body.offsetTop + this.metrics.topOf(index) - this.place.offset;
+        this.scroller.scrollTop += this.metrics.topOf(index) - this.metrics.topOf(this.place.index);
       this.place = null;
     }
-    if (this.activeKey && this.store.isFresh(this.active)) {
-      const index = find(this.activeKey, this.active);
-      if (index >= 0 && index !== this.active) this.follow(index);
+    const near = Math.min(this.active, this.store.count - 1);
+    if (this.activeKey && this.store.isFresh(near)) {
+      const index = find(this.activeKey, near);
       this.activeKey = null;
+      this.follow(index >= 0 ? index : near); // its neighbour, when it is gone
     }
   }
 
-  follow(index) {
-    const hadFocus = this.views.get(this.active)?.element === document.activeElement;
+  // The user went elsewhere while the list is being read again.
+  moveTo(index) {
     this.active = index;
-    if (hadFocus) {
+    if (this.activeKey) this.activeKey = rowKey(this.store.row(index));
+  }
+
+  follow(index) {
+    const hadFocus = this.body.contains(document.activeElement);
+    this.active = index;
+    if (hadFocus && !this.views.get(index)?.element.contains(document.activeElement)) {
       this.render();
       this.views.get(index)?.element.focus({ preventScroll: true });
     }
@@ -224,7 +232,7 @@ export class ListView extends Emitter {
 
   showRange(from, to) {
     const kept = this.views.get(this.active);
-    const keepActive = kept && kept.element.contains(document.activeElement);
+    const keepActive = kept && this.active < this.store.count && kept.element.contains(document.activeElement);
     for (const [index, view] of this.views) {
       if ((index >= from && index < to) || (keepActive && index === this.active) || index === this.pinned) continue;
       this.views.delete(index);
@@ -292,8 +300,8 @@ export class ListView extends Emitter {
 
   // Where the user is.
   setActive(index, { focus = true, scroll = true } = {}) {
-    if (!this.store.count) return;
-    this.active = clamp(index, 0, this.store.count - 1);
+    if (!(this.store.count > 0)) return;
+    this.moveTo(clamp(index, 0, this.store.count - 1));
     if (scroll) this.reveal(this.active);
     this.render();
     if (focus) this.views.get(this.active)?.element.focus({ preventScroll: true });
@@ -320,7 +328,7 @@ export class ListView extends Emitter {
     const { scroller } = this;
     const target = this.body.offsetTop + this.metrics.topOf(index) - (scroller.clientHeight - this.metrics.height) / 2;
     const near = Math.abs(target - scroller.scrollTop) < scroller.clientHeight * 3;
-    this.active = index;
+    this.moveTo(index);
     scroller.scrollTo({ top: target, behavior: near && !prefersStill() ? 'smooth' : 'instant' });
     this.render();
     if (focus) this.views.get(index)?.element.focus({ preventScroll: true });
@@ -344,7 +352,7 @@ export class ListView extends Emitter {
   onFocusIn(event) {
     const view = this.rowOf(event.target);
     if (view) {
-      this.active = view.index;
+      this.moveTo(view.index);
       this.tabStop(view.index);
     }
   }
