@@ -52,6 +52,24 @@ story('a short break of the network loses no event', async ({ device, open, allo
   }
 });
 
+story('a list that is long in coming shows that it is on its way', async ({ device, open }) => {
+  await device.playlist('Party', Albums.hours);
+  const me = await open();
+  let release;
+  const held = new Promise((done) => (release = done));
+  await me.page.route('**/api/rows?path=playlists%3Apl%2Fitems*', async (route) => {
+    await held;
+    await route.continue();
+  });
+  const busy = () => me.page.evaluate(() => document.body.classList.contains('busy'));
+  assert.equal(await busy(), false);
+  await me.openList('Party');
+  await me.page.locator('body.busy').waitFor();
+  release();
+  await eventually(() => me.titles('main'), Hours);
+  await eventually(busy, false);
+});
+
 story('what takes longer than a moment shows that it works', async ({ device, open }) => {
   await device.playlist('Party', Albums.hours);
   const me = await open();

@@ -20,7 +20,7 @@ const Nothing = Symbol('nothing');
 
 export class ListView extends Emitter {
   // `look`: what the surroundings know about a row: {current(row), playing(), cover(row, found),
-  // detail(row), action, selectable}.
+  // action, selectable}.
   constructor({ store, scroller, look, label }) {
     super();
     Object.assign(this, { store, scroller, look });
@@ -286,7 +286,6 @@ export class ListView extends Emitter {
       opened: row && look.opened ? look.opened(row) : false,
       movable: this.movable && row?.type === RowType.Audio,
       found: this.foundIndex === index,
-      detail: row ? look.detail?.(row) : '',
       action: row ? look.action?.(row) : null,
       urls: row && !plain ? look.cover(row, () => this.refresh()) : null,
     });

@@ -3,11 +3,13 @@
 
 import { clock } from '../model/rows.js';
 import { Repeat } from '../model/player.js';
-import { el, setAttribute, setText } from './dom.js';
+import { clamp, el, setAttribute, setText } from './dom.js';
 import { icon, setIcon } from './icons.js';
 import { attempt } from './toast.js';
 
 const SendVolumeEveryMs = 80;
+// In milliseconds, however long the track.
+const SeekKeys = { ArrowLeft: -5000, ArrowDown: -5000, ArrowRight: 5000, ArrowUp: 5000, PageDown: -30000, PageUp: 30000 };
 const RepeatNames = { [Repeat.Off]: 'Repeat: off', [Repeat.One]: 'Repeat: this track', [Repeat.All]: 'Repeat: all' };
 
 export class Transport {
@@ -39,6 +41,12 @@ export class Transport {
     this.length = el('span.time');
     this.slider = el('input.range', { type: 'range', min: 0, max: 1000, value: 0, step: 1, 'aria-label': 'Position' });
     this.seek = el('div.seek', {}, this.elapsed, this.slider, this.length);
+    this.slider.addEventListener('keydown', (event) => {
+      const step = SeekKeys[event.key];
+      if (!step || this.slider.disabled) return;
+      event.preventDefault();
+      attempt(player.seek(clamp(player.position + step, 0, player.duration)), this.slider);
+    });
     const target = () => (Number(this.slider.value) / 1000) * player.duration;
     this.slider.addEventListener('input', () => {
       this.seeking = true;
