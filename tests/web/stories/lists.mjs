@@ -150,7 +150,7 @@ story('the address keeps the place: reload and back', async ({ device, open, siz
   await me.openList('Party');
   await me.toLists();
   await me.openList('Other');
-  await me.page.reload();
+  await me.window.reload();
   await eventually(() => me.heading().textContent(), 'Other');
   await eventually(() => me.titles('main'), Lanterns);
   await me.page.goBack();

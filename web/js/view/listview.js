@@ -223,8 +223,10 @@ export class ListView extends Emitter {
     const y = scrolled - this.body.offsetTop;
     const first = metrics.indexAt(Math.max(0, y), store.count);
     const last = metrics.indexAt(Math.max(0, y + height), store.count);
-    const from = Math.max(0, first - Overscan);
-    const to = Math.min(store.count, last + 1 + Overscan);
+    // What flies by is gone before its neighbours could be seen.
+    const beyond = this.plain ? 1 : Overscan;
+    const from = Math.max(0, first - beyond);
+    const to = Math.min(store.count, last + 1 + beyond);
     this.showRange(from, to);
     store.want(from, to);
     this.stale = false;

@@ -50,13 +50,15 @@ export class RowView {
   }
 
   place(index, top, height) {
+    if (this.index !== index) {
+      setAttribute(this.element, 'aria-rowindex', index + 1);
+      this.element.dataset.index = index;
+    }
     this.index = index;
     if (this.top !== top) this.element.style.transform = `translateY(${top}px)`;
     if (this.height !== height) this.element.style.height = `${height}px`;
     this.top = top;
     this.height = height;
-    setAttribute(this.element, 'aria-rowindex', index + 1);
-    this.element.dataset.index = index;
   }
 
   // `row` may be missing: it is on its way. `look`: {selected, selecting, current, playing, movable,

@@ -112,6 +112,12 @@ export class Screen {
     list.on('move', ({ by }) => this.moveActive(by));
     list.on('selectAll', () => attempt(list.selection.all(), this.element));
     this.scroller.addEventListener('scroll', () => this.showBarTitle(), { passive: true });
+    // Read when it has changed, not while scrolling, where it would cost a layout.
+    this.headSize = new ResizeObserver(() => {
+      this.titleEnd = this.hero.title.offsetTop + this.hero.title.offsetHeight - this.bar.offsetHeight;
+      this.showBarTitle();
+    });
+    for (const element of [this.hero.element, this.hero.title, this.bar]) this.headSize.observe(element);
     this.stopPlayer = app.player.on('change', (what) => {
       if (what === 'position' || what === 'duration' || what === 'volume') return;
       this.list.refresh();
@@ -122,6 +128,7 @@ export class Screen {
 
   dispose() {
     this.endLoading();
+    this.headSize.disconnect();
     clearTimeout(this.headTimer);
     this.stopPlayer();
     this.stopCovers();
@@ -173,9 +180,6 @@ export class Screen {
     this.menuButton.hidden = !this.row?.context?.path;
     this.selectButton.hidden = !(store.count > 0);
     this.empty.hidden = store.count !== 0;
-    // Read here, not while scrolling, where it would cost a layout.
-    this.titleEnd = this.hero.title.offsetTop + this.hero.title.offsetHeight - this.bar.offsetHeight;
-    this.showBarTitle();
     if (this.isTop) app.onHead(this);
   }
 
@@ -193,7 +197,7 @@ export class Screen {
 
   showBarTitle() {
     const { scrollTop } = this.scroller;
-    const past = scrollTop > Math.max(Lifted, this.titleEnd);
+    const past = scrollTop > Math.max(Lifted, this.titleEnd ?? 0);
     this.bar.classList.toggle('past', past);
     // The root's title stands behind the bar itself.
     this.bar.classList.toggle('over', this.pane.kind === 'nav' ? past : scrollTop > Lifted);
