@@ -85,6 +85,7 @@ story('many added next keep their order, inside a list that was played and behin
   await me.playRow('Track 3');
   await eventually(() => device.value('player:data').then((data) => data?.trackRoles?.value?.i32 >= 2), true);
   await me.control('Pause');
+  await eventually(() => device.value('player:state').then((state) => state?.string), 'paused');
   const { i32: current } = (await device.value('player:data')).trackRoles.value;
   await me.menuOf('side', 'Artist 002');
   await me.choose('Next');

@@ -63,14 +63,17 @@ export class Transport {
     this.mute = el('button.icon-button', { type: 'button', onclick: () => this.toggleMute() }, icon('volume'));
     this.volumeSlider = el('input.range', { type: 'range', min: 0, max: 100, step: 1, 'aria-label': 'Volume' });
     this.volume = el('div.volume', {}, this.mute, this.volumeSlider);
-    let waiting = 0;
+    // What people have set and the device does not know yet; nothing that it says meanwhile takes it back.
+    this.wantedVolume = null;
     const send = () => {
-      waiting = 0;
-      attempt(player.setVolume(Number(this.volumeSlider.value)), null);
+      const volume = this.wantedVolume;
+      this.wantedVolume = null;
+      attempt(player.setVolume(volume), null);
     };
     this.volumeSlider.addEventListener('input', () => {
-      setFill(this.volumeSlider, Number(this.volumeSlider.value) / 100);
-      waiting ||= setTimeout(send, SendVolumeEveryMs);
+      if (this.wantedVolume === null) setTimeout(send, SendVolumeEveryMs);
+      this.wantedVolume = Number(this.volumeSlider.value);
+      setFill(this.volumeSlider, this.wantedVolume / 100);
     });
   }
 
@@ -102,6 +105,7 @@ export class Transport {
   }
 
   showVolume() {
+    if (this.wantedVolume !== null) return;
     const { volume } = this.player;
     if (document.activeElement !== this.volumeSlider || !this.volumeSlider.matches(':active')) this.volumeSlider.value = volume;
     setFill(this.volumeSlider, volume / 100);
