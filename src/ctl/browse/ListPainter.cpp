@@ -7,6 +7,8 @@
 
 namespace {
 
+const QString AskAgain = QStringLiteral("sure? Enter again");
+
 constexpr int MarkColumns = 2;
 constexpr int DurationColumns = 7; // "1:23:45"
 // Below this width a track shows its title alone, below the other one no album.
@@ -34,7 +36,8 @@ int ListPainter::wantedWidth(const ListPlace& place) {
     int width = 0;
     for (int i = 0; i < qMin(place.store().count(), ListStore::PageSize); ++i) {
         const BrowseRow& row = place.store().row(i);
-        const int detail = CellText(detailOf(row)).width();
+        const bool mayAsk = row.deedInMenu() == Deed::CarryOutWhenSure;
+        const int detail = CellText(mayAsk ? AskAgain : detailOf(row)).width();
         width = qMax(width, CellText(row.title()).width() + (detail ? detail + 3 : 0));
     }
     return width + MarkColumns + 2;
@@ -121,7 +124,7 @@ void ListPainter::paintOther(const BrowseRow& row, int line, bool isActive) {
     const bool asks = m_browser->asksAgain(row);
     const Style style = asks ? Style::Warning : isCurrent ? Style::Accent : Style::Plain;
     m_terminal->put(line, m_area.left(), markOf(row, m_browser->player()), style, isActive);
-    const QString detail = asks ? QStringLiteral("sure? Enter again") : detailOf(row);
+    const QString detail = asks ? AskAgain : detailOf(row);
     const int room = m_area.width() - MarkColumns;
     // The detail may be long, too: the title keeps at least half.
     const CellText end =

@@ -105,7 +105,9 @@ void ListStore::fetch(int page) {
         });
 }
 
+// Everything is in its place before anybody is told: they may ask for more.
 void ListStore::take(int from, const RowsAnswer& answer) {
+    const Head before = head();
     takeHead(answer);
     if (answer.count == 0)
         m_emptyGeneration = m_generation;
@@ -116,29 +118,30 @@ void ListStore::take(int from, const RowsAnswer& answer) {
         m_rows.erase(m_rows.lower_bound(m_count), m_rows.end());
     }
     forgetFarRows();
+    tellHead(before);
     Q_EMIT rowsChanged();
 }
 
 void ListStore::takeHead(const RowsAnswer& answer) {
     m_roles = answer.roles;
-    if (answer.count != m_count)
-        setCount(answer.count);
-    if (answer.title != m_title) {
-        m_title = answer.title;
-        Q_EMIT titleChanged();
-    }
-}
-
-void ListStore::setCount(int count) {
+    m_title = answer.title;
+    if (answer.count == m_count)
+        return;
     if (isLoaded()) {
         // Nobody said where: everything may have shifted.
         Q_EMIT stale();
         ++m_generation;
         cancelFrom(0);
     }
-    m_count = count;
-    m_rows.erase(m_rows.lower_bound(count), m_rows.end());
-    Q_EMIT countChanged();
+    m_count = answer.count;
+    m_rows.erase(m_rows.lower_bound(m_count), m_rows.end());
+}
+
+void ListStore::tellHead(const Head& before) {
+    if (before.count != m_count)
+        Q_EMIT countChanged();
+    if (before.title != m_title)
+        Q_EMIT titleChanged();
 }
 
 void ListStore::forgetFarRows() {
@@ -233,7 +236,9 @@ void ListStore::lookAtHead() {
             if (!self || self->m_closed || self->isReading() || generation != self->m_generation ||
                 !answer.error.isEmpty())
                 return;
+            const Head before = self->head();
             self->takeHead(answer);
+            self->tellHead(before);
             if (self)
                 self->pump();
         });

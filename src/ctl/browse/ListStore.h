@@ -68,6 +68,10 @@ private:
         BrowseRow row;
         int generation = 0; // 0: out of date
     };
+    struct Head {
+        int count;
+        QString title;
+    };
     struct Run {
         int at;
         int count;
@@ -80,7 +84,8 @@ private:
     void fetch(int page);
     void take(int from, const RowsAnswer& answer);
     void takeHead(const RowsAnswer& answer);
-    void setCount(int count);
+    void tellHead(const Head& before);
+    Head head() const { return {m_count, m_title}; }
     void forgetFarRows();
     void cancelFrom(int index);
 
