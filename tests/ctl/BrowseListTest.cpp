@@ -245,6 +245,16 @@ TEST_F(BrowseList, findingBeginsWhereSomebodyStandsAndKnowsNoAccents) {
     EXPECT_EQ(finder.match(), -1);
 }
 
+TEST_F(BrowseList, headingsAreNotFound) {
+    rows.list = {FakeRows::header("Party"), FakeRows::track("party")};
+    cursor.setHeight(10);
+    rows.answerAll();
+    finder.search("party", 0);
+    rows.answerAll();
+    EXPECT_EQ(finder.matches(), 1);
+    EXPECT_EQ(finder.match(), 1);
+}
+
 TEST_F(BrowseList, aPlaceIsFoundBeforeItsListWasEverSeen) {
     rows.fill(1000);
     cursor.setHeight(10);

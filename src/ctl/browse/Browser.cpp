@@ -1,5 +1,6 @@
 #include "Browser.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 
 #include "BrowserKeys.h"
@@ -52,7 +53,10 @@ Browser::Browser(ApiClient* client, const QJsonObject& paths, const QString& sta
     m_places.push_back(makePlace(HomeRows::homePath(), {}, &m_home, QStringLiteral("Orvo")));
 }
 
-Browser::~Browser() = default;
+Browser::~Browser() {
+    // Places that were let go while their own signals were under way.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
 
 void Browser::start() {
     place().store().pump();
@@ -80,10 +84,13 @@ std::unique_ptr<ListPlace> Browser::makePlace(const QString& path, const BrowseR
     connect(&place->store(), &ListStore::rowsChanged, this, [this] {
         followParents();
         lookForNewRow();
+        if (!m_typedAhead.isEmpty())
+            QMetaObject::invokeMethod(this, &Browser::replayKeys, Qt::QueuedConnection);
     });
     connect(&place->store(), &ListStore::closed, this, [this, place] { remove(place); });
     connect(&place->store(), &ListStore::failed, this,
             [this, place](const QString& message, int status) {
+                m_typedAhead.clear();
                 if (status == NotFound)
                     remove(place, message);
                 else if (status != 0) // a lost connection is shown anyway
@@ -102,6 +109,8 @@ void Browser::push(const QString& path, const BrowseRow& row, const QString& nam
 void Browser::letGo(std::unique_ptr<ListPlace> place) {
     place->disconnect();
     place->store().blockSignals(true);
+    place->store().close();
+    place->finder().stop();
     place.release()->deleteLater();
 }
 

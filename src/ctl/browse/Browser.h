@@ -15,6 +15,7 @@
 #include "ListPlace.h"
 #include "LocalRows.h"
 #include "PlayerModel.h"
+#include "Terminal.h"
 
 // One page of an open menu: what the device publishes for a row, or a choice of this program's own.
 struct MenuPage {
@@ -111,6 +112,8 @@ private:
     void expectNewRow();
     void lookForNewRow();
     void endFinding(bool stay);
+    bool typesAhead(const Key& key);
+    void replayKeys();
 
     void pushMenu(const QString& path, const QString& title, const MenuPage::Pick& pick = {});
     void pushOwnMenu(const QString& title, const QVector<QJsonObject>& rows,
@@ -147,6 +150,7 @@ private:
     QTimer m_headTimer;
     QSet<QString> m_changedModules;
     std::optional<QSet<QString>> m_knownPaths; // before something new was made
+    QVector<Key> m_typedAhead;                 // for a list that is still on its way
     int m_working = 0;
     bool m_isBusy = false;
     QTimer m_busyTimer;

@@ -10,6 +10,7 @@ namespace {
 
 // So long a second choice counts as sure.
 constexpr int SureForMs = 4000;
+constexpr int MostTypedAhead = 32;
 constexpr int CloseEvent = 1; // what a reply may ask for: close the view
 
 const QString ModePrefix = QStringLiteral("own:mode/");
@@ -158,6 +159,7 @@ void Browser::lookForNewRow() {
 
 void Browser::back() {
     m_surePath.clear();
+    m_typedAhead.clear();
     if (!m_menu.empty()) {
         popMenu();
     } else if (m_places.size() > 1) {
@@ -250,6 +252,22 @@ void Browser::showHelp() {
     for (const KeyNote& note : KeyNotes)
         rows.append(LocalRows::note(QString::fromUtf8(note.does), QString::fromUtf8(note.keys)));
     pushOwnMenu(QStringLiteral("Keys"), rows, [this](const BrowseRow&) { popMenu(); });
+}
+
+// A key for a list whose rows have not come yet is kept until they have.
+bool Browser::typesAhead(const Key& key) {
+    if (shown().store().isLoaded())
+        return false;
+    if (m_typedAhead.size() < MostTypedAhead)
+        m_typedAhead.append(key);
+    return true;
+}
+
+void Browser::replayKeys() {
+    while (!m_typedAhead.isEmpty() && shown().store().isLoaded()) {
+        // A text or a menu that opens takes the rest as it would have at its time.
+        press(m_typedAhead.takeFirst());
+    }
 }
 
 void Browser::find() {

@@ -5,33 +5,37 @@
 
 namespace {
 
+// What concerns the rows of a list waits for them.
+enum class When { Always, RowsAreThere };
+
 struct KeyRow {
     Key key;
+    When when;
     void (*run)(Browser& browser);
 };
 
 const KeyRow Keys[] = {
-    {{Key::Up}, [](Browser& b) { b.shown().cursor().move(-1); }},
-    {{Key::Down}, [](Browser& b) { b.shown().cursor().move(1); }},
-    {{Key::PageUp}, [](Browser& b) { b.shown().cursor().page(-1); }},
-    {{Key::PageDown}, [](Browser& b) { b.shown().cursor().page(1); }},
-    {{Key::Home}, [](Browser& b) { b.shown().cursor().home(); }},
-    {{Key::Char, U'g'}, [](Browser& b) { b.shown().cursor().home(); }},
-    {{Key::End}, [](Browser& b) { b.shown().cursor().end(); }},
-    {{Key::Char, U'G'}, [](Browser& b) { b.shown().cursor().end(); }},
-    {{Key::Enter}, [](Browser& b) { b.openActive(); }},
-    {{Key::Right}, [](Browser& b) { b.enterActive(); }},
-    {{Key::Left}, [](Browser& b) { b.back(); }},
-    {{Key::Backspace}, [](Browser& b) { b.back(); }},
-    {{Key::Escape}, [](Browser& b) { b.back(); }},
-    {{Key::Char, U'm'}, [](Browser& b) { b.openMenuOfActive(); }},
-    {{Key::Char, U'/'}, [](Browser& b) { b.find(); }},
-    {{Key::Char, U' '}, [](Browser& b) { b.togglePlaying(); }},
-    {{Key::Char, U'n'}, [](Browser& b) { b.playNext(); }},
-    {{Key::Char, U'p'}, [](Browser& b) { b.playPrevious(); }},
-    {{Key::Char, U'j'}, [](Browser& b) { b.jumpToCurrent(); }},
-    {{Key::Char, U'?'}, [](Browser& b) { b.showHelp(); }},
-    {{Key::Char, U'q'}, [](Browser& b) { Q_EMIT b.quit(); }},
+    {{Key::Up}, When::RowsAreThere, [](Browser& b) { b.shown().cursor().move(-1); }},
+    {{Key::Down}, When::RowsAreThere, [](Browser& b) { b.shown().cursor().move(1); }},
+    {{Key::PageUp}, When::RowsAreThere, [](Browser& b) { b.shown().cursor().page(-1); }},
+    {{Key::PageDown}, When::RowsAreThere, [](Browser& b) { b.shown().cursor().page(1); }},
+    {{Key::Home}, When::RowsAreThere, [](Browser& b) { b.shown().cursor().home(); }},
+    {{Key::Char, U'g'}, When::RowsAreThere, [](Browser& b) { b.shown().cursor().home(); }},
+    {{Key::End}, When::RowsAreThere, [](Browser& b) { b.shown().cursor().end(); }},
+    {{Key::Char, U'G'}, When::RowsAreThere, [](Browser& b) { b.shown().cursor().end(); }},
+    {{Key::Enter}, When::RowsAreThere, [](Browser& b) { b.openActive(); }},
+    {{Key::Right}, When::RowsAreThere, [](Browser& b) { b.enterActive(); }},
+    {{Key::Left}, When::Always, [](Browser& b) { b.back(); }},
+    {{Key::Backspace}, When::Always, [](Browser& b) { b.back(); }},
+    {{Key::Escape}, When::Always, [](Browser& b) { b.back(); }},
+    {{Key::Char, U'm'}, When::RowsAreThere, [](Browser& b) { b.openMenuOfActive(); }},
+    {{Key::Char, U'/'}, When::RowsAreThere, [](Browser& b) { b.find(); }},
+    {{Key::Char, U' '}, When::Always, [](Browser& b) { b.togglePlaying(); }},
+    {{Key::Char, U'n'}, When::Always, [](Browser& b) { b.playNext(); }},
+    {{Key::Char, U'p'}, When::Always, [](Browser& b) { b.playPrevious(); }},
+    {{Key::Char, U'j'}, When::Always, [](Browser& b) { b.jumpToCurrent(); }},
+    {{Key::Char, U'?'}, When::Always, [](Browser& b) { b.showHelp(); }},
+    {{Key::Char, U'q'}, When::Always, [](Browser& b) { Q_EMIT b.quit(); }},
 };
 
 } // namespace
@@ -49,10 +53,12 @@ void BrowserKeys::press(Browser& browser, const Key& key) {
         return;
     }
     for (const KeyRow& row : Keys) {
-        if (row.key.name == key.name && row.key.character == key.character) {
-            row.run(browser);
+        if (row.key.name != key.name || row.key.character != key.character)
+            continue;
+        if (row.when == When::RowsAreThere && browser.typesAhead(key))
             return;
-        }
+        row.run(browser);
+        return;
     }
 }
 

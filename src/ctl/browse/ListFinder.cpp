@@ -25,7 +25,10 @@ QString ListFinder::searchText(const QString& text) {
     return plain.toCaseFolded();
 }
 
+// What cannot be stood on is not found.
 QString ListFinder::textOf(const BrowseRow& row) {
+    if (!row.canBeChosen())
+        return {};
     return searchText(QStringList{row.title(), row.artist(), row.album()}.join(QLatin1Char('\n')));
 }
 
