@@ -161,6 +161,19 @@ TEST_F(Browse, aKilledDeviceIsShownAndItsReturnToo) {
     ASSERT_TRUE(screen.waitForBar("1  Track 1.2"));
 }
 
+TEST_F(Browse, whatBecameOfThingsMeanwhileIsReadAgain) {
+    order({"add", "queue", device.musicFolder() + "/Long"});
+    TerminalProgram screen(browse({"playlists:pq/items"}));
+    ASSERT_TRUE(screen.waitForText("Long Two"));
+    screen.type(Enter);
+    ASSERT_TRUE(screen.waitForText("▶ Long One – Band L"));
+    device.kill();
+    ASSERT_TRUE(screen.waitForText("No connection"));
+    ASSERT_TRUE(device.start());
+    ASSERT_TRUE(screen.waitForText("Nothing here yet.")) << "the queue does not outlive the device";
+    ASSERT_TRUE(screen.waitForText("Nothing plays"));
+}
+
 TEST_F(Browse, aTrackIsPlayedMarkedAndPaused) {
     order({"add", "Party", device.musicFolder() + "/Long"});
     TerminalProgram screen(browse({"playlists:pl/items/1"}));

@@ -11,11 +11,11 @@
 #include "DeviceCalls.h"
 #include "EventFeed.h"
 #include "FolderAdding.h"
+#include "Key.h"
 #include "LineEditor.h"
 #include "ListPlace.h"
 #include "LocalRows.h"
 #include "PlayerModel.h"
-#include "Terminal.h"
 
 // One page of an open menu: what the device publishes for a row, or a choice of this program's own.
 struct MenuPage {

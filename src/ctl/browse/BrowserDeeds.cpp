@@ -2,7 +2,6 @@
 
 #include "Browser.h"
 #include "PathText.h"
-#include "Terminal.h"
 
 // What people do while they browse. Places and events stand in Browser.cpp.
 

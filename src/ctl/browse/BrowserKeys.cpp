@@ -1,7 +1,7 @@
 #include "BrowserKeys.h"
 
 #include "Browser.h"
-#include "Terminal.h"
+#include "Key.h"
 
 namespace {
 

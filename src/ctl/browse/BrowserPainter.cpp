@@ -14,7 +14,6 @@ constexpr int InfoRows = 1;
 constexpr int RoomForTwo = 14;
 constexpr int LeastRows = 4;
 constexpr int LeastColumns = 16;
-constexpr int MostNoticeRows = 5;
 constexpr int MenuColumns = 64;
 
 QString modeText(const QString& mode) {
@@ -242,13 +241,13 @@ void BrowserPainter::paintEdit(const QRect& room) {
     m_terminal->placeCursor(line, frame.left() + 2 + before.width());
 }
 
-// Whole, over the last lines of the list.
+// Whole, over the list.
 void BrowserPainter::paintNotice(int bottom, int width) {
     const auto& notice = m_browser->notice();
     if (!notice)
         return;
     QVector<CellText> lines = CellText(notice->text).wrapped(width - 2);
-    lines = lines.mid(0, qMin(MostNoticeRows, bottom));
+    lines = lines.mid(0, bottom - HeadRows);
     for (int i = 0; i < lines.size(); ++i) {
         const int row = bottom - lines.size() + i;
         CellText line(QStringLiteral(" "));

@@ -2,7 +2,7 @@
 
 #include <QTextBoundaryFinder>
 
-#include "Terminal.h"
+#include "Key.h"
 
 namespace {
 constexpr int MostUnits = 500;
