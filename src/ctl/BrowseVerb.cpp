@@ -21,7 +21,10 @@ void BrowseVerb::browse(VerbContext& context) {
         throw CtlFailure::usage(QStringLiteral("browse has no --json: rows and watch have"));
     Terminal::check();
     CellText::prepareLocale();
-    Browser browser(&context.device.client(), context.device.paths(), context.arguments.at(0));
+    ApiClient& client = context.device.client();
+    const QJsonArray modules =
+        client.get(QStringLiteral("/api/modules")).value(QLatin1String("modules")).toArray();
+    Browser browser(&client, context.device.paths(), modules, context.arguments.at(0));
 
     QEventLoop loop;
     TerminalSignals signalled;

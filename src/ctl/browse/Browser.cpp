@@ -1,7 +1,6 @@
 #include "Browser.h"
 
 #include <QCoreApplication>
-#include <QJsonArray>
 
 #include "BrowserKeys.h"
 #include "PathText.h"
@@ -22,8 +21,10 @@ QString moduleOf(const QString& path) {
 }
 } // namespace
 
-Browser::Browser(ApiClient* client, const QJsonObject& paths, const QString& start)
+Browser::Browser(ApiClient* client, const QJsonObject& paths, const QJsonArray& modules,
+                 const QString& start)
     : m_paths(paths),
+      m_modules(modules),
       m_calls(client),
       m_player(paths, &m_calls),
       m_feed(client, m_player.watched()),
@@ -59,6 +60,7 @@ Browser::~Browser() {
 }
 
 void Browser::start() {
+    refreshPlayer(m_modules);
     place().store().pump();
     if (!m_start.isEmpty())
         push(m_start, {}, m_start);
@@ -212,10 +214,13 @@ void Browser::readEverythingAgain() {
     m_calls.get(QStringLiteral("/api/modules"), {},
                 [this](const QJsonObject& answer, const QString& error, int) {
                     if (error.isEmpty())
-                        m_player.refresh(answer.value(QLatin1String("modules"))
-                                             .toArray()
-                                             .contains(QStringLiteral("player")));
+                        refreshPlayer(answer.value(QLatin1String("modules")).toArray());
                 });
+}
+
+void Browser::refreshPlayer(const QJsonArray& modules) {
+    m_modules = modules;
+    m_player.refresh(modules.contains(QStringLiteral("player")));
 }
 
 // What was asked for while there was no connection was not answered.
@@ -223,7 +228,7 @@ void Browser::onOnline(bool isOnline) {
     if (isOnline) {
         for (ListPlace* place : allPlaces())
             place->store().pump();
-        m_player.refresh(m_player.isPresent());
+        refreshPlayer(m_modules);
     }
     Q_EMIT changed();
 }

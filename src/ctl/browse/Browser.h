@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include <QJsonArray>
 #include <QSet>
 #include <QTimer>
 
@@ -46,8 +47,10 @@ struct Notice {
 class Browser : public QObject {
     Q_OBJECT
 public:
-    // `start`: the place to begin at, the home list when it is empty.
-    Browser(ApiClient* client, const QJsonObject& paths, const QString& start);
+    // `paths` and `modules`: what the device has. `start`: the place to begin at, the home list
+    // when it is empty.
+    Browser(ApiClient* client, const QJsonObject& paths, const QJsonArray& modules,
+            const QString& start);
     ~Browser() override;
 
     void start();
@@ -92,6 +95,7 @@ private:
 
     void onReceived(const QString& type, const QJsonObject& data);
     void readEverythingAgain();
+    void refreshPlayer(const QJsonArray& modules);
     void onOnline(bool isOnline);
     void lookAtHeads();
     QVector<ListPlace*> allPlaces() const;
@@ -131,6 +135,7 @@ private:
     QString devicePath(const char* function) const;
 
     QJsonObject m_paths;
+    QJsonArray m_modules;
     DeviceCalls m_calls;
     PlayerModel m_player;
     EventFeed m_feed;

@@ -53,8 +53,6 @@ CellText::CellText(const QString& text) {
         const QChar c = text.at(i);
         if (c.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate())
             append(QChar::surrogateToUcs4(c, text.at(++i)));
-        else if (c.isSurrogate())
-            append(Replacement);
         else if (isControl(c.unicode()))
             append(c.unicode() == 0x7F ? PictureOfDelete : PictureOfNull + c.unicode());
         else if (isLeftOut(c.unicode()))
@@ -76,6 +74,7 @@ void CellText::append(char32_t code) {
         return;
     auto c = wchar_t(code);
     int width = ::wcwidth(c);
+    // Half surrogates, and what no terminal is known to show.
     if (width < 0) {
         c = wchar_t(Replacement);
         width = 1;
