@@ -36,6 +36,7 @@ TerminalProgram::TerminalProgram(const QStringList& arguments, const QSize& size
     for (const QString& argument : arguments)
         words.push_back(argument.toUtf8());
     std::vector<char*> line;
+    line.reserve(words.size() + 1);
     for (QByteArray& word : words)
         line.push_back(word.data());
     line.push_back(nullptr);

@@ -34,7 +34,7 @@ ListPlace::ListPlace(const QString& path, const BrowseRow& row, RowReader* reade
 }
 
 QString ListPlace::title() const {
-    const QString published = m_store.title();
+    QString published = m_store.title();
     if (published.isEmpty())
         return m_row.isThere() ? m_row.title() : m_name;
     if (!m_lead.isEmpty() && published.startsWith(m_lead))

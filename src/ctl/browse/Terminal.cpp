@@ -80,7 +80,7 @@ void Terminal::check() {
     int error = 0;
     const bool known = ::setupterm(nullptr, STDOUT_FILENO, &error) == OK;
     const char* placing = known ? ::tigetstr("cup") : nullptr;
-    if (!placing || placing == reinterpret_cast<const char*>(-1))
+    if (!placing)
         throw CtlFailure::usage(
             QStringLiteral("browse needs a terminal that can place its cursor, and TERM=%1 cannot")
                 .arg(QString::fromLocal8Bit(qgetenv("TERM"))));
