@@ -91,6 +91,19 @@ Socket Socket::toFile(const std::string& path) {
     return socket;
 }
 
+std::uint16_t Socket::freePort() {
+    const Socket probe(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    auto* plain = reinterpret_cast<sockaddr*>(&address);
+    if (::bind(probe.descriptor(), plain, size) != 0 ||
+        ::getsockname(probe.descriptor(), plain, &size) != 0)
+        fail("no free port");
+    return ntohs(address.sin_port);
+}
+
 void Socket::sendAll(std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t sent = ::send(m_descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL);

@@ -21,6 +21,9 @@ public:
     static bool tryPort(std::uint16_t port, Socket* socket);
     static bool tryFile(const std::string& path, Socket* socket);
 
+    // One that nobody listens on at the moment.
+    static std::uint16_t freePort();
+
     int descriptor() const { return m_descriptor; }
     void sendAll(std::string_view bytes);
     // Waits until there is something, and appends it. False when the other side has closed.
