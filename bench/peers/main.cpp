@@ -1,6 +1,6 @@
 // The same work by Debian's Music Player Daemon and by the device: prints a table with the ratios.
 //
-//   orvo-bench-peers --host PROGRAM --memory DIR --disk DIR --music DIR [--json FILE]
+//   orvo-bench-peers --host PROGRAM --memory DIR --disk DIR --music DIR [--largest N] [--json FILE]
 //
 // Ends with 0, with 2 where something could not be measured. There are no bounds: the figures are
 // for people.
@@ -150,6 +150,11 @@ int run(std::map<std::string, std::string> arguments) {
         if (arguments[name].empty())
             throw std::runtime_error(std::string(name) + " is missing");
     }
+    const int largest =
+        arguments["--largest"].empty() ? 100'000 : std::stoi(arguments["--largest"]);
+    std::vector<int> sizes;
+    for (int size = 1000; size <= largest; size *= 10)
+        sizes.push_back(size);
     const TempFolder memory(arguments["--memory"]);
     const TempFolder disk(arguments["--disk"]);
     const Music music{arguments["--music"]};
@@ -177,7 +182,7 @@ int run(std::map<std::string, std::string> arguments) {
                 Report::machine().c_str(), "work", "n", "MPD", "ours, memory", "ours, disk",
                 "memory/MPD", "disk/MPD", "load");
     for (const Work& work : works()) {
-        for (const int size : {1000, 10'000, 100'000}) {
+        for (const int size : sizes) {
             const Key key{work.name, size};
             // In turns, so that a busy minute of the machine hits all of them.
             for (Contestant& contestant : contestants)
@@ -191,7 +196,7 @@ int run(std::map<std::string, std::string> arguments) {
         }
     }
     std::printf("\nresident memory after a list of n was read (MiB)\n");
-    for (const int size : {1000, 10'000, 100'000}) {
+    for (const int size : sizes) {
         const Key key{"page of 50", size};
         std::printf("%-26s %8d  %16.1f %16.1f %16.1f\n", "", size,
                     contestants[0].figures[key].memory / 1024,
