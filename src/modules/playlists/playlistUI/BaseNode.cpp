@@ -106,11 +106,15 @@ OrvoRoles BaseNode::textEntryRow(const TrString& title, CMPath path, const QStri
 }
 
 OrvoMediaData BaseNode::playableMediaData() {
-    OrvoMetaData metaData;
-    metaData.setPlayLogicPath(OrvoPlayListsPlayLogicPath());
-    OrvoMediaData mediaData;
-    mediaData.setMetaData(metaData);
-    return mediaData;
+    // One for all: every playlist's node holds it.
+    static const OrvoMediaData shared = [] {
+        OrvoMetaData metaData;
+        metaData.setPlayLogicPath(OrvoPlayListsPlayLogicPath());
+        OrvoMediaData mediaData;
+        mediaData.setMetaData(metaData);
+        return mediaData;
+    }();
+    return shared;
 }
 
 OrvoRoles BaseNode::contextMenu(const TrString& title, const CMPath& path) {
