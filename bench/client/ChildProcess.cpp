@@ -14,8 +14,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, const std::s
     for (const std::string& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
-    const int output =
-        ::open(outputFile.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+    const int output = ::open(outputFile.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
     if (output < 0)
         throw std::runtime_error("cannot write " + outputFile);
     const pid_t parent = ::getpid();

@@ -14,17 +14,10 @@ Device::Device(const Options& options) {
     std::filesystem::create_directories(options.data);
     const std::filesystem::path portFile = options.data / "port";
     std::filesystem::remove(portFile);
-    std::vector<std::string> command = {options.host,
-                                        "--data",
-                                        options.data.string(),
-                                        "--listen",
-                                        "127.0.0.1:0",
-                                        "--port-file",
-                                        portFile.string(),
-                                        "--audio-sink",
-                                        "null",
-                                        "--log-level",
-                                        "warn"};
+    std::vector<std::string> command = {options.host,      "--data",       options.data.string(),
+                                        "--listen",        "127.0.0.1:0",  "--port-file",
+                                        portFile.string(), "--audio-sink", "null",
+                                        "--log-level",     "warn"};
     if (!options.music.empty())
         command.insert(command.end(), {"--music", options.music});
     for (const std::string& module : options.modules)

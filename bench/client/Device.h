@@ -11,9 +11,9 @@
 class Device {
 public:
     struct Options {
-        std::string host;           // the program
-        std::filesystem::path data; // kept
-        std::string music;          // empty: none
+        std::string host;                 // the program
+        std::filesystem::path data;       // kept
+        std::string music;                // empty: none
         std::vector<std::string> modules; // empty: all
     };
 

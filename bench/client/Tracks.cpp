@@ -20,8 +20,8 @@ std::string track(int number) {
         R"(","artworkUrl":")" + cover + R"(","duration":215000,"genre":"Folk",)" +
         R"("prePlayPath":"files:prePlay","serviceId":"files","trackNumber":)" +
         std::to_string(number % PerAlbum + 1) +
-        R"(},"resources":[{"mimeType":"audio/flac","uri":")" + url +
-        R"("}]},"path":"files:tree/)" + file + R"(","title":")" + title + R"(","type":3})";
+        R"(},"resources":[{"mimeType":"audio/flac","uri":")" + url + R"("}]},"path":"files:tree/)" +
+        file + R"(","title":")" + title + R"(","type":3})";
     return R"({"title":")" + title + R"(","artist":")" + artist + R"(","album":")" + album +
            R"(","artworkUrl":")" + cover +
            R"(","genre":"Folk","durationSeconds":215,"serviceId":"files","url":")" + url +

@@ -37,8 +37,7 @@ void DevicePeer::prepareEmpty() {
 }
 
 void DevicePeer::playPaused(int index) {
-    const std::string logic =
-        R"("mediaData":{"metaData":{"playLogicPath":"playlists:playlogic"}})";
+    const std::string logic = R"("mediaData":{"metaData":{"playLogicPath":"playlists:playlogic"}})";
     command("player:playContainer", R"({"mediaRoles":{"type":1,"containerPlayable":true,"path":")" +
                                         QueueItems + "\"," + logic +
                                         R"(},"type":1,"startPosition":0,"paused":true,"index":)" +
@@ -61,8 +60,8 @@ bool DevicePeer::addFolderInTheMiddle(int size) {
 }
 
 bool DevicePeer::readPage(int from) {
-    const std::string_view body = m_connection.mustExchange(
-        HttpConnection::page(QueueItems, from, from + PageRows - 1));
+    const std::string_view body =
+        m_connection.mustExchange(HttpConnection::page(QueueItems, from, from + PageRows - 1));
     if (body.find(R"("value":{"i32":)" + std::to_string(from + PageRows - 1) + '}') ==
         std::string_view::npos)
         throw std::runtime_error("no whole page from the device");
@@ -81,8 +80,8 @@ bool DevicePeer::clear() {
 }
 
 std::string DevicePeer::itemPaths(const std::string& list) {
-    const std::string body(m_connection.mustExchange(
-        HttpConnection::get("/api/rows?roles=path&path=" + list)));
+    const std::string body(
+        m_connection.mustExchange(HttpConnection::get("/api/rows?roles=path&path=" + list)));
     constexpr std::string_view Path = "\"playlists:item/";
     std::string paths;
     for (std::size_t at = body.find(Path); at != std::string::npos;) {

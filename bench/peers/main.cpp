@@ -51,8 +51,8 @@ const std::vector<Work>& works() {
         {"clear", list, [](Peer& p, int, int) { return p.clear(); }, 1},
         {"save", saving, [](Peer& p, int n, int) { return p.save(n); }, 1},
         {"load", saved, [](Peer& p, int n, int) { return p.load(n); }, 1},
-        {"edit of a stored list", saved, [](Peer& p, int n, int i) { return p.editSaved(n / 2 + i); },
-         20},
+        {"edit of a stored list", saved,
+         [](Peer& p, int n, int i) { return p.editSaved(n / 2 + i); }, 20},
         {"next in random mode", [](Peer& p, int n) { p.prepareRandom(n); },
          [](Peer& p, int, int) { return p.next(); }, 20},
     };
@@ -156,11 +156,12 @@ int run(std::map<std::string, std::string> arguments) {
     for (int size = 1000; size <= largest; size *= 10)
         sizes.push_back(size);
     const TempFolder memory(arguments["--memory"]);
-    const TempFolder disk(arguments["--disk"]);
-    const Music music{arguments["--music"]};
+    // Absolute, because the daemon takes no other names.
+    const TempFolder disk(std::filesystem::absolute(arguments["--disk"]));
+    const Music music{std::filesystem::absolute(arguments["--music"]).string()};
     std::vector<Contestant> contestants(3);
-    contestants[0] = {"MPD", [&] { return std::make_unique<MpdPeer>(disk.path() / "mpd", music); },
-                      nullptr, {}};
+    contestants[0] = {
+        "MPD", [&] { return std::make_unique<MpdPeer>(disk.path() / "mpd", music); }, nullptr, {}};
     contestants[1] = {"ours, memory",
                       [&] {
                           return std::make_unique<DevicePeer>(
@@ -187,7 +188,9 @@ int run(std::map<std::string, std::string> arguments) {
             // In turns, so that a busy minute of the machine hits all of them.
             for (Contestant& contestant : contestants)
                 contestant.figures[key] = measure(contestant, work, size);
-            const auto figure = [&](int index) { return contestants[std::size_t(index)].figures[key]; };
+            const auto figure = [&](int index) {
+                return contestants[std::size_t(index)].figures[key];
+            };
             std::printf("%-26s %8d  %16s %16s %16s %12s %12s  %5.1f\n", work.name, size,
                         timeText(figure(0)).c_str(), timeText(figure(1)).c_str(),
                         timeText(figure(2)).c_str(), ratioText(figure(1), figure(0)).c_str(),

@@ -94,8 +94,8 @@ void Scenarios::edits(const Library& library, const std::string& storage, bool b
     constexpr int QuietMs = 50;
     HttpConnection editor = library.device->connect();
     EventConnection listener(library.device->port());
-    std::vector<Edit> all = editsOf(std::to_string(library.smallSize), library.smallList,
-                                    library.smallSize);
+    std::vector<Edit> all =
+        editsOf(std::to_string(library.smallSize), library.smallList, library.smallSize);
     const std::vector<Edit> big =
         editsOf(std::to_string(library.bigSize), library.bigList, library.bigSize);
     all.insert(all.end(), big.begin(), big.end());

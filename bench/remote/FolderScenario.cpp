@@ -27,9 +27,9 @@ void Scenarios::folderAdded(const Library& library, int tracks, Report& report) 
     std::uniform_int_distribution<int> offset(0, library.bigSize - PageRows);
 
     Samples samples;
-    const std::string request = HttpConnection::command(
-        "playlists:pl/addItems",
-        R"({"plid":)" + std::to_string(list) + R"(,"mode":2,"items":["files:tree"]})");
+    const std::string request = HttpConnection::command("playlists:pl/addItems",
+                                                        R"({"plid":)" + std::to_string(list) +
+                                                            R"(,"mode":2,"items":["files:tree"]})");
     const Clock::time_point start = Clock::now();
     editor.send(request);
     double added = -1;
@@ -56,8 +56,8 @@ void Scenarios::folderAdded(const Library& library, int tracks, Report& report) 
                 samples.add(microsecondsSince(reader.sent));
                 checkPage(reader.connection, reader.from);
                 reader.waits = false;
-                reader.due =
-                    Clock::now() + std::chrono::microseconds(std::chrono::microseconds::rep(BreathUs));
+                reader.due = Clock::now() +
+                             std::chrono::microseconds(std::chrono::microseconds::rep(BreathUs));
             }
             reading = reading || reader.waits;
         }
@@ -66,7 +66,8 @@ void Scenarios::folderAdded(const Library& library, int tracks, Report& report) 
     }
     if (editor.status() != 200)
         throw std::runtime_error("the folder was not added: " + std::string(editor.body()));
-    const std::string_view answer = editor.mustExchange(HttpConnection::page(itemsPath(list), 0, 0));
+    const std::string_view answer =
+        editor.mustExchange(HttpConnection::page(itemsPath(list), 0, 0));
     if (numberAfter(answer, R"("rowsCount":)") != tracks)
         throw std::runtime_error("the new list has not all tracks of the folder");
 

@@ -1,6 +1,7 @@
 // The device, end to end over HTTP on this machine: prints a table and compares it with its bounds.
 //
-//   orvo-bench-remote --host PROGRAM --music FOLDER --tracks N --memory DIR --disk DIR [--json FILE]
+//   orvo-bench-remote --host PROGRAM --music FOLDER --tracks N --memory DIR --disk DIR [--json
+//   FILE]
 //
 // Ends with 0, with 1 where a bound is broken, with 2 where something could not be measured.
 

@@ -160,9 +160,8 @@ void Controller::on_prepareItemsGroup_finished() {
 void Controller::checkInSlices(const ReqGroupProperties& props,
                                const std::shared_ptr<ItemsCheck>& check) {
     // A playlist that is moved as a whole must not change between being read and being deleted.
-    const QDeadlineTimer deadline = props.wholePlaylist
-                                        ? QDeadlineTimer(QDeadlineTimer::Forever)
-                                        : QDeadlineTimer(SliceMs);
+    const QDeadlineTimer deadline =
+        props.wholePlaylist ? QDeadlineTimer(QDeadlineTimer::Forever) : QDeadlineTimer(SliceMs);
     if (!check->run(deadline)) {
         QTimer::singleShot(0, this, [this, props, check] { checkInSlices(props, check); });
         return;

@@ -141,8 +141,7 @@ TEST_F(AddManyTest, whatIsBeingCheckedWhenTheModuleEndsIsAnswered) {
 }
 
 TEST_F(AddManyTest, aPlaylistThatIsMovedAsAWholeCannotChangeOnTheWay) {
-    expectDone(OrvoPlayListPlAddExternalItemsPath(),
-               QVariantHash{{"plid", 1}, {"items", many()}});
+    expectDone(OrvoPlayListPlAddExternalItemsPath(), QVariantHash{{"plid", 1}, {"items", many()}});
     const LateAnswer answer =
         sendLate(OrvoPlayListPlAddItemsPath(), {{"plid", 2}, {"fromPlid", 1}});
     EXPECT_TRUE(answer->answered);

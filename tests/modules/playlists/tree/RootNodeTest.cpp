@@ -155,8 +155,7 @@ TEST_F(RootNodeTest, everyRangeIsThatPartOfTheWhole) {
             const int one = std::min(from, count - 1);
             const int other = std::min(to, count - 1);
             const OrvoRowsRoles part = root(from, to);
-            EXPECT_EQ(rowTexts(part),
-                      whole.mid(std::min(one, other), std::abs(one - other) + 1))
+            EXPECT_EQ(rowTexts(part), whole.mid(std::min(one, other), std::abs(one - other) + 1))
                 << from << " to " << to;
             EXPECT_EQ(count, part.rowsCount());
         }
