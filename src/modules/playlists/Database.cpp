@@ -242,6 +242,23 @@ bool Database::cleanUnusedItems() {
     return statement(StatementId::CleanUnusedItems).run();
 }
 
+void Database::removeStrayItems() {
+    // Every entry has its own item. Comparing the numbers costs next to nothing, the clean-up a
+    // pass over the whole store.
+    constexpr const char* moreItemsThanEntries =
+        "SELECT 1 WHERE (SELECT Count(*) FROM items) > (SELECT Count(*) FROM playlists_items)";
+    bool found = false;
+    const auto note = [](void* into, int, char**, char**) {
+        *static_cast<bool*>(into) = true;
+        return 0;
+    };
+    sqlite3_exec(m_connection, moreItemsThanEntries, note, &found, nullptr);
+    if (!found || !cleanUnusedItems())
+        return;
+    LOG4CPLUS_INFO(moduleLog(), "removed " << sqlite3_changes(m_connection)
+                                           << " items of a playlist whose clearing was cut off");
+}
+
 void sqliteErrorLogCallback(void* /*arg*/, int errorCode, const char* message) {
     LOG4CPLUS_ERROR(moduleLog(), "SQLite error " << errorCode << ": " << message);
 }
