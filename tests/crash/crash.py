@@ -10,12 +10,14 @@ import sys
 import tempfile
 import time
 
+sys.dont_write_bytecode = True
 sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
 
 import model
 import store_file
 from commands import Mix
-from orvo_device import Device, write_silence
+from kill_point import KillPoint
+from orvo_device import Device, DeviceError, write_silence
 
 FIELDS = ("title", "artist", "album", "artworkUrl", "genre", "durationSeconds", "url", "serviceId",
           "orvoRoles")
@@ -56,17 +58,6 @@ def sleep_exactly(seconds):
         pass
 
 
-def wait_for_journal(file, turns, patience):
-    """Until the journal has come (an odd turn: a transaction writes) or gone (an even one: it is
-    committed) so many times. Without a pause: a transaction is over in a fraction of a
-    millisecond."""
-    until = time.perf_counter() + patience
-    there = os.path.exists(file)
-    while turns and time.perf_counter() < until:
-        before, there = there, os.path.exists(file)
-        turns -= there != before
-
-
 def stored_fields(item):
     """The columns of an item's row as they stand when the item was sent."""
     return tuple(item.get(name) or (0 if name == "durationSeconds" else "") for name in FIELDS)
@@ -87,16 +78,18 @@ def difference(expected, found):
 
 
 class CrashTest:
-    def __init__(self, host, folder, seed):
+    def __init__(self, host, kill_at, folder, seed):
         self.rng = random.Random(seed)
         self.folder = folder
         self.counts = collections.Counter()
         self.by_command = collections.Counter()
         self.durations = Durations()
+        self.operations = {}  # how many operations on the file things take
+        self.kill_point = KillPoint(kill_at, os.path.join(folder, "kill-at"))
         self.tracks = {}  # title → the item that was sent
         self.state = model.State()
         self.history = []  # the states since the last start, one per acknowledged edit
-        self.device = Device(host, folder, ["--audio-sink", "auto"])
+        self.device = Device(host, folder, ["--audio-sink", "auto"], self.kill_point.environment)
         self.connection = None
         self.mix = self._prepare_music()
 
@@ -140,8 +133,8 @@ class CrashTest:
         """Killed while the file is being made, the next start makes it whole."""
         for _ in range(count):
             shutil.rmtree(self.device.data, ignore_errors=True)
-            self.killed_spawn("first start", 0.1, 6)
-            self.timed_start("first start")
+            self.kill_during("first start", self.device.spawn, 0.1)
+            self.timed("first start", self.device.start)
             found, _, broken = store_file.read(self.device.database)
             if broken or found != model.State():
                 raise Broken(f"after a first start that was killed: {broken}\n"
@@ -149,7 +142,7 @@ class CrashTest:
             self.device.kill()
 
     def kill_start(self):
-        self.killed_spawn("start", 0.1, len(model.start(self.state)) - 1)
+        self.kill_during("start", self.device.spawn, 0.1)
         self.settle("start", model.start(self.state), 0)
 
     def kill_between(self):
@@ -161,16 +154,16 @@ class CrashTest:
     def kill_within(self):
         for _ in range(self.rng.randint(0, 8)):
             self.edit()
-        command = self.mix.draw(self.state)
+        command = self.draw_victim()
         victim = self.rng.randrange(len(command.requests))
         reached = 0
         for request in command.requests[:victim]:
             self.request(command, request)
             reached = request.reached
         request = command.requests[victim]
-        self.connection.send(request.method, request.target, request.body)
-        self.wait_for_moment((command.name, victim), 0.005, len(command.states) - 1)
-        self.kill()
+        self.kill_during(
+            (command.name, victim),
+            lambda: self.connection.send(request.method, request.target, request.body), 0.005)
         answer = self.connection.receive()
         if answer.status:
             self.check_answer(command, request, answer)
@@ -179,35 +172,48 @@ class CrashTest:
         acknowledged = command.requests[0].reached <= reached and (victim or answer.status)
         self.settle(command.name, command.states, reached, bool(acknowledged))
 
+    def draw_victim(self):
+        """Half of the time one that is several transactions, which are rare."""
+        command = self.mix.draw(self.state)
+        if self.rng.random() < 0.5:
+            for _ in range(30):
+                if len(command.states) > 2:
+                    break
+                command = self.mix.draw(self.state)
+        return command
+
     # --- what goes on between ---
 
-    def timed_start(self, name):
+    def timed(self, name, action):
+        """Does it, and learns how long it takes and how much it does to the file."""
         begin = time.perf_counter()
-        self.device.start()
+        done = self.kill_point.done()
+        result = action()
         self.durations.note(name, time.perf_counter() - begin)
+        self.operations[name] = self.kill_point.done() - done
+        return result
 
-    def killed_spawn(self, name, usual, transactions):
-        self.device.spawn()
-        self.wait_for_moment(name, usual, transactions)
-        self.kill()
-
-    def wait_for_moment(self, name, usual, transactions):
-        """A moment spread over the time that `name` takes, or one that is spread over its writing:
-        most of that time the file is left alone."""
-        if transactions < 1 or self.rng.random() < 0.4:
-            sleep_exactly(self.durations.moment(self.rng, name, usual))
+    def kill_during(self, name, action, usual):
+        """At a moment spread over the time that it takes, or at one of its operations on the
+        file: most of that time the file is left alone."""
+        operations = self.operations.get(name, 3)
+        if operations and self.rng.random() < 0.6:
+            self.kill_point.arm(self.rng.randint(1, operations), self.rng.random() < 0.5)
+            action()
+            self.device.wait_for_end(3 * self.durations.usual(name, usual))
+            self.counts["at an operation on the file"] += self.kill_point.reached()
         else:
-            wait_for_journal(self.device.database + "-journal",
-                             self.rng.randint(1, 2 * transactions),
-                             2 * self.durations.usual(name, usual))
-            sleep_exactly(self.rng.choice([0, self.rng.uniform(0, 0.0002)]))
+            action()
+            sleep_exactly(self.durations.moment(self.rng, name, usual))
+        self.kill()
 
     def kill(self):
         self.device.kill()
+        self.kill_point.disarm()
         self.counts["kills"] += 1
 
     def start(self):
-        self.timed_start("start")
+        self.timed("start", self.device.start)
         self.state = model.start(self.state)[-1]
         self.history = [self.state]
         self.connection = self.device.connect()
@@ -245,10 +251,9 @@ class CrashTest:
         self.acknowledged(command.name, command.states[-1])
 
     def request(self, command, request):
-        begin = time.perf_counter()
-        answer = self.connection.ask(request.method, request.target, request.body)
-        self.durations.note((command.name, command.requests.index(request)),
-                            time.perf_counter() - begin)
+        answer = self.timed(
+            (command.name, command.requests.index(request)),
+            lambda: self.connection.ask(request.method, request.target, request.body))
         self.check_answer(command, request, answer)
 
     def check_answer(self, command, request, answer):
@@ -292,6 +297,7 @@ class CrashTest:
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("host", help="the built orvo-host")
+    parser.add_argument("kill_at", help="the built library of KillAt.cpp")
     parser.add_argument("--kills", type=int, default=1000)
     parser.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 32))
     parser.add_argument("--folder", help="where to work; the temporary folder by default")
@@ -300,16 +306,16 @@ def main():
 
     folder = tempfile.mkdtemp(prefix="orvo-crash-", dir=options.folder)
     print(f"seed {options.seed}, {options.kills} kills, in {folder}")
-    test = CrashTest(options.host, folder, options.seed)
+    test = CrashTest(options.host, options.kill_at, folder, options.seed)
     begin = time.monotonic()
     failure = None
     try:
         test.run(options.kills)
-    except Broken as broken:
+    except (Broken, DeviceError) as broken:
         failure = broken
     finally:
         test.device.close()
-    for name in ("answered before the kill", "in flight: not there", "in flight: between",
+    for name in ("at an operation on the file", "answered before the kill", "in flight: not there", "in flight: between",
                  "in flight: all there", "transactions cut off"):
         print(f"  {name}: {test.counts[name]}")
     print(f"  commands: {dict(sorted(test.by_command.items()))}")
@@ -317,7 +323,7 @@ def main():
     print(f"kills: {test.counts['kills']}")
     print(f"edits acknowledged: {test.counts['edits acknowledged']}")
     if failure:
-        lost = "unknown" if failure.lost is None else failure.lost
+        lost = getattr(failure, "lost", None) or "unknown"
         print(f"edits lost: {lost}\nFAILED: {failure}")
         print(f"the folder of the failed run is kept: {folder}; again with --seed {options.seed}")
         return 1

@@ -27,6 +27,8 @@ def read(file):
     connection = sqlite3.connect(file)
     try:
         return _read(connection)
+    except sqlite3.DatabaseError as error:
+        return State(), {}, [f"cannot be read: {error}"]
     finally:
         connection.close()
 

@@ -99,8 +99,9 @@ class Connection:
 class Device:
     """One data folder and the host that runs in it, if any. The log of all runs is device.log."""
 
-    def __init__(self, host, folder, arguments=()):
+    def __init__(self, host, folder, arguments=(), environment=None):
         self._host = host
+        self._environment = {**os.environ, **(environment or {})}
         self.folder = folder
         self.music = os.path.join(folder, "music")
         self.data = os.path.join(folder, "device")
@@ -121,7 +122,7 @@ class Device:
             self._process = subprocess.Popen(
                 [self._host, "--data", self.data, "--music", self.music,
                  "--listen", "127.0.0.1:0", "--port-file", self._port_file(), *self._arguments],
-                stdout=subprocess.PIPE, stderr=log)
+                stdout=subprocess.PIPE, stderr=log, env=self._environment)
 
     def wait_until_ready(self):
         readable, _, _ = select.select([self._process.stdout], [], [], PATIENCE_S)
@@ -136,6 +137,13 @@ class Device:
 
     def alive(self):
         return self._process is not None and self._process.poll() is None
+
+    def wait_for_end(self, seconds):
+        """Until the host ends by itself, or patience does."""
+        try:
+            self._process.wait(seconds)
+        except subprocess.TimeoutExpired:
+            pass
 
     def kill(self):
         """SIGKILL: nothing in the process gets a chance to tidy up."""

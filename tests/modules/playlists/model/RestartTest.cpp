@@ -69,7 +69,8 @@ TEST_F(RestartTest, itemsOfAClearThatWasCutOffAreRemoved) {
     EXPECT_EQ(3, manager().getPlaylistsItemsCount());
     EXPECT_EQ("xyz", letters(*manager().getPlayListByUid(keptUid)));
     EXPECT_EQ("", letters(*manager().getPlayListByUid(clearedUid)));
-    EXPECT_EQ(1, log.lines().count("INFO removed 3 items of a playlist whose clearing was cut off"));
+    EXPECT_EQ(1,
+              log.lines().count("INFO removed 3 items of a playlist whose clearing was cut off"));
     expectInStep();
 }
 
