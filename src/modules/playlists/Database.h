@@ -157,6 +157,7 @@ private:
     class Transaction;
 
     void openFile();
+    void refuseForeignFile();
     void prepareStatements();
     Sqlite3Statement& statement(StatementId id);
     int count(StatementId id);
