@@ -6,9 +6,11 @@ import time
 
 from orvo_device import external_item
 
-REFUSED = 422
+# A command's refusal; a list that somebody else has just deleted.
+REFUSED = (422, 404)
 # The store must not grow, or memory would grow with it.
 MOST_TRACKS = 300
+MOST_COLLECTIONS = 8
 
 
 class Client(threading.Thread):
@@ -38,7 +40,7 @@ class Client(threading.Thread):
         begin = time.perf_counter()
         answer = self._connection.ask(method, target, body)
         self.answered.append(time.perf_counter() - begin)
-        if answer.status == REFUSED:
+        if answer.status in REFUSED:
             self.refused += 1
         elif answer.status != 200:
             self.errors.append(f"{method} {target} {str(body)[:200]}: {answer.status}"
@@ -56,6 +58,15 @@ class Client(threading.Thread):
         path = f"playlists:pl/items/{plid}" if plid else "playlists:pq/items"
         answer = self._ask("GET", f"/api/rows?path={path}&from=0&to=49&roles=title,path,type")
         return answer.json().get("rowsCount", 0) if answer.status == 200 else 0
+
+    def _collection(self, clid, plid):
+        path, value = self._rng.choice([
+            ("cl/create", {"name": f"shelf {self._rng.randrange(99)}"}),
+            ("cl/addItem", {"clid": clid, "plid": plid}),
+            ("cl/removeItem", {"clid": clid, "plid": plid}), ("cl/delete", {"clid": clid})])
+        answer = self._command("playlists:" + path, value)
+        if path == "cl/create" and answer.result() > MOST_COLLECTIONS:
+            self._command("playlists:cl/delete", {"clid": answer.result()})
 
     def _step(self):
         rng = self._rng
@@ -95,12 +106,7 @@ class Client(threading.Thread):
         elif choice < 0.77:
             self._command("playlists:pl/clear", {"plid": plid})
         elif choice < 0.83:
-            clid = rng.randint(1, 4)
-            path, value = rng.choice([("cl/create", {"name": f"shelf {rng.randrange(99)}"}),
-                                      ("cl/addItem", {"clid": clid, "plid": plid}),
-                                      ("cl/removeItem", {"clid": clid, "plid": plid}),
-                                      ("cl/delete", {"clid": rng.randint(3, 40)})])
-            self._command("playlists:" + path, value)
+            self._collection(rng.randint(1, MOST_COLLECTIONS), plid)
         elif choice < 0.87:
             self._command("playlists:pl/play", {"plid": plid})
         elif choice < 0.92:
