@@ -103,3 +103,7 @@ void backup(VerbContext& context);
 namespace WatchVerb {
 void watch(VerbContext& context);
 }
+
+namespace BrowseVerb {
+void browse(VerbContext& context);
+}

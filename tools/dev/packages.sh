@@ -4,9 +4,9 @@
 
 declare -A packages=(
     [build]='g++ cmake ninja-build pkg-config qtbase5-dev libsqlite3-dev liblog4cplus-dev libtag1-dev
-        libmicrohttpd-dev libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
+        libmicrohttpd-dev libncurses-dev libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
         gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-alsa'
-    [test]='libgtest-dev libgmock-dev libbenchmark-dev sqlite3 curl jq sox python3'
+    [test]='libgtest-dev libgmock-dev libbenchmark-dev sqlite3 curl jq sox python3 libvterm-dev'
     [demo]='sox python3'
     [fmt]='clang-format'
     [lint]='clang-tidy shellcheck'
