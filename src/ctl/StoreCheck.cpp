@@ -35,7 +35,7 @@ struct Rule {
     const char* advice;
 };
 
-constexpr Rule rules[] = {
+const Rule rules[] = {
     {"SELECT 'the play queue is missing' WHERE NOT EXISTS (SELECT 1 FROM playlists WHERE uid = 0)",
      nextStartMends},
     {"SELECT 'playlist ' || uid || ' has an id that no playlist can have' FROM playlists"

@@ -54,7 +54,7 @@ void show(const VerbContext& context, const QString& name, const QString& summar
 
 // Where the copy goes: the given file, one with a name of its own in the given folder, or here.
 QString targetOf(const VerbContext& context) {
-    const QString given =
+    QString given =
         context.arguments.positional().size() > 1 ? context.arguments.at(1) : QStringLiteral(".");
     if (!QFileInfo(given).isDir())
         return given;

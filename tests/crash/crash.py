@@ -315,8 +315,9 @@ def main():
         failure = broken
     finally:
         test.device.close()
-    for name in ("at an operation on the file", "answered before the kill", "in flight: not there", "in flight: between",
-                 "in flight: all there", "transactions cut off"):
+    for name in ("at an operation on the file", "answered before the kill",
+                 "in flight: not there", "in flight: between", "in flight: all there",
+                 "transactions cut off"):
         print(f"  {name}: {test.counts[name]}")
     print(f"  commands: {dict(sorted(test.by_command.items()))}")
     print(f"  {time.monotonic() - begin:.0f} s")

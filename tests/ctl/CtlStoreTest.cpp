@@ -50,7 +50,7 @@ protected:
     Device::Ctl check() {
         const QByteArray before = contents(file);
         const QStringList entries = QDir(QFileInfo(file).path()).entryList();
-        const Device::Ctl result = device.ctl({"check", file});
+        Device::Ctl result = device.ctl({"check", file});
         EXPECT_TRUE(contents(file) == before);
         EXPECT_EQ(QDir(QFileInfo(file).path()).entryList(), entries);
         return result;
