@@ -12,6 +12,7 @@ declare -A packages=(
     [lint]='clang-tidy shellcheck'
     [fuzz]='clang libclang-rt-dev'
     [web]='chromium'
+    [peers]='mpd python3'
 )
 # Node may have come from elsewhere than Debian; its package would not go along with Debian's npm.
 if ! command -v node >/dev/null || ! command -v npm >/dev/null; then packages[web]+=' nodejs npm'; fi
