@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <utility>
 
@@ -32,21 +33,35 @@ enum ItemColumn {
     OrvoRolesColumn,
 };
 
-OrvoPlayListItem itemFromRow(const Sqlite3Statement& row) {
-    OrvoPlayListItem item;
-    item.setSequenceNumber(row.columnInt(SequenceNumberColumn));
-    item.setUid(row.columnInt(UidColumn));
-    item.setTitle(row.columnText(TitleColumn));
-    item.setArtist(row.columnText(ArtistColumn));
-    item.setAlbum(row.columnText(AlbumColumn));
-    item.setArtworkUrl(row.columnText(ArtworkUrlColumn));
-    item.setGenre(row.columnText(GenreColumn));
-    item.setDurationSeconds(row.columnInt(DurationSecondsColumn));
-    item.setUrl(row.columnText(UrlColumn));
-    item.setServiceId(row.columnText(ServiceIdColumn));
-    item.setOrvoRoles(row.columnText(OrvoRolesColumn));
-    return item;
-}
+// Makes items of item rows. Entries that follow each other are often of one album: what a row has
+// in common with the one before is shared.
+class ItemMaker {
+public:
+    OrvoPlayListItem operator()(const Sqlite3Statement& row) {
+        using Item = OrvoPlayListItem;
+        const auto shared = [this, &row](int column) {
+            QString& last = m_last[std::size_t(column)];
+            return last = row.columnText(column, last);
+        };
+        QVariantHash item;
+        item.reserve(OrvoRolesColumn + 1);
+        item.insert(Item::SequenceNumber(), row.columnInt(SequenceNumberColumn));
+        item.insert(Item::Uid(), row.columnInt(UidColumn));
+        item.insert(Item::Title(), row.columnText(TitleColumn));
+        item.insert(Item::Artist(), shared(ArtistColumn));
+        item.insert(Item::Album(), shared(AlbumColumn));
+        item.insert(Item::ArtworkUrl(), shared(ArtworkUrlColumn));
+        item.insert(Item::Genre(), shared(GenreColumn));
+        item.insert(Item::DurationSeconds(), row.columnInt(DurationSecondsColumn));
+        item.insert(Item::Url(), row.columnText(UrlColumn));
+        item.insert(Item::ServiceId(), shared(ServiceIdColumn));
+        item.insert(Item::OrvoRoles(), row.columnText(OrvoRolesColumn));
+        return OrvoPlayListItem(item);
+    }
+
+private:
+    std::array<QString, OrvoRolesColumn + 1> m_last;
+};
 
 // Entries that follow each other without a gap, both ends included.
 struct Run {
@@ -88,8 +103,9 @@ bool Database::visitItems(int playlistUid, int from, int to, Visit visit) {
 QList<OrvoPlayListItem> Database::getItems(const PlayListRecord& pl, int from, int to) {
     CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid << " from=" << from << " to=" << to);
     QList<OrvoPlayListItem> items;
-    visitItems(pl.uid, from, to, [&items](const Sqlite3Statement& row) {
-        items.append(itemFromRow(row));
+    ItemMaker makeItem;
+    visitItems(pl.uid, from, to, [&items, &makeItem](const Sqlite3Statement& row) {
+        items.append(makeItem(row));
         return true;
     });
     return items;
@@ -99,7 +115,7 @@ bool Database::readItemByUid(int uid, OrvoPlayListItem& item) {
     StatementScope search(statement(StatementId::GetItemByUid));
     if (!search->bindInt(1, uid) || !search->step_row())
         return false;
-    const OrvoPlayListItem found = itemFromRow(search.row());
+    const OrvoPlayListItem found = ItemMaker()(search.row());
     if (!search.reset())
         return false;
     item = found;
@@ -148,12 +164,13 @@ QHash<int, OrvoPlayListItem> Database::collectItems(const QList<PlayListRecord>&
     QHash<int, OrvoPlayListItem> found;
     QSet<int> missing(uids.begin(), uids.end());
     QList<PlayListRecord> unread = playlists;
+    ItemMaker makeItem;
 
     const auto walk = [&](const PlayListRecord& pl) {
         visitItems(pl.uid, 0, lastPossibleNumber, [&](const Sqlite3Statement& row) {
             const int uid = row.columnInt(UidColumn);
             if (missing.remove(uid))
-                found.insert(uid, itemFromRow(row));
+                found.insert(uid, makeItem(row));
             return !missing.isEmpty();
         });
     };
