@@ -8,6 +8,7 @@
 #include <QVector>
 
 #include "DatabaseTransaction.h"
+#include "ItemTexts.h"
 #include "ModuleLog.h"
 #include "Sqlite3Statement.h"
 
@@ -300,24 +301,42 @@ bool Database::offsetItemsFromTransaction(const PlayListRecord& pl, int from, in
 
 bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& sequenceNumber,
                                           const QList<OrvoPlayListItem>& items) {
-    Sqlite3Statement& insertItem = statement(StatementId::InsertItem);
-    Sqlite3Statement& insertEntry = statement(StatementId::InsertPlayListItem);
-    int number = sequenceNumber;
-    for (const OrvoPlayListItem& item : items) {
-        if (!insertItem.run(item.title(), item.artist(), item.album(), item.artworkUrl(),
-                            item.genre(), item.durationSeconds(), item.url(), item.serviceId(),
-                            item.orvoRoles())) {
+    constexpr int Ahead = 2;
+    std::array<ItemTexts, Ahead + 1> texts;
+    const auto textsOf = [&texts](int i) -> ItemTexts& {
+        return texts[std::size_t(i) % texts.size()];
+    };
+    const bool traced = moduleLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL);
+    for (int i = -Ahead; i < items.size(); ++i) {
+        if (i + 2 < items.size())
+            textsOf(i + 2).find(items.at(i + 2));
+        if (i + 1 >= 0 && i + 1 < items.size())
+            textsOf(i + 1).comeCloser();
+        if (i < 0)
+            continue;
+        const int uid = insertItem(textsOf(i), items.at(i).durationSeconds());
+        if (uid < 0) {
             LOG4CPLUS_ERROR(moduleLog(), "Error inserting item into DB");
             return false;
         }
-        const int uid = int(sqlite3_last_insert_rowid(m_connection));
-        LOG4CPLUS_TRACE(moduleLog(), "Inserted item into DB with uid" << uid);
-        if (!insertEntry.run(pl.uid, uid, number++)) {
+        if (traced)
+            LOG4CPLUS_TRACE(moduleLog(), "Inserted item into DB with uid" << uid);
+        if (!statement(StatementId::InsertPlayListItem).run(pl.uid, uid, sequenceNumber + i)) {
             LOG4CPLUS_ERROR(moduleLog(), "Error inserting item into playlist DB");
             return false;
         }
     }
     return true;
+}
+
+// The uid that the store has given it, or Failed.
+int Database::insertItem(const ItemTexts& item, int durationSeconds) {
+    using Text = ItemTexts;
+    const bool inserted = statement(StatementId::InsertItem)
+                              .run(item[Text::Title], item[Text::Artist], item[Text::Album],
+                                   item[Text::ArtworkUrl], item[Text::Genre], durationSeconds,
+                                   item[Text::Url], item[Text::ServiceId], item[Text::OrvoRoles]);
+    return inserted ? int(sqlite3_last_insert_rowid(m_connection)) : Failed;
 }
 
 int Database::removeItems(const PlayListRecord& pl, const QList<int>& indices) {
