@@ -338,26 +338,30 @@ OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRo
     controls.setSeekBytes(seekBytes);
     controls.setPlayMode(playModesSupported());
 
-    m_nextMediaPrepared = false;
     // Something may have been announced between a play command and the start of its item: that is
     // still to come.
-    if (newRoles.id().isEmpty() || newRoles.id() == m_currentTrackRoles.id())
-        takeOverCurrentTrack();
+    const bool announcedStarted =
+        newRoles.id().isEmpty() || newRoles.id() == m_currentTrackRoles.id();
 
     OrvoPlayLogicData result = data();
     // The player has the item as it was handed over; edits since then may have given it another
     // number.
-    const OrvoRoles current = getCurrentTrack();
+    const OrvoRoles present = announcedStarted && m_currentTrackRoles.value().containsI32_()
+                                  ? m_currentTrackRoles
+                                  : getCurrentTrack();
     if (newRoles == result.trackRoles() && newRoles.value().containsI32_() &&
-        newRoles.id() == current.id()) {
+        newRoles.id() == present.id()) {
         OrvoRoles renumbered = newRoles;
-        renumbered.setValue(current.value());
+        renumbered.setValue(present.value());
         result.setTrackRoles(renumbered);
     }
     result.removeAttribute(OrvoPlayLogicData::Error());
     result.removeAttribute(OrvoPlayLogicData::StreamerError());
     result.setControls(controls);
     LOG4CPLUS_DEBUG(playLogicLog(), "New playlogic data: " << result.toVariant());
+    m_nextMediaPrepared = false;
+    if (announcedStarted)
+        takeOverCurrentTrack();
     return result;
 }
 
