@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Draws cost against size, one small plot per work: plot.py OUT.svg FIGURES.json…
 
 Each file holds a list of {"work", "who", "size", "storage", "median_us"}, as the benchmarks write

@@ -60,7 +60,8 @@ private:
     Rows m_rows;
 };
 
-// All items of a list, asked for by their paths as another list that takes them over asks for them.
+// All items of a list, asked for by their paths as another list that takes them over asks for them;
+// held against the model reading the same items where they stand.
 class PrepareByPath : public ModuleTurns {
 public:
     explicit PrepareByPath(const Setting& setting) : ModuleTurns(setting, {1, setting.size}) {
@@ -68,9 +69,7 @@ public:
             m_paths.append((OrvoPlayListItemPath() + QString::number(item.uid())).toString());
     }
 
-    bool base() override {
-        return floor_read(store(), &floorList, 0, size(), &m_rows) && m_rows.count == size();
-    }
+    bool base() override { return list()->getItems(0, size()).size() == size(); }
     bool ours() override {
         QVariant answer;
         return send(OrvoPlayListPlPrepareItemsPath(), m_paths, &answer) &&
@@ -79,7 +78,6 @@ public:
 
 private:
     QStringList m_paths;
-    Rows m_rows;
 };
 
 // What a start reads: all playlists and collections, on a connection that has read nothing yet.

@@ -4,6 +4,8 @@
 #include <ctime>
 #include <log4cplus/initializer.h>
 #include <log4cplus/nullappender.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -63,52 +65,103 @@ int turnsOf(const Work& work, const Setting& setting, bool isShort) {
     return isShort ? many / 2 : many;
 }
 
-void run(benchmark::State& state, const Work& work, const Setting& setting, Figures& figures) {
+struct Times {
+    std::vector<double> base;
+    std::vector<double> ours;
+};
+
+// Empty when the work failed.
+Times measure(const Work& work, const Setting& setting, int count) {
     const std::unique_ptr<Turns> turns = work.setUp(setting);
     const Stopwatch watch(setting.storage == QLatin1String("disk"));
     const bool hasBase = !work.base.isEmpty();
-    std::vector<double> base;
-    std::vector<double> ours;
+    Times times;
     bool ok = true;
     const auto takeBase = [&] {
         turns->prepareBase();
-        ok = ok && (!hasBase || watch.time([&] { return turns->base(); }, base));
+        ok = ok && (!hasBase || watch.time([&] { return turns->base(); }, times.base));
     };
     const auto takeOurs = [&] {
         turns->prepareOurs();
-        ok = ok && watch.time([&] { return turns->ours(); }, ours);
+        ok = ok && watch.time([&] { return turns->ours(); }, times.ours);
     };
-    bool isWarm = false;
-    for (auto _ : state) {
+    // The first turn of a short work fills the caches and is not counted.
+    const bool isWarmedUp = work.length == Work::Length::Short;
+    for (int i = isWarmedUp ? -1 : 0; i < count; ++i) {
         // In turns, and each of the two as often first as second.
         turns->prepare();
-        if (ours.size() % 2 == 0) {
+        if (i % 2 == 0) {
             takeBase();
             takeOurs();
         } else {
             takeOurs();
             takeBase();
         }
-        if (!ok) {
-            state.SkipWithError("it did not work");
-            break;
-        }
-        state.SetIterationTime(ours.back() / 1e6);
-        // The first turn of a short work fills the caches.
-        if (!isWarm && work.length == Work::Length::Short) {
-            base.clear();
-            ours.clear();
-        }
-        isWarm = true;
+        if (!ok)
+            return {};
+        if (i < 0)
+            times = {};
     }
-    if (!ok)
+    return times;
+}
+
+void writeAll(int file, const std::vector<double>& values) {
+    const std::size_t size = values.size() * sizeof(double);
+    if (write(file, values.data(), size) != ssize_t(size))
+        _exit(1);
+}
+
+std::vector<double> readSome(int file, int count) {
+    std::vector<double> values(std::size_t(count), 0.0);
+    auto* to = reinterpret_cast<char*>(values.data());
+    std::size_t missing = values.size() * sizeof(double);
+    while (missing > 0) {
+        const ssize_t got = read(file, to, missing);
+        if (got <= 0)
+            return {};
+        to += got;
+        missing -= std::size_t(got);
+    }
+    return values;
+}
+
+// In a process of its own: what an earlier work has left of the heap is no part of this one.
+Times measureApart(const Work& work, const Setting& setting, int count) {
+    int ends[2];
+    CM_ASSERT(pipe(ends) == 0, "no pipe");
+    const pid_t child = fork();
+    CM_ASSERT(child >= 0, "no process");
+    if (child == 0) {
+        const Times times = measure(work, setting, count);
+        writeAll(ends[1], times.ours);
+        writeAll(ends[1], times.base);
+        _exit(0);
+    }
+    close(ends[1]);
+    Times times;
+    times.ours = readSome(ends[0], count);
+    if (!times.ours.empty() && !work.base.isEmpty())
+        times.base = readSome(ends[0], count);
+    close(ends[0]);
+    int status = 0;
+    waitpid(child, &status, 0);
+    return status == 0 ? times : Times();
+}
+
+void run(benchmark::State& state, const Work& work, const Setting& setting, Figures& figures) {
+    const Times times = measureApart(work, setting, int(state.max_iterations));
+    if (times.ours.empty()) {
+        state.SkipWithError("it did not work");
         return;
-    figures.add({work.name, QStringLiteral("orvo"), setting.size, setting.storage, median(ours)});
-    state.counters["ours_us"] = median(ours);
-    if (hasBase) {
-        figures.add({work.name, work.base, setting.size, setting.storage, median(base)});
-        state.counters["base_us"] = median(base);
-        state.counters["ratio"] = median(ours) / median(base);
+    }
+    auto time = times.ours.begin();
+    for (auto _ : state)
+        state.SetIterationTime(*time++ / 1e6);
+    figures.add(
+        {work.name, QStringLiteral("orvo"), setting.size, setting.storage, median(times.ours)});
+    if (!work.base.isEmpty()) {
+        figures.add({work.name, work.base, setting.size, setting.storage, median(times.base)});
+        state.counters["ratio"] = median(times.ours) / median(times.base);
     }
 }
 
@@ -207,7 +260,7 @@ void registerAll(const std::vector<Work>& works, const Options& options, Figures
     }
 }
 
-bool write(const QString& fileName, const QByteArray& text) {
+bool writeFile(const QString& fileName, const QByteArray& text) {
     QFile file(fileName);
     return file.open(QIODevice::WriteOnly) && file.write(text) == text.size();
 }
@@ -235,6 +288,6 @@ int main(int argc, char** argv) {
                     options.slack, (options.slack - 1) / 2);
     for (const QString& sentence : figures.broken())
         std::printf("BROKEN %s\n", qPrintable(sentence));
-    const bool written = options.json.isEmpty() || write(options.json, figures.json());
+    const bool written = options.json.isEmpty() || writeFile(options.json, figures.json());
     return written && !progress.failed() && figures.broken().isEmpty() ? 0 : 1;
 }

@@ -1,5 +1,6 @@
 #include "floor.h"
 
+#include <cstring>
 #include <sqlite3.h>
 
 #include "Items.h"

@@ -163,6 +163,7 @@ QHash<int, OrvoPlayListItem> Database::collectItems(const QList<PlayListRecord>&
                                                     const QList<int>& uids) {
     constexpr int discoveries = 2;
     QHash<int, OrvoPlayListItem> found;
+    found.reserve(uids.size());
     QSet<int> missing(uids.begin(), uids.end());
     QList<PlayListRecord> unread = playlists;
     ItemMaker makeItem;
