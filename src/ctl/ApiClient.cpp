@@ -71,12 +71,15 @@ QJsonObject ApiClient::send(const QByteArray& method, const QString& resource,
         *refusedStatus = status;
         return {};
     }
+    throw CtlFailure::refused(refusal(status, answer));
+}
+
+QString ApiClient::refusal(int status, const QJsonObject& answer) const {
     const QString message = answer.value(QStringLiteral("error"))
                                 .toObject()
                                 .value(QStringLiteral("message"))
                                 .toString();
-    throw CtlFailure::refused(
-        message.isEmpty()
-            ? QStringLiteral("%1 answers with status %2").arg(m_url.toString()).arg(status)
-            : message);
+    return message.isEmpty()
+               ? QStringLiteral("%1 answers with status %2").arg(m_url.toString()).arg(status)
+               : message;
 }

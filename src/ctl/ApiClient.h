@@ -23,6 +23,9 @@ public:
         return send("PUT", resource, {}, body);
     }
 
+    // Why it was refused, in the device's own words where it has some.
+    QString refusal(int status, const QJsonObject& answer) const;
+
     QNetworkRequest request(const QString& resource, const QUrlQuery& query = {}) const;
     QNetworkAccessManager& manager() { return m_manager; }
     const QUrl& url() const { return m_url; }

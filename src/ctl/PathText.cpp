@@ -7,6 +7,10 @@ namespace {
 QString decode(const QString& text) {
     return QUrl::fromPercentEncoding(text.toUtf8());
 }
+
+QString basePart(const QString& path) {
+    return path.section(QLatin1Char('?'), 0, 0);
+}
 } // namespace
 
 bool PathText::isPath(const QString& text) {
@@ -25,7 +29,7 @@ QString PathText::append(const QString& path, const QStringList& components) {
 }
 
 QStringList PathText::components(const QString& path) {
-    const QString base = path.section(QLatin1Char('?'), 0, 0).section(QLatin1Char(':'), 1);
+    const QString base = basePart(path).section(QLatin1Char(':'), 1);
     QStringList result;
     for (const QString& component : base.split(QLatin1Char('/'), Qt::SkipEmptyParts))
         result.append(decode(component));
@@ -39,4 +43,15 @@ QString PathText::parameter(const QString& path, const QString& name) {
             return decode(pair.section(QLatin1Char('='), 1));
     }
     return {};
+}
+
+bool PathText::isSamePlace(const QString& a, const QString& b) {
+    return basePart(a) == basePart(b);
+}
+
+bool PathText::isAtOrBelow(const QString& path, const QString& start) {
+    const QString base = basePart(path);
+    const QString of = basePart(start);
+    return base == of ||
+           base.startsWith(of.endsWith(QLatin1Char(':')) ? of : of + QLatin1Char('/'));
 }

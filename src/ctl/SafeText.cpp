@@ -2,20 +2,20 @@
 
 #include <QVector>
 
-namespace {
-
-bool isUnsafe(ushort unit) {
+bool SafeText::isUnsafe(ushort unit) {
     return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) ||       // C0, DEL, C1
            unit == 0x061C || unit == 0x200E || unit == 0x200F || // direction marks
            (unit >= 0x2028 && unit <= 0x202E) || // line separators, direction embeddings
            (unit >= 0x2066 && unit <= 0x2069) || unit == 0xFEFF;
 }
 
+namespace {
+
 QString escaped(const QString& text, const QString& kept) {
     QString result;
     result.reserve(text.size());
     for (const QChar c : text) {
-        if (isUnsafe(c.unicode()) && !kept.contains(c))
+        if (SafeText::isUnsafe(c.unicode()) && !kept.contains(c))
             result += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
         else
             result += c;

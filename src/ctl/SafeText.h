@@ -8,6 +8,8 @@
 // the cursor or hide what follows.
 namespace SafeText {
 
+// Whether the code unit moves the cursor, or turns the direction of writing.
+bool isUnsafe(ushort unit);
 QString forTerminal(const QString& text);
 // JSON text stays JSON: such characters stand inside strings only and become \u escapes there.
 QByteArray json(const QByteArray& json);

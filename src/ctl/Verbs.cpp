@@ -78,6 +78,8 @@ const QVector<Verb>& Verbs::all() {
          CollectionVerbs::removeItem},
         {"collection show", "COLLECTION", "the playlists of a collection", 1, 1, none, none,
          CollectionVerbs::show},
+        {"browse", "[PATH]", "everything, in this terminal; ? shows the keys", 0, 1, none, none,
+         BrowseVerb::browse},
         {"paths", "", "the names of the device's paths", 0, 0, none, none, BasicVerbs::paths},
         {"rows",
          "PATH [--from N] [--to N] [--roles A,B]",

@@ -97,3 +97,7 @@ void add(VerbContext& context);
 namespace WatchVerb {
 void watch(VerbContext& context);
 }
+
+namespace BrowseVerb {
+void browse(VerbContext& context);
+}

@@ -220,12 +220,12 @@ export class App {
     this.openInMain(row);
   }
 
-  openInMain(row) {
+  openInMain(row, goIn = false) {
     this.main.begin(row);
     this.showMain();
     this.remember();
     this.nav.top.list.refresh();
-    if (this.isNarrow) this.main.top.focus();
+    if (goIn || this.isNarrow) this.main.top.focus();
   }
 
   setPlace(place) {

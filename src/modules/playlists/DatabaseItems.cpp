@@ -262,7 +262,10 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
     }
     printItems(pl);
 
-    const int dbItemsCount = countPlaylistsItems();
+    // A pass over all items, made only where somebody looks at the result.
+    const bool countWanted =
+        m_itemsLimit != 0 || moduleLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL);
+    const int dbItemsCount = countWanted ? countPlaylistsItems() : 0;
     // Deliberate: where the store already holds more than the limit, the length is negative, which
     // QList takes as "to the end", and everything is added.
     const qint64 room = qint64(m_itemsLimit) - dbItemsCount;

@@ -28,11 +28,6 @@ export const isSwitch = (row) => row.type === RowType.Editable && typeof row.val
 // An editable text without a text yet makes something new.
 export const isCreate = (row) => row.type === RowType.Editable && row.value?.string === '';
 
-export function subtitle(row) {
-  const { artist, album } = metaData(row);
-  return [artist, album].filter(Boolean).join(' · ');
-}
-
 // What identifies a row across changes of its list.
 export const rowKey = (row) => row?.path ?? null;
 

@@ -46,6 +46,13 @@ OrvoRoles BaseNode::createRolesFromPath(const CMPath& path, const QStringList& k
     return getDataRoles(keys, path.params());
 }
 
+BaseNode::RowRange BaseNode::askedRows(const CMGetRowsRequest& request, int rowsCount) {
+    const int last = rowsCount - 1;
+    const int one = std::clamp(request.fromRow(), 0, last);
+    const int other = std::clamp(request.toRow(), 0, last);
+    return {std::min(one, other), std::max(one, other)};
+}
+
 void BaseNode::sendRowsReply(const QVariantList& rows, int rowsCount, const TrString& title,
                              const OrvoRoles& roles, const CMGetRowsRequest& request,
                              bool sliceRows) {
@@ -53,13 +60,10 @@ void BaseNode::sendRowsReply(const QVariantList& rows, int rowsCount, const TrSt
     setTitle(title);
     QVariantList sent = rows;
     if (rowsCount >= 1 && sliceRows) {
-        const int last = rowsCount - 1;
-        const int one = std::clamp(request.fromRow(), 0, last);
-        const int other = std::clamp(request.toRow(), 0, last);
-        const int first = std::min(one, other);
-        const int count = std::max(one, other) - first + 1;
+        const RowRange asked = askedRows(request, rowsCount);
+        const int count = asked.last - asked.first + 1;
         if (count < rowsCount)
-            sent = rows.mid(first, count);
+            sent = rows.mid(asked.first, count);
     }
     OrvoRoles replyRoles = roles;
     replyRoles.setTitle(title);
@@ -134,11 +138,15 @@ OrvoRoles BaseNode::textEntryRow(const TrString& title, CMPath path, const QStri
 }
 
 OrvoMediaData BaseNode::playableMediaData() {
-    OrvoMetaData metaData;
-    metaData.setPlayLogicPath(OrvoPlayListsPlayLogicPath());
-    OrvoMediaData mediaData;
-    mediaData.setMetaData(metaData);
-    return mediaData;
+    // One for all: every playlist's node holds it.
+    static const OrvoMediaData shared = [] {
+        OrvoMetaData metaData;
+        metaData.setPlayLogicPath(OrvoPlayListsPlayLogicPath());
+        OrvoMediaData mediaData;
+        mediaData.setMetaData(metaData);
+        return mediaData;
+    }();
+    return shared;
 }
 
 OrvoRoles BaseNode::contextMenu(const TrString& title, const CMPath& path) {

@@ -1,0 +1,105 @@
+#include "EventFeed.h"
+
+#include <QJsonDocument>
+#include <QNetworkReply>
+
+#include "ApiClient.h"
+
+namespace {
+// The device shows every 15 s that it is there.
+constexpr int SilenceMs = 45000;
+constexpr int RetryMs = 1000;
+// A blink of the connection is nobody's concern.
+constexpr int ShowLossAfterMs = 400;
+constexpr int Ok = 200;
+} // namespace
+
+EventFeed::EventFeed(ApiClient* client, const QStringList& watched)
+    : m_client(client), m_watched(watched) {
+    m_retry.setSingleShot(true);
+    m_retry.setInterval(RetryMs);
+    connect(&m_retry, &QTimer::timeout, this, &EventFeed::connectNow);
+    m_loss.setSingleShot(true);
+    m_loss.setInterval(ShowLossAfterMs);
+    connect(&m_loss, &QTimer::timeout, this, [this] { setOnline(false); });
+}
+
+EventFeed::~EventFeed() {
+    if (m_reply) {
+        m_reply->disconnect(this);
+        m_reply->abort();
+    }
+}
+
+void EventFeed::start() {
+    connectNow();
+}
+
+void EventFeed::connectNow() {
+    QVector<QPair<QString, QString>> query;
+    for (const QString& path : m_watched)
+        query.append({QStringLiteral("watch"), path});
+    QNetworkRequest request =
+        m_client->request(QStringLiteral("/api/events"), ApiClient::query(query));
+    request.setRawHeader("Accept", "text/event-stream");
+    request.setTransferTimeout(SilenceMs);
+    if (!m_parser.lastId().isEmpty())
+        request.setRawHeader("Last-Event-ID", m_parser.lastId());
+    m_parser.restart();
+    m_isOpen = false;
+    m_reply = m_client->manager().get(request);
+    connect(m_reply, &QNetworkReply::metaDataChanged, this, &EventFeed::onOpened);
+    connect(m_reply, &QNetworkReply::readyRead, this, &EventFeed::onData);
+    connect(m_reply, &QNetworkReply::finished, this, &EventFeed::onEnded);
+}
+
+void EventFeed::onOpened() {
+    if (m_isOpen || m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() != Ok)
+        return;
+    m_isOpen = true;
+    m_loss.stop();
+    // What was read before the first stream stood may be out of date already.
+    const bool mayHaveMissed = m_parser.lastId().isEmpty();
+    setOnline(true);
+    if (mayHaveMissed)
+        Q_EMIT resync();
+}
+
+void EventFeed::onData() {
+    if (!m_isOpen)
+        return;
+    for (const DeviceEvent& event : m_parser.feed(m_reply->readAll())) {
+        if (event.type == "resync")
+            Q_EMIT resync();
+        else
+            Q_EMIT received(QString::fromUtf8(event.type),
+                            QJsonDocument::fromJson(event.data).object());
+    }
+}
+
+void EventFeed::onEnded() {
+    m_reply->deleteLater();
+    m_reply = nullptr;
+    m_isOpen = false;
+    noteLoss();
+    m_retry.start();
+}
+
+void EventFeed::noteReached(bool isThere) {
+    if (!isThere)
+        noteLoss();
+    else if (m_isOpen)
+        m_loss.stop();
+}
+
+void EventFeed::noteLoss() {
+    if (m_isOnline && !m_loss.isActive())
+        m_loss.start();
+}
+
+void EventFeed::setOnline(bool isOnline) {
+    if (m_isOnline == isOnline)
+        return;
+    m_isOnline = isOnline;
+    Q_EMIT onlineChanged(isOnline);
+}
