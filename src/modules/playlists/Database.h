@@ -119,6 +119,10 @@ public:
     // Removes all entries. False with the entries gone is possible: when only the clean-up of their
     // items failed.
     bool clearItems(const PlayListRecord& pl);
+    // Removes items that no entry refers to. A clear leaves them when the process ends between its
+    // two statements; they would stay, and count against the limit, until something else is
+    // deleted. Costs next to nothing when there are none.
+    void removeStrayItems();
     // Logs every entry, at trace level; costs nothing when that is off.
     void printItems(const PlayListRecord& pl);
 
@@ -154,6 +158,7 @@ private:
     class Transaction;
 
     void openFile();
+    void refuseForeignFile();
     void prepareStatements();
     Sqlite3Statement& statement(StatementId id);
     int count(StatementId id);
