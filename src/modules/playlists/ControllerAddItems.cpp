@@ -61,11 +61,11 @@ QVariantList Controller::preparePlaylistItems(const QStringList& paths) {
     QList<int> uids;
     uids.reserve(paths.size());
     for (const QString& path : paths) {
-        const QString text = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
+        const QStringRef text = path.midRef(path.lastIndexOf(QLatin1Char('/')) + 1);
         const int uid = text.toInt();
         if (uid == 0) {
-            LOG4CPLUS_ERROR(moduleLog(),
-                            "conversion error occured: uid, str=" << text << " path=" << path);
+            LOG4CPLUS_ERROR(moduleLog(), "conversion error occured: uid, str=" << text.toString()
+                                                                               << " path=" << path);
             break;
         }
         uids.append(uid);

@@ -96,6 +96,11 @@ constexpr const char* clearing[] = {
     "DELETE FROM collections_playlists",
 };
 
+// In KiB. Room for the entries of a long list and for the index that counting all items goes
+// through; SQLite's own 2 MiB would read them again and again. Taken only as it is used, and seen
+// by this connection only.
+constexpr const char* cacheSize = "PRAGMA cache_size=-16384;";
+
 int execute(sqlite3* connection, const char* sql) {
     return sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
 }
@@ -148,6 +153,7 @@ Database::Database(int itemsLimit, bool vacuumNeeded)
     sqlite3_config(SQLITE_CONFIG_LOG, sqliteErrorLogCallback, nullptr);
     ensureTablesExist();
     prepareStatements();
+    execute(m_connection, cacheSize);
 }
 
 Database::~Database() {

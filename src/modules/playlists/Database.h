@@ -15,6 +15,7 @@
 #include "StatementCatalogue.h"
 
 struct sqlite3;
+class ItemTexts;
 class Sqlite3Statement;
 
 // The persistent store: every playlist, the play queue (playlist 0, always there), their items and
@@ -169,6 +170,7 @@ private:
     QHash<int, OrvoPlayListItem> collectItems(const QList<PlayListRecord>& playlists,
                                               const QList<int>& uids);
     int ownerOfItem(const QList<PlayListRecord>& playlists, const OrvoPlayListItem& item);
+    int insertItem(const ItemTexts& item, int durationSeconds);
     int removeItemsTransaction(const PlayListRecord& pl, const QList<int>& indices);
     bool renumberFrom(const PlayListRecord& pl, int first);
     bool cleanUnusedItems();

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <QStringBuilder>
+
 #include "../ModuleLog.h"
 #include "CMRootWorker.h"
 #include "OrvoPlayListPaths.h"
@@ -76,13 +78,39 @@ void BaseNode::sendRowsReply(const QVariantList& rows, int rowsCount, const TrSt
 }
 
 OrvoRoles BaseNode::addContextMenuToRoles(OrvoRoles roles, int plid) {
-    CMPath path = OrvoPlayListPlTrackContextPath();
-    path.addParam(Action(), QStringLiteral("cmnode"));
-    path.addParam(Plid(), toStr(plid));
-    path.addParam(ItemId(), roles.id());
-    path.addParam(SeqNum(), toStr(roles.value().i32()));
-    roles.setContext(contextMenu(TrString("BaseNode", "Playlist"), path));
+    roles.setContext(trackMenu(roles.id(), plid, roles.value().i32()));
     return roles;
+}
+
+// Every row of a page has such a menu, so its path is put together as text; CMPath has the first
+// part and says how an id is written that is none of ours.
+OrvoRoles BaseNode::trackMenu(const QString& itemId, int plid, int sequenceNumber) {
+    static const QVariant title = TrString("BaseNode", "Playlist").toVariant();
+    static const QString before = OrvoPlayListPlTrackContextPath()
+                                      .addParam(Action(), QStringLiteral("cmnode"))
+                                      .addParam(ItemId(), QString())
+                                      .toString();
+    static const QString playlist = QLatin1Char('&') + Plid() + QLatin1Char('=');
+    static const QString number = QLatin1Char('&') + SeqNum() + QLatin1Char('=');
+
+    QString path;
+    if (std::all_of(itemId.cbegin(), itemId.cend(),
+                    [](QChar c) { return c.unicode() >= '0' && c.unicode() <= '9'; }))
+        path = before % itemId % playlist % toStr(plid) % number % toStr(sequenceNumber);
+    else
+        path = OrvoPlayListPlTrackContextPath()
+                   .addParam(Action(), QStringLiteral("cmnode"))
+                   .addParam(Plid(), toStr(plid))
+                   .addParam(ItemId(), itemId)
+                   .addParam(SeqNum(), toStr(sequenceNumber))
+                   .toString();
+
+    OrvoRoles menu;
+    menu.setAttribute(OrvoRoles::Title(), title);
+    menu.setAttribute(OrvoRoles::Path(), path);
+    menu.setType(OrvoRolesType::Container);
+    menu.setContainerType(OrvoRolesContainerType::ContextMenu);
+    return menu;
 }
 
 OrvoEvent BaseNode::genClosePathEvent() const {

@@ -72,6 +72,8 @@ protected:
     static OrvoRoles contextMenu(const TrString& title, const CMPath& path);
 
 private:
+    static OrvoRoles trackMenu(const QString& itemId, int plid, int sequenceNumber);
+
     PlayListManager* m_manager;
     // Read once: a later change of the settings takes effect at the next start.
     bool m_playQueueVisible;
