@@ -292,8 +292,17 @@ int Database::countCollections() {
 }
 
 int Database::count(StatementId id) {
+    int number = 0;
+    readCount(id, number);
+    return number;
+}
+
+bool Database::readCount(StatementId id, int& number) {
     StatementScope counting(statement(id));
-    return counting->step_row() ? counting->columnInt(0) : 0;
+    if (!counting->step_row())
+        return false;
+    number = counting->columnInt(0);
+    return true;
 }
 
 void Database::prepareStatements() {

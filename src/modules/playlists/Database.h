@@ -161,6 +161,8 @@ private:
     void refuseForeignFile();
     void prepareStatements();
     Sqlite3Statement& statement(StatementId id);
+    // `number` stays as it is when the count fails.
+    bool readCount(StatementId id, int& number);
     int count(StatementId id);
 
     template <typename Visit>

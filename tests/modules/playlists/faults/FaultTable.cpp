@@ -1,0 +1,47 @@
+#include "FaultTable.h"
+
+#include <cstdio>
+#include <gtest/gtest.h>
+
+#include <QList>
+
+namespace {
+
+QList<FaultRow>& rows() {
+    static QList<FaultRow> all;
+    return all;
+}
+
+void print(const FaultRow& row) {
+    std::printf("| %-34s | %6d | %9d | %5d | %7d | %6d | %5d |\n", qPrintable(row.operation),
+                row.points, row.asStated, row.done, row.refused, row.partly, row.wrong);
+}
+
+class Printer : public ::testing::Environment {
+public:
+    void TearDown() override {
+        FaultRow sum;
+        sum.operation = QStringLiteral("all");
+        std::printf("| operation                          | points | as stated |  done | refused |"
+                    " partly | wrong |\n|---|---|---|---|---|---|---|\n");
+        for (const FaultRow& row : qAsConst(rows())) {
+            print(row);
+            sum.points += row.points;
+            sum.asStated += row.asStated;
+            sum.done += row.done;
+            sum.refused += row.refused;
+            sum.partly += row.partly;
+            sum.wrong += row.wrong;
+        }
+        print(sum);
+    }
+};
+
+// GoogleTest owns it.
+const ::testing::Environment* const printer = ::testing::AddGlobalTestEnvironment(new Printer);
+
+} // namespace
+
+void addFaultRow(const FaultRow& row) {
+    rows().append(row);
+}
