@@ -231,11 +231,14 @@ int Database::rollbackTransaction() {
 
 void Database::commitTransaction() {
     // Deliberate: no pause and no limit, since another process that holds the file lets go soon.
+    // Only then does a transaction outlive its failed commit: after any other failure, a full disk
+    // for one, it is undone, and the next try ends the loop because there is nothing to commit.
     int code = SQLITE_OK;
     do {
         code = execute(m_connection, "COMMIT;");
     } while (code > SQLITE_ERROR);
-    if (code == SQLITE_ERROR)
+    m_lastCommitFailed = code == SQLITE_ERROR;
+    if (m_lastCommitFailed)
         LOG4CPLUS_ERROR(moduleLog(), "Commit transaction failed");
 }
 

@@ -52,6 +52,9 @@ public:
     int rollbackTransaction();
     // Tries until no other process is in the way. A failure is logged, not returned.
     void commitTransaction();
+    // Whether the last commit failed, so that its transaction is undone although the operation that
+    // it ended reported success. Who keeps a record in memory reads it again then.
+    bool lastCommitFailed() const { return m_lastCommitFailed; }
 
     void ensureTablesExist();
     // Ends the process when `sql` fails.
@@ -131,6 +134,8 @@ public:
     // All but the play queue, by name.
     QList<PlayListRecord> getPlayLists();
     PlayListRecord getPlayQueue();
+    // Any of them, for once in a while: reads all. Uid -1 when it is not there or cannot be read.
+    PlayListRecord getPlayListByUid(int uid);
     PlayListRecord createPlayList(const QString& name);
     // Writes name, shuffle, repeatAll and lastPlayedIndex.
     bool updatePlayList(const PlayListRecord& pl);
@@ -180,6 +185,7 @@ private:
     sqlite3* m_connection = nullptr;
     int m_itemsLimit;
     bool m_vacuumNeeded;
+    bool m_lastCommitFailed = false;
     std::array<std::unique_ptr<Sqlite3Statement>, StatementCount> m_statements;
 };
 
