@@ -17,31 +17,6 @@ constexpr int MostPoints = 2000;
 // Another process lets go after so many tries.
 constexpr int BusyTries = 25;
 
-const QList<Fault>& faults() {
-    static const QList<Fault> rows = {
-        {FileAction::Read, SQLITE_IOERR_READ, false, "a read fails"},
-        {FileAction::Read, SQLITE_IOERR_READ, true, "reads fail"},
-        {FileAction::Write, SQLITE_IOERR_WRITE, false, "a write fails"},
-        {FileAction::Write, SQLITE_IOERR_WRITE, true, "writes fail"},
-        {FileAction::Write, SQLITE_FULL, false, "full for a write"},
-        {FileAction::Write, SQLITE_FULL, true, "full"},
-        {FileAction::Sync, SQLITE_IOERR_FSYNC, false, "a sync fails"},
-        {FileAction::Sync, SQLITE_IOERR_FSYNC, true, "syncs fail"},
-        {FileAction::Truncate, SQLITE_IOERR_TRUNCATE, false, "a truncate fails"},
-        {FileAction::Truncate, SQLITE_IOERR_TRUNCATE, true, "truncates fail"},
-        {FileAction::Lock, SQLITE_BUSY, false, "busy for a lock"},
-        {FileAction::Lock, SQLITE_BUSY, true, "busy", BusyTries},
-        {FileAction::Lock, SQLITE_IOERR_LOCK, false, "a lock fails"},
-        {FileAction::Lock, SQLITE_IOERR_LOCK, true, "locks fail"},
-        {FileAction::Delete, SQLITE_IOERR_DELETE, false, "an unlink fails"},
-        {FileAction::Delete, SQLITE_IOERR_DELETE, true, "unlinks fail"},
-        {FileAction::Open, SQLITE_CANTOPEN, false, "an open fails"},
-        {FileAction::Open, SQLITE_CANTOPEN, true, "opens fail"},
-        {FileAction::Anything, SQLITE_IOERR, true, "everything fails"},
-    };
-    return rows;
-}
-
 constexpr const char* contentsQuery =
     "SELECT 'p' || uid || ' ' || name || ' ' || shuffle || repeatAll || ' ' || lastPlayedIndex"
     "  FROM playlists UNION ALL"
@@ -66,6 +41,31 @@ bool fits(const Outcome& outcome, const QString& result) {
 }
 
 } // namespace
+
+const QList<Fault>& FaultSweep::faults() {
+    static const QList<Fault> rows = {
+        {FileAction::Read, SQLITE_IOERR_READ, false, "a read fails"},
+        {FileAction::Read, SQLITE_IOERR_READ, true, "reads fail"},
+        {FileAction::Write, SQLITE_IOERR_WRITE, false, "a write fails"},
+        {FileAction::Write, SQLITE_IOERR_WRITE, true, "writes fail"},
+        {FileAction::Write, SQLITE_FULL, false, "full for a write"},
+        {FileAction::Write, SQLITE_FULL, true, "full"},
+        {FileAction::Sync, SQLITE_IOERR_FSYNC, false, "a sync fails"},
+        {FileAction::Sync, SQLITE_IOERR_FSYNC, true, "syncs fail"},
+        {FileAction::Truncate, SQLITE_IOERR_TRUNCATE, false, "a truncate fails"},
+        {FileAction::Truncate, SQLITE_IOERR_TRUNCATE, true, "truncates fail"},
+        {FileAction::Lock, SQLITE_BUSY, false, "busy for a lock"},
+        {FileAction::Lock, SQLITE_BUSY, true, "busy", BusyTries},
+        {FileAction::Lock, SQLITE_IOERR_LOCK, false, "a lock fails"},
+        {FileAction::Lock, SQLITE_IOERR_LOCK, true, "locks fail"},
+        {FileAction::Delete, SQLITE_IOERR_DELETE, false, "an unlink fails"},
+        {FileAction::Delete, SQLITE_IOERR_DELETE, true, "unlinks fail"},
+        {FileAction::Open, SQLITE_CANTOPEN, false, "an open fails"},
+        {FileAction::Open, SQLITE_CANTOPEN, true, "opens fail"},
+        {FileAction::Anything, SQLITE_IOERR, true, "everything fails"},
+    };
+    return rows;
+}
 
 QList<OrvoPlayListItem> FaultSweep::newItems(int count) {
     QList<OrvoPlayListItem> list = items(count, QStringLiteral("new"));

@@ -60,12 +60,16 @@ protected:
 
     static QList<OrvoPlayListItem> newItems(int count);
 
-private:
+    // A whole store, as the operation wants it.
     void restore(const Operation& operation);
-    QStringList contents();
+    // Playlists and collections as the model has them, and as the file has them.
     QStringList memory();
     QStringList stored();
     QString stateErrors(bool strays);
+    static const QList<Fault>& faults();
+
+private:
+    QStringList contents();
     bool visit(const Operation& operation, const Fault& fault, int nth);
 
     QByteArray m_image;

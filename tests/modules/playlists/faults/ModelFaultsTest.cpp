@@ -1,4 +1,7 @@
+#include <sqlite3.h>
+
 #include "FaultSweep.h"
+#include "FaultTable.h"
 
 namespace {
 
@@ -73,6 +76,42 @@ protected:
 private:
     std::unique_ptr<SignalLog> m_signals;
 };
+
+TEST_F(ModelFaultsTest, startingShowsWhatIsThere) {
+    Operation operation{"PlayListManager, start", {}, {}};
+    operation.prepare = "UPDATE playlists_items SET playlist = 0 WHERE playlist = 2;";
+    FaultRow row;
+    row.operation = operation.name;
+    for (const Fault& fault : faults()) {
+        for (int nth = 1;; ++nth) {
+            SCOPED_TRACE(std::string(fault.name) + ", point " + std::to_string(nth));
+            restore(operation);
+            dropManager();
+            // Full again, as before a start.
+            ASSERT_TRUE(rawRun("UPDATE playlists SET lastPlayedIndex = 3 WHERE uid = 1"));
+            sqlite3_db_release_memory(StoreProbe::connection(database()));
+            FaultVfs::set(fault, nth);
+            manager();
+            FaultVfs::clear();
+            if (FaultVfs::failures() == 0) {
+                EXPECT_EQ(stored(), memory());
+                break;
+            }
+            ++row.points;
+            // While it lasts, what cannot be read cannot be shown, nor what is left over removed;
+            // the next start does both.
+            const bool same = stored() == memory() && stateErrors(false).isEmpty();
+            if (fault.lasting)
+                dropManager();
+            const bool asStated = stored() == memory() && stateErrors(false).isEmpty();
+            EXPECT_TRUE(asStated) << qPrintable(memory().join(", ")) << " and "
+                                  << qPrintable(stored().join(", "));
+            row.asStated += asStated ? 1 : 0;
+            ++(same ? row.done : row.partly);
+        }
+    }
+    addFaultRow(row);
+}
 
 TEST_F(ModelFaultsTest, adding) {
     sweepEdit("PlayList::addItems", [this] { return pl().addItems(Position::Append, newItems(3)); },
