@@ -120,13 +120,17 @@ struct HttpServer::Callbacks {
 
     static void onConnection(void* context, MHD_Connection* connection, void** socketContext,
                              MHD_ConnectionNotificationCode code) {
-        HttpConnections& all = static_cast<HttpServer*>(context)->m_connections;
+        auto* server = static_cast<HttpServer*>(context);
+        HttpConnections& all = server->m_connections;
         if (code == MHD_CONNECTION_NOTIFY_STARTED) {
             const MHD_ConnectionInfo* info =
                 MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD);
             *socketContext = all.open(info->connect_fd);
         } else {
             all.close(static_cast<HttpConnection*>(*socketContext));
+            // Where all places were taken the library has looked away from those who knock. It
+            // looks again in its next run, which nothing else would bring about.
+            server->m_resumed = true;
         }
     }
 
@@ -366,7 +370,10 @@ void HttpServer::run() {
         if (!m_resumed)
             break;
     }
-    armTimer();
+    if (m_resumed)
+        m_timer.start(0);
+    else
+        armTimer();
 }
 
 void HttpServer::dispatchArrived() {

@@ -32,7 +32,7 @@ class Window {
     this.wrong = [];
   }
 
-  async open({ at = this.device.url, ...options } = {}) {
+  async open({ at = this.device.url, meet = null, ...options } = {}) {
     this.context = await theBrowser.newContext({ ...Sizes[this.size], ...options });
     this.page = await this.context.newPage();
     this.page.setDefaultTimeout(6000);
@@ -47,6 +47,7 @@ class Window {
       if (!request.url().includes('/api/events')) note(`failed: ${request.url()} ${request.failure()?.errorText}`);
     });
     await this.page.goto(at);
+    await meet?.(this.page);
     await this.page.locator('#nav .row.heads').first().waitFor({ state: 'attached' });
     return new People(this);
   }
