@@ -99,6 +99,16 @@ const QVector<Verb>& Verbs::all() {
          {"count"},
          none,
          WatchVerb::watch},
+        {"check", "FILE", "looks for damage in a device's file of playlists", 1, 1, none, none,
+         StoreVerbs::check},
+        {"backup",
+         "FILE [TARGET] [--force]",
+         "copies a device's file of playlists, also while the device runs",
+         1,
+         2,
+         none,
+         {"force"},
+         StoreVerbs::backup},
     };
     return table;
 }
@@ -137,7 +147,7 @@ QString Verbs::help() {
     return text +
            QStringLiteral(
                "\nA playlist or collection is its name or #ID; the play queue is \"queue\" or #0.\n"
-               "Positions count from 1. Exit status: 0, 1 (refused, no device), 2 (usage).\n");
+               "Positions count from 1. Exit status: 0, 1 (refused, no device, findings), 2 (usage, unreadable file).\n");
 }
 
 void VerbContext::run(const QString& function, const QJsonObject& record,

@@ -94,6 +94,12 @@ namespace AddVerb {
 void add(VerbContext& context);
 }
 
+// On a device's file instead of the device.
+namespace StoreVerbs {
+void check(VerbContext& context);
+void backup(VerbContext& context);
+} // namespace StoreVerbs
+
 namespace WatchVerb {
 void watch(VerbContext& context);
 }

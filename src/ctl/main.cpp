@@ -85,7 +85,7 @@ int main(int argc, char** argv) {
         run(QCoreApplication::arguments().mid(1));
     } catch (const CtlFailure& failure) {
         Output::message(QStringLiteral("orvoctl: ") + failure.message);
-        if (failure.status == CtlFailure::Usage)
+        if (failure.wrongUse)
             Output::message(QStringLiteral("orvoctl --help lists the verbs"));
         return failure.status;
     }

@@ -1,6 +1,9 @@
 #include "Device.h"
 
+#include <csignal>
 #include <sqlite3.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -12,6 +15,7 @@
 
 namespace {
 constexpr int PatienceMs = 30000;
+constexpr int EndPatienceMs = 10000;
 
 QByteArray fileText(const QString& name) {
     QFile file(name);
@@ -31,6 +35,19 @@ bool waitFor(Condition condition) {
     return true;
 }
 } // namespace
+
+void HostProcess::setupChildProcess() {
+    constexpr unsigned long dacOverride = 1;
+    constexpr unsigned long dacReadSearch = 2;
+    prctl(PR_CAPBSET_DROP, dacOverride, 0, 0, 0);
+    prctl(PR_CAPBSET_DROP, dacReadSearch, 0, 0, 0);
+    if (m_fileSize < 0)
+        return;
+    // The write fails, instead of the process being ended by a signal.
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit = {rlim_t(m_fileSize), rlim_t(m_fileSize)};
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
 
 Device::Device(const QStringList& arguments) : m_arguments(arguments) {
     for (int album = 1; album <= 3; ++album) {
@@ -58,14 +75,18 @@ Device::~Device() {
     }
 }
 
+QStringList Device::hostArguments() const {
+    return QStringList{"--data",      m_folder.filePath("device"),
+                       "--music",     musicFolder(),
+                       "--listen",    "127.0.0.1:0",
+                       "--port-file", portFile()} +
+           m_arguments;
+}
+
 bool Device::start() {
-    const QString portFile = m_folder.filePath("port");
-    QFile::remove(portFile);
+    QFile::remove(portFile());
     m_process.setStandardErrorFile(m_folder.filePath("device.log"), QIODevice::Append);
-    m_process.start(QStringLiteral(ORVO_HOST),
-                    QStringList{"--data", m_folder.filePath("device"), "--music", musicFolder(),
-                                "--listen", "127.0.0.1:0", "--port-file", portFile} +
-                        m_arguments);
+    m_process.start(QStringLiteral(ORVO_HOST), hostArguments());
     QByteArray output;
     const bool ready = waitFor([&] {
         output += m_process.readAllStandardOutput();
@@ -75,9 +96,25 @@ bool Device::start() {
         ADD_FAILURE() << "the device did not start:\n" << qPrintable(log());
         return false;
     }
-    m_port = quint16(fileText(portFile).trimmed().toUInt());
+    m_port = quint16(fileText(portFile()).trimmed().toUInt());
     m_client = std::make_unique<HttpClient>(m_port);
     return m_port != 0;
+}
+
+Device::Ctl Device::failingStart() {
+    m_process.setStandardErrorFile(QString());
+    m_process.start(QStringLiteral(ORVO_HOST), hostArguments());
+    Ctl result;
+    if (!m_process.waitForFinished(EndPatienceMs)) {
+        ADD_FAILURE() << "the device has started";
+        kill();
+        return result;
+    }
+    if (m_process.exitStatus() == QProcess::NormalExit)
+        result.status = m_process.exitCode();
+    result.out = QString::fromUtf8(m_process.readAllStandardOutput());
+    result.err = QString::fromUtf8(m_process.readAllStandardError());
+    return result;
 }
 
 void Device::kill() {

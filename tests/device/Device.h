@@ -9,6 +9,20 @@
 
 #include "HttpClient.h"
 
+// A process as a user without privileges has it: a file that is read-only is read-only for root,
+// too.
+class HostProcess : public QProcess {
+public:
+    // No file may become longer, as on a full disk.
+    void limitFileSize(qint64 bytes) { m_fileSize = bytes; }
+
+protected:
+    void setupChildProcess() override;
+
+private:
+    qint64 m_fileSize = -1;
+};
+
 // One running orvo-host over its own data and music folders, with the default modules. Killed by
 // its destructor.
 class Device {
@@ -24,6 +38,9 @@ public:
     ~Device();
 
     bool start();
+    // A start that is to fail. The status is that of the process, -1 when a signal ended it.
+    Ctl failingStart();
+    void limitFileSize(qint64 bytes) { m_process.limitFileSize(bytes); }
     // SIGKILL: nothing in the process gets a chance to tidy up.
     void kill();
     void waitForScan();
@@ -53,9 +70,12 @@ public:
     void expectInvariants() const;
 
 private:
+    QStringList hostArguments() const;
+    QString portFile() const { return m_folder.filePath("port"); }
+
     QTemporaryDir m_folder;
     QStringList m_arguments;
-    QProcess m_process;
+    HostProcess m_process;
     quint16 m_port = 0;
     std::unique_ptr<HttpClient> m_client;
 };

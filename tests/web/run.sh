@@ -1,6 +1,12 @@
 #!/usr/bin/env bash
-# Runs the suite: run.sh HOST_PROGRAM WORK_FOLDER [NAME_PATTERN]. The work folder keeps the music between runs.
+# Runs the suite: run.sh HOST_PROGRAM WORK_FOLDER [NAME_PATTERN], or measures how a long list scrolls:
+# run.sh --scrolling HOST_PROGRAM WORK_FOLDER. The work folder keeps the music between runs.
 set -euo pipefail
+what=suite
+if [[ ${1:-} == --scrolling ]]; then
+    what=scrolling
+    shift
+fi
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 host=$(realpath "$1")
 mkdir -p "$2"
@@ -25,14 +31,16 @@ music() {
     "$here/../../tools/demo-music" "$@" "$folder.part"
     mv "$folder.part" "$folder"
 }
-music music
+# Tunes that do not end while somebody looks at them: what plays changes only when a story says so.
+music tunes --rest 60
 music many-tracks --tracks 3000
 
 cd "$here"
-suite() {
-    env ORVO_HOST="$host" ORVO_WORK="$work" node --test-reporter=spec \
-        ${pattern:+--test-name-pattern="$pattern"} suite.mjs
-}
+export ORVO_HOST=$host ORVO_WORK=$work
+if [[ $what == scrolling ]]; then
+    exec node scrolling.mjs
+fi
+suite() { node --test-reporter=spec ${pattern:+--test-name-pattern="$pattern"} suite.mjs; }
 # Browser, device and test share the machine with whatever else runs on it, and some stories watch the clock. One
 # failure is looked at once more, aloud; a fault of the page fails both times.
 suite || {

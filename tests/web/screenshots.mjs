@@ -40,7 +40,7 @@ await device.send('player:setVolume', { volume: 65 });
 const rest = async (me, title) => {
   await me.playRow(title);
   await me.page.locator('#player .now-title', { hasText: title }).waitFor();
-  await device.send('player:seekTime', { time: 4200 });
+  await device.send('player:seekTime', { time: 24000 });
 };
 
 let me = await open(Desktop, 'light');

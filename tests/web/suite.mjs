@@ -1,4 +1,5 @@
-// All tests of the page, one after the other: one browser, one device at a time.
+// All tests of the page in one browser; every story has its own device.
+import { tellStories } from './support/story.mjs';
 import './units/browserless.mjs';
 import './units/liststore.mjs';
 import './units/helpers.mjs';
@@ -11,3 +12,5 @@ import './stories/connection.mjs';
 import './stories/access.mjs';
 import './stories/door.mjs';
 import './stories/large.mjs';
+
+tellStories();

@@ -7,11 +7,14 @@ declare -A packages=(
         libmicrohttpd-dev libncurses-dev libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
         gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-alsa'
     [test]='libgtest-dev libgmock-dev libbenchmark-dev sqlite3 curl jq sox python3 libvterm-dev'
+    [bench]='libbenchmark-dev python3 python3-matplotlib'
     [demo]='sox python3'
     [fmt]='clang-format'
     [lint]='clang-tidy shellcheck'
+    [coverage]='gcovr'
     [fuzz]='clang libclang-rt-dev'
     [web]='chromium'
+    [peers]='mpd python3'
 )
 # Node may have come from elsewhere than Debian; its package would not go along with Debian's npm.
 if ! command -v node >/dev/null || ! command -v npm >/dev/null; then packages[web]+=' nodejs npm'; fi

@@ -11,6 +11,7 @@
 #include "OrvoPlayListItem.h"
 
 class CollectionBase;
+class ItemsCheck;
 class PlayListBase;
 class PlayListManager;
 class PlayListWorker;
@@ -93,9 +94,16 @@ private:
     void plPrepareItems(CMSetDataRequest request);
     void plAddItems(CMSetDataRequest request);
     bool plAddExternalItems(CMSetDataRequest request, QString& msg);
-    // The name ("Replays") is historical and kept.
-    int addItemsFromAllReplays(const ReqGroupProperties& props, CMRequestGroup* group,
+    // The names ("Replays") are historical and kept.
+    static QList<OrvoPlayListItem> itemsFromAllReplays(const CMRequestGroup* group);
+    // Finishes at once for a few items; many are checked between other requests.
+    void checkInSlices(const ReqGroupProperties& props, const std::shared_ptr<ItemsCheck>& check);
+    void releaseInSlices(const std::shared_ptr<ItemsCheck>& check);
+    void finishAdding(const ReqGroupProperties& props, const ItemsCheck& check);
+    int addItemsFromAllReplays(const ReqGroupProperties& props, const ItemsCheck& check,
                                QString* msg);
+    int addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
+                        OrvoPlayListAddPosition::Enum mode, QString* msg);
     bool startFirstNewItem(PlayListBase* pl, int added, const QString& failure,
                            const QString& prefix, QString& msg);
 

@@ -2,11 +2,13 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QTimer>
 
 #include "CMConnect.h"
 #include "CMRootWorker.h"
 #include "Controller.h"
 #include "ControllerText.h"
+#include "ItemsCheck.h"
 #include "ModuleLog.h"
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
@@ -19,23 +21,8 @@ namespace {
 
 constexpr int StoreIsFull = -2;
 
-OrvoRoles rolesOf(const OrvoPlayListItem& item) {
-    return OrvoRoles(QJsonDocument::fromJson(item.orvoRoles().toUtf8()).object().toVariantHash());
-}
-
-// A playlist takes audio that can be shown or can be played.
-bool isAcceptable(const OrvoRoles& roles) {
-    if (roles.type() != OrvoRolesType::Audio)
-        return false;
-    if (!roles.title().isEmpty())
-        return true;
-    const OrvoMediaData mediaData = roles.mediaData();
-    const QList<OrvoResource> resources = mediaData.resources();
-    const bool hasUri =
-        std::any_of(resources.cbegin(), resources.cend(),
-                    [](const OrvoResource& resource) { return !resource.uri().isEmpty(); });
-    return hasUri && !mediaData.metaData().prePlayPath().isEmpty();
-}
+// How long other clients wait at most for one part of the work on a great many items.
+constexpr int SliceMs = 8;
 
 QString itemPathText(const OrvoPlayListItem& item) {
     return (OrvoPlayListItemPath() + QString::number(item.uid())).toString();
@@ -74,11 +61,11 @@ QVariantList Controller::preparePlaylistItems(const QStringList& paths) {
     QList<int> uids;
     uids.reserve(paths.size());
     for (const QString& path : paths) {
-        const QString text = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
+        const QStringRef text = path.midRef(path.lastIndexOf(QLatin1Char('/')) + 1);
         const int uid = text.toInt();
         if (uid == 0) {
-            LOG4CPLUS_ERROR(moduleLog(),
-                            "conversion error occured: uid, str=" << text << " path=" << path);
+            LOG4CPLUS_ERROR(moduleLog(), "conversion error occured: uid, str=" << text.toString()
+                                                                               << " path=" << path);
             break;
         }
         uids.append(uid);
@@ -167,10 +154,31 @@ void Controller::on_prepareItemsGroup_finished() {
     }
     const ReqGroupProperties props = m_ReqGroupPropertiesHash.take(group);
     group->deleteLater();
+    checkInSlices(props, std::make_shared<ItemsCheck>(itemsFromAllReplays(group)));
+}
 
+void Controller::checkInSlices(const ReqGroupProperties& props,
+                               const std::shared_ptr<ItemsCheck>& check) {
+    // A playlist that is moved as a whole must not change between being read and being deleted.
+    const QDeadlineTimer deadline =
+        props.wholePlaylist ? QDeadlineTimer(QDeadlineTimer::Forever) : QDeadlineTimer(SliceMs);
+    if (!check->run(deadline)) {
+        QTimer::singleShot(0, this, [this, props, check] { checkInSlices(props, check); });
+        return;
+    }
+    finishAdding(props, *check);
+    releaseInSlices(check);
+}
+
+void Controller::releaseInSlices(const std::shared_ptr<ItemsCheck>& check) {
+    if (!check->release(QDeadlineTimer(SliceMs)))
+        QTimer::singleShot(0, this, [this, check] { releaseInSlices(check); });
+}
+
+void Controller::finishAdding(const ReqGroupProperties& props, const ItemsCheck& check) {
     const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
     QString resultMsg;
-    const int added = std::max(0, addItemsFromAllReplays(props, group, &resultMsg));
+    const int added = std::max(0, addItemsFromAllReplays(props, check, &resultMsg));
     LOG4CPLUS_DEBUG(moduleLog(), "numItemsAdded: " << added << " addItemsResMsg: " << resultMsg);
 
     // Adding a whole playlist moves it: the source goes, unless it is the target itself.
@@ -205,8 +213,7 @@ void Controller::on_prepareItemsGroup_finished() {
     LOG4CPLUS_DEBUG(moduleLog(), "Add items finished, num added: " << added);
 }
 
-int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, CMRequestGroup* group,
-                                       QString* msg) {
+QList<OrvoPlayListItem> Controller::itemsFromAllReplays(const CMRequestGroup* group) {
     QList<OrvoPlayListItem> items;
     const QList<CMReply<QVariant>> replies = group->getReplyList();
     LOG4CPLUS_TRACE(moduleLog(), "curReplyList: " << replies.size());
@@ -221,6 +228,11 @@ int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, CMReques
         for (const QVariant& value : values)
             items.append(OrvoPlayListItem(value.toHash()));
     }
+    return items;
+}
+
+int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, const ItemsCheck& check,
+                                       QString* msg) {
     PlayListBase* pl = m_manager->getPlayListByUid(props.plid);
     if (!pl) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot find playlist with plid: " << props.plid);
@@ -228,25 +240,35 @@ int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, CMReques
                QStringLiteral(" (%1)").arg(props.plid);
         return -1;
     }
-    return addItemsToPlaylist(pl, items, props.mode, msg);
+    return addCheckedItems(pl, check, props.mode, msg);
 }
 
 int Controller::addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
                                    OrvoPlayListAddPosition::Enum mode, QString* msg) {
+    ItemsCheck check(items);
+    check.run(QDeadlineTimer(QDeadlineTimer::Forever));
+    return addCheckedItems(pl, check, mode, msg);
+}
+
+int Controller::addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
+                                OrvoPlayListAddPosition::Enum mode, QString* msg) {
+    const QList<OrvoPlayListItem>& items = check.items();
     LOG4CPLUS_TRACE(moduleLog(), "itemList: (" << listText(items) << ")");
     QList<OrvoPlayListItem> accepted;
     accepted.reserve(items.size());
-    for (const OrvoPlayListItem& item : items) {
-        if (item.orvoRoles().isEmpty()) {
-            LOG4CPLUS_WARN(moduleLog(), "Invalid file, missing roles: " << item.url());
-            continue;
-        }
-        if (!isAcceptable(rolesOf(item))) {
+    for (int i = 0; i < items.size(); ++i) {
+        switch (check.verdict(i)) {
+        case ItemsCheck::Verdict::Fine:
+            accepted.append(items.at(i));
+            break;
+        case ItemsCheck::Verdict::NoRoles:
+            LOG4CPLUS_WARN(moduleLog(), "Invalid file, missing roles: " << items.at(i).url());
+            break;
+        case ItemsCheck::Verdict::NotAcceptable:
             *msg =
                 CONTROLLER_TEXT("Missing title or type==audio or [resource uri and prePlayPath]");
             return -1;
         }
-        accepted.append(item);
     }
     if (accepted.isEmpty()) {
         LOG4CPLUS_ERROR(moduleLog(), "no playitem found");

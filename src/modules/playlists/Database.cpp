@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFileInfo>
 
 #include "ModuleLog.h"
 #include "Sqlite3Statement.h"
@@ -14,57 +15,75 @@ namespace {
 const char* const directory = "data-rw/playlists/";
 const char* const file = "data-rw/playlists/playlists.sqlite";
 
+// How long a statement waits for another process that holds the file.
+constexpr int waitForOthersMs = 300;
+
+constexpr qint64 smallestPage = 512;
+
 struct TableRow {
     const char* name;
     const char* sql;
+    const char* table; // the one that it makes or fills
 };
 
 // The last row is what makes the play queue exist at every start.
 constexpr TableRow tables[] = {
-    {"playlists", "CREATE TABLE IF NOT EXISTS playlists ("
-                  "  uid INTEGER PRIMARY KEY,"
-                  "  name TEXT NOT NULL,"
-                  "  shuffle INTEGER NOT NULL DEFAULT 0,"
-                  "  repeatAll INTEGER NOT NULL DEFAULT 0,"
-                  "  lastPlayedIndex INTEGER NOT NULL DEFAULT 0);"},
-    {"items", "CREATE TABLE IF NOT EXISTS items ("
-              "  uid INTEGER PRIMARY KEY,"
-              "  title TEXT NOT NULL,"
-              "  artist TEXT,"
-              "  album TEXT,"
-              "  artworkUrl TEXT,"
-              "  genre TEXT,"
-              "  durationSeconds INTEGER,"
-              "  url TEXT NOT NULL,"
-              "  serviceId TEXT NOT NULL,"
-              "  orvoRoles TEXT);CREATE INDEX IF NOT EXISTS itemUrlIndex ON items(url);"},
-    {"collections", "CREATE TABLE IF NOT EXISTS collections ("
-                    "  uid INTEGER PRIMARY KEY,"
-                    "  name TEXT NOT NULL);"},
-    {"playlists-items", "CREATE TABLE IF NOT EXISTS playlists_items ("
-                        "  playlist INTEGER NOT NULL,"
-                        "  item INTEGER NOT NULL,"
-                        "  sequenceNumber INTEGER NOT NULL,"
-                        "  PRIMARY KEY(playlist, item, sequenceNumber),"
-                        "  FOREIGN KEY(playlist) REFERENCES playlists(uid)"
-                        "    ON DELETE CASCADE"
-                        "    ON UPDATE CASCADE,"
-                        "  FOREIGN KEY(item) REFERENCES items(uid)"
-                        "    ON DELETE RESTRICT"
-                        "    ON UPDATE CASCADE,"
-                        "  UNIQUE(playlist,sequenceNumber));"},
-    {"collections-playlists", "CREATE TABLE IF NOT EXISTS collections_playlists ("
-                              "  collection INTEGER NOT NULL,"
-                              "  playlist INTEGER NOT NULL,"
-                              "  PRIMARY KEY(collection, playlist),"
-                              "  FOREIGN KEY(collection) REFERENCES collections(uid)"
-                              "    ON DELETE CASCADE"
-                              "    ON UPDATE CASCADE,"
-                              "  FOREIGN KEY(playlist) REFERENCES playlists(uid)"
-                              "    ON DELETE CASCADE"
-                              "    ON UPDATE CASCADE);"},
-    {"createplayqueue", "INSERT OR IGNORE INTO playlists(uid, name, lastPlayedIndex)"
-                        "  VALUES(0, 'PlayQueue', -1);"},
+    {"playlists",
+     "CREATE TABLE IF NOT EXISTS playlists ("
+     "  uid INTEGER PRIMARY KEY,"
+     "  name TEXT NOT NULL,"
+     "  shuffle INTEGER NOT NULL DEFAULT 0,"
+     "  repeatAll INTEGER NOT NULL DEFAULT 0,"
+     "  lastPlayedIndex INTEGER NOT NULL DEFAULT 0);",
+     "playlists"},
+    {"items",
+     "CREATE TABLE IF NOT EXISTS items ("
+     "  uid INTEGER PRIMARY KEY,"
+     "  title TEXT NOT NULL,"
+     "  artist TEXT,"
+     "  album TEXT,"
+     "  artworkUrl TEXT,"
+     "  genre TEXT,"
+     "  durationSeconds INTEGER,"
+     "  url TEXT NOT NULL,"
+     "  serviceId TEXT NOT NULL,"
+     "  orvoRoles TEXT);CREATE INDEX IF NOT EXISTS itemUrlIndex ON items(url);",
+     "items"},
+    {"collections",
+     "CREATE TABLE IF NOT EXISTS collections ("
+     "  uid INTEGER PRIMARY KEY,"
+     "  name TEXT NOT NULL);",
+     "collections"},
+    {"playlists-items",
+     "CREATE TABLE IF NOT EXISTS playlists_items ("
+     "  playlist INTEGER NOT NULL,"
+     "  item INTEGER NOT NULL,"
+     "  sequenceNumber INTEGER NOT NULL,"
+     "  PRIMARY KEY(playlist, item, sequenceNumber),"
+     "  FOREIGN KEY(playlist) REFERENCES playlists(uid)"
+     "    ON DELETE CASCADE"
+     "    ON UPDATE CASCADE,"
+     "  FOREIGN KEY(item) REFERENCES items(uid)"
+     "    ON DELETE RESTRICT"
+     "    ON UPDATE CASCADE,"
+     "  UNIQUE(playlist,sequenceNumber));",
+     "playlists_items"},
+    {"collections-playlists",
+     "CREATE TABLE IF NOT EXISTS collections_playlists ("
+     "  collection INTEGER NOT NULL,"
+     "  playlist INTEGER NOT NULL,"
+     "  PRIMARY KEY(collection, playlist),"
+     "  FOREIGN KEY(collection) REFERENCES collections(uid)"
+     "    ON DELETE CASCADE"
+     "    ON UPDATE CASCADE,"
+     "  FOREIGN KEY(playlist) REFERENCES playlists(uid)"
+     "    ON DELETE CASCADE"
+     "    ON UPDATE CASCADE);",
+     "collections_playlists"},
+    {"createplayqueue",
+     "INSERT OR IGNORE INTO playlists(uid, name, lastPlayedIndex)"
+     "  VALUES(0, 'PlayQueue', -1);",
+     "playlists"},
 };
 
 // The cascades have emptied the last two by then, except in a file whose rows were written without
@@ -77,15 +96,30 @@ constexpr const char* clearing[] = {
     "DELETE FROM collections_playlists",
 };
 
+// In KiB. Room for the entries of a long list and for the index that counting all items goes
+// through; SQLite's own 2 MiB would read them again and again. Taken only as it is used, and seen
+// by this connection only.
+constexpr const char* cacheSize = "PRAGMA cache_size=-16384;";
+
 int execute(sqlite3* connection, const char* sql) {
     return sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
 }
 
 // A store that cannot be opened leaves the device without playlists: say so in the module's log and
-// end.
+// end. Whoever started the device is told the file as well.
 [[noreturn]] void endUnusable(const std::string& text) {
     LOG4CPLUS_FATAL(moduleLog(), text);
-    cmFatal(text.c_str());
+    const QString name = QFileInfo(QString::fromLatin1(file)).absoluteFilePath();
+    cmFatal(("cannot use the playlists in " + name.toStdString() + " (left as it is): " + text)
+                .c_str());
+}
+
+[[noreturn]] void endUnopened(int code) {
+    endUnusable(std::string("Unable to open PlayList database file: ") + sqlite3_errstr(code));
+}
+
+[[noreturn]] void endWithoutTable(const char* name, const std::string& message) {
+    endUnusable(std::string("Unable to create table ") + name + ": " + message);
 }
 
 // Switches the foreign keys of a connection off for a block. Only for deletions of rows that are
@@ -119,6 +153,7 @@ Database::Database(int itemsLimit, bool vacuumNeeded)
     sqlite3_config(SQLITE_CONFIG_LOG, sqliteErrorLogCallback, nullptr);
     ensureTablesExist();
     prepareStatements();
+    execute(m_connection, cacheSize);
 }
 
 Database::~Database() {
@@ -134,7 +169,52 @@ void Database::openFile() {
         endUnusable("Unable to create directory for PlayList database file");
     const int code = sqlite3_open(file, &m_connection);
     if (code != SQLITE_OK || !m_connection)
-        endUnusable(std::string("Unable to open PlayList database file: ") + sqlite3_errstr(code));
+        endUnopened(code);
+    // A copy is being made of the file, or somebody looks into it: that is over soon, and no reason
+    // to refuse an edit.
+    sqlite3_busy_timeout(m_connection, waitForOthersMs);
+    refuseForeignFile();
+}
+
+// Looks at the schema without running a statement: what is refused here is left as it is, while
+// ensureTablesExist would have put our tables into somebody else's file by the time that one of its
+// statements fails.
+void Database::refuseForeignFile() {
+    const auto exists = [this](const char* table) {
+        return sqlite3_table_column_metadata(m_connection, nullptr, table, nullptr, nullptr,
+                                             nullptr, nullptr, nullptr, nullptr) == SQLITE_OK;
+    };
+    for (const TableRow& row : tables) {
+        if (!exists(row.table))
+            continue;
+        for (const char* sql = row.sql; *sql != '\0';) {
+            sqlite3_stmt* prepared = nullptr;
+            const int code = sqlite3_prepare_v2(m_connection, sql, -1, &prepared, &sql);
+            sqlite3_finalize(prepared);
+            if (code != SQLITE_OK)
+                endWithoutTable(row.name, sqlite3_errmsg(m_connection));
+        }
+    }
+    // Looked at after the first reading, which has made good what a cut-off transaction left.
+    const qint64 size = QFileInfo(QString::fromLatin1(file)).size();
+    if (exists(tables[0].table)) {
+        // SQLite would read the rest of the last page as zeros.
+        if (size % smallestPage != 0)
+            endUnopened(SQLITE_CORRUPT);
+        return;
+    }
+    if (size == 0)
+        return;
+    // The first table that a start makes is not there: a file with any other is not ours. Nor is
+    // one that is shorter than any page, which SQLite takes for an empty one.
+    bool hasOther = size < smallestPage;
+    const auto note = [](void* into, int, char**, char**) {
+        *static_cast<bool*>(into) = true;
+        return 0;
+    };
+    sqlite3_exec(m_connection, "SELECT 1 FROM sqlite_master LIMIT 1", note, &hasOther, nullptr);
+    if (hasOther)
+        endUnopened(SQLITE_NOTADB);
 }
 
 int Database::beginTransaction() {
@@ -170,10 +250,9 @@ void Database::createTableHelper(const char* sql, const char* name) {
     char* message = nullptr;
     if (sqlite3_exec(m_connection, sql, nullptr, nullptr, &message) == SQLITE_OK)
         return;
-    const std::string text =
-        std::string("Unable to create table ") + name + ": " + (message ? message : "");
+    const std::string text = message ? message : "";
     sqlite3_free(message);
-    endUnusable(text);
+    endWithoutTable(name, text);
 }
 
 void Database::clearDatabase() {
@@ -240,6 +319,23 @@ bool Database::cleanUnusedItems() {
     // again that no entry refers to it.
     const ForeignKeysSuspended suspended(m_connection);
     return statement(StatementId::CleanUnusedItems).run();
+}
+
+void Database::removeStrayItems() {
+    // Every entry has its own item. Comparing the numbers costs next to nothing, the clean-up a
+    // pass over the whole store.
+    constexpr const char* moreItemsThanEntries =
+        "SELECT 1 WHERE (SELECT Count(*) FROM items) > (SELECT Count(*) FROM playlists_items)";
+    bool found = false;
+    const auto note = [](void* into, int, char**, char**) {
+        *static_cast<bool*>(into) = true;
+        return 0;
+    };
+    sqlite3_exec(m_connection, moreItemsThanEntries, note, &found, nullptr);
+    if (!found || !cleanUnusedItems())
+        return;
+    LOG4CPLUS_INFO(moduleLog(), "removed " << sqlite3_changes(m_connection)
+                                           << " items of a playlist whose clearing was cut off");
 }
 
 void sqliteErrorLogCallback(void* /*arg*/, int errorCode, const char* message) {

@@ -15,6 +15,7 @@
 #include "StatementCatalogue.h"
 
 struct sqlite3;
+class ItemTexts;
 class Sqlite3Statement;
 
 // The persistent store: every playlist, the play queue (playlist 0, always there), their items and
@@ -118,6 +119,10 @@ public:
     // Removes all entries. False with the entries gone is possible: when only the clean-up of their
     // items failed.
     bool clearItems(const PlayListRecord& pl);
+    // Removes items that no entry refers to. A clear leaves them when the process ends between its
+    // two statements; they would stay, and count against the limit, until something else is
+    // deleted. Costs next to nothing when there are none.
+    void removeStrayItems();
     // Logs every entry, at trace level; costs nothing when that is off.
     void printItems(const PlayListRecord& pl);
 
@@ -153,6 +158,7 @@ private:
     class Transaction;
 
     void openFile();
+    void refuseForeignFile();
     void prepareStatements();
     Sqlite3Statement& statement(StatementId id);
     int count(StatementId id);
@@ -164,6 +170,7 @@ private:
     QHash<int, OrvoPlayListItem> collectItems(const QList<PlayListRecord>& playlists,
                                               const QList<int>& uids);
     int ownerOfItem(const QList<PlayListRecord>& playlists, const OrvoPlayListItem& item);
+    int insertItem(const ItemTexts& item, int durationSeconds);
     int removeItemsTransaction(const PlayListRecord& pl, const QList<int>& indices);
     bool renumberFrom(const PlayListRecord& pl, int first);
     bool cleanUnusedItems();

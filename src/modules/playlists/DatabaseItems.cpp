@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <utility>
 
@@ -7,6 +8,7 @@
 #include <QVector>
 
 #include "DatabaseTransaction.h"
+#include "ItemTexts.h"
 #include "ModuleLog.h"
 #include "Sqlite3Statement.h"
 
@@ -32,21 +34,35 @@ enum ItemColumn {
     OrvoRolesColumn,
 };
 
-OrvoPlayListItem itemFromRow(const Sqlite3Statement& row) {
-    OrvoPlayListItem item;
-    item.setSequenceNumber(row.columnInt(SequenceNumberColumn));
-    item.setUid(row.columnInt(UidColumn));
-    item.setTitle(row.columnText(TitleColumn));
-    item.setArtist(row.columnText(ArtistColumn));
-    item.setAlbum(row.columnText(AlbumColumn));
-    item.setArtworkUrl(row.columnText(ArtworkUrlColumn));
-    item.setGenre(row.columnText(GenreColumn));
-    item.setDurationSeconds(row.columnInt(DurationSecondsColumn));
-    item.setUrl(row.columnText(UrlColumn));
-    item.setServiceId(row.columnText(ServiceIdColumn));
-    item.setOrvoRoles(row.columnText(OrvoRolesColumn));
-    return item;
-}
+// Makes items of item rows. Entries that follow each other are often of one album: what a row has
+// in common with the one before is shared.
+class ItemMaker {
+public:
+    OrvoPlayListItem operator()(const Sqlite3Statement& row) {
+        using Item = OrvoPlayListItem;
+        const auto shared = [this, &row](int column) {
+            QString& last = m_last[std::size_t(column)];
+            return last = row.columnText(column, last);
+        };
+        QVariantHash item;
+        item.reserve(OrvoRolesColumn + 1);
+        item.insert(Item::SequenceNumber(), row.columnInt(SequenceNumberColumn));
+        item.insert(Item::Uid(), row.columnInt(UidColumn));
+        item.insert(Item::Title(), row.columnText(TitleColumn));
+        item.insert(Item::Artist(), shared(ArtistColumn));
+        item.insert(Item::Album(), shared(AlbumColumn));
+        item.insert(Item::ArtworkUrl(), shared(ArtworkUrlColumn));
+        item.insert(Item::Genre(), shared(GenreColumn));
+        item.insert(Item::DurationSeconds(), row.columnInt(DurationSecondsColumn));
+        item.insert(Item::Url(), row.columnText(UrlColumn));
+        item.insert(Item::ServiceId(), shared(ServiceIdColumn));
+        item.insert(Item::OrvoRoles(), row.columnText(OrvoRolesColumn));
+        return OrvoPlayListItem(item);
+    }
+
+private:
+    std::array<QString, OrvoRolesColumn + 1> m_last;
+};
 
 // Entries that follow each other without a gap, both ends included.
 struct Run {
@@ -88,8 +104,9 @@ bool Database::visitItems(int playlistUid, int from, int to, Visit visit) {
 QList<OrvoPlayListItem> Database::getItems(const PlayListRecord& pl, int from, int to) {
     CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid << " from=" << from << " to=" << to);
     QList<OrvoPlayListItem> items;
-    visitItems(pl.uid, from, to, [&items](const Sqlite3Statement& row) {
-        items.append(itemFromRow(row));
+    ItemMaker makeItem;
+    visitItems(pl.uid, from, to, [&items, &makeItem](const Sqlite3Statement& row) {
+        items.append(makeItem(row));
         return true;
     });
     return items;
@@ -99,7 +116,7 @@ bool Database::readItemByUid(int uid, OrvoPlayListItem& item) {
     StatementScope search(statement(StatementId::GetItemByUid));
     if (!search->bindInt(1, uid) || !search->step_row())
         return false;
-    const OrvoPlayListItem found = itemFromRow(search.row());
+    const OrvoPlayListItem found = ItemMaker()(search.row());
     if (!search.reset())
         return false;
     item = found;
@@ -146,14 +163,16 @@ QHash<int, OrvoPlayListItem> Database::collectItems(const QList<PlayListRecord>&
                                                     const QList<int>& uids) {
     constexpr int discoveries = 2;
     QHash<int, OrvoPlayListItem> found;
+    found.reserve(uids.size());
     QSet<int> missing(uids.begin(), uids.end());
     QList<PlayListRecord> unread = playlists;
+    ItemMaker makeItem;
 
     const auto walk = [&](const PlayListRecord& pl) {
         visitItems(pl.uid, 0, lastPossibleNumber, [&](const Sqlite3Statement& row) {
             const int uid = row.columnInt(UidColumn);
             if (missing.remove(uid))
-                found.insert(uid, itemFromRow(row));
+                found.insert(uid, makeItem(row));
             return !missing.isEmpty();
         });
     };
@@ -243,7 +262,10 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
     }
     printItems(pl);
 
-    const int dbItemsCount = countPlaylistsItems();
+    // A pass over all items, made only where somebody looks at the result.
+    const bool countWanted =
+        m_itemsLimit != 0 || moduleLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL);
+    const int dbItemsCount = countWanted ? countPlaylistsItems() : 0;
     // Deliberate: where the store already holds more than the limit, the length is negative, which
     // QList takes as "to the end", and everything is added.
     const qint64 room = qint64(m_itemsLimit) - dbItemsCount;
@@ -283,24 +305,42 @@ bool Database::offsetItemsFromTransaction(const PlayListRecord& pl, int from, in
 
 bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& sequenceNumber,
                                           const QList<OrvoPlayListItem>& items) {
-    Sqlite3Statement& insertItem = statement(StatementId::InsertItem);
-    Sqlite3Statement& insertEntry = statement(StatementId::InsertPlayListItem);
-    int number = sequenceNumber;
-    for (const OrvoPlayListItem& item : items) {
-        if (!insertItem.run(item.title(), item.artist(), item.album(), item.artworkUrl(),
-                            item.genre(), item.durationSeconds(), item.url(), item.serviceId(),
-                            item.orvoRoles())) {
+    constexpr int Ahead = 2;
+    std::array<ItemTexts, Ahead + 1> texts;
+    const auto textsOf = [&texts](int i) -> ItemTexts& {
+        return texts[std::size_t(i) % texts.size()];
+    };
+    const bool traced = moduleLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL);
+    for (int i = -Ahead; i < items.size(); ++i) {
+        if (i + 2 < items.size())
+            textsOf(i + 2).find(items.at(i + 2));
+        if (i + 1 >= 0 && i + 1 < items.size())
+            textsOf(i + 1).comeCloser();
+        if (i < 0)
+            continue;
+        const int uid = insertItem(textsOf(i), items.at(i).durationSeconds());
+        if (uid < 0) {
             LOG4CPLUS_ERROR(moduleLog(), "Error inserting item into DB");
             return false;
         }
-        const int uid = int(sqlite3_last_insert_rowid(m_connection));
-        LOG4CPLUS_TRACE(moduleLog(), "Inserted item into DB with uid" << uid);
-        if (!insertEntry.run(pl.uid, uid, number++)) {
+        if (traced)
+            LOG4CPLUS_TRACE(moduleLog(), "Inserted item into DB with uid" << uid);
+        if (!statement(StatementId::InsertPlayListItem).run(pl.uid, uid, sequenceNumber + i)) {
             LOG4CPLUS_ERROR(moduleLog(), "Error inserting item into playlist DB");
             return false;
         }
     }
     return true;
+}
+
+// The uid that the store has given it, or Failed.
+int Database::insertItem(const ItemTexts& item, int durationSeconds) {
+    using Text = ItemTexts;
+    const bool inserted = statement(StatementId::InsertItem)
+                              .run(item[Text::Title], item[Text::Artist], item[Text::Album],
+                                   item[Text::ArtworkUrl], item[Text::Genre], durationSeconds,
+                                   item[Text::Url], item[Text::ServiceId], item[Text::OrvoRoles]);
+    return inserted ? int(sqlite3_last_insert_rowid(m_connection)) : Failed;
 }
 
 int Database::removeItems(const PlayListRecord& pl, const QList<int>& indices) {

@@ -7,6 +7,7 @@
 #include <QMutexLocker>
 
 #include "Database.h"
+#include "ItemRolesReader.h"
 #include "ModuleLog.h"
 #include "OrvoPlayListPaths.h"
 
@@ -235,20 +236,35 @@ bool PlayList::clearItems() {
     return true;
 }
 
-OrvoRoles PlayList::itemToOrvoRoles(const OrvoPlayListItem& item) const {
+namespace {
+
+// The whole JSON language, and the reason where it is none.
+void parseRoles(const QString& text, ItemRolesReader& parts) {
     QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(item.orvoRoles().toUtf8(), &parseError);
+    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &parseError);
     if (parseError.error != QJsonParseError::NoError)
         LOG4CPLUS_ERROR(moduleLog(), "Failed to parse data, error: " << parseError.errorString());
-    OrvoRoles roles(document.object().toVariantHash());
+    parts.roles = document.object().toVariantHash();
+    parts.mediaData = parts.roles.take(OrvoRoles::MediaData()).toHash();
+    parts.metaData = parts.mediaData.take(OrvoMediaData::MetaData()).toHash();
+}
+
+} // namespace
+
+OrvoRoles PlayList::itemToOrvoRoles(const OrvoPlayListItem& item) const {
+    static const QString itemPath = OrvoPlayListItemPath().toString() + QLatin1Char('/');
+    static const QVariant playLogicPath = OrvoPlayListsPlayLogicPath().toQVariant();
+    ItemRolesReader parts(item);
+    if (!parts.read())
+        parseRoles(item.orvoRoles(), parts);
+    parts.metaData.insert(OrvoMetaData::PlayLogicPath(), playLogicPath);
+    parts.mediaData.insert(OrvoMediaData::MetaData(), parts.metaData);
+
     const QString uid = QString::number(item.uid());
-    roles.setId(uid);
-    roles.setValue(OrvoValue::fromI32(item.sequenceNumber()));
-    roles.setPath(OrvoPlayListItemPath() + uid);
-    OrvoMediaData mediaData = roles.mediaData();
-    OrvoMetaData metaData = mediaData.metaData();
-    metaData.setPlayLogicPath(OrvoPlayListsPlayLogicPath());
-    mediaData.setMetaData(metaData);
-    roles.setMediaData(mediaData);
-    return roles;
+    QVariantHash& roles = parts.roles;
+    roles.insert(OrvoRoles::Id(), uid);
+    roles.insert(OrvoRoles::Value(), OrvoValue::fromI32(item.sequenceNumber()).toVariant());
+    roles.insert(OrvoRoles::Path(), itemPath + uid);
+    roles.insert(OrvoRoles::MediaData(), parts.mediaData);
+    return OrvoRoles(roles);
 }

@@ -1,8 +1,54 @@
 #include "Sqlite3Statement.h"
 
+#include <cstring>
 #include <sqlite3.h>
 
 #include "ModuleLog.h"
+
+namespace {
+
+constexpr int FirstBytes = 1024;
+// More than this is given back after the use.
+constexpr int MostBytesKept = 64 * 1024;
+
+// Most texts are; the others are converted by somebody who knows how. False when `text` is not.
+bool copyAscii(const QString& text, char* to) {
+    // Eight at a time: two vectors that every machine has, or what the compiler makes of them.
+    using Units = ushort __attribute__((vector_size(16)));
+    using Bytes = char __attribute__((vector_size(8)));
+    constexpr int Block = 8;
+    const ushort* from = text.utf16();
+    const ushort* const end = from + text.size();
+    Units all{};
+    for (; end - from >= Block; from += Block, to += Block) {
+        Units units;
+        std::memcpy(&units, from, sizeof units);
+        all |= units;
+        const Bytes bytes = __builtin_convertvector(units, Bytes);
+        std::memcpy(to, &bytes, sizeof bytes);
+    }
+    ushort any = 0;
+    for (int i = 0; i < Block; ++i)
+        any |= all[i];
+    for (; from != end; ++from, ++to) {
+        any |= *from;
+        *to = char(*from);
+    }
+    return any < 0x80;
+}
+
+bool isAscii(const QString& text, const unsigned char* bytes, int size) {
+    if (text.size() != size)
+        return false;
+    const ushort* units = text.utf16();
+    for (int i = 0; i < size; ++i) {
+        if (units[i] != bytes[i] || bytes[i] >= 0x80)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
 
 Sqlite3Statement* Sqlite3Statement::create(sqlite3* db, const QString& sql, const QString& name) {
     sqlite3_stmt* statement = nullptr;
@@ -27,10 +73,26 @@ bool Sqlite3Statement::bindInt(const int& index, const int& value) {
 }
 
 bool Sqlite3Statement::bindText(const int& index, const QString& value) {
-    m_boundTexts.append(value.toUtf8());
-    const QByteArray& utf8 = m_boundTexts.constLast();
-    return sqlite3_bind_text(m_statement, index, utf8.constData(), utf8.size(), SQLITE_STATIC) ==
-           SQLITE_OK;
+    char* bytes = roomForBytes(value.size());
+    int size = value.size();
+    if (!copyAscii(value, bytes)) {
+        const QByteArray utf8 = value.toUtf8();
+        size = utf8.size();
+        bytes = roomForBytes(size);
+        std::memcpy(bytes, utf8.constData(), std::size_t(size));
+    }
+    m_boundBytes += size;
+    return sqlite3_bind_text(m_statement, index, bytes, size, SQLITE_STATIC) == SQLITE_OK;
+}
+
+// Never null, also for no bytes: SQLite would bind NULL.
+char* Sqlite3Statement::roomForBytes(int count) {
+    const int size = m_boundTexts.isEmpty() ? 0 : m_boundTexts.constLast().size();
+    if (m_boundBytes + count >= size) {
+        m_boundTexts.append(QByteArray(qMax(2 * size, count + FirstBytes), Qt::Uninitialized));
+        m_boundBytes = 0;
+    }
+    return m_boundTexts.last().data() + m_boundBytes;
 }
 
 int Sqlite3Statement::columnInt(const int& index) const {
@@ -45,6 +107,14 @@ QString Sqlite3Statement::columnText(const int& index) const {
                              sqlite3_column_bytes(m_statement, index));
 }
 
+QString Sqlite3Statement::columnText(const int& index, const QString& likely) const {
+    const unsigned char* utf8 = sqlite3_column_text(m_statement, index);
+    const int size = sqlite3_column_bytes(m_statement, index);
+    if (size > 0 && isAscii(likely, utf8, size))
+        return likely;
+    return QString::fromUtf8(reinterpret_cast<const char*>(utf8), size);
+}
+
 bool Sqlite3Statement::step_row() {
     return step() == SQLITE_ROW;
 }
@@ -54,7 +124,11 @@ int Sqlite3Statement::step() {
 }
 
 bool Sqlite3Statement::reset() {
-    m_boundTexts.clear();
+    if (m_boundTexts.size() > 1)
+        m_boundTexts.erase(m_boundTexts.begin(), m_boundTexts.end() - 1);
+    if (!m_boundTexts.isEmpty() && m_boundTexts.constLast().size() > MostBytesKept)
+        m_boundTexts.clear();
+    m_boundBytes = 0;
     // SQLite calls the reset of no statement a success.
     const int code = m_statement ? sqlite3_reset(m_statement) : SQLITE_MISUSE;
     if (code == SQLITE_OK)

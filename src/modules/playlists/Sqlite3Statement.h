@@ -31,6 +31,8 @@ public:
     int columnInt(const int& index) const;
     // NULL reads as an empty text.
     QString columnText(const int& index) const;
+    // The same; where `likely` is that text already, it is shared instead of made again.
+    QString columnText(const int& index, const QString& likely) const;
 
     // True on a row; done and failure are both false, and a failure shows in the reset.
     bool step_row();
@@ -55,8 +57,13 @@ private:
 
     sqlite3_stmt* m_statement;
     QString m_name;
-    // SQLite is given the bytes without a copy, so they are kept here until the reset.
+    char* roomForBytes(int count);
+
+    // SQLite is given the bytes without a copy, so they are kept here until the reset: one after
+    // the other in the last of these, which is full when it must not move any more. It stays for
+    // the next use.
     QList<QByteArray> m_boundTexts;
+    int m_boundBytes = 0;
 };
 
 // Resets a statement at the end of its block, unless reset() has done so, whose result the caller

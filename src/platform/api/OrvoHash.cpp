@@ -2,6 +2,11 @@
 
 #include <cmath>
 
+const QVariant& OrvoHash::nothing() {
+    static const QVariant null;
+    return null;
+}
+
 qint64 OrvoHash::toInt64(const QVariant& value, qint64 fallback) {
     switch (static_cast<QMetaType::Type>(value.type())) {
     case QMetaType::Int:

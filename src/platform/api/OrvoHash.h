@@ -19,7 +19,7 @@ public:
 
     bool isEmpty() const { return m_hash.isEmpty(); }
     bool contains(const QString& key) const { return m_hash.contains(key); }
-    QVariant attribute(const QString& key) const { return m_hash.value(key); }
+    QVariant attribute(const QString& key) const { return stored(key); }
     void setAttribute(const QString& key, const QVariant& value) { m_hash.insert(key, value); }
     void removeAttribute(const QString& key) { m_hash.remove(key); }
 
@@ -35,7 +35,16 @@ public:
     static int toInt(const QVariant& value, int fallback);
     static qint64 toInt64(const QVariant& value, qint64 fallback);
 
+protected:
+    // The attribute itself: getters convert it where it lies. A null value when there is none.
+    const QVariant& stored(const QString& key) const {
+        const auto found = m_hash.constFind(key);
+        return found == m_hash.constEnd() ? nothing() : *found;
+    }
+
 private:
+    static const QVariant& nothing();
+
     QVariantHash m_hash;
 };
 
@@ -141,7 +150,7 @@ struct OrvoId {
         return contains(Key());                                                                    \
     }                                                                                              \
     Type getter() const {                                                                          \
-        return Codec::read(attribute(Key()));                                                      \
+        return Codec::read(stored(Key()));                                                         \
     }                                                                                              \
     void set##Key(const Type& newValue) {                                                          \
         setAttribute(Key(), Codec::write(newValue));                                               \

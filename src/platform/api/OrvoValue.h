@@ -21,11 +21,11 @@ public:
     bool containsDouble_() const { return contains(Double_()); }
     bool containsString_() const { return contains(String_()); }
 
-    bool bool_() const { return attribute(Bool_()).toBool(); }
-    int i32() const { return toInt(attribute(I32_()), 0); }
-    qint64 i64() const { return toInt64(attribute(I64_()), 0); }
-    double double_() const { return attribute(Double_()).toDouble(); }
-    QString string() const { return attribute(String_()).toString(); }
+    bool bool_() const { return stored(Bool_()).toBool(); }
+    int i32() const { return toInt(stored(I32_()), 0); }
+    qint64 i64() const { return toInt64(stored(I64_()), 0); }
+    double double_() const { return stored(Double_()).toDouble(); }
+    QString string() const { return stored(String_()).toString(); }
 
     void setBool_(bool value) { setOnly(Bool_(), value); }
     void setI32_(int value) { setOnly(I32_(), value); }

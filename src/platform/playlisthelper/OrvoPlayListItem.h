@@ -20,3 +20,6 @@ public:
     ORVO_ATTRIBUTE(QString, serviceId, ServiceId, "serviceId")
     ORVO_ATTRIBUTE(QString, orvoRoles, OrvoRoles, "orvoRoles")
 };
+
+// A list holds the items themselves and no pointer to each.
+Q_DECLARE_TYPEINFO(OrvoPlayListItem, Q_MOVABLE_TYPE);

@@ -18,7 +18,7 @@ story('kill and restart the host: the page recovers', async ({ device, open, all
   assert.match(await banner.textContent(), /No connection/);
   await device.start();
   await device.send('playlists:pl/removeItems', { plid, items: [0] });
-  await banner.waitFor({ state: 'hidden', timeout: 10000 });
+  await banner.waitFor({ state: 'hidden' });
   // What changed while nobody listened is there, and what changes now comes at once.
   await eventually(() => me.titles('main'), Hours.slice(1));
   await device.send('playlists:pl/setName', { plid, name: 'After Party' });
@@ -42,7 +42,7 @@ story('a short break of the network loses no event', async ({ device, open, allo
     await me.page.locator('#banner').waitFor();
     await device.send('playlists:pl/addItems', { plid, items: ['files:tree/Velka%20Torrin/Lanterns%20on%20the%20Canal'] });
     wire.mend();
-    await me.page.locator('#banner').waitFor({ state: 'hidden', timeout: 15000 });
+    await me.page.locator('#banner').waitFor({ state: 'hidden' });
     await eventually(() => me.titles('main'), [...Hours.slice(0, 3), ...Lanterns]);
     // It went on from the last event it saw, without reading everything again.
     assert.match(wire.asked, /last-event-id: \d+|lastEventId=\d+/i);
@@ -50,6 +50,24 @@ story('a short break of the network loses no event', async ({ device, open, allo
   } finally {
     wire.end();
   }
+});
+
+story('a list that is long in coming shows that it is on its way', async ({ device, open }) => {
+  await device.playlist('Party', Albums.hours);
+  const me = await open();
+  let release;
+  const held = new Promise((done) => (release = done));
+  await me.page.route('**/api/rows?path=playlists%3Apl%2Fitems*', async (route) => {
+    await held;
+    await route.continue();
+  });
+  const busy = () => me.page.evaluate(() => document.body.classList.contains('busy'));
+  assert.equal(await busy(), false);
+  await me.openList('Party');
+  await me.page.locator('body.busy').waitFor();
+  release();
+  await eventually(() => me.titles('main'), Hours);
+  await eventually(busy, false);
 });
 
 story('what takes longer than a moment shows that it works', async ({ device, open }) => {

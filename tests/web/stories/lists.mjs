@@ -15,10 +15,25 @@ story('create a playlist and rename it', async ({ device, open, size }) => {
   await me.enter('Summer Party');
   // Renaming keeps the menu open; it shows the new name.
   await eventually(() => me.entry('Rename').locator('.menu-detail').textContent(), 'Summer Party');
+  assert.equal(await me.sheet.locator('.sheet-title').textContent(), 'Summer Party');
   await me.closeSheet();
   await me.row('nav', 'Summer Party').waitFor();
   await other.row('nav', 'Summer Party').waitFor();
   if (size === 'desktop') await eventually(() => me.heading().textContent(), 'Summer Party');
+});
+
+story('a list that somebody else makes is not taken for the one thought better of', async ({ device, open, size }) => {
+  await device.playlist('Quiet');
+  const me = await open();
+  await me.openList('Quiet');
+  await me.toLists();
+  await me.press(me.row('nav', 'Create New Playlist').locator('.row-title'));
+  await me.press(me.sheet.getByRole('button', { name: 'Cancel' }));
+  await me.sheetCloses();
+  await device.playlist('Loud');
+  await me.row('nav', 'Loud').waitFor();
+  if (size === 'desktop') assert.equal(await me.heading().textContent(), 'Quiet');
+  else assert.equal(await me.row('nav', 'Loud').isVisible(), true); // still among the lists
 });
 
 story('an error shows the command\'s own text', async ({ device, open, allow }) => {
@@ -31,10 +46,35 @@ story('an error shows the command\'s own text', async ({ device, open, allow }) 
   await me.enter('');
   const { error } = await (await answer).json();
   assert.match(error.message, /^Could not /);
-  await me.toast(error.message).waitFor();
-  assert.equal(await me.toast(error.message).locator('p').textContent(), error.message);
-  await me.sheet.locator('input').waitFor(); // and the name can be entered again
   allow(/status 422|status of 422/);
+  await eventually(() => me.sheet.locator('.field-problem').textContent(), error.message);
+  // Where it was entered it can be entered again.
+  const input = me.sheet.locator('input');
+  assert.equal(await input.evaluate((field) => field === document.activeElement), true);
+  assert.equal(await input.getAttribute('aria-invalid'), 'true');
+  await me.enter('Late Party');
+  await me.row('nav', 'Late Party').waitFor();
+});
+
+story('an error is read, and put away, over an open menu', async ({ device, open, allow }) => {
+  await device.playlist('Party');
+  const me = await open();
+  await me.toLists();
+  await me.menuOf('nav', 'Party');
+  allow(/status 422|status of 422/);
+  await me.choose('Play');
+  const toast = me.toast('Could not start playback on playlist. There are no items in the playlist.');
+  await toast.waitFor();
+  await me.entry('Rename').waitFor(); // a command that failed leaves the menu as it is
+  await me.press(toast.getByRole('button', { name: 'Dismiss' }));
+  await toast.waitFor({ state: 'detached' });
+  await me.closeSheet();
+  // The next message is seen without a menu.
+  await device.playlist('Other');
+  await me.row('nav', 'Other').waitFor();
+  await me.openList('Party');
+  await device.send('playlists:pl/delete', { plid: 1 });
+  await me.toast('“Party” is gone.').waitFor();
 });
 
 story('delete a playlist open in another window: that view closes', async ({ device, open, size }) => {
@@ -125,7 +165,7 @@ story('the address keeps the place: reload and back', async ({ device, open, siz
   await me.openList('Party');
   await me.toLists();
   await me.openList('Other');
-  await me.page.reload();
+  await me.window.reload();
   await eventually(() => me.heading().textContent(), 'Other');
   await eventually(() => me.titles('main'), Lanterns);
   await me.page.goBack();

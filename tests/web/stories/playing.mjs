@@ -114,12 +114,29 @@ story('two windows show the same volume', async ({ device, open }) => {
   const me = await open();
   const other = await open();
   const volume = me.page.locator('#player .volume .range');
+  await eventually(() => volume.isEnabled(), true);
   await volume.evaluate((input) => {
     input.value = 35;
     input.dispatchEvent(new Event('input', { bubbles: true }));
   });
   await eventually(async () => (await device.value('player:volume')).i32, 35);
   await eventually(() => other.page.locator('#player .volume .range').inputValue(), '35');
+}, { player: true, sizes: ['desktop'] });
+
+story('the volume that is being set is not taken back by news of an older one', async ({ device, open }) => {
+  const me = await open();
+  const volume = me.page.locator('#player .volume .range');
+  await device.send('player:setVolume', { volume: 70 });
+  await eventually(() => volume.inputValue(), '70');
+  // Within the moment that the page waits before it sends, the device says something else.
+  await volume.evaluate(async (input) => {
+    input.value = 35;
+    input.dispatchEvent(new Event('input', { bubbles: true }));
+    const body = JSON.stringify({ path: 'player:setVolume', value: { volume: 80 } });
+    await fetch('/api/data', { method: 'POST', body });
+  });
+  await eventually(async () => (await device.value('player:volume')).i32, 35);
+  await eventually(() => volume.inputValue(), '35');
 }, { player: true, sizes: ['desktop'] });
 
 story('a device without a player shows that, and asks for nothing it has not', async ({ device, open }) => {

@@ -23,22 +23,65 @@ story('reorder by drag; the second window follows without a reload', async ({ de
   await me.drag(fifth, second);
   await eventually(() => device.titles(`playlists:pl/items/${plid}`), up);
   await eventually(() => other.titles('main'), up);
+
+  const last = [second, third, fourth, first, fifth];
+  await me.drag(fifth, first);
+  await eventually(() => device.titles(`playlists:pl/items/${plid}`), last);
+  await eventually(() => other.titles('main'), last);
   assert.equal(await other.page.evaluate(() => window.stayed), true);
 });
+
+story('a drag follows what others insert, and ends when they take something away', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.lanterns);
+  const order = () => device.titles(`playlists:pl/items/${plid}`);
+  const me = await open();
+  await me.openList('Party');
+  await me.playRow(first);
+  await eventually(() => me.nowTitle(), first);
+  await device.send('player:pause', {});
+  await me.page.locator('#main .row.movable').first().waitFor();
+
+  let drop = await me.lift(fourth, third);
+  await device.send('playlists:pl/addItems', { plid, mode: 1, items: ['files:tree/Velka%20Torrin/Small%20Hours'] });
+  await eventually(() => me.titles('main'), [first, ...Hours, second, third, fourth, fifth]);
+  await drop(fifth);
+  const longer = [first, ...Hours, second, third, fifth, fourth];
+  await eventually(order, longer);
+  await eventually(() => me.titles('main'), longer);
+
+  drop = await me.lift(second, third);
+  await device.send('playlists:pl/removeItems', { plid, items: [1] });
+  const shorter = longer.filter((title) => title !== Hours[0]);
+  await eventually(() => me.titles('main'), shorter);
+  await eventually(() => me.page.locator('#main .rows.dragging').count(), 0);
+  await drop(fourth);
+  assert.deepEqual(await order(), shorter);
+}, { player: true });
+
+story('Escape lets a lifted track go where it was', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.lanterns);
+  const me = await open();
+  await me.openList('Party');
+  await me.page.locator('#main .row.movable').first().waitFor();
+  const drop = await me.lift(first, fourth);
+  await me.page.keyboard.press('Escape');
+  await me.page.locator('#main .rows.dragging').waitFor({ state: 'detached' });
+  await drop(fourth);
+  await eventually(() => me.titles('main'), Lanterns);
+  assert.deepEqual(await device.titles(`playlists:pl/items/${plid}`), Lanterns);
+}, { sizes: ['desktop'] });
 
 story('several tracks are moved at once', async ({ device, open }) => {
   const plid = await device.playlist('Party', Albums.lanterns);
   const me = await open();
   await me.openList('Party');
   await me.page.locator('#main .row.movable').first().waitFor();
-  const control = { modifiers: ['Control'] };
-  await me.row('main', first).locator('.row-title').click();
-  await me.row('main', third).locator('.row-title').click(control);
+  await me.chooseRows('main', first, third);
   await me.drag(first, fourth);
   const moved = [second, fourth, first, third, fifth];
   await eventually(() => device.titles(`playlists:pl/items/${plid}`), moved);
   await eventually(() => me.titles('main'), moved);
-}, { sizes: ['desktop'] });
+});
 
 story('a track is moved by its menu, by the keys, and removed', async ({ device, open }) => {
   const plid = await device.playlist('Party', Albums.lanterns);

@@ -11,10 +11,10 @@ const Work = process.env.ORVO_WORK;
 const ModuleFolder = join(dirname(Host), '..', 'lib');
 
 export const hasPlayer = existsSync(join(ModuleFolder, 'liborvo_player.so'));
-export const musicFolder = (name = 'music') => join(Work, name);
+export const musicFolder = (name = 'tunes') => join(Work, name);
 
 export class Device {
-  constructor({ music = 'music', modules = null, settings = [] } = {}) {
+  constructor({ music = 'tunes', modules = null, settings = [] } = {}) {
     this.music = musicFolder(music);
     this.modules = modules;
     this.settings = settings;

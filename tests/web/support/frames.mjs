@@ -1,9 +1,23 @@
-// Frame times, as the page's own clock sees them, and what the page's thread worked for them, from
-// a trace of the browser. On a machine that does other things as well, the first tells how it was,
-// the second what it is the page's fault.
+// What scrolling costs, told in three ways, because each alone can flatter.
+//
+// drawn: the time between two frames that the browser's compositor drew, from a trace of the browser: what an eye
+// sees. It scrolls what it has also while the page works, so a busy page may show as blank rows instead.
+// asked: the time between two animation frames, as the page's own clock sees them: a page that works too long, or
+// a machine that gives it no time, shows here.
+// work: the processor time of the longest task of the page's thread, from the trace: what of it is the page's fault.
+
+const Kinds = {
+  script: ['FunctionCall', 'EvaluateScript', 'FireAnimationFrame', 'EventDispatch', 'TimerFire', 'RunMicrotasks'],
+  style: ['UpdateLayoutTree'],
+  layout: ['Layout'],
+  paint: ['PrePaint', 'Paint', 'Layerize', 'Commit'],
+  collection: ['MajorGC', 'MinorGC', 'V8.GCScavenger', 'BlinkGC.AtomicPhase'],
+};
 
 export async function recordFrames(browser, page) {
-  await browser.startTracing(page, { categories: ['toplevel', 'devtools.timeline'] });
+  await browser.startTracing(page, {
+    categories: ['toplevel', 'devtools.timeline', 'disabled-by-default-devtools.timeline.frame'],
+  });
   await page.evaluate(() => {
     const frames = [];
     let last = 0;
@@ -21,29 +35,57 @@ export async function recordFrames(browser, page) {
       return window.recordedFrames;
     });
     const { traceEvents } = JSON.parse(await browser.stopTracing());
-    const sorted = [...frames].sort((a, b) => a - b);
-    const at = (share) => sorted[Math.min(sorted.length - 1, Math.floor(sorted.length * share))];
+    const main = mainThread(traceEvents);
     return {
-      count: frames.length,
-      median: at(0.5),
-      p95: at(0.95),
-      longest: sorted.at(-1),
-      over50: frames.filter((frame) => frame > 50).length,
-      work: longestWork(traceEvents),
+      asked: summary(frames),
+      drawn: summary(drawnFrames(traceEvents, main)),
+      work: Math.max(...tasksOf(traceEvents, main)),
+      longest: longestOf(traceEvents, main),
     };
   };
 }
 
-// The longest task of the busiest main thread, in milliseconds of processor time.
-function longestWork(events) {
-  const threads = new Map();
-  for (const { name, args, pid, tid } of events) {
-    if (name === 'thread_name' && args.name === 'CrRendererMain') threads.set(`${pid}:${tid}`, []);
-  }
-  for (const event of events) {
-    if (event.ph === 'X' && event.name.endsWith('RunTask')) threads.get(`${event.pid}:${event.tid}`)?.push(event.tdur ?? 0);
-  }
-  const busiest = [...threads.values()].sort((a, b) => b.length - a.length)[0] ?? [];
-  if (!busiest.length) throw new Error('the trace holds no tasks');
-  return Math.max(...busiest) / 1000;
+function summary(times) {
+  if (!times.length) throw new Error('no frames were recorded');
+  const sorted = [...times].sort((a, b) => a - b);
+  const at = (share) => sorted[Math.min(sorted.length - 1, Math.floor(sorted.length * share))];
+  return {
+    count: times.length,
+    median: at(0.5),
+    p95: at(0.95),
+    longest: sorted.at(-1),
+    over50: times.filter((time) => time > 50).length,
+  };
+}
+
+const on = (thread) => (event) => event.pid === thread.pid && event.tid === thread.tid;
+const isTask = (event) => event.ph === 'X' && event.name.endsWith('RunTask');
+
+// That of the busiest page.
+function mainThread(events) {
+  const busy = events.filter(({ name, args }) => name === 'thread_name' && args.name === 'CrRendererMain')
+    .map((thread) => ({ thread, tasks: events.filter((event) => isTask(event) && on(thread)(event)).length }))
+    .sort((a, b) => b.tasks - a.tasks)[0];
+  if (!busy?.tasks) throw new Error('the trace holds no tasks');
+  return busy.thread;
+}
+
+const tasksOf = (events, main) => events.filter((event) => isTask(event) && on(main)(event)).map(({ tdur = 0 }) => tdur / 1000);
+
+function drawnFrames(events, main) {
+  const times = events.filter(({ name, pid }) => name === 'DrawFrame' && pid === main.pid).map(({ ts }) => ts / 1000)
+    .sort((a, b) => a - b);
+  return times.slice(1).map((time, i) => time - times[i]);
+}
+
+// The longest single piece of each kind of work, in milliseconds.
+function longestOf(events, main) {
+  const mine = events.filter((event) => event.ph === 'X' && on(main)(event));
+  return Object.fromEntries(Object.entries(Kinds).map(([kind, names]) =>
+    [kind, Math.max(0, ...mine.filter(({ name }) => names.includes(name)).map(({ dur = 0 }) => dur / 1000))]));
+}
+
+export function told(name, { count, median, p95, longest, over50 }) {
+  const ms = (time) => `${time.toFixed(1)} ms`;
+  return `${name}: ${count} frames, median ${ms(median)}, 95 % ${ms(p95)}, longest ${ms(longest)}, over 50 ms: ${over50}`;
 }

@@ -130,41 +130,88 @@ export class People {
     return this.page.locator('.toast', { hasText: text });
   }
 
+  // With a finger by the mode for it, with a mouse as everywhere.
+  async chooseRows(pane, ...titles) {
+    if (this.touch) await this.press(this.page.locator(`#${pane} .screen:not([hidden]) [aria-label="Choose several"]`));
+    for (const [i, title] of titles.entries()) {
+      const row = this.row(pane, title).locator('.row-title');
+      if (this.touch) await row.tap();
+      else await row.click({ modifiers: i ? ['Control'] : [] });
+    }
+  }
+
   // Lifts a row and lets it go on the middle of another one, beyond it by a little.
   async drag(from, to) {
-    const start = await center(this.row('main', from).locator('.row-title'));
-    const target = await center(this.row('main', to).locator('.row-title'));
-    const end = { x: start.x, y: target.y + Math.sign(target.y - start.y) * 8 };
-    if (this.touch) await this.dragByFinger(start, end);
-    else await this.dragByMouse(start, end);
+    const drop = await this.lift(from, to);
+    await drop();
   }
 
-  async dragByMouse(start, end) {
+  // The same up to letting go; what it gives does that, over another row if need be.
+  async lift(from, to) {
+    const pointer = await this.pointer();
+    const start = await this.middle(from);
+    let { y } = start;
+    const moveTo = async (title) => {
+      const target = (await this.middle(title)).y;
+      const end = target + Math.sign(target - y) * 8;
+      for (let step = 1; step <= 6; step += 1) await pointer.move({ x: start.x, y: y + ((end - y) * step) / 6 });
+      y = end;
+    };
+    await pointer.down(start);
+    if (this.touch) await this.page.locator('#main .row.lifted').waitFor(); // a long press
+    await moveTo(to);
+    await this.page.locator('#main .rows.dragging').waitFor();
+    return async (over) => {
+      if (over) await moveTo(over);
+      await pointer.up();
+    };
+  }
+
+  async middle(title) {
+    const row = this.row('main', title);
+    await row.evaluate((element) => Promise.allSettled(element.getAnimations().map((animation) => animation.finished)));
+    const box = await row.locator('.row-title').boundingBox();
+    return { x: box.x + Math.min(60, box.width / 2), y: box.y + box.height / 2 };
+  }
+
+  // A finger or a mouse.
+  async pointer() {
     const { mouse } = this.page;
-    await mouse.move(start.x, start.y);
-    await mouse.down();
-    for (let step = 1; step <= 10; step += 1)
-      await mouse.move(start.x, start.y + ((end.y - start.y) * step) / 10);
-    await this.page.waitForTimeout(60);
-    await mouse.up();
-  }
-
-  async dragByFinger(start, end) {
+    if (!this.touch) {
+      return {
+        down: async ({ x, y }) => {
+          await mouse.move(x, y);
+          await mouse.down();
+        },
+        move: ({ x, y }) => mouse.move(x, y),
+        up: () => mouse.up(),
+      };
+    }
     const session = await this.window.context.newCDPSession(this.page);
     const touch = (type, point) => session.send('Input.dispatchTouchEvent', { type, touchPoints: point ? [point] : [] });
-    await touch('touchStart', start);
-    await this.page.waitForTimeout(550); // a long press
-    for (let step = 1; step <= 10; step += 1)
-      await touch('touchMove', { x: start.x, y: start.y + ((end.y - start.y) * step) / 10 });
-    await this.page.waitForTimeout(60);
-    await touch('touchEnd');
-    await session.detach();
+    return {
+      down: (point) => touch('touchStart', point),
+      move: (point) => touch('touchMove', point),
+      up: async () => {
+        await touch('touchEnd');
+        await session.detach();
+      },
+    };
   }
-}
 
-async function center(locator) {
-  const box = await locator.boundingBox();
-  return { x: box.x + Math.min(60, box.width / 2), y: box.y + box.height / 2 };
+  // A finger that rests on a row, or the right button.
+  async pressLong(pane, title) {
+    const row = this.row(pane, title).locator('.row-title');
+    if (!this.touch) {
+      await row.click({ button: 'right' });
+      return;
+    }
+    const box = await row.boundingBox();
+    const pointer = await this.pointer();
+    await pointer.down({ x: box.x + 20, y: box.y + box.height / 2 });
+    await this.page.locator(`#${pane} .row.lifted`).waitFor();
+    await pointer.up();
+  }
 }
 
 function escape(text) {

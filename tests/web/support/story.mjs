@@ -3,8 +3,9 @@
 
 import assert from 'node:assert/strict';
 import { appendFileSync } from 'node:fs';
+import { availableParallelism } from 'node:os';
 import { join } from 'node:path';
-import { after, before, test } from 'node:test';
+import { after, before, describe, test } from 'node:test';
 import { chromium } from 'playwright-core';
 import { Device, hasPlayer } from './device.mjs';
 import { People } from './people.mjs';
@@ -12,6 +13,9 @@ import { People } from './people.mjs';
 // The browser asks nobody but the device.
 const Flags = ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
   '--disable-component-update', '--disable-sync'];
+
+// What comes at all comes much sooner; this is for machines that have other things to do.
+const Patience = 20000;
 
 export const Sizes = {
   phone: { viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true },
@@ -35,7 +39,7 @@ class Window {
   async open({ at = this.device.url, meet = null, ...options } = {}) {
     this.context = await theBrowser.newContext({ ...Sizes[this.size], ...options });
     this.page = await this.context.newPage();
-    this.page.setDefaultTimeout(6000);
+    this.page.setDefaultTimeout(Patience);
     const note = (text) => this.wrong.push(text);
     this.page.on('console', (message) => {
       if (['error', 'warning'].includes(message.type())) note(`console: ${message.text()} ${message.location().url}`);
@@ -43,44 +47,67 @@ class Window {
     this.page.on('pageerror', (error) => note(`exception: ${error.stack}`));
     this.page.on('response', (response) => response.status() >= 400 && note(`status ${response.status()}: ${response.url()}`));
     this.page.on('requestfailed', (request) => {
-      // Closing a stream is how the page ends it.
-      if (!request.url().includes('/api/events')) note(`failed: ${request.url()} ${request.failure()?.errorText}`);
+      // Closing a stream is how the page ends it; a picture is given up when its row shows another one, and
+      // everything under way when a story loads the page again.
+      const { errorText } = request.failure() ?? {};
+      const givenUp = errorText === 'net::ERR_ABORTED' && (this.isReloading || request.resourceType() === 'image');
+      if (!givenUp && !request.url().includes('/api/events')) note(`failed: ${request.url()} ${errorText}`);
     });
     await this.page.goto(at);
     await meet?.(this.page);
     await this.page.locator('#nav .row.heads').first().waitFor({ state: 'attached' });
     return new People(this);
   }
+
+  async reload() {
+    this.isReloading = true;
+    await this.page.reload();
+    this.isReloading = false;
+  }
 }
 
-// tell(t): tells it at both sizes. t: {device, size, open(), allow(pattern)}.
-export function story(name, tell, { player = false, device: options = {}, sizes = Object.keys(Sizes) } = {}) {
-  for (const size of sizes) {
-    const skip = player && !hasPlayer ? 'liborvo_player.so is not built' : false;
-    test(`${name} (${size})`, { skip }, async () => {
-      const device = new Device(options);
-      const windows = [];
-      const allowed = [];
-      const open = async (how) => {
-        const window = new Window(device, size);
-        windows.push(window);
-        return window.open(how);
-      };
-      await device.start();
-      try {
-        await device.ready();
-        await tell({ device, size, open, allow: (pattern) => allowed.push(pattern) });
-        const wrong = windows.flatMap((window) => window.wrong)
-          .filter((text) => !allowed.some((pattern) => pattern.test(text)));
-        assert.deepEqual(wrong, [], 'something went wrong behind the page');
-      } catch (error) {
-        await keepEvidence(name, size, windows, device);
-        throw error;
-      } finally {
-        for (const window of windows) await window.context?.close();
-        await device.end();
-      }
+// tell(t): tells it at both sizes. t: {device, size, open(), allow(pattern)}. Told several at a time, those that
+// watch the clock after all others and alone.
+export function story(name, tell, { player = false, device = {}, sizes = Object.keys(Sizes), alone = false } = {}) {
+  const skip = player && !hasPlayer ? 'liborvo_player.so is not built' : false;
+  for (const size of sizes) stories.push({ title: `${name} (${size})`, name, tell, device, size, skip, alone });
+}
+
+const stories = [];
+const AtOnce = Math.max(2, availableParallelism());
+
+// Called once all stories are known.
+export function tellStories() {
+  const those = (alone) => stories.filter((found) => found.alone === alone);
+  for (const [group, concurrency] of [['together', AtOnce], ['alone', 1]]) {
+    describe(group, { concurrency }, () => {
+      for (const found of those(group === 'alone')) test(found.title, { skip: found.skip }, () => tellOne(found));
     });
+  }
+}
+
+async function tellOne({ name, tell, device: options, size }) {
+  const device = new Device(options);
+  const windows = [];
+  const allowed = [];
+  const open = async (how) => {
+    const window = new Window(device, size);
+    windows.push(window);
+    return window.open(how);
+  };
+  await device.start();
+  try {
+    await device.ready();
+    await tell({ device, size, open, allow: (pattern) => allowed.push(pattern) });
+    const wrong = windows.flatMap((window) => window.wrong)
+      .filter((text) => !allowed.some((pattern) => pattern.test(text)));
+    assert.deepEqual(wrong, [], 'something went wrong behind the page');
+  } catch (error) {
+    await keepEvidence(name, size, windows, device);
+    throw error;
+  } finally {
+    for (const window of windows) await window.context?.close();
+    await device.end();
   }
 }
 
@@ -94,7 +121,7 @@ async function keepEvidence(name, size, windows, device) {
 }
 
 // Waits until `look` gives what is expected; fails with what it gave last.
-export async function eventually(look, expected, { within = 5000 } = {}) {
+export async function eventually(look, expected, { within = Patience } = {}) {
   const end = Date.now() + within;
   let seen;
   do {

@@ -1,6 +1,7 @@
 // Reordering by drag: with a mouse from anywhere in the row, with a finger from the grip or after a
 // long press. A long press that does not move opens the menu.
 
+import { rowKey } from '../model/rows.js';
 import { clamp } from './dom.js';
 
 const LongPressMs = 430;
@@ -21,6 +22,14 @@ export class Dragging {
     // Once a row is lifted the finger moves it, not the page.
     body.addEventListener('touchmove', (event) => this.lifted && event.preventDefault(), { passive: false });
     body.addEventListener('dragstart', (event) => event.preventDefault());
+    this.onKey = (event) => {
+      if (event.key !== 'Escape') return;
+      event.preventDefault();
+      event.stopPropagation();
+      this.end(false);
+    };
+    list.store.on('inserted', (change) => this.followInsertion(change));
+    list.store.on('rows', () => this.checkRows());
   }
 
   onDown(event) {
@@ -58,6 +67,8 @@ export class Dragging {
     this.movable = this.canMove() && list.store.row(press.index)?.type === 3;
     list.suppressClick = true;
     list.pinned = press.index;
+    press.row = list.store.row(press.index);
+    document.addEventListener('keydown', this.onKey, { capture: true });
     press.view.element.classList.add('lifted');
     list.body.setPointerCapture?.(press.id);
     if (press.type !== 'mouse') navigator.vibrate?.(8);
@@ -72,6 +83,7 @@ export class Dragging {
       this.indices = chosen
         ? [...list.selection.chosen.values()].map((entry) => entry.index).sort((a, b) => a - b)
         : [press.index];
+      this.keys = this.indices.map((index) => rowKey(list.store.row(index)));
       this.grabbed = press.y - press.view.element.getBoundingClientRect().top;
       list.body.classList.add('dragging');
       list.shift = (index) => this.shiftOf(index);
@@ -81,6 +93,27 @@ export class Dragging {
     this.aim();
   }
 
+  // Others may change the list meanwhile. An insertion carries along what is held …
+  followInsertion({ at, count }) {
+    if (!this.lifted) return;
+    const moved = (index) => (index >= at ? index + count : index);
+    this.press.index = moved(this.press.index);
+    this.list.pinned = this.press.index;
+    if (!this.dragging) return;
+    this.indices = this.indices.map(moved);
+    this.aim();
+  }
+
+  // … after anything else it may have other neighbours or be gone: then nothing is moved.
+  checkRows() {
+    if (!this.lifted) return;
+    const { store } = this.list;
+    const isThere = (index, key) => !store.row(index) || rowKey(store.row(index)) === key;
+    const same = isThere(this.press.index, rowKey(this.press.row))
+      && (!this.dragging || this.indices.every((index, i) => isThere(index, this.keys[i])));
+    if (!same) this.end(false);
+  }
+
   // The gap between rows that the lifted row's middle is nearest to.
   aim() {
     const { list } = this;
@@ -88,12 +121,12 @@ export class Dragging {
     this.liftedTop = clamp(this.pointerY - bodyTop - this.grabbed, 0, list.metrics.topOf(list.store.count) - list.metrics.height);
     const middle = this.liftedTop + list.metrics.height / 2;
     const over = list.metrics.indexAt(middle, list.store.count);
-    const below = middle > list.metrics.topOf(over) + list.metrics.heightOf(over) / 2;
+    const center = list.metrics.topOf(over) + list.metrics.heightOf(over) / 2;
     const from = this.press.index;
-    let gap = below ? over + 1 : over;
-    if (over === from) gap = from;
-    else if (over > from && !below) gap = over;
-    this.gap = gap;
+    // At the very ends the lifted row cannot get farther than the middle of the last and the first row.
+    if (over > from) this.gap = middle >= center ? over + 1 : over;
+    else if (over < from) this.gap = middle > center ? over + 1 : over;
+    else this.gap = from;
     list.render();
   }
 
@@ -141,6 +174,7 @@ export class Dragging {
     this.press = null;
     this.lifted = false;
     this.dragging = false;
+    document.removeEventListener('keydown', this.onKey, { capture: true });
     list.shift = null;
     list.pinned = -1;
     list.body.classList.remove('dragging');

@@ -6,9 +6,10 @@ import { icon } from './icons.js';
 const Keys = [
   ['Move in a list', '↑ ↓ Home End'],
   ['Open, or play from here', 'Enter'],
+  ['Open and go in', '→'],
   ['Play or pause', 'Space'],
   ['Next, previous track', 'N  P'],
-  ['Back', '← Backspace'],
+  ['Back, or to the list beside', '← Backspace'],
   ['Menu of a row', 'M'],
   ['Choose a row, several', 'X  Shift ↑ ↓'],
   ['Choose all', 'Ctrl A'],

@@ -20,6 +20,8 @@ export function heading(published, rowTitle, knownLead) {
 export function amount(store) {
   if (!store.isLoaded) return '';
   if (store.count === 0) return 'Empty';
+  // Long lists are told by their length alone: going through them with every page that comes would cost.
+  if (!store.isComplete) return store.rows.some((row) => row?.type === RowType.Audio) ? plural(store.count, 'track') : '';
   let tracks = 0;
   let milliseconds = 0;
   for (let i = 0; i < store.count; i += 1) {
@@ -28,8 +30,7 @@ export function amount(store) {
     tracks += 1;
     milliseconds += metaData(row).duration ?? 0;
   }
-  if (!tracks) return store.isComplete ? plural(store.count, 'item') : '';
-  if (!store.isComplete) return plural(store.count, 'track');
+  if (!tracks) return plural(store.count, 'item');
   const others = store.count - tracks;
   const parts = [others ? plural(others, 'folder') : null, plural(tracks, 'track'), spelledDuration(milliseconds)];
   return parts.filter(Boolean).join(' · ');

@@ -6,6 +6,10 @@ import { attempt } from './toast.js';
 const isTyping = (target) => target.matches?.('input:not([type=range]), textarea, [contenteditable]');
 const hasOwnSpace = (target) => target.matches?.('button, a, input, summary');
 
+// From the head of a list and from nowhere the arrows lead into its rows.
+const leadsToRows = (target) =>
+  target === document.body || (target.closest?.('.screen') && !target.closest('.rows') && !isTyping(target));
+
 const Navigation = new Set(['ArrowUp', 'ArrowDown', 'Home', 'End', 'PageUp', 'PageDown']);
 
 function press(button) {
@@ -35,7 +39,10 @@ export function wireKeys(app) {
     if (document.querySelector('dialog[open]')) return;
     const run = keys[event.key];
     if (run && run(event) !== false) event.preventDefault();
-    else if ((event.key === 'ArrowDown' || event.key === 'ArrowUp') && event.target === document.body)
-      app.shownScreen.list.setActive(Math.max(0, app.shownScreen.list.active));
+    else if ((event.key === 'ArrowDown' || event.key === 'ArrowUp') && leadsToRows(event.target)) {
+      const { list } = app.shownScreen;
+      list.setActive(list.active >= 0 ? list.active : list.step(0, 0));
+      event.preventDefault();
+    }
   });
 }

@@ -1,5 +1,7 @@
 // The keys that work inside a list.
 
+import { RowType } from '../model/rows.js';
+
 const Moves = {
   ArrowDown: (list) => list.step(list.active, 1),
   ArrowUp: (list) => list.step(list.active, -1),
@@ -11,7 +13,7 @@ const Moves = {
 
 const Actions = {
   Enter: (list, row) => list.emit('open', { row, index: list.active, anchor: list.views.get(list.active)?.element }),
-  ArrowRight: (list, row) => row.type === 1 && list.emit('open', { row, index: list.active }),
+  ArrowRight: (list, row) => row.type === RowType.Container && list.emit('open', { row, index: list.active, goIn: true }),
   ArrowLeft: (list) => list.emit('back'),
   Backspace: (list) => list.emit('back'),
   m: (list) => list.openMenu(list.active),

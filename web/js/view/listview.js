@@ -20,7 +20,7 @@ const Nothing = Symbol('nothing');
 
 export class ListView extends Emitter {
   // `look`: what the surroundings know about a row: {current(row), playing(), cover(row, found),
-  // detail(row), action, selectable}.
+  // action, selectable}.
   constructor({ store, scroller, look, label }) {
     super();
     Object.assign(this, { store, scroller, look });
@@ -223,8 +223,10 @@ export class ListView extends Emitter {
     const y = scrolled - this.body.offsetTop;
     const first = metrics.indexAt(Math.max(0, y), store.count);
     const last = metrics.indexAt(Math.max(0, y + height), store.count);
-    const from = Math.max(0, first - Overscan);
-    const to = Math.min(store.count, last + 1 + Overscan);
+    // What flies by is gone before its neighbours could be seen.
+    const beyond = this.plain ? 1 : Overscan;
+    const from = Math.max(0, first - beyond);
+    const to = Math.min(store.count, last + 1 + beyond);
     this.showRange(from, to);
     store.want(from, to);
     this.stale = false;
@@ -286,7 +288,6 @@ export class ListView extends Emitter {
       opened: row && look.opened ? look.opened(row) : false,
       movable: this.movable && row?.type === RowType.Audio,
       found: this.foundIndex === index,
-      detail: row ? look.detail?.(row) : '',
       action: row ? look.action?.(row) : null,
       urls: row && !plain ? look.cover(row, () => this.refresh()) : null,
     });

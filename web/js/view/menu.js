@@ -3,13 +3,13 @@
 // from.
 
 import { ListStore } from '../model/liststore.js';
-import { RowType, isCreate, isFocusable, isSwitch } from '../model/rows.js';
+import { RowType, isCreate, isSwitch, isUsable } from '../model/rows.js';
 import { asksTwice } from '../model/commands.js';
 import { samePlace } from '../core/paths.js';
 import { Artwork } from './artwork.js';
-import { clamp, el } from './dom.js';
+import { clamp, el, setAttribute, setText } from './dom.js';
 import { icon } from './icons.js';
-import { attempt } from './toast.js';
+import { attempt, busy } from './toast.js';
 
 const SureForMs = 4000;
 const AllRows = 1000000;
@@ -29,6 +29,8 @@ export class Menu {
       this.back();
     });
     this.dialog.addEventListener('keydown', (event) => this.onKey(event));
+    this.page = el('div.sheet-page');
+    this.dialog.append(this.page);
     document.body.append(this.dialog);
   }
 
@@ -87,14 +89,14 @@ export class Menu {
   show(page) {
     const focused = this.isOpen ? [...this.entries()].indexOf(document.activeElement) : -1;
     const content = page.field ? this.fieldContent(page) : this.listContent(page);
-    this.dialog.replaceChildren(this.header(page), content);
+    this.page.replaceChildren(this.header(page), content);
     this.dialog.setAttribute('aria-label', page.title ?? '');
     if (!this.isOpen) this.dialog.showModal();
     this.position();
     const entries = this.entries();
-    const input = this.dialog.querySelector('input');
+    const input = this.page.querySelector('input');
     if (input) input.select();
-    (input ?? entries[Math.max(0, focused)] ?? this.dialog.querySelector('button'))?.focus();
+    (input ?? entries[Math.max(0, focused)] ?? this.page.querySelector('button'))?.focus();
   }
 
   entries() {
@@ -107,9 +109,10 @@ export class Menu {
     const back = this.pages.length > 1
       ? el('button.icon-button', { type: 'button', 'aria-label': 'Back', onclick: () => this.back() }, icon('back'))
       : artwork.element;
+    const title = this.head?.title ?? page.title ?? '';
     return el('header.sheet-head', {}, back,
-      el('div.sheet-texts', {}, el('h2.sheet-title', {}, this.head?.title ?? page.title ?? ''),
-        el('p.sheet-subtitle', {}, page.title ?? '')),
+      el('div.sheet-texts', {}, el('h2.sheet-title', {}, title),
+        page.title && page.title !== title ? el('p.sheet-subtitle', {}, page.title) : null),
       el('button.icon-button', { type: 'button', 'aria-label': 'Close', onclick: () => this.close() }, icon('close')));
   }
 
@@ -129,7 +132,7 @@ export class Menu {
   entry(row, page) {
     if (row.type === RowType.Separator) return el('hr.menu-line');
     if (row.type === RowType.Header) return el('h3.menu-heading', {}, row.title ?? '');
-    const button = el('button.menu-entry', { type: 'button', disabled: !isFocusable(row) },
+    const button = el('button.menu-entry', { type: 'button', disabled: !isUsable(row) || row.type === RowType.Audio },
       el('span.menu-text', {}, row.title ?? ''));
     button.addEventListener('click', () => this.choose(row, page, button));
     if (isSwitch(row)) {
@@ -180,15 +183,24 @@ export class Menu {
     const row = page.field;
     const input = el('input', { type: 'text', value: row.value?.string ?? '', 'aria-label': row.title, autocomplete: 'off', enterkeyhint: 'done', maxlength: '500' });
     const save = el('button.pill.primary', { type: 'submit' }, isCreate(row) ? 'Create' : 'Save');
-    const form = el('form.field', {
-      onsubmit: async (event) => {
-        event.preventDefault();
-        const done = await attempt(this.app.carryOut(row, { string: input.value }), save);
-        if (done && this.pages.at(-1) === page) this.back();
-      },
-    }, input, el('div.field-buttons', {},
+    const problem = el('p.field-problem', { id: 'field-problem', role: 'alert' });
+    const send = async (event) => {
+      event.preventDefault();
+      try {
+        await busy(this.app.carryOut(row, { string: input.value }, { openMade: page.openMade }), save);
+      } catch (error) {
+        setText(problem, error.message);
+        setAttribute(input, 'aria-invalid', 'true');
+        setAttribute(input, 'aria-describedby', problem.id);
+        input.select();
+        return;
+      }
+      // The head names what the menu belongs to, under its new name now.
+      if (this.head && this.head.title === row.value?.string) this.head.title = input.value;
+      if (this.pages.at(-1) === page) this.back();
+    };
+    return el('form.field', { onsubmit: send }, input, problem, el('div.field-buttons', {},
       el('button.pill', { type: 'button', onclick: () => this.back() }, 'Cancel'), save));
-    return form;
   }
 
   // Beside what it belongs to, inside the window. A phone's sheet ignores it.

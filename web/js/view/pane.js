@@ -22,20 +22,27 @@ export class Pane {
     return this.kind !== 'nav' && (this.depth > 1 || this.app.isNarrow && this.kind === 'main');
   }
 
+  // What stands to the left of it.
+  get neighbour() {
+    if (this.app.isNarrow) return null;
+    return { main: this.app.nav, side: this.app.main }[this.kind] ?? null;
+  }
+
   paths() {
     return this.stack.map((screen) => screen.path);
   }
 
-  // A row was chosen in `from`. Beside a parent, that begins anew.
-  open(row, from = null) {
+  // A row was chosen. Beside a parent, that begins anew.
+  // `goIn`: the focus goes along, even where both are in view.
+  open(row, { goIn = false } = {}) {
     if (this.kind === 'nav') {
-      this.app.openInMain(row);
+      this.app.openInMain(row, goIn);
       return;
     }
     if (this.top?.path === row.path) return;
     this.push({ path: row.path, row });
     this.app.remember();
-    if (from) this.top.focus();
+    this.top.focus();
   }
 
   push(what) {
@@ -53,7 +60,10 @@ export class Pane {
   }
 
   back() {
-    if (!this.canGoBack) return;
+    if (!this.canGoBack) {
+      this.neighbour?.top?.focus();
+      return;
+    }
     if (this.depth > 1) this.pop();
     else this.app.showNav();
     this.app.remember();

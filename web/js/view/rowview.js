@@ -2,12 +2,10 @@
 // scrolls; says nothing to the device itself.
 
 import { artworkUrl } from '../core/api.js';
-import { RowType, duration, isCreate, isMenu, isSwitch, metaData, subtitle } from '../model/rows.js';
+import { RowType, duration, isCreate, isFocusable, isMenu, isSwitch, isUsable, metaData } from '../model/rows.js';
 import { Artwork } from './artwork.js';
 import { el, setAttribute, setText } from './dom.js';
 import { icon, setIcon } from './icons.js';
-
-const Known = new Set(Object.values(RowType));
 
 const ClassOf = {
   [RowType.Container]: 'opens',
@@ -31,7 +29,9 @@ export class RowView {
     this.artwork = new Artwork();
     this.check = el('span.check', { 'aria-hidden': 'true' }, icon('check'));
     this.title = el('span.row-title');
-    this.subtitle = el('span.row-subtitle');
+    this.artist = el('span.row-artist');
+    this.album = el('span.row-album');
+    this.subtitle = el('span.row-subtitle', {}, this.artist, this.album);
     this.playIcon = icon('play');
     this.bars = el('span.bars', { 'aria-hidden': 'true' }, el('i'), el('i'), el('i'));
     this.artwork.element.append(el('span.art-play', {}, this.playIcon), this.bars);
@@ -48,13 +48,15 @@ export class RowView {
   }
 
   place(index, top, height) {
+    if (this.index !== index) {
+      setAttribute(this.element, 'aria-rowindex', index + 1);
+      this.element.dataset.index = index;
+    }
     this.index = index;
     if (this.top !== top) this.element.style.transform = `translateY(${top}px)`;
     if (this.height !== height) this.element.style.height = `${height}px`;
     this.top = top;
     this.height = height;
-    setAttribute(this.element, 'aria-rowindex', index + 1);
-    this.element.dataset.index = index;
   }
 
   // `row` may be missing: it is on its way. `look`: {selected, selecting, current, playing, movable,
@@ -76,7 +78,8 @@ export class RowView {
     this.row = row;
     if (!row) {
       setText(this.title, '\u00a0');
-      setText(this.subtitle, '');
+      setText(this.artist, '');
+      setText(this.album, '');
       setText(this.detail, '');
       this.artwork.set({});
       this.more.hidden = true;
@@ -84,8 +87,11 @@ export class RowView {
       return;
     }
     setText(this.title, row.title ?? '');
-    setText(this.subtitle, row.type === RowType.Audio ? subtitle(row) : isMenu(row) ? '' : look.detail ?? '');
-    setText(this.detail, row.type === RowType.Audio ? duration(metaData(row).duration) : '');
+    const plays = row.type === RowType.Audio ? metaData(row) : {};
+    setText(this.artist, plays.artist ?? '');
+    setText(this.album, plays.album ?? '');
+    const text = row.type === RowType.Editable && !isSwitch(row) ? row.value?.string ?? '' : '';
+    setText(this.detail, duration(plays.duration) || text);
     this.showArtwork(row, look);
     this.showControls(row, look);
   }
@@ -111,6 +117,6 @@ export class RowView {
       setIcon(this.moreIcon, look.action === 'add' ? 'plus' : 'more');
       setAttribute(this.more, 'aria-label', `${look.action === 'add' ? 'Add' : 'Menu of'} ${row.title}`);
     }
-    setAttribute(this.element, 'aria-disabled', Known.has(row.type) ? null : 'true');
+    setAttribute(this.element, 'aria-disabled', isUsable(row) || !isFocusable(row) ? null : 'true');
   }
 }

@@ -1,17 +1,20 @@
 // One list, as people see it: its head, its rows, finding, choosing and reordering. Made by a pane,
 // which owns it.
 
+import { asksTwice } from '../model/commands.js';
 import { ListStore } from '../model/liststore.js';
-import { RowType, isMenu, isSwitch, metaData, position } from '../model/rows.js';
+import { RowType, isMenu, isSwitch, isUsable, metaData, position } from '../model/rows.js';
 import { Dragging } from './dragging.js';
 import { el, plural, setText } from './dom.js';
 import { Finder } from './finder.js';
 import { Hero, amount, heading, ownPictures } from './hero.js';
 import { icon } from './icons.js';
 import { ListView } from './listview.js';
-import { attempt, tellError } from './toast.js';
+import { attempt, busy, tellError } from './toast.js';
 
 const HeadAgainMs = 250;
+// From here on, in pixels, rows pass below the bar.
+const Lifted = 4;
 
 export class Screen {
   // kind: 'nav' (the root beside everything), 'main' or 'side'.
@@ -22,7 +25,18 @@ export class Screen {
     this.offers = null; // what the tracks' menus offer, once known
     this.build();
     this.wire();
+    this.showLoading();
     this.store.want(0, 30);
+  }
+
+  // Until the first rows are there, or it is known that there are none.
+  showLoading() {
+    const { store } = this;
+    const answered = new Promise((done) => {
+      this.endLoading = done;
+      for (const name of ['reset', 'error', 'closed']) store.on(name, done);
+    });
+    busy(answered, this.element);
   }
 
   build() {
@@ -72,8 +86,8 @@ export class Screen {
       this.menuButton,
       pane.kind === 'side' ? el('button.icon-button.close-side', { type: 'button', 'aria-label': 'Close', title: 'Close', onclick: () => this.app.showSide(false) }, icon('close')) : null);
     this.chosenCount = el('span.bar-title.shown', { role: 'status' });
-    this.removeButton = el('button.pill.small', { type: 'button', onclick: () => this.removeChosen() }, icon('trash'), 'Remove');
-    this.addButton = el('button.pill.small', { type: 'button', onclick: (event) => this.addChosen(event.currentTarget) }, icon('plus'), 'Add to…');
+    this.removeButton = el('button.pill.small', { type: 'button', 'aria-label': 'Remove', onclick: () => this.removeChosen() }, icon('trash'), el('span', {}, 'Remove'));
+    this.addButton = el('button.pill.small', { type: 'button', 'aria-label': 'Add to…', onclick: (event) => this.addChosen(event.currentTarget) }, icon('plus'), el('span', {}, 'Add to…'));
     this.chooseBar = el('div.bar-tools', { hidden: true },
       button('close', 'End choosing', () => this.list.selection.clear()), this.chosenCount,
       this.addButton, this.removeButton);
@@ -99,6 +113,12 @@ export class Screen {
     list.on('move', ({ by }) => this.moveActive(by));
     list.on('selectAll', () => attempt(list.selection.all(), this.element));
     this.scroller.addEventListener('scroll', () => this.showBarTitle(), { passive: true });
+    // Read when it has changed, not while scrolling, where it would cost a layout.
+    this.headSize = new ResizeObserver(() => {
+      this.titleEnd = this.hero.title.offsetTop + this.hero.title.offsetHeight - this.bar.offsetHeight;
+      this.showBarTitle();
+    });
+    for (const element of [this.hero.element, this.hero.title, this.bar]) this.headSize.observe(element);
     this.stopPlayer = app.player.on('change', (what) => {
       if (what === 'position' || what === 'duration' || what === 'volume') return;
       this.list.refresh();
@@ -108,6 +128,8 @@ export class Screen {
   }
 
   dispose() {
+    this.endLoading();
+    this.headSize.disconnect();
     clearTimeout(this.headTimer);
     this.stopPlayer();
     this.stopCovers();
@@ -159,9 +181,6 @@ export class Screen {
     this.menuButton.hidden = !this.row?.context?.path;
     this.selectButton.hidden = !(store.count > 0);
     this.empty.hidden = store.count !== 0;
-    // Read here, not while scrolling, where it would cost a layout.
-    this.titleTop = this.hero.element.offsetTop + this.hero.title.offsetTop;
-    this.showBarTitle();
     if (this.isTop) app.onHead(this);
   }
 
@@ -178,7 +197,11 @@ export class Screen {
   }
 
   showBarTitle() {
-    this.bar.classList.toggle('past', this.scroller.scrollTop > this.titleTop);
+    const { scrollTop } = this.scroller;
+    const past = scrollTop > Math.max(Lifted, this.titleEnd ?? 0);
+    this.bar.classList.toggle('past', past);
+    // The root's title stands behind the bar itself.
+    this.bar.classList.toggle('over', this.pane.kind === 'nav' ? past : scrollTop > Lifted);
   }
 
   showBar() {
@@ -245,12 +268,14 @@ export class Screen {
   }
 
   // What can be done with the rows.
-  async open({ row, index, anchor }) {
+  async open({ row, index, anchor, goIn = false }) {
     const { app } = this;
+    if (!isUsable(row)) return;
     if (row.type === RowType.Audio) this.playFrom(row, index, anchor);
     else if (row.type === RowType.Container && isMenu(row)) app.openPublishedMenu(row, anchor, row);
-    else if (row.type === RowType.Container) this.pane.open(row, this);
+    else if (row.type === RowType.Container) this.pane.open(row, { goIn });
     else if (row.type === RowType.Editable && !isSwitch(row)) app.editRow(row, anchor);
+    else if (asksTwice(row)) app.askFor(row, anchor);
     else if (row.type === RowType.Action || isSwitch(row)) await attempt(app.carryOut(row), anchor);
   }
 

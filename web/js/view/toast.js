@@ -8,8 +8,20 @@ const ShowErrorMs = 7000;
 
 let region;
 
+// Inside the dialog that is open: what lies outside it can be neither read nor pressed.
+function place() {
+  const home = [...document.querySelectorAll('dialog[open]')].at(-1) ?? document.body;
+  if (region.parentElement !== home) home.append(region);
+}
+
+function begin() {
+  region = document.getElementById('toasts');
+  document.addEventListener('close', place, { capture: true });
+}
+
 function toast(kind, text, ms) {
-  region ??= document.getElementById('toasts');
+  if (!region) begin();
+  place();
   const last = region.lastElementChild;
   if (last?.dataset.text === text) last.remove();
   const close = el('button.icon-button.small', { type: 'button', 'aria-label': 'Dismiss', onclick: () => item.remove() }, icon('close'));

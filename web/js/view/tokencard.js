@@ -9,7 +9,7 @@ export function askToken() {
     const input = el('input', {
       type: 'password', name: 'token', 'aria-labelledby': 'token-title', autocomplete: 'current-password', required: true,
     });
-    const said = el('p.token-said', { role: 'alert' });
+    const said = el('p.field-problem', { role: 'alert' });
     const send = async (event) => {
       event.preventDefault();
       try {

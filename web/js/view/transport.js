@@ -3,11 +3,13 @@
 
 import { clock } from '../model/rows.js';
 import { Repeat } from '../model/player.js';
-import { el, setAttribute, setText } from './dom.js';
+import { clamp, el, setAttribute, setText } from './dom.js';
 import { icon, setIcon } from './icons.js';
 import { attempt } from './toast.js';
 
 const SendVolumeEveryMs = 80;
+// In milliseconds, however long the track.
+const SeekKeys = { ArrowLeft: -5000, ArrowDown: -5000, ArrowRight: 5000, ArrowUp: 5000, PageDown: -30000, PageUp: 30000 };
 const RepeatNames = { [Repeat.Off]: 'Repeat: off', [Repeat.One]: 'Repeat: this track', [Repeat.All]: 'Repeat: all' };
 
 export class Transport {
@@ -39,6 +41,12 @@ export class Transport {
     this.length = el('span.time');
     this.slider = el('input.range', { type: 'range', min: 0, max: 1000, value: 0, step: 1, 'aria-label': 'Position' });
     this.seek = el('div.seek', {}, this.elapsed, this.slider, this.length);
+    this.slider.addEventListener('keydown', (event) => {
+      const step = SeekKeys[event.key];
+      if (!step || this.slider.disabled) return;
+      event.preventDefault();
+      attempt(player.seek(clamp(player.position + step, 0, player.duration)), this.slider);
+    });
     const target = () => (Number(this.slider.value) / 1000) * player.duration;
     this.slider.addEventListener('input', () => {
       this.seeking = true;
@@ -55,14 +63,17 @@ export class Transport {
     this.mute = el('button.icon-button', { type: 'button', onclick: () => this.toggleMute() }, icon('volume'));
     this.volumeSlider = el('input.range', { type: 'range', min: 0, max: 100, step: 1, 'aria-label': 'Volume' });
     this.volume = el('div.volume', {}, this.mute, this.volumeSlider);
-    let waiting = 0;
+    // What people have set and the device does not know yet; nothing that it says meanwhile takes it back.
+    this.wantedVolume = null;
     const send = () => {
-      waiting = 0;
-      attempt(player.setVolume(Number(this.volumeSlider.value)), null);
+      const volume = this.wantedVolume;
+      this.wantedVolume = null;
+      attempt(player.setVolume(volume), null);
     };
     this.volumeSlider.addEventListener('input', () => {
-      setFill(this.volumeSlider, Number(this.volumeSlider.value) / 100);
-      waiting ||= setTimeout(send, SendVolumeEveryMs);
+      if (this.wantedVolume === null) setTimeout(send, SendVolumeEveryMs);
+      this.wantedVolume = Number(this.volumeSlider.value);
+      setFill(this.volumeSlider, this.wantedVolume / 100);
     });
   }
 
@@ -94,6 +105,7 @@ export class Transport {
   }
 
   showVolume() {
+    if (this.wantedVolume !== null) return;
     const { volume } = this.player;
     if (document.activeElement !== this.volumeSlider || !this.volumeSlider.matches(':active')) this.volumeSlider.value = volume;
     setFill(this.volumeSlider, volume / 100);

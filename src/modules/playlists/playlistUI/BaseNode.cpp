@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <QStringBuilder>
+
 #include "../ModuleLog.h"
 #include "CMRootWorker.h"
 #include "OrvoPlayListPaths.h"
@@ -44,6 +46,13 @@ OrvoRoles BaseNode::createRolesFromPath(const CMPath& path, const QStringList& k
     return getDataRoles(keys, path.params());
 }
 
+BaseNode::RowRange BaseNode::askedRows(const CMGetRowsRequest& request, int rowsCount) {
+    const int last = rowsCount - 1;
+    const int one = std::clamp(request.fromRow(), 0, last);
+    const int other = std::clamp(request.toRow(), 0, last);
+    return {std::min(one, other), std::max(one, other)};
+}
+
 void BaseNode::sendRowsReply(const QVariantList& rows, int rowsCount, const TrString& title,
                              const OrvoRoles& roles, const CMGetRowsRequest& request,
                              bool sliceRows) {
@@ -51,13 +60,10 @@ void BaseNode::sendRowsReply(const QVariantList& rows, int rowsCount, const TrSt
     setTitle(title);
     QVariantList sent = rows;
     if (rowsCount >= 1 && sliceRows) {
-        const int last = rowsCount - 1;
-        const int one = std::clamp(request.fromRow(), 0, last);
-        const int other = std::clamp(request.toRow(), 0, last);
-        const int first = std::min(one, other);
-        const int count = std::max(one, other) - first + 1;
+        const RowRange asked = askedRows(request, rowsCount);
+        const int count = asked.last - asked.first + 1;
         if (count < rowsCount)
-            sent = rows.mid(first, count);
+            sent = rows.mid(asked.first, count);
     }
     OrvoRoles replyRoles = roles;
     replyRoles.setTitle(title);
@@ -72,13 +78,39 @@ void BaseNode::sendRowsReply(const QVariantList& rows, int rowsCount, const TrSt
 }
 
 OrvoRoles BaseNode::addContextMenuToRoles(OrvoRoles roles, int plid) {
-    CMPath path = OrvoPlayListPlTrackContextPath();
-    path.addParam(Action(), QStringLiteral("cmnode"));
-    path.addParam(Plid(), toStr(plid));
-    path.addParam(ItemId(), roles.id());
-    path.addParam(SeqNum(), toStr(roles.value().i32()));
-    roles.setContext(contextMenu(TrString("BaseNode", "Playlist"), path));
+    roles.setContext(trackMenu(roles.id(), plid, roles.value().i32()));
     return roles;
+}
+
+// Every row of a page has such a menu, so its path is put together as text; CMPath has the first
+// part and says how an id is written that is none of ours.
+OrvoRoles BaseNode::trackMenu(const QString& itemId, int plid, int sequenceNumber) {
+    static const QVariant title = TrString("BaseNode", "Playlist").toVariant();
+    static const QString before = OrvoPlayListPlTrackContextPath()
+                                      .addParam(Action(), QStringLiteral("cmnode"))
+                                      .addParam(ItemId(), QString())
+                                      .toString();
+    static const QString playlist = QLatin1Char('&') + Plid() + QLatin1Char('=');
+    static const QString number = QLatin1Char('&') + SeqNum() + QLatin1Char('=');
+
+    QString path;
+    if (std::all_of(itemId.cbegin(), itemId.cend(),
+                    [](QChar c) { return c.unicode() >= '0' && c.unicode() <= '9'; }))
+        path = before % itemId % playlist % toStr(plid) % number % toStr(sequenceNumber);
+    else
+        path = OrvoPlayListPlTrackContextPath()
+                   .addParam(Action(), QStringLiteral("cmnode"))
+                   .addParam(Plid(), toStr(plid))
+                   .addParam(ItemId(), itemId)
+                   .addParam(SeqNum(), toStr(sequenceNumber))
+                   .toString();
+
+    OrvoRoles menu;
+    menu.setAttribute(OrvoRoles::Title(), title);
+    menu.setAttribute(OrvoRoles::Path(), path);
+    menu.setType(OrvoRolesType::Container);
+    menu.setContainerType(OrvoRolesContainerType::ContextMenu);
+    return menu;
 }
 
 OrvoEvent BaseNode::genClosePathEvent() const {
@@ -106,11 +138,15 @@ OrvoRoles BaseNode::textEntryRow(const TrString& title, CMPath path, const QStri
 }
 
 OrvoMediaData BaseNode::playableMediaData() {
-    OrvoMetaData metaData;
-    metaData.setPlayLogicPath(OrvoPlayListsPlayLogicPath());
-    OrvoMediaData mediaData;
-    mediaData.setMetaData(metaData);
-    return mediaData;
+    // One for all: every playlist's node holds it.
+    static const OrvoMediaData shared = [] {
+        OrvoMetaData metaData;
+        metaData.setPlayLogicPath(OrvoPlayListsPlayLogicPath());
+        OrvoMediaData mediaData;
+        mediaData.setMetaData(metaData);
+        return mediaData;
+    }();
+    return shared;
 }
 
 OrvoRoles BaseNode::contextMenu(const TrString& title, const CMPath& path) {

@@ -54,6 +54,15 @@ protected:
     bool isPlayQueueVisible() const { return m_playQueueVisible; }
     bool areCollectionsVisible() const { return m_collectionsVisible; }
 
+    // Both ends included.
+    struct RowRange {
+        int first;
+        int last;
+        bool contains(int row) const { return row >= first && row <= last; }
+    };
+    // The rows that a request asks for of the `rowsCount` (at least 1) that there are.
+    static RowRange askedRows(const CMGetRowsRequest& request, int rowsCount);
+
     // Rows that several nodes list.
     static OrvoRoles headerRow(const TrString& title);
     // A text to be entered; entering it sends set-data to `path` with `action`.
@@ -63,6 +72,8 @@ protected:
     static OrvoRoles contextMenu(const TrString& title, const CMPath& path);
 
 private:
+    static OrvoRoles trackMenu(const QString& itemId, int plid, int sequenceNumber);
+
     PlayListManager* m_manager;
     // Read once: a later change of the settings takes effect at the next start.
     bool m_playQueueVisible;

@@ -8,6 +8,10 @@
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 
+namespace {
+constexpr int CollectionHeadRows = 2; // the header, and the entry that makes one
+}
+
 RootNode* RootNode::create(CMNodes* nodes, const CMPath& path, PlayListManager* manager) {
     return createNode<RootNode>(nodes, path, manager);
 }
@@ -72,15 +76,25 @@ bool RootNode::getRowsRequest(const CMGetRowsRequest& request) {
                         QStringLiteral("createPl")));
     const QList<PlayListBase*> playLists =
         manager() ? manager()->getAllPlayList() : QList<PlayListBase*>();
-    for (const PlayListBase* pl : playLists)
-        append(playListRow(pl));
+    const QList<CollectionBase*> collections = manager() && areCollectionsVisible()
+                                                   ? manager()->getAllCollection()
+                                                   : QList<CollectionBase*>();
+    const int total = rows.size() + playLists.size() +
+                      (areCollectionsVisible() ? CollectionHeadRows + collections.size() : 0);
+    // Of hundreds of playlists a page shows a few: the others only keep their places.
+    const RowRange asked = askedRows(request, total);
+    rows.reserve(total);
+    for (const PlayListBase* pl : playLists) {
+        if (asked.contains(rows.size()))
+            append(playListRow(pl));
+        else
+            rows.append(QVariant());
+    }
 
     if (areCollectionsVisible()) {
         append(headerRow(TrString("PlayLists", "Collections")));
         append(textEntryRow(TrString("RootNode", "Create New Collection"), ownPath,
                             QStringLiteral("createCl")));
-        const QList<CollectionBase*> collections =
-            manager() ? manager()->getAllCollection() : QList<CollectionBase*>();
         for (const CollectionBase* cl : collections)
             append(collectionRow(cl));
     }

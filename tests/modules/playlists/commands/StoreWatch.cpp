@@ -45,6 +45,16 @@ int StoreWatch::vacuums() const {
     return vacuumCount;
 }
 
+int StoreWatch::runsOf(const char* sql) const {
+    int runs = 0;
+    for (sqlite3_stmt* s = sqlite3_next_stmt(newest, nullptr); s;
+         s = sqlite3_next_stmt(newest, s)) {
+        if (qstrcmp(sql, sqlite3_sql(s)) == 0)
+            runs += sqlite3_stmt_status(s, SQLITE_STMTSTATUS_RUN, 0);
+    }
+    return runs;
+}
+
 qint64 StoreWatch::takeSteps() {
     qint64 steps = 0;
     for (sqlite3_stmt* s = sqlite3_next_stmt(newest, nullptr); s; s = sqlite3_next_stmt(newest, s))

@@ -18,6 +18,8 @@ public:
     // Steps of SQLite's virtual machine that the module's statements have taken since the last
     // call.
     qint64 takeSteps();
+    // How often the module has run the statement of that text since it was opened.
+    int runsOf(const char* sql) const;
     // A connection of the test's own: not watched.
     sqlite3* openUnwatched(const QString& file);
 };

@@ -73,18 +73,26 @@ TEST_F(PlayListTrackContextNodeTest, aTrackOfThePlayQueueIsNotOfferedToIt) {
                {toPlayList("0", id), move("0", id, "1", "1"), remove("0", id, "1")});
 }
 
-TEST_F(PlayListTrackContextNodeTest, aMenuWithoutAKnownPlaylistIsThatOfTheTrack) {
+TEST_F(PlayListTrackContextNodeTest, aMenuWithoutAKnownPlaylistHasNoEntries) {
     show(true, false);
     createPlayList("Mix");
     addItems(1, {"a"});
     const QString id = itemId(1, 0);
-    for (const char* plid : {"99", "abc", "00"})
-        EXPECT_EQ(rowTexts(rowsAt(request(plid, id, "0"))),
-                  rowTexts({toQueue(plid, id), toPlayList(plid, id), move(plid, id, "0", "0"),
-                            remove(plid, id, "0")}));
-    EXPECT_EQ(rowTitles(rowsAt(nodePath + "?itemid=" + id)),
-              QStringList({title("Add to playqueue"), title("Add to playlist"), title("Move track"),
-                           title("Remove track")}));
+    for (const char* plid : {"99", "abc", "-1", ""})
+        expectMenu(request(plid, id, "0"), menuTitle, {});
+    expectMenu(nodePath + "?itemid=" + id, menuTitle, {});
+}
+
+TEST_F(PlayListTrackContextNodeTest, aTrackOfAnotherPlaylistHasNoEntries) {
+    show(true, true);
+    createPlayList("Mix");
+    createPlayList("Other");
+    addItems(1, {"a", "b"});
+    addItems(2, {"c", "d"});
+    addItems(0, {"e"});
+    expectMenu(request("1", itemId(2, 1), "1"), menuTitle, {});
+    expectMenu(request("2", itemId(0, 0), "0"), menuTitle, {});
+    expectMenu(request("0", itemId(1, 1), "0"), menuTitle, {});
 }
 
 TEST_F(PlayListTrackContextNodeTest, anUnknownTrackHasNoEntries) {

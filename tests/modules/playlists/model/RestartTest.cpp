@@ -1,6 +1,7 @@
 #include <QSignalSpy>
 
 #include "ModelFixture.h"
+#include "StatementTrace.h"
 
 // What a start makes of what the last run left.
 class RestartTest : public ModelFixture {
@@ -52,6 +53,35 @@ TEST_F(RestartTest, thePlayQueueStartsEmpty) {
     EXPECT_EQ(0, add(*queue, OrvoPlayListAddPosition::Now, "p"));
     EXPECT_EQ(1, add(*queue, OrvoPlayListAddPosition::Now, "q"));
     expectInStep();
+}
+
+TEST_F(RestartTest, itemsOfAClearThatWasCutOffAreRemoved) {
+    PlayListBase& kept = playList("xyz");
+    PlayListBase& cleared = playList("abc");
+    const int clearedUid = cleared.getUid();
+    const int keptUid = kept.getUid();
+    dropManager();
+    ASSERT_TRUE(
+        rawRun(QStringLiteral("DELETE FROM playlists_items WHERE playlist = %1").arg(clearedUid)));
+    closeRaw();
+    const LogCapture log("PlayLists");
+    restart();
+    EXPECT_EQ(3, manager().getPlaylistsItemsCount());
+    EXPECT_EQ("xyz", letters(*manager().getPlayListByUid(keptUid)));
+    EXPECT_EQ("", letters(*manager().getPlayListByUid(clearedUid)));
+    EXPECT_EQ(1,
+              log.lines().count("INFO removed 3 items of a playlist whose clearing was cut off"));
+    expectInStep();
+}
+
+TEST_F(RestartTest, aStoreWithoutStrayItemsIsNotTouched) {
+    playList("xyz");
+    dropManager();
+    const StatementTrace trace(database());
+    const LogCapture log("PlayLists");
+    manager();
+    EXPECT_EQ(QStringList(), trace.texts().filter("DELETE"));
+    EXPECT_EQ(QStringList(), log.lines().filter("removed"));
 }
 
 TEST_F(RestartTest, emptyingTheQueueOwesAVacuumOnlyWhenThereWasSomething) {

@@ -46,9 +46,10 @@ protected:
                                .arg(QLatin1String(change))));
     }
 
-    // From now on another connection holds the file, and not even reading is possible.
+    // From now on another connection holds the file, and not even reading is possible. It will not
+    // let go however long a statement waits, so none does.
     void lock() {
-        database();
+        sqlite3_busy_timeout(StoreProbe::connection(database()), 0);
         ASSERT_TRUE(rawRun(QStringLiteral("BEGIN EXCLUSIVE")));
     }
     void unlock() { ASSERT_TRUE(rawRun(QStringLiteral("ROLLBACK"))); }
@@ -366,7 +367,10 @@ TEST_F(FailureTest, numbersThatCannotBeRead) {
 
 TEST_F(FailureTest, aFileOfAnotherShapeFailsOperationsButNotTheProcess) {
     ASSERT_TRUE(QDir().mkpath(QStringLiteral("data-rw/playlists")));
-    ASSERT_TRUE(rawRun(QStringLiteral("CREATE TABLE collections (uid INTEGER PRIMARY KEY)")));
+    ASSERT_TRUE(
+        rawRun(QStringLiteral("CREATE TABLE collections (uid INTEGER PRIMARY KEY);"
+                              "CREATE TABLE playlists (uid INTEGER PRIMARY KEY, name, shuffle,"
+                              " repeatAll, lastPlayedIndex)")));
     LogCapture log(QStringLiteral("PlayLists"));
     Database& store = database();
     EXPECT_EQ(

@@ -80,11 +80,13 @@ TEST_F(FileTest, startRunsItsStepsInOrder) {
     const Database store(0, true);
     sqlite3_cancel_auto_extension(reinterpret_cast<void (*)()>(&traceNewConnection));
     openingStatements = nullptr;
-    ASSERT_EQ(9, statements.size());
+    ASSERT_EQ(10, statements.size());
     EXPECT_EQ(QStringLiteral("VACUUM;"), statements[0]);
     EXPECT_EQ(QStringLiteral("PRAGMA foreign_keys=1;"), statements[1]);
     EXPECT_TRUE(statements[2].startsWith(QLatin1String("CREATE TABLE IF NOT EXISTS playlists ")));
     EXPECT_TRUE(statements[8].startsWith(QLatin1String("INSERT OR IGNORE")));
+    // What only the connection sees comes last.
+    EXPECT_EQ(QStringLiteral("PRAGMA cache_size=-16384;"), statements[9]);
 }
 
 TEST_F(FileTest, sqlitesLogIsAskedForBetweenForeignKeysAndTables) {

@@ -241,3 +241,36 @@ TEST_F(ItemsAddTest, noItemsAreTreatedLikeAFullStore) {
     EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
     expectInvariants();
 }
+
+// The store looks ahead while it adds; whatever the number of items, each has its own fields.
+TEST_F(ItemsAddTest, everyItemOfAnAddHasItsOwnFields) {
+    for (int count = 1; count <= 6; ++count) {
+        const QString prefix = QStringLiteral("ü%1-").arg(count);
+        const QList<OrvoPlayListItem> added = items(count, prefix);
+        const PlayListRecord pl = playListOf(added);
+        const QList<OrvoPlayListItem> entries = database().getItems(pl, 0, count);
+        ASSERT_EQ(count, entries.size());
+        for (int i = 0; i < count; ++i) {
+            OrvoPlayListItem expected = added[i];
+            expected.setSequenceNumber(i);
+            expected.setUid(entries[i].uid());
+            EXPECT_EQ(expected, entries[i]) << count << ' ' << i;
+        }
+    }
+    expectInvariants();
+}
+
+TEST_F(ItemsAddTest, fieldsThatAreNoTextsAreStoredAsTheirText) {
+    QList<OrvoPlayListItem> added = items(3);
+    added[1] = OrvoPlayListItem();
+    added[1].setAttribute(OrvoPlayListItem::Title(), 42);
+    added[1].setAttribute(OrvoPlayListItem::Url(), QByteArray("file:///b"));
+    added[1].setAttribute(OrvoPlayListItem::Genre(), QVariantList{1});
+    playListOf(added);
+    EXPECT_EQ(QStringList({QStringLiteral("42 file:///b / text text text"),
+                           QStringLiteral("t0 file:///t0 genre of t0/ text text text"),
+                           QStringLiteral("t2 file:///t2 genre of t2/ text text text")}),
+              rawTexts(QStringLiteral("SELECT title || ' ' || url || ' ' || genre || '/ ' ||"
+                                      " typeof(artist) || ' ' || typeof(genre) || ' ' ||"
+                                      " typeof(orvoRoles) FROM items ORDER BY title")));
+}

@@ -34,6 +34,63 @@ TEST_F(StatementTest, aNullColumnReadsAsAnEmptyText) {
     EXPECT_TRUE(statement->reset());
 }
 
+TEST_F(StatementTest, textsOfEveryLengthAndAlphabetComeBackWhole) {
+    // Around the blocks that texts are copied in, with one odd character at each place.
+    const auto statement = make("SELECT ?1, ?2, ?1 || ?2");
+    for (int length = 0; length <= 40; ++length) {
+        for (const QChar odd : {QChar('x'), QChar(0x7F), QChar(0x80), QChar(0xFF), QChar(0x100),
+                                QChar(0x20AC), QChar(0xFFFD)}) {
+            for (int at = 0; at < length; ++at) {
+                QString text(length, QLatin1Char('a'));
+                text[at] = odd;
+                const QString next = QString::number(length * 100 + at);
+                ASSERT_TRUE(statement->bindText(1, text));
+                ASSERT_TRUE(statement->bindText(2, next));
+                ASSERT_TRUE(statement->step_row());
+                ASSERT_EQ(text, statement->columnText(0)) << length << ' ' << at;
+                ASSERT_EQ(next, statement->columnText(1));
+                ASSERT_EQ(text + next, statement->columnText(2));
+                ASSERT_TRUE(statement->reset());
+            }
+        }
+    }
+}
+
+TEST_F(StatementTest, manyLongTextsOfOneUseDoNotGetInEachOthersWay) {
+    QStringList terms;
+    QStringList texts;
+    for (int i = 1; i <= 20; ++i) {
+        terms.append(QStringLiteral("?%1").arg(i));
+        texts.append(QString(500 * i, QChar(i % 2 ? 'a' + i : 0xE0 + i)));
+    }
+    const auto statement = make(("SELECT " + terms.join(" || ")).toUtf8().constData());
+    for (int use = 0; use < 3; ++use) {
+        for (int i = 0; i < texts.size(); ++i)
+            ASSERT_TRUE(statement->bindText(i + 1, texts[i]));
+        ASSERT_TRUE(statement->step_row());
+        EXPECT_EQ(texts.join(QString()), statement->columnText(0));
+        ASSERT_TRUE(statement->reset());
+    }
+}
+
+TEST_F(StatementTest, aTextThatIsAtHandAlreadyIsShared) {
+    const auto statement = make("SELECT 'Album', 'Älbum', '', NULL, 'Albums'");
+    ASSERT_TRUE(statement->step_row());
+    const QString album = QStringLiteral("Album");
+    EXPECT_EQ(album.constData(), statement->columnText(0, album).constData());
+    for (const QString& other : {QString(), QStringLiteral("Albun"), QStringLiteral("Älbum"),
+                                 QStringLiteral("album"), QStringLiteral("Albums")})
+        EXPECT_EQ(album, statement->columnText(0, other));
+    EXPECT_EQ(QStringLiteral("Älbum"), statement->columnText(1, album));
+    EXPECT_EQ(QStringLiteral("Älbum"), statement->columnText(1, QStringLiteral("Älbum")));
+    // Empty, but not null: the two are written differently by some who get them.
+    EXPECT_EQ(QString(), statement->columnText(2, album));
+    EXPECT_FALSE(statement->columnText(2, QString()).isNull());
+    EXPECT_EQ(QString(), statement->columnText(3, album));
+    EXPECT_EQ(QStringLiteral("Albums"), statement->columnText(4, album));
+    EXPECT_TRUE(statement->reset());
+}
+
 TEST_F(StatementTest, noRowIsFalseAndDone) {
     const auto statement = make("SELECT 1 WHERE ?1 = 2");
     ASSERT_TRUE(statement->bindInt(1, 1));

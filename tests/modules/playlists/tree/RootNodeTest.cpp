@@ -141,6 +141,27 @@ TEST_F(RootNodeTest, theRequestedRangeIsSentWithTheFullCount) {
               RowText(QJsonObject{{"title", "RootNode|Playlists"}, {"rowsCount", 7}}));
 }
 
+TEST_F(RootNodeTest, everyRangeIsThatPartOfTheWhole) {
+    show(true, true);
+    for (const char* name : {"a", "b", "c", "d"})
+        createPlayList(name);
+    for (const char* name : {"x", "y"})
+        createCollection(name);
+    const QList<RowText> whole = rowTexts(root());
+    const int count = whole.size();
+    ASSERT_EQ(1 + 2 + 4 + 2 + 2, count);
+    for (int from = 0; from <= count; ++from) {
+        for (int to = 0; to <= count; ++to) {
+            const int one = std::min(from, count - 1);
+            const int other = std::min(to, count - 1);
+            const OrvoRowsRoles part = root(from, to);
+            EXPECT_EQ(rowTexts(part), whole.mid(std::min(one, other), std::abs(one - other) + 1))
+                << from << " to " << to;
+            EXPECT_EQ(count, part.rowsCount());
+        }
+    }
+}
+
 TEST_F(RootNodeTest, aRowHasOneValuePerRequestedRoleInTheirOrder) {
     const QVariantList list =
         rows(CMPath("playlists:root"), 0, 0, {"unknown", "type", "title"}).rows();

@@ -11,6 +11,16 @@ PlayListTrackContextNode* PlayListTrackContextNode::create(CMNodes* nodes, const
     return createNode<PlayListTrackContextNode>(nodes, path, manager);
 }
 
+// An item is one entry of one playlist. A menu that stayed open while its track went may ask for an
+// item that is another playlist's by now.
+static bool holds(PlayListBase* pl, const OrvoPlayListItem& item) {
+    if (!pl || item.uid() <= 0)
+        return false;
+    const QList<OrvoPlayListItem> there =
+        pl->getItems(item.sequenceNumber(), item.sequenceNumber());
+    return there.size() == 1 && there.constFirst().uid() == item.uid();
+}
+
 bool PlayListTrackContextNode::getRowsRequest(const CMGetRowsRequest& request) {
     const QString plid = request.path().param(Plid());
     const QString itemId = request.path().param(ItemId());
@@ -19,7 +29,7 @@ bool PlayListTrackContextNode::getRowsRequest(const CMGetRowsRequest& request) {
     const auto tr = [](const char* text) { return TrString("PlayListTrackContextNode", text); };
     const OrvoPlayListItem item = manager()->getPlayListItemByUid(toInt(itemId, -1));
     QList<OrvoRoles> entries;
-    if (item.uid() > 0) {
+    if (holds(manager()->getPlayListByUid(toInt(plid, -1)), item)) {
         const PlayListBase* queue = manager()->getPlayQueue();
         // To the add-to nodes the item is named by its path.
         const QString itemPath = (OrvoPlayListItemPath() + toStr(item.uid())).toString();

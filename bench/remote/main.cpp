@@ -1,0 +1,86 @@
+// The device, end to end over HTTP on this machine: prints a table and compares it with its bounds.
+//
+//   orvo-bench-remote --host PROGRAM --music FOLDER --tracks N --memory DIR --disk DIR [--json
+//   FILE]
+//
+// Ends with 0, with 1 where a bound is broken, with 2 where something could not be measured.
+
+#include <cstdio>
+#include <exception>
+#include <map>
+#include <stdexcept>
+
+#include "../client/TempFolder.h"
+#include "Scenarios.h"
+
+namespace {
+
+constexpr int PlayLists = 1000;
+constexpr int SmallSize = 100;
+constexpr int BigSize = 100'000;
+
+std::map<std::string, std::string> readArguments(int argc, char** argv) {
+    std::map<std::string, std::string> arguments;
+    for (int i = 1; i + 1 < argc; i += 2)
+        arguments[argv[i]] = argv[i + 1];
+    for (const char* name : {"--host", "--music", "--tracks", "--memory", "--disk"}) {
+        if (arguments[name].empty())
+            throw std::runtime_error(std::string(name) + " is missing");
+    }
+    return arguments;
+}
+
+// Through the device's own commands, so the data is what a person's clicks would have made.
+Library fill(const Device& device) {
+    HttpConnection connection = device.connect();
+    Library library{&device, -1, -1, BigSize, SmallSize};
+    for (int i = 0; i < PlayLists; ++i) {
+        const int id = Device::createPlayList(connection, "Playlist " + std::to_string(i));
+        if (i == PlayLists / 2)
+            library.smallList = id;
+    }
+    Device::addTracks(connection, library.smallList, 0, SmallSize);
+    library.bigList = Device::createPlayList(connection, "Everything");
+    Device::addTracks(connection, library.bigList, 0, BigSize);
+    return library;
+}
+
+int run(std::map<std::string, std::string> arguments) {
+    const TempFolder memory(arguments["--memory"]);
+    const TempFolder disk(arguments["--disk"]);
+    const std::string host = arguments["--host"];
+    Report report("The device over HTTP: 1,000 playlists, one list of 100,000 tracks");
+    Library library;
+    {
+        const Device device({host, memory.path() / "device", arguments["--music"], {}});
+        device.waitForScan();
+        library = fill(device);
+        Scenarios::pages(library, report);
+        Scenarios::edits(library, "memory", true, report);
+        Scenarios::manyListeners(library, report);
+        Scenarios::manyReaders(library, report);
+        Scenarios::folderAdded(library, std::stoi(arguments["--tracks"]), report);
+    }
+    std::filesystem::copy(memory.path() / "device", disk.path() / "device",
+                          std::filesystem::copy_options::recursive);
+    const Device onDisk({host, disk.path() / "device", "", {}});
+    library.device = &onDisk;
+    Scenarios::edits(library, "disk", false, report);
+
+    report.note("Removing a row ends with the clean-up of unused items, a pass over all items of "
+                "the store: it has no bound.");
+    report.note("On the disk every edit waits for the disk to have it, so it has no bound either.");
+    report.writeJson(arguments["--json"]);
+    return report.finish() > 0 ? 1 : 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(readArguments(argc, argv));
+    } catch (const std::exception& problem) {
+        std::fprintf(stderr, "orvo-bench-remote: %s\n", problem.what());
+        return 2;
+    }
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include "Work.h"
+
+// One measured number.
+struct Figure {
+    QString work;
+    QString who;
+    int size;
+    QString storage;
+    double medianUs;
+};
+
+// What was measured, and what it means: ratios, growth exponents and the bounds they must keep.
+class Figures {
+public:
+    // `slack` is how far a bound may be passed: a ratio by that factor, a growth exponent by a
+    // tenth of what it is above 1.
+    explicit Figures(double slack) : m_slack(slack) {}
+
+    void add(const Figure& figure) { m_figures.push_back(figure); }
+    // For people, one line per work, storage and size.
+    QString table() const;
+    // One sentence per broken bound.
+    const QStringList& broken() const { return m_broken; }
+    // [{"work", "who", "size", "storage", "median_us"}, …], for the plot and for comparisons.
+    QByteArray json() const;
+    // Looks at all works and both storages; call it once, after the last figure.
+    void judge(const std::vector<Work>& works);
+
+private:
+    struct Line {
+        QString work, storage, base;
+        int size = 0;
+        std::optional<double> baseUs;
+        double oursUs = 0;
+        std::optional<double> maxRatio;
+        // On the line of a work's greatest size.
+        std::optional<double> growth, maxGrowth;
+
+        std::optional<double> ratio() const;
+    };
+
+    std::optional<double> median(const QString& work, const QString& who, int size,
+                                 const QString& storage) const;
+    void judge(const Work& work, const QString& storage);
+
+    double m_slack;
+    std::vector<Figure> m_figures;
+    std::vector<Line> m_lines;
+    QStringList m_broken;
+};

@@ -1,0 +1,82 @@
+#include "Items.h"
+
+#include <map>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "OrvoRoles.h"
+
+namespace {
+
+constexpr int TracksPerAlbum = 12;
+constexpr int AlbumsPerArtist = 5;
+
+OrvoPlayListItem makeItem(int number) {
+    const int album = number / TracksPerAlbum;
+    const QString artist = QStringLiteral("The Artist No. %1").arg(album / AlbumsPerArtist);
+    const QString albumTitle = QStringLiteral("Album %1 of many").arg(album);
+    const QString title = QStringLiteral("A title of usual length, %1").arg(number);
+    const QString folder = QStringLiteral("file:///srv/music/%1/%2/")
+                               .arg(artist, albumTitle)
+                               .replace(QLatin1Char(' '), QStringLiteral("%20"));
+    const int seconds = 120 + number % 240;
+
+    OrvoMetaData metaData;
+    metaData.setServiceId(QStringLiteral("files"));
+    metaData.setPrePlayPath(CMPath(QStringLiteral("files:prePlay")));
+    metaData.setArtist(artist);
+    metaData.setAlbum(albumTitle);
+    metaData.setGenre(QStringLiteral("Alternative"));
+    metaData.setDuration(seconds * 1000LL);
+    metaData.setTrackNumber(number % TracksPerAlbum + 1);
+    metaData.setArtworkUrl(folder + QStringLiteral("cover.jpg"));
+    OrvoResource resource;
+    resource.setUri(folder + QStringLiteral("%1.flac").arg(number % TracksPerAlbum + 1));
+    resource.setMimeType(QStringLiteral("audio/flac"));
+    OrvoMediaData mediaData;
+    mediaData.setMetaData(metaData);
+    mediaData.setResources({resource});
+    OrvoRoles roles;
+    roles.setTitle(TrString(title));
+    roles.setPath(CMPath(QStringLiteral("files:music")) + artist + albumTitle);
+    roles.setType(OrvoRolesType::Audio);
+    roles.setMediaData(mediaData);
+
+    OrvoPlayListItem item;
+    item.setTitle(title);
+    item.setArtist(artist);
+    item.setAlbum(albumTitle);
+    item.setArtworkUrl(metaData.artworkUrl());
+    item.setGenre(metaData.genre());
+    item.setDurationSeconds(seconds);
+    item.setUrl(resource.uri());
+    item.setServiceId(metaData.serviceId());
+    item.setOrvoRoles(QString::fromUtf8(QJsonDocument(QJsonObject::fromVariantHash(roles.toHash()))
+                                            .toJson(QJsonDocument::Compact)));
+    return item;
+}
+
+} // namespace
+
+Items::Items(int count) {
+    m_ours.reserve(count);
+    m_floor.reserve(std::size_t(count));
+    for (int i = 0; i < count; ++i) {
+        const OrvoPlayListItem item = makeItem(i);
+        m_ours.append(item);
+        m_floor.push_back({keep(item.title()), keep(item.artist()), keep(item.album()),
+                           keep(item.artworkUrl()), keep(item.genre()), item.durationSeconds(),
+                           keep(item.url()), keep(item.serviceId()), keep(item.orvoRoles())});
+    }
+}
+
+const Items& Items::of(int count) {
+    static std::map<int, Items> made;
+    return made.try_emplace(count, count).first->second;
+}
+
+floor_text Items::keep(const QString& text) {
+    m_texts.append(text.toUtf8());
+    return {m_texts.constLast().constData(), m_texts.constLast().size()};
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <vector>
+
+#include <QByteArray>
+#include <QList>
+
+#include "floor.h"
+#include "OrvoPlayListItem.h"
+
+// Tracks to put into lists: the same texts for the module and for the floor, of the shape and
+// length that the local-files module gives them. Made before anything is timed.
+class Items {
+public:
+    explicit Items(int count);
+    // Made once and kept for all who need as many.
+    static const Items& of(int count);
+
+    const QList<OrvoPlayListItem>& ours() const { return m_ours; }
+    const std::vector<floor_item>& forFloor() const { return m_floor; }
+    int size() const { return m_ours.size(); }
+
+private:
+    floor_text keep(const QString& text);
+
+    QList<OrvoPlayListItem> m_ours;
+    std::vector<floor_item> m_floor;
+    QList<QByteArray> m_texts;
+};

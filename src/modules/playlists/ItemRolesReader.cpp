@@ -1,0 +1,230 @@
+#include "ItemRolesReader.h"
+
+#include <cstring>
+
+#include "OrvoRoles.h"
+
+namespace {
+
+// Deeper than any roles; what is deeper is left to the other parser, which has a limit of its own.
+constexpr int MaximumDepth = 8;
+// As many digits always fit.
+constexpr int MaximumDigits = 15;
+
+bool equals(const QString& text, const QChar* begin, int length) {
+    return text.size() == length &&
+           std::memcmp(text.constData(), begin, std::size_t(length) * sizeof(QChar)) == 0;
+}
+
+// The names that roles have: shared by all rows.
+const QStringList& knownKeys() {
+    static const QStringList keys = {OrvoRoles::Title(),        OrvoRoles::Type(),
+                                     OrvoRoles::Path(),         OrvoRoles::MediaData(),
+                                     OrvoMediaData::MetaData(), OrvoMediaData::Resources(),
+                                     OrvoResource::Uri(),       OrvoResource::MimeType(),
+                                     OrvoMetaData::Artist(),    OrvoMetaData::Album(),
+                                     OrvoMetaData::Genre(),     OrvoMetaData::ArtworkUrl(),
+                                     OrvoMetaData::ServiceId(), OrvoMetaData::TrackNumber(),
+                                     OrvoMetaData::Duration(),  OrvoMetaData::PrePlayPath(),
+                                     OrvoRoles::Id(),           OrvoRoles::Value()};
+    return keys;
+}
+
+} // namespace
+
+ItemRolesReader::ItemRolesReader(const OrvoPlayListItem& item)
+    : m_text(item.orvoRoles()), m_at(m_text.constData()), m_end(m_at + m_text.size()) {
+    for (const QString& text : {item.title(), item.artist(), item.album(), item.artworkUrl(),
+                                item.genre(), item.url(), item.serviceId()})
+        m_known.append(text);
+}
+
+bool ItemRolesReader::read() {
+    skipBlanks();
+    if (!readHash(&roles, OrvoRoles::MediaData(), &mediaData, &ItemRolesReader::readMediaData))
+        return false;
+    skipBlanks();
+    return m_at == m_end;
+}
+
+bool ItemRolesReader::readMediaData() {
+    return readHash(&mediaData, OrvoMediaData::MetaData(), &metaData,
+                    &ItemRolesReader::readMetaData);
+}
+
+bool ItemRolesReader::readMetaData() {
+    return readHash(&metaData, QString(), nullptr, nullptr);
+}
+
+void ItemRolesReader::skipBlanks() {
+    while (m_at != m_end && (*m_at == QLatin1Char(' ') || *m_at == QLatin1Char('\n') ||
+                             *m_at == QLatin1Char('\t') || *m_at == QLatin1Char('\r')))
+        ++m_at;
+}
+
+bool ItemRolesReader::take(char wanted) {
+    skipBlanks();
+    if (m_at == m_end || *m_at != QLatin1Char(wanted))
+        return false;
+    ++m_at;
+    return true;
+}
+
+bool ItemRolesReader::readText(const QChar** begin, int* length) {
+    if (!take('"'))
+        return false;
+    *begin = m_at;
+    for (; m_at != m_end; ++m_at) {
+        const ushort c = m_at->unicode();
+        if (c == '"') {
+            *length = int(m_at - *begin);
+            ++m_at;
+            return true;
+        }
+        // Halves of a pair may stand alone, which is for the other parser to judge.
+        if (c < ' ' || c == '\\' || (c >= 0xD800 && c <= 0xDFFF))
+            return false;
+    }
+    return false;
+}
+
+bool ItemRolesReader::readKey(QString* key) {
+    const QChar* begin = nullptr;
+    int length = 0;
+    if (!readText(&begin, &length) || !take(':'))
+        return false;
+    for (const QString& known : knownKeys()) {
+        if (equals(known, begin, length)) {
+            *key = known;
+            return true;
+        }
+    }
+    *key = QString(begin, length);
+    return true;
+}
+
+bool ItemRolesReader::readString(QVariant* value) {
+    const QChar* begin = nullptr;
+    int length = 0;
+    if (!readText(&begin, &length))
+        return false;
+    for (const QString& known : m_known) {
+        if (equals(known, begin, length)) {
+            *value = known;
+            return true;
+        }
+    }
+    *value = QString(begin, length);
+    return true;
+}
+
+bool ItemRolesReader::readNumber(QVariant* value) {
+    const bool isNegative = *m_at == QLatin1Char('-');
+    if (isNegative)
+        ++m_at;
+    const QChar* digits = m_at;
+    qint64 number = 0;
+    for (; m_at != m_end && m_at->unicode() >= '0' && m_at->unicode() <= '9'; ++m_at) {
+        if (m_at - digits == MaximumDigits)
+            return false;
+        number = number * 10 + (m_at->unicode() - '0');
+    }
+    // "-0" is no whole number, "01" is none at all.
+    const bool isPlain =
+        m_at != digits && (*digits != QLatin1Char('0') || (m_at - digits == 1 && !isNegative));
+    const bool goesOn = m_at != m_end && (*m_at == QLatin1Char('.') || *m_at == QLatin1Char('e') ||
+                                          *m_at == QLatin1Char('E'));
+    if (!isPlain || goesOn)
+        return false;
+    *value = isNegative ? -number : number;
+    return true;
+}
+
+bool ItemRolesReader::readWord(const char* word) {
+    for (; *word; ++word, ++m_at) {
+        if (m_at == m_end || *m_at != QLatin1Char(*word))
+            return false;
+    }
+    return true;
+}
+
+bool ItemRolesReader::readValue(QVariant* value, int depth) {
+    skipBlanks();
+    if (m_at == m_end || depth > MaximumDepth)
+        return false;
+    switch (m_at->unicode()) {
+    case '"':
+        return readString(value);
+    case '{':
+        return readMap(value, depth);
+    case '[':
+        return readArray(value, depth);
+    case 't':
+        *value = true;
+        return readWord("true");
+    case 'f':
+        *value = false;
+        return readWord("false");
+    case 'n':
+        *value = QVariant::fromValue(nullptr);
+        return readWord("null");
+    default:
+        return readNumber(value);
+    }
+}
+
+bool ItemRolesReader::readArray(QVariant* value, int depth) {
+    QVariantList list;
+    take('[');
+    if (!take(']')) {
+        do {
+            list.append(QVariant());
+            if (!readValue(&list.last(), depth + 1))
+                return false;
+        } while (take(','));
+        if (!take(']'))
+            return false;
+    }
+    *value = list;
+    return true;
+}
+
+// The members of an object, one after the other. Each name stands once: which of two counts is for
+// the other parser to say.
+template <typename ReadMember>
+bool ItemRolesReader::readMembers(ReadMember readMember) {
+    if (!take('{'))
+        return false;
+    if (take('}'))
+        return true;
+    QString key;
+    do {
+        if (!readKey(&key) || !readMember(key))
+            return false;
+    } while (take(','));
+    return take('}');
+}
+
+bool ItemRolesReader::readMap(QVariant* value, int depth) {
+    QVariantMap map;
+    int members = 0;
+    const bool ok = readMembers([&](const QString& key) {
+        return readValue(&map[key], depth + 1) && map.size() == ++members;
+    });
+    *value = map;
+    return ok;
+}
+
+bool ItemRolesReader::readHash(QVariantHash* hash, const QString& nestedName, QVariantHash* nested,
+                               bool (ItemRolesReader::*readNested)()) {
+    int members = 0;
+    bool hasNested = false;
+    return readMembers([&](const QString& key) {
+        if (nested && key == nestedName) {
+            const bool isFirst = !hasNested;
+            hasNested = true;
+            return isFirst && (this->*readNested)();
+        }
+        return readValue(&(*hash)[key], 1) && hash->size() == ++members;
+    });
+}

@@ -1,0 +1,69 @@
+#include "ItemsCheck.h"
+
+#include <algorithm>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "OrvoRoles.h"
+
+namespace {
+
+bool canBePlayed(const OrvoMediaData& mediaData) {
+    const QList<OrvoResource> resources = mediaData.resources();
+    const bool hasUri =
+        std::any_of(resources.cbegin(), resources.cend(),
+                    [](const OrvoResource& resource) { return !resource.uri().isEmpty(); });
+    return hasUri && !mediaData.metaData().prePlayPath().isEmpty();
+}
+
+// A playlist takes audio that can be shown or can be played.
+ItemsCheck::Verdict judge(const OrvoPlayListItem& item) {
+    const QString text = item.orvoRoles();
+    if (text.isEmpty())
+        return ItemsCheck::Verdict::NoRoles;
+    const QJsonObject json = QJsonDocument::fromJson(text.toUtf8()).object();
+    // Only what is looked at leaves the document: most of it is media data, which a title makes
+    // unnecessary.
+    OrvoRoles roles;
+    const auto take = [&](const QString& name) {
+        roles.setAttribute(name, json.value(name).toVariant());
+    };
+    take(OrvoRoles::Type());
+    if (roles.type() != OrvoRolesType::Audio)
+        return ItemsCheck::Verdict::NotAcceptable;
+    take(OrvoRoles::Title());
+    if (!roles.title().isEmpty())
+        return ItemsCheck::Verdict::Fine;
+    take(OrvoRoles::MediaData());
+    return canBePlayed(roles.mediaData()) ? ItemsCheck::Verdict::Fine
+                                          : ItemsCheck::Verdict::NotAcceptable;
+}
+
+// The clock is not asked for every item, that would cost a good part of the work itself.
+// And a few items are always done at once, however slow the machine is at the moment.
+constexpr int BetweenLooks = 256;
+
+} // namespace
+
+bool ItemsCheck::run(const QDeadlineTimer& deadline) {
+    m_verdicts.reserve(m_items.size());
+    while (m_verdicts.size() < m_items.size()) {
+        m_verdicts.append(judge(m_items.at(m_verdicts.size())));
+        if (m_verdicts.constLast() == Verdict::NotAcceptable)
+            return true;
+        if (m_verdicts.size() % BetweenLooks == 0 && deadline.hasExpired())
+            return m_verdicts.size() == m_items.size();
+    }
+    return true;
+}
+
+bool ItemsCheck::release(const QDeadlineTimer& deadline) {
+    m_verdicts.clear();
+    while (!m_items.isEmpty()) {
+        m_items.removeLast();
+        if (m_items.size() % BetweenLooks == 0 && deadline.hasExpired())
+            return m_items.isEmpty();
+    }
+    return true;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QDeadlineTimer>
+#include <QList>
+#include <QVector>
+
+#include "OrvoPlayListItem.h"
+
+// Which of some items a playlist takes. Parsing the roles of thousands of items takes longer than
+// other clients should wait, so the check can be made in slices. A value of whoever adds the items;
+// worker's thread; what is not acceptable is a verdict, nothing here fails.
+class ItemsCheck {
+public:
+    enum class Verdict : char { Fine, NoRoles, NotAcceptable };
+
+    explicit ItemsCheck(const QList<OrvoPlayListItem>& items) : m_items(items) {}
+
+    // Goes on with the check until the time is over. True when it is done. Ends at the first item
+    // that is not acceptable, for that one decides about all.
+    bool run(const QDeadlineTimer& deadline);
+
+    // Lets go of the items until the time is over, which takes a good part of what the check takes.
+    // True when none is left.
+    bool release(const QDeadlineTimer& deadline);
+
+    const QList<OrvoPlayListItem>& items() const { return m_items; }
+    // Of the items up to the one that ended the check.
+    Verdict verdict(int index) const { return m_verdicts.at(index); }
+
+private:
+    QList<OrvoPlayListItem> m_items;
+    QVector<Verdict> m_verdicts;
+};
