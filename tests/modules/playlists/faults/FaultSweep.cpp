@@ -314,6 +314,8 @@ bool FaultSweep::visit(const Operation& operation, const Fault& fault, int nth) 
     if (!reached)
         return false;
     ++m_row->points;
+    if (found && found->wronglyAcknowledged && !useModel)
+        noteLostCommit(QString::fromLatin1(fault.name));
     if (wrong.isEmpty() && found) {
         ++m_row->asStated;
         ++(found->wronglyAcknowledged                  ? m_row->wrong

@@ -4,11 +4,17 @@
 #include <gtest/gtest.h>
 
 #include <QList>
+#include <QMap>
 
 namespace {
 
 QList<FaultRow>& rows() {
     static QList<FaultRow> all;
+    return all;
+}
+
+QMap<QString, int>& lostCommits() {
+    static QMap<QString, int> all;
     return all;
 }
 
@@ -34,6 +40,9 @@ public:
             sum.wrong += row.wrong;
         }
         print(sum);
+        const QMap<QString, int>& lost = lostCommits();
+        for (auto each = lost.cbegin(); each != lost.cend(); ++each)
+            std::printf("commits lost where %s: %d\n", qPrintable(each.key()), each.value());
     }
 };
 
@@ -44,4 +53,8 @@ const ::testing::Environment* const printer = ::testing::AddGlobalTestEnvironmen
 
 void addFaultRow(const FaultRow& row) {
     rows().append(row);
+}
+
+void noteLostCommit(const QString& fault) {
+    ++lostCommits()[fault];
 }

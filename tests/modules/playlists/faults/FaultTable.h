@@ -14,3 +14,6 @@ struct FaultRow {
 };
 
 void addFaultRow(const FaultRow& row);
+
+// Success was reported for an edit that its commit did not bring into the file.
+void noteLostCommit(const QString& fault);
