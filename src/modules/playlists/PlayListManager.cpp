@@ -35,7 +35,6 @@ void PlayListManager::initPlayLists() {
     m_playQueue = new PlayList(m_database, queue);
     // Deliberate: the play queue starts empty, only user playlists keep their items.
     m_playQueue->clearItems();
-    m_database->removeStrayItems();
     QList<PlayListRecord> records = m_database->getPlayLists();
     if (records.size() + 1 != m_database->countPlaylists())
         records = m_database->getPlayLists();
