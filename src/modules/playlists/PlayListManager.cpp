@@ -31,6 +31,9 @@ void PlayListManager::initPlayLists() {
     m_playQueue->clearItems();
     m_database->removeStrayItems();
     const QList<PlayListRecord> records = m_database->getPlayLists();
+    // The sizes of all lists were looked up in an index that nobody will read as a whole again
+    // soon. Before the playlists are made, so that they take the room.
+    m_database->releaseReadPages();
     m_playLists.reserve(records.size());
     m_playListsByUid.reserve(records.size());
     for (const PlayListRecord& record : records)
