@@ -62,7 +62,7 @@ void PlayList::setName(const QString& name) {
         if (!writeRecord(changed))
             return;
     }
-    Q_EMIT nameChanged(name);
+    tell(&PlayList::nameChanged, name);
 }
 
 void PlayList::setShuffle(bool shuffle) {
@@ -73,7 +73,7 @@ void PlayList::setShuffle(bool shuffle) {
         if (shuffle == m_record.shuffle || !writeRecord(changed))
             return;
     }
-    Q_EMIT shuffleChanged(shuffle);
+    tell(&PlayList::shuffleChanged, shuffle);
 }
 
 void PlayList::setRepeatAll(bool repeatAll) {
@@ -84,7 +84,7 @@ void PlayList::setRepeatAll(bool repeatAll) {
         if (repeatAll == m_record.repeatAll || !writeRecord(changed))
             return;
     }
-    Q_EMIT repeatAllChanged(repeatAll);
+    tell(&PlayList::repeatAllChanged, repeatAll);
 }
 
 void PlayList::setLastSequenceNumber(int sequenceNumber) {
@@ -124,7 +124,7 @@ int PlayList::addItems(OrvoPlayListAddPosition::Enum position,
             return first;
         m_record.size += added;
     }
-    Q_EMIT itemsAdded(OrvoPlayListAddPosition::toString(position), first, added);
+    tell(&PlayList::itemsAdded, OrvoPlayListAddPosition::toString(position), first, added);
     return first;
 }
 
@@ -147,7 +147,7 @@ int PlayList::removeItems(const QList<int>& indices) {
             setLastSequenceNumber(lastPlayed - before);
         m_record.size -= removed;
     }
-    Q_EMIT itemsRemoved(sorted, lastPlayed);
+    tell(&PlayList::itemsRemoved, sorted, lastPlayed);
     return removed;
 }
 
@@ -171,7 +171,7 @@ bool PlayList::moveItem(int from, int to) {
             return false;
         followMovedItem(from, to);
     }
-    Q_EMIT itemMoved(from, to);
+    tell(&PlayList::itemMoved, from, to);
     return true;
 }
 
@@ -232,7 +232,7 @@ bool PlayList::clearItems() {
         }
         m_record.size = 0;
     }
-    Q_EMIT itemsCleared();
+    tell(&PlayList::itemsCleared);
     return true;
 }
 
