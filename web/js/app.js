@@ -20,6 +20,7 @@ import { Pane } from './view/pane.js';
 import { PlayerBar } from './view/playerbar.js';
 import { watchAdding } from './view/progress.js';
 import { attempt, tellError } from './view/toast.js';
+import { askToken } from './view/tokencard.js';
 
 // Where the trees begin. A module that is not loaded has none.
 const FilesRoot = 'files:tree';
@@ -355,7 +356,12 @@ export async function startApp() {
   while (!app) {
     try {
       app = await begin();
-    } catch {
+    } catch (error) {
+      if (error.status === 401) {
+        await askToken();
+        location.reload();
+        return null;
+      }
       document.getElementById('banner').hidden = false;
       await new Promise((done) => setTimeout(done, 1500));
     }

@@ -29,7 +29,6 @@ void PlayListManager::initPlayLists() {
     m_playQueue = new PlayList(m_database, m_database->getPlayQueue());
     // Deliberate: the play queue starts empty, only user playlists keep their items.
     m_playQueue->clearItems();
-    m_database->removeStrayItems();
     const QList<PlayListRecord> records = m_database->getPlayLists();
     // The sizes of all lists were looked up in an index that nobody will read as a whole again
     // soon. Before the playlists are made, so that they take the room.
