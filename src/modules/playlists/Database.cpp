@@ -101,6 +101,9 @@ constexpr const char* clearing[] = {
 // by this connection only.
 constexpr const char* cacheSize = "PRAGMA cache_size=-16384;";
 
+// For a pass over the whole store that nobody will repeat soon.
+constexpr const char* smallCacheSize = "PRAGMA cache_size=-64;";
+
 int execute(sqlite3* connection, const char* sql) {
     return sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
 }
@@ -264,6 +267,10 @@ void Database::clearDatabase() {
     ensureTablesExist();
 }
 
+void Database::releaseReadPages() {
+    sqlite3_db_release_memory(m_connection);
+}
+
 void Database::setVacuumNeeded() {
     if (m_vacuumNeeded)
         return;
@@ -343,7 +350,9 @@ void Database::removeStrayItems() {
         *static_cast<bool*>(into) = true;
         return 0;
     };
+    execute(m_connection, smallCacheSize);
     sqlite3_exec(m_connection, moreItemsThanEntries, note, &found, nullptr);
+    execute(m_connection, cacheSize);
     if (!found || !cleanUnusedItems())
         return;
     LOG4CPLUS_INFO(moduleLog(), "removed " << sqlite3_changes(m_connection)

@@ -62,6 +62,9 @@ public:
     // Removes everything; only an empty play queue remains. For maintenance.
     void clearDatabase();
 
+    // Gives back the pages that were read, which are kept for the next reading otherwise.
+    void releaseReadPages();
+
     // Owes a VACUUM; announces it when none was owed.
     void setVacuumNeeded();
     // Runs the owed VACUUM, if any. May take seconds.

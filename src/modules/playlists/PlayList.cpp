@@ -86,7 +86,7 @@ void PlayList::setName(const QString& name) {
         if (!writeRecord(changed))
             return;
     }
-    Q_EMIT nameChanged(name);
+    tell(&PlayList::nameChanged, name);
 }
 
 void PlayList::setShuffle(bool shuffle) {
@@ -98,7 +98,7 @@ void PlayList::setShuffle(bool shuffle) {
         if (shuffle == m_record.shuffle || !writeRecord(changed))
             return;
     }
-    Q_EMIT shuffleChanged(shuffle);
+    tell(&PlayList::shuffleChanged, shuffle);
 }
 
 void PlayList::setRepeatAll(bool repeatAll) {
@@ -110,7 +110,7 @@ void PlayList::setRepeatAll(bool repeatAll) {
         if (repeatAll == m_record.repeatAll || !writeRecord(changed))
             return;
     }
-    Q_EMIT repeatAllChanged(repeatAll);
+    tell(&PlayList::repeatAllChanged, repeatAll);
 }
 
 void PlayList::setLastSequenceNumber(int sequenceNumber) {
@@ -153,7 +153,7 @@ int PlayList::addItems(OrvoPlayListAddPosition::Enum position,
         if (!isCommitted(m_record.size + added))
             return Database::Failed;
     }
-    Q_EMIT itemsAdded(OrvoPlayListAddPosition::toString(position), first, added);
+    tell(&PlayList::itemsAdded, OrvoPlayListAddPosition::toString(position), first, added);
     return first;
 }
 
@@ -178,7 +178,7 @@ int PlayList::removeItems(const QList<int>& indices) {
         if (before > 0)
             setLastSequenceNumber(lastPlayed - before);
     }
-    Q_EMIT itemsRemoved(sorted, lastPlayed);
+    tell(&PlayList::itemsRemoved, sorted, lastPlayed);
     return removed;
 }
 
@@ -207,7 +207,7 @@ bool PlayList::moveItem(int from, int to) {
         }
         followMovedItem(from, to);
     }
-    Q_EMIT itemMoved(from, to);
+    tell(&PlayList::itemMoved, from, to);
     return true;
 }
 
@@ -275,6 +275,6 @@ bool PlayList::clearItems() {
         }
         m_record.size = 0;
     }
-    Q_EMIT itemsCleared();
+    tell(&PlayList::itemsCleared);
     return true;
 }

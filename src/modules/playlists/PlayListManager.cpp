@@ -38,6 +38,9 @@ void PlayListManager::initPlayLists() {
     QList<PlayListRecord> records = m_database->getPlayLists();
     if (records.size() + 1 != m_database->countPlaylists())
         records = m_database->getPlayLists();
+    // The sizes of all lists were looked up in an index that nobody will read as a whole again
+    // soon. Before the playlists are made, so that they take the room.
+    m_database->releaseReadPages();
     m_playLists.reserve(records.size());
     m_playListsByUid.reserve(records.size());
     for (const PlayListRecord& record : std::as_const(records))
