@@ -1,0 +1,92 @@
+#include <QJsonDocument>
+#include <QSet>
+
+#include "ApiRouter.h"
+#include "ArtworkFiles.h"
+#include "EventFeed.h"
+#include "ExchangeProbe.h"
+#include "FuzzTarget.h"
+#include "PageFiles.h"
+#include "World.h"
+
+namespace {
+
+constexpr int MostRequests = 16;
+constexpr int TimeoutMs = 30000;
+constexpr int CommentMs = 15000;
+
+void requireFine(const HttpExchange& exchange, const HttpResponse& answer) {
+    static const QSet<int> statuses = {200, 304, 400, 404, 405, 413, 422, 503, 504};
+    const QString what = QString::fromUtf8(exchange.request().method) + ' ' +
+                         exchange.request().path + ' ' + QString::fromUtf8(answer.body.left(200));
+    Fuzz::require(statuses.contains(answer.status), "an unknown status: " + what);
+    Fuzz::require(!answer.body.contains(World::instance().secret()),
+                  "a file outside was read: " + what);
+    for (const auto& header : answer.headers)
+        Fuzz::require(!header.second.contains('\n') && !header.second.contains('\r'),
+                      "a header of two lines: " + what);
+    if (answer.contentType != "application/json")
+        return;
+    QJsonParseError error;
+    Fuzz::require(QJsonDocument::fromJson(answer.body, &error).isObject(),
+                  "an answer that is no JSON object: " + what + ' ' + error.errorString());
+    Fuzz::require(QString::fromUtf8(answer.body).toUtf8() == answer.body,
+                  "an answer that is no UTF-8: " + what);
+}
+
+void requireFineStream(const QByteArray& text) {
+    for (const QByteArray& line : text.split('\n')) {
+        const bool known = line.isEmpty() || line.startsWith(':') || line.startsWith("id: ") ||
+                           line.startsWith("event: ") || line.startsWith("data: ") ||
+                           line.startsWith("retry: ");
+        Fuzz::require(known, "a line that is no event: " + QString::fromUtf8(line));
+        if (line.startsWith("data: "))
+            Fuzz::require(QJsonDocument::fromJson(line.mid(6)).isObject(),
+                          "an event that is no JSON: " + QString::fromUtf8(line));
+    }
+}
+
+bool mayWrite(const HttpRequest& request) {
+    return request.method == "POST" || request.method == "PUT";
+}
+
+} // namespace
+
+// Requests as they come in, divided by lines of "---": each is answered, in the form that is
+// promised, at the latest when every other module has answered or let go; nothing outside the
+// folders is read or written, and the store is sound.
+// "@MUSIC@" in it is the music folder.
+void Fuzz::gateway(const QByteArray& text) {
+    World& world = World::instance();
+    const QByteArray input = QByteArray(text).replace("@MUSIC@", world.musicFolder().toUtf8());
+    bool dirty = false;
+    {
+        EventFeed feed(CMRoot()->events(), {}, CommentMs);
+        const PageFiles pages(world.pageFolder());
+        const ArtworkFiles artwork(world.musicFolder());
+        ApiRouter router(&feed, &pages, &artwork, TimeoutMs);
+
+        QVector<std::shared_ptr<HttpExchange>> exchanges;
+        int at = 0;
+        while (at >= 0 && exchanges.size() < MostRequests) {
+            const int end = input.indexOf("\n---\n", at);
+            exchanges.append(ExchangeProbe::read(input.mid(at, end < 0 ? -1 : end - at)));
+            at = end < 0 ? -1 : end + 5;
+            dirty = dirty || mayWrite(exchanges.last()->request());
+            router.handle(exchanges.last());
+            world.handleEvents();
+        }
+        world.settle();
+        for (const auto& exchange : exchanges) {
+            const HttpResponse* answer = ExchangeProbe::answer(*exchange);
+            require(answer != nullptr, "no answer: " + QString::fromUtf8(input));
+            requireFine(*exchange, *answer);
+            requireFineStream(ExchangeProbe::stream(*exchange));
+        }
+    }
+    if (!dirty)
+        return;
+    world.requireSoundStore(false);
+    world.requireSameFiles();
+    world.reset();
+}
