@@ -46,10 +46,6 @@ void requireFineStream(const QByteArray& text) {
     }
 }
 
-bool mayWrite(const HttpRequest& request) {
-    return request.method == "POST" || request.method == "PUT";
-}
-
 } // namespace
 
 // Requests as they come in, divided by lines of "---": each is answered, in the form that is
@@ -59,7 +55,8 @@ bool mayWrite(const HttpRequest& request) {
 void Fuzz::gateway(const QByteArray& text) {
     World& world = World::instance();
     const QByteArray input = QByteArray(text).replace("@MUSIC@", world.musicFolder().toUtf8());
-    bool dirty = false;
+    bool commands = false;
+    bool values = false;
     {
         EventFeed feed(CMRoot()->events(), {}, CommentMs);
         const PageFiles pages(world.pageFolder());
@@ -72,7 +69,8 @@ void Fuzz::gateway(const QByteArray& text) {
             const int end = input.indexOf("\n---\n", at);
             exchanges.append(ExchangeProbe::read(input.mid(at, end < 0 ? -1 : end - at)));
             at = end < 0 ? -1 : end + 5;
-            dirty = dirty || mayWrite(exchanges.last()->request());
+            commands = commands || exchanges.last()->request().method == "POST";
+            values = values || exchanges.last()->request().method == "PUT";
             router.handle(exchanges.last());
             world.handleEvents();
         }
@@ -84,9 +82,9 @@ void Fuzz::gateway(const QByteArray& text) {
             requireFineStream(ExchangeProbe::stream(*exchange));
         }
     }
-    if (!dirty)
+    if (!commands && !values)
         return;
     world.requireSoundStore(false);
     world.requireSameFiles();
-    world.reset();
+    world.reset(0, values);
 }

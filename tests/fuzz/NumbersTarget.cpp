@@ -24,7 +24,9 @@ void Fuzz::numbers(const QByteArray& input) {
         if (none.match(piece).hasMatch())
             continue;
         const bool isPlain = plain.match(piece).hasMatch();
-        const bool taken = at < numbers.size() && numbers.at(at) == piece.toLongLong();
+        bool isNumber = false;
+        const qlonglong value = piece.toLongLong(&isNumber);
+        const bool taken = isNumber && at < numbers.size() && numbers.at(at) == value;
         require(!isPlain || taken, "a number is missing: " + piece);
         at += taken ? 1 : 0;
     }

@@ -2,6 +2,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include "CMJson.h"
 #include "FuzzTarget.h"
 #include "ItemRolesReader.h"
 #include "ItemsCheck.h"
@@ -55,7 +56,7 @@ void Fuzz::roles(const QByteArray& input) {
     item.setOrvoRoles(text);
 
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &error);
+    const QJsonDocument document = cmReadJson(text.toUtf8(), &error);
     QVariantHash all = document.object().toVariantHash();
     const QByteArray rendered = [&all] {
         JsonWriter json;

@@ -66,6 +66,7 @@ World::World() : m_secret(QUuid::createUuid().toByteArray()) {
     QFile::link(folder.filePath("outside.png"), folder.filePath("page/out.png"));
     QDir::setCurrent(folder.filePath("data"));
 
+    startOthers();
     start();
     send(OrvoPlayListPlCreatePath(), QVariantHash{{"name", "Party"}});
     send(OrvoPlayListPlCreatePath(), QVariantHash{{"name", "Quiet"}});
@@ -83,32 +84,44 @@ World::World() : m_secret(QUuid::createUuid().toByteArray()) {
 
 World::~World() {
     stop();
+    stopOthers();
 }
 
-void World::start() {
+void World::startOthers() {
     m_root = std::make_unique<CMRootWorker>();
-    m_root->setValue(OrvoPlayListsSettingsDataBaseItemsLimitPath(), m_itemsLimit, CMVoidReply());
-    m_playLists = std::make_unique<PlayListWorker>(QHash<QString, QVariant>());
     m_filesModule = std::make_unique<FilesWorker>(
         QHash<QString, QVariant>{{QStringLiteral("musicDir"), musicFolder()}});
     m_attic = std::make_unique<LateWorker>(QStringLiteral("Attic"), true);
     m_player = std::make_unique<LateWorker>(QStringLiteral("Player"), false);
+}
+
+void World::stopOthers() {
+    m_attic.reset();
+    m_player.reset();
+    m_filesModule.reset();
+    m_root.reset();
+}
+
+void World::start() {
+    m_root->setValue(OrvoPlayListsSettingsDataBaseItemsLimitPath(), m_itemsLimit, CMVoidReply());
+    m_root->setValue(OrvoPlayListSettingsDataBaseVacuumPath(), false, CMVoidReply());
+    m_playLists = std::make_unique<PlayListWorker>(QHash<QString, QVariant>());
     handleEvents();
 }
 
 void World::stop() {
     sqlite3_close(m_raw);
     m_raw = nullptr;
-    m_attic.reset();
-    m_player.reset();
-    m_filesModule.reset();
     m_playLists.reset();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    m_root.reset();
 }
 
-void World::reset(int itemsLimit) {
+void World::reset(int itemsLimit, bool settingsWritten) {
     stop();
+    if (settingsWritten) {
+        stopOthers();
+        startOthers();
+    }
     m_itemsLimit = itemsLimit;
     QFile::remove(QString::fromLatin1(StoreFile) + "-journal");
     write(StoreFile, m_emptyStore);

@@ -27,9 +27,11 @@ public:
     static World& instance();
     ~World();
 
-    // The modules anew over a store as it was at the beginning.
-    void reset(int itemsLimit = 0);
-    // The modules anew over the same store.
+    // The playlists module anew over a store as it was at the beginning. The others stay, because
+    // to let go of a watched folder takes the system longer than all the rest, unless settings
+    // were written: then everything is made anew.
+    void reset(int itemsLimit = 0, bool settingsWritten = false);
+    // The playlists module anew over the same store.
     void restart();
     // Handles what is due. The second form also answers, or drops, what the attic has kept.
     void handleEvents();
@@ -53,6 +55,8 @@ public:
 
 private:
     World();
+    void startOthers();
+    void stopOthers();
     void start();
     void stop();
     QStringList files() const;

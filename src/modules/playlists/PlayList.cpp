@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QMutexLocker>
 
+#include "CMJson.h"
 #include "Database.h"
 #include "ItemRolesReader.h"
 #include "ModuleLog.h"
@@ -241,7 +241,7 @@ namespace {
 // The whole JSON language, and the reason where it is none.
 void parseRoles(const QString& text, ItemRolesReader& parts) {
     QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &parseError);
+    const QJsonDocument document = cmReadJson(text.toUtf8(), &parseError);
     if (parseError.error != QJsonParseError::NoError)
         LOG4CPLUS_ERROR(moduleLog(), "Failed to parse data, error: " << parseError.errorString());
     parts.roles = document.object().toVariantHash();

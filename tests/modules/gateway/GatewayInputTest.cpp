@@ -29,6 +29,8 @@ const Input Inputs[] = {
      "Malformed"},
     {"bytes that are no UTF-8", "POST", "/api/data",
      "{\"path\":\"test:echo\",\"value\":{\"a\":\"\xff\xfe\"}}", 400, "Malformed"},
+    {"a name that stands twice", "POST", "/api/data",
+     R"({"path":"test:echo","value":{"a":[],"a":[]}})", 400, "Malformed"},
     {"a body of zeros", "POST", "/api/data", QByteArray(100, '\0'), 400, "Malformed"},
     {"a form", "POST", "/api/data", "path=test%3Aecho&value=1", 400, "Malformed"},
     {"no path", "POST", "/api/data", R"({"value":{}})", 400, "Malformed"},
