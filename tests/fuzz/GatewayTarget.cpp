@@ -1,3 +1,6 @@
+#include <algorithm>
+
+#include <QDeadlineTimer>
 #include <QJsonDocument>
 #include <QSet>
 
@@ -74,7 +77,15 @@ void Fuzz::gateway(const QByteArray& text) {
             router.handle(exchanges.last());
             world.handleEvents();
         }
-        world.settle();
+        // Work on a great many items takes several turns of the event loop.
+        const QDeadlineTimer patience(TimeoutMs);
+        const auto isAnswered = [](const auto& exchange) {
+            return ExchangeProbe::answer(*exchange) != nullptr;
+        };
+        do {
+            world.settle();
+        } while (!std::all_of(exchanges.cbegin(), exchanges.cend(), isAnswered) &&
+                 !patience.hasExpired());
         for (const auto& exchange : exchanges) {
             const HttpResponse* answer = ExchangeProbe::answer(*exchange);
             require(answer != nullptr, "no answer: " + QString::fromUtf8(input));
