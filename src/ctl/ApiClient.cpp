@@ -17,7 +17,7 @@ constexpr int NotFound = 404;
 constexpr int Refused = 422;
 } // namespace
 
-ApiClient::ApiClient(const QUrl& url) : m_url(url) {
+ApiClient::ApiClient(const QUrl& url, const QByteArray& token) : m_url(url), m_token(token) {
     m_manager.setProxy(QNetworkProxy::NoProxy);
 }
 
@@ -32,7 +32,10 @@ QNetworkRequest ApiClient::request(const QString& resource, const QUrlQuery& que
     QUrl url = m_url;
     url.setPath(m_url.path() + resource);
     url.setQuery(query);
-    return QNetworkRequest(url);
+    QNetworkRequest request(url);
+    if (!m_token.isEmpty())
+        request.setRawHeader("Authorization", "Bearer " + m_token);
+    return request;
 }
 
 QJsonObject ApiClient::get(const QString& resource, const QUrlQuery& query) {

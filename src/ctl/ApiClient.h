@@ -11,7 +11,8 @@
 // and a device that is not there, is a CtlFailure.
 class ApiClient {
 public:
-    explicit ApiClient(const QUrl& url);
+    // `token`: what the device asks for; empty for one that asks for nothing.
+    explicit ApiClient(const QUrl& url, const QByteArray& token = {});
 
     QJsonObject get(const QString& resource, const QUrlQuery& query = {});
     // Null when the device says that there is nothing at that path, or that it does not do that.
@@ -38,5 +39,6 @@ private:
                      const QJsonObject& body, int* refusedStatus = nullptr);
 
     QUrl m_url;
+    QByteArray m_token;
     QNetworkAccessManager m_manager;
 };

@@ -136,7 +136,8 @@ void Verbs::checkCount(const Verb& verb, const Arguments& arguments) {
 }
 
 QString Verbs::help() {
-    QString text = QStringLiteral("usage: orvoctl [--url URL] [--json] VERB ...\n\n");
+    QString text =
+        QStringLiteral("usage: orvoctl [--url URL] [--token-file FILE] [--json] VERB ...\n\n");
     for (const Verb& verb : all()) {
         const QString left = QStringLiteral("  %1 %2")
                                  .arg(QLatin1String(verb.words), QLatin1String(verb.usage))

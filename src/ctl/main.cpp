@@ -1,4 +1,5 @@
 #include <QCoreApplication>
+#include <QFile>
 
 #include "CtlFailure.h"
 #include "Verbs.h"
@@ -6,7 +7,7 @@
 namespace {
 
 const QString DefaultUrl = QStringLiteral("http://127.0.0.1:8080");
-const QStringList GlobalValued = {QStringLiteral("url")};
+const QStringList GlobalValued = {QStringLiteral("url"), QStringLiteral("token-file")};
 const QStringList GlobalFlags = {QStringLiteral("json"), QStringLiteral("help")};
 
 // Takes the options before the verb off `words`; they may stand behind it, too.
@@ -15,7 +16,7 @@ QStringList takeLeadingOptions(QStringList* words) {
     while (!words->isEmpty() && words->first().startsWith(QLatin1String("--"))) {
         const QString word = words->takeFirst();
         options.append(word);
-        if (word == QLatin1String("--url") && !words->isEmpty())
+        if (GlobalValued.contains(word.mid(2)) && !words->isEmpty())
             options.append(words->takeFirst());
     }
     return options;
@@ -28,6 +29,26 @@ QUrl parseUrl(const QString& text) {
     while (url.path().endsWith(QLatin1Char('/')))
         url.setPath(url.path().chopped(1));
     return url;
+}
+
+// From --token-file, from the file that ORVO_TOKEN_FILE names, or ORVO_TOKEN itself.
+QByteArray readToken(const Arguments& arguments) {
+    const QString option = QStringLiteral("token-file");
+    const QString file =
+        arguments.has(option) ? arguments.value(option) : qEnvironmentVariable("ORVO_TOKEN_FILE");
+    if (file.isEmpty() && !arguments.has(option))
+        return qgetenv("ORVO_TOKEN").trimmed();
+    QFile opened(file);
+    if (!opened.open(QIODevice::ReadOnly))
+        throw CtlFailure::usage(
+            QStringLiteral("the token file %1 cannot be read: %2").arg(file, opened.errorString()));
+    constexpr qint64 LongestToken = 1024;
+    const QByteArray token = opened.read(LongestToken).trimmed();
+    for (const char c : token) {
+        if (c <= ' ' || c > '~')
+            throw CtlFailure::usage(QStringLiteral("the file %1 holds no token").arg(file));
+    }
+    return token;
 }
 
 void run(QStringList words) {
@@ -47,7 +68,8 @@ void run(QStringList words) {
     Verbs::checkCount(verb, arguments);
     ApiClient client(parseUrl(arguments.has(QStringLiteral("url"))
                                   ? arguments.value(QStringLiteral("url"))
-                                  : DefaultUrl));
+                                  : DefaultUrl),
+                     readToken(arguments));
     Device device(&client);
     Names names(&device);
     Output output(arguments.has(QStringLiteral("json")));

@@ -1,5 +1,8 @@
 #include "DataFolder.h"
 
+#include <sys/file.h>
+#include <unistd.h>
+
 #include <QDir>
 
 bool DataFolder::take(QString* error) {
@@ -8,26 +11,30 @@ bool DataFolder::take(QString* error) {
         *error = QStringLiteral("cannot make the data folder %1").arg(m_path);
         return false;
     }
-    m_lock = std::make_unique<QLockFile>(folder.filePath(QStringLiteral("orvo-host.lock")));
-    // A lock is as old as its process: only the death of that process frees it.
-    m_lock->setStaleLockTime(0);
-    if (!m_lock->tryLock(0)) {
-        if (m_lock->error() == QLockFile::LockFailedError) {
-            qint64 pid = 0;
-            QString host;
-            QString program;
-            m_lock->getLockInfo(&pid, &host, &program);
-            *error =
-                QStringLiteral("the data folder %1 is in use by process %2").arg(m_path).arg(pid);
-        } else {
-            *error = QStringLiteral("cannot write to the data folder %1").arg(m_path);
-        }
+    if (!lock(folder.filePath(QStringLiteral("orvo-host.lock")), error))
         return false;
-    }
     if (!QDir::setCurrent(m_path)) {
         *error = QStringLiteral("cannot enter the data folder %1").arg(m_path);
         return false;
     }
+    return true;
+}
+
+// The lock is the kernel's and ends with the process; the file itself stays, and what is in it only
+// tells people who has it. So a process killed at any moment leaves nothing that bars the next one.
+bool DataFolder::lock(const QString& name, QString* error) {
+    m_lock.setFileName(name);
+    if (!m_lock.open(QIODevice::ReadWrite | QIODevice::Unbuffered)) {
+        *error = QStringLiteral("cannot write to the data folder %1").arg(m_path);
+        return false;
+    }
+    if (flock(m_lock.handle(), LOCK_EX | LOCK_NB) != 0) {
+        *error = QStringLiteral("the data folder %1 is in use by process %2")
+                     .arg(m_path, QString::fromLatin1(m_lock.readLine(32).trimmed()));
+        return false;
+    }
+    m_lock.resize(0);
+    m_lock.write(QByteArray::number(getpid()) + '\n');
     return true;
 }
 

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <memory>
-
-#include <QLockFile>
+#include <QFile>
 #include <QString>
 
 // The folder where everything is kept that outlives the process. Taking it makes it, locks it
@@ -19,6 +17,8 @@ public:
     QString settingsFile() const;
 
 private:
+    bool lock(const QString& name, QString* error);
+
     QString m_path;
-    std::unique_ptr<QLockFile> m_lock;
+    QFile m_lock;
 };

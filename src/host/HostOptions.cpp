@@ -55,6 +55,10 @@ std::optional<HostOptions::Ending> HostOptions::read(const QStringList& argument
          "DIR", "."},
         {"music", "The folder with the music files.", "DIR"},
         {"listen", "Where the HTTP interface listens.", "ADDRESS:PORT", "127.0.0.1:8080"},
+        {"token-file",
+         "The file with the token that clients give; needed to listen on more than the loopback.",
+         "FILE"},
+        {"config", "A configuration key for the modules; repeatable.", "KEY=VALUE"},
         {"module", "Load this module; repeatable, replaces the default list.", "FILE"},
         {"log-level", "The least level to log: trace, debug, info, warn, error or fatal.", "LEVEL",
          "info"},
@@ -92,13 +96,18 @@ std::optional<HostOptions::Ending> HostOptions::read(const QStringList& argument
         return wrong(*error);
     if (auto error = readAudioSink(parser.value(QStringLiteral("audio-sink"))))
         return wrong(*error);
-    if (auto error = readSettings(parser.values(QStringLiteral("set"))))
+    if (auto error = readPairs(QStringLiteral("--set takes PATH=VALUE, not \"%1\""),
+                               parser.values(QStringLiteral("set")), &m_settings))
+        return wrong(*error);
+    if (auto error = readPairs(QStringLiteral("--config takes KEY=VALUE, not \"%1\""),
+                               parser.values(QStringLiteral("config")), &m_config))
         return wrong(*error);
 
     m_dataDir = absolute(parser.value(QStringLiteral("data")));
     m_musicDir = absolute(parser.value(QStringLiteral("music")));
     m_logFile = absolute(parser.value(QStringLiteral("log-file")));
     m_portFile = absolute(parser.value(QStringLiteral("port-file")));
+    m_tokenFile = absolute(parser.value(QStringLiteral("token-file")));
     m_webRoot = parser.isSet(QStringLiteral("web")) ? absolute(parser.value(QStringLiteral("web")))
                                                     : defaultWebRoot();
     for (const QString& module : parser.values(QStringLiteral("module")))
@@ -136,23 +145,31 @@ std::optional<QString> HostOptions::readAudioSink(const QString& text) {
     return {};
 }
 
-std::optional<QString> HostOptions::readSettings(const QStringList& texts) {
+std::optional<QString> HostOptions::readPairs(const QString& complaint, const QStringList& texts,
+                                              QList<QPair<QString, QString>>* pairs) {
     for (const QString& text : texts) {
         const int equals = text.indexOf(QLatin1Char('='));
         if (equals <= 0)
-            return QStringLiteral("--set takes PATH=VALUE, not \"%1\"").arg(text);
-        m_settings.append({text.left(equals), text.mid(equals + 1)});
+            return complaint.arg(text);
+        pairs->append({text.left(equals), text.mid(equals + 1)});
     }
     return {};
 }
 
 QHash<QString, QVariant> HostOptions::moduleConfig() const {
-    return {
+    QHash<QString, QVariant> config = {
         {QStringLiteral("dataDir"), m_dataDir},
         {QStringLiteral("musicDir"), m_musicDir},
         {QStringLiteral("gateway/listen"), m_listen},
+        {QStringLiteral("gateway/tokenFile"), m_tokenFile},
         {QStringLiteral("gateway/portFile"), m_portFile},
         {QStringLiteral("gateway/webRoot"), m_webRoot},
         {QStringLiteral("player/audioSink"), m_audioSink},
     };
+    // What has an option of its own is not overwritten.
+    for (const auto& [key, value] : m_config) {
+        if (!config.contains(key))
+            config.insert(key, value);
+    }
+    return config;
 }

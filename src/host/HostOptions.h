@@ -39,16 +39,19 @@ private:
     std::optional<QString> readListen(const QString& text);
     std::optional<QString> readLogLevel(const QString& text);
     std::optional<QString> readAudioSink(const QString& text);
-    std::optional<QString> readSettings(const QStringList& texts);
+    static std::optional<QString> readPairs(const QString& complaint, const QStringList& texts,
+                                            QList<QPair<QString, QString>>* pairs);
 
     QString m_dataDir;
     QString m_musicDir;
     QString m_listen;
+    QString m_tokenFile;
     QString m_portFile;
     QString m_webRoot;
     QString m_audioSink;
     QString m_logFile;
     QStringList m_modules;
     QList<QPair<QString, QString>> m_settings;
+    QList<QPair<QString, QString>> m_config;
     log4cplus::LogLevel m_logLevel = log4cplus::INFO_LOG_LEVEL;
 };

@@ -2,6 +2,32 @@
 
 #include <cstdio>
 #include <log4cplus/spi/loggingevent.h>
+#include <string_view>
+
+namespace {
+
+// Line separators, and what turns the direction of writing, in UTF-8: they end or rearrange a line
+// where a log is looked at.
+struct Rearranging {
+    std::string_view bytes;
+    const char* escape;
+};
+constexpr Rearranging RearrangingTexts[] = {
+    {"\u061c", "\\u061c"}, {"\u200e", "\\u200e"}, {"\u200f", "\\u200f"}, {"\u2028", "\\u2028"},
+    {"\u2029", "\\u2029"}, {"\u202a", "\\u202a"}, {"\u202b", "\\u202b"}, {"\u202c", "\\u202c"},
+    {"\u202d", "\\u202d"}, {"\u202e", "\\u202e"}, {"\u2066", "\\u2066"}, {"\u2067", "\\u2067"},
+    {"\u2068", "\\u2068"}, {"\u2069", "\\u2069"},
+};
+
+const Rearranging* rearrangingAt(std::string_view text) {
+    for (const Rearranging& row : RearrangingTexts) {
+        if (text.substr(0, row.bytes.size()) == row.bytes)
+            return &row;
+    }
+    return nullptr;
+}
+
+} // namespace
 
 void OneLineLayout::formatAndAppend(log4cplus::tostream& output,
                                     const log4cplus::spi::InternalLoggingEvent& event) {
@@ -35,7 +61,11 @@ std::string OneLineLayout::escaped(const std::string& text) {
             append(byte);
         else if (byte == HighControlLead && next >= 0x80 && next <= 0x9f)
             append(static_cast<unsigned char>(text[++i]));
-        else
+        else if (const Rearranging* found =
+                     byte < 0x80 ? nullptr : rearrangingAt(std::string_view(text).substr(i))) {
+            result += found->escape;
+            i += found->bytes.size() - 1;
+        } else
             result += text[i];
     }
     return result;

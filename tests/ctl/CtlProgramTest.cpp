@@ -1,3 +1,4 @@
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QTimer>
@@ -128,4 +129,79 @@ TEST_F(CtlProgram, watchGoesOnWhenTheDeviceComesBack) {
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.err.toStdString(), "the connection is lost, trying again\n");
     EXPECT_EQ(run.out.count("resync"), 1);
+}
+
+TEST_F(CtlProgram, theTokenComesFromAFileOrTheEnvironment) {
+    const QString file = m_folder.filePath(QStringLiteral("token"));
+    QFile out(file);
+    ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(out.setPermissions(QFile::ReadOwner | QFile::WriteOwner));
+    out.write("the-token-of-this-test\n");
+    out.close();
+    restart({{"gateway/tokenFile", file}});
+    EXPECT_EQ(ctl({"paths"}).err.toStdString(), "orvoctl: This device wants its token.\n");
+    EXPECT_EQ(ctl({"paths"}).status, 1);
+    EXPECT_EQ(ctl({"paths", "--token-file", file}).status, 0);
+    EXPECT_EQ(runProgram({"--token-file", file, "--url", url(), "paths"}).status, 0);
+    QTimer ticker;
+    QObject::connect(&ticker, &QTimer::timeout, [this] {
+        events().rowsChanged(CMPath(QStringLiteral("test:list")), CMSubscribe::RowsChangeReset(),
+                             -1);
+    });
+    ticker.start(5);
+    EXPECT_EQ(ctl({"watch", "--count", "1", "--token-file", file}).status, 0);
+    EXPECT_EQ(ctl({"watch", "--count", "1"}).status, 1);
+    EXPECT_EQ(ctl({"paths", "--token-file", file + "x"}).status, 2);
+    const struct {
+        const char* name;
+        QByteArray value;
+        int status;
+    } rows[] = {
+        {"ORVO_TOKEN", "the-token-of-this-test", 0},
+        {"ORVO_TOKEN", "another-token", 1},
+        {"ORVO_TOKEN_FILE", QFile::encodeName(file), 0},
+    };
+    for (const auto& row : rows) {
+        qputenv(row.name, row.value);
+        EXPECT_EQ(ctl({"paths"}).status, row.status) << row.name;
+        qunsetenv(row.name);
+    }
+}
+
+// Whatever the verb, no name reaches the terminal as anything but text.
+TEST_F(CtlProgram, noVerbLetsANameSteerTheTerminal) {
+    const QString bad = QStringLiteral("a\n\x1b[2J\x07") + QChar(0x9b) + QChar(0x202e) +
+                        QChar(0xd800) + QStringLiteral("<b>");
+    playlist(bad, {bad, bad});
+    playlist(bad);
+    const QVector<QStringList> runs = {
+        {"playlists"},
+        {"show", bad},
+        {"collections"},
+        {"rows", "playlists:root"},
+        {"create", bad},
+        {"delete", bad},
+        {"rename", "nosuch", bad},
+        {"add", bad, bad},
+        {"rows", bad},
+        {"value", "x:" + bad},
+        {bad},
+        {"--" + bad},
+        {"set", "x:y", bad},
+        {"playlists", "--json"},
+        {"rows", "playlists:root", "--json"},
+        {"status"},
+        {"collection", bad},
+        {"show", "queue"},
+    };
+    for (const QStringList& words : runs) {
+        const CtlRun run = ctl(words);
+        for (const QChar c : QString::fromUtf8(run.out + run.err))
+            EXPECT_TRUE(c == '\n' ||
+                        (c.unicode() >= 0x20 && c.unicode() != 0x7f &&
+                         !(c.unicode() >= 0x80 && c.unicode() < 0xa0) && c.unicode() != 0x202e))
+                << words.first().toStdString() << ": " << run.out.data() << run.err.data();
+    }
+    // A line stays one line.
+    EXPECT_EQ(ctl({"delete", bad}).err.count('\n'), 1);
 }

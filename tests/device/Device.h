@@ -55,6 +55,8 @@ public:
     QString stringValue(const QByteArray& path);
     bool waitForValue(const QByteArray& path, const QString& value);
 
+    qint64 pid() const { return m_process.processId(); }
+    quint16 port() const { return m_port; }
     QString url() const { return QStringLiteral("http://127.0.0.1:%1").arg(m_port); }
     QString musicFolder() const { return m_folder.filePath("music"); }
     QString databaseFile() const {

@@ -37,12 +37,24 @@ std::shared_ptr<HttpExchange> ExchangeProbe::read(const QByteArray& text) {
             request.query.append({name, decoded(value, &request.illegalText)});
         }
     }
+    request.host = "127.0.0.1:8080";
+    request.hostCount = 1;
+    const auto take = [](const QByteArray& line, const char* name, QByteArray* value) {
+        if (line.startsWith(name))
+            *value = line.mid(int(qstrlen(name)));
+    };
     for (QByteArray line = takeLine(&rest); !line.isEmpty(); line = takeLine(&rest)) {
-        if (line.startsWith("Last-Event-ID: "))
-            request.lastEventId = line.mid(15);
-        else if (line.startsWith("If-None-Match: "))
-            request.ifNoneMatch = line.mid(15);
-        else if (line == "Too-Large")
+        take(line, "Last-Event-ID: ", &request.lastEventId);
+        take(line, "If-None-Match: ", &request.ifNoneMatch);
+        take(line, "Host: ", &request.host);
+        take(line, "Authorization: ", &request.authorization);
+        take(line, "Cookie: ", &request.cookie);
+        take(line, "Sec-Fetch-Site: ", &request.fetchSite);
+        take(line, "Sec-Fetch-Mode: ", &request.fetchMode);
+        take(line, "Sec-Fetch-Dest: ", &request.fetchDest);
+        if (line.startsWith("Origin: "))
+            request.origins.append(line.mid(8));
+        if (line == "Too-Large")
             request.bodyTooLarge = true;
     }
     if (!request.bodyTooLarge)

@@ -6,6 +6,7 @@
 
 #include "ApiRouter.h"
 #include "ArtworkFiles.h"
+#include "Door.h"
 #include "EventFeed.h"
 #include "ExchangeProbe.h"
 #include "FuzzTarget.h"
@@ -19,7 +20,7 @@ constexpr int TimeoutMs = 30000;
 constexpr int CommentMs = 15000;
 
 void requireFine(const HttpExchange& exchange, const HttpResponse& answer) {
-    static const QSet<int> statuses = {200, 304, 400, 404, 405, 413, 422, 503, 504};
+    static const QSet<int> statuses = {200, 304, 400, 401, 403, 404, 405, 413, 422, 431, 503, 504};
     const QString what = QString::fromUtf8(exchange.request().method) + ' ' +
                          exchange.request().path + ' ' + QString::fromUtf8(answer.body.left(200));
     Fuzz::require(statuses.contains(answer.status), "an unknown status: " + what);
@@ -64,7 +65,9 @@ void Fuzz::gateway(const QByteArray& text) {
         EventFeed feed(CMRoot()->events(), {}, CommentMs);
         const PageFiles pages(world.pageFolder());
         const ArtworkFiles artwork(world.musicFolder());
-        ApiRouter router(&feed, &pages, &artwork, TimeoutMs);
+        // With a token for some inputs: the door is tried open and closed.
+        const Door door({}, input.contains("Authorization: ") ? "secret-token" : QByteArray());
+        ApiRouter router(&feed, &pages, &artwork, &door, TimeoutMs);
 
         QVector<std::shared_ptr<HttpExchange>> exchanges;
         int at = 0;
@@ -74,7 +77,10 @@ void Fuzz::gateway(const QByteArray& text) {
             at = end < 0 ? -1 : end + 5;
             commands = commands || exchanges.last()->request().method == "POST";
             values = values || exchanges.last()->request().method == "PUT";
-            router.handle(exchanges.last());
+            if (const auto refusal = door.refusal(exchanges.last()->request()))
+                exchanges.last()->respond(*refusal);
+            else
+                router.handle(exchanges.last());
             world.handleEvents();
         }
         // Work on a great many items takes several turns of the event loop.

@@ -47,6 +47,16 @@ TEST(HostOptionsTest, settingsAreSplitAtTheFirstEqualsSign) {
     EXPECT_EQ(options.settings(), (QList<QPair<QString, QString>>{{"a:b", "c=d"}, {"a:e", ""}}));
 }
 
+TEST(HostOptionsTest, furtherKeysReachTheModulesUnlessTheyHaveAnOption) {
+    HostOptions options;
+    ASSERT_FALSE(read(&options, {"--config", "gateway/hosts=radio", "--config", "dataDir=/x",
+                                 "--token-file", "t"}));
+    const QHash<QString, QVariant> config = options.moduleConfig();
+    EXPECT_EQ(config.value("gateway/hosts"), "radio");
+    EXPECT_EQ(config.value("dataDir"), QDir::currentPath());
+    EXPECT_EQ(config.value("gateway/tokenFile"), QDir::currentPath() + "/t");
+}
+
 TEST(HostOptionsTest, everyLogLevelHasItsName) {
     const QList<QPair<const char*, log4cplus::LogLevel>> levels = {
         {"trace", log4cplus::TRACE_LOG_LEVEL}, {"debug", log4cplus::DEBUG_LOG_LEVEL},
@@ -89,6 +99,8 @@ TEST(HostOptionsTest, aWrongCallHasStatusTwoAndSaysWhatIsWrong) {
         {{"--listen", "127.0.0.1:-1"}, "--listen takes ADDRESS:PORT, not \"127.0.0.1:-1\""},
         {{"--set", "a:b"}, "--set takes PATH=VALUE, not \"a:b\""},
         {{"--set", "=1"}, "--set takes PATH=VALUE, not \"=1\""},
+        {{"--config", "a"}, "--config takes KEY=VALUE, not \"a\""},
+        {{"--token-file", ""}, "--token-file needs a value"},
     };
     for (const Case& each : cases) {
         HostOptions options;

@@ -99,6 +99,20 @@ TEST_F(Host, aKilledHostLeavesNoLockBehind) {
     EXPECT_EQ(second.endBy(SIGTERM), 0);
 }
 
+// Killed between making the file and writing into it, or restarted where its number is in use.
+TEST_F(Host, whatIsInTheLockFileBarsNobody) {
+    ASSERT_TRUE(QDir().mkpath(path("data")));
+    for (const char* left : {"", "1\norvo-host\n", "no number"}) {
+        QFile lock(path("data/orvo-host.lock"));
+        ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+        lock.write(left);
+        lock.close();
+        HostProcess host(arguments());
+        EXPECT_TRUE(host.waitUntilReady()) << left << qPrintable(host.errors());
+        EXPECT_EQ(host.endBy(SIGTERM), 0);
+    }
+}
+
 TEST_F(Host, aDataFolderThatCannotBeMadeIsAnError) {
     QFile inTheWay(path("data"));
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));

@@ -22,7 +22,7 @@ TEST_F(Modules, areLoadedInOrderAndDestroyedInReverse) {
 TEST_F(Modules, areGivenTheConfiguration) {
     HostProcess host({"--data", "data", "--module", PROBE_MODULE, "--music", "my music", "--listen",
                       "127.0.0.1:0", "--port-file", "port", "--web", "web", "--audio-sink",
-                      "wav=sound.wav"},
+                      "wav=sound.wav", "--token-file", "token", "--config", "a/b=c"},
                      {}, path(""));
     ASSERT_TRUE(host.waitUntilReady());
     host.endBy(SIGTERM);
@@ -30,6 +30,8 @@ TEST_F(Modules, areGivenTheConfiguration) {
     EXPECT_EQ(config, (QJsonObject{{"dataDir", path("data")},
                                    {"musicDir", path("my music")},
                                    {"gateway/listen", "127.0.0.1:0"},
+                                   {"gateway/tokenFile", path("token")},
+                                   {"a/b", "c"},
                                    {"gateway/portFile", path("port")},
                                    {"gateway/webRoot", path("web")},
                                    {"player/audioSink", "wav=" + path("sound.wav")}}));

@@ -21,4 +21,11 @@ TEST(OneLineLayoutTest, controlCharactersBecomeEscapes) {
     EXPECT_EQ(OneLineLayout::escaped("end\xc2"), "end\xc2");
 }
 
+TEST(OneLineLayoutTest, lineSeparatorsAndTurnsOfDirectionBecomeEscapes) {
+    EXPECT_EQ(OneLineLayout::escaped("a\u2028b\u2029c"), "a\\u2028b\\u2029c");
+    EXPECT_EQ(OneLineLayout::escaped("\u202egnp.\u2069\u200f\u061c"),
+              "\\u202egnp.\\u2069\\u200f\\u061c");
+    EXPECT_EQ(OneLineLayout::escaped("\u2027\u202f\u2065"), "\u2027\u202f\u2065");
+}
+
 } // namespace

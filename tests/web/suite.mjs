@@ -10,6 +10,7 @@ import './stories/reordering.mjs';
 import './stories/collections.mjs';
 import './stories/connection.mjs';
 import './stories/access.mjs';
+import './stories/door.mjs';
 import './stories/large.mjs';
 
 tellStories();

@@ -11,6 +11,7 @@ declare -A packages=(
     [demo]='sox python3'
     [fmt]='clang-format'
     [lint]='clang-tidy shellcheck'
+    [coverage]='gcovr'
     [fuzz]='clang libclang-rt-dev'
     [web]='chromium'
     [peers]='mpd python3'

@@ -7,6 +7,7 @@ import { samePlace } from './core/paths.js';
 import { Adding } from './model/adder.js';
 import { AddMode, Commands } from './model/commands.js';
 import { Covers } from './model/covers.js';
+import { allRows } from './model/liststore.js';
 import { Player } from './model/player.js';
 import { RowType, isCreate, isSwitch, metaData } from './model/rows.js';
 import { Address } from './view/address.js';
@@ -18,7 +19,8 @@ import { Menu } from './view/menu.js';
 import { Pane } from './view/pane.js';
 import { PlayerBar } from './view/playerbar.js';
 import { watchAdding } from './view/progress.js';
-import { tellError } from './view/toast.js';
+import { attempt, tellError } from './view/toast.js';
+import { askToken } from './view/tokencard.js';
 
 // Where the trees begin. A module that is not loaded has none.
 const FilesRoot = 'files:tree';
@@ -119,13 +121,14 @@ export class App {
     }
   }
 
-  // A text or a switch is set, an action is carried out; then what the reply says happens. True
-  // when it was done.
-  async carryOut(row, value) {
+  // A text or a switch is set, an action is carried out; then what the reply says happens.
+  async carryOut(row, value, { openMade = false } = {}) {
     const sent = row.type === RowType.Editable && isSwitch(row) ? { bool: !row.value.bool } : value ?? {};
+    const known = openMade ? await this.listPaths() : null;
     const reply = await sendData(row.path, sent);
-    for (const event of reply.events ?? []) if (event.rowsType === 1) this.closePlace(event.path);
-    return true;
+    for (const event of reply?.events ?? []) if (event.rowsType === 1) this.closePlace(event.path);
+    if (known) await this.openMade(known);
+    return reply ?? {};
   }
 
   closePlace(path) {
@@ -145,22 +148,27 @@ export class App {
   }
 
   editRow(row, anchor) {
-    if (isCreate(row)) this.expectNewRow();
-    this.menu.open({ title: row.title, field: row }, { anchor, head: { title: row.title, urls: [] } });
+    this.menu.open({ title: row.title, field: row, openMade: isCreate(row) }, { anchor, head: { title: row.title, urls: [] } });
   }
 
-  // What was just made is what people want to see.
-  expectNewRow() {
-    const { store } = this.nav.top;
-    const known = new Set(store.rows.filter(Boolean).map((row) => row.path));
-    this.stopExpecting?.();
-    const stop = store.on('rows', () => {
-      const made = store.rows.find((row) => row?.type === RowType.Container && !known.has(row.path));
-      if (!made) return;
-      stop();
-      this.openInMain(made);
-    });
-    this.stopExpecting = stop;
+  askFor(row, anchor) {
+    const run = () => {
+      this.menu.close();
+      attempt(this.carryOut(row), anchor);
+    };
+    this.menu.open({ title: 'Sure?', items: [{ title: row.title, icon: 'check', run }] },
+      { anchor, head: { title: row.title, urls: [] } });
+  }
+
+  // What was just made is what people want to see: the list that was not there before.
+  async openMade(known) {
+    const made = (await allRows(this.nav.top.path))
+      .find((row) => row.type === RowType.Container && !known.has(row.path));
+    if (made) this.openInMain(made);
+  }
+
+  async listPaths() {
+    return new Set((await allRows(this.nav.top.path)).map((row) => row.path));
   }
 
   openAddMenu(rows, anchor, screen) {
@@ -348,7 +356,12 @@ export async function startApp() {
   while (!app) {
     try {
       app = await begin();
-    } catch {
+    } catch (error) {
+      if (error.status === 401) {
+        await askToken();
+        location.reload();
+        return null;
+      }
       document.getElementById('banner').hidden = false;
       await new Promise((done) => setTimeout(done, 1500));
     }

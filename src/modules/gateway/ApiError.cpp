@@ -13,9 +13,12 @@ struct Row {
 
 constexpr Row Rows[] = {
     {ApiError::Kind::Malformed, 400, "Malformed", "Malformed request"},
+    {ApiError::Kind::Unauthorized, 401, "Unauthorized", "Token needed"},
+    {ApiError::Kind::Forbidden, 403, "Forbidden", "No access"},
     {ApiError::Kind::NoSuchResource, 404, "NoSuchResource", "Not found"},
     {ApiError::Kind::MethodNotAllowed, 405, "MethodNotAllowed", "Method not allowed"},
     {ApiError::Kind::TooLarge, 413, "TooLarge", "Request too large"},
+    {ApiError::Kind::HeadersTooLarge, 431, "HeadersTooLarge", "Request head too large"},
     {ApiError::Kind::TooManyReaders, 503, "TooManyReaders", "Too many readers"},
     {ApiError::Kind::Timeout, 504, "Timeout", "No answer"},
 };

@@ -7,7 +7,17 @@
 namespace ApiError {
 
 // Statuses that the gateway itself decides on, each with its name and its title for people.
-enum class Kind { Malformed, NoSuchResource, MethodNotAllowed, TooLarge, TooManyReaders, Timeout };
+enum class Kind {
+    Malformed,
+    Unauthorized,
+    Forbidden,
+    NoSuchResource,
+    MethodNotAllowed,
+    TooLarge,
+    HeadersTooLarge,
+    TooManyReaders,
+    Timeout
+};
 
 HttpResponse response(Kind kind, const QString& message);
 // What a module answered: nothing at that path is 404, everything else is a refusal.

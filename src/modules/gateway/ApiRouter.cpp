@@ -5,6 +5,7 @@
 #include "ApiError.h"
 #include "ArtworkFiles.h"
 #include "CMRootWorker.h"
+#include "Door.h"
 #include "EventFeed.h"
 #include "JsonReader.h"
 #include "JsonWriter.h"
@@ -145,6 +146,7 @@ const QVector<ApiRouter::Route>& ApiRouter::routes() {
         {"PUT", "/api/value", &ApiRouter::putValue, false},
         {"GET", "/api/events", &ApiRouter::getEvents, false},
         {"GET", "/api/artwork", &ApiRouter::getArtwork, true},
+        {"POST", Door::LoginPath, &ApiRouter::postLogin, false},
     };
     return table;
 }
@@ -154,11 +156,11 @@ void ApiRouter::handle(const Exchange& exchange) {
     if (request.bodyTooLarge) {
         exchange->respond(ApiError::response(
             ApiError::Kind::TooLarge,
-            QStringLiteral("The body is larger than %1 bytes.").arg(HttpServer::MaxBody)));
+            QStringLiteral("The body is larger than %1 bytes.").arg(exchange->maxBody())));
         return;
     }
     if (request.illegalText) {
-        exchange->respond(malformed(QStringLiteral("The address is no UTF-8.")));
+        exchange->respond(malformed(QStringLiteral("The address is no text in UTF-8.")));
         return;
     }
     QStringList allowed;
@@ -320,7 +322,7 @@ void ApiRouter::getEvents(const Exchange& exchange) {
     if (!m_feed->serve(exchange, lastEventId, watched))
         exchange->respond(ApiError::response(
             ApiError::Kind::TooManyReaders,
-            QStringLiteral("%1 readers are connected.").arg(EventFeed::MaxStreams)));
+            QStringLiteral("%1 readers are connected.").arg(m_feed->maxStreams())));
 }
 
 void ApiRouter::getArtwork(const Exchange& exchange) {
@@ -334,4 +336,27 @@ void ApiRouter::getArtwork(const Exchange& exchange) {
     exchange->respond(picture ? *picture
                               : ApiError::response(ApiError::Kind::NoSuchResource,
                                                    QStringLiteral("There is no such picture.")));
+}
+
+// The page cannot send a header with its pictures and its stream, so it trades the token for a
+// cookie.
+void ApiRouter::postLogin(const Exchange& exchange) {
+    QVariantHash body;
+    QString reason;
+    if (!JsonReader::readObject(exchange->request().body, &body, &reason)) {
+        exchange->respond(malformed(reason));
+        return;
+    }
+    if (!m_door->wantsToken()) {
+        exchange->respond(jsonResponse("{}"));
+        return;
+    }
+    if (!m_door->isToken(body.value(QStringLiteral("token")).toString().toUtf8())) {
+        exchange->respond(ApiError::response(ApiError::Kind::Unauthorized,
+                                             QStringLiteral("This is not the device's token.")));
+        return;
+    }
+    HttpResponse response = jsonResponse("{}");
+    response.headers.append({"Set-Cookie", m_door->cookieHeader()});
+    exchange->respond(response);
 }

@@ -6,6 +6,7 @@
 #include "HttpServer.h"
 
 class ArtworkFiles;
+class Door;
 class EventFeed;
 class PageFiles;
 
@@ -15,8 +16,12 @@ class PageFiles;
 class ApiRouter {
 public:
     ApiRouter(EventFeed* feed, const PageFiles* pages, const ArtworkFiles* artwork,
-              int answerTimeoutMs)
-        : m_feed(feed), m_pages(pages), m_artwork(artwork), m_answerTimeoutMs(answerTimeoutMs) {}
+              const Door* door, int answerTimeoutMs)
+        : m_feed(feed),
+          m_pages(pages),
+          m_artwork(artwork),
+          m_door(door),
+          m_answerTimeoutMs(answerTimeoutMs) {}
 
     void handle(const std::shared_ptr<HttpExchange>& exchange);
 
@@ -38,10 +43,12 @@ private:
     void putValue(const Exchange& exchange);
     void getEvents(const Exchange& exchange);
     void getArtwork(const Exchange& exchange);
+    void postLogin(const Exchange& exchange);
     void refuseUnrouted(const Exchange& exchange, const QStringList& allowed);
 
     EventFeed* m_feed;
     const PageFiles* m_pages;
     const ArtworkFiles* m_artwork;
+    const Door* m_door;
     int m_answerTimeoutMs;
 };

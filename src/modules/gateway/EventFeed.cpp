@@ -43,8 +43,9 @@ QByteArray dataOf(const CMChange& change) {
 
 } // namespace
 
-EventFeed::EventFeed(CMSubscribe* events, const EventHistory::Limits& limits, int commentIntervalMs)
-    : m_history(limits) {
+EventFeed::EventFeed(CMSubscribe* events, const EventHistory::Limits& limits, int commentIntervalMs,
+                     int maxStreams)
+    : m_history(limits), m_maxStreams(maxStreams) {
     cmConnect(events, &CMSubscribe::changed, this, &EventFeed::onChanged);
     m_commentTimer.setInterval(commentIntervalMs);
     cmConnect(&m_commentTimer, &QTimer::timeout, this, &EventFeed::sendComments);
@@ -52,7 +53,7 @@ EventFeed::EventFeed(CMSubscribe* events, const EventHistory::Limits& limits, in
 
 bool EventFeed::serve(const std::shared_ptr<HttpExchange>& exchange,
                       std::optional<quint64> lastEventId, const QVector<CMPath>& watched) {
-    if (m_streams.size() >= MaxStreams)
+    if (m_streams.size() >= m_maxStreams)
         return false;
     auto stream = std::make_unique<EventStream>(this, lastEventId, watched);
     m_streams.insert(stream.get(), exchange);

@@ -18,10 +18,12 @@ class HttpExchange;
 class EventFeed : public QObject {
     Q_OBJECT
 public:
-    // More readers than this are sent away: they would use up the connections that requests need.
+    // More readers than this are sent away unless told otherwise: they would use up the connections
+    // that requests need.
     static constexpr int MaxStreams = 256;
 
-    EventFeed(CMSubscribe* events, const EventHistory::Limits& limits, int commentIntervalMs);
+    EventFeed(CMSubscribe* events, const EventHistory::Limits& limits, int commentIntervalMs,
+              int maxStreams = MaxStreams);
 
     // Answers the exchange with a stream. False when there are too many already.
     bool serve(const std::shared_ptr<HttpExchange>& exchange, std::optional<quint64> lastEventId,
@@ -29,6 +31,7 @@ public:
 
     const EventHistory& history() const { return m_history; }
     int streams() const { return m_streams.size(); }
+    int maxStreams() const { return m_maxStreams; }
 
 private:
     friend class EventStream;
@@ -39,6 +42,7 @@ private:
     void wakeAll();
 
     EventHistory m_history;
+    int m_maxStreams;
     QTimer m_commentTimer;
     QHash<EventStream*, std::weak_ptr<HttpExchange>> m_streams;
 };

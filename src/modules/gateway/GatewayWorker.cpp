@@ -4,6 +4,7 @@
 
 #include "CMLog.h"
 #include "CMRootWorker.h"
+#include "TokenFile.h"
 
 namespace {
 
@@ -15,15 +16,48 @@ log4cplus::Logger& logger() {
     return instance;
 }
 
+// A number from 1 on; a text is read as one, because the command line gives texts.
 int positive(const QHash<QString, QVariant>& config, const char* key, int fallback) {
-    const int number = OrvoHash::toInt(config.value(QString::fromLatin1(key)), fallback);
+    const QVariant value = config.value(QString::fromLatin1(key));
+    bool isNumber = false;
+    const int number = value.userType() == QMetaType::QString ? value.toString().toInt(&isNumber)
+                                                              : OrvoHash::toInt(value, fallback);
     return number > 0 ? number : fallback;
 }
 
-EventHistory::Limits limits(const QHash<QString, QVariant>& config) {
+struct LimitRow {
+    const char* key;
+    int HttpLimits::*member;
+};
+constexpr LimitRow LimitRows[] = {
+    {"gateway/maxConnections", &HttpLimits::connections},
+    {"gateway/maxConnectionsPerAddress", &HttpLimits::connectionsPerAddress},
+    {"gateway/maxHeadBytes", &HttpLimits::headBytes},
+    {"gateway/maxHeaderFields", &HttpLimits::headerFields},
+    {"gateway/maxBodyBytes", &HttpLimits::bodyBytes},
+    {"gateway/idleTimeoutMs", &HttpLimits::idleMs},
+    {"gateway/requestTimeoutMs", &HttpLimits::requestMs},
+};
+
+HttpLimits httpLimits(const QHash<QString, QVariant>& config) {
+    HttpLimits limits;
+    for (const LimitRow& row : LimitRows)
+        limits.*row.member = positive(config, row.key, limits.*row.member);
+    return limits;
+}
+
+EventHistory::Limits historyLimits(const QHash<QString, QVariant>& config) {
     EventHistory::Limits result;
     result.events = positive(config, "gateway/historyEvents", result.events);
     return result;
+}
+
+Door makeDoor(const QHash<QString, QVariant>& config, QString* failure) {
+    const QString tokenFile = config.value(QStringLiteral("gateway/tokenFile")).toString();
+    return Door(config.value(QStringLiteral("gateway/hosts"))
+                    .toString()
+                    .split(QLatin1Char(','), Qt::SkipEmptyParts),
+                tokenFile.isEmpty() ? QByteArray() : TokenFile::read(tokenFile, failure));
 }
 
 const CMPath& portPath() {
@@ -31,43 +65,59 @@ const CMPath& portPath() {
     return path;
 }
 
+bool writePort(quint16 port, const QString& file, QString* error) {
+    QSaveFile out(file);
+    const QByteArray text = QByteArray::number(port) + '\n';
+    if (out.open(QIODevice::WriteOnly) && out.write(text) == text.size() && out.commit())
+        return true;
+    *error = out.errorString();
+    return false;
+}
+
 } // namespace
 
 GatewayWorker::GatewayWorker(const QHash<QString, QVariant>& config)
     : CMNodesWorker(config, QStringLiteral("Gateway")),
-      m_feed(CMRoot()->events(), limits(config),
-             positive(config, "gateway/commentMs", DefaultCommentMs)),
+      m_feed(CMRoot()->events(), historyLimits(config),
+             positive(config, "gateway/commentMs", DefaultCommentMs),
+             positive(config, "gateway/maxEventStreams", EventFeed::MaxStreams)),
       m_pages(config.value(QStringLiteral("gateway/webRoot")).toString()),
       m_artwork(config.value(QStringLiteral("musicDir")).toString()),
-      m_router(&m_feed, &m_pages, &m_artwork,
+      m_door(makeDoor(config, &m_failure)),
+      m_router(&m_feed, &m_pages, &m_artwork, &m_door,
                positive(config, "gateway/answerTimeoutMs", DefaultAnswerTimeoutMs)),
       m_server(
+          httpLimits(config),
+          [this](const HttpRequest& request) { return m_door.refusal(request); },
           [this](const std::shared_ptr<HttpExchange>& exchange) { m_router.handle(exchange); }) {}
 
+QString GatewayWorker::text(const char* key) const {
+    return config().value(QString::fromLatin1(key)).toString();
+}
+
 bool GatewayWorker::start() {
+    // A token file that cannot be used never means "no token".
+    if (!m_failure.isEmpty())
+        return fail(m_failure);
     const QString address =
         config()
             .value(QStringLiteral("gateway/listen"), QStringLiteral("127.0.0.1:8080"))
             .toString();
     QString error;
-    if (!m_server.listen(address, &error)) {
-        LOG4CPLUS_FATAL(logger(), "cannot listen on " << address << ": " << error);
-        return false;
-    }
-    const QString portFile = config().value(QStringLiteral("gateway/portFile")).toString();
-    if (!portFile.isEmpty() && !writePortFile(portFile))
-        return false;
+    if (!m_server.listen(address, !m_door.wantsToken(), &error))
+        return fail(QStringLiteral("cannot listen on %1: %2").arg(address, error));
+    m_door.setPort(port());
+    const QString portFile = text("gateway/portFile");
+    if (!portFile.isEmpty() && !writePort(port(), portFile, &error))
+        return fail(QStringLiteral("cannot write the port to %1: %2").arg(portFile, error));
     const QString host = address.left(address.lastIndexOf(QLatin1Char(':')));
     LOG4CPLUS_INFO(logger(), "listening on http://" << host << ":" << port());
     return true;
 }
 
-bool GatewayWorker::writePortFile(const QString& file) const {
-    QSaveFile out(file);
-    const QByteArray text = QByteArray::number(port()) + '\n';
-    if (out.open(QIODevice::WriteOnly) && out.write(text) == text.size() && out.commit())
-        return true;
-    LOG4CPLUS_FATAL(logger(), "cannot write the port to " << file << ": " << out.errorString());
+bool GatewayWorker::fail(const QString& reason) {
+    m_failure = reason;
+    LOG4CPLUS_FATAL(logger(), reason);
     return false;
 }
 

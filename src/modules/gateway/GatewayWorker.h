@@ -3,6 +3,7 @@
 #include "ApiRouter.h"
 #include "ArtworkFiles.h"
 #include "CMWorker.h"
+#include "Door.h"
 #include "EventFeed.h"
 #include "HttpServer.h"
 #include "PageFiles.h"
@@ -16,8 +17,12 @@
 //   gateway/webRoot          folder of the web page's files
 //   musicDir                 folder whose pictures are served as artwork
 //   gateway/answerTimeoutMs  how long a module may take to answer; default 30000
+//   gateway/tokenFile        file with the token that every request to /api/ carries; needed for an
+//                            address that other machines reach
+//   gateway/hosts            further names of the device, with commas between
 //   gateway/commentMs        how often a silent event stream shows that it lives; default 15000
 //   gateway/historyEvents    how many events a reader can come back to; default 4096
+//   and the limits, see the table in GatewayWorker.cpp
 class GatewayWorker : public CMNodesWorker {
     Q_OBJECT
 public:
@@ -25,18 +30,23 @@ public:
 
     // Opens the port. False when that is impossible: logged as fatal, the module is of no use then.
     bool start();
+    // Why start() failed.
+    QString failure() const { return m_failure; }
     quint16 port() const { return m_server.port(); }
     int openStreams() const { return m_feed.streams(); }
 
     QVariant getValue(const CMPath& path) override;
 
 private:
-    bool writePortFile(const QString& file) const;
+    bool fail(const QString& reason);
+    QString text(const char* key) const;
 
     // The server carries the streams that the feed knows, so it goes first.
     EventFeed m_feed;
     PageFiles m_pages;
     ArtworkFiles m_artwork;
+    QString m_failure; // of the token file, while there is no door
+    Door m_door;
     ApiRouter m_router;
     HttpServer m_server;
 };

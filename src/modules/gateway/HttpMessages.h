@@ -3,6 +3,7 @@
 #include <optional>
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QString>
 #include <QVector>
 
@@ -12,12 +13,28 @@ struct HttpRequest {
     QString path;
     QVector<QPair<QString, QString>> query;
     QByteArray lastEventId;
+    QByteArray host;
+    int hostCount = 0;
+    QByteArrayList origins;
+    QByteArray fetchSite;
+    QByteArray fetchMode;
+    QByteArray fetchDest;
+    QByteArray authorization;
+    QByteArray cookie;
+    // The address that the client reached, as a number.
+    QByteArray localAddress;
+    int headerFields = 0;
     QByteArray ifNoneMatch;
     QByteArray body;
-    // The path or the query holds bytes that are no UTF-8.
+    // The path or the query holds bytes that are no UTF-8, or a zero byte.
     bool illegalText = false;
-    // More than HttpServer::MaxBody arrived; `body` is empty then.
+    // More header fields, or more bytes of them and the request line, than the server takes.
+    bool headTooLarge = false;
+    // More than the server's limit arrived; `body` is empty then.
     bool bodyTooLarge = false;
+
+    // Everything else is a file of the page.
+    bool isForApi() const { return path.startsWith(QLatin1String("/api/")); }
 
     // The first parameter of that name.
     std::optional<QString> parameter(const QString& name) const {

@@ -2,6 +2,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <microhttpd.h>
 
 #include <QTextCodec>
@@ -11,12 +12,13 @@
 
 namespace {
 
-// Enough for every screen, shell and script around one device; each costs at most ConnectionMemory.
-constexpr unsigned MaxConnections = 512;
-// Holds the request line and the headers: a path whose every byte is percent-encoded twice is long.
-constexpr size_t ConnectionMemory = 64 * 1024;
-// An idle kept-alive connection, and a reader that takes nothing, is closed after this.
-constexpr unsigned IdleSeconds = 120;
+// Those that are on their way out when others come in.
+constexpr unsigned SpareConnections = 8;
+// What the library keeps of a connection besides the head of its request: the answer's head, and
+// what it knows of each header field.
+constexpr size_t SpareMemory = 32 * 1024;
+// Of a library that has nothing to wait for.
+constexpr int LongestPauseMs = 120000;
 // What is read and thrown away of a body that is too large, so that its sender gets to read the
 // answer.
 constexpr qint64 MaxDiscarded = 64 * 1024 * 1024;
@@ -50,6 +52,57 @@ QByteArray headerValue(MHD_Connection* connection, const char* name) {
     return QByteArray(MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name));
 }
 
+struct KnownHeader {
+    const char* name;
+    QByteArray HttpRequest::*member;
+};
+constexpr KnownHeader KnownHeaders[] = {
+    {"Authorization", &HttpRequest::authorization}, {"Cookie", &HttpRequest::cookie},
+    {"If-None-Match", &HttpRequest::ifNoneMatch},   {"Last-Event-ID", &HttpRequest::lastEventId},
+    {"Sec-Fetch-Dest", &HttpRequest::fetchDest},    {"Sec-Fetch-Mode", &HttpRequest::fetchMode},
+    {"Sec-Fetch-Site", &HttpRequest::fetchSite},
+};
+
+MHD_Result collectHeader(void* context, MHD_ValueKind, const char* name, const char* value) {
+    auto* request = static_cast<HttpRequest*>(context);
+    ++request->headerFields;
+    if (qstricmp(name, "Host") == 0) {
+        request->host = value;
+        ++request->hostCount;
+    } else if (qstricmp(name, "Origin") == 0) {
+        request->origins.append(value);
+    } else {
+        for (const KnownHeader& known : KnownHeaders) {
+            if (qstricmp(name, known.name) == 0) {
+                request->*known.member = value;
+                break;
+            }
+        }
+    }
+    return MHD_YES;
+}
+
+// With every answer. Whatever is shown of this device loads nothing from outside, runs no script
+// but the page's own files, and stands in nobody's frame.
+constexpr struct {
+    const char* name;
+    const char* value;
+} SafetyHeaders[] = {
+    {"Content-Security-Policy",
+     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; "
+     "manifest-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'"},
+    {"X-Content-Type-Options", "nosniff"},
+    {"X-Frame-Options", "DENY"},
+    {"Referrer-Policy", "same-origin"},
+    {"Cross-Origin-Resource-Policy", "same-origin"},
+};
+
+HttpConnection* aboutOf(MHD_Connection* connection) {
+    const MHD_ConnectionInfo* info =
+        MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT);
+    return info ? static_cast<HttpConnection*>(info->socket_context) : nullptr;
+}
+
 MHD_Result collectParameter(void* context, MHD_ValueKind, const char* key, size_t keySize,
                             const char* value, size_t valueSize) {
     auto* request = static_cast<HttpRequest*>(context);
@@ -65,6 +118,30 @@ MHD_Result collectParameter(void* context, MHD_ValueKind, const char* key, size_
 struct HttpServer::Callbacks {
     using Handle = std::shared_ptr<HttpExchange>;
 
+    static void onConnection(void* context, MHD_Connection* connection, void** socketContext,
+                             MHD_ConnectionNotificationCode code) {
+        auto* server = static_cast<HttpServer*>(context);
+        HttpConnections& all = server->m_connections;
+        if (code == MHD_CONNECTION_NOTIFY_STARTED) {
+            const MHD_ConnectionInfo* info =
+                MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD);
+            *socketContext = all.open(info->connect_fd);
+        } else {
+            all.close(static_cast<HttpConnection*>(*socketContext));
+            // Where all places were taken the library has looked away from those who knock. It
+            // looks again in its next run, which nothing else would bring about.
+            server->m_resumed = true;
+        }
+    }
+
+    // A zero byte would end the address for whoever reads it as a C string.
+    static size_t unescape(void*, MHD_Connection* connection, char* text) {
+        const size_t size = MHD_http_unescape(text);
+        if (std::memchr(text, 0, size))
+            aboutOf(connection)->zeroInTarget = true;
+        return size;
+    }
+
     static MHD_Result onRequest(void* context, MHD_Connection* connection, const char* url,
                                 const char* method, const char*, const char* data, size_t* size,
                                 void** state) {
@@ -76,10 +153,13 @@ struct HttpServer::Callbacks {
         const Handle& exchange = *static_cast<Handle*>(*state);
         if (*size > 0)
             return takeBody(*exchange, data, size);
+        if (exchange->m_refusal && !exchange->m_answered)
+            exchange->respond(std::move(*exchange->m_refusal));
         if (exchange->m_answered)
             return queue(connection, *exchange);
         // The handler runs when the library has returned; until it has answered the connection
         // sleeps.
+        server->m_connections.handle(exchange->m_about);
         exchange->m_suspended = true;
         MHD_suspend_connection(connection);
         server->m_arrived.push_back(exchange);
@@ -92,7 +172,9 @@ struct HttpServer::Callbacks {
             return;
         HttpExchange& exchange = **handle;
         HttpServer* server = exchange.m_server;
+        server->m_connections.wait(exchange.m_about);
         exchange.m_connection = nullptr;
+        exchange.m_about = nullptr;
         exchange.m_server = nullptr;
         server->m_open.remove(&exchange);
         delete handle;
@@ -104,12 +186,22 @@ struct HttpServer::Callbacks {
         auto exchange = std::make_shared<HttpExchange>();
         exchange->m_connection = connection;
         exchange->m_server = server;
+        exchange->m_about = aboutOf(connection);
+        exchange->m_maxBody = server->m_limits.bodyBytes;
+        server->m_connections.arrive(exchange->m_about);
         HttpRequest& request = exchange->m_request;
         request.method = method;
         request.path = decodeText(url, qstrlen(url), &request.illegalText);
+        request.illegalText = request.illegalText || exchange->m_about->zeroInTarget;
+        exchange->m_about->zeroInTarget = false;
         MHD_get_connection_values_n(connection, MHD_GET_ARGUMENT_KIND, collectParameter, &request);
-        request.lastEventId = headerValue(connection, "Last-Event-ID");
-        request.ifNoneMatch = headerValue(connection, MHD_HTTP_HEADER_IF_NONE_MATCH);
+        MHD_get_connection_values(connection, MHD_HEADER_KIND, collectHeader, &request);
+        request.localAddress = exchange->m_about->localAddress;
+        const MHD_ConnectionInfo* head =
+            MHD_get_connection_info(connection, MHD_CONNECTION_INFO_REQUEST_HEADER_SIZE);
+        request.headTooLarge = request.headerFields > server->m_limits.headerFields ||
+                               head->header_size > size_t(server->m_limits.headBytes);
+        exchange->m_refusal = server->m_guard(request);
         server->m_open.insert(exchange.get(), exchange);
         return exchange;
     }
@@ -119,8 +211,14 @@ struct HttpServer::Callbacks {
                                           HttpExchange& exchange) {
         const bool asks =
             headerValue(connection, MHD_HTTP_HEADER_EXPECT).toLower() == "100-continue";
-        if (!asks ||
-            headerValue(connection, MHD_HTTP_HEADER_CONTENT_LENGTH).toLongLong() <= MaxBody)
+        if (!asks)
+            return MHD_YES;
+        if (exchange.m_refusal) {
+            exchange.respond(std::move(*exchange.m_refusal));
+            return queue(connection, exchange);
+        }
+        if (headerValue(connection, MHD_HTTP_HEADER_CONTENT_LENGTH).toLongLong() <=
+            exchange.m_maxBody)
             return MHD_YES;
         exchange.m_request.bodyTooLarge = true;
         server->m_handler(exchange.shared_from_this());
@@ -131,10 +229,10 @@ struct HttpServer::Callbacks {
         exchange.m_received += qint64(*size);
         if (exchange.m_received > MaxDiscarded)
             return MHD_NO;
-        if (exchange.m_received > MaxBody) {
+        if (exchange.m_received > exchange.m_maxBody) {
             exchange.m_request.bodyTooLarge = true;
             exchange.m_request.body = QByteArray();
-        } else {
+        } else if (!exchange.m_refusal) {
             exchange.m_request.body.append(data, int(*size));
         }
         *size = 0;
@@ -142,6 +240,7 @@ struct HttpServer::Callbacks {
     }
 
     static MHD_Result queue(MHD_Connection* connection, HttpExchange& exchange) {
+        exchange.m_server->m_connections.answer(exchange.m_about);
         MHD_Response* response = nullptr;
         const HttpResponse& answer = *exchange.m_response;
         if (exchange.m_source) {
@@ -157,6 +256,8 @@ struct HttpServer::Callbacks {
             return MHD_NO;
         MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE,
                                 answer.contentType.constData());
+        for (const auto& header : SafetyHeaders)
+            MHD_add_response_header(response, header.name, header.value);
         for (const auto& header : answer.headers)
             MHD_add_response_header(response, header.first.constData(), header.second.constData());
         const MHD_Result queued = MHD_queue_response(connection, unsigned(answer.status), response);
@@ -173,9 +274,13 @@ struct HttpServer::Callbacks {
     static ssize_t readSource(void* context, uint64_t, char* buffer, size_t size) {
         HttpExchange& exchange = **static_cast<Handle*>(context);
         const qint64 count = exchange.m_source->read(buffer, qint64(size));
+        HttpConnections& all = exchange.m_server->m_connections;
         if (count == 0) {
+            all.handle(exchange.m_about);
             exchange.m_suspended = true;
             MHD_suspend_connection(exchange.m_connection);
+        } else {
+            all.stream(exchange.m_about);
         }
         return ssize_t(count);
     }
@@ -203,8 +308,11 @@ void HttpExchange::wake() {
         m_server->resume(*this);
 }
 
-HttpServer::HttpServer(Handler handler, QObject* parent)
-    : QObject(parent), m_handler(std::move(handler)) {
+HttpServer::HttpServer(const HttpLimits& limits, Guard guard, Handler handler)
+    : m_limits(limits),
+      m_guard(std::move(guard)),
+      m_handler(std::move(handler)),
+      m_connections({limits.connections, limits.idleMs, limits.requestMs}) {
     m_timer.setSingleShot(true);
     QObject::connect(&m_timer, &QTimer::timeout, this, &HttpServer::run);
 }
@@ -220,16 +328,20 @@ HttpServer::~HttpServer() {
     MHD_stop_daemon(m_daemon);
 }
 
-bool HttpServer::listen(const QString& address, QString* error) {
+bool HttpServer::listen(const QString& address, bool loopbackOnly, QString* error) {
     ListenSocket socket;
-    if (!socket.open(address, error))
+    if (!socket.open(address, loopbackOnly, error))
         return false;
+    const unsigned connections = unsigned(m_limits.connections) + SpareConnections;
+    const size_t memory = 2 * size_t(m_limits.headBytes) + SpareMemory;
     m_daemon = MHD_start_daemon(
         MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG, 0, nullptr, nullptr,
         &Callbacks::onRequest, this, MHD_OPTION_EXTERNAL_LOGGER, &logLibraryLine, nullptr,
-        MHD_OPTION_LISTEN_SOCKET, socket.descriptor(), MHD_OPTION_CONNECTION_LIMIT, MaxConnections,
-        MHD_OPTION_CONNECTION_MEMORY_LIMIT, ConnectionMemory, MHD_OPTION_CONNECTION_TIMEOUT,
-        IdleSeconds, MHD_OPTION_NOTIFY_COMPLETED, &Callbacks::onCompleted, nullptr, MHD_OPTION_END);
+        MHD_OPTION_LISTEN_SOCKET, socket.descriptor(), MHD_OPTION_CONNECTION_LIMIT, connections,
+        MHD_OPTION_PER_IP_CONNECTION_LIMIT, unsigned(m_limits.connectionsPerAddress),
+        MHD_OPTION_CONNECTION_MEMORY_LIMIT, memory, MHD_OPTION_NOTIFY_CONNECTION,
+        &Callbacks::onConnection, this, MHD_OPTION_UNESCAPE_CALLBACK, &Callbacks::unescape, nullptr,
+        MHD_OPTION_NOTIFY_COMPLETED, &Callbacks::onCompleted, nullptr, MHD_OPTION_END);
     socket.release(); // the daemon's now, which closes it
     const MHD_DaemonInfo* epoll =
         m_daemon ? MHD_get_daemon_info(m_daemon, MHD_DAEMON_INFO_EPOLL_FD) : nullptr;
@@ -258,7 +370,10 @@ void HttpServer::run() {
         if (!m_resumed)
             break;
     }
-    armTimer();
+    if (m_resumed)
+        m_timer.start(0);
+    else
+        armTimer();
 }
 
 void HttpServer::dispatchArrived() {
@@ -272,7 +387,7 @@ void HttpServer::dispatchArrived() {
 void HttpServer::armTimer() {
     MHD_UNSIGNED_LONG_LONG milliseconds = 0;
     if (MHD_get_timeout(m_daemon, &milliseconds) == MHD_YES)
-        m_timer.start(int(qMin<quint64>(milliseconds, IdleSeconds * 1000)));
+        m_timer.start(int(qMin<quint64>(milliseconds, LongestPauseMs)));
     else
         m_timer.stop();
 }

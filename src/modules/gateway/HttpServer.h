@@ -9,11 +9,23 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
+#include "HttpConnections.h"
 #include "HttpMessages.h"
 
 struct MHD_Connection;
 struct MHD_Daemon;
 class HttpServer;
+
+// How much the server takes before it says no; docs/http-api.md names the keys.
+struct HttpLimits {
+    int connections = 512;
+    int connectionsPerAddress = 320;
+    int headBytes = 32 * 1024; // the request line and the header fields
+    int headerFields = 64;
+    int bodyBytes = 8 * 1024 * 1024;
+    int idleMs = 120000;
+    int requestMs = 60000;
+};
 
 // One request and the answer it waits for. Shared by the server and whoever answers; either may
 // outlive the other: an answer to a connection that is gone is dropped. The first answer wins. The
@@ -26,6 +38,7 @@ public:
     void respondStream(const QByteArray& contentType, std::unique_ptr<HttpBodySource> source);
     // The stream's source has something to read again.
     void wake();
+    qint64 maxBody() const { return m_maxBody; }
 
 private:
     friend class HttpServer;
@@ -33,9 +46,12 @@ private:
 
     HttpRequest m_request;
     qint64 m_received = 0;
+    qint64 m_maxBody = 0;
+    std::optional<HttpResponse> m_refusal; // by the guard; the body is not kept then
     std::optional<HttpResponse> m_response;
     std::unique_ptr<HttpBodySource> m_source;
     MHD_Connection* m_connection = nullptr; // null once the connection is gone
+    HttpConnection* m_about = nullptr;      // as long as m_connection
     HttpServer* m_server = nullptr;
     bool m_answered = false;
     bool m_suspended = false;
@@ -49,15 +65,16 @@ private:
 class HttpServer : public QObject {
     Q_OBJECT
 public:
-    static constexpr qint64 MaxBody = 8 * 1024 * 1024;
-
     using Handler = std::function<void(const std::shared_ptr<HttpExchange>&)>;
+    // Looks at the head of a request; an answer keeps it from the handler.
+    using Guard = std::function<std::optional<HttpResponse>(const HttpRequest&)>;
 
-    explicit HttpServer(Handler handler, QObject* parent = nullptr);
+    HttpServer(const HttpLimits& limits, Guard guard, Handler handler);
     ~HttpServer() override;
 
     // `address` is "127.0.0.1:8080", "[::1]:8080" or "localhost:8080"; port 0 takes any free one.
-    bool listen(const QString& address, QString* error);
+    // `loopbackOnly`: fails for an address that other machines reach.
+    bool listen(const QString& address, bool loopbackOnly, QString* error);
     // The port in use, 0 before listen().
     quint16 port() const { return m_port; }
     int openExchanges() const { return m_open.size(); }
@@ -71,7 +88,10 @@ private:
     void armTimer();
     void resume(HttpExchange& exchange);
 
+    HttpLimits m_limits;
+    Guard m_guard;
     Handler m_handler;
+    HttpConnections m_connections;
     MHD_Daemon* m_daemon = nullptr;
     quint16 m_port = 0;
     std::unique_ptr<QSocketNotifier> m_notifier;

@@ -10,7 +10,9 @@
 
 namespace {
 
-constexpr int Backlog = 128;
+// A crowd that comes at once waits here; whoever finds it full tries again only after a second.
+constexpr int Backlog = 1024;
+constexpr int SendBuffer = 256 * 1024;
 
 QString systemError(const QString& what) {
     return QStringLiteral("%1: %2").arg(what, QString::fromLocal8Bit(std::strerror(errno)));
@@ -23,6 +25,15 @@ quint16 boundPort(int descriptor) {
         return 0;
     // The port stands at the same place in both families.
     return ntohs(reinterpret_cast<const sockaddr_in*>(&bound)->sin_port);
+}
+
+bool isLoopback(const sockaddr* address) {
+    if (address->sa_family == AF_INET)
+        return (ntohl(reinterpret_cast<const sockaddr_in*>(address)->sin_addr.s_addr) >> 24) ==
+               IN_LOOPBACKNET;
+    const in6_addr& v6 = reinterpret_cast<const sockaddr_in6*>(address)->sin6_addr;
+    return IN6_IS_ADDR_LOOPBACK(&v6) ||
+           (IN6_IS_ADDR_V4MAPPED(&v6) && v6.s6_addr[12] == IN_LOOPBACKNET);
 }
 
 } // namespace
@@ -38,7 +49,7 @@ int ListenSocket::release() {
     return descriptor;
 }
 
-bool ListenSocket::open(const QString& address, QString* error) {
+bool ListenSocket::open(const QString& address, bool loopbackOnly, QString* error) {
     const int colon = address.lastIndexOf(QLatin1Char(':'));
     bool portOk = false;
     const ushort port = address.mid(colon + 1).toUShort(&portOk);
@@ -63,12 +74,19 @@ bool ListenSocket::open(const QString& address, QString* error) {
     }
     const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> info(found, freeaddrinfo);
 
+    if (loopbackOnly && !isLoopback(info->ai_addr)) {
+        *error = QStringLiteral("other machines reach %1: that needs a token file").arg(host);
+        return false;
+    }
+
     m_descriptor = ::socket(info->ai_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     if (m_descriptor < 0) {
         *error = systemError(QStringLiteral("socket"));
         return false;
     }
     const int on = 1;
+    // What a client that reads slowly can make the kernel keep for it; accepted sockets inherit it.
+    ::setsockopt(m_descriptor, SOL_SOCKET, SO_SNDBUF, &SendBuffer, sizeof SendBuffer);
     // A device that is started again at once gets its port although old connections linger in it.
     ::setsockopt(m_descriptor, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     if (::bind(m_descriptor, info->ai_addr, info->ai_addrlen) != 0 ||

@@ -11,8 +11,8 @@ public:
     ListenSocket& operator=(const ListenSocket&) = delete;
 
     // `address` is "127.0.0.1:8080", "[::1]:8080" or "localhost:8080". On failure the reason is in
-    // `error`.
-    bool open(const QString& address, QString* error);
+    // `error`. `loopbackOnly`: an address that other machines reach is a failure, too.
+    bool open(const QString& address, bool loopbackOnly, QString* error);
     int descriptor() const { return m_descriptor; }
     quint16 port() const { return m_port; }
     // Hands the descriptor over to the caller.

@@ -52,8 +52,8 @@ std::optional<HttpResponse> ServedFile::answer(const QString& folder, const QStr
         return std::nullopt;
     const QByteArray tag = '"' + QByteArray::number(info.lastModified().toMSecsSinceEpoch(), 36) +
                            '-' + QByteArray::number(info.size(), 36) + '"';
-    const QVector<QPair<QByteArray, QByteArray>> headers = {
-        {"ETag", tag}, {"Cache-Control", cacheControl}, {"X-Content-Type-Options", "nosniff"}};
+    const QVector<QPair<QByteArray, QByteArray>> headers = {{"ETag", tag},
+                                                            {"Cache-Control", cacheControl}};
     const QByteArray type = mediaType(canonical);
     if (heldTag == tag)
         return HttpResponse{304, type, {}, headers};

@@ -29,7 +29,6 @@ void PlayListManager::initPlayLists() {
     m_playQueue = new PlayList(m_database, m_database->getPlayQueue());
     // Deliberate: the play queue starts empty, only user playlists keep their items.
     m_playQueue->clearItems();
-    m_database->removeStrayItems();
     const QList<PlayListRecord> records = m_database->getPlayLists();
     m_playLists.reserve(records.size());
     m_playListsByUid.reserve(records.size());

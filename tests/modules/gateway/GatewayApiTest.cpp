@@ -99,7 +99,7 @@ TEST_F(GatewayApi, anAsynchronousCommandIsAnsweredWhenItCompletes) {
 
 TEST_F(GatewayApi, aSlowCommandHoldsUpNobodyElse) {
     HttpClient slow(port());
-    slow.write("POST /api/data HTTP/1.1\r\nHost: x\r\nContent-Length: 38\r\n\r\n"
+    slow.write("POST /api/data HTTP/1.1\r\nHost: localhost\r\nContent-Length: 38\r\n\r\n"
                R"({"path":"test:silent","value":{"x":1}})");
     ASSERT_TRUE(waitFor([this] { return m_module->kept().size() == 1; }));
     EXPECT_EQ(http.get("/api/paths").status, 200);
@@ -138,7 +138,7 @@ TEST_F(GatewayApi, aModuleThatKeepsSilentCostsATimeout) {
 TEST_F(GatewayApi, aClientThatWentAwayIsNotMissed) {
     {
         HttpClient gone(port());
-        gone.write("POST /api/data HTTP/1.1\r\nHost: x\r\nContent-Length: 38\r\n\r\n"
+        gone.write("POST /api/data HTTP/1.1\r\nHost: localhost\r\nContent-Length: 38\r\n\r\n"
                    R"({"path":"test:silent","value":{"x":1}})");
         ASSERT_TRUE(waitFor([this] { return m_module->kept().size() == 1; }));
         gone.socket().abort();
@@ -149,7 +149,7 @@ TEST_F(GatewayApi, aClientThatWentAwayIsNotMissed) {
 }
 
 TEST_F(GatewayApi, anAnswerAfterTheGatewayIsGoneIsDropped) {
-    http.write("POST /api/data HTTP/1.1\r\nHost: x\r\nContent-Length: 38\r\n\r\n"
+    http.write("POST /api/data HTTP/1.1\r\nHost: localhost\r\nContent-Length: 38\r\n\r\n"
                R"({"path":"test:silent","value":{"x":1}})");
     ASSERT_TRUE(waitFor([this] { return m_module->kept().size() == 1; }));
     m_gateway.reset();
@@ -197,9 +197,9 @@ TEST_F(GatewayApi, oneConnectionServesManyRequests) {
 }
 
 TEST_F(GatewayApi, requestsThatArriveTogetherAreAnsweredInOrder) {
-    http.write("GET /api/value?path=test:number HTTP/1.1\r\nHost: x\r\n\r\n"
-               "GET /api/nothing HTTP/1.1\r\nHost: x\r\n\r\n"
-               "GET /api/paths HTTP/1.1\r\nHost: x\r\n\r\n");
+    http.write("GET /api/value?path=test:number HTTP/1.1\r\nHost: localhost\r\n\r\n"
+               "GET /api/nothing HTTP/1.1\r\nHost: localhost\r\n\r\n"
+               "GET /api/paths HTTP/1.1\r\nHost: localhost\r\n\r\n");
     EXPECT_EQ(http.readAnswer().body.toStdString(), R"({"value":1})");
     EXPECT_EQ(http.readAnswer().status, 404);
     EXPECT_EQ(http.readAnswer().status, 200);

@@ -11,7 +11,8 @@ protected:
     struct Reader {
         explicit Reader(quint16 port, const QByteArray& query = {}, const QByteArray& headers = {})
             : http(port) {
-            http.write("GET /api/events" + query + " HTTP/1.1\r\nHost: x\r\n" + headers + "\r\n");
+            http.write("GET /api/events" + query + " HTTP/1.1\r\nHost: localhost\r\n" + headers +
+                       "\r\n");
             http.readUntil("retry: 2000\n");
         }
         QByteArray until(const QByteArray& wanted) { return http.readUntil(wanted); }
@@ -221,7 +222,7 @@ TEST_F(GatewayEvents, tooManyReadersAreSentAway) {
     std::vector<std::unique_ptr<HttpClient>> readers;
     for (int i = 0; i < EventFeed::MaxStreams; ++i) {
         readers.push_back(std::make_unique<HttpClient>(port()));
-        readers.back()->write("GET /api/events HTTP/1.1\r\nHost: x\r\n\r\n");
+        readers.back()->write("GET /api/events HTTP/1.1\r\nHost: localhost\r\n\r\n");
     }
     ASSERT_TRUE(waitFor([this] { return m_gateway->openStreams() == EventFeed::MaxStreams; }));
     HttpClient http(port());

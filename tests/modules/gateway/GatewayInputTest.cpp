@@ -141,8 +141,8 @@ TEST_F(GatewayInput, aMethodThatAResourceDoesNotHaveIsNamedWithThoseItHas) {
 TEST_F(GatewayInput, aBodyOfExactlyTheLimitIsTaken) {
     HttpClient http(port());
     QByteArray body = R"({"path":"test:echo","value":[")";
-    body += QByteArray(int(HttpServer::MaxBody) - body.size() - 3, 'x') + "\"]}";
-    ASSERT_EQ(body.size(), HttpServer::MaxBody);
+    body += QByteArray(HttpLimits().bodyBytes - body.size() - 3, 'x') + "\"]}";
+    ASSERT_EQ(body.size(), HttpLimits().bodyBytes);
     EXPECT_EQ(http.post("/api/data", body).status, 200);
     const HttpAnswer answer = http.post("/api/data", body + ' ');
     EXPECT_EQ(answer.status, 413);
@@ -154,13 +154,13 @@ TEST_F(GatewayInput, aBodyOfExactlyTheLimitIsTaken) {
 TEST_F(GatewayInput, aBodyThatIsTooLargeIsRefusedBeforeItIsSentWhenTheClientAsks) {
     HttpClient http(port());
     http.write(
-        "POST /api/data HTTP/1.1\r\nHost: x\r\nExpect: 100-continue\r\nContent-Length: 9437184\r\n\r\n");
+        "POST /api/data HTTP/1.1\r\nHost: localhost\r\nExpect: 100-continue\r\nContent-Length: 9437184\r\n\r\n");
     EXPECT_EQ(http.readAnswer().status, 413);
 }
 
 TEST_F(GatewayInput, aBodyInChunksIsTaken) {
     HttpClient http(port());
-    http.write("POST /api/data HTTP/1.1\r\nHost: x\r\nTransfer-Encoding: chunked\r\n\r\n"
+    http.write("POST /api/data HTTP/1.1\r\nHost: localhost\r\nTransfer-Encoding: chunked\r\n\r\n"
                "13\r\n{\"path\":\"test:echo\"\r\nd\r\n,\"value\":[1]}\r\n0\r\n\r\n");
     EXPECT_EQ(http.readAnswer().body.toStdString(), R"({"result":[1]})");
 }
@@ -189,8 +189,9 @@ TEST_F(GatewayInput, randomBytesNeverStopTheGateway) {
 }
 
 TEST_F(GatewayInput, aRequestThatIsBrokenOffIsForgotten) {
-    for (const char* part : {"GET", "GET /api/paths HTTP/1.1\r\nHo",
-                             "POST /api/data HTTP/1.1\r\nHost: x\r\nContent-Length: 50\r\n\r\n{"}) {
+    for (const char* part :
+         {"GET", "GET /api/paths HTTP/1.1\r\nHo",
+          "POST /api/data HTTP/1.1\r\nHost: localhost\r\nContent-Length: 50\r\n\r\n{"}) {
         HttpClient http(port());
         http.write(part);
         http.socket().flush();

@@ -15,10 +15,25 @@ story('create a playlist and rename it', async ({ device, open, size }) => {
   await me.enter('Summer Party');
   // Renaming keeps the menu open; it shows the new name.
   await eventually(() => me.entry('Rename').locator('.menu-detail').textContent(), 'Summer Party');
+  assert.equal(await me.sheet.locator('.sheet-title').textContent(), 'Summer Party');
   await me.closeSheet();
   await me.row('nav', 'Summer Party').waitFor();
   await other.row('nav', 'Summer Party').waitFor();
   if (size === 'desktop') await eventually(() => me.heading().textContent(), 'Summer Party');
+});
+
+story('a list that somebody else makes is not taken for the one thought better of', async ({ device, open, size }) => {
+  await device.playlist('Quiet');
+  const me = await open();
+  await me.openList('Quiet');
+  await me.toLists();
+  await me.press(me.row('nav', 'Create New Playlist').locator('.row-title'));
+  await me.press(me.sheet.getByRole('button', { name: 'Cancel' }));
+  await me.sheetCloses();
+  await device.playlist('Loud');
+  await me.row('nav', 'Loud').waitFor();
+  if (size === 'desktop') assert.equal(await me.heading().textContent(), 'Quiet');
+  else assert.equal(await me.row('nav', 'Loud').isVisible(), true); // still among the lists
 });
 
 story('an error shows the command\'s own text', async ({ device, open, allow }) => {

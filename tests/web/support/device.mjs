@@ -34,6 +34,7 @@ export class Device {
       '--port-file', portFile, '--log-file', join(this.folder, 'log'),
       '--set', 'settings:player/volume=0', // tests are silent
       ...this.settings.flatMap((setting) => ['--set', setting]),
+      ...(this.more ?? []),
       ...(this.modules ?? []).flatMap((name) => ['--module', `liborvo_${name}.so`]),
     ];
     this.process = spawn(Host, args, { stdio: ['ignore', 'pipe', 'pipe'] });

@@ -36,7 +36,7 @@ class Window {
     this.wrong = [];
   }
 
-  async open({ at = this.device.url, ...options } = {}) {
+  async open({ at = this.device.url, meet = null, ...options } = {}) {
     this.context = await theBrowser.newContext({ ...Sizes[this.size], ...options });
     this.page = await this.context.newPage();
     this.page.setDefaultTimeout(Patience);
@@ -54,6 +54,7 @@ class Window {
       if (!givenUp && !request.url().includes('/api/events')) note(`failed: ${request.url()} ${errorText}`);
     });
     await this.page.goto(at);
+    await meet?.(this.page);
     await this.page.locator('#nav .row.heads').first().waitFor({ state: 'attached' });
     return new People(this);
   }

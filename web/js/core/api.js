@@ -26,6 +26,8 @@ function tell(reached) {
   for (const listener of listeners) listener(reached);
 }
 
+let admitted = false;
+
 async function request(url, options) {
   let response;
   try {
@@ -42,6 +44,9 @@ async function request(url, options) {
   } catch {
     throw new ApiError('The answer of the device cannot be read.', { status: response.status });
   }
+  if (response.ok) admitted = true;
+  // The device wants another token than before: the page begins anew and asks for it.
+  else if (response.status === 401 && admitted) location.reload();
   if (!response.ok) {
     const error = body.error ?? {};
     throw new ApiError(error.message || `The device answered ${response.status}.`, {
@@ -80,6 +85,18 @@ export const getPaths = () => takeFirst('/api/paths') ?? request('/api/paths');
 export async function getModules() {
   return (await (takeFirst('/api/modules') ?? request('/api/modules'))).modules;
 }
+
+// Trades the token for a cookie, which pictures and the stream of events carry as well.
+export function login(token) {
+  return request('/api/login', {
+    method: 'POST',
+    headers: { 'Content-Type': 'application/json' },
+    body: JSON.stringify({ token }),
+  });
+}
+
+// Notices what a stream that was refused does not say.
+export const probe = () => request('/api/paths').catch(() => {});
 
 export function artworkUrl(uri) {
   return uri?.startsWith('file:') ? `/api/artwork?${query({ uri })}` : null;

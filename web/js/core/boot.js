@@ -14,7 +14,7 @@ export function openStream(lastId = null) {
 
 const ask = async (url) => {
   const response = await fetch(url);
-  if (!response.ok) throw new Error(`${url}: ${response.status}`);
+  if (!response.ok) throw Object.assign(new Error(`${url}: ${response.status}`), { status: response.status });
   return response.json();
 };
 

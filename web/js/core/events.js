@@ -4,7 +4,7 @@
 // gives up, or the device answers that it cannot go on from there ("resync"), everything open is
 // read again.
 
-import { onReachable } from './api.js';
+import { onReachable, probe } from './api.js';
 import { openStream, takeStream } from './boot.js';
 
 const RetryMs = 1500;
@@ -58,8 +58,9 @@ export class EventFeed {
     });
     source.addEventListener('error', () => {
       this.lost();
-      if (source.readyState === EventSource.CLOSED && source === this.source)
-        this.retryTimer = setTimeout(() => this.connect(), RetryMs);
+      if (source.readyState !== EventSource.CLOSED || source !== this.source) return;
+      this.retryTimer = setTimeout(() => this.connect(), RetryMs);
+      probe();
     });
     for (const event of early?.events ?? []) this.take(event);
   }

@@ -12,8 +12,7 @@ export const RowType = {
 export const ContextMenu = 100; // container type
 
 export const RowRoles = [
-  'title', 'path', 'type', 'containerType', 'containerPlayable', 'value', 'modifiable', 'id',
-  'context', 'mediaData',
+  'title', 'path', 'type', 'containerType', 'value', 'modifiable', 'id', 'context', 'mediaData',
 ];
 
 export const isFocusable = (row) =>
@@ -24,6 +23,12 @@ export const isMenu = (row) => row.type === RowType.Container && row.containerTy
 export const metaData = (row) => row?.mediaData?.metaData ?? {};
 
 export const isSwitch = (row) => row.type === RowType.Editable && typeof row.value?.bool === 'boolean';
+
+// What something can be done with: what is shown only, or of a type nobody has heard of, is not.
+export const isUsable = (row) => {
+  if (row.type === RowType.Editable) return row.modifiable === true;
+  return [RowType.Container, RowType.Audio, RowType.Action].includes(row.type);
+};
 
 // An editable text without a text yet makes something new.
 export const isCreate = (row) => row.type === RowType.Editable && row.value?.string === '';

@@ -3,7 +3,7 @@
 // from.
 
 import { ListStore } from '../model/liststore.js';
-import { RowType, isCreate, isFocusable, isSwitch } from '../model/rows.js';
+import { RowType, isCreate, isSwitch, isUsable } from '../model/rows.js';
 import { asksTwice } from '../model/commands.js';
 import { samePlace } from '../core/paths.js';
 import { Artwork } from './artwork.js';
@@ -132,7 +132,7 @@ export class Menu {
   entry(row, page) {
     if (row.type === RowType.Separator) return el('hr.menu-line');
     if (row.type === RowType.Header) return el('h3.menu-heading', {}, row.title ?? '');
-    const button = el('button.menu-entry', { type: 'button', disabled: !isFocusable(row) },
+    const button = el('button.menu-entry', { type: 'button', disabled: !isUsable(row) || row.type === RowType.Audio },
       el('span.menu-text', {}, row.title ?? ''));
     button.addEventListener('click', () => this.choose(row, page, button));
     if (isSwitch(row)) {
@@ -187,7 +187,7 @@ export class Menu {
     const send = async (event) => {
       event.preventDefault();
       try {
-        await busy(this.app.carryOut(row, { string: input.value }), save);
+        await busy(this.app.carryOut(row, { string: input.value }, { openMade: page.openMade }), save);
       } catch (error) {
         setText(problem, error.message);
         setAttribute(input, 'aria-invalid', 'true');
@@ -195,6 +195,8 @@ export class Menu {
         input.select();
         return;
       }
+      // The head names what the menu belongs to, under its new name now.
+      if (this.head && this.head.title === row.value?.string) this.head.title = input.value;
       if (this.pages.at(-1) === page) this.back();
     };
     return el('form.field', { onsubmit: send }, input, problem, el('div.field-buttons', {},

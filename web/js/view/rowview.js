@@ -2,12 +2,10 @@
 // scrolls; says nothing to the device itself.
 
 import { artworkUrl } from '../core/api.js';
-import { RowType, duration, isCreate, isMenu, isSwitch, metaData } from '../model/rows.js';
+import { RowType, duration, isCreate, isFocusable, isMenu, isSwitch, isUsable, metaData } from '../model/rows.js';
 import { Artwork } from './artwork.js';
 import { el, setAttribute, setText } from './dom.js';
 import { icon, setIcon } from './icons.js';
-
-const Known = new Set(Object.values(RowType));
 
 const ClassOf = {
   [RowType.Container]: 'opens',
@@ -119,6 +117,6 @@ export class RowView {
       setIcon(this.moreIcon, look.action === 'add' ? 'plus' : 'more');
       setAttribute(this.more, 'aria-label', `${look.action === 'add' ? 'Add' : 'Menu of'} ${row.title}`);
     }
-    setAttribute(this.element, 'aria-disabled', Known.has(row.type) ? null : 'true');
+    setAttribute(this.element, 'aria-disabled', isUsable(row) || !isFocusable(row) ? null : 'true');
   }
 }

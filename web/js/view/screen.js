@@ -1,8 +1,9 @@
 // One list, as people see it: its head, its rows, finding, choosing and reordering. Made by a pane,
 // which owns it.
 
+import { asksTwice } from '../model/commands.js';
 import { ListStore } from '../model/liststore.js';
-import { RowType, isMenu, isSwitch, metaData, position } from '../model/rows.js';
+import { RowType, isMenu, isSwitch, isUsable, metaData, position } from '../model/rows.js';
 import { Dragging } from './dragging.js';
 import { el, plural, setText } from './dom.js';
 import { Finder } from './finder.js';
@@ -269,10 +270,12 @@ export class Screen {
   // What can be done with the rows.
   async open({ row, index, anchor, goIn = false }) {
     const { app } = this;
+    if (!isUsable(row)) return;
     if (row.type === RowType.Audio) this.playFrom(row, index, anchor);
     else if (row.type === RowType.Container && isMenu(row)) app.openPublishedMenu(row, anchor, row);
     else if (row.type === RowType.Container) this.pane.open(row, { goIn });
     else if (row.type === RowType.Editable && !isSwitch(row)) app.editRow(row, anchor);
+    else if (asksTwice(row)) app.askFor(row, anchor);
     else if (row.type === RowType.Action || isSwitch(row)) await attempt(app.carryOut(row), anchor);
   }
 

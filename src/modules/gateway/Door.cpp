@@ -1,0 +1,168 @@
+#include "Door.h"
+
+#include <arpa/inet.h>
+#include <cstring>
+#include <netinet/in.h>
+
+#include <QCryptographicHash>
+#include <QMessageAuthenticationCode>
+
+#include "ApiError.h"
+
+namespace {
+
+// As long as browsers keep a cookie at most.
+constexpr char CookieLife[] = "34560000";
+
+QByteArray digestOf(const QByteArray& text) {
+    return QCryptographicHash::hash(text, QCryptographicHash::Sha256);
+}
+
+// Takes the same time whatever the two have in common: they are digests, all of one length.
+bool isSameDigest(const QByteArray& a, const QByteArray& b) {
+    if (a.size() != b.size())
+        return false;
+    volatile unsigned char difference = 0;
+    for (int i = 0; i < a.size(); ++i)
+        difference = static_cast<unsigned char>(difference | (a[i] ^ b[i]));
+    return difference == 0;
+}
+
+// "name:8080" becomes "name", "[::1]:8080" becomes "::1"; nothing for what is no host.
+QByteArray hostName(const QByteArray& host) {
+    const bool bracketed = host.startsWith('[');
+    const int nameAt = bracketed ? 1 : 0;
+    int end = host.indexOf(bracketed ? ']' : ':');
+    if (end < 0 && bracketed)
+        return {};
+    if (end < 0)
+        end = host.size();
+    const QByteArray name = host.mid(nameAt, end - nameAt);
+    const int portAt = bracketed ? end + 1 : end;
+    if (portAt == host.size())
+        return name;
+    if (host.at(portAt) != ':')
+        return {};
+    for (int i = portAt + 1; i < host.size(); ++i) {
+        if (host.at(i) < '0' || host.at(i) > '9')
+            return {};
+    }
+    return name;
+}
+
+bool isLoopback(const QByteArray& name) {
+    if (name == "localhost")
+        return true;
+    in_addr v4{};
+    if (inet_pton(AF_INET, name.constData(), &v4) == 1)
+        return (ntohl(v4.s_addr) >> 24) == IN_LOOPBACKNET;
+    in6_addr v6{};
+    return inet_pton(AF_INET6, name.constData(), &v6) == 1 && IN6_IS_ADDR_LOOPBACK(&v6);
+}
+
+bool isSameAddress(const QByteArray& name, const QByteArray& address) {
+    if (name == address)
+        return true;
+    in6_addr a{};
+    in6_addr b{};
+    return inet_pton(AF_INET6, name.constData(), &a) == 1 &&
+           inet_pton(AF_INET6, address.constData(), &b) == 1 && std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+// A browser that says where a request comes from has to name this page. A link elsewhere that leads
+// to the page is followed: it only opens what the address bar would open.
+bool isFromElsewhere(const HttpRequest& request) {
+    const QByteArray host = request.host.toLower();
+    for (const QByteArray& origin : request.origins) {
+        const QByteArray text = origin.toLower();
+        if (text != "http://" + host && text != "https://" + host)
+            return true;
+    }
+    const QByteArray& site = request.fetchSite;
+    if (site.isEmpty() || site == "same-origin" || site == "none")
+        return false;
+    const bool followsLink = request.fetchMode == "navigate" && request.fetchDest == "document" &&
+                             (request.method == "GET" || request.method == "HEAD");
+    return !followsLink || request.isForApi();
+}
+
+HttpResponse unauthorized(const QString& message) {
+    HttpResponse response = ApiError::response(ApiError::Kind::Unauthorized, message);
+    response.headers.append({"WWW-Authenticate", QByteArray("Bearer")});
+    return response;
+}
+
+} // namespace
+
+Door::Door(const QStringList& names, const QByteArray& token) {
+    for (const QString& name : names)
+        m_names.append(name.trimmed().toLower().toUtf8());
+    if (token.isEmpty())
+        return;
+    m_tokenDigest = digestOf(token);
+    m_cookieValue =
+        QMessageAuthenticationCode::hash("the page's cookie", token, QCryptographicHash::Sha256)
+            .toHex();
+    m_cookieDigest = digestOf(m_cookieValue);
+    setPort(0);
+}
+
+void Door::setPort(quint16 port) {
+    m_cookieName = "orvo-" + QByteArray::number(port);
+}
+
+std::optional<HttpResponse> Door::refusal(const HttpRequest& request) const {
+    using Kind = ApiError::Kind;
+    if (request.headTooLarge)
+        return ApiError::response(
+            Kind::HeadersTooLarge,
+            QStringLiteral("The head of the request is larger than this device takes."));
+    if (!isOwnHost(request))
+        return ApiError::response(Kind::Forbidden,
+                                  QStringLiteral("This device is not called \"%1\".")
+                                      .arg(QString::fromLatin1(request.host)));
+    if (isFromElsewhere(request))
+        return ApiError::response(Kind::Forbidden,
+                                  QStringLiteral("Pages from elsewhere have no access."));
+    if (wantsToken() && request.isForApi() && !isAdmitted(request))
+        return unauthorized(request.authorization.isEmpty()
+                                ? QStringLiteral("This device wants its token.")
+                                : QStringLiteral("This is not the device's token."));
+    return std::nullopt;
+}
+
+bool Door::isOwnHost(const HttpRequest& request) const {
+    // Two of them may mean two things to two readers.
+    if (request.hostCount != 1)
+        return false;
+    const QByteArray name = hostName(request.host).toLower();
+    return !name.isEmpty() && (isLoopback(name) || isSameAddress(name, request.localAddress) ||
+                               m_names.contains(name));
+}
+
+bool Door::isAdmitted(const HttpRequest& request) const {
+    if (request.path == QLatin1String(LoginPath))
+        return true;
+    constexpr char Scheme[] = "bearer ";
+    constexpr int SchemeSize = sizeof Scheme - 1;
+    if (!request.authorization.isEmpty())
+        return request.authorization.left(SchemeSize).toLower() == Scheme &&
+               isToken(request.authorization.mid(SchemeSize).trimmed());
+    const QByteArray start = m_cookieName + '=';
+    for (const QByteArray& part : request.cookie.split(';')) {
+        const QByteArray cookie = part.trimmed();
+        if (cookie.startsWith(start) &&
+            isSameDigest(digestOf(cookie.mid(start.size())), m_cookieDigest))
+            return true;
+    }
+    return false;
+}
+
+bool Door::isToken(const QByteArray& text) const {
+    return wantsToken() && isSameDigest(digestOf(text), m_tokenDigest);
+}
+
+QByteArray Door::cookieHeader() const {
+    return m_cookieName + '=' + m_cookieValue + "; Path=/api; Max-Age=" + CookieLife +
+           "; HttpOnly; SameSite=Strict";
+}

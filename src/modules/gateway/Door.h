@@ -1,0 +1,47 @@
+#pragma once
+
+#include <optional>
+
+#include <QByteArray>
+#include <QStringList>
+
+#include "HttpMessages.h"
+
+// Who may ask: looks at the head of every request before anything else does, also before its body
+// is kept. Owned by the worker, on its thread. A request that is not let in gets the answer that
+// says why; nothing here fails otherwise.
+//
+//   the head's size                431 HeadersTooLarge
+//   Host                           403 Forbidden: a page that made its own name lead here
+//   Origin, Sec-Fetch-Site         403 Forbidden: a page from elsewhere
+//   the token, for what is no file of the page: 401 Unauthorized
+class Door {
+public:
+    // `names`: by which the device may be called besides the loopback's and the address in use.
+    // `token`: empty when none is wanted.
+    Door(const QStringList& names, const QByteArray& token);
+
+    // The port in use, which is part of the cookie's name: a browser shares cookies between ports.
+    void setPort(quint16 port);
+
+    // Nothing when the request may come in.
+    std::optional<HttpResponse> refusal(const HttpRequest& request) const;
+
+    bool wantsToken() const { return !m_tokenDigest.isEmpty(); }
+    bool isToken(const QByteArray& text) const;
+    // The cookie that stands for the token from now on. It cannot be turned back into the token,
+    // and is void as soon as the token is another one.
+    QByteArray cookieHeader() const;
+
+    static constexpr char LoginPath[] = "/api/login";
+
+private:
+    bool isOwnHost(const HttpRequest& request) const;
+    bool isAdmitted(const HttpRequest& request) const;
+
+    QByteArrayList m_names;
+    QByteArray m_tokenDigest;
+    QByteArray m_cookieName;
+    QByteArray m_cookieValue;
+    QByteArray m_cookieDigest;
+};

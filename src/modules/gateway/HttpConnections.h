@@ -1,0 +1,70 @@
+#pragma once
+
+#include <memory>
+#include <unordered_map>
+
+#include <QByteArray>
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+
+// What one connection is about and until when it may be.
+struct HttpConnection {
+    enum class Phase {
+        Waiting,   // for a request; its first bytes may be here
+        Arriving,  // the head is here, the body is not yet
+        Handling,  // a module works on the answer
+        Answering, // the client takes the answer
+    };
+
+    int descriptor = -1;
+    QByteArray localAddress; // as a number, the one that the client reached
+    Phase phase = Phase::Waiting;
+    qint64 since = 0;
+    qint64 deadline = 0;
+    bool cut = false;
+    // The address of the request that is just being read holds a zero byte.
+    bool zeroInTarget = false;
+};
+
+// The open connections, each with its deadline: the library's own timeout counts from the last
+// byte, so a client that sends or takes one byte a minute would stay for ever. Cutting shuts the
+// socket down; the library sees its end like any other. Owned by the server, on its thread; nothing
+// here fails.
+class HttpConnections : public QObject {
+    Q_OBJECT
+public:
+    struct Limits {
+        int connections;
+        int idleMs;    // for a further request, and for a stream's reader that takes nothing
+        int requestMs; // for a request to arrive whole, and for its answer to be taken
+    };
+
+    explicit HttpConnections(const Limits& limits);
+
+    // A new connection. Where all places are taken the one that has waited longest for a request is
+    // cut in its favour; where none waits, the new one is cut.
+    HttpConnection* open(int descriptor);
+    void close(HttpConnection* connection);
+
+    void enter(HttpConnection* connection, HttpConnection::Phase phase, int patienceMs);
+    void wait(HttpConnection* connection);   // for the next request
+    void arrive(HttpConnection* connection); // the rest of a request
+    void handle(HttpConnection* connection); // without a deadline: the answer has its own
+    void answer(HttpConnection* connection);
+    // A part of a stream is on its way to the reader.
+    void stream(HttpConnection* connection);
+
+private:
+    static constexpr int Forever = -1;
+
+    void cut(HttpConnection* connection);
+    void cutOverdue();
+    HttpConnection* longestWaiting(const HttpConnection* except) const;
+
+    Limits m_limits;
+    std::unordered_map<HttpConnection*, std::unique_ptr<HttpConnection>> m_all;
+    int m_live = 0; // not cut
+    QElapsedTimer m_clock;
+    QTimer m_timer;
+};
