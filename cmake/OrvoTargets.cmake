@@ -59,7 +59,10 @@ function(orvo_platform_library name alias)
   string(TOUPPER ${name} stem)
   generate_export_header(${name} EXPORT_FILE_NAME ${name}_export.h EXPORT_MACRO_NAME ${stem}_EXPORT)
   target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR} ${CMAKE_CURRENT_BINARY_DIR})
-  target_link_options(${name} PRIVATE -Wl,--no-undefined)
+  # clang has its sanitizers' runtimes in the program alone.
+  if(NOT (ORVO_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang"))
+    target_link_options(${name} PRIVATE -Wl,--no-undefined)
+  endif()
   install(TARGETS ${name} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/orvo)
 endfunction()
 

@@ -9,6 +9,8 @@ namespace {
 constexpr int SliceMs = 8;
 // A call with thousands of unknown paths must not fill the log.
 constexpr int MostUnknownLogged = 5;
+// One short request can name the same large folder a hundred thousand times.
+constexpr int MostItems = 100000;
 } // namespace
 
 PrepareJob::PrepareJob(MusicTree* tree, const QStringList& paths, const CMReply<QVariant>& reply,
@@ -21,6 +23,10 @@ PrepareJob::PrepareJob(MusicTree* tree, const QStringList& paths, const CMReply<
 void PrepareJob::slice() {
     const QDeadlineTimer deadline(SliceMs);
     while (step(deadline)) {
+        if (m_items.size() > MostItems) {
+            refuse();
+            return;
+        }
         if (deadline.hasExpired()) {
             m_timer.start();
             return;
@@ -82,6 +88,16 @@ void PrepareJob::enterFolder(const QDeadlineTimer& deadline) {
 void PrepareJob::append(const FolderPtr& folder, const TrackPtr& track) {
     m_tree->tag(folder, track);
     m_items.append(MusicRoles::item(*folder, *track).toVariant());
+}
+
+void PrepareJob::refuse() {
+    m_timer.stop();
+    LOG4CPLUS_ERROR(filesLogger(), "more than " << MostItems << " items in one call");
+    deleteLater();
+    m_reply.setError(CMError(CMError::InvalidValue(),
+                             TrString("Files", "More than %1 tracks at once are too many.",
+                                      {QString::number(MostItems)}),
+                             CMError::DefaultTitle()));
 }
 
 void PrepareJob::answer() {

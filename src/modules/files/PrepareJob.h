@@ -11,7 +11,8 @@
 
 // Answers one prepare call: for each path, in the order given, a track's item or the items of all
 // tracks in and below a folder, in the order of listing. Unknown paths give nothing but a word in
-// the log. What was not read yet is read for it. Works in slices; a short call is answered before
+// the log. What was not read yet is read for it. More items than any
+// library has are refused. Works in slices; a short call is answered before
 // start() returns. Deletes itself when it has answered; when its parent goes first, the caller gets
 // the platform's error for a request that nobody answers.
 class PrepareJob : public QObject {
@@ -39,6 +40,7 @@ private:
     void enterFolder(const QDeadlineTimer& deadline);
     void append(const FolderPtr& folder, const TrackPtr& track);
     void answer();
+    void refuse();
 
     MusicTree* m_tree;
     QStringList m_paths;

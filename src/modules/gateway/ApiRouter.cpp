@@ -17,6 +17,9 @@ namespace {
 
 // How many values one reader of the events can watch.
 constexpr int MaxWatched = 16;
+// How many roles a row can be asked for: there are about a dozen, and every row has a place for
+// each.
+constexpr int MaxRoles = 64;
 
 HttpResponse jsonResponse(const QByteArray& text) {
     return {200, "application/json", text, {{"Cache-Control", "no-store"}}};
@@ -221,6 +224,11 @@ void ApiRouter::getRows(const Exchange& exchange) {
         return;
     }
     const QStringList roleNames = readRoleNames(request);
+    if (roleNames.size() > MaxRoles) {
+        exchange->respond(
+            malformed(QStringLiteral("\"roles\" must be at most %1 names.").arg(MaxRoles)));
+        return;
+    }
     PendingAnswer::request<CMReplyData<OrvoRowsRoles>>(
         exchange, m_answerTimeoutMs,
         [&](const CMReplyData<OrvoRowsRoles>& reply) {

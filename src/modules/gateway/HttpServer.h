@@ -42,6 +42,7 @@ public:
 
 private:
     friend class HttpServer;
+    friend class ExchangeProbe; // the tests' requests, which have no connection
 
     HttpRequest m_request;
     qint64 m_received = 0;

@@ -1,6 +1,8 @@
 #include "JsonReader.h"
 
-#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "CMJson.h"
 
 namespace {
 
@@ -43,7 +45,7 @@ bool convert(const QVariant& value, int depth, QVariant* result) {
 
 bool JsonReader::readObject(const QByteArray& text, QVariantHash* object, QString* reason) {
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
+    const QJsonDocument document = cmReadJson(text, &error);
     if (error.error != QJsonParseError::NoError) {
         *reason = QStringLiteral("The body is no JSON: %1 at byte %2.")
                       .arg(error.errorString())

@@ -371,8 +371,8 @@ int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>&
         const int count = removeItemsHelper(pl, run.from, run.to);
         removed += count;
         // No further run: some failures have ended the transaction, and the rest would be removed
-        // for good.
-        if (count == Failed)
+        // for good. And one number a million times over is found out at its second time.
+        if (count != run.to - run.from + 1)
             break;
     }
     if (removed != indices.size()) {

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include <QJsonDocument>
 #include <QJsonObject>
 
+#include "CMJson.h"
 #include "OrvoRoles.h"
 
 namespace {
@@ -22,7 +22,7 @@ ItemsCheck::Verdict judge(const OrvoPlayListItem& item) {
     const QString text = item.orvoRoles();
     if (text.isEmpty())
         return ItemsCheck::Verdict::NoRoles;
-    const QJsonObject json = QJsonDocument::fromJson(text.toUtf8()).object();
+    const QJsonObject json = cmReadJson(text.toUtf8()).object();
     // Only what is looked at leaves the document: most of it is media data, which a title makes
     // unnecessary.
     OrvoRoles roles;

@@ -1,8 +1,8 @@
 // PlayList's entries as the roles of rows and of what plays.
 
-#include <QJsonDocument>
 #include <QJsonObject>
 
+#include "CMJson.h"
 #include "ItemRolesReader.h"
 #include "ModuleLog.h"
 #include "OrvoPlayListPaths.h"
@@ -13,7 +13,7 @@ namespace {
 // The whole JSON language, and the reason where it is none.
 void parseRoles(const QString& text, ItemRolesReader& parts) {
     QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &parseError);
+    const QJsonDocument document = cmReadJson(text.toUtf8(), &parseError);
     if (parseError.error != QJsonParseError::NoError)
         LOG4CPLUS_ERROR(moduleLog(), "Failed to parse data, error: " << parseError.errorString());
     parts.roles = document.object().toVariantHash();

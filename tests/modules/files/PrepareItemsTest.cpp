@@ -178,6 +178,21 @@ TEST_F(PrepareItems, aCallThatIsCutOffByTheEndGetsAnError) {
     EXPECT_EQ(error, CMError::NotAnswered());
 }
 
+TEST_F(PrepareItems, moreItemsThanAnyLibraryHasAreRefused) {
+    writeWav(file("a/One.wav"));
+    startAndScan();
+    QStringList paths;
+    for (int i = 0; i <= 100000; ++i)
+        paths.append("files:tree/a");
+    const CMReply<QVariant> reply = set("files:prepareItems", paths);
+    ASSERT_TRUE(reply.waitForFinished(60000));
+    EXPECT_EQ(reply.error().name(), CMError::InvalidValue());
+    paths.removeLast();
+    const CMReply<QVariant> most = set("files:prepareItems", paths);
+    ASSERT_TRUE(most.waitForFinished(60000));
+    EXPECT_EQ(most.value().toList().size(), 100000);
+}
+
 TEST_F(PrepareItems, prePlayIsAlwaysFine) {
     startAndScan();
     const CMReply<QVariant> reply = set("files:prePlay", QVariantHash{{"anything", 1}});

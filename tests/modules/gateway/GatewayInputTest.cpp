@@ -20,6 +20,13 @@ QByteArray nested(int depth) {
            '}';
 }
 
+QByteArray distinctNames(int count) {
+    QByteArray names;
+    for (int i = 0; i < count; ++i)
+        names += 'r' + QByteArray::number(i) + ',';
+    return names;
+}
+
 const Input Inputs[] = {
     {"no body", "POST", "/api/data", "", 400, "Malformed"},
     {"half a body", "POST", "/api/data", R"({"path":)", 400, "Malformed"},
@@ -29,6 +36,8 @@ const Input Inputs[] = {
      "Malformed"},
     {"bytes that are no UTF-8", "POST", "/api/data",
      "{\"path\":\"test:echo\",\"value\":{\"a\":\"\xff\xfe\"}}", 400, "Malformed"},
+    {"a name that stands twice", "POST", "/api/data",
+     R"({"path":"test:echo","value":{"a":[],"a":[]}})", 400, "Malformed"},
     {"a body of zeros", "POST", "/api/data", QByteArray(100, '\0'), 400, "Malformed"},
     {"a form", "POST", "/api/data", "path=test%3Aecho&value=1", 400, "Malformed"},
     {"no path", "POST", "/api/data", R"({"value":{}})", 400, "Malformed"},
@@ -66,6 +75,8 @@ const Input Inputs[] = {
     {"a broken row", "GET", "/api/rows?path=test:list&to=1.5", "", 400, "Malformed"},
     {"an empty row", "GET", "/api/rows?path=test:list&to=", "", 400, "Malformed"},
     {"a row with a sign", "GET", "/api/rows?path=test:list&to=%2b1", "", 400, "Malformed"},
+    {"too many roles", "GET", "/api/rows?path=test:list&roles=" + distinctNames(65), "", 400,
+     "Malformed"},
     {"a huge row", "GET", "/api/rows?path=test:list&to=99999999999999999999", "", 400, "Malformed"},
     {"a row beyond 32 bits", "GET", "/api/rows?path=test:list&to=2147483648", "", 400, "Malformed"},
     {"an unknown value", "GET", "/api/value?path=test:list", "", 404, "NoSuchNode"},
