@@ -73,6 +73,7 @@ private:
         int fromPlid = -1;
         OrvoPlayListAddPosition::Enum mode = OrvoPlayListAddPosition::Append;
         bool wholePlaylist = false;
+        int requested = 0;
         std::shared_ptr<CMSetDataRequest> request;
     };
 
@@ -100,6 +101,7 @@ private:
     void checkInSlices(const ReqGroupProperties& props, const std::shared_ptr<ItemsCheck>& check);
     void releaseInSlices(const std::shared_ptr<ItemsCheck>& check);
     void finishAdding(const ReqGroupProperties& props, const ItemsCheck& check);
+    static bool isWhole(const ReqGroupProperties& props, const ItemsCheck& check);
     int addItemsFromAllReplays(const ReqGroupProperties& props, const ItemsCheck& check,
                                QString* msg);
     int addCheckedItems(PlayListBase* pl, const ItemsCheck& check,

@@ -107,6 +107,9 @@ void Controller::plAddItems(CMSetDataRequest request) {
             const QList<OrvoPlayListItem> sourceItems = source->getItems(0, source->getSize());
             for (const OrvoPlayListItem& item : sourceItems)
                 paths.append(CMPath(itemPathText(item)));
+            // The source is to go: what could not be read would go with it.
+            if (sourceItems.size() != source->getSize())
+                paths.clear();
         }
         props.wholePlaylist = true;
     }
@@ -118,6 +121,7 @@ void Controller::plAddItems(CMSetDataRequest request) {
     }
 
     auto* group = new CMRequestGroup(this);
+    props.requested = paths.size();
     props.request = std::make_shared<CMSetDataRequest>(request);
     m_ReqGroupPropertiesHash.insert(group, props);
     cmConnect(group, &CMRequestGroup::finished, this, &Controller::on_prepareItemsGroup_finished);
@@ -178,7 +182,8 @@ void Controller::releaseInSlices(const std::shared_ptr<ItemsCheck>& check) {
 void Controller::finishAdding(const ReqGroupProperties& props, const ItemsCheck& check) {
     const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
     QString resultMsg;
-    const int added = std::max(0, addItemsFromAllReplays(props, check, &resultMsg));
+    const int added =
+        isWhole(props, check) ? std::max(0, addItemsFromAllReplays(props, check, &resultMsg)) : 0;
     LOG4CPLUS_DEBUG(moduleLog(), "numItemsAdded: " << added << " addItemsResMsg: " << resultMsg);
 
     // Adding a whole playlist moves it: the source goes, unless it is the target itself.
@@ -211,6 +216,21 @@ void Controller::finishAdding(const ReqGroupProperties& props, const ItemsCheck&
     }
     setReply(*props.request, success, msg);
     LOG4CPLUS_DEBUG(moduleLog(), "Add items finished, num added: " << added);
+}
+
+// A playlist is moved with all that it has or stays: an entry that could not be read, and would be
+// left out, would be deleted with the source. Single items may be left out.
+bool Controller::isWhole(const ReqGroupProperties& props, const ItemsCheck& check) {
+    if (!props.wholePlaylist)
+        return true;
+    const QList<OrvoPlayListItem>& items = check.items();
+    const bool whole = items.size() == props.requested &&
+                       std::none_of(items.cbegin(), items.cend(),
+                                    [](const OrvoPlayListItem& item) { return item.isEmpty(); });
+    if (!whole)
+        LOG4CPLUS_ERROR(moduleLog(),
+                        "Cannot read all items of playlist with plid: " << props.fromPlid);
+    return whole;
 }
 
 QList<OrvoPlayListItem> Controller::itemsFromAllReplays(const CMRequestGroup* group) {

@@ -101,6 +101,9 @@ constexpr const char* clearing[] = {
 // by this connection only.
 constexpr const char* cacheSize = "PRAGMA cache_size=-16384;";
 
+// For a pass over the whole store that nobody will repeat soon.
+constexpr const char* smallCacheSize = "PRAGMA cache_size=-64;";
+
 int execute(sqlite3* connection, const char* sql) {
     return sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
 }
@@ -231,11 +234,14 @@ int Database::rollbackTransaction() {
 
 void Database::commitTransaction() {
     // Deliberate: no pause and no limit, since another process that holds the file lets go soon.
+    // Only then does a transaction outlive its failed commit: after any other failure, a full disk
+    // for one, it is undone, and the next try ends the loop because there is nothing to commit.
     int code = SQLITE_OK;
     do {
         code = execute(m_connection, "COMMIT;");
     } while (code > SQLITE_ERROR);
-    if (code == SQLITE_ERROR)
+    m_lastCommitFailed = code == SQLITE_ERROR;
+    if (m_lastCommitFailed)
         LOG4CPLUS_ERROR(moduleLog(), "Commit transaction failed");
 }
 
@@ -259,6 +265,10 @@ void Database::clearDatabase() {
     for (const char* sql : clearing)
         execute(m_connection, sql);
     ensureTablesExist();
+}
+
+void Database::releaseReadPages() {
+    sqlite3_db_release_memory(m_connection);
 }
 
 void Database::setVacuumNeeded() {
@@ -292,8 +302,17 @@ int Database::countCollections() {
 }
 
 int Database::count(StatementId id) {
+    int number = 0;
+    readCount(id, number);
+    return number;
+}
+
+bool Database::readCount(StatementId id, int& number) {
     StatementScope counting(statement(id));
-    return counting->step_row() ? counting->columnInt(0) : 0;
+    if (!counting->step_row())
+        return false;
+    number = counting->columnInt(0);
+    return true;
 }
 
 void Database::prepareStatements() {
@@ -331,7 +350,9 @@ void Database::removeStrayItems() {
         *static_cast<bool*>(into) = true;
         return 0;
     };
+    execute(m_connection, smallCacheSize);
     sqlite3_exec(m_connection, moreItemsThanEntries, note, &found, nullptr);
+    execute(m_connection, cacheSize);
     if (!found || !cleanUnusedItems())
         return;
     LOG4CPLUS_INFO(moduleLog(), "removed " << sqlite3_changes(m_connection)

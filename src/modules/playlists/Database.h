@@ -53,12 +53,18 @@ public:
     int rollbackTransaction();
     // Tries until no other process is in the way. A failure is logged, not returned.
     void commitTransaction();
+    // Whether the last commit failed, so that its transaction is undone although the operation that
+    // it ended reported success. Who keeps a record in memory reads it again then.
+    bool lastCommitFailed() const { return m_lastCommitFailed; }
 
     void ensureTablesExist();
     // Ends the process when `sql` fails.
     void createTableHelper(const char* sql, const char* name);
     // Removes everything; only an empty play queue remains. For maintenance.
     void clearDatabase();
+
+    // Gives back the pages that were read, which are kept for the next reading otherwise.
+    void releaseReadPages();
 
     // Owes a VACUUM; announces it when none was owed.
     void setVacuumNeeded();
@@ -134,6 +140,8 @@ public:
     // All but the play queue, by name.
     QList<PlayListRecord> getPlayLists();
     PlayListRecord getPlayQueue();
+    // Any of them, for once in a while: reads all. Uid -1 when it is not there or cannot be read.
+    PlayListRecord getPlayListByUid(int uid);
     PlayListRecord createPlayList(const QString& name);
     // Writes name, shuffle, repeatAll and lastPlayedIndex.
     bool updatePlayList(const PlayListRecord& pl);
@@ -164,6 +172,8 @@ private:
     void refuseForeignFile();
     void prepareStatements();
     Sqlite3Statement& statement(StatementId id);
+    // `number` stays as it is when the count fails.
+    bool readCount(StatementId id, int& number);
     int count(StatementId id);
 
     template <typename Visit>
@@ -181,6 +191,7 @@ private:
     sqlite3* m_connection = nullptr;
     int m_itemsLimit;
     bool m_vacuumNeeded;
+    bool m_lastCommitFailed = false;
     std::array<std::unique_ptr<Sqlite3Statement>, StatementCount> m_statements;
 };
 

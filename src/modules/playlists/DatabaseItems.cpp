@@ -282,7 +282,14 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
     // A pass over all items, made only where somebody looks at the result.
     const bool countWanted =
         m_itemsLimit != 0 || moduleLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL);
-    const int dbItemsCount = countWanted ? countPlaylistsItems() : 0;
+    int dbItemsCount = 0;
+    const bool counted = !countWanted || readCount(StatementId::CountPlaylistItems, dbItemsCount);
+    // Without the count there is no limit; and a read that fails may have ended the transaction, so
+    // that what follows would be there for good, piece by piece.
+    if (!counted || sqlite3_get_autocommit(m_connection)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Error adding items to list");
+        return Failed;
+    }
     // Deliberate: where the store already holds more than the limit, the length is negative, which
     // QList takes as "to the end", and everything is added.
     const qint64 room = qint64(m_itemsLimit) - dbItemsCount;

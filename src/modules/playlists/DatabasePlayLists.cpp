@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "DatabaseTransaction.h"
 #include "ModuleLog.h"
 #include "Sqlite3Statement.h"
@@ -31,6 +33,15 @@ QList<PlayListRecord> Database::getPlayLists() {
 PlayListRecord Database::getPlayQueue() {
     StatementScope query(statement(StatementId::GetPlayQueue));
     return query->step_row() ? playListFromRow(query.row()) : PlayListRecord();
+}
+
+PlayListRecord Database::getPlayListByUid(int uid) {
+    if (uid == PlayListRecord::PlayQueueUid)
+        return getPlayQueue();
+    const QList<PlayListRecord> all = getPlayLists();
+    const auto found = std::find_if(all.cbegin(), all.cend(),
+                                    [uid](const PlayListRecord& pl) { return pl.uid == uid; });
+    return found == all.cend() ? PlayListRecord() : *found;
 }
 
 PlayListRecord Database::createPlayList(const QString& name) {

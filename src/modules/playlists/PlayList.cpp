@@ -47,40 +47,70 @@ bool PlayList::writeRecord(const PlayListRecord& changed) {
     if (!m_database->updatePlayList(changed))
         return false;
     m_record = changed;
+    m_positionOwed = false;
     return true;
+}
+
+void PlayList::catchUp() {
+    if (m_inDoubt)
+        readAgain();
+    if (m_positionOwed)
+        writeRecord(m_record);
+}
+
+void PlayList::readAgain() {
+    PlayListRecord stored = m_database->getPlayListByUid(m_record.uid);
+    m_inDoubt = stored.uid != m_record.uid;
+    if (m_inDoubt)
+        return;
+    if (m_positionOwed)
+        stored.lastPlayedIndex = m_record.lastPlayedIndex;
+    m_record = stored;
+}
+
+bool PlayList::isCommitted(int size) {
+    if (!m_database->lastCommitFailed()) {
+        m_record.size = size;
+        return true;
+    }
+    readAgain();
+    return !m_inDoubt && m_record.size == size;
 }
 
 void PlayList::setName(const QString& name) {
     {
         QMutexLocker lock(&m_mutex);
+        catchUp();
         PlayListRecord changed = m_record;
         changed.name = name;
         if (!writeRecord(changed))
             return;
     }
-    Q_EMIT nameChanged(name);
+    tell(&PlayList::nameChanged, name);
 }
 
 void PlayList::setShuffle(bool shuffle) {
     {
         QMutexLocker lock(&m_mutex);
+        catchUp();
         PlayListRecord changed = m_record;
         changed.shuffle = shuffle;
         if (shuffle == m_record.shuffle || !writeRecord(changed))
             return;
     }
-    Q_EMIT shuffleChanged(shuffle);
+    tell(&PlayList::shuffleChanged, shuffle);
 }
 
 void PlayList::setRepeatAll(bool repeatAll) {
     {
         QMutexLocker lock(&m_mutex);
+        catchUp();
         PlayListRecord changed = m_record;
         changed.repeatAll = repeatAll;
         if (repeatAll == m_record.repeatAll || !writeRecord(changed))
             return;
     }
-    Q_EMIT repeatAllChanged(repeatAll);
+    tell(&PlayList::repeatAllChanged, repeatAll);
 }
 
 void PlayList::setLastSequenceNumber(int sequenceNumber) {
@@ -88,7 +118,7 @@ void PlayList::setLastSequenceNumber(int sequenceNumber) {
     // The position is kept even when it cannot be written: after a move it names the item that
     // plays.
     m_record.lastPlayedIndex = sequenceNumber;
-    updateDatabase();
+    m_positionOwed = !updateDatabase();
 }
 
 bool PlayList::updateDatabase() const {
@@ -98,12 +128,13 @@ bool PlayList::updateDatabase() const {
 
 bool PlayList::remove() {
     QMutexLocker lock(&m_mutex);
-    return m_database->deletePlayList(m_record);
+    return m_database->deletePlayList(m_record) && !m_database->lastCommitFailed();
 }
 
 QList<OrvoPlayListItem> PlayList::getItems(int from, int to) {
     CM_ENTER_ARGS(moduleLog(), "from=" << from << " to=" << to);
     QMutexLocker lock(&m_mutex);
+    catchUp();
     return m_database->getItems(m_record, from, to);
 }
 
@@ -115,12 +146,14 @@ int PlayList::addItems(OrvoPlayListAddPosition::Enum position,
     int first = -1;
     {
         QMutexLocker lock(&m_mutex);
+        catchUp();
         first = m_database->addItems(m_record, position, items, &added);
         if (first < 0)
             return first;
-        m_record.size += added;
+        if (!isCommitted(m_record.size + added))
+            return Database::Failed;
     }
-    Q_EMIT itemsAdded(OrvoPlayListAddPosition::toString(position), first, added);
+    tell(&PlayList::itemsAdded, OrvoPlayListAddPosition::toString(position), first, added);
     return first;
 }
 
@@ -133,17 +166,19 @@ int PlayList::removeItems(const QList<int>& indices) {
     int lastPlayed = -1;
     {
         QMutexLocker lock(&m_mutex);
+        catchUp();
         removed = m_database->removeItems(m_record, sorted);
         if (removed <= 0)
             return removed;
+        if (!isCommitted(m_record.size - removed))
+            return Database::Failed;
         lastPlayed = getLastSequenceNumber();
         const int before =
             int(std::lower_bound(sorted.cbegin(), sorted.cend(), lastPlayed) - sorted.cbegin());
         if (before > 0)
             setLastSequenceNumber(lastPlayed - before);
-        m_record.size -= removed;
     }
-    Q_EMIT itemsRemoved(sorted, lastPlayed);
+    tell(&PlayList::itemsRemoved, sorted, lastPlayed);
     return removed;
 }
 
@@ -151,6 +186,7 @@ bool PlayList::moveItem(int from, int to) {
     CM_ENTER_ARGS(moduleLog(), "from=" << from << " to=" << to);
     {
         QMutexLocker lock(&m_mutex);
+        catchUp();
         const int size = getSize();
         from = std::min(from, size);
         to = std::min(to, size);
@@ -165,9 +201,13 @@ bool PlayList::moveItem(int from, int to) {
             return true;
         if (!m_database->moveItem(m_record, from, to))
             return false;
+        if (m_database->lastCommitFailed()) {
+            readAgain();
+            return false;
+        }
         followMovedItem(from, to);
     }
-    Q_EMIT itemMoved(from, to);
+    tell(&PlayList::itemMoved, from, to);
     return true;
 }
 
@@ -191,6 +231,11 @@ bool PlayList::moveItems(QList<int> indices, int to) {
     if (indices.isEmpty()) {
         LOG4CPLUS_TRACE(moduleLog(), "indicies.size() is 0, returning");
         return true;
+    }
+    {
+        // The positions are judged by the size.
+        QMutexLocker lock(&m_mutex);
+        catchUp();
     }
     std::sort(indices.begin(), indices.end());
     indices.erase(std::unique(indices.begin(), indices.end()), indices.end());
@@ -217,17 +262,19 @@ bool PlayList::clearItems() {
     CM_ENTER(moduleLog());
     {
         QMutexLocker lock(&m_mutex);
+        catchUp();
         if (m_record.size == 0)
             return true;
         if (!m_database->clearItems(m_record)) {
             // The entries may be gone although the clean-up failed: believe the store.
             const int size = m_database->getNextSequenceNumber(m_record);
-            if (size >= 0)
+            m_inDoubt = size < 0;
+            if (!m_inDoubt)
                 m_record.size = size;
             return false;
         }
         m_record.size = 0;
     }
-    Q_EMIT itemsCleared();
+    tell(&PlayList::itemsCleared);
     return true;
 }

@@ -9,7 +9,8 @@ class Database;
 
 // A playlist over the store. Its record is the authority for size and last played position, so
 // every change goes to the store first, then into the record, and is announced once the lock is
-// released.
+// released. An edit whose commit failed is a failed edit: the store does not say so by its result,
+// but whoever sent the edit is told.
 class PlayList : public PlayListBase {
     Q_OBJECT
 public:
@@ -47,9 +48,21 @@ private:
     // Writes a changed copy of the record; the record follows only when the store took it.
     bool writeRecord(const PlayListRecord& changed);
     void followMovedItem(int from, int to);
+    // Makes up for what the store refused before. Each use of the store begins with it; it does
+    // nothing unless something is left to do.
+    void catchUp();
+    // Reads the record from the store, all but a position that is still to be written.
+    void readAgain();
+    // Whether the edit that the store has just reported, and after which the size is `size`, is
+    // there for good. The record is as in the store then, either way.
+    bool isCommitted(int size);
 
     Database* m_database;
     PlayListRecord m_record;
+    // The record may differ from the store, which could not be read when it was to be compared.
+    bool m_inDoubt = false;
+    // The last played position could not be written.
+    bool m_positionOwed = false;
     // Guards the record, all but its uid, which never changes. Recursive: removing and moving set
     // the last played position while they hold it.
     mutable QRecursiveMutex m_mutex;

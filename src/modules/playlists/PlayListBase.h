@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <utility>
 
 #include <QList>
 #include <QObject>
@@ -8,6 +9,19 @@
 #include "OrvoPlayListEnums.h"
 #include "OrvoPlayListItem.h"
 #include "OrvoRoles.h"
+
+class PlayListBase;
+
+// Whoever wants to be the first to hear of every playlist, and to spend nothing on those to which
+// nothing happens.
+class PlayListFollower {
+public:
+    // Time to connect to the signals of `pl`.
+    virtual void follow(PlayListBase* pl) = 0;
+
+protected:
+    ~PlayListFollower() = default;
+};
 
 // A playlist as the rest of the module sees it. Owned by the manager. Positions are sequence
 // numbers: 0 to size - 1, without gaps. Nothing throws; failures are false, -1, or -2 where the
@@ -63,6 +77,14 @@ public:
         std::function<void(QVariantHash& roles, const QString& id, int sequenceNumber)>;
     virtual void visitRoles(int from, int to, const VisitRoles& visit) = 0;
 
+    // The follower is called once, before the first signal leaves. Null for none any more.
+    void setFollower(PlayListFollower* follower) { m_follower = follower; }
+    // Whoever else connects to the signals calls the follower before, which is to hear first.
+    void callFollower() {
+        if (m_follower)
+            std::exchange(m_follower, nullptr)->follow(this);
+    }
+
 Q_SIGNALS:
     void itemsAdded(const QString& positionEnum, int firstSeqNum, int count);
     void itemsRemoved(const QList<int>& indices, int lastSeqNumBeforeRemove);
@@ -71,4 +93,15 @@ Q_SIGNALS:
     void shuffleChanged(bool newValue);
     void repeatAllChanged(bool newValue);
     void nameChanged(const QString& name);
+
+protected:
+    // How every signal leaves.
+    template <typename Signal, typename... Values>
+    void tell(Signal signal, const Values&... values) {
+        callFollower();
+        Q_EMIT(this->*signal)(values...);
+    }
+
+private:
+    PlayListFollower* m_follower = nullptr;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "Collection.h"
 #include "Database.h"
@@ -26,21 +27,32 @@ void PlayListManager::append(PlayListBase* pl) {
 
 void PlayListManager::initPlayLists() {
     CM_ENTER(moduleLog());
-    m_playQueue = new PlayList(m_database, m_database->getPlayQueue());
+    // What is not read here is missing until the next start, so a read that failed is made once
+    // more, here and below. Nothing else will come to know of it.
+    PlayListRecord queue = m_database->getPlayQueue();
+    if (queue.uid == PlayListRecord::NoUid)
+        queue = m_database->getPlayQueue();
+    m_playQueue = new PlayList(m_database, queue);
     // Deliberate: the play queue starts empty, only user playlists keep their items.
     m_playQueue->clearItems();
-    m_database->removeStrayItems();
-    const QList<PlayListRecord> records = m_database->getPlayLists();
+    QList<PlayListRecord> records = m_database->getPlayLists();
+    if (records.size() + 1 != m_database->countPlaylists())
+        records = m_database->getPlayLists();
+    // The sizes of all lists were looked up in an index that nobody will read as a whole again
+    // soon. Before the playlists are made, so that they take the room.
+    m_database->releaseReadPages();
     m_playLists.reserve(records.size());
     m_playListsByUid.reserve(records.size());
-    for (const PlayListRecord& record : records)
+    for (const PlayListRecord& record : std::as_const(records))
         append(new PlayList(m_database, record));
 }
 
 void PlayListManager::initCollections() {
     CM_ENTER(moduleLog());
-    const QList<CollectionRecord> records = m_database->getCollections();
-    for (const CollectionRecord& record : records) {
+    QList<CollectionRecord> records = m_database->getCollections();
+    if (records.size() != m_database->countCollections())
+        records = m_database->getCollections();
+    for (const CollectionRecord& record : std::as_const(records)) {
         QList<PlayListBase*> members;
         for (int uid : record.playlists) {
             if (PlayListBase* pl = getPlayListByUid(uid))

@@ -67,6 +67,7 @@ void PlayList::visitRoles(int from, int to, const VisitRoles& visit) {
     EntryRoles found;
     {
         QMutexLocker lock(&m_mutex);
+        catchUp();
         found = m_database->getEntryRoles(m_record, from, to);
     }
     ItemRolesReader parts;

@@ -1,5 +1,7 @@
 #include "PlayListWorker.h"
 
+#include <QTimer>
+
 #include "CMConnect.h"
 #include "CMRootWorker.h"
 #include "Controller.h"
@@ -29,6 +31,8 @@ PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config)
     if (vacuumNeeded)
         on_databaseVacuum_needed(false);
     m_manager = new PlayListManager(m_database);
+    // No list waits for it, so it does not hold up the start.
+    QTimer::singleShot(0, this, [this] { m_database->removeStrayItems(); });
     m_ui = new PlayListUI(this, nodes(), subscribe(), m_manager);
     m_controller = new Controller(this, m_manager);
     m_playLogic = new PlayListPlayLogic(this, m_manager, nullptr);

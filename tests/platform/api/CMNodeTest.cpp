@@ -43,6 +43,77 @@ TEST(CMNodes, anEncodedPathFindsTheSameNode) {
     EXPECT_EQ(nodes.find(CMPath::fromPrefix("files") + "a b"), &node);
 }
 
+namespace {
+
+// Has a node for "a" and one for "b".
+class TwoNodes : public CMNodeFamily {
+public:
+    TwoNodes(CMNodes* nodes, const CMPath& parent) : m_nodes(nodes), m_parent(parent) {
+        addTo(nodes, parent);
+    }
+    CMNode* makeNode(const QString& lastComponent) override {
+        if (lastComponent != "a" && lastComponent != "b")
+            return nullptr;
+        made.push_back(std::make_unique<CMUINode>(m_parent + lastComponent));
+        made.back()->setNodes(m_nodes);
+        return made.back().get();
+    }
+    int unmadeCount() const override { return 2 - int(made.size()); }
+
+    std::vector<std::unique_ptr<CMUINode>> made;
+
+private:
+    CMNodes* m_nodes;
+    CMPath m_parent;
+};
+
+} // namespace
+
+TEST(CMNodeFamily, aNodeIsMadeWhenItIsFirstAskedFor) {
+    CMNodes nodes;
+    TwoNodes family(&nodes, CMPath("playlists:pl/items"));
+    EXPECT_EQ(nodes.count(), 2) << "there, though not made";
+    EXPECT_TRUE(family.made.empty());
+    CMNode* a = nodes.find(CMPath("playlists:pl/items/a?x=1"));
+    ASSERT_NE(a, nullptr);
+    EXPECT_EQ(a->path(), CMPath("playlists:pl/items/a"));
+    EXPECT_EQ(nodes.find(CMPath("playlists:pl/items/a")), a);
+    EXPECT_EQ(family.made.size(), 1U);
+    EXPECT_EQ(nodes.count(), 2);
+}
+
+TEST(CMNodeFamily, itIsAskedForItsOwnPathsOnly) {
+    CMNodes nodes;
+    const TwoNodes family(&nodes, CMPath("playlists:pl/items"));
+    for (const char* path :
+         {"playlists:pl/items/c", "playlists:pl/items", "playlists:pl/a", "playlists:a",
+          "files:pl/items/a", "playlists:pl/items/x/a", "playlists:pl/items%2Fa", ""})
+        EXPECT_EQ(nodes.find(CMPath(path)), nullptr) << path;
+    EXPECT_TRUE(family.made.empty());
+}
+
+TEST(CMNodeFamily, aRegisteredNodeComesFirst) {
+    CMNodes nodes;
+    const TwoNodes family(&nodes, CMPath("playlists:pl/items"));
+    CMUINode a(CMPath("playlists:pl/items/a"));
+    a.setNodes(&nodes);
+    EXPECT_EQ(nodes.find(a.path()), &a);
+    EXPECT_TRUE(family.made.empty());
+}
+
+TEST(CMNodeFamily, itLeavesTheRegistryAtItsEndAndMayOutliveIt) {
+    auto nodes = std::make_unique<CMNodes>();
+    auto family = std::make_unique<TwoNodes>(nodes.get(), CMPath("playlists:pl/items"));
+    auto successor = std::make_unique<TwoNodes>(nodes.get(), CMPath("playlists:pl/items"));
+    family.reset();
+    EXPECT_NE(nodes->find(CMPath("playlists:pl/items/a")), nullptr) << "the successor's";
+    successor.reset();
+    EXPECT_EQ(nodes->find(CMPath("playlists:pl/items/b")), nullptr);
+    EXPECT_EQ(nodes->count(), 0);
+    const TwoNodes last(nodes.get(), CMPath("playlists:pl/items"));
+    nodes.reset();
+}
+
 TEST(CMNode, deleteLaterUnregistersAtOnceAndDestroysLater) {
     CMNodes nodes;
     QPointer<CMUINode> node = new CMUINode(CMPath("playlists:root"));

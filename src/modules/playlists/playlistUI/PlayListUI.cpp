@@ -38,6 +38,16 @@ PlayListUI::PlayListUI(QObject* parent, CMNodes* nodes, CMSubscribe* subscribe,
               &PlayListUI::on_collection_delete);
 }
 
+PlayListUI::~PlayListUI() {
+    disconnect(m_manager, nullptr, this, nullptr);
+    // Before the views hear that they are to close: whoever reads then finds nothing.
+    qDeleteAll(findChildren<BaseNode*>(QString(), Qt::FindDirectChildrenOnly));
+    delete takeWatcher(m_manager->getPlayQueue()->getUid());
+    const QList<PlayListBase*> playLists = m_manager->getAllPlayList();
+    for (const PlayListBase* pl : playLists)
+        delete takeWatcher(pl->getUid());
+}
+
 void PlayListUI::createFixedNodes() {
     m_nodeList = {
         RootNode::create(m_nodes, OrvoPlayListsRootPath(), m_manager),
@@ -60,14 +70,33 @@ void PlayListUI::watchPlayQueue() {
     auto* node = PlayQueueGetItemsNode::create(m_nodes, OrvoPlayListPqGetItemsPath(), m_manager);
     node->setParent(this);
     PlayListBase* queue = m_manager->getPlayQueue();
-    m_watchers.insert(queue->getUid(), new PlayListWatcher(this, m_subscribe, queue, node));
+    m_watchers.insert(queue->getUid(),
+                      {queue, new PlayListWatcher(this, m_subscribe, queue, node)});
 }
 
 void PlayListUI::watchPlayList(PlayListBase* pl) {
     const int plid = pl->getUid();
     m_listNode->createPlaylistNode(plid);
-    m_watchers.insert(plid,
-                      new PlayListWatcher(this, m_subscribe, pl, m_listNode->playlistNode(plid)));
+    m_watchers.insert(plid, {pl, nullptr});
+    pl->setFollower(this);
+}
+
+void PlayListUI::follow(PlayListBase* pl) {
+    const auto watched = m_watchers.find(pl->getUid());
+    // Without the node, which is made when somebody asks for it; the list node lets go of it.
+    if (watched != m_watchers.end() && !watched->watcher)
+        watched->watcher = new PlayListWatcher(this, m_subscribe, pl, nullptr);
+}
+
+PlayListWatcher* PlayListUI::takeWatcher(int plid) {
+    const auto watched = m_watchers.find(plid);
+    if (watched == m_watchers.end())
+        return nullptr;
+    // Its end is what closes the views, also of a list to which nothing has happened.
+    watched->playlist->callFollower();
+    PlayListWatcher* watcher = watched->watcher;
+    m_watchers.erase(watched);
+    return watcher;
 }
 
 void PlayListUI::watchCollection(CollectionBase* cl) {
@@ -88,7 +117,7 @@ void PlayListUI::on_playlist_create(const int& plid) {
 }
 
 void PlayListUI::on_playlist_delete(const int& plid) {
-    if (PlayListWatcher* watcher = m_watchers.take(plid))
+    if (PlayListWatcher* watcher = takeWatcher(plid))
         watcher->deleteLater();
     m_listNode->deletePlaylistNode(plid);
     // Deliberate: the playlist list is reset by creation only.

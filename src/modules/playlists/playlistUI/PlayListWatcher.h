@@ -10,7 +10,7 @@ class PlayListBase;
 
 // Turns one playlist's signals into row-change events for user interfaces. Owned by the tree
 // publisher. When it goes, it tells the views of its list to close and schedules the node's end, if
-// the node is still there.
+// it was given one that is still there.
 class PlayListWatcher : public QObject {
     Q_OBJECT
 public:

@@ -1,3 +1,7 @@
+#include <sqlite3.h>
+
+#include <QCoreApplication>
+
 #include "CommandFixture.h"
 #include "PlayListWorker.h"
 
@@ -74,6 +78,29 @@ TEST_F(WorkerTest, clearingTheQueueAtTheStartOwesAVacuumAnew) {
     restart();
     EXPECT_EQ(2, storeWatch.vacuums());
     EXPECT_FALSE(vacuumSetting());
+}
+
+TEST_F(WorkerTest, aStartRemovesTheItemsOfAClearThatWasCutOffAsSoonAsTheDeviceRuns) {
+    makeParty();
+    addItems(2, {"d", "e"});
+    sqlite3* file = storeWatch.openUnwatched(folder.filePath("data-rw/playlists/playlists.sqlite"));
+    const auto items = [file] {
+        int count = -1;
+        const auto note = [](void* into, int, char** columns, char**) {
+            *static_cast<int*>(into) = atoi(columns[0]);
+            return 0;
+        };
+        sqlite3_exec(file, "SELECT Count(*) FROM items", note, &count, nullptr);
+        return count;
+    };
+    ASSERT_EQ(5, items());
+    sqlite3_exec(file, "DELETE FROM playlists_items WHERE playlist = 1", nullptr, nullptr, nullptr);
+    restart();
+    EXPECT_EQ(5, items());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(2, items());
+    EXPECT_EQ(QString("d e"), stored(2));
+    sqlite3_close(file);
 }
 
 TEST_F(WorkerTest, whatRemovesItemsOwesAVacuum) {

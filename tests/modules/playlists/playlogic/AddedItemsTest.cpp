@@ -156,6 +156,25 @@ TEST_F(AddedItemsTest, clearingStopsThePlayerAndTheListStaysCurrent) {
     EXPECT_EQ(pl, probe().current());
 }
 
+TEST_F(AddedItemsTest, viewsHearOfTheFirstEditBeforeThePlayerDoes) {
+    const int uid = listOf("abc")->getUid();
+    restart(); // nothing has happened to the list yet
+    PlayListBase* pl = manager()->getPlayListByUid(uid);
+    EXPECT_FALSE(play(pl, 0).failed);
+    player.start();
+    player.commands.clear();
+    QList<QStringList> commandsByThen;
+    const auto connection =
+        QObject::connect(root()->events(), &CMSubscribe::changed, [&](const CMChange& change) {
+            if (change.path == itemsPath(pl))
+                commandsByThen.append(player.commands);
+        });
+    pl->clearItems();
+    QObject::disconnect(connection);
+    EXPECT_EQ(QList<QStringList>{QStringList()}, commandsByThen);
+    EXPECT_EQ(QStringList{"asked to stop: 0"}, player.commands);
+}
+
 TEST_F(AddedItemsTest, clearingSurvivesAStopThatComesBack) {
     player.stopsThePlayLogic = true;
     PlayListBase* pl = playing("abc", 1);

@@ -1,3 +1,5 @@
+#include <sqlite3.h>
+
 #include "StoreFixture.h"
 
 // What large lists cost, in steps of SQLite's virtual machine, which are the same on every machine.
@@ -111,4 +113,38 @@ TEST_F(CostTest, itemsOfOneListByUidDoNotReadTheOthers) {
         stepsOf([&] { EXPECT_EQ(100, database().getItemsByUids(all, uids).size()); });
     EXPECT_LT(steps, search + 100 * 100);
     EXPECT_EQ(20000, large.size);
+}
+
+namespace {
+int cachedBytes(Database& database) {
+    int now = 0;
+    int highest = 0;
+    sqlite3_db_status(StoreProbe::connection(database), SQLITE_DBSTATUS_CACHE_USED, &now, &highest,
+                      0);
+    return now;
+}
+} // namespace
+
+TEST_F(CostTest, countingForStrayItemsKeepsFewPagesAndLeavesTheCacheItsSize) {
+    constexpr int Kept = 128 * 1024; // 64 KiB and what SQLite needs for itself
+    playListOf(items(20000));
+    reopen();
+    database().countPlaylistsItems();
+    ASSERT_GT(cachedBytes(database()), 2 * Kept) << "enough to read";
+    reopen();
+    database().removeStrayItems();
+    EXPECT_LT(cachedBytes(database()), Kept);
+    database().countPlaylistsItems();
+    EXPECT_GT(cachedBytes(database()), 2 * Kept);
+}
+
+TEST_F(CostTest, whatWasReadAtStartIsGivenBack) {
+    for (int i = 0; i < 50; ++i)
+        playListOf(items(100));
+    reopen();
+    database().getPlayLists();
+    const int read = cachedBytes(database());
+    database().releaseReadPages();
+    EXPECT_LT(cachedBytes(database()), read / 4);
+    EXPECT_EQ(50, database().getPlayLists().size());
 }

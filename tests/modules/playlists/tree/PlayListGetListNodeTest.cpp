@@ -108,6 +108,28 @@ TEST_F(ItemsNodeMapTest, aNodeIsMadeOncePerPlaylist) {
     EXPECT_EQ(nodes.count(), 2);
 }
 
+TEST_F(ItemsNodeMapTest, aNodeIsNotMadeBeforeSomethingArrivesForIt) {
+    list->createPlaylistNode(5);
+    list->createPlaylistNode(50);
+    EXPECT_EQ(nodes.count(), 3);
+    EXPECT_TRUE(list->findChildren<PlayListGetItemsNode*>().isEmpty());
+    CMNode* node = nodes.find(itemsPath(5));
+    EXPECT_EQ(list->findChildren<PlayListGetItemsNode*>().size(), 1);
+    EXPECT_EQ(node, list->playlistNode(5));
+    EXPECT_EQ(nodes.count(), 3);
+    list->deletePlaylistNode(50);
+    EXPECT_EQ(nodes.find(itemsPath(50)), nullptr);
+    EXPECT_EQ(nodes.count(), 2);
+}
+
+TEST_F(ItemsNodeMapTest, onlyThePathAsItIsWrittenIsAPlaylists) {
+    list->createPlaylistNode(5);
+    for (const char* path :
+         {"playlists:pl/items/05", "playlists:pl/items/+5", "playlists:pl/items/ 5",
+          "playlists:pl/items/5/5", "playlists:pl/items/-1", "playlists:pl/items"})
+        EXPECT_EQ(nodes.find(CMPath(path)), nullptr) << path;
+}
+
 TEST_F(ItemsNodeMapTest, aDeletedNodeLeavesTheMapAndTheRegistryAtOnce) {
     list->createPlaylistNode(5);
     list->createPlaylistNode(50);

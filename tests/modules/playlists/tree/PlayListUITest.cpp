@@ -4,6 +4,7 @@
 
 #include "CMNode.h"
 #include "OrvoPlayListPaths.h"
+#include "playlistUI/PlayListWatcher.h"
 #include "PlayListWorker.h"
 #include "TreeFixture.h"
 
@@ -261,4 +262,42 @@ TEST_F(PlayListUIPartsTest, itsEndTakesEveryNodeAlong) {
     events.clear();
     manager.createPlayList("b");
     EXPECT_EQ(takeEvents(), QStringList());
+}
+
+TEST_F(PlayListUIPartsTest, itsEndClosesEveryListInTheirOrder) {
+    const int b = manager.createPlayList("b")->getUid();
+    auto ui = std::make_unique<PlayListUI>(nullptr, &nodes, &subscribe, &manager);
+    const int a = manager.createPlayList("a")->getUid();
+    const int c = manager.createPlayList("c")->getUid();
+    manager.getPlayListByUid(c)->setName("first to change");
+    events.clear();
+    ui.reset();
+    EXPECT_EQ(takeEvents(), QStringList({closed(0), closed(b), closed(a), closed(c)}));
+    manager.getPlayListByUid(a)->setName("nobody is left");
+    manager.getPlayListByUid(c)->setName("nobody is left");
+    EXPECT_EQ(takeEvents(), QStringList());
+}
+
+TEST_F(PlayListUIPartsTest, aListWithoutChangesHasNoWatcher) {
+    PlayListBase* pl = manager.createPlayList("a");
+    manager.createPlayList("b");
+    const PlayListUI ui(nullptr, &nodes, &subscribe, &manager);
+    manager.createPlayList("c");
+    EXPECT_EQ(ui.findChildren<PlayListWatcher*>().size(), 1) << "the play queue's";
+    pl->setName("A");
+    pl->setName("a");
+    EXPECT_EQ(ui.findChildren<PlayListWatcher*>().size(), 2);
+}
+
+TEST_F(PlayListUIPartsTest, aDeletedListIsHeardUntilItsWatcherGoes) {
+    PlayListBase* pl = manager.createPlayList("a");
+    const int uid = pl->getUid();
+    const PlayListUI ui(nullptr, &nodes, &subscribe, &manager);
+    manager.deletePlayList(pl);
+    events.clear();
+    Q_EMIT pl->itemsCleared();
+    EXPECT_EQ(takeEvents(),
+              QStringList(QString("StartingWith playlists:pl/items/%1 reset -1").arg(uid)));
+    turnEventLoop();
+    EXPECT_EQ(takeEvents(), QStringList(closed(uid)));
 }

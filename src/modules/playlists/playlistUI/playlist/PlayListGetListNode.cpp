@@ -1,5 +1,7 @@
 #include "PlayListGetListNode.h"
 
+#include <algorithm>
+
 #include "../../ModuleLog.h"
 #include "../../PlayListBase.h"
 #include "../../PlayListManager.h"
@@ -8,7 +10,9 @@
 
 PlayListGetListNode* PlayListGetListNode::create(CMNodes* nodes, const CMPath& path,
                                                  PlayListManager* manager) {
-    return createNode<PlayListGetListNode>(nodes, path, manager);
+    auto* node = createNode<PlayListGetListNode>(nodes, path, manager);
+    node->addTo(nodes, OrvoPlayListPlGetItemsPath());
+    return node;
 }
 
 bool PlayListGetListNode::getRowsRequest(const CMGetRowsRequest& request) {
@@ -39,20 +43,38 @@ bool PlayListGetListNode::getRowsRequest(const CMGetRowsRequest& request) {
 }
 
 void PlayListGetListNode::createPlaylistNode(const int& plid) {
-    if (!m_itemsNodeMap.contains(plid)) {
-        auto* node = PlayListGetItemsNode::create(
-            nodes(), OrvoPlayListPlGetItemsPath() + "/" + QString::number(plid), manager());
-        node->setParent(this);
-        m_itemsNodeMap.insert(plid, node);
-    }
+    if (!m_itemsNodeMap.contains(plid))
+        m_itemsNodeMap.insert(plid, nullptr);
     debugPlaylistNodes();
 }
 
+PlayListGetItemsNode* PlayListGetListNode::playlistNode(int plid) {
+    const auto found = m_itemsNodeMap.find(plid);
+    if (found == m_itemsNodeMap.end())
+        return nullptr;
+    if (!*found) {
+        *found = PlayListGetItemsNode::create(
+            nodes(), OrvoPlayListPlGetItemsPath() + "/" + QString::number(plid), manager());
+        (*found)->setParent(this);
+    }
+    return *found;
+}
+
+CMNode* PlayListGetListNode::makeNode(const QString& lastComponent) {
+    const int plid = toInt(lastComponent, -1);
+    // "05" is a number, but no playlist's path.
+    return lastComponent == toStr(plid) ? playlistNode(plid) : nullptr;
+}
+
+int PlayListGetListNode::unmadeCount() const {
+    return int(std::count(m_itemsNodeMap.cbegin(), m_itemsNodeMap.cend(), nullptr));
+}
+
 void PlayListGetListNode::deletePlaylistNode(const int& plid) {
-    if (PlayListGetItemsNode* node = m_itemsNodeMap.take(plid))
-        node->deleteLater();
-    else
+    if (!m_itemsNodeMap.contains(plid))
         LOG4CPLUS_DEBUG(moduleLog(), "no items node for playlist " << plid);
+    else if (PlayListGetItemsNode* node = m_itemsNodeMap.take(plid))
+        node->deleteLater();
     debugPlaylistNodes();
 }
 

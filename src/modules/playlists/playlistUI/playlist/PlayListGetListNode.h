@@ -6,8 +6,9 @@
 
 class PlayListGetItemsNode;
 
-// All playlists, after an entry that creates one. Owns the items node of every playlist.
-class PlayListGetListNode : public BaseNode {
+// All playlists, after an entry that creates one. Owns the items node of every playlist, which is
+// made when somebody first asks for it.
+class PlayListGetListNode : public BaseNode, private CMNodeFamily {
     Q_OBJECT
 public:
     using BaseNode::BaseNode;
@@ -17,17 +18,19 @@ public:
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
 
-    // Makes the playlist's items node unless there is one.
+    // The playlist has an items node from here on.
     void createPlaylistNode(const int& plid);
     // The node leaves the registry at once and goes with the next turn of the event loop.
     void deletePlaylistNode(const int& plid);
     void createPlaylistNodes();
     void debugPlaylistNodes() const;
     // Null when the playlist has no node.
-    PlayListGetItemsNode* playlistNode(int plid) const {
-        return m_itemsNodeMap.value(plid, nullptr);
-    }
+    PlayListGetItemsNode* playlistNode(int plid);
 
 private:
+    CMNode* makeNode(const QString& lastComponent) override;
+    int unmadeCount() const override;
+
+    // Null for a node that nobody has asked for.
     QHash<int, PlayListGetItemsNode*> m_itemsNodeMap;
 };

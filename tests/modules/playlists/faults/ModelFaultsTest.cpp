@@ -1,0 +1,223 @@
+#include <sqlite3.h>
+
+#include "FaultSweep.h"
+#include "FaultTable.h"
+
+namespace {
+
+using Effect = Outcome::Effect;
+using Position = OrvoPlayListAddPosition;
+
+// By hand, what the edits do: entries of playlist 1 turned by one place, so many times.
+#define TURN(by)                                                                                   \
+    "UPDATE playlists_items SET sequenceNumber = (sequenceNumber + " by ") % 6 + 100"              \
+    " WHERE playlist = 1;"                                                                         \
+    "UPDATE playlists_items SET sequenceNumber = sequenceNumber - 100 WHERE playlist = 1;"
+#define LAST_PLAYED(number) "UPDATE playlists SET lastPlayedIndex = " number " WHERE uid = 1;"
+
+constexpr const char* entriesRemoved =
+    "DELETE FROM playlists_items WHERE playlist = 1 AND sequenceNumber IN (1, 2, 4);"
+    "DELETE FROM items WHERE uid NOT IN (SELECT item FROM playlists_items);"
+    "UPDATE playlists_items SET sequenceNumber = 1 WHERE playlist = 1 AND sequenceNumber = 3;"
+    "UPDATE playlists_items SET sequenceNumber = 2 WHERE playlist = 1 AND sequenceNumber = 5;";
+
+Outcome done(const QString& result) {
+    return {result, {}, Effect::Done};
+}
+
+Outcome refused(const QString& result) {
+    return {result, {}};
+}
+
+Outcome partly(const QString& result, const char* sql) {
+    Outcome outcome{result, {}, Effect::Partly};
+    outcome.partly = sql;
+    return outcome;
+}
+
+// The edits of the objects in memory: what they return, what they announce, and that they say what
+// the file says.
+class ModelFaultsTest : public FaultSweep {
+protected:
+    void onRestored() override {
+        m_signals = std::make_unique<SignalLog>();
+        m_signals->watch(&manager());
+        for (PlayListBase* pl : manager().getAllPlayList())
+            m_signals->watch(pl);
+        for (CollectionBase* cl : manager().getAllCollection())
+            m_signals->watch(cl);
+    }
+    void TearDown() override {
+        m_signals.reset();
+        FaultSweep::TearDown();
+    }
+
+    PlayListBase& pl(int uid = 1) { return *manager().getPlayListByUid(uid); }
+    CollectionBase& cl(int uid) { return *manager().getCollectionByUid(uid); }
+
+    // "3|itemsAdded append 6 3": what the edit returned and what was heard of it.
+    template <typename Edit>
+    std::function<QString()> heard(Edit edit) {
+        return [this, edit] {
+            m_signals->take();
+            const QString result = QVariant(edit()).toString();
+            return result + '|' + m_signals->take().join(", ");
+        };
+    }
+    template <typename Edit>
+    void sweepEdit(const char* name, Edit edit, const QList<Outcome>& outcomes,
+                   bool mayTrail = false) {
+        Operation operation{name, heard(edit), outcomes};
+        operation.mayTrail = mayTrail;
+        operation.anyErrors = true;
+        sweep(operation);
+    }
+
+private:
+    std::unique_ptr<SignalLog> m_signals;
+};
+
+TEST_F(ModelFaultsTest, startingShowsWhatIsThere) {
+    Operation operation{"PlayListManager, start", {}, {}};
+    operation.prepare = "UPDATE playlists_items SET playlist = 0 WHERE playlist = 2;";
+    FaultRow row;
+    row.operation = operation.name;
+    for (const Fault& fault : faults()) {
+        for (int nth = 1;; ++nth) {
+            SCOPED_TRACE(std::string(fault.name) + ", point " + std::to_string(nth));
+            restore(operation);
+            dropManager();
+            // Full again, as before a start.
+            ASSERT_TRUE(rawRun("UPDATE playlists SET lastPlayedIndex = 3 WHERE uid = 1"));
+            sqlite3_db_release_memory(StoreProbe::connection(database()));
+            FaultVfs::set(fault, nth);
+            manager();
+            // As the worker does once the device runs.
+            database().removeStrayItems();
+            FaultVfs::clear();
+            if (FaultVfs::failures() == 0) {
+                EXPECT_EQ(stored(), memory());
+                break;
+            }
+            ++row.points;
+            // While it lasts, what cannot be read cannot be shown, nor what is left over removed;
+            // the next start does both.
+            const bool same = stored() == memory() && stateErrors(false).isEmpty();
+            if (fault.lasting) {
+                dropManager();
+                manager();
+                database().removeStrayItems();
+            }
+            const bool asStated = stored() == memory() && stateErrors(false).isEmpty();
+            EXPECT_TRUE(asStated) << qPrintable(memory().join(", ")) << " and "
+                                  << qPrintable(stored().join(", "));
+            row.asStated += asStated ? 1 : 0;
+            ++(same ? row.done : row.partly);
+        }
+    }
+    addFaultRow(row);
+}
+
+TEST_F(ModelFaultsTest, adding) {
+    sweepEdit("PlayList::addItems", [this] { return pl().addItems(Position::Append, newItems(3)); },
+              {done("6|itemsAdded append 6 3"), refused("-1|")});
+    sweepEdit("PlayList::addItems, inside",
+              [this] { return pl().addItems(Position::AfterCurrent, newItems(3)); },
+              {done("4|itemsAdded afterCurrent 4 3"), refused("-1|")});
+}
+
+TEST_F(ModelFaultsTest, removing) {
+    // The entries and the last played position are written one after the other; memory has both.
+    sweepEdit(
+        "PlayList::removeItems",
+        [this] {
+            return pl().removeItems({4, 1, 2});
+        },
+        {done("3|itemsRemoved 1,2,4 3"), refused("-1|"),
+         partly("3|itemsRemoved 1,2,4 3", entriesRemoved)},
+        true);
+}
+
+TEST_F(ModelFaultsTest, moving) {
+    sweepEdit(
+        "PlayList::moveItem", [this] { return pl().moveItem(5, 0); },
+        {done("true|itemMoved 5 0"), refused("false|"), partly("true|itemMoved 5 0", TURN("1"))},
+        true);
+    // Stops where one fails: the positions of the rest hold only after it.
+    sweepEdit(
+        "PlayList::moveItems",
+        [this] {
+            return pl().moveItems({0, 1}, 5);
+        },
+        {done("true|itemMoved 0 5, itemMoved 0 5"), refused("false|"),
+         partly("false|itemMoved 0 5", TURN("5")),
+         partly("false|itemMoved 0 5", TURN("5") LAST_PLAYED("2")),
+         partly("true|itemMoved 0 5, itemMoved 0 5", TURN("4") LAST_PLAYED("2"))},
+        true);
+}
+
+TEST_F(ModelFaultsTest, clearing) {
+    // Without their items, and without a signal: deliberate.
+    sweepEdit(
+        "PlayList::clearItems", [this] { return pl().clearItems(); },
+        {done("true|itemsCleared"), refused("false|"),
+         partly("false|", "DELETE FROM playlists_items WHERE playlist = 1")},
+        true);
+}
+
+TEST_F(ModelFaultsTest, settings) {
+    sweepEdit("PlayList::setName",
+              [this] {
+                  pl().setName("Renamed");
+                  return "";
+              },
+              {done("|nameChanged Renamed"), refused("|")});
+    sweepEdit("PlayList::setShuffle",
+              [this] {
+                  pl().setShuffle(true);
+                  return "";
+              },
+              {done("|shuffleChanged true"), refused("|")});
+    sweepEdit("PlayList::setRepeatAll",
+              [this] {
+                  pl().setRepeatAll(true);
+                  return "";
+              },
+              {done("|repeatAllChanged true"), refused("|")});
+    sweepEdit(
+        "PlayList::setLastSequenceNumber",
+        [this] {
+            pl().setLastSequenceNumber(1);
+            return "";
+        },
+        {done("|"), refused("|")}, true);
+}
+
+TEST_F(ModelFaultsTest, playlists) {
+    sweepEdit("PlayListManager::createPlayList",
+              [this] {
+                  const PlayListBase* made = manager().createPlayList("x");
+                  return made ? made->getUid() : -1;
+              },
+              {done("3|playlistCreated 3"), refused("-1|")});
+    sweepEdit("PlayListManager::deletePlayList", [this] { return manager().deletePlayList(2); },
+              {done("true|playlistRemoved, playlistDeleted 2"), refused("false|"),
+               partly("false|playlistRemoved", "DELETE FROM collections_playlists")});
+}
+
+TEST_F(ModelFaultsTest, collections) {
+    sweepEdit("PlayListManager::createCollection",
+              [this] {
+                  const CollectionBase* made = manager().createCollection("x");
+                  return made ? made->getUid() : -1;
+              },
+              {done("3|collectionCreated 3"), refused("-1|")});
+    sweepEdit("PlayListManager::deleteCollection", [this] { return manager().deleteCollection(1); },
+              {done("true|collectionDeleted 1"), refused("false|")});
+    sweepEdit("Collection::addPlayList", [this] { return cl(2).addPlayList(&pl()); },
+              {done("true|playlistAdded"), refused("false|")});
+    sweepEdit("Collection::removePlayList", [this] { return cl(1).removePlayList(&pl(2)); },
+              {done("true|playlistRemoved"), refused("false|")});
+}
+
+} // namespace
