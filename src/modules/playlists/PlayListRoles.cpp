@@ -1,8 +1,13 @@
 // PlayList's entries as the roles of rows and of what plays.
 
+#include <algorithm>
+
 #include <QJsonObject>
+#include <QMutexLocker>
 
 #include "CMJson.h"
+#include "Database.h"
+#include "EntryRoles.h"
 #include "ItemRolesReader.h"
 #include "ModuleLog.h"
 #include "OrvoPlayListPaths.h"
@@ -21,22 +26,58 @@ void parseRoles(const QString& text, ItemRolesReader& parts) {
     parts.metaData = parts.mediaData.take(OrvoMediaData::MetaData()).toHash();
 }
 
-} // namespace
+// The text into `text`, whose memory serves again.
+void decode(const char* utf8, int size, QString* text) {
+    const bool isAscii = std::all_of(utf8, utf8 + size, [](char c) { return (c & 0x80) == 0; });
+    if (isAscii)
+        *text = QLatin1String(utf8, size);
+    else
+        *text = QString::fromUtf8(utf8, size);
+}
 
-OrvoRoles PlayList::itemToOrvoRoles(const OrvoPlayListItem& item) const {
+void completeRoles(const QString& text, const QString& id, int sequenceNumber,
+                   ItemRolesReader& parts) {
     static const QString itemPath = OrvoPlayListItemPath().toString() + QLatin1Char('/');
     static const QVariant playLogicPath = OrvoPlayListsPlayLogicPath().toQVariant();
-    ItemRolesReader parts(item);
-    if (!parts.read())
-        parseRoles(item.orvoRoles(), parts);
+    if (!parts.read(text))
+        parseRoles(text, parts);
     parts.metaData.insert(OrvoMetaData::PlayLogicPath(), playLogicPath);
     parts.mediaData.insert(OrvoMediaData::MetaData(), parts.metaData);
 
-    const QString uid = QString::number(item.uid());
     QVariantHash& roles = parts.roles;
-    roles.insert(OrvoRoles::Id(), uid);
-    roles.insert(OrvoRoles::Value(), OrvoValue::fromI32(item.sequenceNumber()).toVariant());
-    roles.insert(OrvoRoles::Path(), itemPath + uid);
+    roles.insert(OrvoRoles::Id(), id);
+    roles.insert(OrvoRoles::Value(), OrvoValue::fromI32(sequenceNumber).toVariant());
+    roles.insert(OrvoRoles::Path(), itemPath + id);
     roles.insert(OrvoRoles::MediaData(), parts.mediaData);
-    return OrvoRoles(roles);
+}
+
+} // namespace
+
+OrvoRoles PlayList::itemToOrvoRoles(const OrvoPlayListItem& item) const {
+    ItemRolesReader parts;
+    completeRoles(item.orvoRoles(), QString::number(item.uid()), item.sequenceNumber(), parts);
+    return OrvoRoles(parts.roles);
+}
+
+void PlayList::visitRoles(int from, int to, const VisitRoles& visit) {
+    // Deliberate: the line of getItems, as in the store.
+    LOG4CPLUS_TRACE(moduleLog(), "Enter virtual QList<OrvoPlayListItem> PlayList::getItems(int, "
+                                 "int): from="
+                                     << from << " to=" << to);
+    EntryRoles found;
+    {
+        QMutexLocker lock(&m_mutex);
+        catchUp();
+        found = m_database->getEntryRoles(m_record, from, to);
+    }
+    ItemRolesReader parts;
+    QString text;
+    int begin = 0;
+    for (const EntryRoles::Entry& entry : std::as_const(found.entries)) {
+        decode(found.texts.constData() + begin, entry.end - begin, &text);
+        begin = entry.end;
+        const QString id = QString::number(entry.uid);
+        completeRoles(text, id, entry.sequenceNumber, parts);
+        visit(parts.roles, id, entry.sequenceNumber);
+    }
 }

@@ -115,6 +115,11 @@ QString Sqlite3Statement::columnText(const int& index, const QString& likely) co
     return QString::fromUtf8(reinterpret_cast<const char*>(utf8), size);
 }
 
+void Sqlite3Statement::appendColumnText(int index, QByteArray* utf8) const {
+    const unsigned char* bytes = sqlite3_column_text(m_statement, index);
+    utf8->append(reinterpret_cast<const char*>(bytes), sqlite3_column_bytes(m_statement, index));
+}
+
 bool Sqlite3Statement::step_row() {
     return step() == SQLITE_ROW;
 }

@@ -33,6 +33,8 @@ public:
     QString columnText(const int& index) const;
     // The same; where `likely` is that text already, it is shared instead of made again.
     QString columnText(const int& index, const QString& likely) const;
+    // Appends the text's bytes.
+    void appendColumnText(int index, QByteArray* utf8) const;
 
     // True on a row; done and failure are both false, and a failure shows in the reset.
     bool step_row();

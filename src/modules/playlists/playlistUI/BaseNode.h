@@ -70,10 +70,10 @@ protected:
     // The media data of a container that this module plays.
     static OrvoMediaData playableMediaData();
     static OrvoRoles contextMenu(const TrString& title, const CMPath& path);
-
-private:
+    // The link that addContextMenuToRoles() adds.
     static OrvoRoles trackMenu(const QString& itemId, int plid, int sequenceNumber);
 
+private:
     PlayListManager* m_manager;
     // Read once: a later change of the settings takes effect at the next start.
     bool m_playQueueVisible;

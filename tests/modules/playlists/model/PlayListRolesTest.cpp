@@ -75,3 +75,44 @@ TEST_F(PlayListRolesTest, entriesOfTheStoreSayWhereTheyStand) {
     }
     EXPECT_EQ(QStringList({"c0", "a1", "b2"}), found);
 }
+
+// An invalid value is as good as none.
+TEST_F(PlayListRolesTest, rowsAreReadWithoutItemsAndAreWhatTheItemsGive) {
+    PlayListBase& pl = playList("");
+    QList<OrvoPlayListItem> items;
+    for (const char* text :
+         {R"({"title":"Song","type":3,"unknown":5,"mediaData":{"metaData":{"artist":"Someone"}}})",
+          R"({"title":"Sång","value":{"string":"old"},"mediaData":{"resources":[{"uri":"a"}]}})",
+          R"({"title":"Escaped \n","type":3})", R"({"title":"🎵"})", "no roles", "", "{}",
+          R"({"type":3,"mediaData":{"metaData":{"artist":"Someone","album":"Other"}}})"}) {
+        OrvoPlayListItem item;
+        item.setTitle("not the title of the roles");
+        item.setOrvoRoles(QString::fromUtf8(text));
+        items.append(item);
+    }
+    ASSERT_EQ(0, pl.addItems(OrvoPlayListAddPosition::Append, items));
+
+    QList<QVariantHash> expected;
+    const LogCapture slowLog("PlayLists");
+    for (const OrvoPlayListItem& item : pl.getItems(1, items.size()))
+        expected.append(pl.itemToOrvoRoles(item).toHash());
+    const QStringList slowLines = slowLog.lines();
+
+    QList<QVariantHash> rows;
+    const LogCapture log("PlayLists");
+    pl.visitRoles(1, items.size(), [&](QVariantHash& roles, const QString& id, int number) {
+        EXPECT_EQ(roles.value("id").toString(), id);
+        EXPECT_EQ(OrvoRoles(roles).value().i32(), number);
+        rows.append(QVariantHash());
+        for (auto it = roles.cbegin(); it != roles.cend(); ++it) {
+            if (it->isValid())
+                rows.last().insert(it.key(), *it);
+        }
+        roles.insert("added by the visitor", 1);
+    });
+    EXPECT_EQ(items.size() - 1, rows.size());
+    EXPECT_EQ(expected, rows);
+    EXPECT_EQ(slowLines, log.lines());
+    EXPECT_EQ(2, slowLines.filter("getItems(").size());
+    EXPECT_EQ(2, slowLines.filter("Failed to parse data").size());
+}

@@ -8,12 +8,13 @@ void TrackListNode::sendTracks(PlayListBase* pl, const TrString& title,
     QVariantList rows;
     if (pl) {
         total = pl->getSize();
-        const QList<OrvoPlayListItem> items = pl->getItems(request.fromRow(), request.toRow());
-        rows.reserve(items.size());
-        for (const OrvoPlayListItem& item : items) {
-            const OrvoRoles roles = addContextMenuToRoles(pl->itemToOrvoRoles(item), pl->getUid());
-            rows.append(QVariant(CMGlobal::itemRolesToList(request.roleNames(), roles)));
-        }
+        const int plid = pl->getUid();
+        const QStringList names = request.roleNames();
+        const auto addRow = [&](QVariantHash& roles, const QString& id, int sequenceNumber) {
+            roles.insert(OrvoRoles::Context(), trackMenu(id, plid, sequenceNumber).toHash());
+            rows.append(QVariant(CMGlobal::itemRolesToList(names, OrvoRoles(roles))));
+        };
+        pl->visitRoles(request.fromRow(), request.toRow(), addRow);
     }
     sendRowsReply(rows, total, title, createRolesFromPath(path(), request.roleNames()), request,
                   false);
