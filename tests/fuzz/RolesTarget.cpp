@@ -43,6 +43,16 @@ bool same(const QVariant& a, const QVariant& b) {
     return equal;
 }
 
+// The reader keeps the places of the text before, without values.
+QVariantHash valid(const QVariantHash& hash) {
+    QVariantHash result;
+    for (auto it = hash.begin(); it != hash.end(); ++it) {
+        if (it->isValid())
+            result.insert(it.key(), *it);
+    }
+    return result;
+}
+
 } // namespace
 
 // The role map of an item as it is sent and stored: the quick reader says what the platform's
@@ -64,13 +74,16 @@ void Fuzz::roles(const QByteArray& input) {
         return json.text();
     }();
 
-    ItemRolesReader reader(item);
-    if (reader.read()) {
+    ItemRolesReader reader;
+    require(reader.read(QStringLiteral(
+                R"({"title":"Before","type":3,"x":[1],"mediaData":{"metaData":{"album":"A"}}})")),
+            "the text before");
+    if (reader.read(text)) {
         require(error.error == QJsonParseError::NoError && document.isObject(),
                 "the quick reader takes what is no object: " + text);
         QVariantHash mediaData = all.take(OrvoRoles::MediaData()).toHash();
         const QVariantHash metaData = mediaData.take(OrvoMediaData::MetaData()).toHash();
-        require(same(all, reader.roles) && same(mediaData, reader.mediaData) &&
+        require(same(all, valid(reader.roles)) && same(mediaData, reader.mediaData) &&
                     same(metaData, reader.metaData),
                 "the quick reader differs: " + text);
     }
