@@ -25,6 +25,8 @@ else()
   set(precompile ON)
 endif()
 option(ORVO_PCH "Precompile the headers of the libraries in use" ${precompile})
+# Where a target's macros do not fit them, the compiler reads the headers themselves.
+set(CMAKE_PCH_WARN_INVALID OFF)
 function(orvo_precompiled kind)
   if(NOT ORVO_PCH)
     return()
