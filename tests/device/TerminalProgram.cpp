@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <pty.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
@@ -167,6 +168,15 @@ int TerminalProgram::waitForEnd() {
     if (!ended)
         return -1;
     m_process = -1;
-    take();
+    // What it wrote last may still be on its way through the kernel; its end comes after it.
+    char bytes[4096];
+    pollfd terminal{m_terminal, POLLIN, 0};
+    while (::poll(&terminal, 1, 1000) > 0) {
+        const ssize_t count = ::read(m_terminal, bytes, sizeof bytes);
+        if (count <= 0)
+            break;
+        vterm_input_write(m_emulator, bytes, std::size_t(count));
+        m_written.append(bytes, int(count));
+    }
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
