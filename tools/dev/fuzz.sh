@@ -20,12 +20,17 @@ fuzz() {
     if [[ -f $inputs/dictionaries/$target.dict ]]; then
         limits+=("-dict=$inputs/dictionaries/$target.dict")
     fi
+    # A target that has found nothing yet has no folder of regressions.
+    local known=() kind
+    for kind in corpus regressions; do
+        if [[ -d $inputs/$kind/$target ]]; then known+=("$inputs/$kind/$target"); fi
+    done
     if ((on)); then limits+=(-fork=1 -ignore_crashes=1 -ignore_timeouts=1 -ignore_ooms=1); fi
     # What an input may take: far more than any needs, also on a machine that does much else.
     UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 TMPDIR=$scratch \
         "$bin/fuzz_$target" "-max_total_time=$seconds" -timeout=25 -rss_limit_mb=2048 \
         -max_len=4096 -print_final_stats=1 "-artifact_prefix=$findings/" "${limits[@]}" \
-        "$folder/corpus" "$inputs/corpus/$target" "$inputs/regressions/$target" \
+        "$folder/corpus" "${known[@]}" \
         >"$log" 2>&1 || status=$?
     executions=$(sed -nE 's/^stat::number_of_executed_units: *([0-9]+)$/\1/p; s/^#([0-9]+):? .*/\1/p' \
         "$log" | sort -n | tail -n 1)
