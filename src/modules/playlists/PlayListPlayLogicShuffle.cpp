@@ -57,7 +57,7 @@ void PlayListPlayLogic::initShuffle(int startItem) {
 
 void PlayListPlayLogic::randomizeShuffleItems(int from) {
     // Deliberate, although the shuffle below does not draw from it.
-    std::srand(unsigned(std::time(nullptr)));
+    std::srand(unsigned(std::time(nullptr))); // NOLINT(cert-msc51-cpp)
     QElapsedTimer clock;
     clock.start();
     const qint64 seed = clock.msecsSinceReference() % SeedModulus;

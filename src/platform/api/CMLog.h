@@ -17,10 +17,11 @@ ORVO_API_EXPORT std::ostream& operator<<(std::ostream& out, const CMPath& path);
 ORVO_API_EXPORT std::ostream& operator<<(std::ostream& out, const QStringList& texts);
 
 // The scoped "Enter" line: the full signature and, where given, the arguments as name=value pairs.
-// The arguments are evaluated only when trace is on.
+// The arguments are evaluated only when trace is on. They go on with the stream, so they stand
+// without parentheses.
 #define CM_ENTER(logger) LOG4CPLUS_TRACE(logger, "Enter " << __PRETTY_FUNCTION__)
 #define CM_ENTER_ARGS(logger, args)                                                                \
-    LOG4CPLUS_TRACE(logger, "Enter " << __PRETTY_FUNCTION__ << ": " << args)
+    LOG4CPLUS_TRACE(logger, "Enter " << __PRETTY_FUNCTION__ << ": " << args) // NOLINT
 
 // Ends the process with a log line at fatal level. For programming errors and a platform that
 // cannot be used, never for anything that a request can bring.
