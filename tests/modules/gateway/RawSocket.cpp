@@ -46,6 +46,11 @@ QByteArray RawSocket::read() {
     return m_read;
 }
 
+bool RawSocket::hasBytes() const {
+    char byte = 0;
+    return ::recv(m_descriptor, &byte, 1, MSG_DONTWAIT | MSG_PEEK) > 0;
+}
+
 bool RawSocket::isClosed() {
     char byte = 0;
     const ssize_t count = ::recv(m_descriptor, &byte, 1, MSG_DONTWAIT | MSG_PEEK);

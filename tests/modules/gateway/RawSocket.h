@@ -16,7 +16,8 @@ public:
     void write(const QByteArray& bytes);
     // All that has come so far.
     QByteArray read();
-    // Whether the server ended it; looks without reading.
+    // Whether something has come, and whether the server ended it; both look without reading.
+    bool hasBytes() const;
     bool isClosed();
 
 private:
