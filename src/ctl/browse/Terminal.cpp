@@ -79,8 +79,10 @@ void Terminal::check() {
         throw CtlFailure::usage(QStringLiteral("browse needs a terminal"));
     int error = 0;
     const bool known = ::setupterm(nullptr, STDOUT_FILENO, &error) == OK;
-    const char* placing = known ? ::tigetstr("cup") : nullptr;
-    if (!placing)
+    const bool canPlace = known && ::tigetstr("cup");
+    if (known)
+        ::del_curterm(::cur_term); // the screen has its own
+    if (!canPlace)
         throw CtlFailure::usage(
             QStringLiteral("browse needs a terminal that can place its cursor, and TERM=%1 cannot")
                 .arg(QString::fromLocal8Bit(qgetenv("TERM"))));
