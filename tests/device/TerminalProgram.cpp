@@ -17,7 +17,7 @@
 #include "EventLoop.h"
 
 namespace {
-constexpr int PatienceMs = 10000;
+constexpr int PatienceMs = 30000;
 
 winsize windowOf(const QSize& size) {
     winsize window{};

@@ -15,6 +15,7 @@ QString inOneSpelling(const QString& text) {
     static const QRegularExpression beforeName(QStringLiteral(" ([*&]+)(?=\\w)"));
     static const QRegularExpression atTheEnd(QStringLiteral(" ([*&]+)(?=[,)])"));
     return QString(text)
+        .replace(QStringLiteral("(anonymous namespace)"), QStringLiteral("{anonymous}"))
         .replace(beforeName, QStringLiteral("\\1 "))
         .replace(atTheEnd, QStringLiteral("\\1"));
 #else

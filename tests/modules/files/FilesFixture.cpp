@@ -36,7 +36,7 @@ void FilesFixture::startAndScan() {
 }
 
 bool FilesFixture::waitFor(const std::function<bool()>& condition) {
-    return QTest::qWaitFor(condition, 10000);
+    return QTest::qWaitFor(condition, 60000);
 }
 
 bool FilesFixture::waitUntilScanned() {

@@ -21,7 +21,7 @@ struct HttpAnswer {
 // live in this process.
 class HttpClient {
 public:
-    static constexpr int PatienceMs = 10000;
+    static constexpr int PatienceMs = 30000;
 
     explicit HttpClient(quint16 port);
 
