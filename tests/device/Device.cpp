@@ -67,7 +67,10 @@ Device::Device(const QStringList& arguments) : m_arguments(arguments) {
 }
 
 Device::~Device() {
-    if (m_process.state() != QProcess::NotRunning)
+    // Politely, so that a leak check comes to its turn.
+    m_client.reset();
+    m_process.terminate();
+    if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(EndPatienceMs))
         kill();
     if (::testing::Test::HasFailure()) {
         m_folder.setAutoRemove(false);
