@@ -94,6 +94,7 @@ TEST_F(ItemRolesReaderTest, readsWhatRoleTextsAreMadeOf) {
          {R"({})", R"({"title":"A title","type":3})",
           R"({"mediaData":{"metaData":{"artist":"Somebody","duration":123456,"trackNumber":0},)"
           R"("resources":[{"mimeType":"audio/flac","uri":"file:///a.flac"}]},"title":"Ünïcødé"})",
+          R"({"title":"Ｆｕｌｌ"})",
           R"({"a":true,"b":false,"c":null,"d":-7,"e":[],"f":{},"g":[1,[2,{"h":"i"}]],"":""})",
           R"({"mediaData":{},"value":{"i32":5},"context":{"mediaData":{"metaData":{}}}})",
           " {\n\t\"title\" : \"x\" ,\r\n \"list\" : [ 1 , 2 ] } ", R"({"n":123456789012345})"}) {
@@ -121,6 +122,8 @@ TEST_F(ItemRolesReaderTest, leavesToTheParserWhatIsDamagedOrUnusual) {
                              "{}{}",
                              "{\"a\" 1}",
                              "{\"a\":tru}",
+                             "{\"a\":tru",
+                             "{\"mediaData\":{},\"mediaData\":{}}",
                              "{\"a\":nul}",
                              "{\"a\":[1,]}",
                              "{\"a\":[1",

@@ -74,6 +74,9 @@ bool moveFails(PlayListBase& pl) {
 bool moveItemsFails(PlayListBase& pl) {
     return !pl.moveItems({1, 2}, 4);
 }
+bool moveItemsUpFails(PlayListBase& pl) {
+    return !pl.moveItems({3, 4}, 1);
+}
 bool clearFails(PlayListBase& pl) {
     return !pl.clearItems();
 }
@@ -119,6 +122,7 @@ INSTANTIATE_TEST_SUITE_P(
         FailureRow{"moveWhileLocked", moveFails, "", moveError},
         FailureRow{"moveWithoutShifting", moveFails, "UPDATE ON playlists_items", moveError},
         FailureRow{"moveItemsWhileLocked", moveItemsFails, "", moveError},
+        FailureRow{"moveItemsUpWhileLocked", moveItemsUpFails, "", moveError},
         FailureRow{"renameWhileLocked", renames, "", updateError},
         FailureRow{"renameWithoutUpdating", renames, "UPDATE ON playlists", updateError},
         FailureRow{"shuffleWhileLocked", shuffles, "", updateError},

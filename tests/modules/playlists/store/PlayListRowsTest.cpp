@@ -74,6 +74,7 @@ TEST_F(PlayListRowsTest, theQueueIsARecordLikeAnyOther) {
     EXPECT_FALSE(queue.repeatAll);
     EXPECT_EQ(-1, queue.lastPlayedIndex);
     EXPECT_EQ(0, queue.size);
+    EXPECT_EQ(queue.name, database().getPlayListByUid(0).name);
 }
 
 TEST_F(PlayListRowsTest, aMissingQueueIsNoPlaylist) {

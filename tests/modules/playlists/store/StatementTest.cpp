@@ -88,6 +88,9 @@ TEST_F(StatementTest, aTextThatIsAtHandAlreadyIsShared) {
     EXPECT_FALSE(statement->columnText(2, QString()).isNull());
     EXPECT_EQ(QString(), statement->columnText(3, album));
     EXPECT_EQ(QStringLiteral("Albums"), statement->columnText(4, album));
+    // As many characters as the other text has bytes, and the same numbers.
+    const QString bytes = QString::fromLatin1(QStringLiteral("Älbum").toUtf8());
+    EXPECT_EQ(QStringLiteral("Älbum"), statement->columnText(1, bytes));
     EXPECT_TRUE(statement->reset());
 }
 

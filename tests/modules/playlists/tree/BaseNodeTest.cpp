@@ -164,6 +164,18 @@ TEST_F(BaseNodeTest, aTrackWithoutIdAndPlaceLinksWithWhatThereIs) {
               "playlists:pl/trackContext?action=cmnode&itemid=&plid=0&seqnum=0");
 }
 
+TEST_F(BaseNodeTest, anIdThatIsNoNumberStaysWholeInTheLink) {
+    for (const char* id : {"a&b=c", "7 7", "-3", "7:8"}) {
+        OrvoRoles roles;
+        roles.setId(id);
+        roles.setValue(OrvoValue::fromI32(4));
+        const CMPath menu = BaseNode::addContextMenuToRoles(roles, 9).context().path();
+        EXPECT_EQ(menu.param("itemid"), id);
+        EXPECT_EQ(menu.param("plid"), "9");
+        EXPECT_EQ(menu.param("seqnum"), "4");
+    }
+}
+
 TEST_F(BaseNodeTest, theCloseEventNamesTheNode) {
     EXPECT_EQ(node.genClosePathEvent().toHash(),
               QVariantHash({{"rowsType", 1}, {"path", "playlists:some/node"}}));
