@@ -41,7 +41,6 @@ export class ListView extends Emitter {
     this.lastTop = 0;
     this.lastTime = 0;
     this.wire();
-    this.measure();
   }
 
   wire() {
