@@ -1,6 +1,5 @@
 #include "Figures.h"
 
-#include <cmath>
 #include <set>
 
 #include <QJsonArray>
@@ -40,18 +39,14 @@ QString row(const QStringList& cells) {
 
 } // namespace
 
-std::optional<double> Figures::Line::ratio() const {
-    return baseUs ? std::optional(oursUs / *baseUs) : std::nullopt;
-}
-
-std::optional<double> Figures::median(const QString& work, const QString& who, int size,
-                                      const QString& storage) const {
+const Figure* Figures::find(const QString& work, const QString& who, int size,
+                            const QString& storage) const {
     for (const Figure& figure : m_figures) {
         if (figure.work == work && figure.who == who && figure.size == size &&
             figure.storage == storage)
-            return figure.medianUs;
+            return &figure;
     }
-    return std::nullopt;
+    return nullptr;
 }
 
 void Figures::judge(const std::vector<Work>& works) {
@@ -68,19 +63,22 @@ void Figures::judge(const Work& work, const QString& storage) {
             sizes.insert(figure.size);
     }
     for (const int size : sizes) {
-        Line line{work.name, storage, work.base, size, {}, 0, work.maxRatio, {}, {}};
-        line.baseUs = median(work.name, work.base, size, storage);
-        line.oursUs = *median(work.name, QStringLiteral("orvo"), size, storage);
+        Line line{work.name, storage, work.base, size, {}, 0, {}, work.maxRatio, {}, {}};
+        if (const Figure* base = find(work.name, work.base, size, storage)) {
+            line.baseUs = base->medianUs;
+            line.ratio = base->ratio;
+        }
+        line.oursUs = find(work.name, QStringLiteral("orvo"), size, storage)->medianUs;
         const QString at =
             QStringLiteral("%1, %2 entries, %3").arg(work.name).arg(size).arg(storage);
-        if (line.ratio() && work.maxRatio && *line.ratio() > *work.maxRatio * m_slack)
+        if (line.ratio && work.maxRatio && *line.ratio > *work.maxRatio * m_slack)
             m_broken.append(QStringLiteral("%1: %2 times the %3, allowed are %4")
-                                .arg(at, number(*line.ratio(), 2), work.base,
+                                .arg(at, number(*line.ratio, 2), work.base,
                                      number(*work.maxRatio * m_slack, 2)));
         const int smallest = *sizes.begin();
-        if (size == *sizes.rbegin() && size > smallest) {
-            const double before = *median(work.name, QStringLiteral("orvo"), smallest, storage);
-            line.growth = std::log(line.oursUs / before) / std::log(double(size) / smallest);
+        const auto growth = m_growth.find({work.name, storage});
+        if (size == *sizes.rbegin() && growth != m_growth.end()) {
+            line.growth = growth->second;
             line.maxGrowth = work.maxGrowth;
             const double allowed = work.maxGrowth.value_or(0) + (m_slack - 1) / 2;
             if (work.maxGrowth && *line.growth > allowed)
@@ -102,7 +100,7 @@ QString Figures::table() const {
         text += row({line.work, line.storage, QString::number(line.size),
                      line.base.isEmpty() ? QStringLiteral("–") : line.base,
                      line.baseUs ? duration(*line.baseUs) : QStringLiteral("–"),
-                     duration(line.oursUs), withBound(line.ratio(), line.maxRatio, 2),
+                     duration(line.oursUs), withBound(line.ratio, line.maxRatio, 2),
                      withBound(line.growth, line.maxGrowth, 2)});
     }
     return text;

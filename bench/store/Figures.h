@@ -18,6 +18,8 @@ struct Figure {
     int size;
     QString storage;
     double medianUs;
+    // Of ours to this, where ours is held against it: the median of the turns' own.
+    std::optional<double> ratio = {};
 };
 
 // What was measured, and what it means: ratios, growth exponents and the bounds they must keep.
@@ -28,6 +30,10 @@ public:
     explicit Figures(double slack) : m_slack(slack) {}
 
     void add(const Figure& figure) { m_figures.push_back(figure); }
+    // Of our cost, from the smallest size to the largest.
+    void addGrowth(const QString& work, const QString& storage, double exponent) {
+        m_growth[{work, storage}] = exponent;
+    }
     // For people, one line per work, storage and size.
     QString table() const;
     // One sentence per broken bound.
@@ -43,19 +49,20 @@ private:
         int size = 0;
         std::optional<double> baseUs;
         double oursUs = 0;
+        std::optional<double> ratio;
         std::optional<double> maxRatio;
         // On the line of a work's greatest size.
         std::optional<double> growth, maxGrowth;
-
-        std::optional<double> ratio() const;
     };
 
-    std::optional<double> median(const QString& work, const QString& who, int size,
-                                 const QString& storage) const;
+    // Null where it was not measured.
+    const Figure* find(const QString& work, const QString& who, int size,
+                       const QString& storage) const;
     void judge(const Work& work, const QString& storage);
 
     double m_slack;
     std::vector<Figure> m_figures;
+    std::map<std::pair<QString, QString>, double> m_growth;
     std::vector<Line> m_lines;
     QStringList m_broken;
 };

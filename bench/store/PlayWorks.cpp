@@ -10,15 +10,16 @@ public:
     Skip(const Setting& setting, OrvoPlayLogicRequestKind::Enum kind)
         : ModuleTurns(setting, {1, setting.size}), m_kind(kind) {
         m_failed = !play(true);
-        for (int i = 0; kind == OrvoPlayLogicRequestKind::Previous && i < WayBack; ++i)
+        for (int i = 0; i < WayIn; ++i)
             m_failed = m_failed || !skip(OrvoPlayLogicRequestKind::Next);
     }
 
     bool ours() override { return !m_failed && skip(m_kind); }
 
 private:
-    // More than there are turns, and fewer than the shortest list has entries.
-    static constexpr int WayBack = 500;
+    // Begins somewhere within the list: it leaves the turns room on both sides also in the
+    // shortest.
+    static constexpr int WayIn = 500;
 
     bool skip(OrvoPlayLogicRequestKind::Enum kind) {
         OrvoPlayLogicRequest args;

@@ -1,11 +1,10 @@
 #include <algorithm>
 #include <benchmark/benchmark.h>
+#include <cmath>
 #include <cstdio>
-#include <ctime>
 #include <log4cplus/initializer.h>
 #include <log4cplus/nullappender.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <memory>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -14,6 +13,7 @@
 
 #include "CMLog.h"
 #include "Figures.h"
+#include "Lane.h"
 
 namespace {
 
@@ -27,31 +27,6 @@ struct Options {
     double slack = 1;
 };
 
-// In memory-backed storage nothing waits: the time of the processor is the time it takes, also when
-// others use the machine. On a disk the waiting counts.
-class Stopwatch {
-public:
-    explicit Stopwatch(bool waitingCounts)
-        : m_clock(waitingCounts ? CLOCK_MONOTONIC : CLOCK_THREAD_CPUTIME_ID) {}
-
-    template <typename Call>
-    bool time(Call call, std::vector<double>& us) const {
-        const double begin = now();
-        const bool ok = call();
-        us.push_back(now() - begin);
-        return ok;
-    }
-
-private:
-    double now() const {
-        timespec t{};
-        clock_gettime(m_clock, &t);
-        return double(t.tv_sec) * 1e6 + double(t.tv_nsec) / 1e3;
-    }
-
-    clockid_t m_clock;
-};
-
 double median(std::vector<double> values) {
     const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
     std::nth_element(values.begin(), middle, values.end());
@@ -61,95 +36,67 @@ double median(std::vector<double> values) {
 int turnsOf(const Work& work, const Setting& setting, bool isShort) {
     if (work.length == Work::Length::Short)
         return isShort ? 101 : 201;
-    const int many = setting.size >= 100000 ? 5 : setting.size >= 10000 ? 11 : 31;
+    const int many = setting.size >= 100000 ? 7 : setting.size >= 10000 ? 15 : 31;
     return isShort ? many / 2 : many;
 }
 
-struct Times {
-    std::vector<double> base;
-    std::vector<double> ours;
+// The middle one of the turns' ratios: both of a turn meet the same machine.
+double medianRatio(const Times& times) {
+    std::vector<double> ratios;
+    for (std::size_t i = 0; i < times.base.size(); ++i)
+        ratios.push_back(times.ours[i] / times.base[i]);
+    return median(ratios);
+}
+
+// One work on one storage at all its sizes, which take turns as well: what else the machine does
+// meets all of them.
+struct Series {
+    const Work& work;
+    std::vector<Setting> settings;
+    std::vector<int> turns;   // at each setting
+    std::vector<Times> times; // empty when it failed, or is still to be measured
+    // From the first size to the last, where there are several.
+    std::optional<double> growth;
+    bool isMeasured = false;
+
+    void measure();
 };
 
-// Empty when the work failed.
-Times measure(const Work& work, const Setting& setting, int count) {
-    const std::unique_ptr<Turns> turns = work.setUp(setting);
-    const Stopwatch watch(setting.storage == QLatin1String("disk"));
-    const bool hasBase = !work.base.isEmpty();
-    Times times;
+// The median of what our turns from this one on took.
+double medianSince(const Times& times, std::size_t first) {
+    return median({times.ours.begin() + std::ptrdiff_t(first), times.ours.end()});
+}
+
+void Series::measure() {
+    constexpr int MostRounds = 40;
+    const int rounds = std::min(MostRounds, *std::min_element(turns.begin(), turns.end()));
+    std::vector<std::unique_ptr<Lane>> lanes;
+    for (const Setting& setting : settings)
+        lanes.push_back(std::make_unique<Lane>(work, setting));
+    const double sizes = double(settings.back().size) / settings.front().size;
+    std::vector<double> exponents;
     bool ok = true;
-    const auto takeBase = [&] {
-        turns->prepareBase();
-        ok = ok && (!hasBase || watch.time([&] { return turns->base(); }, times.base));
-    };
-    const auto takeOurs = [&] {
-        turns->prepareOurs();
-        ok = ok && watch.time([&] { return turns->ours(); }, times.ours);
-    };
-    // The first turn of a short work fills the caches and is not counted.
-    const bool isWarmedUp = work.length == Work::Length::Short;
-    for (int i = isWarmedUp ? -1 : 0; i < count; ++i) {
-        // In turns, and each of the two as often first as second.
-        turns->prepare();
-        if (i % 2 == 0) {
-            takeBase();
-            takeOurs();
-        } else {
-            takeOurs();
-            takeBase();
+    for (int round = 0; ok && round < rounds; ++round) {
+        std::vector<double> medians;
+        for (std::size_t i = 0; ok && i < lanes.size(); ++i) {
+            const std::size_t known = lanes[i]->times().ours.size();
+            const int until = turns[i] * (round + 1) / rounds;
+            ok = lanes[i]->takeTurns(until - int(known));
+            medians.push_back(medianSince(lanes[i]->times(), known));
         }
-        if (!ok)
-            return {};
-        if (i < 0)
-            times = {};
+        exponents.push_back(std::log(medians.back() / medians.front()) / std::log(sizes));
     }
-    return times;
+    for (const std::unique_ptr<Lane>& lane : lanes)
+        times.push_back(ok ? lane->times() : Times());
+    if (ok && lanes.size() > 1)
+        growth = median(exponents);
+    isMeasured = true;
 }
 
-void writeAll(int file, const std::vector<double>& values) {
-    const std::size_t size = values.size() * sizeof(double);
-    if (write(file, values.data(), size) != ssize_t(size))
-        _exit(1);
-}
-
-std::vector<double> readSome(int file, int count) {
-    std::vector<double> values(std::size_t(count), 0.0);
-    auto* to = reinterpret_cast<char*>(values.data());
-    std::size_t missing = values.size() * sizeof(double);
-    while (missing > 0) {
-        const ssize_t got = read(file, to, missing);
-        if (got <= 0)
-            return {};
-        to += got;
-        missing -= std::size_t(got);
-    }
-    return values;
-}
-
-// In a process of its own: what an earlier work has left of the heap is no part of this one.
-Times measureApart(const Work& work, const Setting& setting, int count) {
-    int ends[2];
-    CM_ASSERT(pipe(ends) == 0, "no pipe");
-    const pid_t child = fork();
-    CM_ASSERT(child >= 0, "no process");
-    if (child == 0) {
-        const Times times = measure(work, setting, count);
-        writeAll(ends[1], times.ours);
-        writeAll(ends[1], times.base);
-        _exit(0);
-    }
-    close(ends[1]);
-    Times times;
-    times.ours = readSome(ends[0], count);
-    if (!times.ours.empty() && !work.base.isEmpty())
-        times.base = readSome(ends[0], count);
-    close(ends[0]);
-    int status = 0;
-    waitpid(child, &status, 0);
-    return status == 0 ? times : Times();
-}
-
-void run(benchmark::State& state, const Work& work, const Setting& setting, Figures& figures) {
-    const Times times = measureApart(work, setting, int(state.max_iterations));
+void run(benchmark::State& state, Series& series, std::size_t which, Figures& figures) {
+    if (!series.isMeasured)
+        series.measure();
+    const Times& times = series.times[which];
     if (times.ours.empty()) {
         state.SkipWithError("it did not work");
         return;
@@ -157,11 +104,17 @@ void run(benchmark::State& state, const Work& work, const Setting& setting, Figu
     auto time = times.ours.begin();
     for (auto _ : state)
         state.SetIterationTime(*time++ / 1e6);
+    const Work& work = series.work;
+    const Setting& setting = series.settings[which];
     figures.add(
         {work.name, QStringLiteral("orvo"), setting.size, setting.storage, median(times.ours)});
+    if (which + 1 == series.settings.size() && series.growth)
+        figures.addGrowth(work.name, setting.storage, *series.growth);
     if (!work.base.isEmpty()) {
-        figures.add({work.name, work.base, setting.size, setting.storage, median(times.base)});
-        state.counters["ratio"] = median(times.ours) / median(times.base);
+        const double ratio = medianRatio(times);
+        figures.add(
+            {work.name, work.base, setting.size, setting.storage, median(times.base), ratio});
+        state.counters["ratio"] = ratio;
     }
 }
 
@@ -232,32 +185,34 @@ std::vector<Work> chosenWorks(const Options& options) {
     return works;
 }
 
-void registerAll(const std::vector<Work>& works, const Options& options, Figures& figures) {
-    const auto registerOne = [&](const Work& work, const Setting& setting) {
-        const QString name = QStringLiteral("%1, %2, %3")
-                                 .arg(work.name, setting.storage, QString::number(setting.size));
-        benchmark::RegisterBenchmark(name.toUtf8().constData(),
-                                     [&figures, &work, setting](benchmark::State& state) {
-                                         run(state, work, setting, figures);
-                                     })
-            ->Iterations(turnsOf(work, setting, options.isShort))
-            ->UseManualTime()
-            ->Unit(benchmark::kMicrosecond);
-    };
+std::vector<std::unique_ptr<Series>> registerAll(const std::vector<Work>& works,
+                                                 const Options& options, Figures& figures) {
+    std::vector<std::unique_ptr<Series>> all;
     for (const auto& [storage, folder] :
          {std::pair(QStringLiteral("memory"), options.memory), {"disk", options.disk}}) {
         if (folder.isEmpty())
             continue;
         for (const Work& work : works) {
-            if (work.onlySize) {
-                registerOne(work, {storage, folder,
-                                   options.isShort ? options.sizes.back() : *work.onlySize});
-                continue;
+            const int onlySize = options.isShort ? options.sizes.back() : work.onlySize.value_or(0);
+            all.push_back(std::make_unique<Series>(Series{work, {}, {}, {}, {}}));
+            Series& series = *all.back();
+            for (const int size : work.onlySize ? std::vector<int>{onlySize} : options.sizes) {
+                const std::size_t which = series.settings.size();
+                series.settings.push_back({storage, folder, size});
+                series.turns.push_back(turnsOf(work, series.settings.back(), options.isShort));
+                const QString name =
+                    QStringLiteral("%1, %2, %3").arg(work.name, storage, QString::number(size));
+                benchmark::RegisterBenchmark(name.toUtf8().constData(),
+                                             [&figures, &series, which](benchmark::State& state) {
+                                                 run(state, series, which, figures);
+                                             })
+                    ->Iterations(series.turns.back())
+                    ->UseManualTime()
+                    ->Unit(benchmark::kMicrosecond);
             }
-            for (const int size : options.sizes)
-                registerOne(work, {storage, folder, size});
         }
     }
+    return all;
 }
 
 bool writeFile(const QString& fileName, const QByteArray& text) {
@@ -277,7 +232,7 @@ int main(int argc, char** argv) {
     const Options options = readOptions(app);
     const std::vector<Work> works = chosenWorks(options);
     Figures figures(options.slack);
-    registerAll(works, options, figures);
+    const auto series = registerAll(works, options, figures);
     Progress progress;
     benchmark::RunSpecifiedBenchmarks(&progress);
     figures.judge(works);

@@ -12,6 +12,8 @@
 namespace {
 // Longer than the device itself waits for a module's answer.
 constexpr int PatienceMs = 60000;
+// In a stream of events the device shows every 15 s that it is there.
+constexpr int SilenceMs = 45000;
 constexpr int Ok = 200;
 constexpr int NotFound = 404;
 constexpr int Refused = 422;
@@ -46,6 +48,18 @@ std::optional<QJsonObject> ApiClient::tryGet(const QString& resource, const QUrl
     int refused = 0;
     const QJsonObject answer = send("GET", resource, query, {}, &refused);
     return refused ? std::nullopt : std::optional(answer);
+}
+
+QNetworkReply* ApiClient::openEvents(const QStringList& watched, const QByteArray& lastId) {
+    QVector<QPair<QString, QString>> items;
+    for (const QString& path : watched)
+        items.append({QStringLiteral("watch"), path});
+    QNetworkRequest outgoing = request(QStringLiteral("/api/events"), query(items));
+    outgoing.setRawHeader("Accept", "text/event-stream");
+    outgoing.setTransferTimeout(SilenceMs);
+    if (!lastId.isEmpty())
+        outgoing.setRawHeader("Last-Event-ID", lastId);
+    return m_manager.get(outgoing);
 }
 
 QJsonObject ApiClient::send(const QByteArray& method, const QString& resource,

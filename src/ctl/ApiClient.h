@@ -24,6 +24,10 @@ public:
         return send("PUT", resource, {}, body);
     }
 
+    // The stream of events from the one after `lastId` on, or from now on; the caller deletes it.
+    // `watched`: the values whose changes come only while somebody watches.
+    QNetworkReply* openEvents(const QStringList& watched, const QByteArray& lastId);
+
     // Why it was refused, in the device's own words where it has some.
     QString refusal(int status, const QJsonObject& answer) const;
 

@@ -11,25 +11,14 @@
 #include "Output.h"
 
 namespace {
-// The device shows every 15 s that it is there.
-constexpr int SilenceMs = 45000;
 constexpr int RetryMs = 1000;
 constexpr int Ok = 200;
 } // namespace
 
 // Reads one connection to its end. False when there never was one.
 bool EventReader::readConnection(const Handler& handler) {
-    QVector<QPair<QString, QString>> query;
-    for (const QString& path : m_watched)
-        query.append({QStringLiteral("watch"), path});
-    QNetworkRequest request =
-        m_client->request(QStringLiteral("/api/events"), ApiClient::query(query));
-    request.setRawHeader("Accept", "text/event-stream");
-    request.setTransferTimeout(SilenceMs);
-    if (!m_parser.lastId().isEmpty())
-        request.setRawHeader("Last-Event-ID", m_parser.lastId());
     m_parser.restart();
-    const std::unique_ptr<QNetworkReply> reply(m_client->manager().get(request));
+    const std::unique_ptr<QNetworkReply> reply(m_client->openEvents(m_watched, m_parser.lastId()));
     QEventLoop loop;
     QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
     QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, [&] {

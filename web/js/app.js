@@ -4,30 +4,47 @@
 import { artworkUrl, getModules, getPaths, sendData } from './core/api.js';
 import { EventFeed } from './core/events.js';
 import { samePlace } from './core/paths.js';
-import { Adding } from './model/adder.js';
 import { AddMode, Commands } from './model/commands.js';
 import { Covers } from './model/covers.js';
 import { allRows } from './model/liststore.js';
 import { Player } from './model/player.js';
 import { RowType, isCreate, isSwitch, metaData } from './model/rows.js';
 import { Address } from './view/address.js';
-import { setText } from './view/dom.js';
+import { el, setText } from './view/dom.js';
 import { icon } from './view/icons.js';
-import { showHelp } from './view/help.js';
 import { wireKeys } from './view/keys.js';
-import { Menu } from './view/menu.js';
 import { Pane } from './view/pane.js';
-import { PlayerBar } from './view/playerbar.js';
-import { watchAdding } from './view/progress.js';
 import { attempt, tellError } from './view/toast.js';
-import { askToken } from './view/tokencard.js';
 
 // Where the trees begin. A module that is not loaded has none.
 const FilesRoot = 'files:tree';
 const Narrow = '(max-width: 47.49rem)';
 const Wide = '(min-width: 75rem)';
+const LaterStyles = ['/css/player.css', '/css/overlay.css'];
+const RetryMs = 1500;
 
-export class App {
+const after = (ms) => new Promise((done) => setTimeout(done, ms));
+
+// With the beginning of the second frame the first one is on its way to the screen. A page that nobody sees has none.
+async function painted() {
+  for (let frame = 0; frame < 2 && !document.hidden; frame += 1) await new Promise(requestAnimationFrame);
+  await after(0);
+}
+
+const addStyle = (href) => new Promise((done) =>
+  document.head.append(el('link', { rel: 'stylesheet', href, onload: done, onerror: done })));
+
+async function loadParts() {
+  for (;;) {
+    try {
+      return await import('./later.js');
+    } catch {
+      await after(RetryMs);
+    }
+  }
+}
+
+class App {
   constructor(paths, modules) {
     this.paths = paths;
     this.live = document.getElementById('live');
@@ -37,13 +54,12 @@ export class App {
     this.narrow = matchMedia(Narrow);
     this.feed = new EventFeed();
     this.setModules(modules);
-    this.menu = new Menu(this);
+    this.parts = new Promise((done) => (this.takeParts = done)); // what later.js has
     this.nav = new Pane(this, 'nav', document.getElementById('nav'));
     this.main = new Pane(this, 'main', document.getElementById('main'), this.nav);
     this.side = new Pane(this, 'side', document.getElementById('side'));
     this.panes = [this.nav, this.main, this.side];
     this.player.on('failed', (message) => tellError({ message }));
-    this.bar = new PlayerBar(document.getElementById('player'), this.player, { onJump: () => this.jumpToCurrent() });
     this.address = new Address(this);
   }
 
@@ -54,22 +70,41 @@ export class App {
   }
 
   start() {
-    for (const place of document.querySelectorAll('.tab-icon')) place.append(icon(place.dataset.icon));
-    this.wireFeed();
-    wireKeys(this);
     this.nav.begin({ path: this.paths.OrvoPlayListsRootPath });
-    this.side.begin({ path: FilesRoot, title: 'Music' });
+    this.wireFeed();
+    this.afterFirstRows();
+    if (location.hash) this.openPlaces();
+    wireKeys(this);
+    for (const place of document.querySelectorAll('.tab-icon')) place.append(icon(place.dataset.icon));
     document.getElementById('tab-lists').addEventListener('click', () => this.showLists());
     document.getElementById('tab-music').addEventListener('click', () => this.showSide(true));
-    document.getElementById('help').addEventListener('click', showHelp);
+    document.getElementById('help').addEventListener('click', () => this.showHelp());
     this.narrow.addEventListener('change', () => this.showHeads());
-    const { nav } = this;
-    nav.top.store.on('rows', () => this.followParents());
-    const measured = nav.top.store.on('rows', () => {
-      measured();
-      requestAnimationFrame(() => performance.mark('first-rows'));
+  }
+
+  // The lists are on screen before anything else is begun.
+  async afterFirstRows() {
+    const { store } = this.nav.top;
+    await new Promise((done) => {
+      for (const name of ['rows', 'error', 'closed']) store.on(name, done);
     });
+    requestAnimationFrame(() => performance.mark('first-rows'));
+    await painted();
+    const loading = Promise.all([loadParts(), ...LaterStyles.map(addStyle)]);
+    if (!this.isPlaced) this.openPlaces();
+    const [parts] = await loading;
+    this.menu = new parts.Menu(this);
+    this.bar = new parts.PlayerBar(document.getElementById('player'), this.player, { onJump: () => this.jumpToCurrent() });
+    this.takeParts(parts);
+  }
+
+  // What stands beside the lists.
+  openPlaces() {
+    this.isPlaced = true;
+    this.side.begin({ path: FilesRoot, title: 'Music' });
+    this.nav.top.store.on('rows', () => this.followParents());
     this.address.apply(matchMedia(Wide).matches);
+    this.followParents();
     this.refreshPlayer();
   }
 
@@ -83,7 +118,7 @@ export class App {
       this.player.apply(event);
       this.covers.apply(event);
       for (const pane of this.panes) pane.apply(event);
-      this.menu.apply(event);
+      this.menu?.apply(event);
     });
     this.feed.onResync(() => this.readEverythingAgain());
     this.feed.onOnline((online) => {
@@ -97,7 +132,7 @@ export class App {
   async readEverythingAgain() {
     this.covers.forgetAll();
     for (const pane of this.panes) pane.reread();
-    this.menu.reread();
+    this.menu?.reread();
     try {
       this.setModules(await getModules());
     } catch {
@@ -132,7 +167,7 @@ export class App {
   }
 
   closePlace(path) {
-    this.menu.closePlace(path);
+    this.menu?.closePlace(path);
     for (const pane of this.panes) {
       for (const screen of [...pane.stack]) {
         if (pane !== this.nav && samePlace(screen.path, path)) pane.remove(screen);
@@ -141,14 +176,19 @@ export class App {
   }
 
   // Menus.
+  async openMenu(page, how) {
+    await this.parts;
+    this.menu.open(page, how);
+  }
+
   openPublishedMenu({ path }, anchor, row, urls) {
     const own = artworkUrl(metaData(row).artworkUrl);
     const { artist } = metaData(row);
-    this.menu.open({ path }, { anchor, head: { title: row.title, subtitle: artist, urls: own ? [own] : urls ?? [] } });
+    this.openMenu({ path }, { anchor, head: { title: row.title, subtitle: artist, urls: own ? [own] : urls ?? [] } });
   }
 
   editRow(row, anchor) {
-    this.menu.open({ title: row.title, field: row, openMade: isCreate(row) }, { anchor, head: { title: row.title, urls: [] } });
+    this.openMenu({ title: row.title, field: row, openMade: isCreate(row) }, { anchor, head: { title: row.title, urls: [] } });
   }
 
   askFor(row, anchor) {
@@ -156,7 +196,7 @@ export class App {
       this.menu.close();
       attempt(this.carryOut(row), anchor);
     };
-    this.menu.open({ title: 'Sure?', items: [{ title: row.title, icon: 'check', run }] },
+    this.openMenu({ title: 'Sure?', items: [{ title: row.title, icon: 'check', run }] },
       { anchor, head: { title: row.title, urls: [] } });
   }
 
@@ -176,7 +216,7 @@ export class App {
     const title = rows.length === 1 ? rows[0].title : `${rows.length} chosen`;
     const target = this.addTarget(screen);
     const page = target ? this.addPage(rows, target, screen) : this.targetPage(rows, screen);
-    this.menu.open(page, { anchor, head: { title, urls } });
+    this.openMenu(page, { anchor, head: { title, urls } });
   }
 
   // Where music goes unless another list is chosen: what is open beside it.
@@ -217,7 +257,8 @@ export class App {
     };
   }
 
-  add(rows, target, mode) {
+  async add(rows, target, mode) {
+    const { Adding, watchAdding } = await this.parts;
     const adding = new Adding({ commands: this.commands, plid: target.plid, path: target.path, mode, rows, title: target.title });
     watchAdding(adding, document.getElementById('progress'));
     adding.run();
@@ -342,12 +383,17 @@ export class App {
     this.address.write();
   }
 
+  async showHelp() {
+    const { showHelp } = await this.parts;
+    showHelp();
+  }
+
   say(text) {
     setText(this.live, text);
   }
 }
 
-export async function startApp() {
+async function startApp() {
   const begin = async () => {
     const [paths, modules] = await Promise.all([getPaths(), getModules()]);
     return new App(paths, modules);
@@ -358,15 +404,19 @@ export async function startApp() {
       app = await begin();
     } catch (error) {
       if (error.status === 401) {
+        await Promise.all(LaterStyles.map(addStyle));
+        const { askToken } = await import('./view/tokencard.js');
         await askToken();
         location.reload();
         return null;
       }
       document.getElementById('banner').hidden = false;
-      await new Promise((done) => setTimeout(done, 1500));
+      await after(RetryMs);
     }
   }
   document.getElementById('banner').hidden = true;
   app.start();
   return app;
 }
+
+startApp();

@@ -6,8 +6,6 @@
 #include "ApiClient.h"
 
 namespace {
-// The device shows every 15 s that it is there.
-constexpr int SilenceMs = 45000;
 constexpr int RetryMs = 1000;
 // A blink of the connection is nobody's concern.
 constexpr int ShowLossAfterMs = 400;
@@ -36,18 +34,9 @@ void EventFeed::start() {
 }
 
 void EventFeed::connectNow() {
-    QVector<QPair<QString, QString>> query;
-    for (const QString& path : m_watched)
-        query.append({QStringLiteral("watch"), path});
-    QNetworkRequest request =
-        m_client->request(QStringLiteral("/api/events"), ApiClient::query(query));
-    request.setRawHeader("Accept", "text/event-stream");
-    request.setTransferTimeout(SilenceMs);
-    if (!m_parser.lastId().isEmpty())
-        request.setRawHeader("Last-Event-ID", m_parser.lastId());
     m_parser.restart();
     m_isOpen = false;
-    m_reply = m_client->manager().get(request);
+    m_reply = m_client->openEvents(m_watched, m_parser.lastId());
     connect(m_reply, &QNetworkReply::metaDataChanged, this, &EventFeed::onOpened);
     connect(m_reply, &QNetworkReply::readyRead, this, &EventFeed::onData);
     connect(m_reply, &QNetworkReply::finished, this, &EventFeed::onEnded);

@@ -35,33 +35,65 @@ enum ItemColumn {
     OrvoRolesColumn,
 };
 
+// An item with all its keys and no values, and the columns that belong to the values in the order
+// of the hash, which every copy has.
+struct EmptyItem {
+    EmptyItem();
+
+    QVariantHash hash;
+    std::array<int, OrvoRolesColumn + 1> columns{};
+};
+
+EmptyItem::EmptyItem() {
+    using Item = OrvoPlayListItem;
+    hash.reserve(int(columns.size()));
+    int column = 0;
+    for (const QString& key :
+         {Item::SequenceNumber(), Item::Uid(), Item::Title(), Item::Artist(), Item::Album(),
+          Item::ArtworkUrl(), Item::Genre(), Item::DurationSeconds(), Item::Url(),
+          Item::ServiceId(), Item::OrvoRoles()})
+        hash.insert(key, column++);
+    auto inOrder = columns.begin();
+    for (QVariant& value : hash) {
+        *inOrder++ = value.toInt();
+        value.clear();
+    }
+}
+
 // Makes items of item rows. Entries that follow each other are often of one album: what a row has
-// in common with the one before is shared.
+// in common with the one before is shared. No key is looked up.
 class ItemMaker {
 public:
     OrvoPlayListItem operator()(const Sqlite3Statement& row) {
-        using Item = OrvoPlayListItem;
-        const auto shared = [this, &row](int column) {
-            QString& last = m_last[std::size_t(column)];
-            return last = row.columnText(column, last);
-        };
-        QVariantHash item;
-        item.reserve(OrvoRolesColumn + 1);
-        item.insert(Item::SequenceNumber(), row.columnInt(SequenceNumberColumn));
-        item.insert(Item::Uid(), row.columnInt(UidColumn));
-        item.insert(Item::Title(), row.columnText(TitleColumn));
-        item.insert(Item::Artist(), shared(ArtistColumn));
-        item.insert(Item::Album(), shared(AlbumColumn));
-        item.insert(Item::ArtworkUrl(), shared(ArtworkUrlColumn));
-        item.insert(Item::Genre(), shared(GenreColumn));
-        item.insert(Item::DurationSeconds(), row.columnInt(DurationSecondsColumn));
-        item.insert(Item::Url(), row.columnText(UrlColumn));
-        item.insert(Item::ServiceId(), shared(ServiceIdColumn));
-        item.insert(Item::OrvoRoles(), row.columnText(OrvoRolesColumn));
+        static const EmptyItem emptyItem;
+        QVariantHash item = emptyItem.hash;
+        auto column = emptyItem.columns.cbegin();
+        for (QVariant& value : item)
+            value = read(row, *column++);
         return OrvoPlayListItem(item);
     }
 
 private:
+    QVariant read(const Sqlite3Statement& row, int column) {
+        switch (column) {
+        case SequenceNumberColumn:
+        case UidColumn:
+        case DurationSecondsColumn:
+            return row.columnInt(column);
+        case ArtistColumn:
+        case AlbumColumn:
+        case ArtworkUrlColumn:
+        case GenreColumn:
+        case ServiceIdColumn: {
+            QString& text = m_last[std::size_t(column)];
+            row.updateText(column, &text);
+            return text;
+        }
+        default:
+            return row.columnText(column);
+        }
+    }
+
     std::array<QString, OrvoRolesColumn + 1> m_last;
 };
 
@@ -90,6 +122,7 @@ QVector<Run> runsOf(QList<int> indices) {
 // visitor must not change the playlist.
 template <typename Visit>
 bool Database::visitItems(int playlistUid, int from, int to, Visit visit) {
+    const ConnectionLock lock(m_connection);
     StatementScope entries(statement(StatementId::GetItems));
     const bool bound =
         entries->bindInt(1, playlistUid) && entries->bindInt(2, from) && entries->bindInt(3, to);

@@ -4,6 +4,21 @@
 
 #include "Database.h"
 
+// The connection's own mutex, which SQLite's every call takes: held throughout, taking it again is
+// next to nothing.
+class ConnectionLock {
+public:
+    explicit ConnectionLock(sqlite3* connection) : m_mutex(sqlite3_db_mutex(connection)) {
+        sqlite3_mutex_enter(m_mutex);
+    }
+    ~ConnectionLock() { sqlite3_mutex_leave(m_mutex); }
+    ConnectionLock(const ConnectionLock&) = delete;
+    ConnectionLock& operator=(const ConnectionLock&) = delete;
+
+private:
+    sqlite3_mutex* m_mutex;
+};
+
 // A transaction that is rolled back at the end of its block unless it was committed.
 // When begun() is false nothing was opened: nothing may be run, and nothing is rolled back, since
 // whatever transaction stood in the way is somebody else's.
@@ -16,6 +31,7 @@ public:
 
     Transaction(Database& database, Lock lock)
         : m_database(database),
+          m_lock(database.m_connection),
           m_open((lock == Lock::AtOnce ? database.beginImmediateTransaction()
                                        : database.beginTransaction()) == SQLITE_OK) {}
     ~Transaction() {
@@ -33,5 +49,6 @@ public:
 
 private:
     Database& m_database;
+    ConnectionLock m_lock;
     bool m_open;
 };

@@ -107,12 +107,11 @@ QString Sqlite3Statement::columnText(const int& index) const {
                              sqlite3_column_bytes(m_statement, index));
 }
 
-QString Sqlite3Statement::columnText(const int& index, const QString& likely) const {
+void Sqlite3Statement::updateText(int index, QString* text) const {
     const unsigned char* utf8 = sqlite3_column_text(m_statement, index);
     const int size = sqlite3_column_bytes(m_statement, index);
-    if (size > 0 && isAscii(likely, utf8, size))
-        return likely;
-    return QString::fromUtf8(reinterpret_cast<const char*>(utf8), size);
+    if (size == 0 || !isAscii(*text, utf8, size))
+        *text = QString::fromUtf8(reinterpret_cast<const char*>(utf8), size);
 }
 
 void Sqlite3Statement::appendColumnText(int index, QByteArray* utf8) const {

@@ -31,8 +31,8 @@ public:
     int columnInt(const int& index) const;
     // NULL reads as an empty text.
     QString columnText(const int& index) const;
-    // The same; where `likely` is that text already, it is shared instead of made again.
-    QString columnText(const int& index, const QString& likely) const;
+    // The same into `text`, which stays, and stays shared, where it is that text already.
+    void updateText(int index, QString* text) const;
     // Appends the text's bytes.
     void appendColumnText(int index, QByteArray* utf8) const;
 

@@ -72,10 +72,20 @@ function mainThread(events) {
 
 const tasksOf = (events, main) => events.filter((event) => isTask(event) && on(main)(event)).map(({ tdur = 0 }) => tdur / 1000);
 
+// Each since the one before, or since the compositor last said that there was nothing to draw: a list at rest is not
+// late. A frame that was wanted and not drawn in time is told apart from that, and counts.
 function drawnFrames(events, main) {
-  const times = events.filter(({ name, pid }) => name === 'DrawFrame' && pid === main.pid).map(({ ts }) => ts / 1000)
+  const times = (found) => events.filter((event) => event.pid === main.pid && found(event)).map(({ ts }) => ts / 1000)
     .sort((a, b) => a - b);
-  return times.slice(1).map((time, i) => time - times[i]);
+  const drawn = times(({ name }) => name === 'DrawFrame');
+  const resting = times(({ name, args }) => name === 'PipelineReporter' &&
+    (args.chrome_frame_reporter ?? args.frame_reporter)?.state === 'STATE_NO_UPDATE_DESIRED');
+  let at = 0;
+  return drawn.slice(1).map((time, i) => {
+    let since = drawn[i];
+    for (; at < resting.length && resting[at] < time; at += 1) since = Math.max(since, resting[at]);
+    return time - since;
+  });
 }
 
 // The longest single piece of each kind of work, in milliseconds.

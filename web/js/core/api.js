@@ -1,6 +1,6 @@
 // The device over HTTP. Every failure is an ApiError whose message is what the device said.
 
-import { takeFirst } from './boot.js';
+import { rowsUrl, takeFirst } from './boot.js';
 
 export class ApiError extends Error {
   constructor(message, { name = 'Error', title = 'Error', status = 0 } = {}) {
@@ -60,10 +60,9 @@ async function request(url, options) {
 
 const query = (values) => new URLSearchParams(values).toString();
 
-export function getRows(path, from, to, roles) {
-  const values = { path, from, to };
-  if (roles) values.roles = roles.join(',');
-  return request(`/api/rows?${query(values)}`);
+export async function getRows(path, from, to, roles) {
+  const url = rowsUrl(path, from, to, roles);
+  return (await takeFirst(url)?.catch(() => null)) ?? request(url);
 }
 
 export async function getValue(path) {

@@ -2,8 +2,8 @@
 // from one tree to another. Everything else comes from the rows themselves.
 
 import { getRows, sendData } from '../core/api.js';
+import { RowRoles } from '../core/boot.js';
 import { basePart, components, params } from '../core/paths.js';
-import { RowRoles } from './rows.js';
 
 export const AddMode = { Now: 0, Next: 1, Append: 2 };
 

@@ -8,10 +8,9 @@
 
 import { Emitter } from '../core/emitter.js';
 import { getRows } from '../core/api.js';
+import { PageSize, RowRoles } from '../core/boot.js';
 import { isAtOrBelow, samePlace } from '../core/paths.js';
-import { RowRoles } from './rows.js';
 
-export const PageSize = 100;
 const ScanPageSize = 500;
 const MostRequests = 2;
 const KeepAtMost = 4000;

@@ -11,10 +11,6 @@ export const RowType = {
 
 export const ContextMenu = 100; // container type
 
-export const RowRoles = [
-  'title', 'path', 'type', 'containerType', 'value', 'modifiable', 'id', 'context', 'mediaData',
-];
-
 export const isFocusable = (row) =>
   !row || (row.type !== RowType.Header && row.type !== RowType.Separator);
 

@@ -1,6 +1,6 @@
 // A square picture: artwork, a collage of up to four, or a colour of its own with an initial.
 
-import { el } from './dom.js';
+import { el, setText } from './dom.js';
 import { icon } from './icons.js';
 
 // The same title always has the same colour.
@@ -47,6 +47,7 @@ export class Artwork {
     this.fallback = key;
     this.element.style.setProperty('--hue', hueOf(title).toFixed(1));
     const first = [...title.trim()][0] ?? '';
-    this.initial.replaceChildren(symbol ? icon(symbol) : first.toLocaleUpperCase());
+    if (symbol) this.initial.replaceChildren(icon(symbol));
+    else setText(this.initial, first.toLocaleUpperCase());
   }
 }

@@ -15,9 +15,11 @@ export function el(spec, attributes = {}, ...children) {
   return element;
 }
 
-// Assigning the same text again would still cost a layout.
+// Assigning the same text again would still cost a layout, and another text node a new place in it.
 export function setText(element, text) {
-  if (element.textContent !== text) element.textContent = text;
+  const node = element.firstChild;
+  if (node?.nodeType !== Node.TEXT_NODE || node.nextSibling) element.textContent = text;
+  else if (node.data !== text) node.data = text;
 }
 
 export function setAttribute(element, name, value) {

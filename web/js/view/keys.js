@@ -1,6 +1,5 @@
 // The keys that work anywhere on the page.
 
-import { showHelp } from './help.js';
 import { attempt } from './toast.js';
 
 const isTyping = (target) => target.matches?.('input:not([type=range]), textarea, [contenteditable]');
@@ -17,16 +16,16 @@ function press(button) {
 }
 
 export function wireKeys(app) {
-  const transport = app.bar.transport;
+  const onBar = (button) => app.bar && press(app.bar.transport[button]);
   const keys = {
     '/': () => app.shownScreen.find(),
-    '?': () => showHelp(),
-    n: () => press(transport.next),
-    p: () => press(transport.previous),
+    '?': () => app.showHelp(),
+    n: () => onBar('next'),
+    p: () => onBar('previous'),
     j: () => attempt(app.jumpToCurrent(), null),
     ' ': (event) => {
       if (hasOwnSpace(event.target)) return false;
-      press(transport.play);
+      onBar('play');
       return true;
     },
   };

@@ -14,7 +14,11 @@ import { handleListKey } from './listkeys.js';
 const Overscan = 6;
 // Faster than this, in screens per second, rows fly by and pictures wait.
 const FlyingBy = 4;
+// Faster than this nobody could read them: their places are shown, and nothing is asked for.
+const Blurred = 25;
 const SettleMs = 110;
+// So many rows are given their texts in one frame, the others in the next ones.
+const FillPerFrame = 8;
 // What a recycled row shows: neither a row nor one that is on its way.
 const Nothing = Symbol('nothing');
 
@@ -37,7 +41,6 @@ export class ListView extends Emitter {
     this.lastTop = 0;
     this.lastTime = 0;
     this.wire();
-    this.measure();
   }
 
   wire() {
@@ -60,6 +63,7 @@ export class ListView extends Emitter {
     this.body.addEventListener('dblclick', (event) => this.onDoubleClick(event));
     this.body.addEventListener('keydown', (event) => handleListKey(this, event));
     this.body.addEventListener('focusin', (event) => this.onFocusIn(event));
+    this.body.addEventListener('pointerover', (event) => this.rowOf(event.target)?.meet());
     this.body.addEventListener('contextmenu', (event) => this.onContextMenu(event));
   }
 
@@ -194,7 +198,7 @@ export class ListView extends Emitter {
     if (!this.frame) {
       this.frame = requestAnimationFrame((now) => {
         this.frame = 0;
-        this.render(now);
+        this.render(now, this.views.size ? FillPerFrame : Infinity);
       });
     }
   }
@@ -204,7 +208,8 @@ export class ListView extends Emitter {
     this.schedule();
   }
 
-  render(now = performance.now()) {
+  // `fill`: how many rows may be given other texts; without a limit all are shown at once.
+  render(now = performance.now(), fill = Infinity) {
     const { scroller, store, metrics } = this;
     const height = scroller.clientHeight;
     if (!height || !store.isLoaded) {
@@ -214,6 +219,8 @@ export class ListView extends Emitter {
     const scrolled = scroller.scrollTop;
     const speed = Math.abs(scrolled - this.lastTop) / Math.max(1, now - this.lastTime) * 1000 / height;
     this.plain = now - this.lastTime < 100 && speed > FlyingBy;
+    this.blurred = this.plain && speed > Blurred && fill !== Infinity;
+    this.fill = fill;
     this.lastTop = scrolled;
     this.lastTime = now;
     if (this.plain) {
@@ -227,26 +234,37 @@ export class ListView extends Emitter {
     const beyond = this.plain ? 1 : Overscan;
     const from = Math.max(0, first - beyond);
     const to = Math.min(store.count, last + 1 + beyond);
-    this.showRange(from, to);
-    store.want(from, to);
+    this.showRange(from, to, first);
+    if (!this.blurred) store.want(from, to);
     this.stale = false;
+    if (this.fill < 0) this.schedule();
   }
 
-  showRange(from, to) {
+  // Those in view first, from the top.
+  showRange(from, to, first) {
     const kept = this.views.get(this.active);
     const keepActive = kept && this.active < this.store.count && kept.element.contains(document.activeElement);
     for (const [index, view] of this.views) {
       if ((index >= from && index < to) || (keepActive && index === this.active) || index === this.pinned) continue;
       this.views.delete(index);
-      view.element.hidden = true;
       this.free.push(view);
     }
-    for (let i = from; i < to; i += 1) this.showRow(i);
+    for (let i = first; i < to; i += 1) this.showRow(i);
+    for (let i = first - 1; i >= from; i -= 1) this.showRow(i);
     if (keepActive && (this.active < from || this.active >= to)) this.showRow(this.active);
     if (this.pinned >= 0 && (this.pinned < from || this.pinned >= to)) this.showRow(this.pinned);
+    this.putAway();
     // Somewhere the Tab key must lead to.
     if (!this.views.has(this.active)) this.tabStop(this.firstFocusable(Math.max(from, 0), to));
     else this.tabStop(this.active);
+  }
+
+  // Hiding and showing costs a layout: while rows fly by those without a place are only moved away.
+  putAway() {
+    for (const view of this.free) {
+      if (view.index >= 0) view.park();
+      if (!this.plain) view.element.hidden = true;
+    }
   }
 
   firstFocusable(from, to) {
@@ -266,13 +284,14 @@ export class ListView extends Emitter {
     let view = this.views.get(index);
     if (!view) {
       view = this.free.pop() ?? this.makeView();
-      view.element.hidden = false;
-      view.shownRow = Nothing;
+      if (view.element.hidden) view.element.hidden = false;
+      // Every row that is on its way looks the same.
+      if (view.shownRow) view.shownRow = Nothing;
       this.views.set(index, view);
     }
     const top = this.metrics.topOf(index) + (this.shift ? this.shift(index) : 0);
     view.place(index, top, this.metrics.heightOf(index));
-    const row = this.store.row(index);
+    const row = this.rowToShow(index, view);
     const plain = this.plain && view.shownRow !== row;
     if (!this.stale && view.shownRow === row && !view.wasPlain) return;
     view.shownRow = row;
@@ -293,8 +312,19 @@ export class ListView extends Emitter {
     });
   }
 
+  rowToShow(index, view) {
+    const row = this.store.row(index);
+    if (!row || view.shownRow === row) return row;
+    if (!this.blurred) {
+      this.fill -= 1;
+      if (this.fill >= 0) return row;
+    }
+    return view.shownRow === Nothing ? undefined : view.shownRow;
+  }
+
   makeView() {
     const view = new RowView();
+    view.shownRow = Nothing;
     this.body.append(view.element);
     return view;
   }

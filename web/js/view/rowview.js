@@ -27,24 +27,51 @@ function symbolOf(row) {
 export class RowView {
   constructor() {
     this.artwork = new Artwork();
-    this.check = el('span.check', { 'aria-hidden': 'true' }, icon('check'));
     this.title = el('span.row-title');
     this.artist = el('span.row-artist');
     this.album = el('span.row-album');
     this.subtitle = el('span.row-subtitle', {}, this.artist, this.album);
-    this.playIcon = icon('play');
-    this.bars = el('span.bars', { 'aria-hidden': 'true' }, el('i'), el('i'), el('i'));
-    this.artwork.element.append(el('span.art-play', {}, this.playIcon), this.bars);
     this.detail = el('span.row-detail');
-    this.switch = el('button.switch', { type: 'button', role: 'switch', tabindex: '-1', 'data-role': 'switch' });
     this.moreIcon = icon('more');
     this.more = el('button.icon-button.row-more', { type: 'button', tabindex: '-1', 'data-role': 'more' }, this.moreIcon);
-    this.grip = el('span.grip', { 'aria-hidden': 'true', 'data-role': 'grip' }, icon('grip'));
-    this.main = el('div.row-main', { role: 'gridcell' }, this.check, this.artwork.element,
+    this.main = el('div.row-main', { role: 'gridcell' }, this.artwork.element,
       el('span.row-texts', {}, this.title, this.subtitle));
-    this.end = el('div.row-end', { role: 'gridcell' }, this.detail, this.switch, this.more, this.grip);
+    this.end = el('div.row-end', { role: 'gridcell' }, this.detail, this.more);
     this.element = el('div.row', { role: 'row', tabindex: '-1' }, this.main, this.end);
     this.index = -1;
+  }
+
+  // What few rows ever show is made when the first of them does.
+  needSwitch() {
+    if (this.switch) return;
+    this.switch = el('button.switch', { type: 'button', role: 'switch', tabindex: '-1', 'data-role': 'switch' });
+    this.more.before(this.switch);
+  }
+
+  needBars() {
+    this.bars ??= this.artwork.element.appendChild(
+      el('span.bars', { 'aria-hidden': 'true' }, el('i'), el('i'), el('i')));
+  }
+
+  needMarks() {
+    if (this.check) return;
+    this.check = el('span.check', { 'aria-hidden': 'true' }, icon('check'));
+    this.grip = el('span.grip', { 'aria-hidden': 'true', 'data-role': 'grip' }, icon('grip'));
+    this.main.prepend(this.check);
+    this.end.append(this.grip);
+  }
+
+  // A mouse is above it.
+  meet() {
+    this.playOffer ??= this.artwork.element.appendChild(el('span.art-play', {}, icon('play')));
+  }
+
+  // Out of the way, until another row needs it.
+  park() {
+    this.index = -1;
+    this.top = null;
+    this.element.style.transform = 'translateY(-1000px)';
+    delete this.element.dataset.index;
   }
 
   place(index, top, height) {
@@ -76,6 +103,8 @@ export class RowView {
     setAttribute(this.element, 'aria-selected', row && look.selectable ? String(Boolean(look.selected)) : null);
     setAttribute(this.element, 'aria-current', look.opened ? 'page' : look.current ? 'true' : null);
     this.row = row;
+    if (look.current) this.needBars();
+    if (look.selecting) this.needMarks();
     if (!row) {
       setText(this.title, '\u00a0');
       setText(this.artist, '');
@@ -83,7 +112,7 @@ export class RowView {
       setText(this.detail, '');
       this.artwork.set({});
       this.more.hidden = true;
-      this.switch.hidden = true;
+      if (this.switch) this.switch.hidden = true;
       return;
     }
     setText(this.title, row.title ?? '');
@@ -106,7 +135,8 @@ export class RowView {
 
   showControls(row, look) {
     const flips = isSwitch(row);
-    this.switch.hidden = !flips;
+    if (flips) this.needSwitch();
+    if (this.switch) this.switch.hidden = !flips;
     if (flips) {
       setAttribute(this.switch, 'aria-checked', String(row.value.bool));
       setAttribute(this.switch, 'aria-label', row.title);

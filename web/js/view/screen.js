@@ -4,9 +4,7 @@
 import { asksTwice } from '../model/commands.js';
 import { ListStore } from '../model/liststore.js';
 import { RowType, isMenu, isSwitch, isUsable, metaData, position } from '../model/rows.js';
-import { Dragging } from './dragging.js';
 import { el, plural, setText } from './dom.js';
-import { Finder } from './finder.js';
 import { Hero, amount, heading, ownPictures } from './hero.js';
 import { icon } from './icons.js';
 import { ListView } from './listview.js';
@@ -61,15 +59,14 @@ export class Screen {
       onAdd: (anchor) => this.addRows([{ ...this.store.roles, path: this.path, title: this.title }], anchor),
       onMusic: () => app.showSide(true),
     });
-    this.finder = new Finder(this.list, { onClose: () => this.showBar() });
     this.bar = this.buildBar();
     this.empty = el('div.empty', { hidden: true }, icon('note'), el('p', {}, 'Nothing here yet.'));
     this.scroller.append(this.bar, this.hero.element, this.list.body, this.empty);
     this.element = el('section.screen', { 'data-kind': pane.kind }, this.scroller);
-    new Dragging(this.list, {
+    app.parts.then(({ Dragging }) => new Dragging(this.list, {
       canMove: () => Boolean(this.offers?.move),
       drop: (indices, gap) => this.move(indices, gap),
-    });
+    }));
   }
 
   buildBar() {
@@ -91,7 +88,7 @@ export class Screen {
     this.chooseBar = el('div.bar-tools', { hidden: true },
       button('close', 'End choosing', () => this.list.selection.clear()), this.chosenCount,
       this.addButton, this.removeButton);
-    return el('div.pane-bar', {}, this.plainBar, this.chooseBar, this.finder.element);
+    return el('div.pane-bar', {}, this.plainBar, this.chooseBar);
   }
 
   wire() {
@@ -142,7 +139,7 @@ export class Screen {
   show() {
     this.element.hidden = false;
     this.list.measure();
-    this.scroller.scrollTop = this.savedTop ?? 0;
+    if (this.savedTop) this.scroller.scrollTop = this.savedTop;
     this.showHead();
     this.list.refresh();
   }
@@ -207,15 +204,21 @@ export class Screen {
   showBar() {
     const { selection } = this.list;
     const choosing = selection.mode || selection.size > 1;
-    this.plainBar.hidden = choosing || this.finder.isOpen;
-    this.chooseBar.hidden = !choosing || this.finder.isOpen;
+    const finding = Boolean(this.finder?.isOpen);
+    this.plainBar.hidden = choosing || finding;
+    this.chooseBar.hidden = !choosing || finding;
     this.element.classList.toggle('choosing', selection.mode);
     setText(this.chosenCount, `${selection.size.toLocaleString()} chosen`);
     this.removeButton.hidden = !this.offers?.remove;
     this.removeButton.disabled = this.addButton.disabled = selection.size === 0;
   }
 
-  find() {
+  async find() {
+    const { Finder } = await this.app.parts;
+    if (!this.finder) {
+      this.finder = new Finder(this.list, { onClose: () => this.showBar() });
+      this.bar.append(this.finder.element);
+    }
     this.finder.open();
     this.showBar();
   }

@@ -1,3 +1,0 @@
-import { startApp } from './app.js';
-
-startApp();
