@@ -14,7 +14,8 @@ import matplotlib
 matplotlib.use("Agg")
 import matplotlib.pyplot as plt  # noqa: E402
 
-COLOURS = {"orvo": "#b3541e", "MPD": "#3a6ea5"}
+COLOURS = {"orvo": "#b3541e", "ours": "#e3a06a", "MPD": "#3a6ea5"}
+NAMES = {"ours": "orvo over HTTP", "MPD": "MPD over its protocol"}
 LINES = {"memory": "-", "disk": "--"}
 
 
@@ -35,7 +36,7 @@ def draw(axes, work, curves):
         sizes = sorted(curve)
         axes.plot(sizes, [curve[size] for size in sizes], LINES.get(storage, ":"), marker="o",
                   markersize=3, linewidth=1.2, color=COLOURS.get(who, "#8a8a8a"),
-                  label=f"{who}, {storage}")
+                  label=f"{NAMES.get(who, who)}, {storage}")
     axes.set_xscale("log")
     axes.set_yscale("log")
     axes.set_title(work, fontsize=9)
