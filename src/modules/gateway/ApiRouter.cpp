@@ -95,7 +95,7 @@ QByteArray renderRows(const OrvoRowsRoles& answer, const QStringList& roleNames)
     for (const QString& name : roleNames)
         keys.append((keys.isEmpty() ? "" : ",") + JsonWriter::quoted(name) + ':');
     const QVariantList rows = answer.rows();
-    JsonWriter json(256 + rows.size() * 512);
+    JsonWriter json(1024 + rows.size() * 1024);
     json.beginObject();
     json.member("title", true);
     json.value(answer.roles().title().toString());
@@ -112,7 +112,10 @@ QByteArray renderRows(const OrvoRowsRoles& answer, const QStringList& roleNames)
         const QVariantList values = row.toList();
         for (int i = 0; i < keys.size(); ++i) {
             json.raw(keys.at(i));
-            json.value(values.value(i));
+            if (i < values.size())
+                json.value(values.at(i));
+            else
+                json.raw("null");
         }
         json.endObject();
     }

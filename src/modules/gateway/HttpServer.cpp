@@ -248,9 +248,12 @@ struct HttpServer::Callbacks {
                                                          new Handle(exchange.shared_from_this()),
                                                          freeSource);
         } else {
-            response = MHD_create_response_from_buffer(size_t(answer.body.size()),
-                                                       const_cast<char*>(answer.body.constData()),
-                                                       MHD_RESPMEM_MUST_COPY);
+            // The library reads from a share of the body, not from a copy.
+            auto* body = new QByteArray(answer.body);
+            response = MHD_create_response_from_buffer_with_free_callback_cls(
+                size_t(body->size()), const_cast<char*>(body->constData()), freeBody, body);
+            if (!response)
+                delete body;
         }
         if (!response)
             return MHD_NO;
@@ -264,6 +267,8 @@ struct HttpServer::Callbacks {
         MHD_destroy_response(response);
         return queued;
     }
+
+    static void freeBody(void* context) { delete static_cast<QByteArray*>(context); }
 
     static void freeSource(void* context) {
         auto* handle = static_cast<Handle*>(context);

@@ -1,9 +1,11 @@
 #include "JsonWriter.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 
 #include <QLocale>
+#include <QVarLengthArray>
 
 #include "CMPath.h"
 #include "TrString.h"
@@ -15,106 +17,147 @@ constexpr int MaxDepth = 256;
 
 constexpr char Hex[] = "0123456789abcdef";
 
-void appendEscaped(QByteArray& out, ushort unit) {
+char* putEscaped(char* out, ushort unit) {
+    *out++ = '\\';
     switch (unit) {
     case '"':
-        out.append("\\\"");
-        return;
     case '\\':
-        out.append("\\\\");
-        return;
+        *out++ = char(unit);
+        return out;
     case '\n':
-        out.append("\\n");
-        return;
+        *out++ = 'n';
+        return out;
     case '\r':
-        out.append("\\r");
-        return;
+        *out++ = 'r';
+        return out;
     case '\t':
-        out.append("\\t");
-        return;
+        *out++ = 't';
+        return out;
     default:
         break;
     }
-    const char escape[] = {
-        '\\', 'u', Hex[unit >> 12], Hex[(unit >> 8) & 15], Hex[(unit >> 4) & 15], Hex[unit & 15]};
-    out.append(escape, sizeof escape);
+    for (const char c :
+         {'u', Hex[unit >> 12], Hex[(unit >> 8) & 15], Hex[(unit >> 4) & 15], Hex[unit & 15]})
+        *out++ = c;
+    return out;
 }
 
-void appendUtf8(QByteArray& out, uint code) {
-    char bytes[4];
-    int count = 0;
+char* putUtf8(char* out, uint code) {
     if (code < 0x800) {
-        bytes[count++] = char(0xC0 | (code >> 6));
+        *out++ = char(0xC0 | (code >> 6));
     } else if (code < 0x10000) {
-        bytes[count++] = char(0xE0 | (code >> 12));
-        bytes[count++] = char(0x80 | ((code >> 6) & 0x3F));
+        *out++ = char(0xE0 | (code >> 12));
+        *out++ = char(0x80 | ((code >> 6) & 0x3F));
     } else {
-        bytes[count++] = char(0xF0 | (code >> 18));
-        bytes[count++] = char(0x80 | ((code >> 12) & 0x3F));
-        bytes[count++] = char(0x80 | ((code >> 6) & 0x3F));
+        *out++ = char(0xF0 | (code >> 18));
+        *out++ = char(0x80 | ((code >> 12) & 0x3F));
+        *out++ = char(0x80 | ((code >> 6) & 0x3F));
     }
-    bytes[count++] = char(0x80 | (code & 0x3F));
-    out.append(bytes, count);
+    *out++ = char(0x80 | (code & 0x3F));
+    return out;
 }
 
 bool isPlain(ushort unit) {
     return unit >= 0x20 && unit < 0x7F && unit != '"' && unit != '\\';
 }
 
+// As many units at once as a vector has room for: without a branch inside, the compiler makes one
+// step of it. What was written is good only where all of them are plain.
+constexpr int Block = 16;
+
+bool putPlainBlock(char* out, const QChar* from) {
+    bool plain = true;
+    for (int i = 0; i < Block; ++i) {
+        const ushort unit = from[i].unicode();
+        plain &= isPlain(unit);
+        out[i] = char(unit);
+    }
+    return plain;
+}
+
 } // namespace
 
+QByteArray JsonWriter::text() {
+    m_out.resize(m_size);
+    return m_out;
+}
+
+void JsonWriter::grow(int count) {
+    m_out.resize(qMax(m_size + count, 2 * m_out.size()));
+}
+
+void JsonWriter::raw(const char* text, int size) {
+    std::copy_n(text, size, room(size));
+    m_size += size;
+}
+
 void JsonWriter::member(const char* name, bool first) {
-    m_out.append(first ? "\"" : ",\"").append(name).append("\":");
+    raw(first ? "\"" : ",\"");
+    raw(name);
+    raw("\":");
 }
 
 void JsonWriter::member(const QString& name, bool first) {
     if (!first)
-        m_out.append(',');
+        raw(',');
     value(name);
-    m_out.append(':');
+    raw(':');
 }
 
 void JsonWriter::value(const QString& text) {
-    m_out.append('"');
+    constexpr int LongestUnit = 6; // an escaped one
+    constexpr int Part = 4096;     // a long text does not ask for six times its room at once
+    raw('"');
     const QChar* at = text.constData();
     const QChar* const end = at + text.size();
     while (at != end) {
-        // Most texts are plain: copied as one run.
-        const QChar* const run = at;
-        while (at != end && isPlain(at->unicode()))
-            ++at;
-        const int start = m_out.size();
-        m_out.resize(start + int(at - run));
-        std::transform(run, at, m_out.data() + start, [](QChar c) { return char(c.unicode()); });
-        if (at == end)
-            break;
-        const ushort unit = (at++)->unicode();
-        if (unit < 0x80)
-            appendEscaped(m_out, unit);
-        else if (QChar::isHighSurrogate(unit) && at != end && at->isLowSurrogate())
-            appendUtf8(m_out, QChar::surrogateToUcs4(unit, (at++)->unicode()));
-        else if (QChar::isSurrogate(unit))
-            appendUtf8(m_out, QChar::ReplacementCharacter);
-        else
-            appendUtf8(m_out, unit);
+        const QChar* const partEnd = at + qMin<qptrdiff>(end - at, Part);
+        char* out = room(LongestUnit * int(partEnd - at + 1));
+        while (at < partEnd) {
+            // Most texts are plain.
+            while (partEnd - at >= Block && putPlainBlock(out, at)) {
+                at += Block;
+                out += Block;
+            }
+            while (at < partEnd && isPlain(at->unicode()))
+                *out++ = char((at++)->unicode());
+            if (at >= partEnd)
+                break;
+            const ushort unit = (at++)->unicode();
+            if (unit < 0x80)
+                out = putEscaped(out, unit);
+            else if (QChar::isHighSurrogate(unit) && at != end && at->isLowSurrogate())
+                out = putUtf8(out, QChar::surrogateToUcs4(unit, (at++)->unicode()));
+            else if (QChar::isSurrogate(unit))
+                out = putUtf8(out, QChar::ReplacementCharacter);
+            else
+                out = putUtf8(out, unit);
+        }
+        m_size = int(out - m_out.data());
     }
-    m_out.append('"');
+    raw('"');
+}
+
+void JsonWriter::value(qint64 number) {
+    constexpr int LongestNumber = 20;
+    char* const out = room(LongestNumber);
+    m_size += int(std::to_chars(out, out + LongestNumber, number).ptr - out);
 }
 
 void JsonWriter::value(double number) {
     constexpr double exactLimit =
         9007199254740992.0; // 2^53: up to it a whole double is written as a whole number
     if (!std::isfinite(number))
-        m_out.append("null");
+        raw("null");
     else if (std::trunc(number) == number && std::fabs(number) <= exactLimit)
         value(qint64(number));
     else
-        m_out.append(QByteArray::number(number, 'g', QLocale::FloatingPointShortest));
+        raw(QByteArray::number(number, 'g', QLocale::FloatingPointShortest));
 }
 
 void JsonWriter::value(const QVariant& value) {
     if (m_depth >= MaxDepth) {
-        m_out.append("null");
+        raw("null");
         return;
     }
     ++m_depth;
@@ -123,7 +166,7 @@ void JsonWriter::value(const QVariant& value) {
         this->value(*static_cast<const QString*>(value.constData()));
         break;
     case QMetaType::Bool:
-        m_out.append(value.toBool() ? "true" : "false");
+        raw(value.toBool() ? "true" : "false");
         break;
     case QMetaType::Int:
     case QMetaType::LongLong:
@@ -135,7 +178,7 @@ void JsonWriter::value(const QVariant& value) {
         break;
     case QMetaType::ULong:
     case QMetaType::ULongLong:
-        m_out.append(QByteArray::number(value.toULongLong()));
+        raw(QByteArray::number(value.toULongLong()));
         break;
     case QMetaType::Float:
     case QMetaType::Double:
@@ -161,14 +204,14 @@ void JsonWriter::value(const QVariant& value) {
         else if (value.isValid() && value.canConvert<QString>())
             this->value(value.toString());
         else
-            m_out.append("null");
+            raw("null");
     }
     --m_depth;
 }
 
 void JsonWriter::hash(const QVariantHash& hash) {
-    QVector<QVariantHash::const_iterator> members;
-    members.reserve(hash.size());
+    constexpr int Usual = 16;
+    QVarLengthArray<QVariantHash::const_iterator, Usual> members;
     for (auto it = hash.begin(); it != hash.end(); ++it)
         members.append(it);
     std::sort(members.begin(), members.end(),
@@ -192,19 +235,19 @@ void JsonWriter::map(const QVariantMap& map) {
 
 template <typename List>
 void JsonWriter::list(const List& list) {
-    m_out.append('[');
+    raw('[');
     bool first = true;
     for (const auto& element : list) {
         if (!first)
-            m_out.append(',');
+            raw(',');
         first = false;
         value(element);
     }
-    m_out.append(']');
+    raw(']');
 }
 
 QByteArray JsonWriter::quoted(const QString& text) {
     JsonWriter writer(text.size() + 2);
     writer.value(text);
-    return writer.m_out;
+    return writer.text();
 }

@@ -9,21 +9,26 @@
 // stack; never fails.
 class JsonWriter {
 public:
-    explicit JsonWriter(int expectedSize = 0) { m_out.reserve(expectedSize); }
+    explicit JsonWriter(int expectedSize = 0) : m_out(expectedSize, Qt::Uninitialized) {}
 
-    const QByteArray& text() const { return m_out; }
+    // What was written so far.
+    QByteArray text();
 
-    void beginObject() { m_out.append('{'); }
+    void beginObject() { raw('{'); }
     // `name` is plain ASCII without anything to escape.
     void member(const char* name, bool first = false);
     void member(const QString& name, bool first = false);
-    void endObject() { m_out.append('}'); }
-    void raw(const char* text) { m_out.append(text); }
-    void raw(const QByteArray& text) { m_out.append(text); }
+    void endObject() { raw('}'); }
+    void raw(char c) {
+        *room(1) = c;
+        ++m_size;
+    }
+    void raw(const char* text) { raw(text, int(qstrlen(text))); }
+    void raw(const QByteArray& text) { raw(text.constData(), text.size()); }
 
     void value(const QVariant& value);
     void value(const QString& text);
-    void value(qint64 number) { m_out.append(QByteArray::number(number)); }
+    void value(qint64 number);
 
     static QByteArray quoted(const QString& text);
 
@@ -34,6 +39,16 @@ private:
     template <typename List>
     void list(const List& list);
 
-    QByteArray m_out;
+    void raw(const char* text, int size);
+    // Where `count` more bytes can be written; good until the next call.
+    char* room(int count) {
+        if (m_out.size() - m_size < count)
+            grow(count);
+        return m_out.data() + m_size;
+    }
+    void grow(int count);
+
+    QByteArray m_out; // all its bytes are room, the first `m_size` of them written
+    int m_size = 0;
     int m_depth = 0;
 };

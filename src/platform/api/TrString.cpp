@@ -28,8 +28,8 @@ QString filledIn(const QString& text, const QStringList& arguments) {
 QString TrString::toString() const {
     if (!isTranslatable())
         return m_source;
-    return filledIn(Language::ntr(m_context.constData(), m_source.toUtf8().constData()),
-                    m_arguments);
+    const QString text = Language::ntr(m_context.constData(), m_source.toUtf8().constData());
+    return m_arguments.isEmpty() ? text : filledIn(text, m_arguments);
 }
 
 QVariant TrString::toVariant() const {

@@ -85,7 +85,13 @@ OrvoRoles BaseNode::addContextMenuToRoles(OrvoRoles roles, int plid) {
 // Every row of a page has such a menu, so its path is put together as text; CMPath has the first
 // part and says how an id is written that is none of ours.
 OrvoRoles BaseNode::trackMenu(const QString& itemId, int plid, int sequenceNumber) {
-    static const QVariant title = TrString("BaseNode", "Playlist").toVariant();
+    static const OrvoRoles withoutPath = [] {
+        OrvoRoles roles;
+        roles.setAttribute(OrvoRoles::Title(), TrString("BaseNode", "Playlist").toVariant());
+        roles.setType(OrvoRolesType::Container);
+        roles.setContainerType(OrvoRolesContainerType::ContextMenu);
+        return roles;
+    }();
     static const QString before = OrvoPlayListPlTrackContextPath()
                                       .addParam(Action(), QStringLiteral("cmnode"))
                                       .addParam(ItemId(), QString())
@@ -105,11 +111,8 @@ OrvoRoles BaseNode::trackMenu(const QString& itemId, int plid, int sequenceNumbe
                    .addParam(SeqNum(), toStr(sequenceNumber))
                    .toString();
 
-    OrvoRoles menu;
-    menu.setAttribute(OrvoRoles::Title(), title);
+    OrvoRoles menu = withoutPath;
     menu.setAttribute(OrvoRoles::Path(), path);
-    menu.setType(OrvoRolesType::Container);
-    menu.setContainerType(OrvoRolesContainerType::ContextMenu);
     return menu;
 }
 
