@@ -8,6 +8,7 @@
 #include <QVarLengthArray>
 
 #include "CMPath.h"
+#include "PlainUnits.h"
 #include "TrString.h"
 
 namespace {
@@ -57,24 +58,6 @@ char* putUtf8(char* out, uint code) {
     return out;
 }
 
-bool isPlain(ushort unit) {
-    return unit >= 0x20 && unit < 0x7F && unit != '"' && unit != '\\';
-}
-
-// As many units at once as a vector has room for: without a branch inside, the compiler makes one
-// step of it. What was written is good only where all of them are plain.
-constexpr int Block = 16;
-
-bool putPlainBlock(char* out, const QChar* from) {
-    bool plain = true;
-    for (int i = 0; i < Block; ++i) {
-        const ushort unit = from[i].unicode();
-        plain &= isPlain(unit);
-        out[i] = char(unit);
-    }
-    return plain;
-}
-
 } // namespace
 
 QByteArray JsonWriter::text() {
@@ -114,12 +97,15 @@ void JsonWriter::value(const QString& text) {
         const QChar* const partEnd = at + qMin<qptrdiff>(end - at, Part);
         char* out = room(LongestUnit * int(partEnd - at + 1));
         while (at < partEnd) {
-            // Most texts are plain.
-            while (partEnd - at >= Block && putPlainBlock(out, at)) {
-                at += Block;
-                out += Block;
+            while (partEnd - at >= PlainUnits::Block) {
+                const PlainUnits::Units units = PlainUnits::load(at);
+                if (!PlainUnits::arePlain(units))
+                    break;
+                PlainUnits::store(units, out);
+                at += PlainUnits::Block;
+                out += PlainUnits::Block;
             }
-            while (at < partEnd && isPlain(at->unicode()))
+            while (at < partEnd && PlainUnits::isPlain(at->unicode()))
                 *out++ = char((at++)->unicode());
             if (at >= partEnd)
                 break;

@@ -98,7 +98,8 @@ private:
     // The names ("Replays") are historical and kept.
     static QList<OrvoPlayListItem> itemsFromAllReplays(const CMRequestGroup* group);
     // Finishes at once for a few items; many are checked between other requests.
-    void checkInSlices(const ReqGroupProperties& props, const std::shared_ptr<ItemsCheck>& check);
+    void checkInSlices(const ReqGroupProperties& props, const std::shared_ptr<ItemsCheck>& check,
+                       bool areMany = false);
     void releaseInSlices(const std::shared_ptr<ItemsCheck>& check);
     void finishAdding(const ReqGroupProperties& props, const ItemsCheck& check);
     static bool isWhole(const ReqGroupProperties& props, const ItemsCheck& check);

@@ -162,16 +162,21 @@ void Controller::on_prepareItemsGroup_finished() {
 }
 
 void Controller::checkInSlices(const ReqGroupProperties& props,
-                               const std::shared_ptr<ItemsCheck>& check) {
+                               const std::shared_ptr<ItemsCheck>& check, bool areMany) {
     // A playlist that is moved as a whole must not change between being read and being deleted.
     const QDeadlineTimer deadline =
         props.wholePlaylist ? QDeadlineTimer(QDeadlineTimer::Forever) : QDeadlineTimer(SliceMs);
     if (!check->run(deadline)) {
-        QTimer::singleShot(0, this, [this, props, check] { checkInSlices(props, check); });
-        return;
+        QTimer::singleShot(0, this, [this, props, check] { checkInSlices(props, check, true); });
+    } else if (areMany) {
+        // The transaction takes long enough without a slice in front of it and one behind it.
+        QTimer::singleShot(0, this, [this, props, check] {
+            finishAdding(props, *check);
+            QTimer::singleShot(0, this, [this, check] { releaseInSlices(check); });
+        });
+    } else {
+        finishAdding(props, *check);
     }
-    finishAdding(props, *check);
-    releaseInSlices(check);
 }
 
 void Controller::releaseInSlices(const std::shared_ptr<ItemsCheck>& check) {

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "OrvoRoles.h"
+#include "PlainUnits.h"
 
 namespace {
 
@@ -81,6 +82,8 @@ bool ItemRolesReader::readText(const QChar** begin, int* length) {
     if (!take('"'))
         return false;
     *begin = m_at;
+    while (m_end - m_at >= PlainUnits::Block && PlainUnits::arePlain(PlainUnits::load(m_at)))
+        m_at += PlainUnits::Block;
     for (; m_at != m_end; ++m_at) {
         const ushort c = m_at->unicode();
         if (c == '"') {

@@ -53,6 +53,48 @@ TEST(JsonWriter, textsAreEscapedAndBecomeUtf8) {
                                            "b\""));
 }
 
+// Many units are taken at a step, and long texts in parts: a unit that needs more than itself is
+// found at every place of both.
+TEST(JsonWriter, noPlaceInATextIsLeftOut) {
+    const struct {
+        QString text;
+        QByteArray json;
+    } units[] = {
+        {"\"", "\\\""},
+        {"\\", "\\\\"},
+        {QChar(0), "\\u0000"},
+        {QChar(0x1f), "\\u001f"},
+        {QChar(0x7f), "\\u007f"},
+        {QChar(0x80), "\xC2\x80"},
+        {QChar(0xffff), "\xEF\xBF\xBF"},
+        {QString::fromUtf8("😀"), "😀"},
+        {QChar(0xDE00), "\xEF\xBF\xBD"},
+        {" ", " "},
+        {"~", "~"},
+    };
+    for (const int around : {0, 4080}) {
+        for (int before = around; before < around + 34; ++before) {
+            for (const int after : {0, 1, 7, 8, 9, 40}) {
+                for (const auto& unit : units) {
+                    const QByteArray expected =
+                        '"' + QByteArray(before, 'x') + unit.json + QByteArray(after, 'y') + '"';
+                    ASSERT_EQ(written(QString(before, 'x') + unit.text + QString(after, 'y')),
+                              expected)
+                        << before << ' ' << after << ' ' << unit.json.toStdString();
+                }
+            }
+        }
+    }
+}
+
+TEST(JsonWriter, whatWasWrittenCanBeReadBetweenTwoValues) {
+    JsonWriter json;
+    json.value(qint64(1));
+    EXPECT_EQ(json.text(), "1");
+    json.value(QStringLiteral("two"));
+    EXPECT_EQ(json.text(), "1\"two\"");
+}
+
 TEST(JsonWriter, theMembersOfARecordStandInTheOrderOfTheirNames) {
     OrvoRoles roles;
     roles.setType(OrvoRolesType::Audio);

@@ -151,6 +151,23 @@ TEST_F(ItemRolesReaderTest, leavesToTheParserWhatIsDamagedOrUnusual) {
     EXPECT_FALSE(takes(QChar(0xFEFF) + QStringLiteral("{}")));
 }
 
+// Many units are taken at a step: the end of a text, and what is for the parser, is seen
+// everywhere.
+TEST_F(ItemRolesReaderTest, noPlaceInATextIsLeftOut) {
+    for (int before = 0; before < 34; ++before) {
+        const QString begin = QStringLiteral("{\"a\":\"") + QString(before, 'x');
+        for (const int after : {0, 1, 7, 8, 9}) {
+            const QString end = QString(after, 'y') + QStringLiteral("\"}");
+            for (const ushort unit : {0x20, 0x7e, 0x7f, 0x80, 0xd7ff, 0xe000})
+                EXPECT_TRUE(takes(begin + QChar(unit) + end)) << before << ' ' << unit;
+            for (const ushort unit : {0, 0x1f, 0x22, 0x5c, 0xd800, 0xdfff})
+                EXPECT_FALSE(takes(begin + QChar(unit) + end)) << before << ' ' << unit;
+        }
+        EXPECT_TRUE(takes(begin + QStringLiteral("\"}"))) << before;
+        EXPECT_FALSE(takes(begin)) << before;
+    }
+}
+
 TEST_F(ItemRolesReaderTest, neverDisagreesWithTheParserOnDamagedTexts) {
     const QString whole = QStringLiteral(
         R"({"mediaData":{"metaData":{"artist":"Somebody","duration":1500,"ok":true},)"

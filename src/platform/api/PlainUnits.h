@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+#include <QChar>
+
+// Units of UTF-16 that JSON writes as they are, in one byte each: printable ASCII without the quote
+// and the backslash. Most texts are nothing else, so they are looked at eight at a time.
+namespace PlainUnits {
+
+constexpr int Block = 8;
+using Units = ushort __attribute__((vector_size(Block * sizeof(ushort))));
+using Bytes = uchar __attribute__((vector_size(Block)));
+
+inline bool isPlain(ushort unit) {
+    return unit >= 0x20 && unit < 0x7F && unit != '"' && unit != '\\';
+}
+
+inline Units load(const QChar* from) {
+    Units units;
+    std::memcpy(&units, from, sizeof units);
+    return units;
+}
+
+inline bool arePlain(Units units) {
+    constexpr ushort FirstPlain = 0x20;
+    constexpr ushort Span = 0x7E - FirstPlain;
+    const auto odd = (units - FirstPlain > Span) | (units == ushort('"')) | (units == ushort('\\'));
+    std::uint64_t halves[2];
+    static_assert(sizeof halves == sizeof odd);
+    std::memcpy(halves, &odd, sizeof halves);
+    return (halves[0] | halves[1]) == 0;
+}
+
+inline void store(Units units, char* to) {
+    const Bytes bytes = __builtin_convertvector(units, Bytes);
+    std::memcpy(to, &bytes, sizeof bytes);
+}
+
+} // namespace PlainUnits
