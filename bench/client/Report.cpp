@@ -39,7 +39,7 @@ std::string Report::machine() {
     return std::to_string(std::thread::hardware_concurrency()) + " x " + model;
 }
 
-Report::Report(std::string title) {
+Report::Report(const std::string& title) {
     std::printf("%s\n%s\n\n%-58s %-16s %10s %-6s %8s  %5s\n", title.c_str(), machine().c_str(),
                 "work", "", "measured", "", "bound", "load");
 }

@@ -17,7 +17,7 @@ public:
         double load = 0;
     };
 
-    explicit Report(std::string title);
+    explicit Report(const std::string& title);
 
     void add(const std::string& work, const std::string& what, double value,
              const std::string& unit, std::optional<double> bound = {});

@@ -21,6 +21,7 @@ void Scenarios::folderAdded(const Library& library, int tracks, Report& report) 
     HttpConnection editor = library.device->connect();
     const int list = Device::createPlayList(editor, "A folder");
     std::vector<Reader> readers;
+    readers.reserve(Readers);
     for (int i = 0; i < Readers; ++i)
         readers.push_back({library.device->connect(), {}, Clock::now(), 0, false});
     std::mt19937 dice(4);
@@ -36,6 +37,7 @@ void Scenarios::folderAdded(const Library& library, int tracks, Report& report) 
     bool reading = false;
     while (added < 0 || reading) {
         std::vector<pollfd> waiting;
+        waiting.reserve(Readers + 1);
         for (Reader& reader : readers) {
             if (!reader.waits && added < 0 && Clock::now() >= reader.due) {
                 reader.from = offset(dice);
