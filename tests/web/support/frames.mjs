@@ -72,14 +72,19 @@ function mainThread(events) {
 
 const tasksOf = (events, main) => events.filter((event) => isTask(event) && on(main)(event)).map(({ tdur = 0 }) => tdur / 1000);
 
-// Each since the one before, or since the compositor last said that there was nothing to draw: a list at rest is not
-// late. A frame that was wanted and not drawn in time is told apart from that, and counts.
+// Each since the one before, or since the end of the last one of which the compositor said that there was nothing to
+// draw: a list at rest is not late. A frame that was wanted and not drawn in time is told apart from that, and counts.
 function drawnFrames(events, main) {
   const times = (found) => events.filter((event) => event.pid === main.pid && found(event)).map(({ ts }) => ts / 1000)
     .sort((a, b) => a - b);
   const drawn = times(({ name }) => name === 'DrawFrame');
+  const begun = times(({ name }) => name === 'BeginFrame');
+  let next = 0;
   const resting = times(({ name, args }) => name === 'PipelineReporter' &&
-    (args.chrome_frame_reporter ?? args.frame_reporter)?.state === 'STATE_NO_UPDATE_DESIRED');
+    (args.chrome_frame_reporter ?? args.frame_reporter)?.state === 'STATE_NO_UPDATE_DESIRED').map((time) => {
+    while (begun[next] <= time) next += 1;
+    return begun[next] ?? time;
+  });
   let at = 0;
   return drawn.slice(1).map((time, i) => {
     let since = drawn[i];
