@@ -1,5 +1,5 @@
 import assert from 'node:assert/strict';
-import { Albums } from '../support/device.mjs';
+import { Albums, Hours } from '../support/device.mjs';
 import { eventually, story } from '../support/story.mjs';
 
 story('make a collection, add and remove a playlist', async ({ device, open }) => {
@@ -52,4 +52,22 @@ story('a playlist is opened from a collection; a deleted collection closes its v
   await me.toast('“Weekend” is gone.').waitFor();
   if (size === 'phone') await me.page.locator('#nav').waitFor();
   else await eventually(() => me.heading().textContent(), 'PlayQueue');
+});
+
+story('a collection is deleted by its menu; its playlists stay', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.hours);
+  const { i32: clid } = await device.send('playlists:cl/create', { name: 'Weekend' });
+  await device.send('playlists:cl/addItem', { clid, plid });
+  const me = await open();
+  const other = await open();
+  await other.openList('Weekend');
+  await me.toLists();
+  await me.menuOf('nav', 'Weekend');
+  await me.choose('Delete collection');
+  await me.press(me.sheet.locator('.menu-entry.sure'));
+  await me.sheetCloses();
+  await me.row('nav', 'Weekend').waitFor({ state: 'hidden' });
+  await other.toast('“Weekend” is gone.').waitFor();
+  await me.row('nav', 'Party').waitFor();
+  assert.deepEqual(await device.titles(`playlists:pl/items/${plid}`), Hours);
 });

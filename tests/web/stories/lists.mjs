@@ -1,5 +1,5 @@
 import assert from 'node:assert/strict';
-import { Albums, Lanterns, Hours } from '../support/device.mjs';
+import { Albums, Hours, Lanterns, Tides } from '../support/device.mjs';
 import { eventually, story } from '../support/story.mjs';
 
 story('create a playlist and rename it', async ({ device, open, size }) => {
@@ -92,6 +92,41 @@ story('delete a playlist open in another window: that view closes', async ({ dev
   if (size === 'phone') await other.page.locator('#nav').waitFor();
   else await eventually(() => other.heading().textContent(), 'PlayQueue');
   await eventually(() => other.page.locator('#nav .row.opens:not([hidden]) .row-title').allTextContents(), ['PlayQueue', 'Other']);
+});
+
+story('clear a playlist, and the queue: both stay, without tracks', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.hours);
+  await device.send('playlists:pl/addItems', { plid: 0, items: [`files:tree/${Albums.tides.split('/').map(encodeURIComponent).join('/')}`] });
+  const me = await open();
+  const other = await open();
+  for (const [list, entry, path] of [['Party', 'Clear playlist', `playlists:pl/items/${plid}`], ['PlayQueue', 'Clear', 'playlists:pq/items']]) {
+    await other.openList(list);
+    await eventually(async () => (await other.titles('main')).length, 4);
+    await me.toLists();
+    await me.menuOf('nav', list);
+    await me.choose(entry);
+    await me.press(me.sheet.locator('.menu-entry.sure')); // it asks twice
+    await me.sheetCloses();
+    await eventually(() => other.meta().textContent(), 'Empty');
+    assert.deepEqual(await device.titles(path), []);
+    await me.row('nav', list).waitFor();
+  }
+});
+
+story('a track is added to another list, and to the queue, by its menu', async ({ device, open }) => {
+  await device.playlist('Party', Albums.hours);
+  const other = await device.playlist('Other', Albums.tides);
+  const me = await open();
+  await me.openList('Party');
+  await me.menuOf('main', 'Two Kettles');
+  await me.choose('Add to playlist', 'Other', 'Append');
+  await me.sheetCloses();
+  await eventually(() => device.titles(`playlists:pl/items/${other}`), [...Tides, 'Two Kettles']);
+  await me.menuOf('main', 'Almost Morning');
+  await me.choose('Add to playqueue', 'Append');
+  await me.sheetCloses();
+  await eventually(() => device.titles('playlists:pq/items'), ['Almost Morning']);
+  assert.deepEqual(await me.titles('main'), Hours); // the tracks themselves stay
 });
 
 story('merge two playlists', async ({ device, open }) => {
