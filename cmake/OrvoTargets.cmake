@@ -101,6 +101,9 @@ function(orvo_test name)
   if(NOT T_TIMEOUT)
     set(T_TIMEOUT 120)
   endif()
+  if(ORVO_SANITIZE)
+    math(EXPR T_TIMEOUT "3 * ${T_TIMEOUT}")
+  endif()
   set_tests_properties(${name} PROPERTIES TIMEOUT ${T_TIMEOUT})
   # Every store that a test makes is synced; in memory-backed storage that costs nothing. What must outlive a kill is
   # outlived there too: only a power cut would tell the difference.

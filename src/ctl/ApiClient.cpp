@@ -14,7 +14,6 @@ namespace {
 constexpr int PatienceMs = 60000;
 // In a stream of events the device shows every 15 s that it is there.
 constexpr int SilenceMs = 45000;
-constexpr int Ok = 200;
 constexpr int NotFound = 404;
 constexpr int Refused = 422;
 } // namespace
@@ -82,7 +81,7 @@ QJsonObject ApiClient::send(const QByteArray& method, const QString& resource,
         throw CtlFailure::refused(
             QStringLiteral("no device at %1: %2").arg(m_url.toString(), reply->errorString()));
     const QJsonObject answer = QJsonDocument::fromJson(reply->readAll()).object();
-    if (status == Ok)
+    if (status == HttpOk)
         return answer;
     if (refusedStatus && (status == NotFound || status == Refused)) {
         *refusedStatus = status;

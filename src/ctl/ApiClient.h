@@ -7,6 +7,8 @@
 #include <QUrl>
 #include <QUrlQuery>
 
+constexpr int HttpOk = 200;
+
 // Requests to the device's HTTP interface, one after the other, each waited for. What is refused,
 // and a device that is not there, is a CtlFailure.
 class ApiClient {

@@ -12,7 +12,6 @@
 
 namespace {
 constexpr int RetryMs = 1000;
-constexpr int Ok = 200;
 } // namespace
 
 // Reads one connection to its end. False when there never was one.
@@ -34,7 +33,7 @@ bool EventReader::readConnection(const Handler& handler) {
     m_reason = reply->errorString();
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     reply->abort();
-    return status == Ok;
+    return status == HttpOk;
 }
 
 void EventReader::read(const Handler& handler) {

@@ -15,7 +15,7 @@ const QString MusicFolderValue = QStringLiteral("files:musicFolder");
 const QStringList Roles = {QStringLiteral("type"), QStringLiteral("path"),
                            QStringLiteral("containerType")};
 constexpr int ContainerType = 1;
-constexpr int AudioType = 3;
+constexpr int TrackType = 3;
 constexpr int ContextMenu = 100;
 constexpr int MaxDepth = 64;
 
@@ -80,7 +80,7 @@ void TrackFinder::addFolder(const QString& path, const DeviceRows& content, int 
         const int type = row.value(QStringLiteral("type")).toInt();
         if (rowPath.isEmpty())
             continue;
-        if (type == AudioType)
+        if (type == TrackType)
             addTrack(rowPath);
         else if (type == ContainerType &&
                  row.value(QStringLiteral("containerType")).toInt() != ContextMenu)

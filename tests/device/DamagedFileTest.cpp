@@ -9,7 +9,7 @@
 
 namespace {
 
-const QByteArray item =
+const QByteArray trackText =
     R"({"title":"A","url":"file:///a.flac","serviceId":"files","orvoRoles":"{\"type\":3,\"title\":\"A\"}"})";
 
 // A store that a device cannot use: it says so, ends, and leaves the file as it is.
@@ -33,7 +33,7 @@ protected:
         for (int i = 0; i < 40; ++i) {
             device.command("playlists:pl/create", R"({"name":"Party"})");
             device.command("playlists:pl/addExternalItems",
-                           R"({"plid":1,"items":[)" + item + "," + item + "]}");
+                           R"({"plid":1,"items":[)" + trackText + "," + trackText + "]}");
         }
         device.command("playlists:pl/delete", R"({"plid":2})");
         device.kill();

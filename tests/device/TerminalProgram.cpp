@@ -17,7 +17,7 @@
 #include "EventLoop.h"
 
 namespace {
-constexpr int PatienceMs = 30000;
+constexpr int WaitMs = 30000;
 
 winsize windowOf(const QSize& size) {
     winsize window{};
@@ -136,7 +136,7 @@ int TerminalProgram::columnOf(int line, uint character) {
 
 template <typename Condition>
 bool TerminalProgram::wait(Condition condition) {
-    const bool came = waitUntil(condition, PatienceMs);
+    const bool came = waitUntil(condition, WaitMs);
     EXPECT_TRUE(came) << "the screen:\n" << qPrintable(text());
     return came;
 }
@@ -164,7 +164,7 @@ int TerminalProgram::waitForEnd() {
             take();
             return ::waitpid(m_process, &status, WNOHANG) == m_process;
         },
-        PatienceMs);
+        WaitMs);
     if (!ended)
         return -1;
     m_process = -1;

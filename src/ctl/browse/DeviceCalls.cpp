@@ -8,7 +8,6 @@ namespace {
 
 // Longer than the device itself waits for a module's answer.
 constexpr int PatienceMs = 60000;
-constexpr int Ok = 200;
 
 const QStringList& rowRoles() {
     static const QStringList roles = {
@@ -37,7 +36,7 @@ void DeviceCalls::await(QNetworkReply* reply, const Answered& done) {
         if (status == 0)
             done({}, QStringLiteral("The device cannot be reached."), 0);
         else
-            done(answer, status == Ok ? QString() : m_client->refusal(status, answer), status);
+            done(answer, status == HttpOk ? QString() : m_client->refusal(status, answer), status);
     });
 }
 

@@ -9,7 +9,6 @@ namespace {
 constexpr int RetryMs = 1000;
 // A blink of the connection is nobody's concern.
 constexpr int ShowLossAfterMs = 400;
-constexpr int Ok = 200;
 } // namespace
 
 EventFeed::EventFeed(ApiClient* client, const QStringList& watched)
@@ -43,7 +42,7 @@ void EventFeed::connectNow() {
 }
 
 void EventFeed::onOpened() {
-    if (m_isOpen || m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() != Ok)
+    if (m_isOpen || m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() != HttpOk)
         return;
     m_isOpen = true;
     m_loss.stop();

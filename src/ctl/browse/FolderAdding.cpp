@@ -7,7 +7,7 @@
 
 namespace {
 // Appended tracks go in parts, so that the progress shows and each request stays short.
-constexpr int PartSize = 500;
+constexpr int AddedAtOnce = 500;
 constexpr int MostDepth = 64;
 } // namespace
 
@@ -39,7 +39,7 @@ void FolderAdding::look() {
 void FolderAdding::readOn(const Item& folder) {
     Q_EMIT progress(QStringLiteral("Looking for tracks: %1").arg(m_tracks.size()));
     m_calls->read(
-        folder.row.path(), folder.from, folder.from + PartSize - 1,
+        folder.row.path(), folder.from, folder.from + AddedAtOnce - 1,
         [self = QPointer<FolderAdding>(this), folder](const RowsAnswer& answer) {
             if (!self)
                 return;
@@ -67,7 +67,7 @@ void FolderAdding::send(int from) {
         return;
     }
     // Behind what plays, parts would come out in another order: one request takes all.
-    const int count = m_mode == Append ? PartSize : m_tracks.size();
+    const int count = m_mode == Append ? AddedAtOnce : m_tracks.size();
     Q_EMIT progress(QStringLiteral("Adding %1 of %2").arg(from).arg(m_tracks.size()));
     m_calls->post(m_target.command,
                   {{QStringLiteral("plid"), m_target.plid},

@@ -6,7 +6,7 @@
 #include "ListStore.h"
 
 namespace {
-constexpr int PartSize = 500;
+constexpr int SearchedAtOnce = 500;
 // A list that changes is searched again when it rests.
 constexpr int SettleMs = 300;
 } // namespace
@@ -82,7 +82,7 @@ void ListFinder::begin() {
 void ListFinder::readOn() {
     const int from = m_texts.size();
     m_store->reader()->read(
-        m_store->path(), from, from + PartSize - 1,
+        m_store->path(), from, from + SearchedAtOnce - 1,
         [self = QPointer<ListFinder>(this), run = m_run](const RowsAnswer& answer) {
             if (!self || run != self->m_run)
                 return;

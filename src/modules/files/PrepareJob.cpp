@@ -6,7 +6,7 @@
 
 namespace {
 // A person waits for this one, so its slices are longer than the scan's.
-constexpr int SliceMs = 8;
+constexpr int PrepareSliceMs = 8;
 // A call with thousands of unknown paths must not fill the log.
 constexpr int MostUnknownLogged = 5;
 // One short request can name the same large folder a hundred thousand times.
@@ -21,7 +21,7 @@ PrepareJob::PrepareJob(MusicTree* tree, const QStringList& paths, const CMReply<
 }
 
 void PrepareJob::slice() {
-    const QDeadlineTimer deadline(SliceMs);
+    const QDeadlineTimer deadline(PrepareSliceMs);
     while (step(deadline)) {
         if (m_items.size() > MostItems) {
             refuse();

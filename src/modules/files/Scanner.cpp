@@ -6,7 +6,7 @@
 
 namespace {
 // Short enough for a request that waits not to be noticed by a person or a player's clock.
-constexpr int SliceMs = 5;
+constexpr int ScanSliceMs = 5;
 } // namespace
 
 Scanner::Scanner(MusicTree* tree, QObject* parent) : QObject(parent), m_tree(tree) {
@@ -55,7 +55,7 @@ void Scanner::start() {
 }
 
 void Scanner::slice() {
-    const QDeadlineTimer deadline(SliceMs);
+    const QDeadlineTimer deadline(ScanSliceMs);
     do {
         if (!m_folders.empty())
             readFolder(deadline);

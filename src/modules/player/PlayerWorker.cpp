@@ -14,12 +14,6 @@ OrvoValue text(const QString& value) {
     return OrvoValue::fromString(value);
 }
 
-OrvoValue milliseconds(qint64 value) {
-    OrvoValue result;
-    result.setI64_(value);
-    return result;
-}
-
 QVariant bare(const QVariant& value) {
     if (value.type() != QVariant::Hash && value.type() != QVariant::Map)
         return value;
@@ -66,10 +60,10 @@ const QList<PlayerWorker::ValueRow>& PlayerWorker::valueRows() {
         {OrvoPlayerPlayModePath(),
          [](const T& t) { return text(OrvoPlayerPlayMode::toString(t.playMode())); }, false,
          &T::setPlayMode, OrvoPlayLogicChangePlayModeArgs::PlayMode()},
-        {OrvoPlayerPositionPath(), [](const T& t) { return milliseconds(t.position()); }, true,
-         &T::seekTime, OrvoPlayerSeekTimeArgs::Time()},
+        {OrvoPlayerPositionPath(), [](const T& t) { return OrvoValue::fromI64(t.position()); },
+         true, &T::seekTime, OrvoPlayerSeekTimeArgs::Time()},
         {OrvoPlayerDurationPath(),
-         [](const T& t) { return milliseconds(t.duration()); },
+         [](const T& t) { return OrvoValue::fromI64(t.duration()); },
          false,
          nullptr,
          {}},

@@ -8,11 +8,6 @@
 namespace {
 constexpr int IntervalMs = 500;
 
-OrvoValue milliseconds(qint64 value) {
-    OrvoValue result;
-    result.setI64_(value);
-    return result;
-}
 } // namespace
 
 PositionPublisher::PositionPublisher(const PlayerTransport& transport, CMSubscribe* events,
@@ -39,8 +34,8 @@ void PositionPublisher::publish() {
         return;
     const qint64 position = m_transport.position();
     if (position != m_last) {
-        m_events->valueChanged(OrvoPlayerPositionPath(), milliseconds(position),
-                               milliseconds(m_last));
+        m_events->valueChanged(OrvoPlayerPositionPath(), OrvoValue::fromI64(position),
+                               OrvoValue::fromI64(m_last));
         m_last = position;
         m_sinceLast.start();
     }

@@ -36,6 +36,12 @@ OrvoValue OrvoValue::fromI32(int value) {
     return result;
 }
 
+OrvoValue OrvoValue::fromI64(qint64 value) {
+    OrvoValue result;
+    result.setI64_(value);
+    return result;
+}
+
 OrvoValue OrvoValue::fromString(const QString& value) {
     OrvoValue result;
     result.setString_(value);

@@ -35,6 +35,7 @@ public:
 
     static OrvoValue fromBool(bool value);
     static OrvoValue fromI32(int value);
+    static OrvoValue fromI64(qint64 value);
     static OrvoValue fromString(const QString& value);
 
     // The key of the entry held, empty when there is none.

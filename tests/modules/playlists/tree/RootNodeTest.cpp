@@ -14,7 +14,7 @@ QJsonObject playQueueRow() {
             {"context", Expected::menu("=PlayQueue", "playlists:pq/context?plid=0")}};
 }
 
-QJsonObject playListRow(int uid, const QString& name) {
+QJsonObject playListInRoot(int uid, const QString& name) {
     return {{"title", '=' + name},
             {"path", QString("playlists:pl/items/%1").arg(uid)},
             {"type", 1},
@@ -86,11 +86,11 @@ TEST_F(RootNodeTest, everySectionListsWhatThereIs) {
     const int rock = createCollection("Rock");
     const int jazz = createCollection("Jazz");
     const OrvoRowsRoles reply = root();
-    EXPECT_EQ(
-        rowTexts(reply),
-        rowTexts({playQueueRow(), playListsHeader, createPlayListRow, playListRow(second, "Second"),
-                  playListRow(first, "First %1"), collectionsHeader, createCollectionRow,
-                  collectionRow(rock, "Rock"), collectionRow(jazz, "Jazz")}));
+    EXPECT_EQ(rowTexts(reply),
+              rowTexts({playQueueRow(), playListsHeader, createPlayListRow,
+                        playListInRoot(second, "Second"), playListInRoot(first, "First %1"),
+                        collectionsHeader, createCollectionRow, collectionRow(rock, "Rock"),
+                        collectionRow(jazz, "Jazz")}));
     EXPECT_EQ(reply.rowsCount(), 9);
 }
 
@@ -99,7 +99,7 @@ TEST_F(RootNodeTest, hiddenCollectionsAreNotListedThoughTheyExist) {
     createCollection("Rock");
     const int uid = createPlayList("Mix");
     EXPECT_EQ(rowTexts(root()), rowTexts({playQueueRow(), playListsHeader, createPlayListRow,
-                                          playListRow(uid, "Mix")}));
+                                          playListInRoot(uid, "Mix")}));
 }
 
 TEST_F(RootNodeTest, createdListsFollowInTheOrderOfCreationAndByNameAfterARestart) {
@@ -115,7 +115,7 @@ TEST_F(RootNodeTest, everyRequestReadsTheModelAfresh) {
     root();
     const int uid = createPlayList("Old");
     send(OrvoPlayListPlSetNamePath(), QVariantHash{{"plid", uid}, {"name", "New"}});
-    EXPECT_EQ(rowTexts(root()).last(), RowText(playListRow(uid, "New")));
+    EXPECT_EQ(rowTexts(root()).last(), RowText(playListInRoot(uid, "New")));
 }
 
 TEST_F(RootNodeTest, visibilityIsReadOnceAtStart) {
@@ -187,7 +187,7 @@ TEST_F(RootNodeTest, enteringANameCreatesAPlaylistAndAnswersItsId) {
         send(CMPath("playlists:root?action=createPl"), OrvoValue::fromString("Mix"));
     ASSERT_TRUE(answer.answered);
     ASSERT_FALSE(answer.failed) << answer.message();
-    EXPECT_EQ(rowTexts(root()).last(), RowText(playListRow(answer.result().i32(), "Mix")));
+    EXPECT_EQ(rowTexts(root()).last(), RowText(playListInRoot(answer.result().i32(), "Mix")));
 }
 
 TEST_F(RootNodeTest, enteringANameCreatesACollectionAndAnswersItsId) {

@@ -108,6 +108,26 @@ TEST_F(TrackListTest, theRequestedRangeIsReadAndTheFullCountReported) {
     EXPECT_EQ(list(plid, 25, 30).rowsCount(), 25);
 }
 
+TEST_F(TrackListTest, theQueueIsReadByRangeToo) {
+    addItems(0, numbered(25));
+    const QList<RowText> all = rowTexts(list(0));
+    ASSERT_EQ(all.size(), 25);
+    EXPECT_EQ(rowTexts(list(0, 10, 19)), all.mid(10, 10));
+    EXPECT_EQ(list(0, 10, 19).rowsCount(), 25);
+}
+
+// Tracks are asked of the store by range as it is given; only lists that are cut afterwards turn it
+// round.
+TEST_F(TrackListTest, aRangeFromBehindToTheFrontHoldsNothing) {
+    const int plid = createPlayList("Mix");
+    for (const int uid : {plid, 0}) {
+        addItems(uid, numbered(5));
+        const OrvoRowsRoles reply = list(uid, 3, 1);
+        EXPECT_TRUE(rowTexts(reply).isEmpty());
+        EXPECT_EQ(reply.rowsCount(), 5);
+    }
+}
+
 TEST_F(TrackListTest, onlyTheRequestedRangeIsFetched) {
     const int plid = createPlayList("Mix");
     addItems(plid, numbered(25));
