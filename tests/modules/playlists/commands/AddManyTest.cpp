@@ -99,6 +99,28 @@ TEST_F(AddManyTest, manyItemsAreAddedAndLoggedAsThoseOfOneCall) {
     EXPECT_EQ(titlesOf(plid), titlesOf(2));
 }
 
+TEST_F(AddManyTest, whatWasAddedIsLetGoAfterwards) {
+    const QString album = QStringLiteral("album %1").arg(1); // not a constant: its uses are counted
+    QVariantList items = many();
+    for (QVariant& item : items) {
+        OrvoPlayListItem onAlbum(item.toHash());
+        onAlbum.setAlbum(album);
+        item = onAlbum.toHash();
+    }
+    const LateAnswer answer = addByPath(2, items);
+    items.clear();
+    EXPECT_FALSE(album.isDetached());
+    waitFor(answer);
+    constexpr int PatienceMs = 30'000;
+    QElapsedTimer clock;
+    clock.start();
+    while (!album.isDetached() && clock.elapsed() < PatienceMs) {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    EXPECT_TRUE(album.isDetached());
+}
+
 TEST_F(AddManyTest, oneThatIsNotAcceptableRejectsAllOfMany) {
     QVariantList items = many();
     makeBare(&items, BareOne);
