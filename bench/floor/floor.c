@@ -265,11 +265,11 @@ static int make_room(void** array, size_t* room, size_t wanted, size_t element) 
     return 1;
 }
 
-// Copies the text. What is kept is its place, since the texts may still move.
+// Copies the text behind those before it. Where it is, place() says, since the texts may still
+// move.
 static int keep_text(floor_rows* rows, sqlite3_stmt* s, int column, floor_text* text) {
     const unsigned char* data = sqlite3_column_text(s, column);
     text->size = sqlite3_column_bytes(s, column);
-    text->data = (const char*)rows->textsUsed;
     if (!make_room((void**)&rows->texts, &rows->textsRoom, rows->textsUsed + (size_t)text->size, 1))
         return 0;
     if (text->size > 0)
@@ -278,8 +278,10 @@ static int keep_text(floor_rows* rows, sqlite3_stmt* s, int column, floor_text* 
     return 1;
 }
 
-static void place(const floor_rows* rows, floor_text* text) {
-    text->data = rows->texts + (size_t)text->data;
+// For all texts in the order in which they were copied.
+static void place(const char** next, floor_text* text) {
+    text->data = *next;
+    *next += text->size;
 }
 
 int floor_read(floor_store* store, const floor_list* list, int from, int to, floor_rows* rows) {
@@ -306,16 +308,17 @@ int floor_read(floor_store* store, const floor_list* list, int from, int to, flo
         item->durationSeconds = sqlite3_column_int(s, 7);
     }
     ok = sqlite3_reset(s) == SQLITE_OK && ok;
+    const char* next = rows->texts;
     for (int i = 0; ok && i < rows->count; ++i) {
         floor_item* item = &rows->entries[i].item;
-        place(rows, &item->title);
-        place(rows, &item->artist);
-        place(rows, &item->album);
-        place(rows, &item->artworkUrl);
-        place(rows, &item->genre);
-        place(rows, &item->url);
-        place(rows, &item->serviceId);
-        place(rows, &item->orvoRoles);
+        place(&next, &item->title);
+        place(&next, &item->artist);
+        place(&next, &item->album);
+        place(&next, &item->artworkUrl);
+        place(&next, &item->genre);
+        place(&next, &item->url);
+        place(&next, &item->serviceId);
+        place(&next, &item->orvoRoles);
     }
     return ok;
 }
@@ -343,8 +346,9 @@ int floor_load(floor_store* store, floor_rows* rows) {
     rows->textsUsed = 0;
     int ok = load_playlists(store->statements[get_play_queue], rows) &&
              load_playlists(store->statements[get_playlists], rows);
+    const char* next = rows->texts;
     for (int i = 0; ok && i < rows->count; ++i)
-        place(rows, &rows->playlists[i].name);
+        place(&next, &rows->playlists[i].name);
     sqlite3_stmt* s = store->statements[get_collections];
     while (sqlite3_step(s) == SQLITE_ROW) {
     }
