@@ -77,7 +77,7 @@ public:
     int countPlaylistsItems();
     int countCollections();
 
-    // --- items (DatabaseItems.cpp) ---
+    // --- items (DatabaseItems.cpp, DatabaseItemsEdits.cpp) ---
 
     // The entries numbered `from` to `to`, both included, ascending: 0 to 9 gives up to ten.
     QList<OrvoPlayListItem> getItems(const PlayListRecord& pl, int from, int to);

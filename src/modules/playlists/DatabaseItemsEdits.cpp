@@ -1,0 +1,285 @@
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include <QVector>
+
+#include "DatabaseItemRows.h"
+#include "DatabaseTransaction.h"
+#include "ItemTexts.h"
+#include "ModuleLog.h"
+#include "Sqlite3Statement.h"
+
+namespace {
+
+// Entries that follow each other without a gap, both ends included.
+struct Run {
+    int from;
+    int to;
+};
+
+// 5 1 2 -> 1..2, 5..5
+QVector<Run> runsOf(QList<int> indices) {
+    std::sort(indices.begin(), indices.end());
+    QVector<Run> runs;
+    for (int index : std::as_const(indices)) {
+        if (!runs.isEmpty() && qint64(runs.constLast().to) + 1 == index)
+            runs.last().to = index;
+        else
+            runs.append({index, index});
+    }
+    return runs;
+}
+
+} // namespace
+
+int Database::getNextSequenceNumber(const PlayListRecord& pl) {
+    CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid);
+    StatementScope query(statement(StatementId::GetNextSequenceNumber));
+    if (!query->bindInt(1, pl.uid) || !query->step_row()) {
+        LOG4CPLUS_ERROR(moduleLog(), "Error fetching the next sequenceNumber");
+        return Failed;
+    }
+    const int number = query->columnInt(0);
+    if (!query.reset())
+        LOG4CPLUS_ERROR(moduleLog(), "Error resetting next sequence number stmt");
+    return number;
+}
+
+int Database::addItemsNextSequenceNumber(const PlayListRecord& pl,
+                                         const OrvoPlayListAddPosition::Enum& position) {
+    if (pl.size <= 0) {
+        LOG4CPLUS_TRACE(moduleLog(), "playlist is empty");
+        const int number = getNextSequenceNumber(pl);
+        LOG4CPLUS_TRACE(moduleLog(), "nextSequenceNumber: " << number);
+        return number;
+    }
+    LOG4CPLUS_TRACE(moduleLog(), "playlist is not empty");
+    LOG4CPLUS_TRACE(moduleLog(), "lastSeqNum: " << pl.lastPlayedIndex);
+    switch (position) {
+    case OrvoPlayListAddPosition::Now:
+    case OrvoPlayListAddPosition::AfterCurrent:
+        // An index beyond the end is left over from a list that was longer: following it would
+        // leave a gap.
+        if (pl.lastPlayedIndex >= 0 && pl.lastPlayedIndex < pl.size)
+            return pl.lastPlayedIndex + 1;
+        return getNextSequenceNumber(pl);
+    case OrvoPlayListAddPosition::Append:
+        return getNextSequenceNumber(pl);
+    }
+    return Failed;
+}
+
+int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum position,
+                       const QList<OrvoPlayListItem>& items, int* addedCount) {
+    Transaction transaction(*this, Transaction::Lock::AtOnce);
+    CM_ENTER_ARGS(moduleLog(), "pl: " << pl.uid << " pl.size(): " << pl.size << " position: "
+                                      << OrvoPlayListAddPosition::toString(position)
+                                      << " items.size(): " << items.size());
+    if (!transaction.begun()) {
+        LOG4CPLUS_ERROR(moduleLog(), "Error adding items to list");
+        return Failed;
+    }
+    printItems(pl);
+
+    // A pass over all items, made only where somebody looks at the result.
+    const bool countWanted =
+        m_itemsLimit != 0 || moduleLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL);
+    int dbItemsCount = 0;
+    const bool counted = !countWanted || readCount(StatementId::CountPlaylistItems, dbItemsCount);
+    // Without the count there is no limit; and a read that fails may have ended the transaction, so
+    // that what follows would be there for good, piece by piece.
+    if (!counted || sqlite3_get_autocommit(m_connection)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Error adding items to list");
+        return Failed;
+    }
+    // Deliberate: where the store already holds more than the limit, the length is negative, which
+    // QList takes as "to the end", and everything is added.
+    const qint64 room = qint64(m_itemsLimit) - dbItemsCount;
+    const QList<OrvoPlayListItem> itemsToAdd =
+        m_itemsLimit == 0 ? items : items.mid(0, int(qMax<qint64>(room, -1)));
+    const int count = itemsToAdd.size();
+    if (addedCount)
+        *addedCount = count;
+    LOG4CPLUS_TRACE(moduleLog(), "dbItemsCount: " << dbItemsCount << ", addedItemsCount: " << count
+                                                  << ", limit: " << m_itemsLimit);
+    if (count == 0) {
+        LOG4CPLUS_ERROR(moduleLog(), "Error adding playlist items: database reached limit!");
+        return LimitReached;
+    }
+
+    int first = addItemsNextSequenceNumber(pl, position);
+    if (first >= 0 && pl.size > first && !offsetItemsFromTransaction(pl, first, count)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to move item block before adding items");
+        first = Failed;
+    }
+    if (first < 0 || !addItemsFromSequenceNumber(pl, first, itemsToAdd)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Error adding items to list");
+        return Failed;
+    }
+    transaction.commit();
+    return first;
+}
+
+bool Database::offsetItemsFromTransaction(const PlayListRecord& pl, int from, int count) {
+    // By way of numbers that nobody uses: a number may never stand twice, not even halfway through
+    // a statement.
+    Sqlite3Statement& shift = statement(StatementId::MoveItem1);
+    const int away = pl.size + 1;
+    return shift.run(pl.uid, from, pl.size, count + away) &&
+           shift.run(pl.uid, pl.size, lastPossibleNumber, -away);
+}
+
+bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& sequenceNumber,
+                                          const QList<OrvoPlayListItem>& items) {
+    constexpr int Ahead = 2;
+    std::array<ItemTexts, Ahead + 1> texts;
+    const auto textsOf = [&texts](int i) -> ItemTexts& {
+        return texts[std::size_t(i) % texts.size()];
+    };
+    const bool traced = moduleLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL);
+    for (int i = -Ahead; i < items.size(); ++i) {
+        if (i + 2 < items.size())
+            textsOf(i + 2).find(items.at(i + 2));
+        if (i + 1 >= 0 && i + 1 < items.size())
+            textsOf(i + 1).comeCloser();
+        if (i < 0)
+            continue;
+        const int uid = insertItem(textsOf(i), items.at(i).durationSeconds());
+        if (uid < 0) {
+            LOG4CPLUS_ERROR(moduleLog(), "Error inserting item into DB");
+            return false;
+        }
+        if (traced)
+            LOG4CPLUS_TRACE(moduleLog(), "Inserted item into DB with uid" << uid);
+        if (!statement(StatementId::InsertPlayListItem).run(pl.uid, uid, sequenceNumber + i)) {
+            LOG4CPLUS_ERROR(moduleLog(), "Error inserting item into playlist DB");
+            return false;
+        }
+    }
+    return true;
+}
+
+// The uid that the store has given it, or Failed.
+int Database::insertItem(const ItemTexts& item, int durationSeconds) {
+    using Text = ItemTexts;
+    const bool inserted = statement(StatementId::InsertItem)
+                              .run(item[Text::Title], item[Text::Artist], item[Text::Album],
+                                   item[Text::ArtworkUrl], item[Text::Genre], durationSeconds,
+                                   item[Text::Url], item[Text::ServiceId], item[Text::OrvoRoles]);
+    return inserted ? int(sqlite3_last_insert_rowid(m_connection)) : Failed;
+}
+
+int Database::removeItems(const PlayListRecord& pl, const QList<int>& indices) {
+    CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid << " indices=" << joined(indices));
+    if (indices.isEmpty())
+        return 0;
+    Transaction transaction(*this, Transaction::Lock::AtOnce);
+    const int removed = transaction.begun() ? removeItemsTransaction(pl, indices) : Failed;
+    if (removed == Failed) {
+        LOG4CPLUS_ERROR(moduleLog(), "Error removing items from list");
+        return Failed;
+    }
+    transaction.commit();
+    setVacuumNeeded();
+    return removed;
+}
+
+int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>& indices) {
+    int removed = 0;
+    for (const Run& run : runsOf(indices)) {
+        const int count = removeItemsHelper(pl, run.from, run.to);
+        removed += count;
+        // No further run: some failures have ended the transaction, and the rest would be removed
+        // for good. And one number a million times over is found out at its second time.
+        if (count != run.to - run.from + 1)
+            break;
+    }
+    if (removed != indices.size()) {
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to remove all item indices");
+        return Failed;
+    }
+    if (!cleanUnusedItems()) {
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to clean up unused items");
+        return Failed;
+    }
+    // Deliberate: the first index as given, not the smallest. Callers list them in ascending order.
+    if (!renumberFrom(pl, indices.first())) {
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to restore sequence numbers");
+        return Failed;
+    }
+    return removed;
+}
+
+int Database::removeItemsHelper(const PlayListRecord& pl, int from, int to) {
+    LOG4CPLUS_TRACE(moduleLog(), "Remove partial from=" << from << " to=" << to);
+    if (!statement(StatementId::DeletePlayListItem).run(pl.uid, from, to)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Error removing partial items from list");
+        return Failed;
+    }
+    return sqlite3_changes(m_connection);
+}
+
+bool Database::renumberFrom(const PlayListRecord& pl, int first) {
+    struct Entry {
+        int uid;
+        int number;
+    };
+    // All are read before the first is changed: the rows of a statement that is still being stepped
+    // must stay put.
+    QVector<Entry> entries;
+    entries.reserve(qMax(0, pl.size - first));
+    const bool read = visitItems(pl.uid, first, pl.size, [&entries](const Sqlite3Statement& row) {
+        entries.append({row.columnInt(UidColumn), row.columnInt(SequenceNumberColumn)});
+        return true;
+    });
+    if (!read)
+        return false;
+    Sqlite3Statement& setNumber = statement(StatementId::SetSequenceNumber);
+    int number = first;
+    for (const Entry& entry : std::as_const(entries)) {
+        LOG4CPLUS_TRACE(moduleLog(), "update seq: uid=" << entry.uid << " old=" << entry.number
+                                                        << " new=" << number);
+        // Ascending and never upwards, so each new number is free when it is taken.
+        if (!setNumber.run(pl.uid, entry.uid, entry.number, number++))
+            return false;
+    }
+    return true;
+}
+
+bool Database::moveItem(const PlayListRecord& pl, int from, int to) {
+    CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid << " from=" << from << " to=" << to);
+    Transaction transaction(*this, Transaction::Lock::WhenWriting);
+    if (!transaction.begun() || !moveItemTransaction(pl, from, to)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Error moving PlayListItem");
+        return false;
+    }
+    transaction.commit();
+    return true;
+}
+
+bool Database::moveItemTransaction(const PlayListRecord& pl, int from, int to) {
+    // The whole range is lifted above the numbers in use, and its entries come back one place on,
+    // the moved one first.
+    Sqlite3Statement& shift = statement(StatementId::MoveItem1);
+    const int size = pl.size;
+    const int low = qMin(from, to);
+    const int high = qMax(from, to);
+    const int direction = from <= to ? 1 : -1;
+    return shift.run(pl.uid, low, high, size) &&
+           shift.run(pl.uid, from + size, from + size, to - from - size) &&
+           shift.run(pl.uid, low + size, high + size, -(direction + size));
+}
+
+bool Database::clearItems(const PlayListRecord& pl) {
+    CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid);
+    if (removeItemsHelper(pl, 0, lastPossibleNumber) < 0) {
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to clear playList " << pl.uid);
+        return false;
+    }
+    const bool cleaned = cleanUnusedItems();
+    if (!cleaned)
+        LOG4CPLUS_ERROR(moduleLog(), "Unable to clean up unused items");
+    setVacuumNeeded();
+    return cleaned;
+}
