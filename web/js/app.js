@@ -1,26 +1,20 @@
 // Puts the page together: what the device has, where things are shown, and what the parts ask of
 // each other.
 
-import { artworkUrl, getModules, getPaths, sendData } from './core/api.js';
-import { EventFeed } from './core/events.js';
-import { samePlace } from './core/paths.js';
+import { EventFeed, artworkUrl, getModules, getPaths, samePlace, sendData } from './core/device.js';
 import { AddMode, Commands } from './model/commands.js';
 import { Covers } from './model/covers.js';
-import { allRows } from './model/liststore.js';
 import { Player } from './model/player.js';
-import { RowType, isCreate, isSwitch, metaData } from './model/rows.js';
-import { Address } from './view/address.js';
-import { el, setText } from './view/dom.js';
-import { icon } from './view/icons.js';
+import { RowType, allRows, isCreate, isSwitch, metaData } from './model/rows.js';
+import { attempt, el, icon, setText, tellError } from './view/dom.js';
 import { wireKeys } from './view/keys.js';
-import { Pane } from './view/pane.js';
-import { attempt, tellError } from './view/toast.js';
+import { Address, Pane } from './view/pane.js';
 
 // Where the trees begin. A module that is not loaded has none.
 const FilesRoot = 'files:tree';
 const Narrow = '(max-width: 47.49rem)';
 const Wide = '(min-width: 75rem)';
-const LaterStyles = ['/css/player.css', '/css/overlay.css'];
+const LaterStyle = '/css/later.css';
 const RetryMs = 1500;
 
 const after = (ms) => new Promise((done) => setTimeout(done, ms));
@@ -90,7 +84,7 @@ class App {
     });
     requestAnimationFrame(() => performance.mark('first-rows'));
     await painted();
-    const loading = Promise.all([loadParts(), ...LaterStyles.map(addStyle)]);
+    const loading = Promise.all([loadParts(), addStyle(LaterStyle)]);
     if (!this.isPlaced) this.openPlaces();
     const [parts] = await loading;
     this.menu = new parts.Menu(this);
@@ -114,14 +108,14 @@ class App {
 
   // The device.
   wireFeed() {
-    this.feed.onEvent((event) => {
+    this.feed.on('event', (event) => {
       this.player.apply(event);
       this.covers.apply(event);
       for (const pane of this.panes) pane.apply(event);
       this.menu?.apply(event);
     });
-    this.feed.onResync(() => this.readEverythingAgain());
-    this.feed.onOnline((online) => {
+    this.feed.on('resync', () => this.readEverythingAgain());
+    this.feed.on('online', (online) => {
       document.body.classList.toggle('offline', !online);
       document.getElementById('banner').hidden = online;
       if (online) this.retry();
@@ -404,7 +398,7 @@ async function startApp() {
       app = await begin();
     } catch (error) {
       if (error.status === 401) {
-        await Promise.all(LaterStyles.map(addStyle));
+        await addStyle(LaterStyle);
         const { askToken } = await import('./view/tokencard.js');
         await askToken();
         location.reload();

@@ -1,6 +1,6 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { ListStore, insertedRuns } from '../../../web/js/model/liststore.js';
+import { ListStore, insertedRuns } from '../../../web/js/model/rows.js';
 
 // A list that answers when it is told to.
 class FakeList {

@@ -3,10 +3,9 @@
 //
 // Emits: change. phase: 'finding', 'adding', 'done', 'stopped' or 'failed'.
 
-import { Emitter } from '../core/emitter.js';
-import { getRows } from '../core/api.js';
-import { RowType, isMenu } from './rows.js';
+import { Emitter, getRows } from '../core/device.js';
 import { AddMode } from './commands.js';
+import { RowType, isMenu } from './rows.js';
 
 const FindPage = 500;
 const Portion = 250;

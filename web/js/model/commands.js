@@ -1,9 +1,7 @@
 // The one place that knows commands by name: those that take several rows at once, and adding
 // from one tree to another. Everything else comes from the rows themselves.
 
-import { getRows, sendData } from '../core/api.js';
-import { RowRoles } from '../core/boot.js';
-import { basePart, components, params } from '../core/paths.js';
+import { RowRoles, basePart, components, getRows, params, sendData } from '../core/device.js';
 
 export const AddMode = { Now: 0, Next: 1, Append: 2 };
 

@@ -3,9 +3,7 @@
 //
 // Emits: change (the path whose pictures may be others now).
 
-import { Emitter } from '../core/emitter.js';
-import { artworkUrl, getRows } from '../core/api.js';
-import { isAtOrBelow, samePlace } from '../core/paths.js';
+import { Emitter, artworkUrl, getRows, isAtOrBelow, samePlace } from '../core/device.js';
 import { RowType, isMenu, metaData } from './rows.js';
 
 const LookAt = 24;

@@ -3,9 +3,7 @@
 // Emits: change (what: state, data, mode, position, duration, volume or present) · failed (the text
 // of an error that has just come up).
 
-import { Emitter } from '../core/emitter.js';
-import { getValue, sendData } from '../core/api.js';
-import { samePlace } from '../core/paths.js';
+import { Emitter, getValue, samePlace, sendData } from '../core/device.js';
 
 // Odd: shuffled. 0, 1: no repeat; 2, 3: repeat one; 4, 5: repeat all.
 const ModeNames = ['normal', 'shuffle', 'repeatOne', 'shuffleRepeatOne', 'repeatAll', 'shuffleRepeatAll'];

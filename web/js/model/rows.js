@@ -1,4 +1,6 @@
-// What a row is, from its roles alone.
+// Rows: what one is, from its roles alone, and the store of those of one list.
+
+import { Emitter, PageSize, RowRoles, getRows, isAtOrBelow, samePlace } from '../core/device.js';
 
 export const RowType = {
   Container: 1, // opens
@@ -50,3 +52,283 @@ export function clock(milliseconds) {
 // Letters without accents and case, for finding.
 export const searchText = (text) =>
   text.normalize('NFD').replace(/\p{Mn}/gu, '').toLocaleLowerCase();
+
+// The rows of one list, however long: read by pages as they come into view, kept while they are
+// near, and brought up to date by the device's events without losing the place.
+//
+// A row that may be out of date stays on screen until its successor is there.
+//
+// Emits: rows {from, to} (to: exclusive) · inserted {at, count} · count · title · reset · closed ·
+// error (an ApiError).
+
+const ScanPageSize = 500;
+const MostRequests = 2;
+const KeepAtMost = 4000;
+const KeepAround = 1200;
+
+// "+4", "+5", "+9" as runs of neighbours: [{at: 4, count: 2}, {at: 9, count: 1}].
+export function insertedRuns(changes) {
+  const runs = [];
+  for (const change of changes) {
+    const at = Number(change.slice(1));
+    const last = runs[runs.length - 1];
+    if (last && at === last.at + last.count) last.count += 1;
+    else runs.push({ at, count: 1 });
+  }
+  return runs;
+}
+
+// Every row of a list, read in large pages and not kept.
+export async function allRows(path) {
+  const rows = [];
+  for (;;) {
+    const answer = await getRows(path, rows.length, rows.length + ScanPageSize - 1, RowRoles);
+    rows.push(...answer.rows);
+    if (answer.rows.length === 0 || rows.length >= answer.rowsCount) return rows;
+  }
+}
+
+export class ListStore extends Emitter {
+  constructor(path, { read = getRows } = {}) {
+    super();
+    this.path = path;
+    this.read = read;
+    this.title = null;
+    this.roles = {};
+    this.count = -1;
+    this.closed = false;
+    this.rows = [];
+    this.generations = [];
+    this.generation = 1;
+    this.kept = 0;
+    this.wanted = [0, 0];
+    this.requests = new Map(); // page → {cancelled}
+  }
+
+  row(index) {
+    return this.rows[index];
+  }
+
+  get isLoaded() {
+    return this.count >= 0;
+  }
+
+  get isComplete() {
+    return this.isLoaded && this.kept === this.count;
+  }
+
+  // All rows are here as they are now.
+  get isCurrent() {
+    if (!this.isComplete) return false;
+    for (let i = 0; i < this.count; i += 1) if (!this.isFresh(i)) return false;
+    return true;
+  }
+
+  isFresh(index) {
+    return this.generations[index] === this.generation;
+  }
+
+  // Rows from..to (exclusive) are in view.
+  want(from, to) {
+    this.wanted = [Math.max(0, from), Math.max(to, from + 1)];
+    this.pump();
+  }
+
+  pump() {
+    if (this.closed) return;
+    for (const page of this.missingPages()) {
+      if (this.requests.size >= MostRequests) return;
+      if (!this.requests.has(page)) this.fetchPage(page);
+    }
+  }
+
+  // Those nearest to the middle of the view first.
+  missingPages() {
+    const [from, to] = this.wanted;
+    const last = this.isLoaded ? Math.max(0, this.count - 1) : PageSize - 1;
+    const first = Math.floor(Math.min(from, last) / PageSize);
+    const end = Math.floor(Math.min(to - 1, last) / PageSize);
+    const pages = [];
+    for (let page = first; page <= end; page += 1) {
+      if (!this.isPageFresh(page)) pages.push(page);
+    }
+    const middle = (from + to) / 2;
+    const distance = (page) => Math.abs((page + 0.5) * PageSize - middle);
+    return pages.sort((a, b) => distance(a) - distance(b));
+  }
+
+  isPageFresh(page) {
+    if (!this.isLoaded) return false;
+    const end = Math.min(this.count, (page + 1) * PageSize);
+    for (let i = page * PageSize; i < end; i += 1) if (!this.isFresh(i)) return false;
+    return !(this.count === 0 && this.emptyGeneration !== this.generation);
+  }
+
+  async fetchPage(page) {
+    const ticket = { cancelled: false };
+    this.requests.set(page, ticket);
+    const from = page * PageSize;
+    try {
+      const answer = await this.read(this.path, from, from + PageSize - 1, RowRoles);
+      if (!ticket.cancelled && !this.closed) this.take(from, answer);
+    } catch (error) {
+      if (!ticket.cancelled && !this.closed) this.emit('error', error);
+      this.requests.delete(page);
+      return; // asked again with the next change of view, event or reconnection
+    }
+    if (this.requests.get(page) === ticket) this.requests.delete(page);
+    this.pump();
+  }
+
+  take(from, answer) {
+    this.setTitle(answer);
+    const isFirst = !this.isLoaded;
+    if (answer.rowsCount !== this.count) this.setCount(answer.rowsCount);
+    if (answer.rowsCount === 0) this.emptyGeneration = this.generation;
+    // A list that shrank meanwhile answers with its end instead.
+    if (from < this.count || from === 0) this.put(from, answer.rows);
+    if (isFirst) this.emit('reset');
+    this.emit('rows', { from, to: from + answer.rows.length });
+    this.forgetFarRows();
+  }
+
+  put(from, rows) {
+    rows.forEach((row, i) => {
+      if (!this.rows[from + i]) this.kept += 1;
+      this.rows[from + i] = row;
+      this.generations[from + i] = this.generation;
+    });
+  }
+
+  setTitle(answer) {
+    this.roles = answer.roles ?? {};
+    if (answer.title === this.title) return;
+    this.title = answer.title;
+    this.emit('title');
+  }
+
+  setCount(count) {
+    const known = this.isLoaded;
+    for (let i = count; i < this.rows.length; i += 1) if (this.rows[i]) this.kept -= 1;
+    this.count = count;
+    this.rows.length = count;
+    this.generations.length = count;
+    if (known) this.generation += 1; // nobody said where: everything may have shifted
+    this.emit('count');
+  }
+
+  forgetFarRows() {
+    if (this.kept <= KeepAtMost) return;
+    const middle = (this.wanted[0] + this.wanted[1]) / 2;
+    for (let i = 0; i < this.rows.length; i += 1) {
+      if (!this.rows[i] || Math.abs(i - middle) <= KeepAround) continue;
+      this.rows[i] = undefined;
+      this.generations[i] = 0;
+      this.kept -= 1;
+    }
+  }
+
+  // Events of the device.
+  apply(event) {
+    if (this.closed) return;
+    const concerns = event.kind === 'startingWith'
+      ? isAtOrBelow(this.path, event.path)
+      : event.kind === 'rows' && samePlace(this.path, event.path);
+    if (!concerns) return;
+    const inserted = event.changes.filter((change) => change.startsWith('+'));
+    if (inserted.length) this.insert(insertedRuns(inserted));
+    if (event.changes.includes('reset')) this.invalidate();
+    if (event.changes.includes('close')) this.close();
+  }
+
+  insert(runs) {
+    if (!this.isLoaded) {
+      this.invalidate();
+      return;
+    }
+    for (const { at, count } of runs) {
+      const place = Math.min(at, this.count);
+      this.cancelFrom(place);
+      spliceEmpty(this.rows, place, count, this.count);
+      spliceEmpty(this.generations, place, count, this.count);
+      this.count += count;
+      // Those behind carry their position: it is another one now.
+      for (let i = place; i < this.count; i += 1) if (this.generations[i]) this.generations[i] = 0;
+      this.emit('inserted', { at: place, count });
+    }
+    this.emit('count');
+    this.pump();
+  }
+
+  invalidate() {
+    this.generation += 1;
+    this.cancelFrom(0);
+    this.emit('stale');
+    this.pump();
+  }
+
+  cancelFrom(index) {
+    for (const [page, ticket] of this.requests) {
+      if ((page + 1) * PageSize <= index) continue;
+      ticket.cancelled = true;
+      this.requests.delete(page);
+    }
+  }
+
+  close() {
+    this.closed = true;
+    this.cancelFrom(0);
+    this.emit('closed');
+  }
+
+  // Nobody looks any more.
+  dispose() {
+    this.closed = true;
+    this.cancelFrom(0);
+    this.handlers.clear();
+  }
+
+  // The rows at `from` (ascending) stand in front of what is at `gap` now, before the device says so.
+  moveLocally(from, gap) {
+    const chosen = new Set(from);
+    const reorder = (list) => {
+      const moved = from.map((i) => list[i]);
+      const result = [];
+      for (let i = 0; i < this.count; i += 1) {
+        if (i === gap) result.push(...moved);
+        if (!chosen.has(i)) result.push(list[i]);
+      }
+      if (gap >= this.count) result.push(...moved);
+      return result;
+    };
+    // What is under way would bring the old order back.
+    this.cancelFrom(0);
+    this.rows = reorder(this.rows);
+    this.generations = reorder(this.generations);
+    this.emit('rows', { from: 0, to: this.count });
+  }
+
+  // Every row in order, read in large pages and not kept. `visit(row, index)` ends it with false.
+  async scan(visit, { from = 0, signal } = {}) {
+    for (let start = from; start < this.count; start += ScanPageSize) {
+      const answer = await this.read(this.path, start, start + ScanPageSize - 1, RowRoles);
+      if (signal?.aborted) return;
+      for (let i = 0; i < answer.rows.length; i += 1) {
+        if (visit(answer.rows[i], start + i) === false) return;
+      }
+      if (answer.rows.length === 0) return;
+    }
+  }
+}
+
+function spliceEmpty(list, at, count, length) {
+  list.length = length;
+  if (count < 1000) {
+    list.splice(at, 0, ...new Array(count).fill(undefined));
+    return;
+  }
+  const behind = list.slice(at);
+  list.length = at;
+  list.length = at + count;
+  for (const entry of behind) list.push(entry);
+}

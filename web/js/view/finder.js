@@ -2,9 +2,7 @@
 // is shown. Nothing is filtered away, so the place of a match in its list stays visible.
 
 import { metaData, searchText } from '../model/rows.js';
-import { el, setText } from './dom.js';
-import { icon } from './icons.js';
-import { attempt } from './toast.js';
+import { attempt, el, icon, setText } from './dom.js';
 
 const WaitMs = 180;
 

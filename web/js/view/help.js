@@ -1,7 +1,6 @@
 // What the keys do.
 
-import { el } from './dom.js';
-import { icon } from './icons.js';
+import { el, icon } from './dom.js';
 
 const Keys = [
   ['Move in a list', '↑ ↓ Home End'],

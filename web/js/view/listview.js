@@ -3,13 +3,12 @@
 //
 // Emits: open {row, index} (Enter, tap) · menu {row, index, anchor} · remove · back · move {by}.
 
-import { Emitter } from '../core/emitter.js';
+import { Emitter } from '../core/device.js';
 import { RowType, isFocusable, rowKey } from '../model/rows.js';
 import { clamp, el, prefersStill, setAttribute } from './dom.js';
-import { RowMetrics } from './metrics.js';
-import { RowView } from './rowview.js';
+import { handleListKey } from './keys.js';
+import { RowMetrics, RowView } from './rowview.js';
 import { Selection } from './selection.js';
-import { handleListKey } from './listkeys.js';
 
 const Overscan = 6;
 // Faster than this, in screens per second, rows fly by and pictures wait.

@@ -2,14 +2,10 @@
 // from below on a phone and stands beside its row elsewhere. One at a time, with pages to go back
 // from.
 
-import { ListStore } from '../model/liststore.js';
-import { RowType, isCreate, isSwitch, isUsable } from '../model/rows.js';
+import { samePlace } from '../core/device.js';
 import { asksTwice } from '../model/commands.js';
-import { samePlace } from '../core/paths.js';
-import { Artwork } from './artwork.js';
-import { clamp, el, setAttribute, setText } from './dom.js';
-import { icon } from './icons.js';
-import { attempt, busy } from './toast.js';
+import { ListStore, RowType, isCreate, isSwitch, isUsable } from '../model/rows.js';
+import { Artwork, attempt, busy, clamp, el, icon, setAttribute, setText } from './dom.js';
 
 const SureForMs = 4000;
 const AllRows = 1000000;

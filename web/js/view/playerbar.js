@@ -1,10 +1,8 @@
 // The bar at the foot of the page, always there, and the large view that it opens.
 
-import { artworkUrl } from '../core/api.js';
+import { artworkUrl } from '../core/device.js';
 import { metaData } from '../model/rows.js';
-import { Artwork } from './artwork.js';
-import { el, setText } from './dom.js';
-import { icon } from './icons.js';
+import { Artwork, el, icon, setText } from './dom.js';
 import { Transport } from './transport.js';
 
 const ClockMs = 250;

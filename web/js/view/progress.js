@@ -1,7 +1,6 @@
 // How far adding has come, with a way to stop it. What is over in a moment shows nothing but its end.
 
-import { el, plural, setText } from './dom.js';
-import { tell, tellError } from './toast.js';
+import { el, plural, setText, tell, tellError } from './dom.js';
 
 const ShowAfterMs = 350;
 

@@ -3,7 +3,7 @@
 //
 // Emits: change.
 
-import { Emitter } from '../core/emitter.js';
+import { Emitter } from '../core/device.js';
 import { RowType, rowKey } from '../model/rows.js';
 
 export class Selection extends Emitter {

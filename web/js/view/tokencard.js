@@ -1,6 +1,6 @@
 // Asks for the device's token, once: what stays is a cookie that the page itself cannot read.
 
-import { login } from '../core/api.js';
+import { login } from '../core/device.js';
 import { el, setText } from './dom.js';
 
 // Resolves when the device has taken the token.

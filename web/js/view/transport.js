@@ -1,11 +1,9 @@
 // The controls of what plays, for the bar and for the large view alike. Only those are live that
 // the play logic allows.
 
-import { clock } from '../model/rows.js';
 import { Repeat } from '../model/player.js';
-import { clamp, el, setAttribute, setText } from './dom.js';
-import { icon, setIcon } from './icons.js';
-import { attempt } from './toast.js';
+import { clock } from '../model/rows.js';
+import { attempt, clamp, el, icon, setAttribute, setIcon, setText } from './dom.js';
 
 const SendVolumeEveryMs = 80;
 // In milliseconds, however long the track.
