@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sched.h>
+
 #include "../client/Device.h"
 #include "../client/Report.h"
 
@@ -16,6 +18,8 @@ namespace Scenarios {
 
 constexpr int PageRows = 50;
 
+// What the machine itself takes to wake somebody up: below that nothing over a socket gets.
+void wakeUps(const cpu_set_t& others, Report& report);
 void pages(const Library& library, Report& report);
 // Edits by one client, while another one listens.
 void edits(const Library& library, const std::string& storage, bool bounded, Report& report);

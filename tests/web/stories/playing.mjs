@@ -42,6 +42,23 @@ story('play from the middle, next, previous, seek', async ({ device, open }) => 
   await eventually(async () => (await device.value('player:position')).i64 > first, true);
 }, { player: true });
 
+story('the large view stays where it is, whatever is looked for in it', async ({ device, open }) => {
+  await device.playlist('Party', Albums.lanterns);
+  const me = await open();
+  await me.openList('Party');
+  await me.playRow(Lanterns[0]);
+  await eventually(() => me.nowTitle(), Lanterns[0]);
+  await me.page.locator('#player .now').click();
+  const large = me.page.locator('dialog.large');
+  await large.waitFor();
+  // The glow behind it is wider than the screen.
+  const moved = await large.evaluate((dialog) => {
+    dialog.scrollTo(200, 200);
+    return [dialog.scrollLeft, dialog.scrollTop];
+  });
+  assert.deepEqual(moved, [0, 0]);
+}, { player: true });
+
 story('insert next while shuffled and hear it next', async ({ device, open }) => {
   const plid = await device.playlist('Party', Albums.lanterns);
   const me = await open();
