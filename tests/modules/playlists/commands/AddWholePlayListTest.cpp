@@ -121,6 +121,18 @@ TEST_F(AddWholePlayListTest, anItemThatIsNotAcceptableKeepsTheWholePlaylistWhere
     EXPECT_EQ(QString(), stored(2));
 }
 
+TEST_F(AddWholePlayListTest, anItemThatCannotBeAskedForKeepsTheWholePlaylistWhereItIs) {
+    // Nor does the store ever give an item this uid.
+    restartAfter("UPDATE playlists_items SET item = 0 WHERE item = 2;"
+                 " UPDATE items SET uid = 0 WHERE uid = 2");
+    const LogCapture log("PlayLists");
+    EXPECT_EQ(QString("Could not add items to playlist. No items were added."),
+              refusal(OrvoPlayListPlAddItemsPath(), merge(1, 2)));
+    EXPECT_TRUE(log.contains("ERROR", "Cannot read all items of playlist with plid: 1"));
+    EXPECT_EQ(QString("a b c"), stored(1));
+    EXPECT_EQ(QString(), stored(2));
+}
+
 TEST_F(AddWholePlayListTest, thousandsOfItemsMoveAtOnce) {
     run("WITH RECURSIVE n(i) AS (SELECT 4 UNION ALL SELECT i + 1 FROM n WHERE i < 3000)"
         " INSERT INTO items SELECT i, 't' || i, '', '', '', '', 0, 'file:///' || i, 'files', orvoRoles"

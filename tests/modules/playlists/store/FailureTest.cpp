@@ -117,6 +117,42 @@ TEST_F(FailureTest, aNextNumberIsGivenThoughItsResetFails) {
     expectInvariants();
 }
 
+TEST_F(FailureTest, aValueThatCannotBeBoundFailsTheReading) {
+    const PlayListRecord pl = playListOf("abc");
+    for (const char* sql : {"SELECT 1", "SELECT ?1", "SELECT ?2"}) {
+        StoreProbe::replaceStatement(database(), StatementId::GetItems, sql);
+        EXPECT_EQ(QStringList(QStringLiteral("Error fetching PlayList items from DB")),
+                  errorsOf([&] { EXPECT_TRUE(database().getItems(pl, 0, 9).isEmpty()); }))
+            << sql;
+    }
+    StoreProbe::replaceStatement(database(), StatementId::GetItemByUid, "SELECT 1");
+    EXPECT_EQ(QStringList(QStringLiteral("Error fetching item by UID")),
+              errorsOf([&] { EXPECT_TRUE(database().getItemByUid(1).isEmpty()); }));
+    StoreProbe::replaceStatement(database(), StatementId::GetNextSequenceNumber, "SELECT 1");
+    EXPECT_EQ(QStringList(QStringLiteral("Error fetching the next sequenceNumber")),
+              errorsOf([&] { EXPECT_EQ(-1, database().getNextSequenceNumber(pl)); }));
+    reopen();
+    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+}
+
+TEST_F(FailureTest, aValueThatCannotBeBoundFailsTheWriting) {
+    const PlayListRecord pl = playListOf("abc");
+    for (const char* sql : {"SELECT 1", "SELECT ?1", "SELECT ?2", "SELECT ?3", "SELECT ?4",
+                            "SELECT ?5", "SELECT ?6", "SELECT ?7", "SELECT ?8"}) {
+        StoreProbe::replaceStatement(database(), StatementId::InsertItem, sql);
+        EXPECT_EQ(QStringList({QStringLiteral("Error inserting item into DB"),
+                               QStringLiteral("Error adding items to list")}),
+                  errorsOf([&] {
+                      EXPECT_EQ(-1, database().addItems(pl, OrvoPlayListAddPosition::Append,
+                                                        items(3), nullptr));
+                  }))
+            << sql;
+    }
+    reopen();
+    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    expectInvariants();
+}
+
 TEST_F(FailureTest, writingToALockedFile) {
     PlayListRecord pl = playListOf("abc");
     const CollectionRecord cl = database().createCollection(QStringLiteral("c"));

@@ -50,6 +50,17 @@ TEST_F(FileTest, anExistingFolderIsUsed) {
     EXPECT_TRUE(QFileInfo::exists(QString::fromLatin1(File)));
 }
 
+TEST_F(FileTest, aFileThatHasHadTablesAndHasNoneIsUsed) {
+    ASSERT_TRUE(QDir().mkpath(QStringLiteral("data-rw/playlists")));
+    ASSERT_TRUE(rawRun(QStringLiteral("CREATE TABLE passing(x)")));
+    ASSERT_TRUE(rawRun(QStringLiteral("DROP TABLE passing")));
+    ASSERT_LT(0, QFileInfo(QString::fromLatin1(File)).size());
+    closeRaw();
+    database();
+    EXPECT_EQ(freshQueue, rawTexts(queueRow()));
+    expectInvariants();
+}
+
 TEST_F(FileTest, existingRowsSurviveARestart) {
     const PlayListRecord pl = playListOf("abc");
     const CollectionRecord cl = database().createCollection(QStringLiteral("shelf"));
