@@ -62,6 +62,24 @@ TEST_F(CommitFaultsTest, aCommitThatCannotSucceedIsTriedTwice) {
     }
 }
 
+TEST_F(CommitFaultsTest, aCommitThatStandsThoughItIsReportedAsFailedIsASuccess) {
+    // The journal has gone, which makes the edit final; what fails is to sync its folder.
+    PlayListBase& pl = playList("abc");
+    int commits = 0;
+    {
+        const StatementTrace trace(database(), [&commits](const QString& sql) {
+            if (sql == QLatin1String("COMMIT;") && ++commits == 1)
+                FaultVfs::set({FileAction::Delete, SQLITE_IOERR_DIR_FSYNC, false, "folder"}, 1);
+        });
+        EXPECT_EQ(3, add(pl, OrvoPlayListAddPosition::Append, "de"));
+    }
+    EXPECT_EQ(1, FaultVfs::failures());
+    EXPECT_EQ(2, commits);
+    FaultVfs::clear();
+    EXPECT_EQ("abcde", letters(pl));
+    expectInStep();
+}
+
 TEST_F(CommitFaultsTest, aBusyCommitIsTriedUntilTheOtherLetsGo) {
     EXPECT_EQ(101, triesUnder({FileAction::Lock, SQLITE_BUSY, true, "busy", 100}));
     EXPECT_TRUE(moved);

@@ -133,7 +133,12 @@ int openFile(sqlite3_vfs* /*vfs*/, const char* name, sqlite3_file* file, int fla
 
 int deleteFile(sqlite3_vfs* /*vfs*/, const char* name, int syncFolder) {
     const int code = faultFor(FileAction::Delete);
-    return code != SQLITE_OK ? code : state().below->xDelete(state().below, name, syncFolder);
+    // The folder is synced after the file has gone.
+    if (code == SQLITE_OK || code == SQLITE_IOERR_DIR_FSYNC) {
+        const int deleted = state().below->xDelete(state().below, name, syncFolder);
+        return code == SQLITE_OK ? deleted : code;
+    }
+    return code;
 }
 
 int accessFile(sqlite3_vfs* /*vfs*/, const char* name, int flags, int* result) {

@@ -117,6 +117,20 @@ TEST_F(FailureTest, aNextNumberIsGivenThoughItsResetFails) {
     expectInvariants();
 }
 
+TEST_F(FailureTest, anItemWhoseReadingEndsInAFailureIsNotGiven) {
+    playListOf("abc");
+    StoreProbe::replaceStatement(
+        database(), StatementId::GetItemByUid,
+        "INSERT INTO collections_playlists(collection, playlist) VALUES(4711, ?1)"
+        " RETURNING 0, 1, 'a', '', '', '', '', 0, '', '', '{}'");
+    ASSERT_EQ(SQLITE_OK, sqlite3_exec(StoreProbe::connection(database()),
+                                      "PRAGMA defer_foreign_keys=1;", nullptr, nullptr, nullptr));
+    EXPECT_EQ(QStringList({reset("getItemByUid", "constraint failed"),
+                           QStringLiteral("Error fetching item by UID")}),
+              errorsOf([&] { EXPECT_TRUE(database().getItemByUid(1).isEmpty()); }));
+    expectInvariants();
+}
+
 TEST_F(FailureTest, aValueThatCannotBeBoundFailsTheReading) {
     const PlayListRecord pl = playListOf("abc");
     for (const char* sql : {"SELECT 1", "SELECT ?1", "SELECT ?2"}) {
