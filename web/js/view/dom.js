@@ -1,5 +1,5 @@
 // What everything on the page is made of: elements without markup – every text is a text, whatever
-// it holds –, icons and pictures.
+// it holds –, icons, pictures, messages.
 
 // el('button.primary', {type: 'button', onclick}, 'Play')
 export function el(spec, attributes = {}, ...children) {
@@ -97,7 +97,6 @@ export function setIcon(svg, name) {
 }
 
 // A square picture: artwork, a collage of up to four, or a colour of its own with an initial.
-
 // The same title always has the same colour.
 function hueOf(text) {
   let hash = 7;

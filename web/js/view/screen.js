@@ -393,7 +393,7 @@ export function heading(published, rowTitle, knownLead) {
   return { lead: null, title };
 }
 
-export function amount(store) {
+function amount(store) {
   if (!store.isLoaded) return '';
   if (store.count === 0) return 'Empty';
   // Long lists are told by their length alone: going through them with every page that comes would cost.
@@ -419,7 +419,7 @@ function spelledDuration(milliseconds) {
   return minutes < 60 ? `${minutes} min` : `${Math.floor(minutes / 60)} h ${minutes % 60} min`;
 }
 
-export class Hero {
+class Hero {
   constructor({ level = 'h1', onPlay, onAdd, onMusic }) {
     this.artwork = new Artwork('div.art.big');
     this.lead = el('p.hero-lead');
@@ -445,7 +445,7 @@ export class Hero {
   }
 }
 
-export function ownPictures(store) {
+function ownPictures(store) {
   const own = artworkUrl(metaData(store.roles).artworkUrl);
   if (own) return [own];
   const urls = new Set();
