@@ -34,12 +34,10 @@ std::string HttpConnection::command(std::string_view path, std::string_view valu
 }
 
 std::string HttpConnection::page(std::string_view path, int from, int to) {
-    // The roles that the web page asks for, which are those that come without asking; see
-    // web/js/model/rows.js.
+    // The roles that the web page asks for; see web/js/core/device.js.
     return get("/api/rows?path=" + std::string(path) + "&from=" + std::to_string(from) +
                "&to=" + std::to_string(to) +
-               "&roles=title,path,type,containerType,containerPlayable,value,modifiable,id,"
-               "context,mediaData");
+               "&roles=title,path,type,containerType,value,modifiable,id,context,mediaData");
 }
 
 void HttpConnection::send(std::string_view request) {

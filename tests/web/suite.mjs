@@ -1,7 +1,7 @@
 // All tests of the page in one browser; every story has its own device.
 import { tellStories } from './support/story.mjs';
 import './units/browserless.mjs';
-import './units/liststore.mjs';
+import './units/rows.mjs';
 import './units/helpers.mjs';
 import './stories/lists.mjs';
 import './stories/adding.mjs';

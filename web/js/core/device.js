@@ -1,4 +1,5 @@
-// The device over HTTP: requests, the stream of its changes, and paths of its data model as text.
+// The device over HTTP: requests, the stream of its changes, and paths of its data model as text;
+// and how all parts of the page say that something changed.
 
 // Begun as soon as this file is there, before the page: the stream of events, so that whatever is
 // read later can be kept up to date without being read twice, and the answers that every page needs
@@ -7,12 +8,12 @@
 const Kinds = ['rows', 'startingWith', 'value', 'resync'];
 
 // The play position has events only while somebody asks for them.
-export const Watched = ['player:position'];
+const Watched = ['player:position'];
 
-export function openStream(lastId = null) {
-  const query = new URLSearchParams(Watched.map((path) => ['watch', path]));
-  if (lastId !== null) query.append('lastEventId', lastId);
-  return new EventSource(`/api/events?${query}`);
+function openStream(lastId = null) {
+  const asked = new URLSearchParams(Watched.map((path) => ['watch', path]));
+  if (lastId !== null) asked.append('lastEventId', lastId);
+  return new EventSource(`/api/events?${asked}`);
 }
 
 const ask = async (url) => {
@@ -27,10 +28,10 @@ export const RowRoles = [
   'title', 'path', 'type', 'containerType', 'value', 'modifiable', 'id', 'context', 'mediaData',
 ];
 
-export function rowsUrl(path, from, to, roles) {
-  const query = new URLSearchParams({ path, from, to });
-  if (roles) query.append('roles', roles.join(','));
-  return `/api/rows?${query}`;
+function rowsUrl(path, from, to, roles) {
+  const asked = new URLSearchParams({ path, from, to });
+  if (roles) asked.append('roles', roles.join(','));
+  return `/api/rows?${asked}`;
 }
 
 const early = { source: openStream(), events: [] };
@@ -51,14 +52,14 @@ early.source.addEventListener('open', async () => {
 }, { once: true });
 
 // The early answer, once.
-export function takeFirst(url) {
+function takeFirst(url) {
   const promise = first[url];
   delete first[url];
   return promise;
 }
 
 // The early stream, once, with the events that it brought already. From here on early answers are old.
-export function takeStream() {
+function takeStream() {
   const { source, events } = early;
   early.source = null;
   early.events = null;
@@ -66,8 +67,8 @@ export function takeStream() {
   return source ? { source, events } : null;
 }
 
-// Every failure of a request is an ApiError whose message is what the device said.
-export class ApiError extends Error {
+// How a request fails, but those that were begun early: the message is what the device said.
+class ApiError extends Error {
   constructor(message, { name = 'Error', title = 'Error', status = 0 } = {}) {
     super(message);
     this.code = name;
@@ -83,7 +84,7 @@ export class ApiError extends Error {
 const listeners = new Set();
 
 // Called with true after a request that reached the device and with false after one that did not.
-export function onReachable(listener) {
+function onReachable(listener) {
   listeners.add(listener);
 }
 
@@ -160,7 +161,7 @@ export function login(token) {
 }
 
 // Notices what a stream that was refused does not say.
-export const probe = () => request('/api/paths').catch(() => {});
+const probe = () => request('/api/paths').catch(() => {});
 
 export function artworkUrl(uri) {
   return uri?.startsWith('file:') ? `/api/artwork?${query({ uri })}` : null;

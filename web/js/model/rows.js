@@ -11,7 +11,7 @@ export const RowType = {
   Separator: 105,
 };
 
-export const ContextMenu = 100; // container type
+const ContextMenu = 100; // container type
 
 export const isFocusable = (row) =>
   !row || (row.type !== RowType.Header && row.type !== RowType.Separator);
@@ -58,7 +58,7 @@ export const searchText = (text) =>
 //
 // A row that may be out of date stays on screen until its successor is there.
 //
-// Emits: rows {from, to} (to: exclusive) · inserted {at, count} · count · title · reset · closed ·
+// Emits: rows {from, to} (to: exclusive) · inserted {at, count} · count · title · reset · stale · closed ·
 // error (an ApiError).
 
 const ScanPageSize = 500;

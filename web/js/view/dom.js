@@ -96,7 +96,6 @@ export function setIcon(svg, name) {
   svg.firstChild.setAttribute('d', d);
 }
 
-// A square picture: artwork, a collage of up to four, or a colour of its own with an initial.
 // The same title always has the same colour.
 function hueOf(text) {
   let hash = 7;
@@ -104,6 +103,7 @@ function hueOf(text) {
   return hash / 10;
 }
 
+// A square picture: artwork, a collage of up to four, or a colour of its own with an initial.
 export class Artwork {
   constructor(spec = 'div.art') {
     this.element = el(spec, { 'aria-hidden': 'true' });

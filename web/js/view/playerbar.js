@@ -67,7 +67,7 @@ class LargeView {
     const close = el('button.icon-button', { type: 'button', 'aria-label': 'Close', onclick: () => this.dialog.close() }, icon('down'));
     const jump = el('button.pill', { type: 'button', onclick: () => { this.dialog.close(); onJump(); } }, icon('target'), 'Show in its list');
     this.dialog = el('dialog.large', { 'aria-label': 'Now playing' },
-      this.glow.element,
+      el('div.large-glow', {}, this.glow.element),
       el('div.large-head', {}, close, jump),
       el('div.large-body', {}, this.artwork.element,
         el('div.large-side', {}, el('div.large-texts', {}, this.title, this.line, this.album),

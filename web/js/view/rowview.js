@@ -1,5 +1,5 @@
 // One row of a list on screen, whatever its type. Made once and given other rows as the list
-// scrolls; says nothing to the device itself.
+// scrolls; says nothing to the device itself. And where each row stands.
 
 import { artworkUrl } from '../core/device.js';
 import { RowType, duration, isCreate, isFocusable, isMenu, isSwitch, isUsable, metaData } from '../model/rows.js';
