@@ -48,7 +48,7 @@ void Scenarios::wakeUps(const cpu_set_t& others, Report& report) {
         report.add(work, "median", trips.median(), "us");
         report.add(work, "99th percentile", trips.percentile(99), "us");
     };
-    tell("a byte there and back, on this processor", byteThereAndBack(nullptr));
+    tell("a byte there and back, where clients run", byteThereAndBack(nullptr));
     if (CPU_COUNT(&others) > 0)
         tell("a byte there and back, to another processor", byteThereAndBack(&others));
 }

@@ -1,9 +1,10 @@
 // The device, end to end over HTTP on this machine: prints a table and compares it with its bounds.
 //
 //   orvo-bench-remote --host PROGRAM --music FOLDER --tracks N --memory DIR --disk DIR [--json
-//   FILE]
+//   FILE] [--processors one]
 //
-// Ends with 0, with 1 where a bound is broken, with 2 where something could not be measured.
+// `--processors one` has device and clients share one; otherwise they run where the system puts
+// them. Ends with 0, with 1 where a bound is broken, with 2 where something could not be measured.
 
 #include <cstdio>
 #include <exception>
@@ -66,12 +67,17 @@ Library fill(const Device& device) {
 }
 
 int run(std::map<std::string, std::string> arguments) {
-    const cpu_set_t others = shareOneProcessor();
+    const bool shared = arguments["--processors"] == "one";
+    cpu_set_t others;
+    CPU_ZERO(&others);
+    if (shared)
+        others = shareOneProcessor();
     const TempFolder memory(arguments["--memory"]);
     const TempFolder disk(arguments["--disk"]);
     const std::string host = arguments["--host"];
-    Report report("The device over HTTP: 1,000 playlists, one list of 100,000 tracks; device and "
-                  "clients on one processor");
+    Report report(std::string("The device over HTTP: 1,000 playlists, one list of 100,000 tracks; "
+                              "device and clients on ") +
+                  (shared ? "one processor" : "all processors"));
     Library library;
     {
         const Device device({host, memory.path() / "device", arguments["--music"], {}});
