@@ -1,9 +1,9 @@
 // The device, end to end over HTTP on this machine: prints a table and compares it with its bounds.
 //
 //   orvo-bench-remote --host PROGRAM --music FOLDER --tracks N --memory DIR --disk DIR [--json
-//   FILE] [--processors one]
+//   FILE] [--processors all]
 //
-// `--processors one` has device and clients share one; otherwise they run where the system puts
+// Device and clients share one processor; with `--processors all` they run where the system puts
 // them. Ends with 0, with 1 where a bound is broken, with 2 where something could not be measured.
 
 #include <cstdio>
@@ -67,7 +67,7 @@ Library fill(const Device& device) {
 }
 
 int run(std::map<std::string, std::string> arguments) {
-    const bool shared = arguments["--processors"] == "one";
+    const bool shared = arguments["--processors"] != "all";
     cpu_set_t others;
     CPU_ZERO(&others);
     if (shared)
