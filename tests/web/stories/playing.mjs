@@ -145,13 +145,20 @@ story('the volume that is being set is not taken back by news of an older one', 
   const volume = me.page.locator('#player .volume .range');
   await device.send('player:setVolume', { volume: 70 });
   await eventually(() => volume.inputValue(), '70');
-  // Within the moment that the page waits before it sends, the device says something else.
-  await volume.evaluate(async (input) => {
+  // In the moment that the page waits before it sends, which lasts here until it is told to, the device says
+  // something else. News come in their order: a list made afterwards tells that the page has heard it.
+  await volume.evaluate((input) => {
+    const { setTimeout } = window;
+    window.setTimeout = (send) => (window.send = send);
     input.value = 35;
     input.dispatchEvent(new Event('input', { bubbles: true }));
-    const body = JSON.stringify({ path: 'player:setVolume', value: { volume: 80 } });
-    await fetch('/api/data', { method: 'POST', body });
+    window.setTimeout = setTimeout;
   });
+  await device.send('player:setVolume', { volume: 80 });
+  await eventually(async () => (await device.value('player:volume')).i32, 80);
+  await device.playlist('Later');
+  await me.row('nav', 'Later').waitFor();
+  await me.page.evaluate(() => window.send());
   await eventually(async () => (await device.value('player:volume')).i32, 35);
   await eventually(() => volume.inputValue(), '35');
 }, { player: true, sizes: ['desktop'] });
