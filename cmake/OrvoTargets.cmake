@@ -3,6 +3,10 @@
 function(orvo_common target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
                                            -Wcast-align)
+  if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # A source that is read by another one is no header, and may keep its names to itself.
+    target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage>)
+  endif()
   if(ORVO_WERROR)
     target_compile_options(${target} PRIVATE -Werror)
   endif()

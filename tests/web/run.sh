@@ -40,10 +40,4 @@ export ORVO_HOST=$host ORVO_WORK=$work
 if [[ $what == scrolling ]]; then
     exec node scrolling.mjs
 fi
-suite() { node --test-reporter=spec ${pattern:+--test-name-pattern="$pattern"} suite.mjs; }
-# Browser, device and test share the machine with whatever else runs on it, and some stories watch the clock. One
-# failure is looked at once more, aloud; a fault of the page fails both times.
-suite || {
-    printf '\nweb tests: the run above failed; once more\n\n' >&2
-    suite
-}
+exec node --test-reporter=spec ${pattern:+--test-name-pattern="$pattern"} suite.mjs
