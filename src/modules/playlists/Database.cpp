@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 
+#include "DatabaseTransaction.h"
 #include "ModuleLog.h"
 #include "Sqlite3Statement.h"
 
@@ -124,25 +125,6 @@ int execute(sqlite3* connection, const char* sql) {
 [[noreturn]] void endWithoutTable(const char* name, const std::string& message) {
     endUnusable(std::string("Unable to create table ") + name + ": " + message);
 }
-
-// Switches the foreign keys of a connection off for a block. Only for deletions of rows that are
-// known to be referenced by nothing; everything else relies on the cascades.
-class ForeignKeysSuspended {
-public:
-    explicit ForeignKeysSuspended(sqlite3* connection) : m_connection(connection) {
-        sqlite3_db_config(m_connection, SQLITE_DBCONFIG_ENABLE_FKEY, -1, &m_before);
-        sqlite3_db_config(m_connection, SQLITE_DBCONFIG_ENABLE_FKEY, 0, nullptr);
-    }
-    ~ForeignKeysSuspended() {
-        sqlite3_db_config(m_connection, SQLITE_DBCONFIG_ENABLE_FKEY, m_before, nullptr);
-    }
-    ForeignKeysSuspended(const ForeignKeysSuspended&) = delete;
-    ForeignKeysSuspended& operator=(const ForeignKeysSuspended&) = delete;
-
-private:
-    sqlite3* m_connection;
-    int m_before = 1;
-};
 
 } // namespace
 

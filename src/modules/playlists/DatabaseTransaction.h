@@ -19,6 +19,26 @@ private:
     sqlite3_mutex* m_mutex;
 };
 
+// Switches the foreign keys of a connection off for a block. Only where every reference is known to
+// hold: deleting rows that nothing refers to, adding entries of items just made. Everything else
+// relies on the checks and the cascades. The connection's statements are prepared anew.
+class ForeignKeysSuspended {
+public:
+    explicit ForeignKeysSuspended(sqlite3* connection) : m_connection(connection) {
+        sqlite3_db_config(m_connection, SQLITE_DBCONFIG_ENABLE_FKEY, -1, &m_before);
+        sqlite3_db_config(m_connection, SQLITE_DBCONFIG_ENABLE_FKEY, 0, nullptr);
+    }
+    ~ForeignKeysSuspended() {
+        sqlite3_db_config(m_connection, SQLITE_DBCONFIG_ENABLE_FKEY, m_before, nullptr);
+    }
+    ForeignKeysSuspended(const ForeignKeysSuspended&) = delete;
+    ForeignKeysSuspended& operator=(const ForeignKeysSuspended&) = delete;
+
+private:
+    sqlite3* m_connection;
+    int m_before = 1;
+};
+
 // A transaction that is rolled back at the end of its block unless it was committed.
 // When begun() is false nothing was opened: nothing may be run, and nothing is rolled back, since
 // whatever transaction stood in the way is somebody else's.

@@ -164,6 +164,7 @@ TEST_F(StoreFaultsTest, addingAddsAllOrNothing) {
     sweep({"addItems, at the end", [this] { return add(Position::Append); }, outcomes("6")});
     sweep({"addItems, after the current", [this] { return add(Position::AfterCurrent); },
            outcomes("4")});
+    sweep({"addItems, many", [this] { return add(Position::Append, 100); }, outcomes("6")});
     Operation limited{"addItems, with a limit", [this] { return add(Position::Append); },
                       outcomes("6")};
     limited.itemsLimit = 10;

@@ -139,6 +139,74 @@ TEST_F(TransactionTest, foreignKeysComeBackAfterAFailedCleanUp) {
     EXPECT_TRUE(StoreProbe::foreignKeysOn(StoreProbe::connection(database())));
 }
 
+// --- many at once: their references are known to hold ---
+
+namespace {
+constexpr int Many = 100;
+} // namespace
+
+TEST_F(TransactionTest, ofManyAddedAtOnceTheFirstAloneIsChecked) {
+    const PlayListRecord pl = playListOf("abc");
+    {
+        StatementTrace trace(database());
+        database().addItems(pl, OrvoPlayListAddPosition::Append, items(Many - 1), nullptr);
+        EXPECT_EQ(QStringList(), trace.withoutForeignKeys());
+    }
+    StatementTrace trace(database());
+    database().addItems(record(pl.uid), OrvoPlayListAddPosition::Append, items(Many), nullptr);
+    const QStringList unchecked = trace.withoutForeignKeys();
+    EXPECT_EQ(2 * (Many - 1), unchecked.size());
+    for (const QString& sql : unchecked)
+        EXPECT_TRUE(sql.startsWith(QLatin1String("INSERT INTO "))) << sql.toStdString();
+    expectInvariants();
+}
+
+TEST_F(TransactionTest, manyAddedAtOnceAreWhatTheyAreAddedAFewAtATime) {
+    PlayListRecord atOnce = playListOf("abc");
+    PlayListRecord few = playListOf("abc");
+    atOnce.lastPlayedIndex = few.lastPlayedIndex = 0;
+    const QList<OrvoPlayListItem> all = items(3 * Many);
+    EXPECT_EQ(1, database().addItems(atOnce, OrvoPlayListAddPosition::AfterCurrent, all, nullptr));
+    for (int i = 0; i < all.size(); i += Many / 2) {
+        database().addItems(few, OrvoPlayListAddPosition::AfterCurrent, all.mid(i, Many / 2),
+                            nullptr);
+        few = record(few.uid);
+        few.lastPlayedIndex = i + Many / 2;
+    }
+    EXPECT_EQ(3 * Many + 3, record(atOnce.uid).size);
+    const auto rows = [this](int uid) {
+        return rawTexts(
+            QStringLiteral("SELECT quote(sequenceNumber) || quote(title) || quote(artist) ||"
+                           " quote(album) || quote(url) || quote(serviceId) || quote(orvoRoles)"
+                           " FROM playlists_items JOIN items ON item = uid WHERE playlist = %1"
+                           " ORDER BY sequenceNumber")
+                .arg(uid));
+    };
+    EXPECT_EQ(rows(few.uid), rows(atOnce.uid));
+    expectInvariants();
+}
+
+TEST_F(TransactionTest, manyThatFailHalfwayLeaveNothingAndForeignKeysOn) {
+    const PlayListRecord pl = playListOf("abc");
+    ASSERT_TRUE(rawRun(QStringLiteral(
+        "CREATE TRIGGER no BEFORE INSERT ON playlists_items WHEN new.sequenceNumber = 60"
+        " BEGIN SELECT RAISE(ABORT, 'no'); END")));
+    EXPECT_EQ(-1, database().addItems(pl, OrvoPlayListAddPosition::Append, items(Many), nullptr));
+    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    expectInvariants();
+}
+
+TEST_F(TransactionTest, manyAreNotAddedToAListThatIsGone) {
+    const PlayListRecord pl = playListOf("abc");
+    ASSERT_TRUE(rawRun(QStringLiteral("DELETE FROM playlists WHERE uid = %1").arg(pl.uid)));
+    ASSERT_TRUE(rawRun(QStringLiteral("DELETE FROM items")));
+    LogCapture log(QStringLiteral("PlayLists"));
+    EXPECT_EQ(-1, database().addItems(pl, OrvoPlayListAddPosition::Append, items(Many), nullptr));
+    EXPECT_TRUE(log.errors().contains(QStringLiteral("Error inserting item into playlist DB")));
+    EXPECT_EQ(0, rawInt(QStringLiteral("SELECT COUNT(*) FROM items")));
+    expectInvariants();
+}
+
 // --- no transaction to be had ---
 
 TEST_F(TransactionTest, withoutALockNothingIsAddedOrRemoved) {
