@@ -185,11 +185,11 @@ TEST_F(PrepareItems, moreItemsThanAnyLibraryHasAreRefused) {
     for (int i = 0; i <= 100000; ++i)
         paths.append("files:tree/a");
     const CMReply<QVariant> reply = set("files:prepareItems", paths);
-    ASSERT_TRUE(reply.waitForFinished(60000));
+    ASSERT_TRUE(reply.waitForFinished(150000));
     EXPECT_EQ(reply.error().name(), CMError::InvalidValue());
     paths.removeLast();
     const CMReply<QVariant> most = set("files:prepareItems", paths);
-    ASSERT_TRUE(most.waitForFinished(60000));
+    ASSERT_TRUE(most.waitForFinished(150000));
     EXPECT_EQ(most.value().toList().size(), 100000);
 }
 
