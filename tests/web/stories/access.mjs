@@ -136,6 +136,29 @@ story('a long press or the right button opens the menu', async ({ device, open }
   assert.equal(await device.value('player:state').then((state) => state?.string ?? 'stopped'), 'stopped');
 }, { player: true });
 
+story('a long press is no tap, however late its click comes', async ({ device, open }) => {
+  await device.playlist('Party', Albums.lanterns);
+  const me = await open();
+  await me.openList('Party');
+  await me.row('main', 'Seven Bridges').waitFor();
+  await me.page.evaluate(() => {
+    window.clicks = 0;
+    document.addEventListener('click', () => (window.clicks += 1), true);
+  });
+  await me.pressLong('main', 'Seven Bridges');
+  await me.entry('Remove track').waitFor();
+  assert.equal(await me.page.evaluate(() => window.clicks), 0);
+  await me.closeSheet();
+  await me.row('main', 'Seven Bridges').evaluate((row) =>
+    row.dispatchEvent(new PointerEvent('click', { bubbles: true, detail: 1, pointerType: 'touch' })));
+  await me.pressLong('main', 'Paper Boats');
+  await me.entry('Remove track').waitFor();
+  assert.equal((await device.value('player:state'))?.string ?? 'stopped', 'stopped');
+  await me.closeSheet();
+  await me.playRow('Paper Boats');
+  await eventually(() => me.nowTitle(), 'Paper Boats');
+}, { player: true, sizes: ['phone'] });
+
 story('space plays and pauses, n and p step', async ({ device, open }) => {
   await device.playlist('Party', Albums.lanterns);
   const me = await open();

@@ -21,6 +21,8 @@ export class Dragging {
     body.addEventListener('lostpointercapture', () => this.end(false));
     // Once a row is lifted the finger moves it, not the page.
     body.addEventListener('touchmove', (event) => this.lifted && event.preventDefault(), { passive: false });
+    // Nor is its end a tap, on the row or on the menu that has just opened under the finger.
+    body.addEventListener('touchend', (event) => list.suppressClick && event.cancelable && event.preventDefault(), { passive: false });
     body.addEventListener('dragstart', (event) => event.preventDefault());
     this.onKey = (event) => {
       if (event.key !== 'Escape') return;
@@ -33,10 +35,10 @@ export class Dragging {
   }
 
   onDown(event) {
+    this.list.suppressClick = false;
     const view = this.list.rowOf(event.target);
     const role = event.target.closest('[data-role]')?.dataset.role;
     if (!view?.row || event.button !== 0 || role === 'more' || role === 'switch') return;
-    this.list.suppressClick = false;
     this.press = { view, index: view.index, x: event.clientX, y: event.clientY, id: event.pointerId, type: event.pointerType, role };
     if (event.pointerType === 'mouse') return;
     if (role === 'grip') this.lift();
@@ -178,7 +180,6 @@ export class Dragging {
     list.shift = null;
     list.pinned = -1;
     list.body.classList.remove('dragging');
-    if (list.suppressClick) setTimeout(() => (list.suppressClick = false), 60);
     list.refresh();
     const moves = dragging && dropped && !(indices.length === 1 && (gap === indices[0] || gap === indices[0] + 1));
     if (moves) this.drop(indices, gap);

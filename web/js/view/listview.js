@@ -389,7 +389,8 @@ export class ListView extends Emitter {
 
   onClick(event) {
     const view = this.rowOf(event.target);
-    if (!view?.row || this.suppressClick || !isFocusable(view.row)) return;
+    // A press that lifted the row ends in a click that may come late; one without a pointer (detail 0) is another.
+    if (!view?.row || (this.suppressClick && event.detail > 0) || !isFocusable(view.row)) return;
     const { index, row } = view;
     const control = event.target.closest('[data-role]')?.dataset.role;
     if (control === 'more') this.emit('menu', { row, index, anchor: view.more });
