@@ -82,6 +82,17 @@ TEST_F(PlayListContextNodeTest, theMenuDependsOnCollectionsBeingVisibleAndTheOne
     }
 }
 
+TEST_F(PlayListContextNodeTest, whatIsVisibleIsReadWhenTheMenuIsMade) {
+    show(false, true);
+    const int mix = createPlayList("Mix");
+    show(false, false);
+    expectMenu("playlists:pl/context?plid=1", menuTitle("Mix"), menu({mix, "Mix", true}));
+    restart();
+    expectMenu("playlists:pl/context?plid=1", menuTitle("Mix"), menu({mix, "Mix", false}));
+    show(false, true);
+    expectMenu("playlists:pl/context?plid=1", menuTitle("Mix"), menu({mix, "Mix", false}));
+}
+
 TEST_F(PlayListContextNodeTest, anUnknownPlaylistHasNoEntries) {
     show(true, true);
     createPlayList("Mix");

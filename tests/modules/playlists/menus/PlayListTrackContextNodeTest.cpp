@@ -65,6 +65,21 @@ TEST_F(PlayListTrackContextNodeTest, theMenuDependsOnThePlayQueueBeingVisible) {
     }
 }
 
+TEST_F(PlayListTrackContextNodeTest, whatIsVisibleIsReadWhenTheMenuIsMade) {
+    show(true, false);
+    createPlayList("Mix");
+    addItems(1, {"a"});
+    const QString id = itemId(1, 0);
+    const QList<QJsonObject> others = {toPlayList("1", id), move("1", id, "0", "0"),
+                                       remove("1", id, "0")};
+    show(false, false);
+    expectMenu(request("1", id, "0"), menuTitle, QList{toQueue("1", id)} + others);
+    restart();
+    expectMenu(request("1", id, "0"), menuTitle, others);
+    show(true, false);
+    expectMenu(request("1", id, "0"), menuTitle, others);
+}
+
 TEST_F(PlayListTrackContextNodeTest, aTrackOfThePlayQueueIsNotOfferedToIt) {
     show(true, true);
     addItems(0, {"a", "b"});

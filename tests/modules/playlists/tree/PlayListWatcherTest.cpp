@@ -133,6 +133,20 @@ TEST_F(PlayListWatcherTest, editsThatFailTellNobody) {
               QStringList());
 }
 
+TEST_F(PlayListWatcherTest, aPlaylistOfAnEarlierStartIsFollowedFromItsFirstEdit) {
+    plid = createPlayList("Mix");
+    addItems(plid, {"a", "b"});
+    restart();
+    EXPECT_EQ(eventsOf([&] { addItems(plid, {"c"}); }),
+              QStringList("Rows " + listPath() + " +2 0 -1"));
+    restart();
+    EXPECT_EQ(editEvents(OrvoPlayListPlRemoveItemsPath, {{"items", QVariantList{0}}}),
+              QStringList(listReset()));
+    restart();
+    EXPECT_EQ(editEvents(OrvoPlayListPlSetShufflePath, {{"mode", 1}}),
+              QStringList("StartingWith playlists:pl/context reset -1"));
+}
+
 TEST_F(PlayListWatcherTest, onlyTheEditedPlaylistIsTold) {
     const int other = createPlayList("other");
     plid = createPlayList("Mix");

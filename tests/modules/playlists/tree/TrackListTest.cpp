@@ -1,4 +1,5 @@
 #include <QJsonArray>
+#include <QJsonDocument>
 
 #include "CMNode.h"
 #include "OrvoPlayListPaths.h"
@@ -254,6 +255,22 @@ TEST_F(TrackNodeTest, anItemWithUnreadableRolesIsStillListed) {
     EXPECT_EQ(row.mediaData().metaData().playLogicPath(), OrvoPlayListsPlayLogicPath());
     ASSERT_EQ(log.errors().size(), 1);
     EXPECT_TRUE(log.errors().first().startsWith("Failed to parse data, error: "));
+}
+
+TEST_F(TrackNodeTest, aMenuOfTheItemsOwnGivesWayToTheTracksMenu) {
+    PlayListBase* pl = manager.createPlayList("Mix");
+    OrvoPlayListItem item = makeItem("a");
+    QJsonObject roles = QJsonDocument::fromJson(item.orvoRoles().toUtf8()).object();
+    ASSERT_EQ(roles.value("title"), "a");
+    roles.insert("context", QJsonObject{{"title", "Album"}, {"path", "files:context"}});
+    item.setOrvoRoles(QString::fromUtf8(QJsonDocument(roles).toJson()));
+    ASSERT_EQ(pl->addItems(OrvoPlayListAddPosition::Append, {item}), 0);
+    const std::unique_ptr<PlayListGetItemsNode> node(PlayListGetItemsNode::create(
+        &nodes, OrvoPlayListPlGetItemsPath() + QString::number(pl->getUid()), &manager));
+    const OrvoRowsRoles reply = ask(node.get(), node->path().toString());
+    const QList<OrvoRoles> rows = asRoles(reply);
+    ASSERT_EQ(rows.size(), 1);
+    EXPECT_EQ(rowTexts(reply).first(), RowText(trackRow(pl->getUid(), 0, rows.first().id(), "a")));
 }
 
 TEST_F(TrackNodeTest, aRequestsParametersDoNotChangeTheListsOwnPath) {
