@@ -17,6 +17,8 @@ struct Library {
 namespace Scenarios {
 
 constexpr int PageRows = 50;
+// What the figures say about a machine that is not the device's alone.
+constexpr const char* Stolen = "stolen meanwhile";
 
 // What the machine itself takes to wake somebody up: below that nothing over a socket gets.
 void wakeUps(const cpu_set_t& others, Report& report);
