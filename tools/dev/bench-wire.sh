@@ -70,7 +70,11 @@ bench_remote() {
         --json "$out/remote.json" "$@"
 }
 
+# A whole run also draws the plot.
 bench_peers() {
+    local whole=1
+    if (($#)); then whole=0; fi
+    if ((whole)); then need bench; fi
     install_mpd
     build orvo-bench-peers
     mkdir -p "$out/music-peers"
@@ -78,6 +82,7 @@ bench_peers() {
     long_track "$out/music-peers/long.wav"
     "$root/build/release/bin/orvo-bench-peers" --host "$root/build/release/bin/orvo-host" \
         --music "$out/music-peers" --memory "$memory" --disk "$out" --json "$figures/peers.json" "$@"
+    if ((whole)); then "$root/bench/plot.py" "$root/docs/images/performance.svg" "$figures"/*.json; fi
 }
 
 bench_footprint() {
