@@ -58,16 +58,15 @@ void Controller::plPrepareItems(CMSetDataRequest request) {
 }
 
 QVariantList Controller::preparePlaylistItems(const QStringList& paths) {
+    const auto idIn = [](const QString& path) {
+        return path.midRef(path.lastIndexOf(QLatin1Char('/')) + 1);
+    };
     QList<int> uids;
     uids.reserve(paths.size());
     for (const QString& path : paths) {
-        const QStringRef text = path.midRef(path.lastIndexOf(QLatin1Char('/')) + 1);
-        const int uid = text.toInt();
-        if (uid == 0) {
-            LOG4CPLUS_ERROR(moduleLog(), "conversion error occured: uid, str=" << text.toString()
-                                                                               << " path=" << path);
+        const int uid = idIn(path).toInt();
+        if (uid == 0)
             break;
-        }
         uids.append(uid);
     }
     QVariantList prepared;
@@ -75,6 +74,11 @@ QVariantList Controller::preparePlaylistItems(const QStringList& paths) {
     const QList<OrvoPlayListItem> items = m_manager->getPlayListItemsByUids(uids);
     for (const OrvoPlayListItem& item : items)
         prepared.append(item.toVariant());
+    if (uids.size() < paths.size()) {
+        const QString& path = paths.at(uids.size());
+        LOG4CPLUS_ERROR(moduleLog(), "conversion error occured: uid, str=" << idIn(path).toString()
+                                                                           << " path=" << path);
+    }
     return prepared;
 }
 

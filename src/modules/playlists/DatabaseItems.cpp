@@ -125,7 +125,7 @@ OrvoPlayListItem Database::getItemByUid(int uid) {
 
 QList<OrvoPlayListItem> Database::getItemsByUids(const QList<PlayListRecord>& playlists,
                                                  const QList<int>& uids) {
-    CM_ENTER_ARGS(moduleLog(), "playlists=" << playlists.size() << " uids=" << uids.size());
+    // Deliberate: the lines of getItemByUid for each, and none of its own.
     const QHash<int, OrvoPlayListItem> found =
         uids.size() <= fewUids ? searchItems(uids) : collectItems(playlists, uids);
     QList<OrvoPlayListItem> items;

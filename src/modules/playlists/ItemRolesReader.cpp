@@ -19,6 +19,33 @@ bool equals(const QString& text, const QChar* begin, int length) {
            std::memcmp(text.constData(), begin, std::size_t(length) * sizeof(QChar)) == 0;
 }
 
+// Whether a unit of a text stands for itself, alone.
+bool isPlain(ushort unit) {
+    return unit >= ' ' && !QChar::isSurrogate(unit);
+}
+
+// What stands for a character behind a backslash; 0 for those that are left to the other parser.
+QChar unescaped(QChar letter) {
+    switch (letter.unicode()) {
+    case '"':
+    case '\\':
+    case '/':
+        return letter;
+    case 'b':
+        return QLatin1Char('\b');
+    case 'f':
+        return QLatin1Char('\f');
+    case 'n':
+        return QLatin1Char('\n');
+    case 'r':
+        return QLatin1Char('\r');
+    case 't':
+        return QLatin1Char('\t');
+    default:
+        return {};
+    }
+}
+
 // The names that roles have: shared by all rows.
 const std::vector<QString>& knownKeys() {
     static const std::vector<QString> keys = {
@@ -91,11 +118,48 @@ bool ItemRolesReader::readText(const QChar** begin, int* length) {
             ++m_at;
             return true;
         }
-        // Halves of a pair may stand alone, which is for the other parser to judge.
-        if (c < ' ' || c == '\\' || (c >= 0xD800 && c <= 0xDFFF))
+        if (c == '\\')
+            return readEscapedText(begin, length);
+        if (!isPlain(c) && !takePair())
             return false;
     }
     return false;
+}
+
+// The same from the first escape on: what is read goes into a text of its own.
+bool ItemRolesReader::readEscapedText(const QChar** begin, int* length) {
+    m_unescaped.resize(0);
+    m_unescaped.append(*begin, int(m_at - *begin));
+    for (; m_at != m_end; ++m_at) {
+        const QChar* unit = m_at;
+        const ushort c = unit->unicode();
+        if (c == '"') {
+            *begin = m_unescaped.constData();
+            *length = m_unescaped.size();
+            ++m_at;
+            return true;
+        }
+        if (c == '\\') {
+            const QChar meant = ++m_at == m_end ? QChar() : unescaped(*m_at);
+            if (meant.isNull())
+                return false;
+            m_unescaped.append(meant);
+            continue;
+        }
+        if (!isPlain(c) && !takePair())
+            return false;
+        m_unescaped.append(unit, int(m_at - unit) + 1);
+    }
+    return false;
+}
+
+// At the first half of a pair goes on to the second. A half that stands alone is for the other
+// parser to judge.
+bool ItemRolesReader::takePair() {
+    if (!m_at->isHighSurrogate() || m_end - m_at < 2 || !m_at[1].isLowSurrogate())
+        return false;
+    ++m_at;
+    return true;
 }
 
 bool ItemRolesReader::readKey(QString* key) {

@@ -9,11 +9,11 @@
 // hashes that roles are made of. A page of rows is mostly this. Entries that follow each other are
 // often of one album: what a text has in common with the one before is shared.
 //
-// It takes what role texts are made of: objects, arrays, strings without escapes, whole numbers,
-// true, false, null. At anything else, damaged text included, read() is false and the caller asks
-// the platform's JSON parser, which knows the rest and says what is wrong. Where read() is true the
-// result is what that parser gives, down to the types: nested objects are maps, numbers are 64 bits
-// wide.
+// It takes what role texts are made of: objects, arrays, strings without numbered escapes, whole
+// numbers, true, false, null. At anything else, damaged text included, read() is false and the
+// caller asks the platform's JSON parser, which knows the rest and says what is wrong. Where it is
+// true the result is what that parser gives, down to the types: nested objects are maps, numbers
+// are 64 bits wide.
 //
 // On the stack of whoever needs it, for any number of texts.
 class ItemRolesReader {
@@ -33,6 +33,8 @@ private:
     bool take(char wanted);
     void skipBlanks();
     bool readText(const QChar** begin, int* length);
+    bool readEscapedText(const QChar** begin, int* length);
+    bool takePair();
     bool readKey(QString* key);
     bool readString(QVariant* value);
     bool readNumber(QVariant* value);
@@ -49,6 +51,8 @@ private:
 
     const QChar* m_at = nullptr;
     const QChar* m_end = nullptr;
+    // The text read last, where it had escapes.
+    QString m_unescaped;
     // The name read last, as its index among the known ones or their number, and after each name
     // the one that followed it the last time: texts mostly agree in their order.
     std::size_t m_key = 0;

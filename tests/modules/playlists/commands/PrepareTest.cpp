@@ -57,6 +57,16 @@ TEST_F(PrepareTest, aPathThatNamesNoNumberEndsTheList) {
         1, log.texts("TRACE").filter(QRegularExpression("^preparedItems: \\[\\{.*\\}\\]$")).size());
 }
 
+TEST_F(PrepareTest, whatIsWrongIsLoggedInTheOrderOfThePaths) {
+    const LogCapture log("PlayLists");
+    EXPECT_EQ(QStringList({"-", "b", "-"}),
+              prepare(QVariantList{"playlists:item/70", "playlists:item/2", "playlists:item/80",
+                                   "playlists:item/abc", "playlists:item/90"}));
+    EXPECT_EQ(QStringList({"Error fetching item by UID", "Error fetching item by UID",
+                           "conversion error occured: uid, str=abc path=playlists:item/abc"}),
+              log.errors());
+}
+
 TEST_F(PrepareTest, whatReadsAsZeroEndsTheListToo) {
     for (const char* path :
          {"playlists:item/0", "playlists:item/", "playlists:item", "", "abc", "playlists:item/1x",

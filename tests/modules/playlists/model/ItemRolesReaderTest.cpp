@@ -94,7 +94,9 @@ TEST_F(ItemRolesReaderTest, readsWhatRoleTextsAreMadeOf) {
          {R"({})", R"({"title":"A title","type":3})",
           R"({"mediaData":{"metaData":{"artist":"Somebody","duration":123456,"trackNumber":0},)"
           R"("resources":[{"mimeType":"audio/flac","uri":"file:///a.flac"}]},"title":"Ünïcødé"})",
-          R"({"title":"Ｆｕｌｌ"})",
+          R"({"title":"Ｆｕｌｌ"})", R"({"title":"A 🎵 and 🎶","🎵":"🎶"})",
+          R"({"title":"the \"best\" of","type":3,"mediaData":{"metaData":{"artist":"AC\/DC"}}})",
+          R"({"a":"\\","b":"\"","\"c\"":"x\\","d":["\b\f\n\r\t"],"e\n":{"\/":"\\\\ü🎵\"x"}})",
           R"({"a":true,"b":false,"c":null,"d":-7,"e":[],"f":{},"g":[1,[2,{"h":"i"}]],"":""})",
           R"({"mediaData":{},"value":{"i32":5},"context":{"mediaData":{"metaData":{}}}})",
           " {\n\t\"title\" : \"x\" ,\r\n \"list\" : [ 1 , 2 ] } ", R"({"n":123456789012345})"}) {
@@ -134,7 +136,13 @@ TEST_F(ItemRolesReaderTest, leavesToTheParserWhatIsDamagedOrUnusual) {
                              "{\"a\":1.0}",
                              "{\"a\":1e3}",
                              "{\"a\":1234567890123456}",
-                             "{\"a\":\"\\n\"}",
+                             "{\"a\":\"\\u0041\"}",
+                             "{\"a\":\"\\ud83c\\udfb5\"}",
+                             "{\"a\":\"\\x\"}",
+                             "{\"a\":\"\\\"}",
+                             "{\"a\":\"\\",
+                             "{\"a\":\"\\n",
+                             "{\"a\":\"\\n\t\"}",
                              "{\"a\":\"\t\"}",
                              "{\"a\":1,\"a\":2}",
                              "{\"x\":{\"a\":1,\"a\":2}}",
@@ -142,12 +150,16 @@ TEST_F(ItemRolesReaderTest, leavesToTheParserWhatIsDamagedOrUnusual) {
                              "{\"mediaData\":null}",
                              "{\"mediaData\":{\"metaData\":[]}}",
                              "{\"mediaData\":{},\"mediaData\":{}}",
-                             "{\"a\":\"🎵\"}",
                              "{\"a\":truefalse}",
                              "{\"a\":[[[[[[[[[[1]]]]]]]]]]}"}) {
         EXPECT_FALSE(takes(QString::fromUtf8(text))) << text;
     }
-    EXPECT_FALSE(takes(QStringLiteral("{\"a\":\"") + QChar(0xD800) + QStringLiteral("\"}")));
+    // Halves of a pair that stand alone, before and behind an escape.
+    const QString high(QChar(0xD83C));
+    const QString low(QChar(0xDFB5));
+    for (const QString& text : {high, low, low + high, high + high + low, high + low + low,
+                                high + 'x' + low, high + "\\n" + low, "\\n" + high, "\\n" + low})
+        EXPECT_FALSE(takes("{\"a\":\"" + text + "\"}")) << qPrintable(text);
     EXPECT_FALSE(takes(QChar(0xFEFF) + QStringLiteral("{}")));
 }
 
@@ -160,7 +172,11 @@ TEST_F(ItemRolesReaderTest, noPlaceInATextIsLeftOut) {
             const QString end = QString(after, 'y') + QStringLiteral("\"}");
             for (const ushort unit : {0x20, 0x7e, 0x7f, 0x80, 0xd7ff, 0xe000})
                 EXPECT_TRUE(takes(begin + QChar(unit) + end)) << before << ' ' << unit;
-            for (const ushort unit : {0, 0x1f, 0x22, 0x5c, 0xd800, 0xdfff})
+            for (const char* escaped : {"\\n", "\\\"", "\\\\"})
+                EXPECT_TRUE(takes(begin + escaped + end)) << before << ' ' << escaped;
+            EXPECT_TRUE(takes(begin + QString::fromUtf8("🎵") + end)) << before;
+            EXPECT_FALSE(takes(begin + "\\u000a" + end)) << before;
+            for (const ushort unit : {0, 0x1f, 0x22, 0xd800, 0xdfff})
                 EXPECT_FALSE(takes(begin + QChar(unit) + end)) << before << ' ' << unit;
         }
         EXPECT_TRUE(takes(begin + QStringLiteral("\"}"))) << before;
@@ -171,8 +187,9 @@ TEST_F(ItemRolesReaderTest, noPlaceInATextIsLeftOut) {
 TEST_F(ItemRolesReaderTest, neverDisagreesWithTheParserOnDamagedTexts) {
     const QString whole = QStringLiteral(
         R"({"mediaData":{"metaData":{"artist":"Somebody","duration":1500,"ok":true},)"
-        R"("resources":[{"uri":"file:///a.flac"}]},"title":"A title","type":3,"none":null})");
-    const QString alphabet = QStringLiteral("{}[]\",:0123456789-+.eEtrufalsn\\ \nxü");
+        R"("resources":[{"uri":"file:///a.flac"}]},"title":"A \"title\" \\","type":3,"none":null})");
+    const QString alphabet = QStringLiteral("{}[]\",:0123456789-+.eEtrufalsnb\\\\/ \nxü") +
+                             QChar(0xD83C) + QChar(0xDFB5);
     std::mt19937 random(20250101);
     int taken = 0;
     for (int round = 0; round < 20000; ++round) {

@@ -95,6 +95,31 @@ TEST_F(LogTest, addingInsideAList) {
         }));
 }
 
+TEST_F(LogTest, addingManyAtOnce) {
+    constexpr int Many = 250;
+    PlayListRecord pl = playListOf("ab");
+    pl.lastPlayedIndex = 0;
+    QStringList expected =
+        list({"Enter addItems: pl: 1 pl.size(): 2 position: now items.size(): 250",
+              "Enter printItems", "Enter getItems: pl=1 from=0 to=2", "uid: 1 seqNum: 0 name: a",
+              "uid: 2 seqNum: 1 name: b", "dbItemsCount: 2, addedItemsCount: 250, limit: 0",
+              "playlist is not empty", "lastSeqNum: 0"});
+    for (int uid = 3; uid < 3 + Many; ++uid)
+        expected.append(QStringLiteral("Inserted item into DB with uid%1").arg(uid));
+    EXPECT_EQ(expected, linesOf([&] {
+                  database().addItems(pl, OrvoPlayListAddPosition::Now, items(Many), nullptr);
+              }));
+}
+
+// An item by its number has no line of its own, however many are asked for and however they are
+// found.
+TEST_F(LogTest, itemsByTheirNumbers) {
+    const PlayListRecord pl = playListOf("abcdefgh");
+    EXPECT_EQ(QStringList(), linesOf([&] { database().getItemByUid(3); }));
+    for (const QList<int>& uids : {QList<int>{3}, QList<int>{8, 1, 2, 3, 4, 5, 6, 7}})
+        EXPECT_EQ(QStringList(), linesOf([&] { database().getItemsByUids({pl}, uids); }));
+}
+
 TEST_F(LogTest, removing) {
     const PlayListRecord pl = playListOf("abcdef");
     EXPECT_EQ(list({"Enter removeItems: pl=1 indices=1, 2, 4", "Remove partial from=1 to=2",

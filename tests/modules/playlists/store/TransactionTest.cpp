@@ -1,7 +1,11 @@
+#include <functional>
 #include <sqlite3.h>
+#include <thread>
+#include <vector>
 
 #include <QRegularExpression>
 
+#include "EntryRoles.h"
 #include "StatementTrace.h"
 #include "StoreFixture.h"
 
@@ -194,6 +198,48 @@ TEST_F(TransactionTest, manyThatFailHalfwayLeaveNothingAndForeignKeysOn) {
     EXPECT_EQ(-1, database().addItems(pl, OrvoPlayListAddPosition::Append, items(Many), nullptr));
     EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
     expectInvariants();
+}
+
+// Held while rows are read and while a transaction is open, so that SQLite need not take it for
+// every column.
+TEST_F(TransactionTest, theConnectionsMutexIsFreeBetweenTwoCalls) {
+    const auto isFree = [this] {
+        sqlite3_mutex* mutex = sqlite3_db_mutex(StoreProbe::connection(database()));
+        bool free = false;
+        std::thread([mutex, &free] {
+            free = sqlite3_mutex_try(mutex) == SQLITE_OK;
+            if (free)
+                sqlite3_mutex_leave(mutex);
+        }).join();
+        return free;
+    };
+    using Position = OrvoPlayListAddPosition;
+    const PlayListRecord pl = playListOf("abcdef");
+    PlayListRecord gone = pl;
+    gone.uid = 4711;
+    const std::vector<std::function<void()>> calls = {
+        [&] { EXPECT_EQ(6, database().getItems(pl, 0, 5).size()); },
+        [&] { EXPECT_EQ(2, database().getEntryRoles(pl, 1, 2).entries.size()); },
+        [&] { EXPECT_FALSE(database().getItemByUid(1).isEmpty()); },
+        [&] { EXPECT_TRUE(database().getItemByUid(4711).isEmpty()); },
+        [&] {
+            EXPECT_EQ(7, database().getItemsByUids({pl}, {1, 2, 3, 4, 5, 6, 4711}).size());
+        },
+        [&] { EXPECT_EQ(6, database().addItems(pl, Position::Append, items(Many), nullptr)); },
+        [&] { EXPECT_EQ(-1, database().addItems(gone, Position::Append, items(Many), nullptr)); },
+        [&] { EXPECT_TRUE(database().moveItem(record(pl.uid), 0, 3)); },
+        [&] {
+            EXPECT_EQ(2, database().removeItems(record(pl.uid), {0, 2}));
+        },
+        [&] { EXPECT_EQ(-1, database().removeItems(record(pl.uid), {5000})); },
+        [&] { EXPECT_TRUE(database().clearItems(record(pl.uid))); },
+        [&] { EXPECT_TRUE(database().deletePlayList(pl)); },
+    };
+    ASSERT_TRUE(isFree());
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        calls[i]();
+        EXPECT_TRUE(isFree()) << "after call " << i;
+    }
 }
 
 TEST_F(TransactionTest, manyAreNotAddedToAListThatIsGone) {

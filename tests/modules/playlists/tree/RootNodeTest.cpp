@@ -232,6 +232,14 @@ TEST_F(RootNodeTest, whatIsListedIsLogged) {
                            QString("DEBUG clid: %1").arg(rock), "DEBUG clname: Rock"}));
 }
 
+TEST_F(RootNodeTest, whatIsHiddenIsNotLogged) {
+    show(false, false);
+    createCollection("Rock");
+    LogCapture log("PlayLists", log4cplus::DEBUG_LOG_LEVEL);
+    root(2, 9);
+    EXPECT_EQ(log.lines(), QStringList("DEBUG fromRow: 2 toRow: 9"));
+}
+
 namespace {
 
 // The node alone, with somebody else in the module's place who only writes down what it is asked.
