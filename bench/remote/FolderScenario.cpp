@@ -90,12 +90,14 @@ Addition addFolder(const Library& library, int tracks) {
 
 } // namespace
 
-void Scenarios::folderAdded(const Library& library, int tracks, Report& report) {
+void Scenarios::folderAdded(const Library& library, int tracks, const std::string& storage,
+                            Report& report) {
     constexpr int Tries = 15;
     constexpr double BoundUs = 100'000;
     const auto [addition, stolen] =
         leastDisturbed(1, Tries, [&] { return addFolder(library, tracks); }).front();
-    const std::string work = "a folder of " + std::to_string(tracks) + " tracks is added";
+    const std::string work =
+        "a folder of " + std::to_string(tracks) + " tracks is added, " + storage;
     report.add(work, "until answered", addition.addedUs / 1000, "ms");
     report.add(work, "pages meanwhile", double(addition.pages.count()), "");
     report.add(work, "page, median", addition.pages.median() / 1000, "ms");

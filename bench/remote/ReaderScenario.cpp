@@ -47,7 +47,7 @@ void Scenarios::manyReaders(const Library& library, Report& report) {
             if (!reader.connection.receive())
                 continue;
             samples.add(microsecondsSince(reader.sent));
-            // The check is a few microseconds on the core that the device does not use.
+            // The check is a few microseconds.
             checkPage(reader.connection, reader.from);
             seconds = microsecondsSince(start) / 1e6;
             if (seconds * 1e6 < SecondsUs)

@@ -88,13 +88,15 @@ int run(std::map<std::string, std::string> arguments) {
         Scenarios::edits(library, "memory", true, report);
         Scenarios::manyListeners(library, report);
         Scenarios::manyReaders(library, report);
-        Scenarios::folderAdded(library, std::stoi(arguments["--tracks"]), report);
+        Scenarios::folderAdded(library, std::stoi(arguments["--tracks"]), "memory", report);
     }
     std::filesystem::copy(memory.path() / "device", disk.path() / "device",
                           std::filesystem::copy_options::recursive);
-    const Device onDisk({host, disk.path() / "device", "", {}});
+    const Device onDisk({host, disk.path() / "device", arguments["--music"], {}});
+    onDisk.waitForScan();
     library.device = &onDisk;
     Scenarios::edits(library, "disk", false, report);
+    Scenarios::folderAdded(library, std::stoi(arguments["--tracks"]), "disk", report);
 
     report.note("Removing a row ends with the clean-up of unused items, a pass over all items of "
                 "the store: it has no bound.");

@@ -35,8 +35,8 @@ private:
 
 class AddOne : public StoreTurns {
 public:
-    explicit AddOne(const Setting& setting)
-        : StoreTurns(setting, {1, setting.size}), m_item(Items::of(1)) {}
+    AddOne(const Setting& setting, int itemsLimit)
+        : StoreTurns(setting, {1, setting.size}, itemsLimit), m_item(Items::of(1)) {}
 
     bool base() override {
         return floor_add(store(), &floorList, floor_append, m_item.forFloor().data(), 1);
@@ -115,6 +115,7 @@ std::vector<Work> editWorks() {
     const auto addInTheMiddle = [](const Setting& s) {
         return std::make_unique<AddMany>(s, s.size);
     };
+    const auto addOneWithLimit = setUp<AddOne>(1000000);
     const auto moveToTheEnd = [](const Setting& s) {
         return std::make_unique<Move>(s, 0, s.size - 1);
     };
@@ -127,7 +128,8 @@ std::vector<Work> editWorks() {
     return {
         {"add n to an empty list", floor, 1.3, 1.3, Length::Long, {}, setUp<AddMany>(0)},
         {"add n in the middle of n", floor, 1.3, 1.3, Length::Long, {}, addInTheMiddle},
-        {"add one at the end", floor, 1.5, 0.8, Length::Short, {}, setUp<AddOne>()},
+        {"add one at the end", floor, 1.5, 0.8, Length::Short, {}, setUp<AddOne>(0)},
+        {"add one, in a store with a limit", floor, 1.5, 0.8, Length::Short, {}, addOneWithLimit},
         {"move first to last", floor, 1.1, 1.2, Length::Long, {}, moveToTheEnd},
         {"move last to first", floor, 1.1, 1.2, Length::Long, {}, moveToTheFront},
         {"move by one", floor, 1.1, 0.2, Length::Short, {}, moveByOne},

@@ -25,8 +25,8 @@ struct Figure {
 // What was measured, and what it means: ratios, growth exponents and the bounds they must keep.
 class Figures {
 public:
-    // `slack` is how far a bound may be passed: a ratio by that factor, a growth exponent by a
-    // tenth of what it is above 1.
+    // `slack` is how far a bound may be passed: a ratio by that factor, a growth exponent by half
+    // of what it is above 1.
     explicit Figures(double slack) : m_slack(slack) {}
 
     void add(const Figure& figure) { m_figures.push_back(figure); }

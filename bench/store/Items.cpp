@@ -1,6 +1,7 @@
 #include "Items.h"
 
 #include <map>
+#include <utility>
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -12,11 +13,27 @@ namespace {
 constexpr int TracksPerAlbum = 12;
 constexpr int AlbumsPerArtist = 5;
 
-OrvoPlayListItem makeItem(int number) {
-    const int album = number / TracksPerAlbum;
+// The album of a track in a mixed list.
+int mixedAlbum(int number) {
+    constexpr int Stride = 37;
+    constexpr int Albums = 5003; // prime, so all come before one comes again
+    return int(qint64(number) * Stride % Albums);
+}
+
+QString titleOf(int number, Items::Order order) {
+    const QString title = order == Items::Order::Albums
+                              ? QStringLiteral("A title of usual length, %1")
+                          : number % 10 == 0 ? QStringLiteral("A title of \"usual\" length, %1")
+                          : number % 3 == 0  ? QStringLiteral("À la récherche du títle, %1")
+                                             : QStringLiteral("A title of usual length, %1");
+    return title.arg(number);
+}
+
+OrvoPlayListItem makeItem(int number, Items::Order order) {
+    const int album = order == Items::Order::Albums ? number / TracksPerAlbum : mixedAlbum(number);
     const QString artist = QStringLiteral("The Artist No. %1").arg(album / AlbumsPerArtist);
     const QString albumTitle = QStringLiteral("Album %1 of many").arg(album);
-    const QString title = QStringLiteral("A title of usual length, %1").arg(number);
+    const QString title = titleOf(number, order);
     const QString folder = QStringLiteral("file:///srv/music/%1/%2/")
                                .arg(artist, albumTitle)
                                .replace(QLatin1Char(' '), QStringLiteral("%20"));
@@ -59,11 +76,11 @@ OrvoPlayListItem makeItem(int number) {
 
 } // namespace
 
-Items::Items(int count) {
+Items::Items(int count, Order order) {
     m_ours.reserve(count);
     m_floor.reserve(std::size_t(count));
     for (int i = 0; i < count; ++i) {
-        const OrvoPlayListItem item = makeItem(i);
+        const OrvoPlayListItem item = makeItem(i, order);
         m_ours.append(item);
         m_floor.push_back({keep(item.title()), keep(item.artist()), keep(item.album()),
                            keep(item.artworkUrl()), keep(item.genre()), item.durationSeconds(),
@@ -71,9 +88,9 @@ Items::Items(int count) {
     }
 }
 
-const Items& Items::of(int count) {
-    static std::map<int, Items> made;
-    return made.try_emplace(count, count).first->second;
+const Items& Items::of(int count, Order order) {
+    static std::map<std::pair<int, Order>, Items> made;
+    return made.try_emplace({count, order}, count, order).first->second;
 }
 
 floor_text Items::keep(const QString& text) {

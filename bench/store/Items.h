@@ -12,9 +12,14 @@
 // length that the local-files module gives them. Made before anything is timed.
 class Items {
 public:
-    explicit Items(int count);
+    // What stands next to each other: tracks of an album in plain ASCII, twelve to each, as a
+    // folder gives them; or each of another album and artist, a third with accents and a tenth with
+    // quotation marks in their titles.
+    enum class Order { Albums, Mixed };
+
+    Items(int count, Order order);
     // Made once and kept for all who need as many.
-    static const Items& of(int count);
+    static const Items& of(int count, Order order = Order::Albums);
 
     const QList<OrvoPlayListItem>& ours() const { return m_ours; }
     const std::vector<floor_item>& forFloor() const { return m_floor; }

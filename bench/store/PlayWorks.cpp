@@ -9,6 +9,8 @@ class Skip : public ModuleTurns {
 public:
     Skip(const Setting& setting, OrvoPlayLogicRequestKind::Enum kind)
         : ModuleTurns(setting, {1, setting.size}), m_kind(kind) {
+        for (int from = 0; from < setting.size; from += 1000)
+            list()->getItems(from, from + 999);
         m_failed = !play(true);
         for (int i = 0; i < WayIn; ++i)
             m_failed = m_failed || !skip(OrvoPlayLogicRequestKind::Next);

@@ -1,8 +1,9 @@
 #include "StoreTurns.h"
 
-StoreTurns::StoreTurns(const Setting& setting, const Workplace::Contents& contents)
+StoreTurns::StoreTurns(const Setting& setting, const Workplace::Contents& contents, int itemsLimit)
     : m_setting(setting),
       m_contents(contents),
+      m_itemsLimit(itemsLimit),
       m_workplace(setting.folder, contents, setting.storage == QLatin1String("disk")) {
     open();
 }
@@ -18,7 +19,7 @@ void StoreTurns::startOver() {
 }
 
 void StoreTurns::open(bool withModel) {
-    m_database = std::make_unique<Database>(0, false);
+    m_database = std::make_unique<Database>(m_itemsLimit, false);
     if (withModel)
         m_manager = std::make_unique<PlayListManager>(m_database.get());
     m_store = m_workplace.openFloor();

@@ -13,7 +13,8 @@
 // Turns of the module's store and model, and the floor on a store of the same contents.
 class StoreTurns : public Turns {
 public:
-    StoreTurns(const Setting& setting, const Workplace::Contents& contents);
+    // itemsLimit: as the store takes it, 0 for none.
+    StoreTurns(const Setting& setting, const Workplace::Contents& contents, int itemsLimit = 0);
     ~StoreTurns() override;
 
 protected:
@@ -34,6 +35,7 @@ protected:
 private:
     Setting m_setting;
     Workplace::Contents m_contents;
+    int m_itemsLimit;
     Workplace m_workplace;
     std::unique_ptr<Database> m_database;
     std::unique_ptr<PlayListManager> m_manager;

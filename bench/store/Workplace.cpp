@@ -8,7 +8,6 @@
 #include <QTemporaryDir>
 
 #include "CMLog.h"
-#include "Items.h"
 
 namespace {
 
@@ -17,7 +16,7 @@ constexpr const char* storeFolder = "data-rw/playlists";
 constexpr const char* storeFile = "data-rw/playlists/playlists.sqlite";
 
 void fill(floor_store* store, const Workplace::Contents& contents) {
-    const Items& items = Items::of(contents.length);
+    const Items& items = Items::of(contents.length, contents.order);
     for (int i = 0; i < contents.lists; ++i) {
         const QByteArray name = "list " + QByteArray::number(i);
         floor_list list;

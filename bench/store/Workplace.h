@@ -6,6 +6,7 @@
 #include <QString>
 
 #include "floor.h"
+#include "Items.h"
 
 struct FloorClose {
     void operator()(floor_store* store) const { floor_close(store); }
@@ -23,6 +24,7 @@ public:
     struct Contents {
         int lists = 0;
         int length = 0;
+        Items::Order order = Items::Order::Albums;
     };
 
     // Below `storage`, which is made when it is not there. With `durable` what is laid out is on

@@ -245,6 +245,11 @@ int main(int argc, char** argv) {
     stayOnOneProcessor();
     const Options options = readOptions(app);
     const std::vector<Work> works = chosenWorks(options);
+    if (works.empty()) {
+        std::fprintf(stderr, "there is no work whose name contains \"%s\"\n",
+                     qPrintable(options.filter));
+        return 2;
+    }
     Figures figures(options.slack);
     const auto series = registerAll(works, options, figures);
     Progress progress;
