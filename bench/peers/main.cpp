@@ -42,11 +42,11 @@ const std::vector<Work>& works() {
         peer.prepareEmpty();
     };
     static const std::vector<Work> table = {
-        {"add n", empty, [](Peer& p, int n, int) { return p.addFolder(n); }, 1},
+        {"add n to an empty list", empty, [](Peer& p, int n, int) { return p.addFolder(n); }, 1},
         {"add n in the middle of n", list,
          [](Peer& p, int n, int) { return p.addFolderInTheMiddle(n); }, 1},
         {"page of 50", list, [](Peer& p, int n, int i) { return p.readPage(n / 2 + i); }, Quick},
-        {"delete every second", list, [](Peer& p, int n, int) { return p.removeEverySecond(n); },
+        {"remove every second", list, [](Peer& p, int n, int) { return p.removeEverySecond(n); },
          1},
         {"clear", list, [](Peer& p, int, int) { return p.clear(); }, 1},
         {"save", saving, [](Peer& p, int n, int) { return p.save(n); }, 1},
@@ -201,10 +201,11 @@ int run(std::map<std::string, std::string> arguments) {
     std::printf("\nresident memory after a list of n was read (MiB)\n");
     for (const int size : sizes) {
         const Key key{"page of 50", size};
-        std::printf("%-26s %8d  %16.1f %16.1f %16.1f\n", "", size,
-                    contestants[0].figures[key].memory / 1024,
-                    contestants[1].figures[key].memory / 1024,
-                    contestants[2].figures[key].memory / 1024);
+        const double daemon = contestants[0].figures[key].memory / 1024;
+        const double inMemory = contestants[1].figures[key].memory / 1024;
+        const double onDisk = contestants[2].figures[key].memory / 1024;
+        std::printf("%-26s %8d  %16.1f %16.1f %16.1f %12.2f %12.2f\n", "", size, daemon, inMemory,
+                    onDisk, inMemory / daemon, onDisk / daemon);
     }
     writeJson(arguments["--json"], contestants);
     return 0;

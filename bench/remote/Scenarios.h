@@ -28,7 +28,8 @@ void edits(const Library& library, const std::string& storage, bool bounded, Rep
 void manyListeners(const Library& library, Report& report);
 void manyReaders(const Library& library, Report& report);
 // The device's music folder has `tracks` tracks; they are added to a new list while others read.
-void folderAdded(const Library& library, int tracks, const std::string& storage, Report& report);
+void folderAdded(const Library& library, int tracks, const std::string& storage, bool bounded,
+                 Report& report);
 
 // Whether it is a whole page of rows of that list; throws when it is not.
 void checkPage(const HttpConnection& connection, int firstPosition);

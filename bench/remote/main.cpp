@@ -88,7 +88,7 @@ int run(std::map<std::string, std::string> arguments) {
         Scenarios::edits(library, "memory", true, report);
         Scenarios::manyListeners(library, report);
         Scenarios::manyReaders(library, report);
-        Scenarios::folderAdded(library, std::stoi(arguments["--tracks"]), "memory", report);
+        Scenarios::folderAdded(library, std::stoi(arguments["--tracks"]), "memory", true, report);
     }
     std::filesystem::copy(memory.path() / "device", disk.path() / "device",
                           std::filesystem::copy_options::recursive);
@@ -96,11 +96,12 @@ int run(std::map<std::string, std::string> arguments) {
     onDisk.waitForScan();
     library.device = &onDisk;
     Scenarios::edits(library, "disk", false, report);
-    Scenarios::folderAdded(library, std::stoi(arguments["--tracks"]), "disk", report);
+    Scenarios::folderAdded(library, std::stoi(arguments["--tracks"]), "disk", false, report);
 
     report.note("Removing a row ends with the clean-up of unused items, a pass over all items of "
                 "the store: it has no bound.");
-    report.note("On the disk every edit waits for the disk to have it, so it has no bound either.");
+    report.note("On the disk every edit waits for the disk to have it, and others wait with it: no "
+                "bounds there either.");
     report.writeJson(arguments["--json"]);
     return report.finish() > 0 ? 1 : 0;
 }
