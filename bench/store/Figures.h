@@ -29,6 +29,7 @@ public:
     // of what it is above 1.
     explicit Figures(double slack) : m_slack(slack) {}
 
+    double slack() const { return m_slack; }
     void add(const Figure& figure) { m_figures.push_back(figure); }
     // Of our cost, from the smallest size to the largest.
     void addGrowth(const QString& work, const QString& storage, double exponent) {
