@@ -9,6 +9,7 @@ class Skip : public ModuleTurns {
 public:
     Skip(const Setting& setting, OrvoPlayLogicRequestKind::Enum kind)
         : ModuleTurns(setting, {1, setting.size}), m_kind(kind) {
+        // All of it once, a piece at a time, so that the page cache is as full as it gets.
         for (int from = 0; from < setting.size; from += 1000)
             list()->getItems(from, from + 999);
         m_failed = !play(true);
