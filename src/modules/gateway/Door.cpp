@@ -117,6 +117,9 @@ std::optional<HttpResponse> Door::refusal(const HttpRequest& request) const {
         return ApiError::response(
             Kind::HeadersTooLarge,
             QStringLiteral("The head of the request is larger than this device takes."));
+    if (request.headIsUnclear)
+        return ApiError::response(
+            Kind::Malformed, QStringLiteral("The head of the request could be read in two ways."));
     if (!isOwnHost(request))
         return ApiError::response(Kind::Forbidden,
                                   QStringLiteral("This device is not called \"%1\".")

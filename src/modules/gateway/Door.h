@@ -12,6 +12,7 @@
 // says why; nothing here fails otherwise.
 //
 //   the head's size                431 HeadersTooLarge
+//   a head with two readings       400 Malformed
 //   Host                           403 Forbidden: a page that made its own name lead here
 //   Origin, Sec-Fetch-Site         403 Forbidden: a page from elsewhere
 //   the token, for what is no file of the page: 401 Unauthorized

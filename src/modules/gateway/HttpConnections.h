@@ -8,6 +8,8 @@
 #include <QObject>
 #include <QTimer>
 
+#include "HeadCheck.h"
+
 // What one connection is about and until when it may be.
 struct HttpConnection {
     enum class Phase {
@@ -23,6 +25,7 @@ struct HttpConnection {
     qint64 since = 0;
     qint64 deadline = 0;
     bool cut = false;
+    HeadCheck head; // of the request that is just being read
     // The address of the request that is just being read holds a zero byte.
     bool zeroInTarget = false;
 };

@@ -28,6 +28,8 @@ struct HttpRequest {
     QByteArray body;
     // The path or the query holds bytes that are no UTF-8, or a zero byte.
     bool illegalText = false;
+    // The head could be read in two ways.
+    bool headIsUnclear = false;
     // More header fields, or more bytes of them and the request line, than the server takes.
     bool headTooLarge = false;
     // More than the server's limit arrived; `body` is empty then.

@@ -63,8 +63,17 @@ constexpr KnownHeader KnownHeaders[] = {
     {"Sec-Fetch-Site", &HttpRequest::fetchSite},
 };
 
-MHD_Result collectHeader(void* context, MHD_ValueKind, const char* name, const char* value) {
-    auto* request = static_cast<HttpRequest*>(context);
+struct HeadBeingRead {
+    HttpRequest* request;
+    HeadCheck* check;
+};
+
+MHD_Result collectHeader(void* context, MHD_ValueKind, const char* name, size_t nameSize,
+                         const char* text, size_t size) {
+    const auto* head = static_cast<HeadBeingRead*>(context);
+    HttpRequest* request = head->request;
+    head->check->takeField({name, nameSize}, {text, size});
+    const QByteArray value(text, int(size));
     ++request->headerFields;
     if (qstricmp(name, "Host") == 0) {
         request->host = value;
@@ -142,13 +151,23 @@ struct HttpServer::Callbacks {
         return size;
     }
 
+    // The target as it arrived. What is returned becomes the request's state.
+    static void* onTarget(void*, const char* target, MHD_Connection* connection) {
+        aboutOf(connection)->head = HeadCheck(target);
+        return nullptr;
+    }
+
     static MHD_Result onRequest(void* context, MHD_Connection* connection, const char* url,
-                                const char* method, const char*, const char* data, size_t* size,
-                                void** state) {
+                                const char* method, const char* version, const char* data,
+                                size_t* size, void** state) {
         auto* server = static_cast<HttpServer*>(context);
         if (!*state) {
-            *state = new Handle(begin(server, connection, url, method));
-            return refuseAnnouncedBody(server, connection, **static_cast<Handle*>(*state));
+            *state = new Handle(begin(server, connection, url, method, version));
+            HttpExchange& exchange = **static_cast<Handle*>(*state);
+            // Where its body would end is as unclear as the head.
+            if (exchange.m_request.headIsUnclear)
+                return refuseAtOnce(connection, exchange);
+            return refuseAnnouncedBody(server, connection, exchange);
         }
         const Handle& exchange = *static_cast<Handle*>(*state);
         if (*size > 0)
@@ -182,7 +201,7 @@ struct HttpServer::Callbacks {
     }
 
     static Handle begin(HttpServer* server, MHD_Connection* connection, const char* url,
-                        const char* method) {
+                        const char* method, const char* version) {
         auto exchange = std::make_shared<HttpExchange>();
         exchange->m_connection = connection;
         exchange->m_server = server;
@@ -195,15 +214,26 @@ struct HttpServer::Callbacks {
         request.illegalText = request.illegalText || exchange->m_about->zeroInTarget;
         exchange->m_about->zeroInTarget = false;
         MHD_get_connection_values_n(connection, MHD_GET_ARGUMENT_KIND, collectParameter, &request);
-        MHD_get_connection_values(connection, MHD_HEADER_KIND, collectHeader, &request);
+        HeadCheck& check = exchange->m_about->head;
+        check.takeRequestLine(method, version);
+        HeadBeingRead reading{&request, &check};
+        MHD_get_connection_values_n(connection, MHD_HEADER_KIND, collectHeader, &reading);
         request.localAddress = exchange->m_about->localAddress;
         const MHD_ConnectionInfo* head =
             MHD_get_connection_info(connection, MHD_CONNECTION_INFO_REQUEST_HEADER_SIZE);
         request.headTooLarge = request.headerFields > server->m_limits.headerFields ||
                                head->header_size > size_t(server->m_limits.headBytes);
+        check.end(head->header_size);
+        request.headIsUnclear = !check.isPlain();
+        exchange->m_closes = request.headIsUnclear || check.isChunked();
         exchange->m_refusal = server->m_guard(request);
         server->m_open.insert(exchange.get(), exchange);
         return exchange;
+    }
+
+    static MHD_Result refuseAtOnce(MHD_Connection* connection, HttpExchange& exchange) {
+        exchange.respond(std::move(*exchange.m_refusal));
+        return queue(connection, exchange);
     }
 
     // A client that asks before it sends gets its answer before it sends.
@@ -213,10 +243,8 @@ struct HttpServer::Callbacks {
             headerValue(connection, MHD_HTTP_HEADER_EXPECT).toLower() == "100-continue";
         if (!asks)
             return MHD_YES;
-        if (exchange.m_refusal) {
-            exchange.respond(std::move(*exchange.m_refusal));
-            return queue(connection, exchange);
-        }
+        if (exchange.m_refusal)
+            return refuseAtOnce(connection, exchange);
         if (headerValue(connection, MHD_HTTP_HEADER_CONTENT_LENGTH).toLongLong() <=
             exchange.m_maxBody)
             return MHD_YES;
@@ -263,6 +291,8 @@ struct HttpServer::Callbacks {
             MHD_add_response_header(response, header.name, header.value);
         for (const auto& header : answer.headers)
             MHD_add_response_header(response, header.first.constData(), header.second.constData());
+        if (exchange.m_closes)
+            MHD_add_response_header(response, MHD_HTTP_HEADER_CONNECTION, "close");
         const MHD_Result queued = MHD_queue_response(connection, unsigned(answer.status), response);
         MHD_destroy_response(response);
         return queued;
@@ -346,7 +376,8 @@ bool HttpServer::listen(const QString& address, bool loopbackOnly, QString* erro
         MHD_OPTION_PER_IP_CONNECTION_LIMIT, unsigned(m_limits.connectionsPerAddress),
         MHD_OPTION_CONNECTION_MEMORY_LIMIT, memory, MHD_OPTION_NOTIFY_CONNECTION,
         &Callbacks::onConnection, this, MHD_OPTION_UNESCAPE_CALLBACK, &Callbacks::unescape, nullptr,
-        MHD_OPTION_NOTIFY_COMPLETED, &Callbacks::onCompleted, nullptr, MHD_OPTION_END);
+        MHD_OPTION_URI_LOG_CALLBACK, &Callbacks::onTarget, nullptr, MHD_OPTION_NOTIFY_COMPLETED,
+        &Callbacks::onCompleted, nullptr, MHD_OPTION_END);
     socket.release(); // the daemon's now, which closes it
     const MHD_DaemonInfo* epoll =
         m_daemon ? MHD_get_daemon_info(m_daemon, MHD_DAEMON_INFO_EPOLL_FD) : nullptr;

@@ -53,6 +53,8 @@ private:
     MHD_Connection* m_connection = nullptr; // null once the connection is gone
     HttpConnection* m_about = nullptr;      // as long as m_connection
     HttpServer* m_server = nullptr;
+    // Nothing that follows on the connection is read: where the body ends may mean two things.
+    bool m_closes = false;
     bool m_answered = false;
     bool m_suspended = false;
 };
