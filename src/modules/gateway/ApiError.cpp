@@ -18,6 +18,7 @@ constexpr Row Rows[] = {
     {ApiError::Kind::NoSuchResource, 404, "NoSuchResource", "Not found"},
     {ApiError::Kind::MethodNotAllowed, 405, "MethodNotAllowed", "Method not allowed"},
     {ApiError::Kind::TooLarge, 413, "TooLarge", "Request too large"},
+    {ApiError::Kind::AnswerTooLarge, 422, "AnswerTooLarge", "Answer too large"},
     {ApiError::Kind::HeadersTooLarge, 431, "HeadersTooLarge", "Request head too large"},
     {ApiError::Kind::TooManyReaders, 503, "TooManyReaders", "Too many readers"},
     {ApiError::Kind::Timeout, 504, "Timeout", "No answer"},
@@ -27,15 +28,18 @@ constexpr int NotFound = 404;
 constexpr int Refused = 422;
 
 HttpResponse build(int status, const QString& name, const QString& title, const QString& message) {
-    JsonWriter json(64 + message.size());
-    json.raw("{\"error\":{");
-    json.member("name", true);
+    JsonWriter json;
+    json.beginObject();
+    json.name(QStringLiteral("error"));
+    json.beginObject();
+    json.name(QStringLiteral("name"));
     json.value(name);
-    json.member("title");
+    json.name(QStringLiteral("title"));
     json.value(title);
-    json.member("message");
+    json.name(QStringLiteral("message"));
     json.value(message);
-    json.raw("}}");
+    json.endObject();
+    json.endObject();
     return {status, "application/json", json.text(), {{"Cache-Control", "no-store"}}};
 }
 

@@ -14,6 +14,7 @@ enum class Kind {
     NoSuchResource,
     MethodNotAllowed,
     TooLarge,
+    AnswerTooLarge,
     HeadersTooLarge,
     TooManyReaders,
     Timeout

@@ -25,6 +25,12 @@ HttpResponse jsonResponse(const QByteArray& text) {
     return {200, "application/json", text, {{"Cache-Control", "no-store"}}};
 }
 
+HttpResponse jsonResponse(JsonWriter* json) {
+    return json->isFull() ? ApiError::response(ApiError::Kind::AnswerTooLarge,
+                                               QStringLiteral("Ask for fewer rows."))
+                          : jsonResponse(json->text());
+}
+
 HttpResponse malformed(const QString& message) {
     return ApiError::response(ApiError::Kind::Malformed, message);
 }
@@ -89,47 +95,44 @@ QStringList readRoleNames(const HttpRequest& request) {
 }
 
 // The row's values stand in the order of the role names; a value that is not there is null.
-QByteArray renderRows(const OrvoRowsRoles& answer, const QStringList& roleNames) {
-    QVector<QByteArray> keys;
-    keys.reserve(roleNames.size());
-    for (const QString& name : roleNames)
-        keys.append((keys.isEmpty() ? "" : ",") + JsonWriter::quoted(name) + ':');
-    const QVariantList rows = answer.rows();
-    JsonWriter json(1024 + rows.size() * 1024);
+HttpResponse renderRows(const OrvoRowsRoles& answer, const QStringList& roleNames, int maxBytes) {
+    JsonWriter json(maxBytes);
     json.beginObject();
-    json.member("title", true);
+    json.name(QStringLiteral("title"));
     json.value(answer.roles().title().toString());
-    json.member("rowsCount");
+    json.name(QStringLiteral("rowsCount"));
     json.value(qint64(answer.rowsCount()));
-    json.member("roles");
+    json.name(QStringLiteral("roles"));
     json.value(answer.roles().toVariant());
-    json.member("rows");
-    json.raw("[");
-    bool first = true;
+    json.name(QStringLiteral("rows"));
+    json.beginList();
+    const QVariantList rows = answer.rows();
     for (const QVariant& row : rows) {
-        json.raw(first ? "{" : ",{");
-        first = false;
+        if (json.isFull())
+            break;
+        json.beginObject();
         const QVariantList values = row.toList();
-        for (int i = 0; i < keys.size(); ++i) {
-            json.raw(keys.at(i));
+        for (int i = 0; i < roleNames.size(); ++i) {
+            json.name(roleNames.at(i));
             if (i < values.size())
                 json.value(values.at(i));
             else
-                json.raw("null");
+                json.null();
         }
         json.endObject();
     }
-    json.raw("]}");
-    return json.text();
+    json.endList();
+    json.endObject();
+    return jsonResponse(&json);
 }
 
-QByteArray renderMember(const char* name, const QVariant& value) {
-    JsonWriter json;
+HttpResponse renderMember(const QString& name, const QVariant& value, int maxBytes) {
+    JsonWriter json(maxBytes);
     json.beginObject();
-    json.member(name, true);
+    json.name(name);
     json.value(value);
     json.endObject();
-    return json.text();
+    return jsonResponse(&json);
 }
 
 bool isData(const QVariant& value) {
@@ -211,7 +214,8 @@ void ApiRouter::getPaths(const Exchange& exchange) {
 }
 
 void ApiRouter::getModules(const Exchange& exchange) {
-    exchange->respond(jsonResponse(renderMember("modules", CMRoot()->prefixes())));
+    exchange->respond(
+        renderMember(QStringLiteral("modules"), CMRoot()->prefixes(), m_limits.answerBytes));
 }
 
 void ApiRouter::getRows(const Exchange& exchange) {
@@ -233,12 +237,12 @@ void ApiRouter::getRows(const Exchange& exchange) {
         return;
     }
     PendingAnswer::request<CMReplyData<OrvoRowsRoles>>(
-        exchange, m_answerTimeoutMs,
+        exchange, m_limits.answerMs,
         [&](const CMReplyData<OrvoRowsRoles>& reply) {
             CMRoot()->getRowsRequest(CMGetRowsRequest(path, from, to, roleNames, reply));
         },
-        [roleNames](const OrvoRowsRoles& answer) {
-            return jsonResponse(renderRows(answer, roleNames));
+        [roleNames, maxBytes = m_limits.answerBytes](const OrvoRowsRoles& answer) {
+            return renderRows(answer, roleNames, maxBytes);
         });
 }
 
@@ -257,11 +261,13 @@ void ApiRouter::postData(const Exchange& exchange) {
         return;
     }
     PendingAnswer::request<CMReply<QVariant>>(
-        exchange, m_answerTimeoutMs,
+        exchange, m_limits.answerMs,
         [&](const CMReply<QVariant>& reply) {
             CMRoot()->setDataRequest(CMSetDataRequest(path, value, reply));
         },
-        [](const QVariant& result) { return jsonResponse(renderMember("result", result)); });
+        [maxBytes = m_limits.answerBytes](const QVariant& result) {
+            return renderMember(QStringLiteral("result"), result, maxBytes);
+        });
 }
 
 void ApiRouter::getValue(const Exchange& exchange) {
@@ -273,7 +279,7 @@ void ApiRouter::getValue(const Exchange& exchange) {
     }
     const QVariant value = CMRoot()->getValue(path);
     exchange->respond(
-        value.isValid() ? jsonResponse(renderMember("value", value))
+        value.isValid() ? renderMember(QStringLiteral("value"), value, m_limits.answerBytes)
                         : ApiError::response(CMError(
                               CMError::NoSuchNode(),
                               TrString("ApiRouter", "There is no value at %1.", {path.toString()}),
@@ -289,9 +295,11 @@ void ApiRouter::putValue(const Exchange& exchange) {
         return;
     }
     PendingAnswer::request<CMVoidReply>(
-        exchange, m_answerTimeoutMs,
+        exchange, m_limits.answerMs,
         [&](const CMVoidReply& reply) { CMRoot()->setValue(path, value, reply); },
-        [path] { return jsonResponse(renderMember("value", CMRoot()->getValue(path))); });
+        [path, maxBytes = m_limits.answerBytes] {
+            return renderMember(QStringLiteral("value"), CMRoot()->getValue(path), maxBytes);
+        });
 }
 
 void ApiRouter::getEvents(const Exchange& exchange) {

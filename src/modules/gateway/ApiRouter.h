@@ -10,18 +10,20 @@ class Door;
 class EventFeed;
 class PageFiles;
 
+// How long and how large an answer may be; docs/http-api.md names the keys.
+struct AnswerLimits {
+    int answerMs = 30000;
+    int answerBytes = 64 * 1024 * 1024;
+};
+
 // The table of resources: reads a request, sends it into the data model through the root, renders
 // what comes back. Owned by the worker, on its thread. Whatever a client sends is answered; nothing
 // here fails otherwise.
 class ApiRouter {
 public:
     ApiRouter(EventFeed* feed, const PageFiles* pages, const ArtworkFiles* artwork,
-              const Door* door, int answerTimeoutMs)
-        : m_feed(feed),
-          m_pages(pages),
-          m_artwork(artwork),
-          m_door(door),
-          m_answerTimeoutMs(answerTimeoutMs) {}
+              const Door* door, const AnswerLimits& limits)
+        : m_feed(feed), m_pages(pages), m_artwork(artwork), m_door(door), m_limits(limits) {}
 
     void handle(const std::shared_ptr<HttpExchange>& exchange);
 
@@ -50,5 +52,5 @@ private:
     const PageFiles* m_pages;
     const ArtworkFiles* m_artwork;
     const Door* m_door;
-    int m_answerTimeoutMs;
+    AnswerLimits m_limits;
 };

@@ -19,26 +19,25 @@ QByteArray typeOf(CMChange::Kind kind) {
     return "value";
 }
 
-QByteArray dataOf(const CMChange& change) {
-    JsonWriter json(64 + 8 * change.changes.size());
+void write(const CMChange& change, JsonWriter* writer) {
+    JsonWriter& json = *writer;
     json.beginObject();
-    json.member("path", true);
+    json.name(QStringLiteral("path"));
     json.value(change.path.toString());
     if (change.kind == CMChange::Kind::Value) {
-        json.member("value");
+        json.name(QStringLiteral("value"));
         json.value(change.newValue.toVariant());
-        json.member("oldValue");
+        json.name(QStringLiteral("oldValue"));
         json.value(change.oldValue.toVariant());
     } else {
-        json.member("changes");
+        json.name(QStringLiteral("changes"));
         json.value(QVariant(change.changes));
-        json.member("start");
+        json.name(QStringLiteral("start"));
         json.value(qint64(change.start));
-        json.member("count");
+        json.name(QStringLiteral("count"));
         json.value(qint64(change.count));
     }
     json.endObject();
-    return json.text();
 }
 
 } // namespace
@@ -70,7 +69,12 @@ void EventFeed::remove(EventStream* stream) {
 }
 
 void EventFeed::onChanged(const CMChange& change) {
-    m_history.append(typeOf(change.kind), dataOf(change));
+    JsonWriter json(m_history.maxBytes());
+    write(change, &json);
+    if (json.isFull())
+        m_history.skip();
+    else
+        m_history.append(typeOf(change.kind), json.text());
     wakeAll();
 }
 

@@ -27,3 +27,9 @@ void EventHistory::append(const QByteArray& type, const QByteArray& json) {
         ++m_firstId;
     }
 }
+
+void EventHistory::skip() {
+    m_firstId = lastId() + 2;
+    m_frames.clear();
+    m_bytes = 0;
+}

@@ -17,13 +17,15 @@ public:
 
     struct Limits {
         int events = 4096;
-        qint64 bytes = 4 * 1024 * 1024;
+        int bytes = 4 * 1024 * 1024;
     };
 
     explicit EventHistory(const Limits& limits);
     EventHistory(const Limits& limits, quint64 base);
 
     void append(const QByteArray& type, const QByteArray& json);
+    // An event that is larger than all there is room for: its readers read everything again.
+    void skip();
 
     // The id of the newest event; before the first one the base.
     quint64 lastId() const { return m_firstId + m_frames.size() - 1; }
@@ -32,6 +34,7 @@ public:
     // The event after `id`, as it goes over the wire. `id` is reached and not the last one.
     const QByteArray& frameAfter(quint64 id) const { return m_frames[id + 1 - m_firstId]; }
     qint64 bytes() const { return m_bytes; }
+    int maxBytes() const { return m_limits.bytes; }
 
 private:
     Limits m_limits;

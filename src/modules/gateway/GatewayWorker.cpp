@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr int DefaultAnswerTimeoutMs = 30000;
 constexpr int DefaultCommentMs = 15000;
 
 log4cplus::Logger& logger() {
@@ -43,6 +42,13 @@ HttpLimits httpLimits(const QHash<QString, QVariant>& config) {
     HttpLimits limits;
     for (const LimitRow& row : LimitRows)
         limits.*row.member = positive(config, row.key, limits.*row.member);
+    return limits;
+}
+
+AnswerLimits answerLimits(const QHash<QString, QVariant>& config) {
+    AnswerLimits limits;
+    limits.answerMs = positive(config, "gateway/answerTimeoutMs", limits.answerMs);
+    limits.answerBytes = positive(config, "gateway/maxAnswerBytes", limits.answerBytes);
     return limits;
 }
 
@@ -84,8 +90,7 @@ GatewayWorker::GatewayWorker(const QHash<QString, QVariant>& config)
       m_pages(config.value(QStringLiteral("gateway/webRoot")).toString()),
       m_artwork(config.value(QStringLiteral("musicDir")).toString()),
       m_door(makeDoor(config, &m_failure)),
-      m_router(&m_feed, &m_pages, &m_artwork, &m_door,
-               positive(config, "gateway/answerTimeoutMs", DefaultAnswerTimeoutMs)),
+      m_router(&m_feed, &m_pages, &m_artwork, &m_door, answerLimits(config)),
       m_server(
           httpLimits(config),
           [this](const HttpRequest& request) { return m_door.refusal(request); },

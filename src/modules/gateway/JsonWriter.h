@@ -1,36 +1,54 @@
 #pragma once
 
+#include <rapidjson/writer.h>
+
 #include <QByteArray>
 #include <QVariant>
 
-// Writes records as JSON straight into one byte array: hashes with their keys in order, so that the
-// same record always gives the same text; translatable texts as their translation; paths as their
-// text; whole numbers as whole numbers. What has no JSON form is null. A value on the caller's
-// stack; never fails.
+#include "JsonBuffer.h"
+
+// The texts of Qt as RapidJSON reads them. Half a pair of surrogates is no character: the
+// replacement character stands in its place.
+struct QtTextEncoding : rapidjson::UTF16<ushort> {
+    template <typename InputStream>
+    static bool Decode(InputStream& text, unsigned* codepoint) {
+        const ushort unit = text.Take();
+        if (!QChar::isSurrogate(unit))
+            *codepoint = unit;
+        else if (QChar::isHighSurrogate(unit) && QChar::isLowSurrogate(text.Peek()))
+            *codepoint = QChar::surrogateToUcs4(unit, text.Take());
+        else
+            *codepoint = QChar::ReplacementCharacter;
+        return true;
+    }
+};
+
+// Writes one record as JSON: hashes with their keys in order, so that the same record always gives
+// the same text; translatable texts as their translation; paths as their text; whole numbers as
+// whole numbers. What has no JSON form is null. A value on the caller's stack; what is longer than
+// the limit is not made whole and leaves it full.
 class JsonWriter {
 public:
-    explicit JsonWriter(int expectedSize = 0) : m_out(expectedSize, Qt::Uninitialized) {}
+    static constexpr int DefaultMaxBytes = 64 * 1024 * 1024;
 
-    // What was written so far.
-    QByteArray text();
+    explicit JsonWriter(int maxBytes = DefaultMaxBytes) : m_buffer(maxBytes), m_json(m_buffer) {}
+    JsonWriter(const JsonWriter&) = delete;
+    JsonWriter& operator=(const JsonWriter&) = delete;
 
-    void beginObject() { raw('{'); }
-    // `name` is plain ASCII without anything to escape.
-    void member(const char* name, bool first = false);
-    void member(const QString& name, bool first = false);
-    void endObject() { raw('}'); }
-    void raw(char c) {
-        *room(1) = c;
-        ++m_size;
-    }
-    void raw(const char* text) { raw(text, int(qstrlen(text))); }
-    void raw(const QByteArray& text) { raw(text.constData(), text.size()); }
-
+    void beginObject() { m_json.StartObject(); }
+    void name(const QString& name) { value(name); }
+    void endObject() { m_json.EndObject(); }
+    void beginList() { m_json.StartArray(); }
+    void endList() { m_json.EndArray(); }
+    void null() { m_json.Null(); }
     void value(const QVariant& value);
     void value(const QString& text);
-    void value(qint64 number);
+    void value(qint64 number) { m_json.Int64(number); }
 
-    static QByteArray quoted(const QString& text);
+    // More than the limit was written. What comes now costs next to nothing.
+    bool isFull() const { return m_buffer.isFull(); }
+    // What was written, nothing when that was too much. Ends the writing.
+    QByteArray text() { return m_buffer.take(); }
 
 private:
     void value(double number);
@@ -39,16 +57,7 @@ private:
     template <typename List>
     void list(const List& list);
 
-    void raw(const char* text, int size);
-    // Where `count` more bytes can be written; good until the next call.
-    char* room(int count) {
-        if (m_out.size() - m_size < count)
-            grow(count);
-        return m_out.data() + m_size;
-    }
-    void grow(int count);
-
-    QByteArray m_out; // all its bytes are room, the first `m_size` of them written
-    int m_size = 0;
+    JsonBuffer m_buffer;
+    rapidjson::Writer<JsonBuffer, QtTextEncoding> m_json;
     int m_depth = 0;
 };

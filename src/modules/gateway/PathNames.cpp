@@ -45,12 +45,10 @@ constexpr Table (*Tables[])() = {playListPaths, playerPaths, valuePaths, callNam
 QByteArray render() {
     JsonWriter json;
     json.beginObject();
-    bool first = true;
     for (const auto& table : Tables) {
         for (const NamedPath& row : table()) {
-            json.member(row.function, first);
+            json.name(QString::fromLatin1(row.function));
             json.value(row.path);
-            first = false;
         }
     }
     json.endObject();

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 namespace {
-EventHistory::Limits limits(int events, qint64 bytes) {
+EventHistory::Limits limits(int events, int bytes) {
     EventHistory::Limits result;
     result.events = events;
     result.bytes = bytes;
@@ -64,4 +64,17 @@ TEST(EventHistory, twoRunsHaveDifferentIdsThatAreWholeInADouble) {
     EXPECT_NE(one.lastId(), two.lastId());
     EXPECT_LT(one.lastId(), quint64(1) << 53);
     EXPECT_FALSE(two.reaches(one.lastId()));
+}
+
+TEST(EventHistory, anEventThatIsSkippedLeavesNothingToGoOnFrom) {
+    EventHistory history(limits(1000, 200), 0);
+    history.append("rows", "small");
+    history.append("rows", "small");
+    history.skip();
+    EXPECT_EQ(history.bytes(), 0);
+    EXPECT_EQ(history.lastId(), 3u);
+    EXPECT_FALSE(history.reaches(2));
+    EXPECT_TRUE(history.reaches(3));
+    history.append("rows", "next");
+    EXPECT_EQ(history.frameAfter(3), "id: 4\nevent: rows\ndata: next\n\n");
 }

@@ -154,6 +154,22 @@ TEST_F(GatewayEvents, whereTheHistoryNoLongerReachesTheReaderIsToldToReadAgain) 
         again.until("\"+77\"").contains("id: " + QByteArray::number(first + 9) + "\nevent: rows"));
 }
 
+TEST_F(GatewayEvents, anEventLargerThanTheHistoryMeansReadAgain) {
+    Reader reader(port());
+    change(1);
+    const quint64 first = idsOf(reader.until("\"+1\"")).value(0);
+    // A text that is shared a thousand times: 100 MiB as an event.
+    QStringList large;
+    for (int i = 0; i < 1000; ++i)
+        large.append(i == 0 ? QString(100 * 1024, QLatin1Char('x')) : large.first());
+    events().rowsChanged(CMPath(QStringLiteral("test:list")), large, 0, -1);
+    const QByteArray text = reader.until("event: resync\ndata: {}\n\n");
+    EXPECT_EQ(idsOf(text), (QList<quint64>{first, first + 1}));
+    EXPECT_LT(text.size(), 10000);
+    change(2);
+    EXPECT_TRUE(reader.until("\"+2\"").contains("id: " + QByteArray::number(first + 2)));
+}
+
 TEST_F(GatewayEvents, anIdOfAnotherRunOrNoneAtAllMeansReadAgain) {
     Reader reader(port());
     change(1);

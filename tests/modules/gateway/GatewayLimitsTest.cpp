@@ -80,6 +80,38 @@ TEST_F(GatewayLimits, theBodysLimitIsAKey) {
     EXPECT_EQ(answer.errorMessage(), "The body is larger than 100 bytes.");
 }
 
+TEST_F(GatewayLimits, anAnswerOfExactlyTheLimitComesAndALargerOneIsRefused) {
+    const QByteArray echo = R"({"path":"test:echo","value":[")" + QByteArray(300, 'x') + "\"]}";
+    const QByteArray number = R"({"path":"test:number","value":")" + QByteArray(300, 'y') + "\"}";
+    const struct {
+        const char* method;
+        const char* target;
+        QByteArray body;
+    } requests[] = {
+        {"PUT", "/api/value", number},
+        {"GET", "/api/value?path=test:number", {}},
+        {"GET", "/api/rows?path=test:list", {}},
+        {"POST", "/api/data", echo},
+    };
+    for (const auto& request : requests) {
+        restart();
+        const QByteArray whole =
+            HttpClient(port()).send(request.method, request.target, request.body).body;
+        ASSERT_GT(whole.size(), 300) << request.target;
+        restart({{"gateway/maxAnswerBytes", whole.size()}});
+        EXPECT_EQ(HttpClient(port()).send(request.method, request.target, request.body).body,
+                  whole);
+        restart({{"gateway/maxAnswerBytes", whole.size() - 1}});
+        HttpClient http(port());
+        const HttpAnswer answer = http.send(request.method, request.target, request.body);
+        EXPECT_EQ(answer.status, 422) << request.target;
+        EXPECT_EQ(answer.body, R"({"error":{"name":"AnswerTooLarge","title":"Answer too large",)"
+                               R"("message":"Ask for fewer rows."}})");
+        // The connection goes on, and fewer rows are answered.
+        EXPECT_EQ(http.get("/api/rows?path=test:list&from=0&to=0&roles=title").status, 200);
+    }
+}
+
 TEST_F(GatewayLimits, theNumberOfEventStreamsIsAKey) {
     restart({{"gateway/maxEventStreams", 2}});
     HttpClient one(port());

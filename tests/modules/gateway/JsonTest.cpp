@@ -43,8 +43,7 @@ TEST(JsonWriter, everyKindOfValueHasItsForm) {
 }
 
 TEST(JsonWriter, textsAreEscapedAndBecomeUtf8) {
-    EXPECT_EQ(written(QStringLiteral("\"\\/\n\r\t\x01\x7f")),
-              "\"\\\"\\\\/\\n\\r\\t\\u0001\\u007f\"");
+    EXPECT_EQ(written(QStringLiteral("\"\\/\n\r\t\x01\x7f")), "\"\\\"\\\\/\\n\\r\\t\\u0001\x7f\"");
     EXPECT_EQ(written(QString::fromUtf8("aé€😀z")), QByteArray("\"aé€😀z\""));
     const QString loneHigh = QStringLiteral("a") + QChar(0xD83D);
     const QString loneLow = QChar(0xDE00) + QStringLiteral("b");
@@ -63,8 +62,8 @@ TEST(JsonWriter, noPlaceInATextIsLeftOut) {
         {"\"", "\\\""},
         {"\\", "\\\\"},
         {QChar(0), "\\u0000"},
-        {QChar(0x1f), "\\u001f"},
-        {QChar(0x7f), "\\u007f"},
+        {QChar(0x1f), "\\u001F"},
+        {QChar(0x7f), "\x7f"},
         {QChar(0x80), "\xC2\x80"},
         {QChar(0xffff), "\xEF\xBF\xBF"},
         {QString::fromUtf8("😀"), "😀"},
@@ -87,12 +86,48 @@ TEST(JsonWriter, noPlaceInATextIsLeftOut) {
     }
 }
 
-TEST(JsonWriter, whatWasWrittenCanBeReadBetweenTwoValues) {
-    JsonWriter json;
-    json.value(qint64(1));
-    EXPECT_EQ(json.text(), "1");
-    json.value(QStringLiteral("two"));
-    EXPECT_EQ(json.text(), "1\"two\"");
+TEST(JsonWriter, doublesAreAsShortAsTheyCanBe) {
+    EXPECT_EQ(written(1e300), "1e+300");
+    EXPECT_EQ(written(-2.5e-7), "-2.5e-07");
+    EXPECT_EQ(written(1.0 / 3), "0.3333333333333333");
+    EXPECT_EQ(written(9007199254740992.0), "9007199254740992");
+    EXPECT_EQ(written(18014398509481984.0), "18014398509481984");
+}
+
+TEST(JsonWriter, aTextOfExactlyTheLimitIsWhole) {
+    const QVariantHash record{{"a", QStringLiteral("x\n€")}, {"b", QVariantList{1, 2.5, true}}};
+    const QByteArray whole = written(record);
+    JsonWriter exact(whole.size());
+    exact.value(QVariant(record));
+    EXPECT_FALSE(exact.isFull());
+    EXPECT_EQ(exact.text(), whole);
+    for (int limit = 1; limit < whole.size(); ++limit) {
+        JsonWriter tooSmall(limit);
+        tooSmall.value(QVariant(record));
+        EXPECT_TRUE(tooSmall.isFull()) << limit;
+        EXPECT_EQ(tooSmall.text(), QByteArray()) << limit;
+    }
+}
+
+// Shared texts cost nothing until they are written: 40 TiB here.
+TEST(JsonWriter, whatIsFarAboveTheLimitIsNotMade) {
+    const QVariant text = QString(1 << 20, QLatin1Char('x'));
+    QVariantList list;
+    list.reserve(6400);
+    for (int i = 0; i < 6400; ++i)
+        list.append(text);
+    QVariantHash hash;
+    QVariantMap map;
+    for (int i = 0; i < 6400; ++i) {
+        hash.insert(QString::number(i), list);
+        map.insert(QString::number(i), list);
+    }
+    for (const QVariant& record : {QVariant(hash), QVariant(map), QVariant(QVariantList{hash})}) {
+        JsonWriter json(3 << 20);
+        json.value(record);
+        EXPECT_TRUE(json.isFull());
+        EXPECT_EQ(json.text(), QByteArray());
+    }
 }
 
 TEST(JsonWriter, theMembersOfARecordStandInTheOrderOfTheirNames) {
