@@ -23,6 +23,13 @@ CMPath playLogicPath(const OrvoPlayLogicPlayArgs& args) {
                                  : ofContainer;
 }
 
+// What a client names as a play logic may be any path; a request to play that went to one of the
+// player's own would come back for ever.
+bool isPlayLogic(const CMPath& path) {
+    auto* worker = qobject_cast<CMNodesWorker*>(CMRoot()->worker(path.prefix()));
+    return worker && qobject_cast<StreamerPlayLogic*>(worker->nodes()->find(path));
+}
+
 CMError invalid(const char* text) {
     return CMError(CMError::InvalidValue(), TrString("Player", text), CMError::DefaultTitle());
 }
@@ -297,7 +304,7 @@ void PlayerTransport::playContainer(const CMSetDataRequest& request) {
     post([this, request] {
         OrvoPlayLogicPlayArgs args(request.value());
         const CMPath path = playLogicPath(args);
-        if (path.isEmpty()) {
+        if (path.isEmpty() || !isPlayLogic(path)) {
             request.reply().setError(invalid("There is no play logic for this."));
             return;
         }

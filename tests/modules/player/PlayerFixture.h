@@ -40,8 +40,11 @@ protected:
         return reply;
     }
     static OrvoRoles container(const TestPlayLogic& playLogic) {
+        return containerOf(playLogic.path());
+    }
+    static OrvoRoles containerOf(const CMPath& playLogicPath) {
         OrvoMetaData meta;
-        meta.setPlayLogicPath(playLogic.path());
+        meta.setPlayLogicPath(playLogicPath);
         OrvoMediaData media;
         media.setMetaData(meta);
         OrvoRoles roles;

@@ -80,18 +80,25 @@ TEST_F(PlayerTransportTest, wrongArgumentsAreRefusedAndChangeNothing) {
     EXPECT_EQ(logic.calls, (QStringList{"play", "started:>t0", "prepare"}));
 }
 
-TEST_F(PlayerTransportTest, aContainerWithoutAPlayLogicIsRefused) {
-    OrvoRoles nowhere = container(logic);
-    OrvoMediaData media;
-    OrvoMetaData meta;
-    meta.setPlayLogicPath(CMPath(QStringLiteral("source:nobody")));
-    media.setMetaData(meta);
-    nowhere.setMediaData(media);
-    const auto reply =
-        PlayLogicInterface::playerInstance()->playContainer(nowhere, {}, 0, 0, false);
-    ASSERT_TRUE(waitUntil([&] { return reply.isFinished(); }));
-    EXPECT_EQ(reply.error().name(), CMError::NoSuchNode());
-    EXPECT_EQ(state(), "stopped");
+TEST_F(PlayerTransportTest, aPlayLogicThatIsNoneIsRefusedAndWhatPlaysGoesOn) {
+    logic.setTracks({sound("a.wav", 100), sound("b.wav", 100)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForCall(logic, "prepare"));
+    CMNode plain(CMPath(QStringLiteral("source:plain")));
+    plain.setNodes(source.nodes());
+    for (const char* path : {"player:playContainer", "player:next", "player:stop", "player:state",
+                             "source:plain", "source:nobody", "nowhere:at/all"}) {
+        const auto reply =
+            done(OrvoPlayerPlayContainerPath(),
+                 {{"mediaRoles", containerOf(CMPath(QString::fromLatin1(path))).toHash()}});
+        EXPECT_EQ(reply.error().name(), CMError::InvalidValue()) << path;
+        EXPECT_EQ(reply.error().message().toString(), "There is no play logic for this.") << path;
+    }
+    EXPECT_EQ(state(), "paused");
+    done(OrvoPlayerResumePath());
+    ASSERT_TRUE(waitForCall(logic, "resume"));
+    EXPECT_TRUE(logic.calls.contains("started:t0>t1")) << "what was announced still holds";
+    EXPECT_FALSE(logic.calls.contains("stop"));
 }
 
 TEST_F(PlayerTransportTest, theTracksOwnPlayLogicServesWhereTheContainerNamesNone) {
@@ -248,13 +255,9 @@ TEST_F(PlayerTransportTest, aRefusedPlayRequestLeavesTheOtherPlayLogicAlone) {
     StreamerPlayLogic unable(source.nodes(), CMPath(QStringLiteral("source:unable")));
     play(logic, 0, 0, true);
     ASSERT_TRUE(waitForCall(logic, "prepare"));
-    OrvoRoles roles = container(logic);
-    OrvoMetaData meta;
-    meta.setPlayLogicPath(unable.path());
-    OrvoMediaData media;
-    media.setMetaData(meta);
-    roles.setMediaData(media);
-    EXPECT_TRUE(done(OrvoPlayerPlayContainerPath(), {{"mediaRoles", roles.toHash()}}).isError());
+    EXPECT_TRUE(
+        done(OrvoPlayerPlayContainerPath(), {{"mediaRoles", containerOf(unable.path()).toHash()}})
+            .isError());
     done(OrvoPlayerResumePath());
     ASSERT_TRUE(waitForCall(logic, "resume"));
     EXPECT_TRUE(logic.calls.contains("started:t0>t1"));
