@@ -54,11 +54,8 @@ std::shared_ptr<HttpExchange> ExchangeProbe::read(const QByteArray& text) {
         take(line, "Sec-Fetch-Dest: ", &request.fetchDest);
         if (line.startsWith("Origin: "))
             request.origins.append(line.mid(8));
-        if (line == "Too-Large")
-            request.bodyTooLarge = true;
     }
-    if (!request.bodyTooLarge)
-        request.body = rest;
+    request.body = rest;
     return exchange;
 }
 

@@ -21,6 +21,7 @@ constexpr Row Rows[] = {
     {ApiError::Kind::AnswerTooLarge, 422, "AnswerTooLarge", "Answer too large"},
     {ApiError::Kind::HeadersTooLarge, 431, "HeadersTooLarge", "Request head too large"},
     {ApiError::Kind::TooManyReaders, 503, "TooManyReaders", "Too many readers"},
+    {ApiError::Kind::TooManyBodies, 503, "TooManyBodies", "Too many requests"},
     {ApiError::Kind::Timeout, 504, "Timeout", "No answer"},
 };
 

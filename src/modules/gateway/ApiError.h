@@ -17,6 +17,7 @@ enum class Kind {
     AnswerTooLarge,
     HeadersTooLarge,
     TooManyReaders,
+    TooManyBodies,
     Timeout
 };
 

@@ -1,5 +1,7 @@
 #include "ApiRouter.h"
 
+#include <limits>
+
 #include <QSet>
 
 #include "ApiError.h"
@@ -20,6 +22,9 @@ constexpr int MaxWatched = 16;
 // How many roles a row can be asked for: there are about a dozen, and every row has a place for
 // each.
 constexpr int MaxRoles = 64;
+// Of a login's body; a token has at most 512 characters.
+constexpr int MaxLoginBytes = 4096;
+constexpr int AnySize = std::numeric_limits<int>::max();
 
 HttpResponse jsonResponse(const QByteArray& text) {
     return {200, "application/json", text, {{"Cache-Control", "no-store"}}};
@@ -144,27 +149,29 @@ bool isData(const QVariant& value) {
 
 const QVector<ApiRouter::Route>& ApiRouter::routes() {
     static const QVector<Route> table = {
-        {"GET", "/api/paths", &ApiRouter::getPaths, true},
-        {"GET", "/api/modules", &ApiRouter::getModules, true},
-        {"GET", "/api/rows", &ApiRouter::getRows, true},
-        {"POST", "/api/data", &ApiRouter::postData, false},
-        {"GET", "/api/value", &ApiRouter::getValue, true},
-        {"PUT", "/api/value", &ApiRouter::putValue, false},
-        {"GET", "/api/events", &ApiRouter::getEvents, false},
-        {"GET", "/api/artwork", &ApiRouter::getArtwork, true},
-        {"POST", Door::LoginPath, &ApiRouter::postLogin, false},
+        {"GET", "/api/paths", &ApiRouter::getPaths, true, 0},
+        {"GET", "/api/modules", &ApiRouter::getModules, true, 0},
+        {"GET", "/api/rows", &ApiRouter::getRows, true, 0},
+        {"POST", "/api/data", &ApiRouter::postData, false, AnySize},
+        {"GET", "/api/value", &ApiRouter::getValue, true, 0},
+        {"PUT", "/api/value", &ApiRouter::putValue, false, AnySize},
+        {"GET", "/api/events", &ApiRouter::getEvents, false, 0},
+        {"GET", "/api/artwork", &ApiRouter::getArtwork, true, 0},
+        {"POST", Door::LoginPath, &ApiRouter::postLogin, false, MaxLoginBytes},
     };
     return table;
 }
 
+int ApiRouter::maxBody(const HttpRequest& request) {
+    for (const Route& route : routes()) {
+        if (request.method == route.method && request.path == QLatin1String(route.path))
+            return route.maxBody;
+    }
+    return 0;
+}
+
 void ApiRouter::handle(const Exchange& exchange) {
     const HttpRequest& request = exchange->request();
-    if (request.bodyTooLarge) {
-        exchange->respond(ApiError::response(
-            ApiError::Kind::TooLarge,
-            QStringLiteral("The body is larger than %1 bytes.").arg(exchange->maxBody())));
-        return;
-    }
     if (request.illegalText) {
         exchange->respond(malformed(QStringLiteral("The address is no text in UTF-8.")));
         return;

@@ -25,6 +25,9 @@ public:
               const Door* door, const AnswerLimits& limits)
         : m_feed(feed), m_pages(pages), m_artwork(artwork), m_door(door), m_limits(limits) {}
 
+    // How large a request's body may be, for all that the router cares; 0 where none is taken.
+    static int maxBody(const HttpRequest& request);
+
     void handle(const std::shared_ptr<HttpExchange>& exchange);
 
 private:
@@ -34,6 +37,7 @@ private:
         const char* path;
         void (ApiRouter::*handler)(const Exchange&);
         bool answersHead; // like GET, without the body
+        int maxBody;      // of the request
     };
     static const QVector<Route>& routes();
 

@@ -34,6 +34,7 @@ constexpr LimitRow LimitRows[] = {
     {"gateway/maxHeadBytes", &HttpLimits::headBytes},
     {"gateway/maxHeaderFields", &HttpLimits::headerFields},
     {"gateway/maxBodyBytes", &HttpLimits::bodyBytes},
+    {"gateway/maxBodiesBytes", &HttpLimits::bodiesBytes},
     {"gateway/idleTimeoutMs", &HttpLimits::idleMs},
     {"gateway/requestTimeoutMs", &HttpLimits::requestMs},
 };
@@ -91,10 +92,14 @@ GatewayWorker::GatewayWorker(const QHash<QString, QVariant>& config)
       m_artwork(config.value(QStringLiteral("musicDir")).toString()),
       m_door(makeDoor(config, &m_failure)),
       m_router(&m_feed, &m_pages, &m_artwork, &m_door, answerLimits(config)),
+      m_limits(httpLimits(config)),
       m_server(
-          httpLimits(config),
-          [this](const HttpRequest& request) { return m_door.refusal(request); },
+          m_limits, [this](const HttpRequest& request) { return admit(request); },
           [this](const std::shared_ptr<HttpExchange>& exchange) { m_router.handle(exchange); }) {}
+
+HttpServer::Admission GatewayWorker::admit(const HttpRequest& request) const {
+    return {m_door.refusal(request), qMin(ApiRouter::maxBody(request), m_limits.bodyBytes)};
+}
 
 QString GatewayWorker::text(const char* key) const {
     return config().value(QString::fromLatin1(key)).toString();

@@ -40,6 +40,7 @@ public:
 private:
     bool fail(const QString& reason);
     QString text(const char* key) const;
+    HttpServer::Admission admit(const HttpRequest& request) const;
 
     // The server carries the streams that the feed knows, so it goes first.
     EventFeed m_feed;
@@ -48,5 +49,6 @@ private:
     QString m_failure; // of the token file, while there is no door
     Door m_door;
     ApiRouter m_router;
+    HttpLimits m_limits;
     HttpServer m_server;
 };

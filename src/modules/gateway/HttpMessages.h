@@ -32,8 +32,6 @@ struct HttpRequest {
     bool headIsUnclear = false;
     // More header fields, or more bytes of them and the request line, than the server takes.
     bool headTooLarge = false;
-    // More than the server's limit arrived; `body` is empty then.
-    bool bodyTooLarge = false;
 
     // Everything else is a file of the page.
     bool isForApi() const { return path.startsWith(QLatin1String("/api/")); }

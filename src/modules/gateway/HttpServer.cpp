@@ -7,6 +7,7 @@
 
 #include <QTextCodec>
 
+#include "ApiError.h"
 #include "CMLog.h"
 #include "ListenSocket.h"
 
@@ -19,7 +20,7 @@ constexpr unsigned SpareConnections = 8;
 constexpr size_t SpareMemory = 32 * 1024;
 // Of a library that has nothing to wait for.
 constexpr int LongestPauseMs = 120000;
-// What is read and thrown away of a body that is too large, so that its sender gets to read the
+// What is read and thrown away of a body that is not taken, so that its sender gets to read the
 // answer.
 constexpr qint64 MaxDiscarded = 64 * 1024 * 1024;
 constexpr size_t StreamBlock = 16 * 1024;
@@ -164,10 +165,13 @@ struct HttpServer::Callbacks {
         if (!*state) {
             *state = new Handle(begin(server, connection, url, method, version));
             HttpExchange& exchange = **static_cast<Handle*>(*state);
-            // Where its body would end is as unclear as the head.
-            if (exchange.m_request.headIsUnclear)
-                return refuseAtOnce(connection, exchange);
-            return refuseAnnouncedBody(server, connection, exchange);
+            // Where its body would end is as unclear as the head; a client that asks before it
+            // sends gets its answer before it sends.
+            const bool atOnce = exchange.m_request.headIsUnclear || asksBeforeSending(connection);
+            if (!exchange.m_refusal || !atOnce)
+                return MHD_YES;
+            exchange.respond(std::move(*exchange.m_refusal));
+            return queue(connection, exchange);
         }
         const Handle& exchange = *static_cast<Handle*>(*state);
         if (*size > 0)
@@ -192,6 +196,7 @@ struct HttpServer::Callbacks {
         HttpExchange& exchange = **handle;
         HttpServer* server = exchange.m_server;
         server->m_connections.wait(exchange.m_about);
+        server->dropBody(exchange);
         exchange.m_connection = nullptr;
         exchange.m_about = nullptr;
         exchange.m_server = nullptr;
@@ -206,7 +211,6 @@ struct HttpServer::Callbacks {
         exchange->m_connection = connection;
         exchange->m_server = server;
         exchange->m_about = aboutOf(connection);
-        exchange->m_maxBody = server->m_limits.bodyBytes;
         server->m_connections.arrive(exchange->m_about);
         HttpRequest& request = exchange->m_request;
         request.method = method;
@@ -226,42 +230,29 @@ struct HttpServer::Callbacks {
         check.end(head->header_size);
         request.headIsUnclear = !check.isPlain();
         exchange->m_closes = request.headIsUnclear || check.isChunked();
-        exchange->m_refusal = server->m_guard(request);
+        HttpServer::Admission admission = server->m_guard(request);
+        exchange->m_refusal = std::move(admission.refusal);
+        exchange->m_maxBody = admission.maxBody;
+        // The library has read it as a number; a body in chunks takes its room as it grows.
+        if (!exchange->m_refusal)
+            server->makeRoom(*exchange,
+                             headerValue(connection, MHD_HTTP_HEADER_CONTENT_LENGTH).toLongLong());
         server->m_open.insert(exchange.get(), exchange);
         return exchange;
     }
 
-    static MHD_Result refuseAtOnce(MHD_Connection* connection, HttpExchange& exchange) {
-        exchange.respond(std::move(*exchange.m_refusal));
-        return queue(connection, exchange);
-    }
-
-    // A client that asks before it sends gets its answer before it sends.
-    static MHD_Result refuseAnnouncedBody(HttpServer* server, MHD_Connection* connection,
-                                          HttpExchange& exchange) {
-        const bool asks =
-            headerValue(connection, MHD_HTTP_HEADER_EXPECT).toLower() == "100-continue";
-        if (!asks)
-            return MHD_YES;
-        if (exchange.m_refusal)
-            return refuseAtOnce(connection, exchange);
-        if (headerValue(connection, MHD_HTTP_HEADER_CONTENT_LENGTH).toLongLong() <=
-            exchange.m_maxBody)
-            return MHD_YES;
-        exchange.m_request.bodyTooLarge = true;
-        server->m_handler(exchange.shared_from_this());
-        return exchange.m_answered ? queue(connection, exchange) : MHD_NO;
+    static bool asksBeforeSending(MHD_Connection* connection) {
+        return headerValue(connection, MHD_HTTP_HEADER_EXPECT).toLower() == "100-continue";
     }
 
     static MHD_Result takeBody(HttpExchange& exchange, const char* data, size_t* size) {
         exchange.m_received += qint64(*size);
         if (exchange.m_received > MaxDiscarded)
             return MHD_NO;
-        if (exchange.m_received > exchange.m_maxBody) {
-            exchange.m_request.bodyTooLarge = true;
-            exchange.m_request.body = QByteArray();
-        } else if (!exchange.m_refusal) {
-            exchange.m_request.body.append(data, int(*size));
+        if (!exchange.m_refusal && exchange.m_server->makeRoom(exchange, exchange.m_received)) {
+            QByteArray& body = exchange.m_request.body;
+            body.reserve(int(exchange.m_room));
+            body.append(data, int(*size));
         }
         *size = 0;
         return MHD_YES;
@@ -417,7 +408,44 @@ void HttpServer::dispatchArrived() {
         const std::shared_ptr<HttpExchange> exchange = std::move(m_arrived.front());
         m_arrived.pop_front();
         m_handler(exchange);
+        dropBody(*exchange); // the handler has read it
     }
+}
+
+bool HttpServer::makeRoom(HttpExchange& exchange, qint64 size) {
+    using Kind = ApiError::Kind;
+    if (size <= exchange.m_room)
+        return true;
+    const HttpRequest& request = exchange.m_request;
+    const qint64 others = m_room - exchange.m_room;
+    // A single body always fits.
+    const qint64 space = others > 0 ? m_limits.bodiesBytes - others : exchange.m_maxBody;
+    if (exchange.m_maxBody == 0) {
+        exchange.m_refusal = ApiError::response(
+            Kind::TooLarge, QStringLiteral("%1 %2 takes no body.")
+                                .arg(QString::fromLatin1(request.method), request.path));
+    } else if (size > exchange.m_maxBody) {
+        exchange.m_refusal = ApiError::response(
+            Kind::TooLarge,
+            QStringLiteral("The body is larger than %1 bytes.").arg(exchange.m_maxBody));
+    } else if (size > space) {
+        exchange.m_refusal = ApiError::response(
+            Kind::TooManyBodies, QStringLiteral("Too much is being sent at the moment."));
+        exchange.m_refusal->headers.append({"Retry-After", QByteArray("1")});
+    } else {
+        // Twice what there was, where that fits: a body that grows is moved a few times only.
+        exchange.m_room = qMin(qMax(size, 2 * exchange.m_room), qMin(space, exchange.m_maxBody));
+        m_room = others + exchange.m_room;
+        return true;
+    }
+    dropBody(exchange);
+    return false;
+}
+
+void HttpServer::dropBody(HttpExchange& exchange) {
+    exchange.m_request.body = QByteArray();
+    m_room -= exchange.m_room;
+    exchange.m_room = 0;
 }
 
 void HttpServer::armTimer() {

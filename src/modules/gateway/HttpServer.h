@@ -23,6 +23,7 @@ struct HttpLimits {
     int headBytes = 32 * 1024; // the request line and the header fields
     int headerFields = 64;
     int bodyBytes = 8 * 1024 * 1024;
+    int bodiesBytes = 32 * 1024 * 1024; // of all requests that are under way together
     int idleMs = 120000;
     int requestMs = 60000;
 };
@@ -38,7 +39,6 @@ public:
     void respondStream(const QByteArray& contentType, std::unique_ptr<HttpBodySource> source);
     // The stream's source has something to read again.
     void wake();
-    qint64 maxBody() const { return m_maxBody; }
 
 private:
     friend class HttpServer;
@@ -47,7 +47,8 @@ private:
     HttpRequest m_request;
     qint64 m_received = 0;
     qint64 m_maxBody = 0;
-    std::optional<HttpResponse> m_refusal; // by the guard; the body is not kept then
+    qint64 m_room = 0;                     // what is held for the body, part of the server's sum
+    std::optional<HttpResponse> m_refusal; // nothing of the body is kept then
     std::optional<HttpResponse> m_response;
     std::unique_ptr<HttpBodySource> m_source;
     MHD_Connection* m_connection = nullptr; // null once the connection is gone
@@ -68,8 +69,12 @@ class HttpServer : public QObject {
     Q_OBJECT
 public:
     using Handler = std::function<void(const std::shared_ptr<HttpExchange>&)>;
-    // Looks at the head of a request; an answer keeps it from the handler.
-    using Guard = std::function<std::optional<HttpResponse>(const HttpRequest&)>;
+    struct Admission {
+        std::optional<HttpResponse> refusal; // keeps the request from the handler
+        int maxBody = 0;                     // how large its body may be
+    };
+    // Looks at the head of a request, before anything of its body is kept.
+    using Guard = std::function<Admission(const HttpRequest&)>;
 
     HttpServer(const HttpLimits& limits, Guard guard, Handler handler);
     ~HttpServer() override;
@@ -89,6 +94,9 @@ private:
     void dispatchArrived();
     void armTimer();
     void resume(HttpExchange& exchange);
+    // Holds room for a body of that size. Where there is none the exchange gets its refusal.
+    bool makeRoom(HttpExchange& exchange, qint64 size);
+    void dropBody(HttpExchange& exchange);
 
     HttpLimits m_limits;
     Guard m_guard;
@@ -100,6 +108,7 @@ private:
     QTimer m_timer;
     std::deque<std::shared_ptr<HttpExchange>> m_arrived;
     QHash<HttpExchange*, std::shared_ptr<HttpExchange>> m_open;
+    qint64 m_room = 0; // of all bodies under way
     bool m_inLibrary = false;
     bool m_resumed = false;
 };

@@ -84,7 +84,7 @@ TEST_F(GatewayArtwork, onlyFileUrlsOfThisDeviceNameAPicture) {
         EXPECT_EQ(ask(uri).status, 404) << uri.toStdString();
     HttpClient http(port());
     EXPECT_EQ(http.get("/api/artwork").status, 400);
-    EXPECT_EQ(http.post("/api/artwork?uri=x", "{}").status, 405);
+    EXPECT_EQ(http.post("/api/artwork?uri=x", {}).status, 405);
 }
 
 TEST_F(GatewayArtwork, withoutAMusicFolderThereAreNoPictures) {

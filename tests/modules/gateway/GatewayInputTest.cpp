@@ -90,7 +90,7 @@ const Input Inputs[] = {
     {"an unknown resource", "GET", "/api/nothing", "", 404, "NoSuchResource"},
     {"a resource with a slash too many", "GET", "/api/rows/?path=test:list", "", 404,
      "NoSuchResource"},
-    {"an unknown resource to write", "POST", "/nothing", "{}", 404, "NoSuchResource"},
+    {"an unknown resource to write", "POST", "/nothing", "", 404, "NoSuchResource"},
 };
 
 } // namespace

@@ -56,7 +56,7 @@ TEST_F(GatewayPage, aFileThatTheClientHoldsIsNotSentAgain) {
 
 TEST_F(GatewayPage, aFileIsOnlyRead) {
     HttpClient http(port());
-    const HttpAnswer answer = http.put("/index.html", "x");
+    const HttpAnswer answer = http.put("/index.html", {});
     EXPECT_EQ(answer.status, 405);
     EXPECT_EQ(answer.headers.value("allow"), "GET, HEAD");
     EXPECT_EQ(http.get("/index.html").body, "<p>page</p>");
