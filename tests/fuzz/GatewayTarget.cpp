@@ -67,7 +67,7 @@ void Fuzz::gateway(const QByteArray& text) {
         const ArtworkFiles artwork(world.musicFolder());
         // With a token for some inputs: the door is tried open and closed.
         const Door door({}, input.contains("Authorization: ") ? "secret-token" : QByteArray());
-        ApiRouter router(&feed, &pages, &artwork, &door, TimeoutMs);
+        ApiRouter router(&feed, &pages, &artwork, &door, {TimeoutMs});
 
         QVector<std::shared_ptr<HttpExchange>> exchanges;
         int at = 0;
