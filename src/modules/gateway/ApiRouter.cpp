@@ -9,8 +9,6 @@
 #include "CMRootWorker.h"
 #include "Door.h"
 #include "EventFeed.h"
-#include "JsonReader.h"
-#include "JsonWriter.h"
 #include "PageFiles.h"
 #include "PathNames.h"
 #include "PendingAnswer.h"
@@ -59,9 +57,10 @@ bool readQueryPath(const HttpRequest& request, CMPath* path, QString* reason) {
 }
 
 // The body of a writing request: {"path": P, "value": …}.
-bool readBody(const HttpRequest& request, CMPath* path, QVariant* value, QString* reason) {
+bool readBody(const HttpRequest& request, int maxValues, CMPath* path, QVariant* value,
+              QString* reason) {
     QVariantHash body;
-    if (!JsonReader::readObject(request.body, &body, reason))
+    if (!JsonReader::readObject(request.body, &body, reason, maxValues))
         return false;
     if (!readPath(body.value(QStringLiteral("path")), path, reason))
         return false;
@@ -257,7 +256,7 @@ void ApiRouter::postData(const Exchange& exchange) {
     CMPath path;
     QVariant value;
     QString reason;
-    if (!readBody(exchange->request(), &path, &value, &reason)) {
+    if (!readBody(exchange->request(), m_limits.bodyValues, &path, &value, &reason)) {
         exchange->respond(malformed(reason));
         return;
     }
@@ -297,7 +296,7 @@ void ApiRouter::putValue(const Exchange& exchange) {
     CMPath path;
     QVariant value;
     QString reason;
-    if (!readBody(exchange->request(), &path, &value, &reason)) {
+    if (!readBody(exchange->request(), m_limits.bodyValues, &path, &value, &reason)) {
         exchange->respond(malformed(reason));
         return;
     }
@@ -361,7 +360,7 @@ void ApiRouter::getArtwork(const Exchange& exchange) {
 void ApiRouter::postLogin(const Exchange& exchange) {
     QVariantHash body;
     QString reason;
-    if (!JsonReader::readObject(exchange->request().body, &body, &reason)) {
+    if (!JsonReader::readObject(exchange->request().body, &body, &reason, m_limits.bodyValues)) {
         exchange->respond(malformed(reason));
         return;
     }

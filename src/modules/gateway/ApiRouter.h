@@ -4,16 +4,19 @@
 
 #include "CMPath.h"
 #include "HttpServer.h"
+#include "JsonReader.h"
+#include "JsonWriter.h"
 
 class ArtworkFiles;
 class Door;
 class EventFeed;
 class PageFiles;
 
-// How long and how large an answer may be; docs/http-api.md names the keys.
-struct AnswerLimits {
+// How much one request costs at most; docs/http-api.md names the keys.
+struct ApiLimits {
     int answerMs = 30000;
-    int answerBytes = 64 * 1024 * 1024;
+    int answerBytes = JsonWriter::DefaultMaxBytes;
+    int bodyValues = JsonReader::DefaultMaxValues;
 };
 
 // The table of resources: reads a request, sends it into the data model through the root, renders
@@ -22,7 +25,7 @@ struct AnswerLimits {
 class ApiRouter {
 public:
     ApiRouter(EventFeed* feed, const PageFiles* pages, const ArtworkFiles* artwork,
-              const Door* door, const AnswerLimits& limits)
+              const Door* door, const ApiLimits& limits)
         : m_feed(feed), m_pages(pages), m_artwork(artwork), m_door(door), m_limits(limits) {}
 
     // How large a request's body may be, for all that the router cares; 0 where none is taken.
@@ -56,5 +59,5 @@ private:
     const PageFiles* m_pages;
     const ArtworkFiles* m_artwork;
     const Door* m_door;
-    AnswerLimits m_limits;
+    ApiLimits m_limits;
 };

@@ -46,10 +46,11 @@ HttpLimits httpLimits(const QHash<QString, QVariant>& config) {
     return limits;
 }
 
-AnswerLimits answerLimits(const QHash<QString, QVariant>& config) {
-    AnswerLimits limits;
+ApiLimits apiLimits(const QHash<QString, QVariant>& config) {
+    ApiLimits limits;
     limits.answerMs = positive(config, "gateway/answerTimeoutMs", limits.answerMs);
     limits.answerBytes = positive(config, "gateway/maxAnswerBytes", limits.answerBytes);
+    limits.bodyValues = positive(config, "gateway/maxBodyValues", limits.bodyValues);
     return limits;
 }
 
@@ -91,7 +92,7 @@ GatewayWorker::GatewayWorker(const QHash<QString, QVariant>& config)
       m_pages(config.value(QStringLiteral("gateway/webRoot")).toString()),
       m_artwork(config.value(QStringLiteral("musicDir")).toString()),
       m_door(makeDoor(config, &m_failure)),
-      m_router(&m_feed, &m_pages, &m_artwork, &m_door, answerLimits(config)),
+      m_router(&m_feed, &m_pages, &m_artwork, &m_door, apiLimits(config)),
       m_limits(httpLimits(config)),
       m_server(
           m_limits, [this](const HttpRequest& request) { return admit(request); },

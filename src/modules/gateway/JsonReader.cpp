@@ -1,66 +1,154 @@
 #include "JsonReader.h"
 
-#include <QJsonObject>
+#include <cmath>
+#include <limits>
+#include <rapidjson/encodedstream.h>
+#include <rapidjson/error/en.h>
+#include <rapidjson/memorystream.h>
+#include <rapidjson/reader.h>
+#include <vector>
 
-#include "CMJson.h"
+#include "QtTextEncoding.h"
 
 namespace {
 
-// Maps become hashes on the way. False when it goes too deep.
-bool convert(const QVariant& value, int depth, QVariant* result) {
-    if (depth > JsonReader::MaxDepth)
+// Makes the record from what the parser finds, in the form that the parser calls. Each function
+// returns whether to go on.
+class RecordBuilder {
+public:
+    explicit RecordBuilder(int maxValues) : m_maxValues(maxValues) {}
+
+    const QVariant& record() const { return m_record; }
+    // Why it did not go on.
+    const QString& refusal() const { return m_refusal; }
+
+    // NOLINTBEGIN(readability-identifier-naming)
+    bool Null() { return add({}); }
+    bool Bool(bool value) { return add(value); }
+    bool Int(int value) { return add(qint64(value)); }
+    bool Uint(unsigned value) { return add(qint64(value)); }
+    bool Int64(qint64 value) { return add(value); }
+    bool Uint64(quint64 value) {
+        return value > quint64(std::numeric_limits<qint64>::max()) ? add(double(value))
+                                                                   : add(qint64(value));
+    }
+    bool Double(double value) {
+        // A whole number is one however it is spelled.
+        constexpr double limit = 9223372036854775808.0; // 2^63
+        return std::trunc(value) == value && value >= -limit && value < limit ? add(qint64(value))
+                                                                              : add(value);
+    }
+    bool RawNumber(const ushort*, rapidjson::SizeType, bool) { return false; }
+    bool String(const ushort* units, rapidjson::SizeType size, bool) {
+        QString text;
+        return take(units, size, &text) && add(text);
+    }
+    bool Key(const ushort* units, rapidjson::SizeType size, bool) {
+        Level& level = m_open.back();
+        if (!take(units, size, &level.name))
+            return false;
+        if (level.object.contains(level.name))
+            return refuse(QStringLiteral("The body has a name twice in one object."));
+        if (level.object.size() == JsonReader::MaxNames)
+            return refuse(QStringLiteral("The body has an object with more than %1 names.")
+                              .arg(JsonReader::MaxNames));
+        return true;
+    }
+    bool StartObject() { return open(true); }
+    bool EndObject(rapidjson::SizeType) { return close(); }
+    bool StartArray() { return open(false); }
+    bool EndArray(rapidjson::SizeType) { return close(); }
+    // NOLINTEND(readability-identifier-naming)
+
+private:
+    struct Level {
+        bool isObject;
+        QVariantHash object;
+        QString name; // of the value that comes next
+        QVariantList list;
+    };
+
+    bool refuse(const QString& reason) {
+        m_refusal = reason;
         return false;
-    switch (static_cast<QMetaType::Type>(value.userType())) {
-    case QMetaType::QVariantMap: {
-        const auto& map = *static_cast<const QVariantMap*>(value.constData());
-        QVariantHash hash;
-        hash.reserve(map.size());
-        for (auto it = map.begin(); it != map.end(); ++it) {
-            if (!convert(it.value(), depth + 1, &hash[it.key()]))
-                return false;
-        }
-        *result = hash;
+    }
+
+    bool take(const ushort* units, rapidjson::SizeType size, QString* text) {
+        *text = QString(reinterpret_cast<const QChar*>(units), int(size));
+        return text->isValidUtf16() ||
+               refuse(QStringLiteral("The body has half a character in a text."));
+    }
+
+    bool add(const QVariant& value) {
+        if (++m_values > m_maxValues)
+            return refuse(QStringLiteral("The body has more than %1 values.").arg(m_maxValues));
+        put(value);
         return true;
     }
-    case QMetaType::QVariantList: {
-        QVariantList list = value.toList();
-        for (QVariant& element : list) {
-            const QVariant original = element;
-            if (!convert(original, depth + 1, &element))
-                return false;
-        }
-        *result = list;
+
+    bool open(bool isObject) {
+        if (m_open.size() == JsonReader::MaxDepth)
+            return refuse(QStringLiteral("The body is nested too deeply."));
+        if (++m_values > m_maxValues)
+            return refuse(QStringLiteral("The body has more than %1 values.").arg(m_maxValues));
+        m_open.push_back({isObject, {}, {}, {}});
         return true;
     }
-    case QMetaType::Nullptr:
-        *result = QVariant();
-        return true;
-    default:
-        *result = value;
+
+    bool close() {
+        const Level level = std::move(m_open.back());
+        m_open.pop_back();
+        put(level.isObject ? QVariant(level.object) : QVariant(level.list));
         return true;
     }
-}
+
+    void put(const QVariant& value) {
+        if (m_open.empty())
+            m_record = value;
+        else if (m_open.back().isObject)
+            m_open.back().object.insert(m_open.back().name, value);
+        else
+            m_open.back().list.append(value);
+    }
+
+    int m_maxValues;
+    int m_values = 0;
+    std::vector<Level> m_open; // the outermost first
+    QVariant m_record;
+    QString m_refusal;
+};
 
 } // namespace
 
-bool JsonReader::readObject(const QByteArray& text, QVariantHash* object, QString* reason) {
-    QJsonParseError error;
-    const QJsonDocument document = cmReadJson(text, &error);
-    if (error.error != QJsonParseError::NoError) {
-        *reason = QStringLiteral("The body is no JSON: %1 at byte %2.")
-                      .arg(error.errorString())
-                      .arg(error.offset);
+bool JsonReader::readObject(const QByteArray& text, QVariantHash* object, QString* reason,
+                            int maxValues) {
+    using Utf8 = rapidjson::UTF8<>;
+    rapidjson::MemoryStream bytes(text.constData(), std::size_t(text.size()));
+    rapidjson::EncodedInputStream<Utf8, rapidjson::MemoryStream> input(bytes);
+    rapidjson::GenericReader<Utf8, QtTextEncoding> parser;
+    RecordBuilder builder(maxValues);
+    const rapidjson::ParseResult result =
+        parser.Parse<rapidjson::kParseValidateEncodingFlag | rapidjson::kParseFullPrecisionFlag>(
+            input, builder);
+    if (result.Code() == rapidjson::kParseErrorTermination) {
+        *reason = builder.refusal();
         return false;
     }
-    if (!document.isObject()) {
+    if (result.IsError()) {
+        *reason = QStringLiteral("The body is no JSON at byte %1: %2")
+                      .arg(result.Offset())
+                      .arg(QString::fromLatin1(rapidjson::GetParseError_En(result.Code())));
+        return false;
+    }
+    // To the parser a zero is the end of the text, wherever it stands.
+    if (input.Tell() != std::size_t(text.size())) {
+        *reason = QStringLiteral("The body is no JSON at byte %1: A zero.").arg(input.Tell());
+        return false;
+    }
+    if (builder.record().userType() != QMetaType::QVariantHash) {
         *reason = QStringLiteral("The body must be a JSON object.");
         return false;
     }
-    QVariant value;
-    if (!convert(document.toVariant(), 1, &value)) {
-        *reason = QStringLiteral("The body is nested too deeply.");
-        return false;
-    }
-    *object = value.toHash();
+    *object = builder.record().toHash();
     return true;
 }

@@ -6,22 +6,7 @@
 #include <QVariant>
 
 #include "JsonBuffer.h"
-
-// The texts of Qt as RapidJSON reads them. Half a pair of surrogates is no character: the
-// replacement character stands in its place.
-struct QtTextEncoding : rapidjson::UTF16<ushort> {
-    template <typename InputStream>
-    static bool Decode(InputStream& text, unsigned* codepoint) {
-        const ushort unit = text.Take();
-        if (!QChar::isSurrogate(unit))
-            *codepoint = unit;
-        else if (QChar::isHighSurrogate(unit) && QChar::isLowSurrogate(text.Peek()))
-            *codepoint = QChar::surrogateToUcs4(unit, text.Take());
-        else
-            *codepoint = QChar::ReplacementCharacter;
-        return true;
-    }
-};
+#include "QtTextEncoding.h"
 
 // Writes one record as JSON: hashes with their keys in order, so that the same record always gives
 // the same text; translatable texts as their translation; paths as their text; whole numbers as

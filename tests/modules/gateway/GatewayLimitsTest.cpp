@@ -80,6 +80,20 @@ TEST_F(GatewayLimits, theBodysLimitIsAKey) {
     EXPECT_EQ(answer.errorMessage(), "The body is larger than 100 bytes.");
 }
 
+TEST_F(GatewayLimits, theNumberOfValuesInABodyIsAKey) {
+    restart({{"gateway/maxBodyValues", "5"}});
+    HttpClient http(port());
+    EXPECT_EQ(http.post("/api/data", R"({"path":"test:echo","value":[1,2]})").status, 200);
+    for (const auto& answer :
+         {http.post("/api/data", R"({"path":"test:echo","value":[1,2,3]})"),
+          http.put("/api/value", R"({"path":"test:number","value":[1,2,3]})")}) {
+        EXPECT_EQ(answer.status, 400);
+        EXPECT_EQ(answer.errorName(), "Malformed");
+        EXPECT_EQ(answer.errorMessage(), "The body has more than 5 values.");
+    }
+    EXPECT_EQ(m_module->writes(), 1);
+}
+
 TEST_F(GatewayLimits, anAnswerOfExactlyTheLimitComesAndALargerOneIsRefused) {
     const QByteArray echo = R"({"path":"test:echo","value":[")" + QByteArray(300, 'x') + "\"]}";
     const QByteArray number = R"({"path":"test:number","value":")" + QByteArray(300, 'y') + "\"}";

@@ -166,6 +166,122 @@ TEST(JsonReader, objectsBecomeHashesAndWholeNumbersStayWhole) {
     EXPECT_EQ(object.value("g"), QVariant(false));
 }
 
+namespace {
+
+// Why the text is refused, nothing when it is not.
+QString refusal(const QByteArray& text, int maxValues = JsonReader::DefaultMaxValues) {
+    QVariantHash object;
+    QString reason;
+    return JsonReader::readObject(text, &object, &reason, maxValues) ? QString() : reason;
+}
+
+QVariant firstOf(const QByteArray& list) {
+    QVariantHash object;
+    QString reason;
+    JsonReader::readObject("{\"a\":" + list + '}', &object, &reason);
+    return object.value("a").toList().value(0);
+}
+
+} // namespace
+
+TEST(JsonReader, numbersAreWholeWhereTheyCanBe) {
+    const struct {
+        const char* text;
+        QVariant value;
+    } rows[] = {
+        {"[0]", qint64(0)},
+        {"[-1]", qint64(-1)},
+        {"[-0.0]", qint64(0)},
+        {"[2147483648]", qint64(2147483648)},
+        {"[4294967296]", qint64(4294967296)},
+        {"[9223372036854775807]", std::numeric_limits<qint64>::max()},
+        {"[-9223372036854775808]", std::numeric_limits<qint64>::min()},
+        {"[-9223372036854775809]", std::numeric_limits<qint64>::min()},
+        {"[9223372036854775808]", 9223372036854775808.0},
+        {"[18446744073709551616]", 18446744073709551616.0},
+        {"[5.0]", qint64(5)},
+        {"[5e2]", qint64(500)},
+        {"[0.1]", 0.1},
+        {"[1e300]", 1e300},
+        {"[1.7976931348623157e308]", std::numeric_limits<double>::max()},
+    };
+    for (const auto& row : rows) {
+        const QVariant value = firstOf(row.text);
+        EXPECT_EQ(value.userType(), row.value.userType()) << row.text;
+        EXPECT_EQ(value, row.value) << row.text;
+    }
+}
+
+TEST(JsonReader, textsComeAsTheyWereMeant) {
+    EXPECT_EQ(firstOf(R"(["a\"\\\/\b\f\n\r\t\u0000\u20AC\ud83d\uDE00€😀"])").toString(),
+              QString::fromUtf8("a\"\\/\b\f\n\r\t") + QChar(0) + QString::fromUtf8("€😀€😀"));
+    QVariantHash object;
+    QString reason;
+    // A byte order mark in front is none of the text.
+    EXPECT_TRUE(JsonReader::readObject("\xEF\xBB\xBF {\"\":\"\"} ", &object, &reason));
+    EXPECT_EQ(object, QVariantHash({{"", ""}}));
+}
+
+TEST(JsonReader, theReasonOfARefusalSaysWhatIsWrong) {
+    const struct {
+        QByteArray text;
+        const char* reason;
+    } rows[] = {
+        {"", "The body is no JSON at byte 0: The document is empty."},
+        {R"({"a":})", "The body is no JSON at byte 5: Invalid value."},
+        {R"({"a":1)",
+         "The body is no JSON at byte 6: Missing a comma or '}' after an object member."},
+        {"{}{}", "The body is no JSON at byte 2: The document root must not be followed by other "
+                 "values."},
+        {"{\"a\":\"\xff\"}", "The body is no JSON at byte 6: Invalid encoding in string."},
+        {QByteArray("{}\0{}", 5), "The body is no JSON at byte 2: A zero."},
+        {R"({"a":1e999})", "The body is no JSON at byte 5: Number too big to be stored in double."},
+        {"[{}]", "The body must be a JSON object."},
+        {R"({"a":["\udc00"]})", "The body has half a character in a text."},
+        {R"({"\udc00":1})", "The body has half a character in a text."},
+        {R"({"a":{"b":1,"\u0062":2}})", "The body has a name twice in one object."},
+        {R"({"a":1,"b":{"a":1},"a":{}})", "The body has a name twice in one object."},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(refusal(row.text).toStdString(), row.reason) << row.text.toStdString();
+}
+
+TEST(JsonReader, whatIsNoUtf8IsRefused) {
+    for (const char* bytes :
+         {"\x80", "\xC3", "\xC0\xAF", "\xE0\x80\x80", "\xED\xA0\x80", "\xED\xB0\x80",
+          "\xF0\x80\x80\x80", "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\xE2\x82"}) {
+        EXPECT_FALSE(refusal(QByteArray("{\"a\":\"") + bytes + "\"}").isEmpty());
+        EXPECT_FALSE(refusal(QByteArray("{\"") + bytes + "\":1}").isEmpty());
+    }
+}
+
+TEST(JsonReader, asManyValuesAsTheLimitAreTaken) {
+    // The outermost object is one, and every list, object, text and number in it.
+    const struct {
+        QByteArray text;
+        int values;
+    } rows[] = {
+        {R"({"a":1})", 2},
+        {R"({"a":[[],[[]],{}]})", 6},
+        {R"({"a":{"b":null,"c":true,"d":"x"},"e":-1.5})", 6},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(refusal(row.text, row.values), QString());
+        EXPECT_EQ(refusal(row.text, row.values - 1).toStdString(),
+                  "The body has more than " + std::to_string(row.values - 1) + " values.");
+    }
+}
+
+TEST(JsonReader, anObjectHasOnlySoManyNames) {
+    QByteArray names;
+    for (int i = 0; i < JsonReader::MaxNames; ++i)
+        names += '"' + QByteArray::number(i) + "\":0,";
+    const QByteArray inner = "{\"a\":[{" + names;
+    EXPECT_EQ(refusal(inner.chopped(1) + "}]}"), QString());
+    EXPECT_EQ(refusal(inner + "\"x\":0}]}"),
+              QStringLiteral("The body has an object with more than 1000 names."));
+}
+
 TEST(JsonReader, whatIsNoObjectIsRefusedWithAReason) {
     for (const char* text :
          {"", "{", "[]", "1", "\"a\"", "null", "{}x", "{\"a\":}", "{\"a\":\"\xff\"}", "{'a':1}"}) {
