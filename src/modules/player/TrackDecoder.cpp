@@ -1,6 +1,7 @@
 #include "TrackDecoder.h"
 
 #include <cmath>
+#include <thread>
 
 #include <QFileInfo>
 #include <QUrl>
@@ -19,6 +20,19 @@ constexpr guint BuffersAhead = 32;
 std::mutex& handOver() {
     static std::mutex mutex;
     return mutex;
+}
+
+// A change of state that meets one of the pipeline's own threads at the wrong moment fails half way
+// and leaves elements running, so it is made again. False when it does not help.
+bool bringToRest(GstElement* pipeline) {
+    constexpr int Tries = 100;
+    constexpr std::chrono::milliseconds Pause{5};
+    for (int i = 0; i < Tries; ++i) {
+        if (gst_element_set_state(pipeline, GST_STATE_NULL) == GST_STATE_CHANGE_SUCCESS)
+            return true;
+        std::this_thread::sleep_for(Pause);
+    }
+    return false;
 }
 
 // Addresses come from strangers; others reach devices and open files of this process.
@@ -76,8 +90,15 @@ TrackDecoder::TrackDecoder(quint64 id, const QString& uri, std::optional<AudioFo
 
 TrackDecoder::~TrackDecoder() {
     // Ends GStreamer's threads for this item; no callback runs afterwards.
-    if (m_pipeline)
-        gst_element_set_state(m_pipeline.get(), GST_STATE_NULL);
+    if (m_pipeline && !bringToRest(m_pipeline.get())) {
+        // Ending elements that run would end the process.
+        LOG4CPLUS_ERROR(playerLog(), "a decoder does not come to rest and is kept");
+        GstAppSinkCallbacks none{};
+        gst_app_sink_set_callbacks(m_sink, &none, nullptr, nullptr);
+        const GstBusPtr bus(gst_element_get_bus(m_pipeline.get()));
+        gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
+        m_pipeline.release();
+    }
     const std::lock_guard lock(m_mutex);
 }
 
