@@ -10,11 +10,12 @@
 // What the engine's threads tell the worker's thread.
 struct EngineEvent {
     enum class Kind {
-        DecoderReady,  // its first sound is there
-        DecoderFailed, // before its first sound
-        SourceEnded,   // everything of it was handed to the output
-        SourceDrained, // … and was heard
-        SourceFailed,  // it broke off, and all before was heard
+        DecoderReady,      // its first sound is there
+        DecoderFailed,     // before its first sound
+        DecoderRedirected, // its server sends it on to the address in `text`
+        SourceEnded,       // everything of it was handed to the output
+        SourceDrained,     // … and was heard
+        SourceFailed,      // it broke off, and all before was heard
         OutputFailed
     };
     Kind kind;

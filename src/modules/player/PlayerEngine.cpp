@@ -1,8 +1,11 @@
 #include "PlayerEngine.h"
 
+#include "CMConnect.h"
 #include "PlayerLog.h"
 
 namespace {
+
+constexpr int WatchOpeningEveryMs = 100;
 
 void initializeGStreamer() {
     GError* raw = nullptr;
@@ -24,34 +27,63 @@ std::unique_ptr<AudioOutput> makeOutput(const QString& sink, EngineEvents& event
 
 } // namespace
 
-PlayerEngine::PlayerEngine(const QString& sink, QObject* parent)
-    : QObject(parent), m_events([this](const EngineEvent& event) { onEvent(event); }) {
+PlayerEngine::PlayerEngine(const QString& sink, const SourceRules& rules, QObject* parent)
+    : QObject(parent),
+      m_rules(rules),
+      m_events([this](const EngineEvent& event) { onEvent(event); }) {
     initializeGStreamer();
     m_feeder = std::make_unique<OutputFeeder>(makeOutput(sink, m_events), m_events);
+    m_watch.setInterval(WatchOpeningEveryMs);
+    cmConnect(&m_watch, &QTimer::timeout, this, &PlayerEngine::watchOpening);
 }
 
 PlayerEngine::~PlayerEngine() {
     stop();
 }
 
-std::shared_ptr<TrackDecoder> PlayerEngine::decode(const QString& uri) {
-    return std::make_shared<TrackDecoder>(++m_lastDecoder, uri, m_feeder->format(), m_events);
+PlayerEngine::Item PlayerEngine::open(Generation generation, const QString& uri) {
+    Item item;
+    item.generation = generation;
+    item.source = m_rules.source(uri);
+    item.deadline.setRemainingTime(item.source.timeoutMs);
+    decode(item);
+    return item;
+}
+
+void PlayerEngine::decode(Item& item) {
+    item.ready = false;
+    item.decoder =
+        std::make_shared<TrackDecoder>(++m_lastDecoder, item.source, m_feeder->format(), m_events);
+    m_watch.start();
+}
+
+void PlayerEngine::watchOpening() {
+    bool opening = false;
+    for (const Item* item : {&m_current, &m_next}) {
+        if (!item->decoder || item->ready || item->broken)
+            continue;
+        opening = true;
+        if (item->deadline.hasExpired())
+            item->decoder->giveUp("it does not begin in time");
+        else
+            item->decoder->lookForUnheardError();
+    }
+    if (!opening)
+        m_watch.stop();
 }
 
 void PlayerEngine::play(Generation generation, const QString& uri, qint64 startMs, bool paused) {
     stop();
     m_startMs = startMs;
     m_feeder->setPaused(paused);
-    m_current.generation = generation;
-    m_current.decoder = decode(uri);
+    m_current = open(generation, uri);
 }
 
 void PlayerEngine::setNext(Generation generation, const QString& uri) {
     m_next = {};
     if (m_current.generation == 0)
         return; // nothing for it to follow
-    m_next.generation = generation;
-    m_next.decoder = decode(uri);
+    m_next = open(generation, uri);
 }
 
 void PlayerEngine::clearNext() {
@@ -97,6 +129,7 @@ const QList<PlayerEngine::EventRow>& PlayerEngine::eventRows() {
     static const QList<EventRow> rows = {
         {Kind::DecoderReady, &PlayerEngine::onDecoderReady},
         {Kind::DecoderFailed, &PlayerEngine::onDecoderFailed},
+        {Kind::DecoderRedirected, &PlayerEngine::onDecoderRedirected},
         {Kind::SourceEnded, &PlayerEngine::onSourceEnded},
         {Kind::SourceDrained, &PlayerEngine::onSourceDrained},
         {Kind::SourceFailed, &PlayerEngine::onSourceFailed},
@@ -135,9 +168,19 @@ void PlayerEngine::matchNextFormat() {
     const std::optional<AudioFormat> format = m_feeder->format();
     if (!m_next.ready || !format || m_next.decoder->format() == *format)
         return;
-    const QString uri = m_next.decoder->uri();
-    m_next.ready = false;
-    m_next.decoder = decode(uri);
+    m_next.deadline.setRemainingTime(m_next.source.timeoutMs);
+    decode(m_next);
+}
+
+void PlayerEngine::onDecoderRedirected(const EngineEvent& event) {
+    for (Item* item : {&m_current, &m_next}) {
+        if (!item->decoder || item->decoder->id() != event.decoder)
+            continue;
+        item->source = m_rules.redirected(item->source.url, QString::fromStdString(event.text));
+        if (++item->redirects > SourceRules::MaxRedirects)
+            item->source.refusal = QStringLiteral("it is redirected too often");
+        decode(*item);
+    }
 }
 
 void PlayerEngine::onDecoderFailed(const EngineEvent& event) {

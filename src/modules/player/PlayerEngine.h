@@ -2,10 +2,13 @@
 
 #include <memory>
 
+#include <QDeadlineTimer>
 #include <QObject>
+#include <QTimer>
 
 #include "EngineEvents.h"
 #include "OutputFeeder.h"
+#include "SourceRules.h"
 
 // Makes items sound, one after the other and without a gap, and hides how. An item is known by the
 // number its user gives it (its generation, rising, never 0). At most one plays and one is next; a
@@ -28,7 +31,7 @@ public:
 
     // `sink`: see AudioOutput::make. One that cannot be had is logged as an error and replaced by
     // "auto".
-    explicit PlayerEngine(const QString& sink, QObject* parent = nullptr);
+    PlayerEngine(const QString& sink, const SourceRules& rules, QObject* parent = nullptr);
     ~PlayerEngine() override;
 
     void play(Generation generation, const QString& uri, qint64 startMs, bool paused);
@@ -48,12 +51,17 @@ Q_SIGNALS:
     void started(PlayerEngine::Generation generation);
     void ended(PlayerEngine::Generation generation);
     void finished(PlayerEngine::Generation generation);
-    // It could not be opened or broke off; everything before it was heard.
+    // It could not be opened, did not begin in time or broke off; everything before it was heard.
+    // The text is for the log alone.
     void failed(PlayerEngine::Generation generation, const QString& text);
 
 private:
     struct Item {
         Generation generation = 0;
+        SourceRules::Source source;
+        int redirects = 0;
+        // Until then it has begun.
+        QDeadlineTimer deadline;
         std::shared_ptr<TrackDecoder> decoder;
         bool ready = false;
         bool broken = false;
@@ -68,22 +76,27 @@ private:
     void onEvent(const EngineEvent& event);
     void onDecoderReady(const EngineEvent& event);
     void onDecoderFailed(const EngineEvent& event);
+    void onDecoderRedirected(const EngineEvent& event);
     void onSourceEnded(const EngineEvent& event);
     void onSourceDrained(const EngineEvent& event);
     void onSourceFailed(const EngineEvent& event);
     void onOutputFailed(const EngineEvent& event);
 
     bool isCurrent(const EngineEvent& event) const;
-    std::shared_ptr<TrackDecoder> decode(const QString& uri);
+    Item open(Generation generation, const QString& uri);
+    void decode(Item& item);
+    void watchOpening();
     void matchNextFormat();
     void tryHandOver();
     void finishCurrent();
 
+    const SourceRules m_rules;
     EngineEvents m_events;
     std::unique_ptr<OutputFeeder> m_feeder;
     quint64 m_lastDecoder = 0;
     Item m_current;
     Item m_next;
+    QTimer m_watch; // runs while something is opening
     qint64 m_startMs = 0;
     bool m_ended = false;   // everything of the current item was handed over
     bool m_drained = false; // … and was heard

@@ -62,8 +62,8 @@ bool isSupported(OrvoPlayerPlayMode::Enum mode, const OrvoPlayLogicPlayModesSupp
 
 } // namespace
 
-PlayerTransport::PlayerTransport(const QString& sink, QObject* parent)
-    : QObject(parent), m_engine(sink) {
+PlayerTransport::PlayerTransport(const QString& sink, const SourceRules& rules, QObject* parent)
+    : QObject(parent), m_engine(sink, rules) {
     cmConnect(&m_engine, &PlayerEngine::started, this, &PlayerTransport::onStarted);
     cmConnect(&m_engine, &PlayerEngine::ended, this, &PlayerTransport::onEnded);
     cmConnect(&m_engine, &PlayerEngine::finished, this, &PlayerTransport::onFinished);
@@ -293,7 +293,8 @@ void PlayerTransport::onFailed(PlayerEngine::Generation generation, const QStrin
     m_resuming = true;
     OrvoError error;
     error.setCode(QStringLiteral("CannotPlay"));
-    error.setMessage(TrString("Player", "%1 cannot be played: %2.", {title, text}).toString());
+    // Why stands in the log alone: it would tell strangers which files and ports there are.
+    error.setMessage(TrString("Player", "%1 cannot be played.", {title}).toString());
     m_logic->itemFailed(roles, error);
     Q_EMIT changed();
 }

@@ -19,7 +19,7 @@
 class PlayerTransport : public QObject, public PlayerCommands {
     Q_OBJECT
 public:
-    explicit PlayerTransport(const QString& sink, QObject* parent = nullptr);
+    PlayerTransport(const QString& sink, const SourceRules& rules, QObject* parent = nullptr);
     ~PlayerTransport() override;
 
     // The user's requests, at once or later answered through their replies.

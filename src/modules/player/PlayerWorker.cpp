@@ -84,7 +84,7 @@ const PlayerWorker::ValueRow* PlayerWorker::valueRow(const CMPath& path) {
 
 PlayerWorker::PlayerWorker(const QHash<QString, QVariant>& config)
     : CMNodesWorker(config, QStringLiteral("Player")),
-      m_transport(config.value(QStringLiteral("player/audioSink")).toString()),
+      m_transport(config.value(QStringLiteral("player/audioSink")).toString(), SourceRules(config)),
       m_position(m_transport, subscribe()) {
     takeVolume(OrvoValue(CMRoot()->getValue(OrvoPlayerSettingsVolumePath())));
     for (const ValueRow& row : valueRows())

@@ -12,7 +12,7 @@
 class PlayerWorker : public CMNodesWorker {
     Q_OBJECT
 public:
-    // Reads the key "player/audioSink" (auto, null or wav=FILE).
+    // Reads the key "player/audioSink" (auto, null or wav=FILE) and those of SourceRules.
     explicit PlayerWorker(const QHash<QString, QVariant>& config);
     ~PlayerWorker() override;
 

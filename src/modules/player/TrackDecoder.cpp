@@ -1,10 +1,9 @@
 #include "TrackDecoder.h"
 
+#include <array>
 #include <cmath>
+#include <cstring>
 #include <thread>
-
-#include <QFileInfo>
-#include <QUrl>
 
 #include "PlayerLog.h"
 
@@ -22,6 +21,15 @@ std::mutex& handOver() {
     return mutex;
 }
 
+// Plugging in a part takes milliseconds; what was not heard of its error by then never will be.
+constexpr std::chrono::milliseconds UnheardAfter{200};
+
+constexpr guint FirstRedirect = 300;
+constexpr guint LastRedirect = 399;
+
+// Kinds of elements that open what is named inside of a file.
+constexpr std::array<const char*, 2> KindsThatOpenMore = {"Adaptive", "Editing"};
+
 // A change of state that meets one of the pipeline's own threads at the wrong moment fails half way
 // and leaves elements running, so it is made again. False when it does not help.
 bool bringToRest(GstElement* pipeline) {
@@ -35,11 +43,11 @@ bool bringToRest(GstElement* pipeline) {
     return false;
 }
 
-// Addresses come from strangers; others reach devices and open files of this process.
-const QStringList& playableSchemes() {
-    static const QStringList schemes = {QStringLiteral("file"), QStringLiteral("http"),
-                                        QStringLiteral("https")};
-    return schemes;
+std::string errorText(GstMessage* message) {
+    GError* raw = nullptr;
+    gst_message_parse_error(message, &raw, nullptr);
+    const GErrorPtr error(raw);
+    return error ? error->message : "it cannot be decoded";
 }
 
 qint64 toFrames(GstClockTime time, int rate) {
@@ -71,21 +79,16 @@ Part belonging(GstBuffer* buffer, const GstSegment* segment, qint64 frames, int 
 }
 } // namespace
 
-TrackDecoder::TrackDecoder(quint64 id, const QString& uri, std::optional<AudioFormat> wanted,
-                           EngineEvents& events)
-    : m_id(id), m_uri(uri), m_events(events) {
-    const QUrl url(uri);
-    // Asked here, because opening a pipe or a folder would wait or fail with an unhelpful text.
-    if (uri.isEmpty() || !url.isValid() || url.scheme().isEmpty()) {
-        fail("there is no address to play");
-    } else if (!playableSchemes().contains(url.scheme())) {
-        fail("its kind of address is not played");
-    } else if (url.isLocalFile() && !QFileInfo(url.toLocalFile()).isFile()) {
-        fail("there is no such file");
-    } else {
-        build(wanted);
-        gst_element_set_state(m_pipeline.get(), GST_STATE_PLAYING);
+TrackDecoder::TrackDecoder(quint64 id, const SourceRules::Source& source,
+                           std::optional<AudioFormat> wanted, EngineEvents& events)
+    : m_id(id), m_source(source), m_events(events) {
+    if (!source.refusal.isEmpty()) {
+        fail(source.refusal.toStdString());
+        return;
     }
+    build(wanted);
+    if (gst_element_set_state(m_pipeline.get(), GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE)
+        fail("it cannot be opened"); // unless something told more already
 }
 
 TrackDecoder::~TrackDecoder() {
@@ -112,7 +115,7 @@ void TrackDecoder::build(const std::optional<AudioFormat>& wanted) {
     m_sink = GST_APP_SINK(sink);
 
     const GstCapsPtr decoded(gst_caps_from_string("audio/x-raw(ANY)"));
-    g_object_set(source, "uri", QUrl(m_uri).toEncoded().constData(), "caps", decoded.get(),
+    g_object_set(source, "uri", m_source.url.toEncoded().constData(), "caps", decoded.get(),
                  "expose-all-streams", FALSE, nullptr);
     // No dithering: the same file always gives the same samples.
     gst_util_set_object_arg(G_OBJECT(m_convert), "dithering", "none");
@@ -124,6 +127,9 @@ void TrackDecoder::build(const std::optional<AudioFormat>& wanted) {
 
     gst_bin_add_many(GST_BIN(m_pipeline.get()), source, m_convert, resample, sink, nullptr);
     gst_element_link_many(m_convert, resample, sink, nullptr);
+    g_signal_connect(m_pipeline.get(), "deep-element-added", G_CALLBACK(onElementAdded), this);
+    g_signal_connect(source, "source-setup", G_CALLBACK(onSourceSetup), this);
+    g_signal_connect(source, "autoplug-select", G_CALLBACK(onAutoplugSelect), this);
     g_signal_connect(source, "pad-added", G_CALLBACK(onPadAdded), this);
     g_signal_connect(source, "no-more-pads", G_CALLBACK(onNoMorePads), this);
     GstAppSinkCallbacks callbacks{};
@@ -152,6 +158,29 @@ void TrackDecoder::fail(const std::string& text) {
         return; // the feeder finds the error when it gets there
     m_reported = true;
     m_events.push({EngineEvent::Kind::DecoderFailed, m_id, 0, text});
+}
+
+void TrackDecoder::giveUp(const std::string& text) {
+    if (!isReported())
+        fail(text);
+}
+
+void TrackDecoder::lookForUnheardError() {
+    const std::string text = unheardError();
+    if (!text.empty())
+        giveUp(text);
+}
+
+// The error of a part that is still in use, empty when all is well.
+std::string TrackDecoder::unheardError() {
+    const std::lock_guard lock(m_mutex);
+    if (!m_partsError.from || std::chrono::steady_clock::now() - m_partsError.at < UnheardAfter)
+        return {};
+    // One that failed when it was tried was taken out again, for another one.
+    return gst_object_has_as_ancestor(GST_OBJECT(m_partsError.from.get()),
+                                      GST_OBJECT(m_pipeline.get()))
+               ? m_partsError.text
+               : std::string();
 }
 
 AudioFormat TrackDecoder::format() const {
@@ -184,14 +213,21 @@ bool TrackDecoder::seek(qint64 ms) {
 }
 
 TrackDecoder::Pulled TrackDecoder::pull(std::vector<char>& pcm) {
+    const auto begin = std::chrono::steady_clock::now();
     const bool over = gst_app_sink_is_eos(m_sink);
     const GstSamplePtr sample(gst_app_sink_try_pull_sample(m_sink, PullWait));
     if (!sample) {
-        const std::lock_guard lock(m_mutex);
-        if (!m_error.empty())
+        m_waited += std::chrono::steady_clock::now() - begin;
+        if (!over && m_waited > std::chrono::milliseconds(m_source.timeoutMs))
+            fail("it gives nothing more");
+        const std::string unheard = over ? std::string() : unheardError();
+        if (!unheard.empty())
+            fail(unheard);
+        if (!error().empty())
             return Pulled::Failed;
         return over ? Pulled::Ended : Pulled::NotYet;
     }
+    m_waited = {};
     GstBuffer* buffer = gst_sample_get_buffer(sample.get());
     const AudioFormat form = format();
     const gsize frameBytes = gsize(form.frameBytes());
@@ -214,6 +250,41 @@ TrackDecoder* TrackDecoder::entered(gpointer self) {
 GstPadPtr TrackDecoder::soundEntry() const {
     const std::lock_guard lock(m_mutex);
     return GstPadPtr(gst_element_get_static_pad(m_convert, "sink"));
+}
+
+void TrackDecoder::onElementAdded(GstBin*, GstBin*, GstElement* element, gpointer self) {
+    const GstElementFactory* factory = gst_element_get_factory(element);
+    if (!factory || std::strcmp(GST_OBJECT_NAME(factory), "decodebin") != 0)
+        return;
+    GstBin* bin = GST_BIN(element);
+    gst_bus_set_sync_handler(bin->child_bus, onPartsMessage,
+                             new Parts{static_cast<TrackDecoder*>(self), bin},
+                             [](gpointer data) { delete static_cast<Parts*>(data); });
+}
+
+void TrackDecoder::onSourceSetup(GstElement*, GstElement* source, gpointer self) {
+    TrackDecoder* decoder = entered(self);
+    if (decoder->m_source.url.isLocalFile())
+        return;
+    if (!g_object_class_find_property(G_OBJECT_GET_CLASS(source), "automatic-redirect")) {
+        decoder->fail("the HTTP source cannot be kept from following redirects");
+        return;
+    }
+    // Its own time is out a little later than ours.
+    g_object_set(source, "automatic-redirect", FALSE, "timeout",
+                 guint(decoder->m_source.timeoutMs / 1000 + 2), nullptr);
+}
+
+int TrackDecoder::onAutoplugSelect(GstElement*, GstPad*, GstCaps*, GstElementFactory* factory,
+                                   gpointer) {
+    constexpr int Try = 0;
+    constexpr int Skip = 2;
+    const char* kind = gst_element_factory_get_metadata(factory, GST_ELEMENT_METADATA_KLASS);
+    for (const char* word : KindsThatOpenMore) {
+        if (kind && std::strstr(kind, word))
+            return Skip;
+    }
+    return Try;
 }
 
 void TrackDecoder::onPadAdded(GstElement*, GstPad* pad, gpointer self) {
@@ -247,12 +318,50 @@ void TrackDecoder::onEos(GstAppSink*, gpointer self) {
 }
 
 GstBusSyncReply TrackDecoder::onMessage(GstBus*, GstMessage* message, gpointer self) {
-    if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
-        GError* raw = nullptr;
-        gst_message_parse_error(message, &raw, nullptr);
-        const GErrorPtr error(raw);
-        entered(self)->fail(error ? error->message : "it cannot be decoded");
-    }
+    if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR)
+        entered(self)->fail(errorText(message));
+    else if (gst_message_has_name(message, "http-headers"))
+        entered(self)->noteHeaders(gst_message_get_structure(message));
     gst_message_unref(message);
     return GST_BUS_DROP;
+}
+
+void TrackDecoder::noteHeaders(const GstStructure* headers) {
+    guint status = 0;
+    const GValue* fields = gst_structure_get_value(headers, "response-headers");
+    if (!gst_structure_get_uint(headers, "http-status-code", &status) || status < FirstRedirect ||
+        status > LastRedirect || !fields || !GST_VALUE_HOLDS_STRUCTURE(fields))
+        return;
+    const GstStructure* response = gst_value_get_structure(fields);
+    for (int i = 0; i < gst_structure_n_fields(response); ++i) {
+        const char* name = gst_structure_nth_field_name(response, guint(i));
+        const char* location = gst_structure_get_string(response, name);
+        if (g_ascii_strcasecmp(name, "Location") != 0 || !location)
+            continue;
+        const std::lock_guard lock(m_mutex);
+        if (!m_reported)
+            m_events.push({EngineEvent::Kind::DecoderRedirected, m_id, 0, location});
+        m_reported = true;
+    }
+}
+
+// The bin that finds the decoders holds back what a new element reports until it is plugged in. An
+// element with a thread of its own may have given up by then: its error is dropped, and nothing
+// else ever comes of it.
+GstBusSyncReply TrackDecoder::onPartsMessage(GstBus*, GstMessage* message, gpointer data) {
+    const auto* parts = static_cast<const Parts*>(data);
+    if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR)
+        entered(parts->decoder)->noteError(message);
+    GST_BIN_GET_CLASS(parts->bin)->handle_message(parts->bin, message);
+    return GST_BUS_DROP;
+}
+
+void TrackDecoder::noteError(GstMessage* message) {
+    const std::lock_guard lock(m_mutex);
+    GstObject* from = GST_MESSAGE_SRC(message);
+    if (!GST_IS_ELEMENT(from) || m_partsError.from.get() == GST_ELEMENT(from))
+        return; // the first one of an element tells most
+    m_partsError.from.reset(GST_ELEMENT(gst_object_ref(from)));
+    m_partsError.text = errorText(message);
+    m_partsError.at = std::chrono::steady_clock::now();
 }

@@ -7,9 +7,9 @@
 
 #include "DeviceOutput.h"
 #include "EventLoop.h"
-#include "PlayerEngine.h"
 #include "SoundFiles.h"
 #include "TestApp.h"
+#include "TestEngine.h"
 
 namespace {
 
@@ -50,7 +50,7 @@ TEST(AudioSinks, whatIsNoSinkIsRefusedWithAReason) {
 
 TEST(AudioSinks, aSinkThatCannotBeHadIsLoggedAndReplacedByTheDevice) {
     const LogCapture log("Player");
-    PlayerEngine engine("loud");
+    TestEngine engine("loud");
     EXPECT_EQ(
         log.errors(),
         QStringList{"there is no audio sink \"loud\", only auto, null and wav=FILE; using auto"});
@@ -129,7 +129,7 @@ TEST(DeviceSink, soundAfterADryMomentIsHeardInFull) {
 TEST(DeviceSink, itemsPlayInRealTimeThroughTheEngine) {
     SoundFiles files;
     const LogCapture log("Player");
-    PlayerEngine engine("auto");
+    TestEngine engine("auto");
     bool finished = false;
     QObject::connect(&engine, &PlayerEngine::finished, &engine, [&] { finished = true; });
     const QString uri = files.wav("a.wav", SoundFiles::pcm(44100, 1));

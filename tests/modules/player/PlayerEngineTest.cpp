@@ -1,47 +1,11 @@
-#include "PlayerEngine.h"
-
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
 
-#include "EventLoop.h"
 #include "SoundFiles.h"
+#include "TestEngine.h"
 
 namespace {
-
-// Writes down what the engine tells and, at the end of an item, does what the test has laid out.
-class Listener {
-public:
-    explicit Listener(PlayerEngine& engine) {
-        const auto note = [this](const char* what, PlayerEngine::Generation generation) {
-            told.append(QStringLiteral("%1 %2").arg(QString::fromLatin1(what)).arg(generation));
-        };
-        QObject::connect(&engine, &PlayerEngine::started, &engine,
-                         [this, note](auto g) { note("started", g); });
-        QObject::connect(&engine, &PlayerEngine::ended, &engine, [this, note](auto g) {
-            note("ended", g);
-            if (atEnd)
-                atEnd(g);
-        });
-        QObject::connect(&engine, &PlayerEngine::finished, &engine,
-                         [this, note](auto g) { note("finished", g); });
-        QObject::connect(&engine, &PlayerEngine::failed, &engine,
-                         [this, note](auto g, const QString& text) {
-                             note("failed", g);
-                             failure = text;
-                         });
-    }
-    bool waitForCount(int count) {
-        return waitUntil([&] { return told.size() >= count; });
-    }
-    bool waitForLast(const QString& what) {
-        return waitUntil([&] { return !told.isEmpty() && told.last() == what; });
-    }
-
-    QStringList told;
-    QString failure;
-    std::function<void(PlayerEngine::Generation)> atEnd;
-};
 
 class PlayerEngineTest : public ::testing::Test {
 protected:
@@ -53,7 +17,7 @@ protected:
 
 // Plays all of these, each announced while the one before it plays, into the WAV sink.
 void playThrough(const QString& sink, const QStringList& uris) {
-    PlayerEngine engine(sink);
+    TestEngine engine(sink);
     Listener listener(engine);
     int next = 1;
     const auto announce = [&] {
@@ -150,7 +114,7 @@ TEST_F(PlayerEngineTest, anotherRateIsConvertedToTheFirstOnes) {
 }
 
 TEST_F(PlayerEngineTest, theSinkKeepsItsFormatWhenSomethingElseIsPlayedLater) {
-    PlayerEngine engine(wavSink());
+    TestEngine engine(wavSink());
     Listener listener(engine);
     engine.play(1, files.wav("a.wav", SoundFiles::pcm(4410, 1)), 0, false);
     ASSERT_TRUE(listener.waitForLast("finished 1"));
@@ -166,7 +130,7 @@ TEST_F(PlayerEngineTest, anItemAnnouncedAtTheVeryEndStillFollowsWithoutAGap) {
     const Pcm b = SoundFiles::pcm(5000, 2);
     const QString uriB = files.wav("b.wav", b);
     {
-        PlayerEngine engine(wavSink());
+        TestEngine engine(wavSink());
         Listener listener(engine);
         engine.play(1, files.wav("a.wav", a), 0, false);
         ASSERT_TRUE(listener.waitForLast("finished 1"));
@@ -185,7 +149,7 @@ TEST_F(PlayerEngineTest, aReplacedAnnouncementNeverStarts) {
     const QString uriB = files.wav("b.wav", b);
     const QString uriC = files.wav("c.wav", c);
     {
-        PlayerEngine engine(wavSink());
+        TestEngine engine(wavSink());
         Listener listener(engine);
         // As late as it can be: everything of the first one is decoded, its successor is ready.
         listener.atEnd = [&](PlayerEngine::Generation generation) {
@@ -204,7 +168,7 @@ TEST_F(PlayerEngineTest, aDroppedAnnouncementNeverStartsAndTheEndIsTold) {
     const Pcm a = SoundFiles::pcm(3000, 1);
     const QString uriB = files.wav("b.wav", SoundFiles::pcm(3000, 2));
     {
-        PlayerEngine engine(wavSink());
+        TestEngine engine(wavSink());
         Listener listener(engine);
         listener.atEnd = [&](PlayerEngine::Generation) { engine.clearNext(); };
         engine.play(1, files.wav("a.wav", a), 0, false);
@@ -217,7 +181,7 @@ TEST_F(PlayerEngineTest, aDroppedAnnouncementNeverStartsAndTheEndIsTold) {
 }
 
 TEST_F(PlayerEngineTest, theEndIsToldEvenWhenTheItemItWaitedForIsDropped) {
-    PlayerEngine engine("null");
+    TestEngine engine("null");
     Listener listener(engine);
     engine.play(1, files.wav("a.wav", SoundFiles::pcm(3000, 1)), 0, false);
     ASSERT_TRUE(listener.waitForLast("finished 1"));
@@ -229,7 +193,7 @@ TEST_F(PlayerEngineTest, theEndIsToldEvenWhenTheItemItWaitedForIsDropped) {
 
 TEST_F(PlayerEngineTest, playDiscardsWhatWasAnnounced) {
     const QString uri = files.wav("a.wav", SoundFiles::pcm(3000, 1));
-    PlayerEngine engine("null");
+    TestEngine engine("null");
     Listener listener(engine);
     engine.play(1, uri, 0, false);
     engine.setNext(2, uri);
@@ -249,7 +213,7 @@ TEST_F(PlayerEngineTest, whatCannotBePlayedFailsWithAReason) {
         {files.text("empty.wav", ""), {}},
         {files.wav("nothing.wav", {}), {}},
     };
-    PlayerEngine engine("null");
+    TestEngine engine("null");
     Listener listener(engine);
     quint64 generation = 0;
     for (const auto& row : rows) {
@@ -266,7 +230,7 @@ TEST_F(PlayerEngineTest, whatCannotBePlayedFailsWithAReason) {
 }
 
 TEST_F(PlayerEngineTest, anyFileNameIsPlayed) {
-    PlayerEngine engine("null");
+    TestEngine engine("null");
     Listener listener(engine);
     const Pcm a = SoundFiles::pcm(500, 1);
     quint64 generation = 0;
@@ -286,7 +250,7 @@ TEST_F(PlayerEngineTest, anyFileNameIsPlayed) {
 TEST_F(PlayerEngineTest, aBrokenNextItemFailsOnlyWhenItsTurnComes) {
     const Pcm a = SoundFiles::pcm(44100, 1);
     {
-        PlayerEngine engine(wavSink());
+        TestEngine engine(wavSink());
         Listener listener(engine);
         engine.play(1, files.wav("a.wav", a), 0, false);
         engine.setNext(2, files.uri("missing.wav"));
@@ -300,7 +264,7 @@ TEST_F(PlayerEngineTest, seekingGoesOnExactlyThere) {
     const Pcm a = SoundFiles::pcm(44100, 1);
     for (const QString& uri : {files.wav("a.wav", a), files.flac("a.flac", a)}) {
         {
-            PlayerEngine engine(wavSink());
+            TestEngine engine(wavSink());
             Listener listener(engine);
             engine.play(1, uri, 250, false);
             ASSERT_TRUE(listener.waitForLast("finished 1"));
@@ -313,7 +277,7 @@ TEST_F(PlayerEngineTest, seekingGoesOnExactlyThere) {
 TEST_F(PlayerEngineTest, seekingWhilePausedIsHeardAfterTheResume) {
     const Pcm a = SoundFiles::pcm(44100, 1);
     {
-        PlayerEngine engine(wavSink());
+        TestEngine engine(wavSink());
         Listener listener(engine);
         engine.play(1, files.flac("a.flac", a), 0, true);
         ASSERT_TRUE(listener.waitForLast("started 1"));
@@ -332,7 +296,7 @@ TEST_F(PlayerEngineTest, seekingWhilePausedIsHeardAfterTheResume) {
 TEST_F(PlayerEngineTest, seekingBackFromTheEndPlaysTheTailAgain) {
     const Pcm a = SoundFiles::pcm(8820, 1);
     {
-        PlayerEngine engine(wavSink());
+        TestEngine engine(wavSink());
         Listener listener(engine);
         engine.play(1, files.wav("a.wav", a), 0, false);
         ASSERT_TRUE(listener.waitForLast("finished 1"));
@@ -344,7 +308,7 @@ TEST_F(PlayerEngineTest, seekingBackFromTheEndPlaysTheTailAgain) {
 }
 
 TEST_F(PlayerEngineTest, thePositionIsThatOfTheItemNotOfTheSound) {
-    PlayerEngine engine("null");
+    TestEngine engine("null");
     Listener listener(engine);
     qint64 atStart = -1;
     QObject::connect(&engine, &PlayerEngine::started, &engine, [&](auto generation) {
@@ -363,7 +327,7 @@ TEST_F(PlayerEngineTest, thePositionIsThatOfTheItemNotOfTheSound) {
 }
 
 TEST_F(PlayerEngineTest, anEndFromBeforeASeekIsNotTold) {
-    PlayerEngine engine("null");
+    TestEngine engine("null");
     Listener listener(engine);
     engine.play(1, files.wav("a.wav", SoundFiles::pcm(4410, 1)), 0, true);
     ASSERT_TRUE(listener.waitForLast("started 1"));
@@ -377,7 +341,7 @@ TEST_F(PlayerEngineTest, anEndFromBeforeASeekIsNotTold) {
 }
 
 TEST_F(PlayerEngineTest, aPauseHoldsTheSoundBack) {
-    PlayerEngine engine("null");
+    TestEngine engine("null");
     Listener listener(engine);
     engine.play(1, files.wav("a.wav", SoundFiles::pcm(4410, 1)), 0, true);
     ASSERT_TRUE(listener.waitForLast("started 1"));
@@ -388,7 +352,7 @@ TEST_F(PlayerEngineTest, aPauseHoldsTheSoundBack) {
 }
 
 TEST_F(PlayerEngineTest, nothingIsToldAfterStop) {
-    PlayerEngine engine("null");
+    TestEngine engine("null");
     Listener listener(engine);
     const QString uri = files.wav("a.wav", SoundFiles::pcm(44100, 1));
     engine.play(1, uri, 0, true);
@@ -406,7 +370,7 @@ TEST_F(PlayerEngineTest, nothingIsToldAfterStop) {
 TEST_F(PlayerEngineTest, aHundredQuickDecisionsEndInTheLastOne) {
     const Pcm a = SoundFiles::pcm(2000, 1);
     const QString uri = files.flac("a.flac", a);
-    PlayerEngine engine("null");
+    TestEngine engine("null");
     Listener listener(engine);
     for (quint64 i = 1; i <= 100; ++i) {
         engine.play(2 * i, uri, 0, false);

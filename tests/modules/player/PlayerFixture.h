@@ -25,7 +25,8 @@ protected:
     void startPlayer(const QString& sink) {
         player.reset();
         player = std::make_unique<PlayerWorker>(
-            QHash<QString, QVariant>{{QStringLiteral("player/audioSink"), sink}});
+            QHash<QString, QVariant>{{QStringLiteral("player/audioSink"), sink},
+                                     {QStringLiteral("musicDir"), files.fileName({})}});
     }
 
     CMReply<QVariant> invoke(const CMPath& path, const QVariantHash& args = {}) {

@@ -6,9 +6,9 @@
 #include <QElapsedTimer>
 
 #include "EventLoop.h"
-#include "PlayerEngine.h"
 #include "SoundFiles.h"
 #include "TestApp.h"
+#include "TestEngine.h"
 
 namespace {
 
@@ -56,7 +56,7 @@ TEST_F(SoundDeviceTest, twoFilesReachTheDeviceToTheSampleInRealTimeAndWithoutAGa
     const Pcm b = SoundFiles::pcm(22050, 2);
     const QString uriA = files.flac("a.flac", a);
     const QString uriB = files.flac("b.flac", b);
-    PlayerEngine engine("auto");
+    TestEngine engine("auto");
     QElapsedTimer timer;
     timer.start();
     playBoth(engine, uriA, uriB);
@@ -69,7 +69,7 @@ TEST_F(SoundDeviceTest, twoFilesReachTheDeviceToTheSampleInRealTimeAndWithoutAGa
 TEST_F(SoundDeviceTest, aBusyWorkerAtTheChangeOfItemsIsNotHeard) {
     const Pcm a = SoundFiles::pcm(44100, 1);
     const QString uri = files.wav("a.wav", a);
-    PlayerEngine engine("auto");
+    TestEngine engine("auto");
     bool finished = false;
     QObject::connect(&engine, &PlayerEngine::finished, &engine, [&] { finished = true; });
     engine.play(1, uri, 0, false);
@@ -84,7 +84,7 @@ TEST_F(SoundDeviceTest, aBusyWorkerAtTheChangeOfItemsIsNotHeard) {
 
 TEST_F(SoundDeviceTest, aPauseLosesNothing) {
     const Pcm a = SoundFiles::pcm(44100, 1);
-    PlayerEngine engine("auto");
+    TestEngine engine("auto");
     bool finished = false;
     QObject::connect(&engine, &PlayerEngine::finished, &engine, [&] { finished = true; });
     engine.play(1, files.wav("a.wav", a), 0, false);
@@ -104,7 +104,7 @@ TEST_F(SoundDeviceTest, aPauseLosesNothing) {
 TEST_F(SoundDeviceTest, quickPausesAndResumesEndInWhatWasLastAskedFor) {
     const Pcm a = SoundFiles::pcm(44100, 1);
     const QString uri = files.wav("a.wav", a);
-    PlayerEngine engine("auto");
+    TestEngine engine("auto");
     bool started = false;
     QObject::connect(&engine, &PlayerEngine::started, &engine, [&] { started = true; });
     for (int round = 0; round < 8; ++round) {
@@ -128,7 +128,7 @@ TEST_F(SoundDeviceTest, quickPausesAndResumesEndInWhatWasLastAskedFor) {
 
 TEST_F(SoundDeviceTest, theVolumeIsTheDevicesAndMayChangeAnyTime) {
     const Pcm a = SoundFiles::pcm(8820, 1);
-    PlayerEngine engine("auto");
+    TestEngine engine("auto");
     engine.setVolume(50);
     bool finished = false;
     QObject::connect(&engine, &PlayerEngine::finished, &engine, [&] { finished = true; });
@@ -149,7 +149,7 @@ TEST_F(SoundDeviceTest, theVolumeIsTheDevicesAndMayChangeAnyTime) {
 TEST_F(SoundDeviceTest, aDeviceThatBreaksIsReplacedBySilenceAndPlaybackGoesOn) {
     const LogCapture log("Player");
     const Pcm a = SoundFiles::pcm(66150, 1);
-    PlayerEngine engine("auto");
+    TestEngine engine("auto");
     QStringList told;
     QObject::connect(&engine, &PlayerEngine::finished, &engine, [&] { told.append("finished"); });
     QObject::connect(&engine, &PlayerEngine::failed, &engine, [&] { told.append("failed"); });
@@ -167,7 +167,7 @@ TEST_F(SoundDeviceTest, withoutADeviceEachLaterStartIsSilentToo) {
     const LogCapture log("Player");
     const Pcm a = SoundFiles::pcm(8820, 1);
     const QString uri = files.wav("a.wav", a);
-    PlayerEngine engine("auto");
+    TestEngine engine("auto");
     int finished = 0;
     QObject::connect(&engine, &PlayerEngine::finished, &engine, [&] { ++finished; });
     engine.play(1, uri, 0, false);

@@ -122,7 +122,7 @@ story('a file that cannot be played is named, and the next one plays', async ({ 
   const me = await open();
   await me.openList('Party');
   await me.playRow('Gone');
-  await me.toast('Gone cannot be played: there is no such file.').waitFor();
+  await me.toast('Gone cannot be played.').waitFor();
   await eventually(() => me.nowTitle(), Hours[0]);
   await eventually(() => me.page.locator('#player').evaluate((bar) => bar.classList.contains('failed')), false);
 }, { player: true });
