@@ -26,6 +26,7 @@ constexpr Row Rows[] = {
 };
 
 constexpr int NotFound = 404;
+constexpr int Conflict = 409;
 constexpr int Refused = 422;
 
 HttpResponse build(int status, const QString& name, const QString& title, const QString& message) {
@@ -56,6 +57,8 @@ HttpResponse ApiError::response(Kind kind, const QString& message) {
 }
 
 HttpResponse ApiError::response(const CMError& error) {
-    const int status = error.name() == CMError::NoSuchNode() ? NotFound : Refused;
+    const int status = error.name() == CMError::NoSuchNode() ? NotFound
+                       : error.name() == CMError::Conflict() ? Conflict
+                                                             : Refused;
     return build(status, error.name(), error.title().toString(), error.message().toString());
 }

@@ -22,7 +22,8 @@ enum class Kind {
 };
 
 HttpResponse response(Kind kind, const QString& message);
-// What a module answered: nothing at that path is 404, everything else is a refusal.
+// What a module answered: nothing at that path is 404, a state that is no longer so is 409,
+// everything else is a refusal.
 HttpResponse response(const CMError& error);
 
 } // namespace ApiError

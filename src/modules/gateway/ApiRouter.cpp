@@ -106,6 +106,14 @@ HttpResponse renderRows(const OrvoRowsRoles& answer, const QStringList& roleName
     json.value(answer.roles().title().toString());
     json.name(QStringLiteral("rowsCount"));
     json.value(qint64(answer.rowsCount()));
+    if (answer.containsRevision()) {
+        json.name(QStringLiteral("revision"));
+        json.value(answer.revision());
+    }
+    if (answer.containsLastPlayedIndex()) {
+        json.name(QStringLiteral("lastPlayedIndex"));
+        json.value(qint64(answer.lastPlayedIndex()));
+    }
     json.name(QStringLiteral("roles"));
     json.value(answer.roles().toVariant());
     json.name(QStringLiteral("rows"));

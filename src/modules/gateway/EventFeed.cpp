@@ -36,6 +36,10 @@ void write(const CMChange& change, JsonWriter* writer) {
         json.value(qint64(change.start));
         json.name(QStringLiteral("count"));
         json.value(qint64(change.count));
+        if (change.revision) {
+            json.name(QStringLiteral("revision"));
+            json.value(*change.revision);
+        }
     }
     json.endObject();
 }

@@ -4,6 +4,7 @@
 
 #include "ControllerText.h"
 #include "ModuleLog.h"
+#include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 #include "OrvoRoles.h"
 #include "PlayListBase.h"
@@ -126,5 +127,27 @@ bool Controller::checkPlayListId(const int& plid, const QString& prefix, QString
         return true;
     LOG4CPLUS_ERROR(moduleLog(), "Cannot find playlist with invalid ID : " << plid);
     msg = buildErrMsg(prefix, CONTROLLER_TEXT("Cannot find playlist with invalid ID."));
+    return false;
+}
+
+bool Controller::checkRevision(const CMSetDataRequest& request, const PlayListBase* pl,
+                               const QString& prefix, QString& msg) {
+    const OrvoPlayListPlId args(request.value().toHash());
+    if (!args.containsRevision())
+        return true;
+    const qint64 revision = args.revision();
+    if (revision == pl->getRevision())
+        return true;
+    if (revision == OrvoRevision::Malformed) {
+        LOG4CPLUS_ERROR(moduleLog(), "Invalid revision for playlist id: " << pl->getUid());
+        msg =
+            buildErrMsg(prefix, CONTROLLER_TEXT("Invalid revision."), OrvoPlayListPlId::Revision());
+        return false;
+    }
+    LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << pl->getUid() << " has revision "
+                                                 << pl->getRevision() << " instead of "
+                                                 << revision);
+    msg = buildErrMsg(prefix, CONTROLLER_TEXT("The playlist has changed meanwhile."));
+    request.reply().setError(CMError(CMError::Conflict(), TrString(msg), CMError::DefaultTitle()));
     return false;
 }

@@ -95,6 +95,11 @@ void Controller::plAddItems(CMSetDataRequest request) {
         setReply(request, false, msg);
         return;
     }
+    const PlayListBase* target = m_manager->getPlayListByUid(props.plid);
+    if (target && !checkRevision(request, target, prefix, msg)) {
+        setReply(request, false, msg);
+        return;
+    }
 
     QList<CMPath> paths;
     const QVariantList items = args.items();
@@ -190,6 +195,13 @@ void Controller::releaseInSlices(const std::shared_ptr<ItemsCheck>& check) {
 
 void Controller::finishAdding(const ReqGroupProperties& props, const ItemsCheck& check) {
     const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
+    QString msg;
+    // Again: others may have changed the playlist while the items were prepared and checked.
+    const PlayListBase* target = m_manager->getPlayListByUid(props.plid);
+    if (target && !checkRevision(*props.request, target, prefix, msg)) {
+        setReply(*props.request, false, msg);
+        return;
+    }
     QString resultMsg;
     const int added =
         isWhole(props, check) ? std::max(0, addItemsFromAllReplays(props, check, &resultMsg)) : 0;
@@ -200,7 +212,6 @@ void Controller::finishAdding(const ReqGroupProperties& props, const ItemsCheck&
         m_manager->deletePlayList(props.fromPlid);
 
     bool success = false;
-    QString msg;
     if (added < 1) {
         msg = buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."), resultMsg);
     } else {
@@ -343,6 +354,8 @@ bool Controller::plAddExternalItems(CMSetDataRequest request, QString& msg) {
         LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
         return false;
     }
+    if (!checkRevision(request, pl, prefix, msg))
+        return false;
     QString resultMsg;
     const int added = addItemsToPlaylist(pl, items, mode, &resultMsg);
     LOG4CPLUS_DEBUG(moduleLog(), "addItemsRes: " << added);

@@ -156,6 +156,8 @@ bool Controller::plDelete(CMSetDataRequest request, QString& msg) {
         LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
         return false;
     }
+    if (!checkRevision(request, pl, prefix, msg))
+        return false;
     const QString name = pl->getName();
     if (!m_manager->deletePlayList(pl)) {
         LOG4CPLUS_ERROR(moduleLog(), "Delete playlist id: " << plid << " failed");
@@ -181,6 +183,8 @@ bool Controller::plClearItems(CMSetDataRequest request, QString& msg) {
         LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
         return false;
     }
+    if (!checkRevision(request, pl, prefix, msg))
+        return false;
     if (!pl->clearItems()) {
         LOG4CPLUS_ERROR(moduleLog(), "Clear playlist id: " << plid << " failed");
         msg = buildErrMsg(prefix, CONTROLLER_TEXT("Clear playlist failed."));
@@ -211,6 +215,8 @@ bool Controller::plRemoveItems(CMSetDataRequest request, QString& msg) {
         LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
         return false;
     }
+    if (!checkRevision(request, pl, prefix, msg))
+        return false;
     const int numItemsChanged = pl->removeItems(items);
     LOG4CPLUS_TRACE(moduleLog(), "numItemsChanged " << numItemsChanged);
     if (numItemsChanged <= 0) {
@@ -253,6 +259,8 @@ bool Controller::plMoveItems(CMSetDataRequest request, QString& msg) {
         LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
         return false;
     }
+    if (!checkRevision(request, pl, prefix, msg))
+        return false;
     if (to >= pl->getSize()) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot move items, sequence number is not in valid range");
         msg = buildErrMsg(

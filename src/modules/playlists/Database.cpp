@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QRandomGenerator>
 
 #include "DatabaseTransaction.h"
 #include "ModuleLog.h"
@@ -105,6 +106,14 @@ constexpr const char* cacheSize = "PRAGMA cache_size=-16384;";
 // For a pass over the whole store that nobody will repeat soon.
 constexpr const char* smallCacheSize = "PRAGMA cache_size=-64;";
 
+// Drawn for each start, since a device's clock may start anew, too. With room for a million
+// revisions between the bases of two starts that happen to be neighbours, and below 2^53, whole in
+// every client's numbers.
+qint64 randomRevisionBase() {
+    constexpr int changeBits = 20;
+    return qint64(QRandomGenerator::system()->generate()) << changeBits;
+}
+
 int execute(sqlite3* connection, const char* sql) {
     return sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
 }
@@ -129,7 +138,10 @@ int execute(sqlite3* connection, const char* sql) {
 } // namespace
 
 Database::Database(int itemsLimit, bool vacuumNeeded)
-    : QObject(nullptr), m_itemsLimit(itemsLimit), m_vacuumNeeded(vacuumNeeded) {
+    : QObject(nullptr),
+      m_itemsLimit(itemsLimit),
+      m_vacuumNeeded(vacuumNeeded),
+      m_lastRevision(randomRevisionBase()) {
     openFile();
     vacuum();
     execute(m_connection, "PRAGMA foreign_keys=1;");

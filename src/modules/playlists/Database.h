@@ -63,6 +63,10 @@ public:
     // Removes everything; only an empty play queue remains. For maintenance.
     void clearDatabase();
 
+    // A number that no state of any playlist had before, greater than those given out since the
+    // start.
+    qint64 nextRevision() { return ++m_lastRevision; }
+
     // Gives back the pages that were read, which are kept for the next reading otherwise.
     void releaseReadPages();
 
@@ -192,6 +196,7 @@ private:
     int m_itemsLimit;
     bool m_vacuumNeeded;
     bool m_lastCommitFailed = false;
+    qint64 m_lastRevision;
     std::array<std::unique_ptr<Sqlite3Statement>, StatementCount> m_statements;
 };
 

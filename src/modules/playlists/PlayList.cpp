@@ -8,7 +8,7 @@
 #include "ModuleLog.h"
 
 PlayList::PlayList(Database* database, const PlayListRecord& record)
-    : m_database(database), m_record(record) {}
+    : m_database(database), m_record(record), m_revision(database->nextRevision()) {}
 
 int PlayList::getUid() const {
     return m_record.uid;
@@ -32,6 +32,11 @@ int PlayList::getLastSequenceNumber() const {
 
 int PlayList::getSize() const {
     return record().size;
+}
+
+qint64 PlayList::getRevision() const {
+    QMutexLocker lock(&m_mutex);
+    return m_revision;
 }
 
 bool PlayList::valid() const {
@@ -69,6 +74,7 @@ void PlayList::readAgain() {
 }
 
 bool PlayList::isCommitted(int size) {
+    m_revision = m_database->nextRevision();
     if (!m_database->lastCommitFailed()) {
         m_record.size = size;
         return true;
@@ -201,6 +207,7 @@ bool PlayList::moveItem(int from, int to) {
             return true;
         if (!m_database->moveItem(m_record, from, to))
             return false;
+        m_revision = m_database->nextRevision();
         if (m_database->lastCommitFailed()) {
             readAgain();
             return false;
@@ -265,7 +272,9 @@ bool PlayList::clearItems() {
         catchUp();
         if (m_record.size == 0)
             return true;
-        if (!m_database->clearItems(m_record)) {
+        const bool cleared = m_database->clearItems(m_record);
+        m_revision = m_database->nextRevision();
+        if (!cleared) {
             // The entries may be gone although the clean-up failed: believe the store.
             const int size = m_database->getNextSequenceNumber(m_record);
             m_inDoubt = size < 0;

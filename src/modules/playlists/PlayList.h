@@ -22,6 +22,7 @@ public:
     bool getRepeatAll() const override;
     int getLastSequenceNumber() const override;
     int getSize() const override;
+    qint64 getRevision() const override;
     bool valid() const override;
 
     void setName(const QString& name) override;
@@ -54,11 +55,13 @@ private:
     // Reads the record from the store, all but a position that is still to be written.
     void readAgain();
     // Whether the edit that the store has just reported, and after which the size is `size`, is
-    // there for good. The record is as in the store then, either way.
+    // there for good. The record is as in the store then, either way. The revision rises, also
+    // where it is not known what is in the store.
     bool isCommitted(int size);
 
     Database* m_database;
     PlayListRecord m_record;
+    qint64 m_revision;
     // The record may differ from the store, which could not be read when it was to be compared.
     bool m_inDoubt = false;
     // The last played position could not be written.

@@ -39,6 +39,9 @@ public:
     // the size after the played item at the end was removed.
     virtual int getLastSequenceNumber() const = 0;
     virtual int getSize() const = 0;
+    // Which state of the entries this is: a number that rises with each change of them. No other
+    // list has it, not even a later one with the same uid, nor the same list after a restart.
+    virtual qint64 getRevision() const = 0;
     virtual bool valid() const = 0;
 
     virtual void setName(const QString& name) = 0;

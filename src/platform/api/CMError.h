@@ -24,6 +24,8 @@ public:
     static QString NotSupported() { return QStringLiteral("NotSupported"); }
     static QString NotAnswered() { return QStringLiteral("NotAnswered"); }
     static QString InvalidValue() { return QStringLiteral("InvalidValue"); }
+    // What the request was made for is no longer as it was.
+    static QString Conflict() { return QStringLiteral("Conflict"); }
 
 private:
     QString m_name;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include <QMetaType>
 #include <QObject>
 #include <QStringList>
@@ -23,6 +25,9 @@ struct CMChange {
     int count = -1;
     OrvoValue newValue;
     OrvoValue oldValue;
+    // Rows and StartingWith: the revision of the list at `path` that the change leads to, where the
+    // list has such.
+    std::optional<qint64> revision;
 };
 Q_DECLARE_METATYPE(CMChange)
 
@@ -37,9 +42,12 @@ public:
     // The marker of one row inserted at `row`.
     static QString RowInserted(int row) { return QStringLiteral("+%1").arg(row); }
 
-    void changedStartingWith(const CMPath& path, const QString& kind, int count);
+    using Revision = std::optional<qint64>;
+    void changedStartingWith(const CMPath& path, const QString& kind, int count,
+                             Revision revision = {});
     void rowsChanged(const CMPath& path, const QString& kind, int count);
-    void rowsChanged(const CMPath& path, const QStringList& changes, int start, int count);
+    void rowsChanged(const CMPath& path, const QStringList& changes, int start, int count,
+                     Revision revision = {});
     void valueChanged(const CMPath& path, const OrvoValue& newValue, const OrvoValue& oldValue);
 
 Q_SIGNALS:

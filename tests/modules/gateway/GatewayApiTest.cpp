@@ -44,6 +44,14 @@ TEST_F(GatewayApi, rowsComeWithTitleCountAndTheAskedForRolesInOrder) {
         R"({"type":3,"title":"row 2","nosuch":null},{"type":3,"title":"row 3","nosuch":null}]})");
 }
 
+TEST_F(GatewayApi, aListsRevisionAndLastPlayedRowStandBesideItsCount) {
+    const HttpAnswer answer = http.get("/api/rows?path=test:revised");
+    ASSERT_EQ(answer.status, 200);
+    EXPECT_EQ(
+        answer.body.toStdString(),
+        R"({"title":"","rowsCount":0,"revision":9007199254740991,"lastPlayedIndex":-1,"roles":{},"rows":[]})");
+}
+
 TEST_F(GatewayApi, withoutRolesTheDefaultSetComes) {
     const QJsonObject row = http.get("/api/rows?path=test:list&from=0&to=0")
                                 .json()
@@ -112,6 +120,13 @@ TEST_F(GatewayApi, aRefusalCarriesNameTitleAndMessage) {
     EXPECT_EQ(answer.status, 422);
     EXPECT_EQ(answer.body.toStdString(),
               R"({"error":{"name":"Taken","title":"Refused","message":"No \"way\"."}})");
+}
+
+TEST_F(GatewayApi, aRefusalBecauseOfAChangeMeanwhileIsAConflict) {
+    const HttpAnswer answer = http.post("/api/data", R"({"path":"test:outdated","value":{}})");
+    EXPECT_EQ(answer.status, 409);
+    EXPECT_EQ(answer.body.toStdString(),
+              R"({"error":{"name":"Conflict","title":"Error","message":"It has changed."}})");
 }
 
 TEST_F(GatewayApi, aRequestThatItsModuleDropsIsRefusedAtOnce) {

@@ -57,6 +57,18 @@ TEST_F(GatewayEvents, everyChangeIsOneEvent) {
     EXPECT_EQ(ids.at(2), ids.at(0) + 2);
 }
 
+TEST_F(GatewayEvents, aChangeOfRowsCarriesTheRevisionThatItLeadsTo) {
+    Reader reader(port());
+    events().rowsChanged(CMPath(QStringLiteral("test:list")), {"+4"}, 0, -1, 0);
+    events().changedStartingWith(CMPath(QStringLiteral("test:list")),
+                                 CMSubscribe::RowsChangeReset(), -1, (qint64(1) << 53) - 1);
+    const QByteArray text = reader.until("1}\n\n");
+    EXPECT_TRUE(text.contains(
+        "data: {\"path\":\"test:list\",\"changes\":[\"+4\"],\"start\":0,\"count\":-1,\"revision\":0}\n\n"));
+    EXPECT_TRUE(text.contains(
+        "data: {\"path\":\"test:list\",\"changes\":[\"reset\"],\"start\":-1,\"count\":-1,\"revision\":9007199254740991}\n\n"));
+}
+
 TEST_F(GatewayEvents, aValueIsWatchedWhileAReaderThatAsksForItIsConnected) {
     restart({{"gateway/commentMs", 10}});
     const CMPath position(QStringLiteral("test:position"));

@@ -73,6 +73,15 @@ bool oddRows(const CMGetRowsRequest& request) {
     return true;
 }
 
+bool revisedRows(const CMGetRowsRequest& request) {
+    OrvoRowsRoles answer;
+    answer.setRowsCount(0);
+    answer.setRevision((qint64(1) << 53) - 1);
+    answer.setLastPlayedIndex(-1);
+    request.reply().setValue(answer);
+    return true;
+}
+
 } // namespace
 
 TestModule::TestModule() : CMNodesWorker({}, QStringLiteral("Test")) {
@@ -95,6 +104,12 @@ TestModule::TestModule() : CMNodesWorker({}, QStringLiteral("Test")) {
                                          TrString("TestModule", "Refused")));
         return true;
     };
+    const FunctionNode::Data outdated = [](const CMSetDataRequest& request) {
+        request.reply().setError(CMError(CMError::Conflict(),
+                                         TrString("TestModule", "It has changed."),
+                                         CMError::DefaultTitle()));
+        return true;
+    };
     m_ownNodes = {
         new FunctionNode(this, "test:list", listOf(10), nullptr),
         new FunctionNode(this, "test:big", listOf(20000), nullptr),
@@ -105,6 +120,8 @@ TestModule::TestModule() : CMNodesWorker({}, QStringLiteral("Test")) {
         new FunctionNode(
             this, "test:dropped", [](const CMGetRowsRequest&) { return true; }, dropped),
         new FunctionNode(this, "test:refuse", nullptr, refuse),
+        new FunctionNode(this, "test:revised", revisedRows, nullptr),
+        new FunctionNode(this, "test:outdated", nullptr, outdated),
     };
 }
 

@@ -14,6 +14,8 @@
 //   test:dropped   lets go of every request without a word
 //   test:refuse    refuses with an error of its own
 //   test:odd       rows whose values are of every kind
+//   test:revised   a list that has a revision and a last played row
+//   test:outdated  refuses because of a change meanwhile
 //   test:big       a list of 20,000 rows
 //   test:number    a value
 class TestModule : public CMNodesWorker {

@@ -55,7 +55,7 @@ BaseNode::RowRange BaseNode::askedRows(const CMGetRowsRequest& request, int rows
 
 void BaseNode::sendRowsReply(const QVariantList& rows, int rowsCount, const TrString& title,
                              const OrvoRoles& roles, const CMGetRowsRequest& request,
-                             bool sliceRows) {
+                             bool sliceRows, OrvoRowsRoles reply) {
     LOG4CPLUS_TRACE(moduleLog(), "rowsCount: " << rowsCount);
     setTitle(title);
     QVariantList sent = rows;
@@ -68,7 +68,6 @@ void BaseNode::sendRowsReply(const QVariantList& rows, int rowsCount, const TrSt
     OrvoRoles replyRoles = roles;
     replyRoles.setTitle(title);
     replyRoles.setRowsCount(rowsCount);
-    OrvoRowsRoles reply;
     reply.setRoles(replyRoles);
     reply.setRows(sent);
     reply.setRowsCount(rowsCount);

@@ -30,9 +30,10 @@ public:
 
     // Answers the request. With `sliceRows` the rows are all there are and the requested range is
     // cut out of them; without it they are that range already. `rowsCount` is the total in both
-    // cases.
+    // cases. What `reply` holds already goes along.
     void sendRowsReply(const QVariantList& rows, int rowsCount, const TrString& title,
-                       const OrvoRoles& roles, const CMGetRowsRequest& request, bool sliceRows);
+                       const OrvoRoles& roles, const CMGetRowsRequest& request, bool sliceRows,
+                       OrvoRowsRoles reply = {});
 
     // Adds the link to the track's menu to a track row.
     static OrvoRoles addContextMenuToRoles(OrvoRoles roles, int plid);

@@ -43,7 +43,11 @@ CMPath PlayListWatcher::itemListPath(int plid) {
 }
 
 void PlayListWatcher::restartPlayListView(int plid) {
-    m_subscribe->changedStartingWith(itemListPath(plid), CMSubscribe::RowsChangeReset(), -1);
+    CMSubscribe::Revision revision;
+    if (plid == m_plid)
+        revision = m_playlist->getRevision();
+    m_subscribe->changedStartingWith(itemListPath(plid), CMSubscribe::RowsChangeReset(), -1,
+                                     revision);
 }
 
 void PlayListWatcher::on_items_added(const QString&, int firstSeqNum, int count) {
@@ -53,7 +57,7 @@ void PlayListWatcher::on_items_added(const QString&, int firstSeqNum, int count)
     for (int s = firstSeqNum; s < firstSeqNum + count; ++s)
         itemsChanged.append(CMSubscribe::RowInserted(s));
     LOG4CPLUS_TRACE(moduleLog(), "itemsChanged: " << itemsChanged);
-    m_subscribe->rowsChanged(itemListPath(m_plid), itemsChanged, 0, -1);
+    m_subscribe->rowsChanged(itemListPath(m_plid), itemsChanged, 0, -1, m_playlist->getRevision());
 }
 
 void PlayListWatcher::on_items_removed(const QList<int>&, int) {

@@ -6,6 +6,7 @@ void TrackListNode::sendTracks(PlayListBase* pl, const TrString& title,
                                const CMGetRowsRequest& request) {
     int total = 0;
     QVariantList rows;
+    OrvoRowsRoles reply;
     if (pl) {
         total = pl->getSize();
         const int plid = pl->getUid();
@@ -15,7 +16,9 @@ void TrackListNode::sendTracks(PlayListBase* pl, const TrString& title,
             rows.append(QVariant(CMGlobal::itemRolesToList(names, OrvoRoles(roles))));
         };
         pl->visitRoles(request.fromRow(), request.toRow(), addRow);
+        reply.setRevision(pl->getRevision());
+        reply.setLastPlayedIndex(pl->getLastSequenceNumber());
     }
     sendRowsReply(rows, total, title, createRolesFromPath(path(), request.roleNames()), request,
-                  false);
+                  false, reply);
 }
