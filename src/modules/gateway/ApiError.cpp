@@ -22,6 +22,7 @@ constexpr Row Rows[] = {
     {ApiError::Kind::HeadersTooLarge, 431, "HeadersTooLarge", "Request head too large"},
     {ApiError::Kind::TooManyReaders, 503, "TooManyReaders", "Too many readers"},
     {ApiError::Kind::TooManyBodies, 503, "TooManyBodies", "Too many requests"},
+    {ApiError::Kind::TooManyAnswers, 503, "TooManyAnswers", "Too many answers"},
     {ApiError::Kind::Timeout, 504, "Timeout", "No answer"},
 };
 

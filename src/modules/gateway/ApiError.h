@@ -18,6 +18,7 @@ enum class Kind {
     HeadersTooLarge,
     TooManyReaders,
     TooManyBodies,
+    TooManyAnswers,
     Timeout
 };
 

@@ -35,6 +35,8 @@ constexpr LimitRow LimitRows[] = {
     {"gateway/maxHeaderFields", &HttpLimits::headerFields},
     {"gateway/maxBodyBytes", &HttpLimits::bodyBytes},
     {"gateway/maxBodiesBytes", &HttpLimits::bodiesBytes},
+    {"gateway/maxAnswersBytes", &HttpLimits::answersBytes},
+    {"gateway/maxFiles", &HttpLimits::files},
     {"gateway/idleTimeoutMs", &HttpLimits::idleMs},
     {"gateway/requestTimeoutMs", &HttpLimits::requestMs},
 };

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 
 #include <QByteArray>
 #include <QByteArrayList>
+#include <QFile>
 #include <QString>
 #include <QVector>
 
@@ -50,7 +52,11 @@ struct HttpResponse {
     int status = 200;
     QByteArray contentType;
     QByteArray body;
-    QVector<QPair<QByteArray, QByteArray>> headers;
+    QVector<QPair<QByteArray, QByteArray>> headers = {};
+    // Instead of a body the first `fileSize` bytes of an open file, read when the client takes
+    // them.
+    std::shared_ptr<QFile> file = nullptr;
+    qint64 fileSize = 0;
 };
 
 // The body of an answer that has no end. Belongs to the connection that reads it and is deleted

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <microhttpd.h>
+#include <unistd.h>
 
 #include <QTextCodec>
 
@@ -127,6 +128,7 @@ MHD_Result collectParameter(void* context, MHD_ValueKind, const char* key, size_
 // the first call for a request until its completion.
 struct HttpServer::Callbacks {
     using Handle = std::shared_ptr<HttpExchange>;
+    using FileHandle = std::shared_ptr<QFile>;
 
     static void onConnection(void* context, MHD_Connection* connection, void** socketContext,
                              MHD_ConnectionNotificationCode code) {
@@ -197,6 +199,7 @@ struct HttpServer::Callbacks {
         HttpServer* server = exchange.m_server;
         server->m_connections.wait(exchange.m_about);
         server->dropBody(exchange);
+        server->dropAnswer(exchange);
         exchange.m_connection = nullptr;
         exchange.m_about = nullptr;
         exchange.m_server = nullptr;
@@ -266,6 +269,10 @@ struct HttpServer::Callbacks {
             response = MHD_create_response_from_callback(MHD_SIZE_UNKNOWN, StreamBlock, readSource,
                                                          new Handle(exchange.shared_from_this()),
                                                          freeSource);
+        } else if (answer.file) {
+            response =
+                MHD_create_response_from_callback(quint64(answer.fileSize), StreamBlock, readFile,
+                                                  new FileHandle(answer.file), freeFile);
         } else {
             // The library reads from a share of the body, not from a copy.
             auto* body = new QByteArray(answer.body);
@@ -290,6 +297,16 @@ struct HttpServer::Callbacks {
     }
 
     static void freeBody(void* context) { delete static_cast<QByteArray*>(context); }
+
+    // A file that has become shorter ends its connection: the client knows from the length that
+    // something is missing.
+    static ssize_t readFile(void* context, uint64_t position, char* buffer, size_t size) {
+        const int descriptor = (*static_cast<FileHandle*>(context))->handle();
+        const ssize_t count = ::pread(descriptor, buffer, size, off_t(position));
+        return count > 0 ? count : ssize_t(MHD_CONTENT_READER_END_WITH_ERROR);
+    }
+
+    static void freeFile(void* context) { delete static_cast<FileHandle*>(context); }
 
     static void freeSource(void* context) {
         auto* handle = static_cast<Handle*>(context);
@@ -317,8 +334,10 @@ void HttpExchange::respond(HttpResponse response) {
         return;
     m_answered = true;
     m_response = std::move(response);
-    if (m_server)
-        m_server->resume(*this);
+    if (!m_server)
+        return;
+    m_server->holdAnswer(*this);
+    m_server->resume(*this);
 }
 
 void HttpExchange::respondStream(const QByteArray& contentType,
@@ -446,6 +465,29 @@ void HttpServer::dropBody(HttpExchange& exchange) {
     exchange.m_request.body = QByteArray();
     m_room -= exchange.m_room;
     exchange.m_room = 0;
+}
+
+void HttpServer::holdAnswer(HttpExchange& exchange) {
+    HttpResponse& answer = *exchange.m_response;
+    // A single answer always fits.
+    const bool fits =
+        m_answerBytes == 0 || m_answerBytes + answer.body.size() <= m_limits.answersBytes;
+    if (!fits || (answer.file && m_files >= m_limits.files)) {
+        answer = ApiError::response(ApiError::Kind::TooManyAnswers,
+                                    QStringLiteral("Too many answers wait to be taken."));
+        answer.headers.append({"Retry-After", QByteArray("1")});
+    }
+    exchange.m_answerBytes = answer.body.size();
+    exchange.m_sendsFile = bool(answer.file);
+    m_answerBytes += exchange.m_answerBytes;
+    m_files += exchange.m_sendsFile;
+}
+
+void HttpServer::dropAnswer(HttpExchange& exchange) {
+    m_answerBytes -= exchange.m_answerBytes;
+    m_files -= exchange.m_sendsFile;
+    exchange.m_answerBytes = 0;
+    exchange.m_sendsFile = false;
 }
 
 void HttpServer::armTimer() {

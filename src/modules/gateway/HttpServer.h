@@ -23,7 +23,9 @@ struct HttpLimits {
     int headBytes = 32 * 1024; // the request line and the header fields
     int headerFields = 64;
     int bodyBytes = 8 * 1024 * 1024;
-    int bodiesBytes = 32 * 1024 * 1024; // of all requests that are under way together
+    int bodiesBytes = 32 * 1024 * 1024;   // of all requests that are under way together
+    int answersBytes = 128 * 1024 * 1024; // of all answers that are not taken yet, files aside
+    int files = 320;                      // that are being sent
     int idleMs = 120000;
     int requestMs = 60000;
 };
@@ -50,6 +52,8 @@ private:
     qint64 m_room = 0;                     // what is held for the body, part of the server's sum
     std::optional<HttpResponse> m_refusal; // nothing of the body is kept then
     std::optional<HttpResponse> m_response;
+    qint64 m_answerBytes = 0; // what of m_response is part of the server's sum
+    bool m_sendsFile = false;
     std::unique_ptr<HttpBodySource> m_source;
     MHD_Connection* m_connection = nullptr; // null once the connection is gone
     HttpConnection* m_about = nullptr;      // as long as m_connection
@@ -97,6 +101,9 @@ private:
     // Holds room for a body of that size. Where there is none the exchange gets its refusal.
     bool makeRoom(HttpExchange& exchange, qint64 size);
     void dropBody(HttpExchange& exchange);
+    // Counts the answer until it is taken. One too many becomes a refusal.
+    void holdAnswer(HttpExchange& exchange);
+    void dropAnswer(HttpExchange& exchange);
 
     HttpLimits m_limits;
     Guard m_guard;
@@ -109,6 +116,8 @@ private:
     std::deque<std::shared_ptr<HttpExchange>> m_arrived;
     QHash<HttpExchange*, std::shared_ptr<HttpExchange>> m_open;
     qint64 m_room = 0; // of all bodies under way
+    qint64 m_answerBytes = 0;
+    int m_files = 0;
     bool m_inLibrary = false;
     bool m_resumed = false;
 };

@@ -7,8 +7,8 @@
 #include "HttpMessages.h"
 
 // The files of the web page, read from one folder and never from outside it. Without a folder the
-// root is a short text that names the interface. Files are small and read whole; nothing here
-// fails, what is not there is not found.
+// root is a short text that names the interface. Nothing here fails: what is not there is not
+// found.
 class PageFiles {
 public:
     explicit PageFiles(const QString& folder);

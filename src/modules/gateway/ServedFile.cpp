@@ -1,5 +1,9 @@
 #include "ServedFile.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
@@ -30,6 +34,25 @@ constexpr MediaType MediaTypes[] = {
     {"txt", "text/plain; charset=utf-8"},
 };
 
+// Null for what is no regular file; a pipe is not waited for.
+std::shared_ptr<QFile> openRegular(const QString& name) {
+    // It would end the name for the system and not for the checks before.
+    if (name.contains(QChar(0)))
+        return nullptr;
+    const int descriptor =
+        ::open(QFile::encodeName(name).constData(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+    if (descriptor < 0)
+        return nullptr;
+    auto file = std::make_shared<QFile>();
+    struct stat about {};
+    const bool isRegular = ::fstat(descriptor, &about) == 0 && S_ISREG(about.st_mode);
+    if (file->open(descriptor, QIODevice::ReadOnly | QIODevice::Unbuffered,
+                   QFileDevice::AutoCloseHandle))
+        return isRegular ? file : nullptr;
+    ::close(descriptor);
+    return nullptr;
+}
+
 } // namespace
 
 QByteArray ServedFile::mediaType(const QString& fileName) {
@@ -44,21 +67,21 @@ QByteArray ServedFile::mediaType(const QString& fileName) {
 std::optional<HttpResponse> ServedFile::answer(const QString& folder, const QString& file,
                                                qint64 maxBytes, const QByteArray& cacheControl,
                                                const QByteArray& heldTag) {
-    const QFileInfo info(file);
     // The canonical name has no ".." and no link left, so it is either inside the folder or not.
-    const QString canonical = info.canonicalFilePath();
-    if (!canonical.startsWith(folder + QLatin1Char('/')) || !info.isFile() ||
-        info.size() > maxBytes)
+    const QString canonical = QFileInfo(file).canonicalFilePath();
+    if (!canonical.startsWith(folder + QLatin1Char('/')))
         return std::nullopt;
-    const QByteArray tag = '"' + QByteArray::number(info.lastModified().toMSecsSinceEpoch(), 36) +
-                           '-' + QByteArray::number(info.size(), 36) + '"';
-    const QVector<QPair<QByteArray, QByteArray>> headers = {{"ETag", tag},
-                                                            {"Cache-Control", cacheControl}};
-    const QByteArray type = mediaType(canonical);
-    if (heldTag == tag)
-        return HttpResponse{304, type, {}, headers};
-    QFile opened(canonical);
-    if (!opened.open(QIODevice::ReadOnly))
+    const auto opened = openRegular(canonical);
+    if (!opened || opened->size() > maxBytes)
         return std::nullopt;
-    return HttpResponse{200, type, opened.readAll(), headers};
+    const qint64 changed = opened->fileTime(QFileDevice::FileModificationTime).toMSecsSinceEpoch();
+    const QByteArray tag =
+        '"' + QByteArray::number(changed, 36) + '-' + QByteArray::number(opened->size(), 36) + '"';
+    HttpResponse answer{200, mediaType(canonical), {}, {{"ETag", tag}}, opened, opened->size()};
+    answer.headers.append({"Cache-Control", cacheControl});
+    if (heldTag == tag) {
+        answer.status = 304;
+        answer.file.reset();
+    }
+    return answer;
 }

@@ -6,8 +6,9 @@
 
 #include "HttpMessages.h"
 
-// One file of one folder as an answer; never a file from outside it, whatever the names say. Files
-// are small and read whole. Nothing here fails: what is not there is not found.
+// One file of one folder as an answer; never a file from outside it, whatever the names say. It is
+// as large as when it was opened, and read while it is sent. Nothing here fails: what is not there
+// is not found.
 namespace ServedFile {
 
 // The type that the name's end stands for, application/octet-stream for one that is not known.

@@ -1,8 +1,11 @@
+#include <sys/stat.h>
+
 #include <QDir>
 #include <QFile>
 #include <QUrl>
 
 #include "GatewayFixture.h"
+#include "RawSocket.h"
 
 namespace {
 
@@ -24,7 +27,7 @@ protected:
         restart({{"musicDir", m_folder.filePath("music")}});
     }
 
-    void write(const char* name, const char* text) {
+    void write(const char* name, const QByteArray& text) {
         QFile file(m_folder.filePath(QString::fromLatin1(name)));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(text);
@@ -32,6 +35,20 @@ protected:
     void link(const char* to, const char* name) {
         ASSERT_TRUE(QFile::link(m_folder.filePath(QString::fromLatin1(to)),
                                 m_folder.filePath(QString::fromLatin1(name))));
+    }
+    // Far more than the kernel takes for a client that does not read.
+    static QByteArray largePicture() {
+        QByteArray text;
+        for (int i = 0; i < 2000000; ++i)
+            text += QByteArray::number(i);
+        return text;
+    }
+    std::unique_ptr<RawSocket> askAndDoNotRead(const char* name) {
+        auto socket = std::make_unique<RawSocket>(port());
+        socket->write("GET /api/artwork?uri=" + fileUrl(name).toPercentEncoding() +
+                      " HTTP/1.1\r\nHost: localhost\r\n\r\n");
+        EXPECT_TRUE(waitFor([&] { return socket->hasBytes(); }));
+        return socket;
     }
     QByteArray fileUrl(const char* name) {
         return QUrl::fromLocalFile(m_folder.filePath(QString::fromLatin1(name))).toEncoded();
@@ -91,4 +108,81 @@ TEST_F(GatewayArtwork, withoutAMusicFolderThereAreNoPictures) {
     restart();
     EXPECT_EQ(ask(fileUrl("music/A & B/cover.png")).status, 404);
     EXPECT_EQ(ask("file:///etc/hostname").status, 404);
+}
+
+TEST_F(GatewayArtwork, aLargePictureComesWhole) {
+    const QByteArray picture = largePicture();
+    write("music/large.png", picture);
+    EXPECT_EQ(ask(fileUrl("music/large.png")).body, picture);
+    write("music/empty.png", "");
+    const HttpAnswer empty = ask(fileUrl("music/empty.png"));
+    EXPECT_EQ(empty.status, 200);
+    EXPECT_EQ(empty.body, "");
+}
+
+TEST_F(GatewayArtwork, headOfAPictureNamesItsLength) {
+    write("music/large.png", largePicture());
+    HttpClient http(port());
+    http.write("HEAD /api/artwork?uri=" + fileUrl("music/large.png").toPercentEncoding() +
+               " HTTP/1.1\r\nHost: localhost\r\n\r\n");
+    const HttpAnswer answer = http.readAnswer(true);
+    EXPECT_EQ(answer.status, 200);
+    EXPECT_EQ(answer.headers.value("content-length"), QByteArray::number(largePicture().size()));
+    EXPECT_FALSE(answer.headers.value("etag").isEmpty());
+    EXPECT_EQ(http.get("/api/paths").status, 200);
+}
+
+TEST_F(GatewayArtwork, aPictureThatGrowsMeanwhileHasTheSizeItHadAtFirst) {
+    const QByteArray picture = largePicture();
+    write("music/large.png", picture);
+    const auto client = askAndDoNotRead("music/large.png");
+    QFile file(m_folder.filePath("music/large.png"));
+    ASSERT_TRUE(file.open(QIODevice::Append));
+    file.write("more");
+    file.close();
+    client->write("GET /api/paths HTTP/1.1\r\nHost: localhost\r\n\r\n");
+    QByteArray got;
+    EXPECT_TRUE(waitFor([&] {
+        got = client->read();
+        return got.endsWith('}');
+    }));
+    EXPECT_TRUE(got.contains("\r\n\r\n" + picture + "HTTP/1.1 200 OK\r\n"));
+}
+
+TEST_F(GatewayArtwork, aPictureThatShrinksMeanwhileEndsItsConnectionAndNoOther) {
+    write("music/large.png", largePicture());
+    const auto client = askAndDoNotRead("music/large.png");
+    const auto gone = askAndDoNotRead("music/large.png");
+    ASSERT_EQ(::truncate(QFile::encodeName(m_folder.filePath("music/large.png")).constData(), 10),
+              0);
+    ASSERT_TRUE(QFile::remove(m_folder.filePath("music/large.png")));
+    QByteArray got;
+    EXPECT_TRUE(waitFor([&] {
+        got = client->read();
+        return client->isClosed();
+    }));
+    EXPECT_LT(got.size(), largePicture().size());
+    EXPECT_EQ(ask(fileUrl("music/A & B/cover.png")).body, "png");
+}
+
+TEST_F(GatewayArtwork, aPipeIsNoPictureAndIsNotWaitedFor) {
+    ASSERT_EQ(::mkfifo(QFile::encodeName(m_folder.filePath("music/pipe.png")).constData(), 0600),
+              0);
+    EXPECT_EQ(ask(fileUrl("music/pipe.png")).status, 404);
+}
+
+TEST_F(GatewayArtwork, onlySoManyFilesAreSentAtATime) {
+    write("music/large.png", largePicture());
+    restart({{"musicDir", m_folder.filePath("music")}, {"gateway/maxFiles", "2"}});
+    auto first = askAndDoNotRead("music/large.png");
+    const auto second = askAndDoNotRead("music/large.png");
+    const HttpAnswer refused = ask(fileUrl("music/A & B/cover.png"));
+    EXPECT_EQ(refused.status, 503);
+    EXPECT_EQ(refused.headers.value("retry-after"), "1");
+    EXPECT_EQ(refused.body, R"({"error":{"name":"TooManyAnswers","title":"Too many answers",)"
+                            R"("message":"Too many answers wait to be taken."}})");
+    // What needs no file is answered, and a place that is given back is taken.
+    EXPECT_EQ(HttpClient(port()).get("/api/paths").status, 200);
+    first.reset();
+    EXPECT_TRUE(waitFor([&] { return ask(fileUrl("music/A & B/cover.png")).status == 200; }));
 }

@@ -126,6 +126,21 @@ TEST_F(GatewayLimits, anAnswerOfExactlyTheLimitComesAndALargerOneIsRefused) {
     }
 }
 
+TEST_F(GatewayLimits, answersThatAreNotTakenHaveASum) {
+    restart({{"gateway/maxAnswersBytes", 1000}});
+    // A single one always fits.
+    auto slow = std::make_unique<RawSocket>(port());
+    slow->write("GET /api/rows?path=test:big HTTP/1.1\r\nHost: localhost\r\n\r\n");
+    ASSERT_TRUE(waitFor([&] { return slow->hasBytes(); }));
+    HttpClient http(port());
+    const HttpAnswer refused = http.get("/api/rows?path=test:list");
+    EXPECT_EQ(refused.status, 503);
+    EXPECT_EQ(refused.headers.value("retry-after"), "1");
+    EXPECT_EQ(refused.errorName(), "TooManyAnswers");
+    slow.reset();
+    EXPECT_TRUE(waitFor([&] { return http.get("/api/rows?path=test:list").status == 200; }));
+}
+
 TEST_F(GatewayLimits, theNumberOfEventStreamsIsAKey) {
     restart({{"gateway/maxEventStreams", 2}});
     HttpClient one(port());
