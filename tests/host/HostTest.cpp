@@ -1,3 +1,6 @@
+#include <sys/file.h>
+#include <sys/stat.h>
+
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
@@ -88,6 +91,45 @@ TEST_F(Host, aSecondHostOnTheSameFolderIsRefused) {
                                    .arg(first.pid()));
     EXPECT_EQ(probeLog().filter("create probe").size(), 1);
     EXPECT_EQ(first.endBy(SIGTERM), 0);
+}
+
+TEST_F(Host, aSecondHostIsRefusedWhenTheLockFileIsGone) {
+    HostProcess first(arguments());
+    ASSERT_TRUE(first.waitUntilReady());
+    ASSERT_TRUE(QFile::remove(data("orvo-host.lock")));
+    HostProcess second(arguments());
+    EXPECT_EQ(second.end(), 1);
+    EXPECT_EQ(
+        second.errors(),
+        QString("orvo-host: the data folder %1 is in use by another process\n").arg(path("data")));
+    EXPECT_FALSE(QFile::exists(data("orvo-host.lock"))) << "whose number would it hold?";
+    EXPECT_EQ(first.endBy(SIGTERM), 0);
+}
+
+// Older hosts lock the file alone.
+TEST_F(Host, aHostThatHoldsTheLockFileKeepsOthersOut) {
+    ASSERT_TRUE(QDir().mkpath(path("data")));
+    QFile lock(data("orvo-host.lock"));
+    ASSERT_TRUE(lock.open(QIODevice::ReadWrite));
+    lock.write("4711\n");
+    lock.flush();
+    ASSERT_EQ(::flock(lock.handle(), LOCK_EX), 0);
+    HostProcess host(arguments());
+    EXPECT_EQ(host.end(), 1);
+    EXPECT_EQ(
+        host.errors(),
+        QString("orvo-host: the data folder %1 is in use by process 4711\n").arg(path("data")));
+}
+
+TEST_F(Host, aPipeAsLockFileIsAnError) {
+    ASSERT_TRUE(QDir().mkpath(path("data")));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(data("orvo-host.lock")).constData(), 0600), 0);
+    HostProcess host(arguments());
+    EXPECT_EQ(host.end(), 1);
+    EXPECT_EQ(
+        host.errors(),
+        QString("orvo-host: cannot lock the data folder %1: orvo-host.lock is no regular file\n")
+            .arg(path("data")));
 }
 
 TEST_F(Host, aKilledHostLeavesNoLockBehind) {
