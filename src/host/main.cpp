@@ -43,6 +43,8 @@ int run(const HostOptions& options, const LogSetup& log, const SignalWatcher& si
         return fail(log, Failure, error);
 
     CMRootWorker root(data.settingsFile());
+    if (!root.values()->readError().isEmpty())
+        return fail(log, Failure, root.values()->readError());
     Settings::applyFactorySettings(&root, data.settingsFile());
     switch (Settings::apply(&root, options.settings(), &error)) {
     case Settings::Outcome::Applied:

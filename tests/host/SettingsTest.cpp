@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -78,6 +80,41 @@ TEST_F(HostSettings, damagedSettingsAreKeptAsideAndTheDeviceStartsAsNew) {
     EXPECT_EQ(run(), 0);
     EXPECT_EQ(stored(), (QJsonObject{{Queue, true}, {Collections, true}}));
     EXPECT_EQ(read(data("settings.json.damaged")), "{\"settings:pl");
+}
+
+TEST_F(HostSettings, thatAreNoRegularFileEndTheStartAndStay) {
+    EXPECT_EQ(run(), 0);
+    ASSERT_TRUE(QFile::remove(data("settings.json")));
+    const QByteArray file = QFile::encodeName(data("settings.json"));
+    ASSERT_EQ(::mkfifo(file.constData(), 0600), 0);
+    HostProcess host(arguments());
+    EXPECT_EQ(host.end(), 1);
+    EXPECT_EQ(host.errors(), QString("orvo-host: cannot read the settings %1: no regular file\n")
+                                 .arg(data("settings.json")));
+    struct stat about {};
+    ASSERT_EQ(::stat(file.constData(), &about), 0);
+    EXPECT_TRUE(S_ISFIFO(about.st_mode));
+}
+
+TEST_F(HostSettings, thatAreTooLongEndTheStartAndStay) {
+    EXPECT_EQ(run({"--set", Limit + "=7"}), 0);
+    const QByteArray kept = read(data("settings.json")).toUtf8();
+    const auto write = [&](const QByteArray& text) {
+        QFile file(data("settings.json"));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+    };
+    const QByteArray longest = kept + QByteArray(65536 - kept.size(), ' ');
+    write(longest);
+    EXPECT_EQ(run(), 0);
+    EXPECT_EQ(stored().value(Limit), 7);
+    write(longest + ' ');
+    HostProcess host(arguments({"--set", Limit + "=8"}));
+    EXPECT_EQ(host.end(), 1);
+    EXPECT_EQ(host.errors(),
+              QString("orvo-host: cannot read the settings %1: more than 65536 bytes\n")
+                  .arg(data("settings.json")));
+    EXPECT_EQ(read(data("settings.json")).toUtf8(), longest + ' ');
 }
 
 TEST_F(HostSettings, aHostKilledWhileWritingLeavesWholeSettings) {

@@ -1,5 +1,11 @@
 #include "CMValueStore.h"
 
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -103,16 +109,40 @@ bool CMValueStore::setValue(const CMPath& path, const QVariant& value, CMError* 
     return true;
 }
 
-void CMValueStore::load() {
-    QFile file(m_file);
-    if (m_file.isEmpty() || !file.exists())
-        return;
-    if (!file.open(QIODevice::ReadOnly)) {
-        LOG4CPLUS_ERROR(logger(), "cannot read settings " << m_file << ": " << file.errorString());
-        return;
+bool CMValueStore::readFile(QByteArray* text) {
+    const auto fail = [this](const QString& reason) {
+        m_readError = QStringLiteral("cannot read the settings %1: %2").arg(m_file, reason);
+        return false;
+    };
+    // Not waiting: a pipe under this name must not hold the start up.
+    const int descriptor =
+        ::open(QFile::encodeName(m_file).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return errno == ENOENT || fail(QString::fromLocal8Bit(std::strerror(errno)));
+    QFile file;
+    if (!file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+        ::close(descriptor);
+        return fail(file.errorString());
     }
+    struct stat about {};
+    if (::fstat(descriptor, &about) != 0 || !S_ISREG(about.st_mode))
+        return fail(QStringLiteral("no regular file"));
+    *text = file.read(MaxFileBytes + 1);
+    if (file.error() != QFileDevice::NoError)
+        return fail(file.errorString());
+    if (text->size() > MaxFileBytes)
+        return fail(QStringLiteral("more than %1 bytes").arg(MaxFileBytes));
+    if (text->isNull())
+        *text = QByteArray("");
+    return true;
+}
+
+void CMValueStore::load() {
+    QByteArray text;
+    if (m_file.isEmpty() || !readFile(&text) || text.isNull())
+        return;
     QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &parseError);
+    const QJsonDocument document = QJsonDocument::fromJson(text, &parseError);
     if (!document.isObject()) {
         // Kept aside, not overwritten: a person may want to look at what was in it.
         const QString aside = m_file + QStringLiteral(".damaged");
@@ -141,6 +171,10 @@ void CMValueStore::load() {
 bool CMValueStore::save(const QHash<QString, OrvoValue>& values) const {
     if (m_file.isEmpty())
         return true;
+    if (!m_readError.isEmpty()) {
+        LOG4CPLUS_ERROR(logger(), "cannot write settings: " << m_readError);
+        return false;
+    }
     QJsonObject object;
     for (const CMValueDeclaration& row : declarations()) {
         const QString path = QString::fromLatin1(row.path);

@@ -19,10 +19,18 @@ struct CMValueDeclaration {
 
 // The platform's own values. Undeclared paths, wrong keys and wrong types are refused and change
 // nothing. Persistent values are written to their file before a change counts, atomically: the file
-// holds the old state or the new one.
+// holds the old state or the new one; a change that could not be written is refused, and the next
+// one writes the file anew. A file that cannot be read stays as it is: readError() says why, there
+// are no values, and no persistent one is taken.
 class ORVO_API_EXPORT CMValueStore {
 public:
+    // Of a file that the store takes for its own. What it writes has a few hundred bytes.
+    static constexpr qint64 MaxFileBytes = 65536;
+
     explicit CMValueStore(const QString& file);
+
+    // Empty when all is well, also where there is no file yet. A damaged one is kept aside.
+    const QString& readError() const { return m_readError; }
 
     static const QList<CMValueDeclaration>& declarations();
     bool isDeclared(const CMPath& path) const { return declaration(path) != nullptr; }
@@ -36,10 +44,13 @@ public:
 
 private:
     static const CMValueDeclaration* declaration(const CMPath& path);
+    // False when the file is there and cannot be read.
+    bool readFile(QByteArray* text);
     void load();
     bool save(const QHash<QString, OrvoValue>& values) const;
 
     QString m_file;
+    QString m_readError;
     QHash<QString, OrvoValue> m_values;
 };
 

@@ -1,6 +1,7 @@
 #include "CMValueStore.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <QFile>
 #include <QJsonDocument>
@@ -240,6 +241,33 @@ TEST_F(CMValueStoreTest, aSettingsFileThatIsAFolderIsNotReplaced) {
     CMValueStore store(file);
     EXPECT_FALSE(set(store, limit, 5));
     EXPECT_TRUE(QFileInfo(file).isDir());
+}
+
+TEST_F(CMValueStoreTest, aFileThatCannotBeReadTakesNoChangeAndStays) {
+    ASSERT_EQ(::mkfifo(QFile::encodeName(file).constData(), 0600), 0);
+    LogCapture log("Settings");
+    CMValueStore store(file);
+    EXPECT_EQ(store.readError(), "cannot read the settings " + file + ": no regular file");
+    EXPECT_FALSE(set(store, limit, 5));
+    EXPECT_FALSE(store.hasValue(limit));
+    EXPECT_EQ(log.errors(), QStringList{"cannot write settings: " + store.readError()});
+    EXPECT_TRUE(set(store, target, 1)) << "what is not written needs no file";
+    struct stat about {};
+    ASSERT_EQ(::stat(QFile::encodeName(file).constData(), &about), 0);
+    EXPECT_TRUE(S_ISFIFO(about.st_mode));
+}
+
+TEST_F(CMValueStoreTest, aFileThatIsTooLongStays) {
+    const QByteArray longest =
+        R"({"settings:playlists/databaseItemsLimit": 5)" + QByteArray(65536 - 44, ' ') + "}";
+    ASSERT_EQ(longest.size(), CMValueStore::MaxFileBytes);
+    write(longest);
+    EXPECT_EQ(CMValueStore(file).value(limit).i32(), 5);
+    write(longest + '\n');
+    CMValueStore store(file);
+    EXPECT_EQ(store.readError(), "cannot read the settings " + file + ": more than 65536 bytes");
+    EXPECT_FALSE(set(store, limit, 6));
+    EXPECT_EQ(read(file), longest + '\n');
 }
 
 TEST_F(CMValueStoreTest, withoutAFileValuesLiveInMemory) {
