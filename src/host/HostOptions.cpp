@@ -1,5 +1,7 @@
 #include "HostOptions.h"
 
+#include <limits>
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
@@ -17,6 +19,22 @@ constexpr LevelRow levels[] = {
     {"trace", log4cplus::TRACE_LOG_LEVEL}, {"debug", log4cplus::DEBUG_LOG_LEVEL},
     {"info", log4cplus::INFO_LOG_LEVEL},   {"warn", log4cplus::WARN_LOG_LEVEL},
     {"error", log4cplus::ERROR_LOG_LEVEL}, {"fatal", log4cplus::FATAL_LOG_LEVEL},
+};
+
+struct LogLimitRow {
+    const char* key;
+    int LogLimits::*member;
+    int least;
+    int most;
+    bool canBeLifted;
+};
+// A line has room for its time, level and logger, and for what is said of a cut. 204800 is the
+// smallest file that log4cplus rotates.
+constexpr LogLimitRow logLimitRows[] = {
+    {"log/maxLineBytes", &LogLimits::lineBytes, 200, 1 << 30, true},
+    {"log/maxAlike", &LogLimits::alike, 1, std::numeric_limits<int>::max(), true},
+    {"log/maxFileBytes", &LogLimits::fileBytes, 204800, std::numeric_limits<int>::max(), true},
+    {"log/files", &LogLimits::files, 1, 1000, false},
 };
 
 QString absolute(const QString& file) {
@@ -58,7 +76,7 @@ std::optional<HostOptions::Ending> HostOptions::read(const QStringList& argument
         {"token-file",
          "The file with the token that clients give; needed to listen on more than the loopback.",
          "FILE"},
-        {"config", "A configuration key for the modules; repeatable.", "KEY=VALUE"},
+        {"config", "A configuration key for the log or the modules; repeatable.", "KEY=VALUE"},
         {"module", "Load this module; repeatable, replaces the default list.", "FILE"},
         {"log-level", "The least level to log: trace, debug, info, warn, error or fatal.", "LEVEL",
          "info"},
@@ -102,6 +120,8 @@ std::optional<HostOptions::Ending> HostOptions::read(const QStringList& argument
     if (auto error = readPairs(QStringLiteral("--config takes KEY=VALUE, not \"%1\""),
                                parser.values(QStringLiteral("config")), &m_config))
         return wrong(*error);
+    if (auto error = readLogLimits())
+        return wrong(*error);
 
     m_dataDir = absolute(parser.value(QStringLiteral("data")));
     m_musicDir = absolute(parser.value(QStringLiteral("music")));
@@ -134,6 +154,26 @@ std::optional<QString> HostOptions::readLogLevel(const QString& text) {
         }
     }
     return QStringLiteral("there is no log level \"%1\"").arg(text);
+}
+
+std::optional<QString> HostOptions::readLogLimits() {
+    for (const auto& [key, value] : qAsConst(m_config)) {
+        for (const LogLimitRow& row : logLimitRows) {
+            if (key != QLatin1String(row.key))
+                continue;
+            bool isNumber = false;
+            const int number = value.toInt(&isNumber);
+            const bool lifts = row.canBeLifted && number == 0;
+            if (!isNumber || (!lifts && (number < row.least || number > row.most)))
+                return QStringLiteral("%1 takes %2a number from %3 to %4, not \"%5\"")
+                    .arg(key, row.canBeLifted ? QStringLiteral("0 or ") : QString())
+                    .arg(row.least)
+                    .arg(row.most)
+                    .arg(value);
+            m_logLimits.*row.member = number;
+        }
+    }
+    return {};
 }
 
 std::optional<QString> HostOptions::readAudioSink(const QString& text) {

@@ -9,6 +9,8 @@
 #include <QStringList>
 #include <QVariant>
 
+#include "LogLimits.h"
+
 // What the command line asks for. A value; all file names in it are absolute, because the process
 // moves to its data folder afterwards.
 class HostOptions {
@@ -29,6 +31,8 @@ public:
     log4cplus::LogLevel logLevel() const { return m_logLevel; }
     // Empty: standard error.
     QString logFile() const { return m_logFile; }
+    // The --config values whose keys begin with log/.
+    LogLimits logLimits() const { return m_logLimits; }
     // The --set values in the order given: path and value text.
     QList<QPair<QString, QString>> settings() const { return m_settings; }
 
@@ -38,6 +42,7 @@ public:
 private:
     std::optional<QString> readListen(const QString& text);
     std::optional<QString> readLogLevel(const QString& text);
+    std::optional<QString> readLogLimits();
     std::optional<QString> readAudioSink(const QString& text);
     static std::optional<QString> readPairs(const QString& complaint, const QStringList& texts,
                                             QList<QPair<QString, QString>>* pairs);
@@ -53,5 +58,6 @@ private:
     QStringList m_modules;
     QList<QPair<QString, QString>> m_settings;
     QList<QPair<QString, QString>> m_config;
+    LogLimits m_logLimits;
     log4cplus::LogLevel m_logLevel = log4cplus::INFO_LOG_LEVEL;
 };

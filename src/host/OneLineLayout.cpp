@@ -1,5 +1,6 @@
 #include "OneLineLayout.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <log4cplus/spi/loggingevent.h>
 #include <string_view>
@@ -19,6 +20,13 @@ constexpr Rearranging RearrangingTexts[] = {
     {"\u2068", "\\u2068"}, {"\u2069", "\\u2069"},
 };
 
+constexpr std::string_view CutMark = "… (cut)";
+
+// Within a character of several bytes.
+bool isContinuation(unsigned char byte) {
+    return (byte & 0xc0) == 0x80;
+}
+
 const Rearranging* rearrangingAt(std::string_view text) {
     for (const Rearranging& row : RearrangingTexts) {
         if (text.substr(0, row.bytes.size()) == row.bytes)
@@ -34,21 +42,29 @@ void OneLineLayout::formatAndAppend(log4cplus::tostream& output,
     constexpr std::size_t LevelWidth = 5;
     std::string level = log4cplus::getLogLevelManager().toString(event.getLogLevel());
     level.resize(std::max(level.size(), LevelWidth), ' ');
-    output << log4cplus::helpers::getFormattedTime("%Y-%m-%d %H:%M:%S.%q", event.getTimestamp())
-           << ' ' << level << ' ' << event.getLoggerName() << " - " << escaped(event.getMessage())
-           << '\n';
+    const std::string head =
+        log4cplus::helpers::getFormattedTime("%Y-%m-%d %H:%M:%S.%q", event.getTimestamp()) + ' ' +
+        level + ' ' + event.getLoggerName() + " - ";
+    const std::size_t taken = head.size() + 1;
+    std::size_t room = std::string::npos;
+    if (m_maxBytes > 0)
+        room = std::max(m_maxBytes, taken) - taken;
+    output << head << escaped(event.getMessage(), room) << '\n';
 }
 
-std::string OneLineLayout::escaped(const std::string& text) {
+std::string OneLineLayout::escaped(const std::string& text, std::size_t room) {
     std::string result;
-    result.reserve(text.size());
+    result.reserve(std::min(text.size(), room));
+    std::size_t beforeMark = 0; // characters up to here leave room for the mark
     const auto append = [&result](unsigned code) {
         char escape[8];
         std::snprintf(escape, sizeof escape, "\\x%02x", code);
         result += escape;
     };
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (std::size_t i = 0; i < text.size() && result.size() <= room; ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);
+        if (!isContinuation(byte) && result.size() + CutMark.size() <= room)
+            beforeMark = result.size();
         const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
         constexpr unsigned char Delete = 0x7f;
         // U+0080 to U+009F, which are C2 80 to C2 9F in UTF-8, steer terminals as well.
@@ -68,5 +84,7 @@ std::string OneLineLayout::escaped(const std::string& text) {
         } else
             result += text[i];
     }
+    if (result.size() > room)
+        result.replace(beforeMark, std::string::npos, CutMark);
     return result;
 }

@@ -32,7 +32,7 @@ int fail(const LogSetup& log, int exitStatus, const QString& text) {
     return exitStatus;
 }
 
-int run(const HostOptions& options, const LogSetup& log, const SignalWatcher& signalWatcher) {
+int run(const HostOptions& options, LogSetup& log, const SignalWatcher& signalWatcher) {
     if (!log.fileError().isEmpty())
         return fail(log, Failure,
                     QStringLiteral("cannot write the log file %1: %2")
@@ -45,6 +45,7 @@ int run(const HostOptions& options, const LogSetup& log, const SignalWatcher& si
     CMRootWorker root(data.settingsFile());
     if (!root.values()->readError().isEmpty())
         return fail(log, Failure, root.values()->readError());
+    cmConnect(&root, &CMRootWorker::requestBegins, qApp, [&log] { log.beginRequest(); });
     Settings::applyFactorySettings(&root, data.settingsFile());
     switch (Settings::apply(&root, options.settings(), &error)) {
     case Settings::Outcome::Applied:
@@ -92,6 +93,6 @@ int main(int argc, char** argv) {
         return ending->exitStatus;
     }
     const SignalWatcher signalWatcher;
-    const LogSetup log(options.logLevel(), options.logFile());
+    LogSetup log(options.logLevel(), options.logFile(), options.logLimits());
     return run(options, log, signalWatcher);
 }

@@ -57,6 +57,23 @@ TEST(HostOptionsTest, furtherKeysReachTheModulesUnlessTheyHaveAnOption) {
     EXPECT_EQ(config.value("gateway/tokenFile"), QDir::currentPath() + "/t");
 }
 
+TEST(HostOptionsTest, theLogHasItsLimits) {
+    HostOptions options;
+    ASSERT_FALSE(read(&options, {}));
+    EXPECT_EQ(options.logLimits().lineBytes, 2048);
+    EXPECT_EQ(options.logLimits().alike, 20);
+    EXPECT_EQ(options.logLimits().fileBytes, 10485760);
+    EXPECT_EQ(options.logLimits().files, 5);
+    HostOptions other;
+    ASSERT_FALSE(
+        read(&other, {"--config", "log/maxLineBytes=0", "--config", "log/maxAlike=0", "--config",
+                      "log/maxFileBytes=0", "--config", "log/files=1", "--config", "log/files=2"}));
+    EXPECT_EQ(other.logLimits().lineBytes, 0);
+    EXPECT_EQ(other.logLimits().alike, 0);
+    EXPECT_EQ(other.logLimits().fileBytes, 0);
+    EXPECT_EQ(other.logLimits().files, 2) << "the last one counts";
+}
+
 TEST(HostOptionsTest, everyLogLevelHasItsName) {
     const QList<QPair<const char*, log4cplus::LogLevel>> levels = {
         {"trace", log4cplus::TRACE_LOG_LEVEL}, {"debug", log4cplus::DEBUG_LOG_LEVEL},
@@ -101,6 +118,14 @@ TEST(HostOptionsTest, aWrongCallHasStatusTwoAndSaysWhatIsWrong) {
         {{"--set", "=1"}, "--set takes PATH=VALUE, not \"=1\""},
         {{"--config", "a"}, "--config takes KEY=VALUE, not \"a\""},
         {{"--token-file", ""}, "--token-file needs a value"},
+        {{"--config", "log/files=0"}, "log/files takes a number from 1 to 1000, not \"0\""},
+        {{"--config", "log/files=five"}, "log/files takes a number from 1 to 1000, not \"five\""},
+        {{"--config", "log/maxAlike=-1"},
+         "log/maxAlike takes 0 or a number from 1 to 2147483647, not \"-1\""},
+        {{"--config", "log/maxLineBytes=199"},
+         "log/maxLineBytes takes 0 or a number from 200 to 1073741824, not \"199\""},
+        {{"--config", "log/maxFileBytes=204799"},
+         "log/maxFileBytes takes 0 or a number from 204800 to 2147483647, not \"204799\""},
     };
     for (const Case& each : cases) {
         HostOptions options;

@@ -28,4 +28,18 @@ TEST(OneLineLayoutTest, lineSeparatorsAndTurnsOfDirectionBecomeEscapes) {
     EXPECT_EQ(OneLineLayout::escaped("\u2027\u202f\u2065"), "\u2027\u202f\u2065");
 }
 
+TEST(OneLineLayoutTest, aLongTextIsCutBetweenCharactersAndSaysSo) {
+    const std::string mark = "… (cut)";
+    EXPECT_EQ(OneLineLayout::escaped("0123456789", 10), "0123456789");
+    EXPECT_EQ(OneLineLayout::escaped("0123456789a", 10), "0" + mark);
+    EXPECT_EQ(OneLineLayout::escaped("0123456789a", 9), mark);
+    EXPECT_EQ(OneLineLayout::escaped("日本日本日本", 18), "日本日本日本");
+    for (std::size_t room : {15, 16, 17})
+        EXPECT_EQ(OneLineLayout::escaped("日本日本日本", room), "日本" + mark) << room;
+    EXPECT_EQ(OneLineLayout::escaped("日本日本日本", 14), "日" + mark);
+    EXPECT_EQ(OneLineLayout::escaped(std::string(100, '\x1b'), 20), "\\x1b\\x1b" + mark);
+    EXPECT_EQ(OneLineLayout::escaped(std::string(100, '\xb5'), 20), mark)
+        << "no character ends there";
+}
+
 } // namespace

@@ -1,4 +1,5 @@
 #include <stdexcept>
+#include <sys/resource.h>
 
 #include <QFile>
 #include <QJsonDocument>
@@ -51,6 +52,45 @@ void writeSettings(QObject* parent) {
     timer->start(0);
 }
 
+// More than a log is to have of one request, then one line of the next.
+void logAlike(int lines) {
+    for (int i = 1; i <= lines; ++i)
+        LOG4CPLUS_WARN(logger(), "alike " << i);
+    QTimer::singleShot(0, [] { LOG4CPLUS_WARN(logger(), "the next turn"); });
+}
+
+void logLongName(int length) {
+    const QString name(length, QChar(0xe4));
+    LOG4CPLUS_INFO(logger(), "the name is " << name << " and no other");
+    LOG4CPLUS_INFO(logger(), "the value is " << QVariant(QVariantList{1, name}));
+    qWarning("%s", qUtf8Printable(name));
+}
+
+// Three requests in one turn of the event loop.
+void logThreeRequests() {
+    for (int request = 1; request <= 3; ++request) {
+        Q_EMIT CMRoot()->requestBegins();
+        for (int i = 1; i <= 21; ++i)
+            LOG4CPLUS_WARN(logger(), "alike " << i);
+    }
+}
+
+// A setting is stored and a line logged while no file can be opened, then again.
+void runOutOfDescriptors() {
+    rlimit files{};
+    getrlimit(RLIMIT_NOFILE, &files);
+    const rlimit none = {0, files.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    const CMVoidReply without;
+    CMRoot()->setValue(OrvoPlayListsSettingsDataBaseItemsLimitPath(), 5, without);
+    LOG4CPLUS_INFO(logger(), "without descriptors");
+    setrlimit(RLIMIT_NOFILE, &files);
+    const CMVoidReply with;
+    CMRoot()->setValue(OrvoPlayListSettingsDataBaseVacuumPath(), true, with);
+    report(QStringLiteral("without: ") + without.error().message().toString());
+    report(QStringLiteral("with: ") + with.error().message().toString());
+}
+
 } // namespace
 
 extern "C" Q_DECL_EXPORT CMAbstractWorker* worker_create(QHash<QString, QVariant> config) {
@@ -73,5 +113,19 @@ extern "C" Q_DECL_EXPORT CMAbstractWorker* worker_create(QHash<QString, QVariant
     auto* worker = new ProbeWorker(config);
     if (mode == "write")
         writeSettings(worker);
+    if (mode == "alike")
+        QTimer::singleShot(0, [] { logAlike(600'000); });
+    if (mode == "some")
+        QTimer::singleShot(0, [] { logAlike(21); });
+    if (mode == "requests")
+        QTimer::singleShot(0, logThreeRequests);
+    if (mode == "flood")
+        QTimer::singleShot(0, [] { logAlike(20'000); });
+    if (mode == "huge")
+        logLongName(8'000'000);
+    if (mode == "long")
+        logLongName(10'000);
+    if (mode == "descriptors")
+        runOutOfDescriptors();
     return worker;
 }

@@ -98,7 +98,10 @@ GatewayWorker::GatewayWorker(const QHash<QString, QVariant>& config)
       m_limits(httpLimits(config)),
       m_server(
           m_limits, [this](const HttpRequest& request) { return admit(request); },
-          [this](const std::shared_ptr<HttpExchange>& exchange) { m_router.handle(exchange); }) {}
+          [this](const std::shared_ptr<HttpExchange>& exchange) {
+              Q_EMIT CMRoot()->requestBegins();
+              m_router.handle(exchange);
+          }) {}
 
 HttpServer::Admission GatewayWorker::admit(const HttpRequest& request) const {
     return {m_door.refusal(request), qMin(ApiRouter::maxBody(request), m_limits.bodyBytes)};

@@ -15,6 +15,9 @@ ORVO_API_EXPORT std::ostream& operator<<(std::ostream& out, const QString& text)
 ORVO_API_EXPORT std::ostream& operator<<(std::ostream& out, const QVariant& value);
 ORVO_API_EXPORT std::ostream& operator<<(std::ostream& out, const CMPath& path);
 ORVO_API_EXPORT std::ostream& operator<<(std::ostream& out, const QStringList& texts);
+// Of a longer value just so much is written that its line is too long as well, so that a name of
+// megabytes costs no more than what the log keeps of it. 0, where it begins: values are whole.
+ORVO_API_EXPORT void cmSetMaxLogText(int characters);
 
 // The scoped "Enter" line: the full signature and, where given, the arguments as name=value pairs.
 // The arguments are evaluated only when trace is on. They go on with the stream, so they stand

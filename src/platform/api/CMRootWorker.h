@@ -42,6 +42,9 @@ public:
     void matchRowRequest(const CMMatchRowRequest& request) override;
 
 Q_SIGNALS:
+    // What takes requests from outside says that another one begins: the host's log has limits of
+    // what it writes for one.
+    void requestBegins();
     // The first watcher of a value came, or its last one left.
     void valueWatched(const CMPath& path, bool watched);
 

@@ -54,6 +54,35 @@ TEST(CMLog, hashesAndListsPrintAsJson) {
     EXPECT_EQ(printed(QVariant(QStringList{"a", "b"})), R"(["a","b"])");
 }
 
+TEST(CMLog, ofALongValueNoMoreIsPrintedThanALineHolds) {
+    const QString text(1'000'000, 'x');
+    const QString name = "name";
+    const QVariantList numbers = QVector<QVariant>(100'000, 12).toList();
+    cmSetMaxLogText(100);
+    const std::string textCut = printed(text);
+    const std::string pathCut = printed(CMPath("a:" + text));
+    const std::string listCut = printed(QStringList({name, text, text}));
+    const std::string namesCut = printed(QStringList(QVector<QString>(100'000, name).toList()));
+    const std::string jsonCut = printed(QVariant(QVariantMap{{"a", QVariantList{1, text, text}}}));
+    const std::string numbersCut = printed(QVariant(numbers));
+    const std::string keyCut = printed(QVariant(QVariantHash{{text, 1}}));
+    const std::string shortOnes = printed(QVariant(QVariantList{name, 1, QVariantHash{{"a", 2}}}));
+    const std::string exactlyAsLong = printed(text.left(100));
+    cmSetMaxLogText(0);
+    // A character too much each, so that the log cuts the line and says so.
+    EXPECT_EQ(textCut, std::string(101, 'x'));
+    EXPECT_EQ(pathCut, "a:" + std::string(99, 'x'));
+    EXPECT_EQ(listCut, "name, " + std::string(101, 'x'));
+    EXPECT_EQ(jsonCut.substr(0, 10), R"({"a":[1,"x)");
+    for (const std::string& cut : {namesCut, jsonCut, numbersCut, keyCut}) {
+        EXPECT_GT(cut.size(), 100U) << cut;
+        EXPECT_LT(cut.size(), 400U) << cut;
+    }
+    EXPECT_EQ(shortOnes, R"(["name",1,{"a":2}])");
+    EXPECT_EQ(exactlyAsLong, std::string(100, 'x'));
+    EXPECT_EQ(printed(text), text.toStdString());
+}
+
 TEST(CMLog, rolesPrintTheTextOfTheirTitle) {
     OrvoRoles roles;
     roles.setTitle(TrString("C", "Playlist - %1", {"Mix"}));
