@@ -11,6 +11,7 @@
 #include "HostOptions.h"
 #include "LogSetup.h"
 #include "ModuleLoader.h"
+#include "OpenFiles.h"
 #include "Settings.h"
 #include "SignalWatcher.h"
 
@@ -32,7 +33,8 @@ int fail(const LogSetup& log, int exitStatus, const QString& text) {
     return exitStatus;
 }
 
-int run(const HostOptions& options, LogSetup& log, const SignalWatcher& signalWatcher) {
+int run(const HostOptions& options, LogSetup& log, long maxOpenFiles,
+        const SignalWatcher& signalWatcher) {
     if (!log.fileError().isEmpty())
         return fail(log, Failure,
                     QStringLiteral("cannot write the log file %1: %2")
@@ -41,6 +43,10 @@ int run(const HostOptions& options, LogSetup& log, const SignalWatcher& signalWa
     DataFolder data(options.dataDir());
     if (!data.take(&error))
         return fail(log, Failure, error);
+
+    if (maxOpenFiles < OpenFiles::Wanted)
+        LOG4CPLUS_WARN(logger(), "no more than " << maxOpenFiles << " files can be open at once, "
+                                                 << OpenFiles::Wanted << " are wanted");
 
     CMRootWorker root(data.settingsFile());
     if (!root.values()->readError().isEmpty())
@@ -84,6 +90,14 @@ int main(int argc, char** argv) {
     // File names and arguments are UTF-8 whatever the environment's locale is: a service often runs
     // without one.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    // Before the application, which ends the process where it gets no descriptor.
+    const long maxOpenFiles = OpenFiles::raiseLimit();
+    if (maxOpenFiles < OpenFiles::Least) {
+        std::fprintf(stderr,
+                     "orvo-host: no more than %ld files can be open at once, %ld are needed\n",
+                     maxOpenFiles, OpenFiles::Least);
+        return Failure;
+    }
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("orvo-host"));
 
@@ -94,5 +108,5 @@ int main(int argc, char** argv) {
     }
     const SignalWatcher signalWatcher;
     LogSetup log(options.logLevel(), options.logFile(), options.logLimits());
-    return run(options, log, signalWatcher);
+    return run(options, log, maxOpenFiles, signalWatcher);
 }

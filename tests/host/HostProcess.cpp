@@ -9,14 +9,15 @@ constexpr int LimitMs = 20000;
 }
 
 HostProcess::HostProcess(const QStringList& arguments, const QString& mode,
-                         const QString& workingDir) {
+                         const QString& workingDir, const QString& before) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("ORVO_PROBE", mode);
     // The poorest of locales, as a service has it.
     environment.insert("LC_ALL", "C");
     m_process.setProcessEnvironment(environment);
     m_process.setWorkingDirectory(workingDir);
-    m_process.start(ORVO_HOST, arguments);
+    m_process.start("/bin/sh",
+                    QStringList{"-c", before + R"( && exec "$0" "$@")", ORVO_HOST} + arguments);
     EXPECT_TRUE(m_process.waitForStarted(LimitMs));
 }
 

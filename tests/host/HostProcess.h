@@ -10,9 +10,9 @@
 // One run of the built orvo-host. Ended by its destructor if it still runs.
 class HostProcess {
 public:
-    // `mode` is what the probe module does.
+    // `mode` is what the probe module does, `before` a shell's command that comes first ("ulimit").
     HostProcess(const QStringList& arguments, const QString& mode = {},
-                const QString& workingDir = {});
+                const QString& workingDir = {}, const QString& before = "true");
     ~HostProcess();
 
     // False when the process ends instead.

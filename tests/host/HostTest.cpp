@@ -164,6 +164,36 @@ TEST_F(Host, aDataFolderThatCannotBeMadeIsAnError) {
               QString("orvo-host: cannot make the data folder %1\n").arg(path("data")));
 }
 
+TEST_F(Host, asManyFilesCanBeOpenAsTheSystemAllows) {
+    HostProcess host(arguments(), {}, {}, "ulimit -Sn 128 && ulimit -Hn 2048");
+    ASSERT_TRUE(host.waitUntilReady()) << qPrintable(host.errors());
+    const QString limits = read(QString("/proc/%1/limits").arg(host.pid()));
+    static const QRegularExpression openFiles("Max open files +2048 +2048 ");
+    EXPECT_TRUE(openFiles.match(limits).hasMatch()) << qPrintable(limits);
+    EXPECT_EQ(host.endBy(SIGTERM), 0);
+    EXPECT_FALSE(host.errors().contains("WARN")) << qPrintable(host.errors());
+}
+
+TEST_F(Host, aLimitOfOpenFilesThatIsTooLowIsSaidOnce) {
+    HostProcess host(arguments(), {}, {}, "ulimit -n 100");
+    ASSERT_TRUE(host.waitUntilReady()) << qPrintable(host.errors());
+    EXPECT_EQ(host.endBy(SIGTERM), 0);
+    EXPECT_EQ(host.errors().count("WARN  Host - no more than 100 files can be open at once, "
+                                  "1024 are wanted\n"),
+              1)
+        << qPrintable(host.errors());
+}
+
+TEST_F(Host, tooFewFilesForAStartAreAnError) {
+    for (int number : {8, 32, 63}) {
+        HostProcess host(arguments(), {}, {}, QString("ulimit -n %1").arg(number));
+        EXPECT_EQ(host.end(), 1) << number;
+        EXPECT_EQ(host.errors(), QString("orvo-host: no more than %1 files can be open at once, "
+                                         "64 are needed\n")
+                                     .arg(number));
+    }
+}
+
 TEST_F(Host, theLogHasTimeLevelLoggerAndMessageInOneLine) {
     HostProcess host(arguments(), "forge");
     ASSERT_TRUE(host.waitUntilReady());

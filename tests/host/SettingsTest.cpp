@@ -117,6 +117,21 @@ TEST_F(HostSettings, thatAreTooLongEndTheStartAndStay) {
     EXPECT_EQ(read(data("settings.json")).toUtf8(), longest + ' ');
 }
 
+TEST_F(HostSettings, thatCannotBeWrittenForWantOfDescriptorsAreRefusedAndTheNextOnesKept) {
+    HostProcess host(arguments(), "descriptors");
+    ASSERT_TRUE(host.waitUntilReady()) << qPrintable(host.errors());
+    EXPECT_EQ(host.endBy(SIGTERM), 0);
+    EXPECT_TRUE(probeLog().contains("without: The setting could not be written."));
+    EXPECT_TRUE(probeLog().contains("with: "));
+    EXPECT_TRUE(host.errors().contains("ERROR Settings - cannot write settings " +
+                                       data("settings.json") + ": Too many open files\n"))
+        << qPrintable(host.errors());
+    EXPECT_TRUE(host.errors().contains("INFO  Probe - without descriptors\n"));
+    EXPECT_EQ(stored(), (QJsonObject{{Queue, true},
+                                     {Collections, true},
+                                     {"settings:playlists/databaseVacuum", true}}));
+}
+
 TEST_F(HostSettings, aHostKilledWhileWritingLeavesWholeSettings) {
     int last = -1;
     for (int round = 0; round < 15; ++round) {
