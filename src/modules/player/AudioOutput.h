@@ -18,8 +18,9 @@ public:
 
     // Set when everything has to come in one format.
     virtual std::optional<AudioFormat> requiredFormat() const { return {}; }
-    // Takes sound in this format from now on; what was not heard yet never will be.
-    virtual void start(const AudioFormat& format) = 0;
+    // Takes sound in this format from now on; what was not heard yet never will be. False when
+    // there are no means for it.
+    virtual bool start(const AudioFormat& format) = 0;
     // Ends what sounds, at once.
     virtual void stop() = 0;
     virtual bool hasRoom() = 0;
@@ -31,7 +32,8 @@ public:
     virtual void setPaused(bool) {}
     // 0 to 100. What is recorded instead of heard is not changed by it.
     virtual void setVolume(int) {}
-    virtual void fallBack() {}
+    // False when there are no means for that either.
+    virtual bool fallBack() { return true; }
 
     // "auto": the machine's sound device, or silence in real time where there is none. "null": no
     // sound, as fast as it can. "wav=FILE": everything that sounds, into that file. Null, with

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <gst/app/gstappsrc.h>
 
+#include "Descriptors.h"
 #include "PlayerLog.h"
 
 namespace {
@@ -55,20 +56,20 @@ void DeviceOutput::close() {
 
 bool DeviceOutput::open(const char* sinkFactory) {
     close();
-    GstElement* sink = gst_element_factory_make(sinkFactory, nullptr);
-    if (!sink)
+    if (!descriptorsAreFree(DescriptorsOfAPipeline))
         return false;
-    m_sink = sink;
     m_pipeline.reset(gst_pipeline_new(nullptr));
-    m_source = gst_element_factory_make("appsrc", nullptr);
-    m_loudness = gst_element_factory_make("volume", nullptr);
-    GstElement* convert = gst_element_factory_make("audioconvert", nullptr);
-    GstElement* resample = gst_element_factory_make("audioresample", nullptr);
-    CM_ASSERT(m_source && m_loudness && convert && resample,
-              "GStreamer's base plugins are missing");
+    m_source = addElement(m_pipeline.get(), "appsrc");
+    m_loudness = addElement(m_pipeline.get(), "volume");
+    GstElement* convert = addElement(m_pipeline.get(), "audioconvert");
+    GstElement* resample = addElement(m_pipeline.get(), "audioresample");
+    GstElement* sink = addElement(m_pipeline.get(), sinkFactory);
+    m_sink = sink;
+    if (!m_source || !m_loudness || !convert || !resample || !sink) {
+        close();
+        return false;
+    }
     g_object_set(m_source, "format", GST_FORMAT_TIME, "max-bytes", guint64(0), nullptr);
-    gst_bin_add_many(GST_BIN(m_pipeline.get()), m_source, m_loudness, convert, resample, sink,
-                     nullptr);
     gst_element_link_many(m_source, m_loudness, convert, resample, sink, nullptr);
     if (gst_element_set_state(m_pipeline.get(), GST_STATE_READY) == GST_STATE_CHANGE_FAILURE) {
         close();
@@ -84,19 +85,21 @@ bool DeviceOutput::open(const char* sinkFactory) {
     return true;
 }
 
-void DeviceOutput::openSilence() {
-    CM_ASSERT(open("fakesink"), "GStreamer's core elements are missing");
+bool DeviceOutput::openSilence() {
+    if (!open("fakesink"))
+        return false;
     if (!m_silenceSaid)
         LOG4CPLUS_WARN(playerLog(), "no sound device, playing silently in real time");
     m_silenceSaid = true;
+    return true;
 }
 
-void DeviceOutput::openDevice() {
+bool DeviceOutput::openDevice() {
     m_lastLook = std::chrono::steady_clock::now();
     if (!open(m_sinkFactory.c_str()) || m_silent)
-        openSilence();
-    else
-        m_silenceSaid = false;
+        return openSilence();
+    m_silenceSaid = false;
+    return true;
 }
 
 // Back to where nothing was played yet. False when the device is no longer there.
@@ -106,10 +109,13 @@ bool DeviceOutput::reopen() {
     return m_silent || !isFake(m_sink);
 }
 
-void DeviceOutput::start(const AudioFormat& format) {
+bool DeviceOutput::start(const AudioFormat& format) {
     const auto sinceLook = std::chrono::steady_clock::now() - m_lastLook;
-    if (!m_pipeline || (m_silent && sinceLook > LookAgainAfter) || !reopen())
-        openDevice();
+    const bool isOpen = m_pipeline && !(m_silent && sinceLook > LookAgainAfter) && reopen();
+    if (!isOpen && !openDevice()) {
+        m_running = false;
+        return false;
+    }
     m_running = true;
     m_taken = false;
     m_format = format;
@@ -118,6 +124,7 @@ void DeviceOutput::start(const AudioFormat& format) {
         m_written = m_base = m_late = m_heard = 0;
     }
     play();
+    return true;
 }
 
 void DeviceOutput::play() {
@@ -156,10 +163,13 @@ void DeviceOutput::setVolume(int volume) {
         g_object_set(m_loudness, "volume", std::pow(volume / 100.0, 3), nullptr);
 }
 
-void DeviceOutput::fallBack() {
+bool DeviceOutput::fallBack() {
     if (!m_broken)
-        return;
-    openSilence();
+        return true;
+    if (!openSilence()) {
+        m_running = false;
+        return false;
+    }
     m_taken = false;
     {
         // What the device still had to play counts as heard.
@@ -169,6 +179,7 @@ void DeviceOutput::fallBack() {
     }
     if (m_running)
         play();
+    return true;
 }
 
 qint64 DeviceOutput::runningFrames() const {

@@ -17,22 +17,22 @@ public:
     DeviceOutput(std::string sinkFactory, std::function<void()> failed);
     ~DeviceOutput() override;
 
-    void start(const AudioFormat& format) override;
+    bool start(const AudioFormat& format) override;
     void stop() override;
     bool hasRoom() override;
     void write(const char* data, qint64 bytes) override;
     qint64 heardFrames() override;
     void setPaused(bool paused) override;
     void setVolume(int volume) override;
-    void fallBack() override;
+    bool fallBack() override;
 
     bool isSilent() const { return m_silent; }
 
 private:
     static GstBusSyncReply onMessage(GstBus*, GstMessage* message, gpointer self);
 
-    void openDevice();
-    void openSilence();
+    bool openDevice();
+    bool openSilence();
     bool open(const char* sinkFactory);
     void close();
     bool reopen();

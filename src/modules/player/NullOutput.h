@@ -7,9 +7,10 @@
 // Takes everything as fast as it comes and keeps none of it.
 class NullOutput : public AudioOutput {
 public:
-    void start(const AudioFormat& format) override {
+    bool start(const AudioFormat& format) override {
         m_frameBytes = format.frameBytes();
         m_frames = 0;
+        return true;
     }
     void stop() override { m_frames = 0; }
     bool hasRoom() override { return true; }

@@ -34,20 +34,31 @@ void OutputFeeder::newEpoch() {
     m_sourceDone = m_sourceBroke = m_drainReported = false;
 }
 
-void OutputFeeder::begin(std::shared_ptr<TrackDecoder> decoder, qint64 positionMs) {
+bool OutputFeeder::begin(std::shared_ptr<TrackDecoder> decoder, qint64 positionMs) {
     m_decoder = std::move(decoder);
     m_format = m_decoder->format();
-    m_output->start(*m_format);
     m_written = m_itemStart = 0;
     m_itemPosition = positionMs;
     newEpoch();
+    if (m_output->start(*m_format))
+        return true;
+    breakOff();
+    return false;
 }
 
-void OutputFeeder::start(std::shared_ptr<TrackDecoder> decoder, qint64 positionMs) {
+// Nothing can be heard of what plays.
+void OutputFeeder::breakOff() {
+    m_events.push({EngineEvent::Kind::SourceFailed, m_decoder->id(), m_epoch,
+                   "the sound output cannot be opened"});
+    m_decoder.reset();
+    m_format.reset();
+}
+
+bool OutputFeeder::start(std::shared_ptr<TrackDecoder> decoder, qint64 positionMs) {
     const Rest rest(*this);
     if (positionMs > 0 && !decoder->seek(positionMs))
         positionMs = 0;
-    begin(std::move(decoder), positionMs);
+    return begin(std::move(decoder), positionMs);
 }
 
 void OutputFeeder::continueWith(std::shared_ptr<TrackDecoder> decoder) {
@@ -62,8 +73,7 @@ bool OutputFeeder::seek(qint64 ms) {
     const Rest rest(*this);
     if (!m_decoder || !m_decoder->seek(ms))
         return false;
-    begin(m_decoder, ms);
-    return true;
+    return begin(m_decoder, ms);
 }
 
 void OutputFeeder::stop() {
@@ -91,7 +101,8 @@ void OutputFeeder::setVolume(int volume) {
 
 void OutputFeeder::fallBack() {
     const Rest rest(*this);
-    m_output->fallBack();
+    if (!m_output->fallBack() && m_decoder)
+        breakOff();
 }
 
 qint64 OutputFeeder::position() const {

@@ -21,8 +21,9 @@ public:
     OutputFeeder(const OutputFeeder&) = delete;
     OutputFeeder& operator=(const OutputFeeder&) = delete;
 
-    // Plays a ready decoder from `positionMs` on, in place of whatever sounds.
-    void start(std::shared_ptr<TrackDecoder> decoder, qint64 positionMs);
+    // Plays a ready decoder from `positionMs` on, in place of whatever sounds. False, with
+    // SourceFailed to come, when the output cannot be opened.
+    bool start(std::shared_ptr<TrackDecoder> decoder, qint64 positionMs);
     // Goes on with this one, without a gap, after the one that has ended.
     void continueWith(std::shared_ptr<TrackDecoder> decoder);
     bool seek(qint64 ms);
@@ -55,8 +56,9 @@ private:
         Lock m_lock;
     };
 
-    void begin(std::shared_ptr<TrackDecoder> decoder, qint64 positionMs);
+    bool begin(std::shared_ptr<TrackDecoder> decoder, qint64 positionMs);
     void newEpoch();
+    void breakOff();
     void run();
     void carry(Lock& lock);
     void waitForTheEndToBeHeard(Lock& lock);

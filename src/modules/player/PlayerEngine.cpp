@@ -12,6 +12,11 @@ void initializeGStreamer() {
     const bool done = gst_init_check(nullptr, nullptr, &raw);
     const GErrorPtr error(raw);
     CM_ASSERT(done, error ? error->message : "GStreamer cannot be used");
+    for (const char* name : {"uridecodebin", "audioconvert", "audioresample", "appsink", "appsrc",
+                             "volume", "fakesink"}) {
+        const GstFactoryPtr factory(gst_element_factory_find(name));
+        CM_ASSERT(factory, "GStreamer's base plugins are missing");
+    }
 }
 
 std::unique_ptr<AudioOutput> makeOutput(const QString& sink, EngineEvents& events) {
@@ -153,7 +158,8 @@ bool PlayerEngine::isCurrent(const EngineEvent& event) const {
 void PlayerEngine::onDecoderReady(const EngineEvent& event) {
     if (m_current.decoder && m_current.decoder->id() == event.decoder) {
         m_current.ready = true;
-        m_feeder->start(m_current.decoder, m_startMs);
+        if (!m_feeder->start(m_current.decoder, m_startMs))
+            return;
         matchNextFormat();
         Q_EMIT started(m_current.generation);
     } else if (m_next.decoder && m_next.decoder->id() == event.decoder) {

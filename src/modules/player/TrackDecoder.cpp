@@ -5,6 +5,7 @@
 #include <cstring>
 #include <thread>
 
+#include "Descriptors.h"
 #include "PlayerLog.h"
 
 namespace {
@@ -86,7 +87,10 @@ TrackDecoder::TrackDecoder(quint64 id, const SourceRules::Source& source,
         fail(source.refusal.toStdString());
         return;
     }
-    build(wanted);
+    if (!descriptorsAreFree(DescriptorsOfAPipeline) || !build(wanted)) {
+        fail("there are not enough file descriptors or memory");
+        return;
+    }
     if (gst_element_set_state(m_pipeline.get(), GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE)
         fail("it cannot be opened"); // unless something told more already
 }
@@ -105,13 +109,16 @@ TrackDecoder::~TrackDecoder() {
     const std::lock_guard lock(m_mutex);
 }
 
-void TrackDecoder::build(const std::optional<AudioFormat>& wanted) {
+bool TrackDecoder::build(const std::optional<AudioFormat>& wanted) {
     m_pipeline.reset(gst_pipeline_new(nullptr));
-    GstElement* source = gst_element_factory_make("uridecodebin", nullptr);
-    m_convert = gst_element_factory_make("audioconvert", nullptr);
-    GstElement* resample = gst_element_factory_make("audioresample", nullptr);
-    GstElement* sink = gst_element_factory_make("appsink", nullptr);
-    CM_ASSERT(source && m_convert && resample && sink, "GStreamer's base plugins are missing");
+    GstElement* source = addElement(m_pipeline.get(), "uridecodebin");
+    m_convert = addElement(m_pipeline.get(), "audioconvert");
+    GstElement* resample = addElement(m_pipeline.get(), "audioresample");
+    GstElement* sink = addElement(m_pipeline.get(), "appsink");
+    if (!source || !m_convert || !resample || !sink) {
+        m_pipeline.reset();
+        return false;
+    }
     m_sink = GST_APP_SINK(sink);
 
     const GstCapsPtr decoded(gst_caps_from_string("audio/x-raw(ANY)"));
@@ -125,7 +132,6 @@ void TrackDecoder::build(const std::optional<AudioFormat>& wanted) {
     g_object_set(sink, "sync", FALSE, "caps", delivered.get(), "max-buffers", BuffersAhead,
                  nullptr);
 
-    gst_bin_add_many(GST_BIN(m_pipeline.get()), source, m_convert, resample, sink, nullptr);
     gst_element_link_many(m_convert, resample, sink, nullptr);
     g_signal_connect(m_pipeline.get(), "deep-element-added", G_CALLBACK(onElementAdded), this);
     g_signal_connect(source, "source-setup", G_CALLBACK(onSourceSetup), this);
@@ -139,6 +145,7 @@ void TrackDecoder::build(const std::optional<AudioFormat>& wanted) {
     const GstBusPtr bus(gst_element_get_bus(m_pipeline.get()));
     gst_bus_set_sync_handler(bus.get(), onMessage, this, nullptr);
     const std::lock_guard lock(handOver());
+    return true;
 }
 
 void TrackDecoder::ready(const AudioFormat& format) {

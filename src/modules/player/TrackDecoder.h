@@ -67,7 +67,8 @@ private:
     static GstBusSyncReply onPartsMessage(GstBus*, GstMessage* message, gpointer parts);
 
     GstPadPtr soundEntry() const;
-    void build(const std::optional<AudioFormat>& wanted);
+    // False when there are no means for it.
+    bool build(const std::optional<AudioFormat>& wanted);
     void ready(const AudioFormat& format);
     void fail(const std::string& text);
     bool isReported() const;

@@ -47,9 +47,10 @@ WavOutput::~WavOutput() {
     std::fclose(m_file);
 }
 
-void WavOutput::start(const AudioFormat& format) {
+bool WavOutput::start(const AudioFormat& format) {
     m_format = format;
     m_frames = 0;
+    return true;
 }
 
 void WavOutput::stop() {

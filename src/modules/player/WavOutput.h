@@ -16,7 +16,7 @@ public:
     ~WavOutput() override;
 
     std::optional<AudioFormat> requiredFormat() const override { return m_format; }
-    void start(const AudioFormat& format) override;
+    bool start(const AudioFormat& format) override;
     void stop() override;
     bool hasRoom() override { return true; }
     void write(const char* data, qint64 bytes) override;
