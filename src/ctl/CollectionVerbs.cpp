@@ -64,7 +64,7 @@ void CollectionVerbs::list(VerbContext& context) {
 }
 
 void CollectionVerbs::create(VerbContext& context) {
-    const QString name = context.arguments.at(0);
+    const QString name = Names::visible(context.arguments.at(0));
     const QJsonObject result =
         context.device
             .command(QStringLiteral("OrvoPlayListClCreatePath"), {{QStringLiteral("name"), name}})

@@ -83,6 +83,17 @@ Named Names::collection(const QString& text) {
     return find(collections(), text, QStringLiteral("collection"));
 }
 
+QString Names::visible(const QString& name) {
+    const QVector<uint> letters = name.toUcs4();
+    const auto isUnseen = [](uint letter) {
+        return QChar::isSpace(letter) || (QChar::category(letter) >= QChar::Other_Control &&
+                                          QChar::category(letter) <= QChar::Other_NotAssigned);
+    };
+    if (!letters.isEmpty() && std::all_of(letters.begin(), letters.end(), isUnseen))
+        throw CtlFailure::usage(QStringLiteral("a name needs something that can be seen"));
+    return name;
+}
+
 QString Names::itemsPath(const Named& playlist) {
     return playlist.id == QueueId
                ? m_device->path(QStringLiteral("OrvoPlayListPqGetItemsPath"))

@@ -34,6 +34,10 @@ public:
     // The path of a playlist's tracks.
     QString itemsPath(const Named& playlist);
 
+    // The name itself, a usage failure when nothing of it can be seen. An empty one is left to the
+    // device.
+    static QString visible(const QString& name);
+
     // The one among `all` that `text` means. `kind` is the word for messages.
     static Named find(const QVector<Named>& all, const QString& text, const QString& kind);
 

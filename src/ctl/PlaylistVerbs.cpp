@@ -80,7 +80,7 @@ void PlaylistVerbs::list(VerbContext& context) {
 }
 
 void PlaylistVerbs::create(VerbContext& context) {
-    const QString name = context.arguments.at(0);
+    const QString name = Names::visible(context.arguments.at(0));
     const QJsonObject result =
         context.device
             .command(QStringLiteral("OrvoPlayListPlCreatePath"), {{QStringLiteral("name"), name}})
@@ -97,12 +97,12 @@ void PlaylistVerbs::create(VerbContext& context) {
 }
 
 void PlaylistVerbs::rename(VerbContext& context) {
+    const QString name = Names::visible(context.arguments.at(1));
     const Named playlist = context.playlist();
     QJsonObject request = record(playlist);
-    request.insert(QStringLiteral("name"), context.arguments.at(1));
-    context.run(
-        QStringLiteral("OrvoPlayListPlSetNamePath"), request,
-        QStringLiteral("%1 is called %2 now").arg(playlist.label(), context.arguments.at(1)));
+    request.insert(QStringLiteral("name"), name);
+    context.run(QStringLiteral("OrvoPlayListPlSetNamePath"), request,
+                QStringLiteral("%1 is called %2 now").arg(playlist.label(), name));
 }
 
 void PlaylistVerbs::remove(VerbContext& context) {
@@ -181,6 +181,10 @@ void PlaylistVerbs::clear(VerbContext& context) {
 void PlaylistVerbs::merge(VerbContext& context) {
     const Named source = context.playlist(0);
     const Named target = context.playlist(1);
+    // The device would double it.
+    if (source.id == target.id)
+        throw CtlFailure::usage(
+            QStringLiteral("%1 cannot be merged into itself").arg(source.label()));
     QJsonObject request = record(target);
     request.insert(QStringLiteral("fromPlid"), source.id);
     request.insert(Items, QJsonArray());

@@ -137,3 +137,28 @@ TEST_F(CtlPlaylist, controlCharactersInNamesNeverReachTheTerminal) {
                 << words.join(' ').toStdString() << " " << c.unicode();
     }
 }
+
+TEST_F(CtlPlaylist, namesOfBlanksAloneAreRefused) {
+    playlist("Party");
+    for (const QStringList& words : {QStringList{"create", "  "},
+                                     {"create", "\n"},
+                                     {"create", QString(QChar(0x200b))},
+                                     {"rename", "Party", "\t "},
+                                     {"collection", "create", " "}}) {
+        const CtlRun run = ctl(words);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.err.split('\n').first().toStdString(),
+                  "orvoctl: a name needs something that can be seen");
+    }
+    EXPECT_EQ(m_playLists.lists.size(), 2);
+    EXPECT_TRUE(m_playLists.groups.isEmpty());
+}
+
+TEST_F(CtlPlaylist, aPlaylistIsNotMergedIntoItself) {
+    const int id = playlist("Party", {"x:a", "x:b"});
+    const CtlRun run = ctl({"merge", "Party", QStringLiteral("#%1").arg(id)});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err.split('\n').first().toStdString(),
+              "orvoctl: Party (#10) cannot be merged into itself");
+    EXPECT_EQ(m_playLists.lists.value(id).tracks.size(), 2);
+}
