@@ -66,7 +66,7 @@ void Fuzz::gateway(const QByteArray& text) {
         const PageFiles pages(world.pageFolder());
         const ArtworkFiles artwork(world.musicFolder());
         // With a token for some inputs: the door is tried open and closed.
-        const Door door({}, input.contains("Authorization: ") ? "secret-token" : QByteArray());
+        Door door({}, input.contains("Authorization: ") ? "secret-token" : QByteArray());
         ApiRouter router(&feed, &pages, &artwork, &door, {TimeoutMs});
 
         QVector<std::shared_ptr<HttpExchange>> exchanges;

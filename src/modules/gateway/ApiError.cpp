@@ -19,6 +19,8 @@ constexpr Row Rows[] = {
     {ApiError::Kind::MethodNotAllowed, 405, "MethodNotAllowed", "Method not allowed"},
     {ApiError::Kind::TooLarge, 413, "TooLarge", "Request too large"},
     {ApiError::Kind::AnswerTooLarge, 422, "AnswerTooLarge", "Answer too large"},
+    {ApiError::Kind::TooManyAttempts, 429, "TooManyAttempts", "Too many wrong tokens"},
+    {ApiError::Kind::TooManyRequests, 429, "TooManyRequests", "Too many requests"},
     {ApiError::Kind::HeadersTooLarge, 431, "HeadersTooLarge", "Request head too large"},
     {ApiError::Kind::TooManyReaders, 503, "TooManyReaders", "Too many readers"},
     {ApiError::Kind::TooManyBodies, 503, "TooManyBodies", "Too many requests"},

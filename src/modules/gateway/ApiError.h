@@ -15,6 +15,8 @@ enum class Kind {
     MethodNotAllowed,
     TooLarge,
     AnswerTooLarge,
+    TooManyAttempts,
+    TooManyRequests,
     HeadersTooLarge,
     TooManyReaders,
     TooManyBodies,

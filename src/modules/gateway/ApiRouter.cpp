@@ -376,7 +376,8 @@ void ApiRouter::postLogin(const Exchange& exchange) {
         exchange->respond(jsonResponse("{}"));
         return;
     }
-    if (!m_door->isToken(body.value(QStringLiteral("token")).toString().toUtf8())) {
+    const QByteArray token = body.value(QStringLiteral("token")).toString().toUtf8();
+    if (!m_door->isLogin(exchange->request(), token)) {
         exchange->respond(ApiError::response(ApiError::Kind::Unauthorized,
                                              QStringLiteral("This is not the device's token.")));
         return;

@@ -24,8 +24,8 @@ struct ApiLimits {
 // here fails otherwise.
 class ApiRouter {
 public:
-    ApiRouter(EventFeed* feed, const PageFiles* pages, const ArtworkFiles* artwork,
-              const Door* door, const ApiLimits& limits)
+    ApiRouter(EventFeed* feed, const PageFiles* pages, const ArtworkFiles* artwork, Door* door,
+              const ApiLimits& limits)
         : m_feed(feed), m_pages(pages), m_artwork(artwork), m_door(door), m_limits(limits) {}
 
     // How large a request's body may be, for all that the router cares; 0 where none is taken.
@@ -58,6 +58,6 @@ private:
     EventFeed* m_feed;
     const PageFiles* m_pages;
     const ArtworkFiles* m_artwork;
-    const Door* m_door;
+    Door* m_door;
     ApiLimits m_limits;
 };

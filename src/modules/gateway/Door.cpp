@@ -1,7 +1,6 @@
 #include "Door.h"
 
 #include <arpa/inet.h>
-#include <cstring>
 #include <netinet/in.h>
 
 #include <QCryptographicHash>
@@ -60,13 +59,8 @@ bool isLoopback(const QByteArray& name) {
     return inet_pton(AF_INET6, name.constData(), &v6) == 1 && IN6_IS_ADDR_LOOPBACK(&v6);
 }
 
-bool isSameAddress(const QByteArray& name, const QByteArray& address) {
-    if (name == address)
-        return true;
-    in6_addr a{};
-    in6_addr b{};
-    return inet_pton(AF_INET6, name.constData(), &a) == 1 &&
-           inet_pton(AF_INET6, address.constData(), &b) == 1 && std::memcmp(&a, &b, sizeof a) == 0;
+bool isSameAddress(const QByteArray& name, const IpAddress& address) {
+    return IpAddress::parse(name) == address;
 }
 
 // A browser that says where a request comes from has to name this page. A link elsewhere that leads
@@ -92,9 +86,20 @@ HttpResponse unauthorized(const QString& message) {
     return response;
 }
 
+HttpResponse tooManyAttempts(const IpAddress& address, int seconds) {
+    HttpResponse response =
+        ApiError::response(ApiError::Kind::TooManyAttempts,
+                           QStringLiteral("Too many wrong tokens came from %1. Try again in %2 s.")
+                               .arg(QString::fromLatin1(address.toString()))
+                               .arg(seconds));
+    response.headers.append({"Retry-After", QByteArray::number(seconds)});
+    return response;
+}
+
 } // namespace
 
-Door::Door(const QStringList& names, const QByteArray& token) {
+Door::Door(const QStringList& names, const QByteArray& token, const WrongTokens::Limits& limits)
+    : m_wrongTokens(limits) {
     for (const QString& name : names)
         m_names.append(name.trimmed().toLower().toUtf8());
     if (token.isEmpty())
@@ -111,7 +116,7 @@ void Door::setPort(quint16 port) {
     m_cookieName = "orvo-" + QByteArray::number(port);
 }
 
-std::optional<HttpResponse> Door::refusal(const HttpRequest& request) const {
+std::optional<HttpResponse> Door::refusal(const HttpRequest& request) {
     using Kind = ApiError::Kind;
     if (request.headTooLarge)
         return ApiError::response(
@@ -127,11 +132,29 @@ std::optional<HttpResponse> Door::refusal(const HttpRequest& request) const {
     if (isFromElsewhere(request))
         return ApiError::response(Kind::Forbidden,
                                   QStringLiteral("Pages from elsewhere have no access."));
-    if (wantsToken() && request.isForApi() && !isAdmitted(request))
-        return unauthorized(request.authorization.isEmpty()
-                                ? QStringLiteral("This device wants its token.")
-                                : QStringLiteral("This is not the device's token."));
+    if (wantsToken() && request.isForApi())
+        return refusalOfCredentials(request);
     return std::nullopt;
+}
+
+std::optional<HttpResponse> Door::refusalOfCredentials(const HttpRequest& request) {
+    const int seconds = m_wrongTokens.blockedSeconds(request.client);
+    if (request.path == QLatin1String(LoginPath)) {
+        if (seconds > 0)
+            return tooManyAttempts(request.client, seconds);
+        return std::nullopt;
+    }
+    if (request.authorization.isEmpty()) {
+        if (hasCookie(request))
+            return std::nullopt;
+        return unauthorized(QStringLiteral("This device wants its token."));
+    }
+    if (hasToken(request))
+        return std::nullopt;
+    if (seconds > 0)
+        return tooManyAttempts(request.client, seconds);
+    m_wrongTokens.note(request.client);
+    return unauthorized(QStringLiteral("This is not the device's token."));
 }
 
 bool Door::isOwnHost(const HttpRequest& request) const {
@@ -143,14 +166,14 @@ bool Door::isOwnHost(const HttpRequest& request) const {
                                m_names.contains(name));
 }
 
-bool Door::isAdmitted(const HttpRequest& request) const {
-    if (request.path == QLatin1String(LoginPath))
-        return true;
+bool Door::hasToken(const HttpRequest& request) const {
     constexpr char Scheme[] = "bearer ";
     constexpr int SchemeSize = sizeof Scheme - 1;
-    if (!request.authorization.isEmpty())
-        return request.authorization.left(SchemeSize).toLower() == Scheme &&
-               isToken(request.authorization.mid(SchemeSize).trimmed());
+    return request.authorization.left(SchemeSize).toLower() == Scheme &&
+           isToken(request.authorization.mid(SchemeSize).trimmed());
+}
+
+bool Door::hasCookie(const HttpRequest& request) const {
     const QByteArray start = m_cookieName + '=';
     for (const QByteArray& part : request.cookie.split(';')) {
         const QByteArray cookie = part.trimmed();
@@ -158,6 +181,13 @@ bool Door::isAdmitted(const HttpRequest& request) const {
             isSameDigest(digestOf(cookie.mid(start.size())), m_cookieDigest))
             return true;
     }
+    return false;
+}
+
+bool Door::isLogin(const HttpRequest& request, const QByteArray& token) {
+    if (isToken(token))
+        return true;
+    m_wrongTokens.note(request.client);
     return false;
 }
 

@@ -41,8 +41,14 @@ constexpr LimitRow LimitRows[] = {
     {"gateway/requestTimeoutMs", &HttpLimits::requestMs},
 };
 
-HttpLimits httpLimits(const QHash<QString, QVariant>& config) {
+HttpLimits httpLimits(const QHash<QString, QVariant>& config, QString* failure) {
     HttpLimits limits;
+    QString error;
+    const auto proxies = TrustedProxies::parse(
+        config.value(QStringLiteral("gateway/trustedProxies")).toString(), &error);
+    if (!proxies)
+        *failure = QStringLiteral("gateway/trustedProxies: %1").arg(error);
+    limits.proxies = proxies.value_or(TrustedProxies());
     for (const LimitRow& row : LimitRows)
         limits.*row.member = positive(config, row.key, limits.*row.member);
     return limits;
@@ -64,10 +70,13 @@ EventHistory::Limits historyLimits(const QHash<QString, QVariant>& config) {
 
 Door makeDoor(const QHash<QString, QVariant>& config, QString* failure) {
     const QString tokenFile = config.value(QStringLiteral("gateway/tokenFile")).toString();
+    WrongTokens::Limits limits;
+    limits.attempts = positive(config, "gateway/maxWrongTokens", limits.attempts);
+    limits.windowMs = positive(config, "gateway/wrongTokensMs", limits.windowMs);
     return Door(config.value(QStringLiteral("gateway/hosts"))
                     .toString()
                     .split(QLatin1Char(','), Qt::SkipEmptyParts),
-                tokenFile.isEmpty() ? QByteArray() : TokenFile::read(tokenFile, failure));
+                tokenFile.isEmpty() ? QByteArray() : TokenFile::read(tokenFile, failure), limits);
 }
 
 const CMPath& portPath() {
@@ -95,7 +104,7 @@ GatewayWorker::GatewayWorker(const QHash<QString, QVariant>& config)
       m_artwork(config.value(QStringLiteral("musicDir")).toString()),
       m_door(makeDoor(config, &m_failure)),
       m_router(&m_feed, &m_pages, &m_artwork, &m_door, apiLimits(config)),
-      m_limits(httpLimits(config)),
+      m_limits(httpLimits(config, &m_failure)),
       m_server(
           m_limits, [this](const HttpRequest& request) { return admit(request); },
           [this](const std::shared_ptr<HttpExchange>& exchange) {
@@ -103,7 +112,7 @@ GatewayWorker::GatewayWorker(const QHash<QString, QVariant>& config)
               m_router.handle(exchange);
           }) {}
 
-HttpServer::Admission GatewayWorker::admit(const HttpRequest& request) const {
+HttpServer::Admission GatewayWorker::admit(const HttpRequest& request) {
     return {m_door.refusal(request), qMin(ApiRouter::maxBody(request), m_limits.bodyBytes)};
 }
 

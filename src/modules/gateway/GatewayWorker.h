@@ -20,9 +20,10 @@
 //   gateway/tokenFile        file with the token that every request to /api/ carries; needed for an
 //                            address that other machines reach
 //   gateway/hosts            further names of the device, with commas between
-//   gateway/commentMs        how often a silent event stream shows that it lives; default 15000
-//   gateway/historyEvents    how many events a reader can come back to; default 4096
-//   and the limits, see the table in GatewayWorker.cpp
+//   gateway/trustedProxies   addresses and networks, with commas between, whose X-Forwarded-For
+//   counts gateway/commentMs        how often a silent event stream shows that it lives; default
+//   15000 gateway/historyEvents    how many events a reader can come back to; default 4096 and the
+//   limits, see the table in GatewayWorker.cpp
 class GatewayWorker : public CMNodesWorker {
     Q_OBJECT
 public:
@@ -40,13 +41,13 @@ public:
 private:
     bool fail(const QString& reason);
     QString text(const char* key) const;
-    HttpServer::Admission admit(const HttpRequest& request) const;
+    HttpServer::Admission admit(const HttpRequest& request);
 
     // The server carries the streams that the feed knows, so it goes first.
     EventFeed m_feed;
     PageFiles m_pages;
     ArtworkFiles m_artwork;
-    QString m_failure; // of the token file, while there is no door
+    QString m_failure; // of the configuration, before the start
     Door m_door;
     ApiRouter m_router;
     HttpLimits m_limits;

@@ -1,7 +1,6 @@
 #include "HttpConnections.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
@@ -11,24 +10,14 @@ namespace {
 constexpr int SlowestCheckMs = 1000;
 constexpr int QuickestCheckMs = 10;
 
-QByteArray localAddressOf(int descriptor) {
+// `name` is getsockname or getpeername.
+template <typename Name>
+IpAddress addressOf(int descriptor, Name name) {
     sockaddr_storage address{};
     socklen_t length = sizeof address;
-    if (getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &length) != 0)
+    if (name(descriptor, reinterpret_cast<sockaddr*>(&address), &length) != 0)
         return {};
-    char text[INET6_ADDRSTRLEN] = "";
-    if (address.ss_family == AF_INET) {
-        inet_ntop(AF_INET, &reinterpret_cast<const sockaddr_in&>(address).sin_addr, text,
-                  sizeof text);
-        return text;
-    }
-    const auto& v6 = reinterpret_cast<const sockaddr_in6&>(address).sin6_addr;
-    // A client that came over IPv4 to a socket for both names the short form.
-    if (IN6_IS_ADDR_V4MAPPED(&v6))
-        inet_ntop(AF_INET, v6.s6_addr + 12, text, sizeof text);
-    else
-        inet_ntop(AF_INET6, &v6, text, sizeof text);
-    return text;
+    return IpAddress::of(address);
 }
 
 } // namespace
@@ -45,12 +34,17 @@ HttpConnection* HttpConnections::open(int descriptor) {
     HttpConnection* connection = owned.get();
     m_all.emplace(connection, std::move(owned));
     connection->descriptor = descriptor;
-    connection->localAddress = localAddressOf(descriptor);
+    connection->localAddress = addressOf(descriptor, getsockname);
+    connection->peer = addressOf(descriptor, getpeername);
     // A reader that vanished from the network without a word is noticed by what it never confirms.
     const auto patience = static_cast<unsigned>(m_limits.idleMs);
     ::setsockopt(descriptor, IPPROTO_TCP, TCP_USER_TIMEOUT, &patience, sizeof patience);
     enter(connection, HttpConnection::Phase::Waiting, m_limits.requestMs);
-    if (++m_live > m_limits.connections) {
+    ++m_live;
+    if (++m_perAddress[connection->peer] > m_limits.perAddress &&
+        !m_limits.proxies.contains(connection->peer)) {
+        cut(connection);
+    } else if (m_live > m_limits.connections) {
         HttpConnection* idle = longestWaiting(connection);
         cut(idle ? idle : connection);
     }
@@ -61,7 +55,7 @@ HttpConnection* HttpConnections::open(int descriptor) {
 
 void HttpConnections::close(HttpConnection* connection) {
     if (!connection->cut)
-        --m_live;
+        leave(connection);
     m_all.erase(connection);
     if (m_all.empty())
         m_timer.stop();
@@ -96,8 +90,15 @@ void HttpConnections::stream(HttpConnection* connection) {
 
 void HttpConnections::cut(HttpConnection* connection) {
     connection->cut = true;
-    --m_live;
+    leave(connection);
     ::shutdown(connection->descriptor, SHUT_RDWR);
+}
+
+void HttpConnections::leave(const HttpConnection* connection) {
+    --m_live;
+    const auto count = m_perAddress.find(connection->peer);
+    if (--*count == 0)
+        m_perAddress.erase(count);
 }
 
 void HttpConnections::cutOverdue() {

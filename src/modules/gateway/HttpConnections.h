@@ -3,12 +3,13 @@
 #include <memory>
 #include <unordered_map>
 
-#include <QByteArray>
 #include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
 #include "HeadCheck.h"
+#include "IpAddress.h"
+#include "TrustedProxies.h"
 
 // What one connection is about and until when it may be.
 struct HttpConnection {
@@ -20,7 +21,8 @@ struct HttpConnection {
     };
 
     int descriptor = -1;
-    QByteArray localAddress; // as a number, the one that the client reached
+    IpAddress localAddress; // that the client reached
+    IpAddress peer;
     Phase phase = Phase::Waiting;
     qint64 since = 0;
     qint64 deadline = 0;
@@ -39,14 +41,16 @@ class HttpConnections : public QObject {
 public:
     struct Limits {
         int connections;
+        int perAddress; // of any address but the proxies
+        TrustedProxies proxies;
         int idleMs;    // for a further request, and for a stream's reader that takes nothing
         int requestMs; // for a request to arrive whole, and for its answer to be taken
     };
 
     explicit HttpConnections(const Limits& limits);
 
-    // A new connection. Where all places are taken the one that has waited longest for a request is
-    // cut in its favour; where none waits, the new one is cut.
+    // A new connection. One too many of its address is cut. Where all places are taken the one that
+    // has waited longest for a request is cut in its favour; where none waits, the new one is cut.
     HttpConnection* open(int descriptor);
     void close(HttpConnection* connection);
 
@@ -62,12 +66,14 @@ private:
     static constexpr int Forever = -1;
 
     void cut(HttpConnection* connection);
+    void leave(const HttpConnection* connection);
     void cutOverdue();
     HttpConnection* longestWaiting(const HttpConnection* except) const;
 
     Limits m_limits;
     std::unordered_map<HttpConnection*, std::unique_ptr<HttpConnection>> m_all;
-    int m_live = 0; // not cut
+    int m_live = 0;                     // not cut
+    QHash<IpAddress, int> m_perAddress; // of them
     QElapsedTimer m_clock;
     QTimer m_timer;
 };

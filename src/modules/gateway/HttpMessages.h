@@ -9,6 +9,8 @@
 #include <QString>
 #include <QVector>
 
+#include "IpAddress.h"
+
 // One request as it came in: the path and the query are percent-decoded, the body is complete.
 struct HttpRequest {
     QByteArray method;
@@ -23,8 +25,10 @@ struct HttpRequest {
     QByteArray fetchDest;
     QByteArray authorization;
     QByteArray cookie;
-    // The address that the client reached, as a number.
-    QByteArray localAddress;
+    QByteArrayList forwardedFor;
+    // Whose request it is: the other end of the connection, or whom a trusted proxy names.
+    IpAddress client;
+    IpAddress localAddress; // that the client reached
     int headerFields = 0;
     QByteArray ifNoneMatch;
     QByteArray body;

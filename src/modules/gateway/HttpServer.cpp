@@ -82,6 +82,8 @@ MHD_Result collectHeader(void* context, MHD_ValueKind, const char* name, size_t 
         ++request->hostCount;
     } else if (qstricmp(name, "Origin") == 0) {
         request->origins.append(value);
+    } else if (qstricmp(name, "X-Forwarded-For") == 0) {
+        request->forwardedFor.append(value);
     } else {
         for (const KnownHeader& known : KnownHeaders) {
             if (qstricmp(name, known.name) == 0) {
@@ -200,6 +202,7 @@ struct HttpServer::Callbacks {
         server->m_connections.wait(exchange.m_about);
         server->dropBody(exchange);
         server->dropAnswer(exchange);
+        server->uncountForwarded(exchange);
         exchange.m_connection = nullptr;
         exchange.m_about = nullptr;
         exchange.m_server = nullptr;
@@ -226,6 +229,8 @@ struct HttpServer::Callbacks {
         HeadBeingRead reading{&request, &check};
         MHD_get_connection_values_n(connection, MHD_HEADER_KIND, collectHeader, &reading);
         request.localAddress = exchange->m_about->localAddress;
+        request.client =
+            server->m_limits.proxies.clientOf(exchange->m_about->peer, request.forwardedFor);
         const MHD_ConnectionInfo* head =
             MHD_get_connection_info(connection, MHD_CONNECTION_INFO_REQUEST_HEADER_SIZE);
         request.headTooLarge = request.headerFields > server->m_limits.headerFields ||
@@ -236,6 +241,7 @@ struct HttpServer::Callbacks {
         HttpServer::Admission admission = server->m_guard(request);
         exchange->m_refusal = std::move(admission.refusal);
         exchange->m_maxBody = admission.maxBody;
+        server->countForwarded(*exchange);
         // The library has read it as a number; a body in chunks takes its room as it grows.
         if (!exchange->m_refusal)
             server->makeRoom(*exchange,
@@ -357,7 +363,8 @@ HttpServer::HttpServer(const HttpLimits& limits, Guard guard, Handler handler)
     : m_limits(limits),
       m_guard(std::move(guard)),
       m_handler(std::move(handler)),
-      m_connections({limits.connections, limits.idleMs, limits.requestMs}) {
+      m_connections({limits.connections, limits.connectionsPerAddress, limits.proxies,
+                     limits.idleMs, limits.requestMs}) {
     m_timer.setSingleShot(true);
     QObject::connect(&m_timer, &QTimer::timeout, this, &HttpServer::run);
 }
@@ -383,7 +390,6 @@ bool HttpServer::listen(const QString& address, bool loopbackOnly, QString* erro
         MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG, 0, nullptr, nullptr,
         &Callbacks::onRequest, this, MHD_OPTION_EXTERNAL_LOGGER, &logLibraryLine, nullptr,
         MHD_OPTION_LISTEN_SOCKET, socket.descriptor(), MHD_OPTION_CONNECTION_LIMIT, connections,
-        MHD_OPTION_PER_IP_CONNECTION_LIMIT, unsigned(m_limits.connectionsPerAddress),
         MHD_OPTION_CONNECTION_MEMORY_LIMIT, memory, MHD_OPTION_NOTIFY_CONNECTION,
         &Callbacks::onConnection, this, MHD_OPTION_UNESCAPE_CALLBACK, &Callbacks::unescape, nullptr,
         MHD_OPTION_URI_LOG_CALLBACK, &Callbacks::onTarget, nullptr, MHD_OPTION_NOTIFY_COMPLETED,
@@ -459,6 +465,25 @@ bool HttpServer::makeRoom(HttpExchange& exchange, qint64 size) {
     }
     dropBody(exchange);
     return false;
+}
+
+void HttpServer::countForwarded(HttpExchange& exchange) {
+    const IpAddress& client = exchange.m_request.client;
+    if (client == exchange.m_about->peer)
+        return;
+    exchange.m_isForwarded = true;
+    if (++m_forwarded[client] > m_limits.connectionsPerAddress && !exchange.m_refusal)
+        exchange.m_refusal = ApiError::response(
+            ApiError::Kind::TooManyRequests, QStringLiteral("%1 has too many requests under way.")
+                                                 .arg(QString::fromLatin1(client.toString())));
+}
+
+void HttpServer::uncountForwarded(const HttpExchange& exchange) {
+    if (!exchange.m_isForwarded)
+        return;
+    const auto count = m_forwarded.find(exchange.m_request.client);
+    if (--*count == 0)
+        m_forwarded.erase(count);
 }
 
 void HttpServer::dropBody(HttpExchange& exchange) {

@@ -28,6 +28,7 @@ struct HttpLimits {
     int files = 320;                      // that are being sent
     int idleMs = 120000;
     int requestMs = 60000;
+    TrustedProxies proxies;
 };
 
 // One request and the answer it waits for. Shared by the server and whoever answers; either may
@@ -60,6 +61,7 @@ private:
     HttpServer* m_server = nullptr;
     // Nothing that follows on the connection is read: where the body ends may mean two things.
     bool m_closes = false;
+    bool m_isForwarded = false; // counted for its client's address
     bool m_answered = false;
     bool m_suspended = false;
 };
@@ -104,6 +106,10 @@ private:
     // Counts the answer until it is taken. One too many becomes a refusal.
     void holdAnswer(HttpExchange& exchange);
     void dropAnswer(HttpExchange& exchange);
+    // Counts a request that came through a trusted proxy, whose connections say nothing about its
+    // clients. One too many gets its refusal.
+    void countForwarded(HttpExchange& exchange);
+    void uncountForwarded(const HttpExchange& exchange);
 
     HttpLimits m_limits;
     Guard m_guard;
@@ -118,6 +124,7 @@ private:
     qint64 m_room = 0; // of all bodies under way
     qint64 m_answerBytes = 0;
     int m_files = 0;
+    QHash<IpAddress, int> m_forwarded; // the open ones that came through a trusted proxy
     bool m_inLibrary = false;
     bool m_resumed = false;
 };

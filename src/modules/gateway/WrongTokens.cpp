@@ -1,0 +1,63 @@
+#include "WrongTokens.h"
+
+#include "CMLog.h"
+
+namespace {
+
+log4cplus::Logger& logger() {
+    static log4cplus::Logger instance = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Gateway"));
+    return instance;
+}
+
+} // namespace
+
+WrongTokens::WrongTokens(const Limits& limits) : m_limits(limits) {
+    m_clock.start();
+}
+
+bool WrongTokens::isOver(const Window& window) const {
+    return m_clock.elapsed() - window.since >= m_limits.windowMs;
+}
+
+void WrongTokens::note(const IpAddress& address) {
+    if (!m_windows.contains(address))
+        makePlace();
+    Window& window = m_windows[address];
+    if (window.count == 0 || isOver(window))
+        window = {m_clock.elapsed(), 0};
+    ++window.count;
+    log(address, window.count);
+}
+
+int WrongTokens::blockedSeconds(const IpAddress& address) const {
+    const auto window = m_windows.find(address);
+    if (window == m_windows.end() || window->count < m_limits.attempts || isOver(*window))
+        return 0;
+    const qint64 left = window->since + m_limits.windowMs - m_clock.elapsed();
+    return int((left + 999) / 1000);
+}
+
+void WrongTokens::makePlace() {
+    if (m_windows.size() < MaxAddresses)
+        return;
+    auto oldest = m_windows.begin();
+    for (auto it = m_windows.begin(); it != m_windows.end(); ++it) {
+        if (it->since < oldest->since)
+            oldest = it;
+    }
+    m_windows.erase(oldest);
+}
+
+void WrongTokens::log(const IpAddress& address, int count) {
+    if (m_logged.count == 0 || isOver(m_logged)) {
+        if (m_logged.count > MaxLogged)
+            LOG4CPLUS_WARN(logger(),
+                           m_logged.count - MaxLogged << " more wrong tokens were not logged");
+        m_logged = {m_clock.elapsed(), 0};
+    }
+    if (++m_logged.count > MaxLogged)
+        return;
+    LOG4CPLUS_WARN(logger(), "a wrong token from " << address.toString().constData() << ", "
+                                                   << count << " of " << m_limits.attempts
+                                                   << " before it has to wait");
+}
