@@ -8,6 +8,7 @@
 #include "OrvoPlayListPaths.h"
 #include "OrvoRoles.h"
 #include "PlayListBase.h"
+#include "TextBudget.h"
 
 // One command: its path, and its handler, whose kind says how the request is answered.
 struct Controller::Command {
@@ -41,8 +42,9 @@ const QList<Controller::Command>& Controller::commands() {
     return rows;
 }
 
-Controller::Controller(PlayListWorker* worker, PlayListManager* manager)
-    : m_worker(worker), m_manager(manager) {}
+Controller::Controller(PlayListWorker* worker, PlayListManager* manager,
+                       const PlayListLimits& limits)
+    : m_worker(worker), m_manager(manager), m_limits(limits) {}
 
 bool Controller::handleSetData(const CMSetDataRequest& request) {
     CM_ENTER(moduleLog());
@@ -109,6 +111,13 @@ bool Controller::checkNonemptyString(const QString& str, const QString& field,
         return true;
     msg =
         buildErrMsg(prefix, CONTROLLER_TEXT("Please provide a non-empty string as field."), field);
+    return false;
+}
+
+bool Controller::checkNameLength(const QString& name, const QString& prefix, QString& msg) const {
+    if (TextBudget::bytesOf(name) <= m_limits.maxNameBytes)
+        return true;
+    msg = buildErrMsg(prefix, CONTROLLER_TEXT("Name is too long."));
     return false;
 }
 

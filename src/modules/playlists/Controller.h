@@ -9,12 +9,14 @@
 #include "CMRequestGroup.h"
 #include "OrvoPlayListEnums.h"
 #include "OrvoPlayListItem.h"
+#include "PlayListLimits.h"
 
 class CollectionBase;
 class ItemsCheck;
 class PlayListBase;
 class PlayListManager;
 class PlayListWorker;
+class TextBudget;
 
 // Runs the module's sixteen commands: recognises the path, checks the request, makes one change in
 // the model and answers with a result or with an error text for people. Made by the worker,
@@ -24,7 +26,7 @@ class PlayListWorker;
 class Controller : public QObject {
     Q_OBJECT
 public:
-    Controller(PlayListWorker* worker, PlayListManager* manager);
+    Controller(PlayListWorker* worker, PlayListManager* manager, const PlayListLimits& limits = {});
 
     // False when the path is no command's: nothing was answered then. True: answered, or answered
     // later.
@@ -43,6 +45,7 @@ public:
     // Each is true when the check passes; otherwise `msg` says why, after `prefix`.
     static bool checkNonemptyString(const QString& str, const QString& field, const QString& prefix,
                                     QString& msg);
+    bool checkNameLength(const QString& name, const QString& prefix, QString& msg) const;
     static bool checkPlayList(const PlayListBase* pl, const int& plid, const QString& prefix,
                               QString& msg);
     static bool checkPlayListId(const int& plid, const QString& prefix, QString& msg);
@@ -51,8 +54,9 @@ public:
     static bool checkRevision(const CMSetDataRequest& request, const PlayListBase* pl,
                               const QString& prefix, QString& msg);
 
-    // The items at these paths, in order, up to the first path that names none.
-    QVariantList preparePlaylistItems(const QStringList& paths);
+    // The items at these paths, in order, up to the first path that names none. Where `budget` does
+    // not suffice for them it is exceeded afterwards, and the result is of no use.
+    QVariantList preparePlaylistItems(const QStringList& paths, TextBudget* budget = nullptr);
     // Validates all items, then adds them. Returns how many were added, -1 with a reason in `msg`
     // otherwise.
     int addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
@@ -101,6 +105,8 @@ private:
     bool plAddExternalItems(CMSetDataRequest request, QString& msg);
     // The names ("Replays") are historical and kept.
     static QList<OrvoPlayListItem> itemsFromAllReplays(const CMRequestGroup* group);
+    static bool hasTooManyItems(const CMRequestGroup* group);
+    bool appendItemPaths(PlayListBase* source, QList<CMPath>* paths) const;
     // Finishes at once for a few items; many are checked between other requests.
     void checkInSlices(const ReqGroupProperties& props, const std::shared_ptr<ItemsCheck>& check,
                        bool areMany = false);
@@ -116,5 +122,6 @@ private:
 
     PlayListWorker* m_worker;
     PlayListManager* m_manager;
+    PlayListLimits m_limits;
     QHash<CMRequestGroup*, ReqGroupProperties> m_ReqGroupPropertiesHash;
 };

@@ -16,6 +16,7 @@
 #include "PlayListManager.h"
 #include "PlayListRecord.h"
 #include "PlayLogicInterface.h"
+#include "TextBudget.h"
 
 namespace {
 
@@ -23,6 +24,9 @@ constexpr int StoreIsFull = -2;
 
 // How long other clients wait at most for one part of the work on a great many items.
 constexpr int SliceMs = 8;
+
+// How many items of a whole playlist are read at once: all of them may be more than memory has.
+constexpr int ItemsPerReading = 64;
 
 QString itemPathText(const OrvoPlayListItem& item) {
     return (OrvoPlayListItemPath() + QString::number(item.uid())).toString();
@@ -34,6 +38,11 @@ QString listText(const QList<OrvoPlayListItem>& items) {
         texts.append(QString::fromUtf8(QJsonDocument(QJsonObject::fromVariantHash(item.toHash()))
                                            .toJson(QJsonDocument::Compact)));
     return texts.join(QStringLiteral(", "));
+}
+
+QString tooManyMessage(const QString& prefix) {
+    return Controller::buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."),
+                                   CONTROLLER_TEXT("Too many items at once."));
 }
 
 // The place that the store chose for the first of `added` new items after the last played one.
@@ -52,12 +61,19 @@ void Controller::plPrepareItems(CMSetDataRequest request) {
     paths.reserve(values.size());
     for (const QVariant& value : values)
         paths.append(value.toString());
-    const QVariantList prepared = preparePlaylistItems(paths);
+    TextBudget budget(m_limits.maxAdditionBytes);
+    const QVariantList prepared = preparePlaylistItems(paths, &budget);
+    if (budget.isExceeded()) {
+        request.reply().setError(CMError(OrvoPlayListTooManyItems(),
+                                         TrString(CONTROLLER_TEXT("Too many items at once.")),
+                                         CMError::DefaultTitle()));
+        return;
+    }
     LOG4CPLUS_TRACE(moduleLog(), "preparedItems: " << QVariant(prepared));
     request.reply().setValue(prepared);
 }
 
-QVariantList Controller::preparePlaylistItems(const QStringList& paths) {
+QVariantList Controller::preparePlaylistItems(const QStringList& paths, TextBudget* budget) {
     const auto idIn = [](const QString& path) {
         return path.midRef(path.lastIndexOf(QLatin1Char('/')) + 1);
     };
@@ -71,7 +87,7 @@ QVariantList Controller::preparePlaylistItems(const QStringList& paths) {
     }
     QVariantList prepared;
     prepared.reserve(uids.size());
-    const QList<OrvoPlayListItem> items = m_manager->getPlayListItemsByUids(uids);
+    const QList<OrvoPlayListItem> items = m_manager->getPlayListItemsByUids(uids, budget);
     for (const OrvoPlayListItem& item : items)
         prepared.append(item.toVariant());
     if (uids.size() < paths.size()) {
@@ -113,11 +129,12 @@ void Controller::plAddItems(CMSetDataRequest request) {
                             .arg(props.plid));
         PlayListBase* source = m_manager->getPlayListByUid(props.fromPlid);
         if (checkPlayList(source, props.fromPlid, prefix, msg)) {
-            const QList<OrvoPlayListItem> sourceItems = source->getItems(0, source->getSize());
-            for (const OrvoPlayListItem& item : sourceItems)
-                paths.append(CMPath(itemPathText(item)));
+            if (!appendItemPaths(source, &paths)) {
+                setReply(request, false, tooManyMessage(prefix));
+                return;
+            }
             // The source is to go: what could not be read would go with it.
-            if (sourceItems.size() != source->getSize())
+            if (paths.size() != source->getSize())
                 paths.clear();
         }
         props.wholePlaylist = true;
@@ -153,6 +170,22 @@ void Controller::plAddItems(CMSetDataRequest request) {
     group->checkAndCallCallback();
 }
 
+// False when the items are more than may be added at once.
+bool Controller::appendItemPaths(PlayListBase* source, QList<CMPath>* paths) const {
+    TextBudget budget(m_limits.maxAdditionBytes);
+    const int size = source->getSize();
+    for (int from = 0; from < size; from += ItemsPerReading) {
+        const int to = std::min(from + ItemsPerReading - 1, size);
+        const QList<OrvoPlayListItem> items = source->getItems(from, to);
+        for (const OrvoPlayListItem& item : items) {
+            if (!budget.take(TextBudget::bytesOf(item)))
+                return false;
+            paths->append(CMPath(itemPathText(item)));
+        }
+    }
+    return true;
+}
+
 void Controller::on_prepareItemsGroup_finished() {
     CM_ENTER(moduleLog());
     auto* group = qobject_cast<CMRequestGroup*>(sender());
@@ -167,7 +200,13 @@ void Controller::on_prepareItemsGroup_finished() {
     }
     const ReqGroupProperties props = m_ReqGroupPropertiesHash.take(group);
     group->deleteLater();
-    checkInSlices(props, std::make_shared<ItemsCheck>(itemsFromAllReplays(group)));
+    const QList<OrvoPlayListItem> items = itemsFromAllReplays(group);
+    if (hasTooManyItems(group)) {
+        const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
+        setReply(*props.request, false, tooManyMessage(prefix));
+        return;
+    }
+    checkInSlices(props, std::make_shared<ItemsCheck>(items, m_limits));
 }
 
 void Controller::checkInSlices(const ReqGroupProperties& props,
@@ -271,6 +310,13 @@ QList<OrvoPlayListItem> Controller::itemsFromAllReplays(const CMRequestGroup* gr
     return items;
 }
 
+bool Controller::hasTooManyItems(const CMRequestGroup* group) {
+    const QList<CMReply<QVariant>> replies = group->getReplyList();
+    return std::any_of(replies.cbegin(), replies.cend(), [](const CMReply<QVariant>& reply) {
+        return reply.isError() && reply.error().name() == OrvoPlayListTooManyItems();
+    });
+}
+
 int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, const ItemsCheck& check,
                                        QString* msg) {
     PlayListBase* pl = m_manager->getPlayListByUid(props.plid);
@@ -285,7 +331,7 @@ int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, const It
 
 int Controller::addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
                                    OrvoPlayListAddPosition::Enum mode, QString* msg) {
-    ItemsCheck check(items);
+    ItemsCheck check(items, m_limits);
     check.run(QDeadlineTimer(QDeadlineTimer::Forever));
     return addCheckedItems(pl, check, mode, msg);
 }
@@ -307,6 +353,12 @@ int Controller::addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
         case ItemsCheck::Verdict::NotAcceptable:
             *msg =
                 CONTROLLER_TEXT("Missing title or type==audio or [resource uri and prePlayPath]");
+            return -1;
+        case ItemsCheck::Verdict::TooLarge:
+            *msg = CONTROLLER_TEXT("Item is too large.");
+            return -1;
+        case ItemsCheck::Verdict::TooMany:
+            *msg = CONTROLLER_TEXT("Too many items at once.");
             return -1;
         }
     }

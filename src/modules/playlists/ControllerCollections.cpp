@@ -5,6 +5,7 @@
 #include "OrvoPlayListCommands.h"
 #include "PlayListBase.h"
 #include "PlayListManager.h"
+#include "TextBudget.h"
 
 bool Controller::clCreate(CMSetDataRequest request, QString& msg, int& id) {
     CM_ENTER(moduleLog());
@@ -12,6 +13,11 @@ bool Controller::clCreate(CMSetDataRequest request, QString& msg, int& id) {
     const QString prefix = CONTROLLER_TEXT("Could not create collection.");
     if (!checkNonemptyString(args.name(), OrvoPlayListClCreate::Name(), prefix, msg)) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot create collection with empty name");
+        return false;
+    }
+    if (!checkNameLength(args.name(), prefix, msg)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Cannot create collection with a name of "
+                                         << TextBudget::bytesOf(args.name()) << " bytes");
         return false;
     }
     const CollectionBase* cl = m_manager->createCollection(args.name());

@@ -7,6 +7,7 @@
 #include "PlayListBase.h"
 #include "PlayListManager.h"
 #include "PlayListRecord.h"
+#include "TextBudget.h"
 
 namespace {
 
@@ -32,6 +33,11 @@ bool Controller::plCreate(CMSetDataRequest request, QString& msg, int& id) {
     const QString prefix = CONTROLLER_TEXT("Could not create playlist.");
     if (!checkNonemptyString(args.name(), OrvoPlayListPlCreate::Name(), prefix, msg)) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot create playlist with empty name");
+        return false;
+    }
+    if (!checkNameLength(args.name(), prefix, msg)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Cannot create playlist with a name of "
+                                         << TextBudget::bytesOf(args.name()) << " bytes");
         return false;
     }
     const PlayListBase* pl = m_manager->createPlayList(args.name());
@@ -65,6 +71,12 @@ bool Controller::plSetName(CMSetDataRequest request, QString& msg) {
     }
     if (!checkNonemptyString(name, OrvoPlayListPlSetName::Name(), prefix, msg)) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot rename playlist id:" << plid << " to empty string");
+        return false;
+    }
+    if (!checkNameLength(name, prefix, msg)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Cannot rename playlist id:" << plid << " to a name of "
+                                                                  << TextBudget::bytesOf(name)
+                                                                  << " bytes");
         return false;
     }
     PlayListBase* pl = m_manager->getPlayListByUid(plid);

@@ -18,6 +18,7 @@ struct sqlite3;
 class ItemTexts;
 struct EntryRoles;
 class Sqlite3Statement;
+class TextBudget;
 
 // The persistent store: every playlist, the play queue (playlist 0, always there), their items and
 // the collections, in one SQLite file below the working directory.
@@ -92,9 +93,10 @@ public:
     OrvoPlayListItem getItemByUid(int uid);
     // One item per uid, in the order of `uids`, an empty one where getItemByUid would give one.
     // Costs at most one pass over the store, however many uids. `playlists` are all playlists of
-    // the store, the play queue included.
+    // the store, the play queue included. Items for which `budget` does not suffice are not even
+    // read: it is exceeded afterwards, and the result is empty.
     QList<OrvoPlayListItem> getItemsByUids(const QList<PlayListRecord>& playlists,
-                                           const QList<int>& uids);
+                                           const QList<int>& uids, TextBudget* budget = nullptr);
     // The number that an entry appended now would get; -1 on failure.
     int getNextSequenceNumber(const PlayListRecord& pl);
     // The number that the first of several added entries will get; -1 on failure or for an unknown
@@ -183,9 +185,9 @@ private:
     template <typename Visit>
     bool visitItems(int playlistUid, int from, int to, Visit visit);
     bool readItemByUid(int uid, OrvoPlayListItem& item);
-    QHash<int, OrvoPlayListItem> searchItems(const QList<int>& uids);
+    QHash<int, OrvoPlayListItem> searchItems(const QList<int>& uids, TextBudget budget);
     QHash<int, OrvoPlayListItem> collectItems(const QList<PlayListRecord>& playlists,
-                                              const QList<int>& uids);
+                                              const QList<int>& uids, TextBudget budget);
     int ownerOfItem(const QList<PlayListRecord>& playlists, const OrvoPlayListItem& item);
     int insertItem(const ItemTexts& item, int durationSeconds);
     int removeItemsTransaction(const PlayListRecord& pl, const QList<int>& indices);

@@ -8,6 +8,7 @@
 #include "EntryRoles.h"
 #include "ModuleLog.h"
 #include "Sqlite3Statement.h"
+#include "TextBudget.h"
 
 namespace {
 
@@ -124,10 +125,20 @@ OrvoPlayListItem Database::getItemByUid(int uid) {
 }
 
 QList<OrvoPlayListItem> Database::getItemsByUids(const QList<PlayListRecord>& playlists,
-                                                 const QList<int>& uids) {
+                                                 const QList<int>& uids, TextBudget* budget) {
+    TextBudget unlimited(std::numeric_limits<qint64>::max());
+    if (!budget)
+        budget = &unlimited;
+    // What is read counts once, what is answered as often as it was asked for.
+    const QHash<int, OrvoPlayListItem> found = uids.size() <= fewUids
+                                                   ? searchItems(uids, *budget)
+                                                   : collectItems(playlists, uids, *budget);
+    for (int uid : uids) {
+        const auto item = found.constFind(uid);
+        if (item != found.constEnd() && !budget->take(TextBudget::bytesOf(*item)))
+            return {};
+    }
     // Deliberate: the lines of getItemByUid for each, and none of its own.
-    const QHash<int, OrvoPlayListItem> found =
-        uids.size() <= fewUids ? searchItems(uids) : collectItems(playlists, uids);
     QList<OrvoPlayListItem> items;
     items.reserve(uids.size());
     for (int uid : uids) {
@@ -139,12 +150,15 @@ QList<OrvoPlayListItem> Database::getItemsByUids(const QList<PlayListRecord>& pl
     return items;
 }
 
-QHash<int, OrvoPlayListItem> Database::searchItems(const QList<int>& uids) {
+QHash<int, OrvoPlayListItem> Database::searchItems(const QList<int>& uids, TextBudget budget) {
     QHash<int, OrvoPlayListItem> found;
     for (int uid : uids) {
         OrvoPlayListItem item;
-        if (!found.contains(uid) && readItemByUid(uid, item))
-            found.insert(uid, item);
+        if (found.contains(uid) || !readItemByUid(uid, item))
+            continue;
+        found.insert(uid, item);
+        if (!budget.take(TextBudget::bytesOf(item)))
+            break;
     }
     return found;
 }
@@ -153,7 +167,7 @@ QHash<int, OrvoPlayListItem> Database::searchItems(const QList<int>& uids) {
 // and finding the next one of the same playlist costs the same again. Items asked for together
 // mostly come from one playlist, or two: find out from which, and walk these first.
 QHash<int, OrvoPlayListItem> Database::collectItems(const QList<PlayListRecord>& playlists,
-                                                    const QList<int>& uids) {
+                                                    const QList<int>& uids, TextBudget budget) {
     constexpr int discoveries = 2;
     QHash<int, OrvoPlayListItem> found;
     found.reserve(uids.size());
@@ -161,11 +175,17 @@ QHash<int, OrvoPlayListItem> Database::collectItems(const QList<PlayListRecord>&
     QList<PlayListRecord> unread = playlists;
     ItemMaker makeItem;
 
+    // Nothing is missing any more once the budget is exceeded.
+    const auto keep = [&](int uid, const OrvoPlayListItem& item) {
+        found.insert(uid, item);
+        if (!budget.take(TextBudget::bytesOf(item)))
+            missing.clear();
+    };
     const auto walk = [&](const PlayListRecord& pl) {
         visitItems(pl.uid, 0, lastPossibleNumber, [&](const Sqlite3Statement& row) {
             const int uid = row.columnInt(UidColumn);
             if (missing.remove(uid))
-                found.insert(uid, makeItem(row));
+                keep(uid, makeItem(row));
             return !missing.isEmpty();
         });
     };
@@ -178,7 +198,7 @@ QHash<int, OrvoPlayListItem> Database::collectItems(const QList<PlayListRecord>&
         OrvoPlayListItem item;
         if (!readItemByUid(*next, item))
             break;
-        found.insert(*next, item);
+        keep(*next, item);
         const int owner = ownerOfItem(unread, item);
         if (owner < 0)
             break;

@@ -18,7 +18,7 @@ bool canBePlayed(const OrvoMediaData& mediaData) {
 }
 
 // A playlist takes audio that can be shown or can be played.
-ItemsCheck::Verdict judge(const OrvoPlayListItem& item) {
+ItemsCheck::Verdict judgeRoles(const OrvoPlayListItem& item) {
     const QString text = item.orvoRoles();
     if (text.isEmpty())
         return ItemsCheck::Verdict::NoRoles;
@@ -43,17 +43,35 @@ ItemsCheck::Verdict judge(const OrvoPlayListItem& item) {
 // The clock is not asked for every item, that would cost a good part of the work itself.
 // And a few items are always done at once, however slow the machine is at the moment.
 constexpr int BetweenLooks = 256;
+// A large item counts as many: parsing it takes as long.
+constexpr qint64 BytesOfMany = 1024;
 
 } // namespace
 
+// Its size comes first: what is too large is not even parsed.
+ItemsCheck::Verdict ItemsCheck::judge(const OrvoPlayListItem& item, qint64 bytes) {
+    if (bytes > m_maxItemBytes)
+        return Verdict::TooLarge;
+    if (!m_budget.take(bytes))
+        return Verdict::TooMany;
+    return judgeRoles(item);
+}
+
 bool ItemsCheck::run(const QDeadlineTimer& deadline) {
     m_verdicts.reserve(m_items.size());
+    qint64 sinceLook = 0;
     while (m_verdicts.size() < m_items.size()) {
-        m_verdicts.append(judge(m_items.at(m_verdicts.size())));
-        if (m_verdicts.constLast() == Verdict::NotAcceptable)
+        const OrvoPlayListItem& item = m_items.at(m_verdicts.size());
+        const qint64 bytes = TextBudget::bytesOf(item);
+        m_verdicts.append(judge(item, bytes));
+        if (m_verdicts.constLast() >= Verdict::NotAcceptable)
             return true;
-        if (m_verdicts.size() % BetweenLooks == 0 && deadline.hasExpired())
+        sinceLook += 1 + bytes / BytesOfMany;
+        if (sinceLook < BetweenLooks)
+            continue;
+        if (deadline.hasExpired())
             return m_verdicts.size() == m_items.size();
+        sinceLook = 0;
     }
     return true;
 }

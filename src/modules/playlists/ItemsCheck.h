@@ -5,18 +5,27 @@
 #include <QVector>
 
 #include "OrvoPlayListItem.h"
+#include "PlayListLimits.h"
+#include "TextBudget.h"
 
 // Which of some items a playlist takes. Parsing the roles of thousands of items takes longer than
 // other clients should wait, so the check can be made in slices. A value of whoever adds the items;
 // worker's thread; what is not acceptable is a verdict, nothing here fails.
 class ItemsCheck {
 public:
-    enum class Verdict : char { Fine, NoRoles, NotAcceptable };
+    enum class Verdict : char {
+        Fine,
+        NoRoles, // left out; the verdicts from here on decide about all
+        NotAcceptable,
+        TooLarge, // this item
+        TooMany,  // with this one the items together are too large
+    };
 
-    explicit ItemsCheck(const QList<OrvoPlayListItem>& items) : m_items(items) {}
+    ItemsCheck(const QList<OrvoPlayListItem>& items, const PlayListLimits& limits)
+        : m_items(items), m_maxItemBytes(limits.maxItemBytes), m_budget(limits.maxAdditionBytes) {}
 
     // Goes on with the check until the time is over. True when it is done. Ends at the first item
-    // that is not acceptable, for that one decides about all.
+    // whose verdict decides about all.
     bool run(const QDeadlineTimer& deadline);
 
     // Lets go of the items until the time is over, which takes a good part of what the check takes.
@@ -28,6 +37,10 @@ public:
     Verdict verdict(int index) const { return m_verdicts.at(index); }
 
 private:
+    Verdict judge(const OrvoPlayListItem& item, qint64 bytes);
+
     QList<OrvoPlayListItem> m_items;
+    qint64 m_maxItemBytes;
+    TextBudget m_budget;
     QVector<Verdict> m_verdicts;
 };

@@ -72,7 +72,8 @@ OrvoPlayListItem PlayListManager::getPlayListItemByUid(int uid) const {
     return m_database->getItemByUid(uid);
 }
 
-QList<OrvoPlayListItem> PlayListManager::getPlayListItemsByUids(const QList<int>& uids) const {
+QList<OrvoPlayListItem> PlayListManager::getPlayListItemsByUids(const QList<int>& uids,
+                                                                TextBudget* budget) const {
     QList<PlayListRecord> records;
     records.reserve(m_playLists.size() + 1);
     const auto appendRecord = [&records](const PlayListBase* pl) {
@@ -83,7 +84,7 @@ QList<OrvoPlayListItem> PlayListManager::getPlayListItemsByUids(const QList<int>
     };
     appendRecord(m_playQueue);
     std::for_each(m_playLists.cbegin(), m_playLists.cend(), appendRecord);
-    return m_database->getItemsByUids(records, uids);
+    return m_database->getItemsByUids(records, uids, budget);
 }
 
 int PlayListManager::getPlayListsCount() const {

@@ -9,6 +9,7 @@
 #include "PlayListBase.h"
 
 class Database;
+class TextBudget;
 
 // The registry of all playlists and collections, which it owns: loads them at start, creates and
 // deletes them in store and memory alike, finds them by uid and announces what came and went. Made
@@ -29,7 +30,8 @@ public:
     OrvoPlayListItem getPlayListItemByUid(int uid) const;
     // The same for many uids at the cost of one pass over the store at most; one element per uid,
     // in their order.
-    QList<OrvoPlayListItem> getPlayListItemsByUids(const QList<int>& uids) const;
+    QList<OrvoPlayListItem> getPlayListItemsByUids(const QList<int>& uids,
+                                                   TextBudget* budget = nullptr) const;
 
     // Counts of the store; the first includes the play queue.
     int getPlayListsCount() const;

@@ -34,7 +34,7 @@ PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config)
     // No list waits for it, so it does not hold up the start.
     QTimer::singleShot(0, this, [this] { m_database->removeStrayItems(); });
     m_ui = new PlayListUI(this, nodes(), subscribe(), m_manager);
-    m_controller = new Controller(this, m_manager);
+    m_controller = new Controller(this, m_manager, PlayListLimits::from(config));
     m_playLogic = new PlayListPlayLogic(this, m_manager, nullptr);
     cmConnect(this, &PlayListWorker::setDataReceived, this, &PlayListWorker::on_setDataRequest);
     auto* powerManagerTarget = new CMValueItem(this, OrvoPowerManagerTargetPath());

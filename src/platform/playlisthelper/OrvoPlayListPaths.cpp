@@ -12,6 +12,10 @@ QString OrvoPlayListPrepareItems() {
     return QStringLiteral("prepareItems");
 }
 
+QString OrvoPlayListTooManyItems() {
+    return QStringLiteral("TooManyItems");
+}
+
 const QList<OrvoPathRow>& orvoPlayListPaths() {
 #define ORVO_PATH_ROW(function, path) {#function, path},
     static const QList<OrvoPathRow> rows = {ORVO_PLAYLIST_PATHS(ORVO_PATH_ROW)};

@@ -46,6 +46,8 @@ ORVO_PLAYLIST_PATHS(ORVO_DECLARE_PATH)
 // The name of the prepare call: appended to a module's prefix it is that module's prepare path.
 // Takes a list of paths, answers a list of playlist items in their hash form.
 PLAYLISTHELPER_EXPORT QString OrvoPlayListPrepareItems();
+// The name of the prepare call's error when the items together are more than may be added at once.
+PLAYLISTHELPER_EXPORT QString OrvoPlayListTooManyItems();
 
 struct OrvoPathRow {
     const char* function;

@@ -62,7 +62,7 @@ ModuleFixture::~ModuleFixture() {
 
 PlayListWorker* ModuleFixture::worker() {
     if (!m_worker)
-        m_worker = std::make_unique<PlayListWorker>(QHash<QString, QVariant>());
+        m_worker = std::make_unique<PlayListWorker>(config);
     return m_worker.get();
 }
 

@@ -76,6 +76,9 @@ protected:
     // -1" and "Rows playlists:pl/items/7 +4,+5 0 -1".
     QStringList events;
 
+    // What the module is made with.
+    QHash<QString, QVariant> config;
+
     QTemporaryDir folder;
     CMRootWorker* root() { return m_root.get(); }
 
