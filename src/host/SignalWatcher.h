@@ -1,14 +1,12 @@
 #pragma once
 
-#include <csignal>
-
 #include <QObject>
 
 // SIGINT and SIGTERM as an event of the event loop, so that ending runs like any other work and not
-// in the middle of it. Made by main before any other thread and before the first module: the
-// signals are blocked from then on and read from a descriptor. After the first one the default
-// action is back: a second one ends a process that does not end. Also ignores SIGPIPE, so that a
-// client that goes away is an error of the write and no more.
+// in the middle of it. Made by main, once, before the first module. What keeps the loop waiting
+// meanwhile sees the signal by cmEndRequested(). After the first one the default action is back: a
+// second one ends a process that does not end. Also ignores SIGPIPE, so that a client that goes
+// away is an error of the write and no more.
 class SignalWatcher : public QObject {
     Q_OBJECT
 public:
@@ -21,6 +19,5 @@ Q_SIGNALS:
 private:
     void readSignal();
 
-    sigset_t m_signals;
-    int m_descriptor = -1;
+    int m_reader = -1;
 };

@@ -6,6 +6,7 @@
 #include <QTimer>
 
 #include "CMConnect.h"
+#include "CMEnding.h"
 #include "CMRootWorker.h"
 #include "DataFolder.h"
 #include "HostOptions.h"
@@ -71,8 +72,13 @@ int run(const HostOptions& options, LogSetup& log, long maxOpenFiles,
     const QStringList files =
         options.modules().isEmpty() ? ModuleLoader::defaultModules() : options.modules();
     for (const QString& file : files) {
-        if (!modules.load(file, &error))
+        if (modules.load(file, &error))
+            continue;
+        // A module that waits for something gives up when the process is told to end.
+        if (!cmEndRequested())
             return fail(log, Failure, error);
+        LOG4CPLUS_INFO(logger(), "ending during the start: " << error);
+        return 0;
     }
 
     // Said from inside the loop: whoever waits for this line can send requests and signals.
