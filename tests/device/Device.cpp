@@ -86,10 +86,14 @@ QStringList Device::hostArguments() const {
            m_arguments;
 }
 
-bool Device::start() {
+bool Device::launch() {
     QFile::remove(portFile());
     m_process.setStandardErrorFile(m_folder.filePath("device.log"), QIODevice::Append);
     m_process.start(QStringLiteral(ORVO_HOST), hostArguments());
+    return m_process.waitForStarted();
+}
+
+bool Device::waitUntilReady() {
     QByteArray output;
     const bool ready = waitFor([&] {
         output += m_process.readAllStandardOutput();
@@ -102,6 +106,19 @@ bool Device::start() {
     m_port = quint16(fileText(portFile()).trimmed().toUInt());
     m_client = std::make_unique<HttpClient>(m_port);
     return m_port != 0;
+}
+
+bool Device::waitForLog(const QString& text, int times) {
+    return waitFor([&] { return log().count(text) >= times; });
+}
+
+int Device::end() {
+    m_client.reset();
+    m_process.terminate();
+    if (m_process.waitForFinished(EndPatienceMs))
+        return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+    kill();
+    return -1;
 }
 
 Device::Ctl Device::failingStart() {

@@ -37,10 +37,17 @@ public:
     explicit Device(const QStringList& arguments = {"--audio-sink", "null"});
     ~Device();
 
-    bool start();
+    bool start() { return launch() && waitUntilReady(); }
+    // The two halves of start(), for what happens during it.
+    bool launch();
+    bool waitUntilReady();
+    // The log has the text so many times.
+    bool waitForLog(const QString& text, int times = 1);
     // A start that is to fail. The status is that of the process, -1 when a signal ended it.
     Ctl failingStart();
     void limitFileSize(qint64 bytes) { m_process.limitFileSize(bytes); }
+    // SIGTERM. The status is that of the process, -1 when it did not end by itself.
+    int end();
     // SIGKILL: nothing in the process gets a chance to tidy up.
     void kill();
     void waitForScan();

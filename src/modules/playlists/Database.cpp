@@ -1,12 +1,14 @@
 #include "Database.h"
 
 #include <sqlite3.h>
+#include <stdexcept>
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QRandomGenerator>
 
+#include "CMEnding.h"
 #include "DatabaseTransaction.h"
 #include "ModuleLog.h"
 #include "Sqlite3Statement.h"
@@ -16,9 +18,6 @@ namespace {
 // Relative to the working directory, which the host makes the device's writable storage.
 const char* const directory = "data-rw/playlists/";
 const char* const file = "data-rw/playlists/playlists.sqlite";
-
-// How long a statement waits for another process that holds the file.
-constexpr int waitForOthersMs = 300;
 
 constexpr qint64 smallestPage = 512;
 
@@ -118,13 +117,16 @@ int execute(sqlite3* connection, const char* sql) {
     return sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
 }
 
+std::string cannotUse() {
+    const QString name = QFileInfo(QString::fromLatin1(file)).absoluteFilePath();
+    return "cannot use the playlists in " + name.toStdString() + " (left as it is): ";
+}
+
 // A store that cannot be opened leaves the device without playlists: say so in the module's log and
 // end. Whoever started the device is told the file as well.
 [[noreturn]] void endUnusable(const std::string& text) {
     LOG4CPLUS_FATAL(moduleLog(), text);
-    const QString name = QFileInfo(QString::fromLatin1(file)).absoluteFilePath();
-    cmFatal(("cannot use the playlists in " + name.toStdString() + " (left as it is): " + text)
-                .c_str());
+    cmFatal((cannotUse() + text).c_str());
 }
 
 [[noreturn]] void endUnopened(int code) {
@@ -137,8 +139,9 @@ int execute(sqlite3* connection, const char* sql) {
 
 } // namespace
 
-Database::Database(int itemsLimit, bool vacuumNeeded)
+Database::Database(int itemsLimit, bool vacuumNeeded, int maxStartWaitMs)
     : QObject(nullptr),
+      m_busyHandler(maxStartWaitMs),
       m_itemsLimit(itemsLimit),
       m_vacuumNeeded(vacuumNeeded),
       m_lastRevision(randomRevisionBase()) {
@@ -151,6 +154,7 @@ Database::Database(int itemsLimit, bool vacuumNeeded)
     ensureTablesExist();
     prepareStatements();
     execute(m_connection, cacheSize);
+    m_busyHandler.startIsOver();
 }
 
 Database::~Database() {
@@ -167,10 +171,18 @@ void Database::openFile() {
     const int code = sqlite3_open(file, &m_connection);
     if (code != SQLITE_OK || !m_connection)
         endUnopened(code);
-    // A copy is being made of the file, or somebody looks into it: that is over soon, and no reason
-    // to refuse an edit.
-    sqlite3_busy_timeout(m_connection, waitForOthersMs);
+    m_busyHandler.attachTo(m_connection);
     refuseForeignFile();
+}
+
+// Nothing is wrong with the file, so the host is told and ends in order.
+void Database::endHeld() {
+    sqlite3_close_v2(m_connection);
+    m_connection = nullptr;
+    if (!cmEndRequested())
+        LOG4CPLUS_FATAL(moduleLog(),
+                        "Unable to open PlayList database file: " << sqlite3_errstr(SQLITE_BUSY));
+    throw std::runtime_error(cannotUse() + "another process holds it");
 }
 
 // Looks at the schema without running a statement: what is refused here is left as it is, while
@@ -178,8 +190,11 @@ void Database::openFile() {
 // statements fails.
 void Database::refuseForeignFile() {
     const auto exists = [this](const char* table) {
-        return sqlite3_table_column_metadata(m_connection, nullptr, table, nullptr, nullptr,
-                                             nullptr, nullptr, nullptr, nullptr) == SQLITE_OK;
+        const int code = sqlite3_table_column_metadata(m_connection, nullptr, table, nullptr,
+                                                       nullptr, nullptr, nullptr, nullptr, nullptr);
+        if (code == SQLITE_BUSY)
+            endHeld();
+        return code == SQLITE_OK;
     };
     for (const TableRow& row : tables) {
         if (!exists(row.table))
@@ -209,7 +224,10 @@ void Database::refuseForeignFile() {
         *static_cast<bool*>(into) = true;
         return 0;
     };
-    sqlite3_exec(m_connection, "SELECT 1 FROM sqlite_master LIMIT 1", note, &hasOther, nullptr);
+    const int code =
+        sqlite3_exec(m_connection, "SELECT 1 FROM sqlite_master LIMIT 1", note, &hasOther, nullptr);
+    if (code == SQLITE_BUSY)
+        endHeld();
     if (hasOther)
         endUnopened(SQLITE_NOTADB);
 }
@@ -227,14 +245,19 @@ int Database::rollbackTransaction() {
 }
 
 void Database::commitTransaction() {
-    // Deliberate: no pause and no limit, since another process that holds the file lets go soon.
-    // Only then does a transaction outlive its failed commit: after any other failure, a full disk
-    // for one, it is undone, and the next try ends the loop because there is nothing to commit.
+    // Deliberate: no limit, since another process that holds the file lets go soon, and no pause
+    // but those that SQLite makes by the busy handler. Only then does a transaction outlive its
+    // failed commit: after any other failure, a full disk for one, it is undone, and the next try
+    // ends the loop because there is nothing to commit.
     int code = SQLITE_OK;
+    bool isGivenUp = false;
     do {
         code = execute(m_connection, "COMMIT;");
-    } while (code > SQLITE_ERROR);
-    m_lastCommitFailed = code == SQLITE_ERROR;
+        isGivenUp = code == SQLITE_BUSY && cmEndRequested();
+    } while (code > SQLITE_ERROR && !isGivenUp);
+    if (isGivenUp)
+        rollbackTransaction();
+    m_lastCommitFailed = isGivenUp || code == SQLITE_ERROR;
     if (m_lastCommitFailed)
         LOG4CPLUS_ERROR(moduleLog(), "Commit transaction failed");
 }
@@ -248,10 +271,13 @@ void Database::ensureTablesExist() {
 
 void Database::createTableHelper(const char* sql, const char* name) {
     char* message = nullptr;
-    if (sqlite3_exec(m_connection, sql, nullptr, nullptr, &message) == SQLITE_OK)
-        return;
+    const int code = sqlite3_exec(m_connection, sql, nullptr, nullptr, &message);
     const std::string text = message ? message : "";
     sqlite3_free(message);
+    if (code == SQLITE_OK)
+        return;
+    if (code == SQLITE_BUSY)
+        endHeld();
     endWithoutTable(name, text);
 }
 

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QString>
 
+#include "BusyHandler.h"
 #include "CollectionRecord.h"
 #include "OrvoPlayListEnums.h"
 #include "OrvoPlayListItem.h"
@@ -24,9 +25,10 @@ class TextBudget;
 // the collections, in one SQLite file below the working directory.
 //
 // Owner: the worker, for the life of the process. Thread: the worker's; nothing here is locked.
-// Failure: a store that cannot be opened ends the process. After that nothing throws: an operation
-// logs its error and returns false, -1 or a record with uid -1, and the rows are as they were
-// before (see clearItems for the exception).
+// Failure: a store that cannot be opened ends the process; one that another process does not let go
+// of is an exception (std::runtime_error) of the constructor. After that nothing throws: an
+// operation logs its error and returns false, -1 or a record with uid -1, and the rows are as they
+// were before (see clearItems for the exception).
 //
 // Entries of a playlist are numbered 0 to size-1 without gaps, and the number is the entry's index.
 // Operations that take a PlayListRecord trust its `uid`, `size` and `lastPlayedIndex`: the caller
@@ -41,7 +43,9 @@ public:
 
     // itemsLimit: greatest number of items in the whole store, 0 for no limit.
     // vacuumNeeded: a VACUUM is owed from an earlier run and is made up for before this returns.
-    Database(int itemsLimit, bool vacuumNeeded);
+    // maxStartWaitMs: how long this waits for another process that holds the file.
+    Database(int itemsLimit, bool vacuumNeeded,
+             int maxStartWaitMs = BusyHandler::DefaultMaxStartWaitMs);
     ~Database() override;
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
@@ -52,14 +56,15 @@ public:
     int beginTransaction();
     int beginImmediateTransaction();
     int rollbackTransaction();
-    // Tries until no other process is in the way. A failure is logged, not returned.
+    // Tries until no other process is in the way, or this one is told to end: then the transaction
+    // is rolled back. A failure is logged, not returned.
     void commitTransaction();
     // Whether the last commit failed, so that its transaction is undone although the operation that
     // it ended reported success. Who keeps a record in memory reads it again then.
     bool lastCommitFailed() const { return m_lastCommitFailed; }
 
     void ensureTablesExist();
-    // Ends the process when `sql` fails.
+    // Ends the process when `sql` fails, or throws when another process is in the way.
     void createTableHelper(const char* sql, const char* name);
     // Removes everything; only an empty play queue remains. For maintenance.
     void clearDatabase();
@@ -176,6 +181,7 @@ private:
 
     void openFile();
     void refuseForeignFile();
+    [[noreturn]] void endHeld();
     void prepareStatements();
     Sqlite3Statement& statement(StatementId id);
     // `number` stays as it is when the count fails.
@@ -194,6 +200,7 @@ private:
     bool renumberFrom(const PlayListRecord& pl, int first);
     bool cleanUnusedItems();
 
+    BusyHandler m_busyHandler;
     sqlite3* m_connection = nullptr;
     int m_itemsLimit;
     bool m_vacuumNeeded;

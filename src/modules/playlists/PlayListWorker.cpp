@@ -19,13 +19,18 @@ constexpr int TargetForMaintenance = 2;
 OrvoValue readSetting(const CMPath& path) {
     return OrvoValue(CMRoot()->getValue(path).toHash());
 }
+
+int maxStartWaitMs(const QHash<QString, QVariant>& config) {
+    const int number = OrvoHash::toInt(config.value(QStringLiteral("playlists/startWaitMs")), 0);
+    return number > 0 ? number : BusyHandler::DefaultMaxStartWaitMs;
+}
 } // namespace
 
 PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config)
     : CMNodesWorker(config, "PlayLists") {
     const int itemsLimit = readSetting(OrvoPlayListsSettingsDataBaseItemsLimitPath()).i32();
     const bool vacuumNeeded = readSetting(OrvoPlayListSettingsDataBaseVacuumPath()).bool_();
-    m_database = new Database(itemsLimit, vacuumNeeded);
+    m_database = new Database(itemsLimit, vacuumNeeded, maxStartWaitMs(config));
     cmConnect(m_database, &Database::vacuumNeeded, this, &PlayListWorker::on_databaseVacuum_needed);
     // The store has vacuumed while nobody listened yet; what it owes from here on is owed anew.
     if (vacuumNeeded)

@@ -1,4 +1,5 @@
 #include <sqlite3.h>
+#include <stdexcept>
 
 #include <QDir>
 #include <QFile>
@@ -224,6 +225,29 @@ TEST_F(FileTest, vacuumWithoutNeedDoesNothing) {
     EXPECT_EQ(QStringList(), trace.texts());
     EXPECT_EQ(QStringList(), log.lines());
     EXPECT_EQ(0, spy.size());
+}
+
+TEST_F(FileTest, aFileThatAnotherProcessHoldsIsNotOpened) {
+    const PlayListRecord pl = playListOf("abc");
+    close();
+    for (const char* lock :
+         {"BEGIN; SELECT count(*) FROM items", "BEGIN IMMEDIATE", "BEGIN EXCLUSIVE"}) {
+        ASSERT_TRUE(rawRun(QString::fromLatin1(lock)));
+        const LogCapture log(QStringLiteral("PlayLists"));
+        EXPECT_THROW(Database(0, true, 50), std::runtime_error) << lock;
+        EXPECT_EQ(QStringList(QStringLiteral("Another process holds the PlayList database file, "
+                                             "waiting for it for up to 50 ms")),
+                  log.texts(QStringLiteral("WARN")))
+            << lock;
+        EXPECT_EQ(QStringList(
+                      QStringLiteral("Unable to open PlayList database file: database is locked")),
+                  log.texts(QStringLiteral("FATAL")))
+            << lock;
+        ASSERT_TRUE(rawRun(QStringLiteral("ROLLBACK")));
+    }
+    reopen();
+    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    expectInvariants();
 }
 
 TEST_F(FileTest, aVacuumThatFailsIsOwedNoLonger) {

@@ -1,4 +1,5 @@
 #include <csignal>
+#include <cstdlib>
 #include <iostream>
 #include <log4cplus/consoleappender.h>
 #include <log4cplus/layout.h>
@@ -7,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 
+#include "CMEnding.h"
 #include "StoreFixture.h"
 
 // What cannot be used ends the process, after a line at fatal level.
@@ -75,4 +77,27 @@ TEST_F(StartDeathTest, anyHelperStatementThatFails) {
         },
         testing::KilledBySignal(SIGABRT),
         "FATAL PlayLists Unable to create table of mine: near \"NONSENSE\": syntax error\n");
+}
+
+// --- told to end, which a process cannot take back ---
+
+TEST_F(StartDeathTest, aCommitThatIsBusyIsGivenUpWhenTheProcessIsToEnd) {
+    EXPECT_EXIT(
+        {
+            startLoudly();
+            const PlayListRecord pl = playListOf("abc");
+            rawRun(QStringLiteral("BEGIN"));
+            rawInt(QStringLiteral("SELECT count(*) FROM items"));
+            cmRequestEnd();
+            database().moveItem(pl, 0, 2);
+            const bool failed = database().lastCommitFailed();
+            rawRun(QStringLiteral("COMMIT"));
+            const bool whole = titles(pl.uid) == QLatin1String("a b c") &&
+                               database().beginTransaction() == 0 &&
+                               database().rollbackTransaction() == 0;
+            // What meets no lock is done as ever.
+            database().moveItem(pl, 0, 2);
+            std::_Exit(failed && whole && titles(pl.uid) == QLatin1String("b c a") ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "ERROR PlayLists Commit transaction failed\n");
 }
