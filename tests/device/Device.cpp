@@ -41,6 +41,10 @@ void HostProcess::setupChildProcess() {
     constexpr unsigned long dacReadSearch = 2;
     prctl(PR_CAPBSET_DROP, dacOverride, 0, 0, 0);
     prctl(PR_CAPBSET_DROP, dacReadSearch, 0, 0, 0);
+    if (m_openFiles >= 0) {
+        const rlimit limit = {rlim_t(m_openFiles), rlim_t(m_openFiles)};
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
     if (m_fileSize < 0)
         return;
     // The write fails, instead of the process being ended by a signal.

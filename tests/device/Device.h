@@ -15,12 +15,15 @@ class HostProcess : public QProcess {
 public:
     // No file may become longer, as on a full disk.
     void limitFileSize(qint64 bytes) { m_fileSize = bytes; }
+    // So many files can be open at once, at most.
+    void limitOpenFiles(int count) { m_openFiles = count; }
 
 protected:
     void setupChildProcess() override;
 
 private:
     qint64 m_fileSize = -1;
+    int m_openFiles = -1;
 };
 
 // One running orvo-host over its own data and music folders, with the default modules. Killed by
@@ -46,6 +49,7 @@ public:
     // A start that is to fail. The status is that of the process, -1 when a signal ended it.
     Ctl failingStart();
     void limitFileSize(qint64 bytes) { m_process.limitFileSize(bytes); }
+    void limitOpenFiles(int count) { m_process.limitOpenFiles(count); }
     // SIGTERM. The status is that of the process, -1 when it did not end by itself.
     int end();
     // SIGKILL: nothing in the process gets a chance to tidy up.

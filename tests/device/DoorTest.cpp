@@ -230,3 +230,45 @@ TEST_F(DoorTest, aNameNeverBreaksALogLine) {
     for (const QString& text : log.split('\n', Qt::SkipEmptyParts))
         EXPECT_TRUE(line.match(text).hasMatch()) << text.toStdString();
 }
+
+// As few as the host starts with: the connections take what is left of them, and no more.
+TEST(FewDescriptors, silentConnectionsLeaveThePlayerAndTheStoreWhatTheyNeed) {
+    Device device;
+    device.limitOpenFiles(64);
+    ASSERT_TRUE(device.start());
+    device.waitForScan();
+    std::vector<std::unique_ptr<RawSocket>> crowd;
+    const auto crowdIn = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            const QByteArray from = "127.0.1." + QByteArray::number(1 + i % 40);
+            crowd.push_back(std::make_unique<RawSocket>(device.port(), from.constData()));
+        }
+        QThread::msleep(100);
+    };
+    crowdIn(200);
+    EXPECT_EQ(device.ctl({"create", "Party"}).status, 0);
+    EXPECT_EQ(device.ctl({"add", "Party", device.musicFolder()}).status, 0);
+    crowdIn(50);
+    const Device::Ctl played = device.ctl({"play", "Party"});
+    EXPECT_EQ(played.status, 0) << qPrintable(played.err);
+    // Twelve tracks of 200 ms, one after the other, beside a crowd that is always there.
+    QString last;
+    QElapsedTimer clock;
+    clock.start();
+    while (last != "stopped" && clock.elapsed() < 30000) {
+        crowdIn(20);
+        last = HttpClient(device.port())
+                   .get("/api/value?path=player:state")
+                   .json()["value"]
+                   .toObject()["string"]
+                   .toString();
+    }
+    EXPECT_EQ(last, "stopped");
+    // Counted from 0: the twelfth has been played.
+    EXPECT_EQ(device.query("SELECT lastPlayedIndex FROM playlists WHERE name = 'Party'"),
+              QStringList{"11"});
+    EXPECT_EQ(device.ctl({"create", "Second"}).status, 0);
+    EXPECT_EQ(device.log().count("files can be open"), 2) << qPrintable(device.log());
+    EXPECT_FALSE(device.log().contains(" ERROR ")) << qPrintable(device.log());
+    EXPECT_FALSE(device.log().contains("Too many open files")) << qPrintable(device.log());
+}

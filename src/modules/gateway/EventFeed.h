@@ -8,6 +8,7 @@
 
 #include "CMSubscribe.h"
 #include "EventHistory.h"
+#include "HttpLimits.h"
 
 class EventStream;
 class HttpExchange;
@@ -18,12 +19,9 @@ class HttpExchange;
 class EventFeed : public QObject {
     Q_OBJECT
 public:
-    // More readers than this are sent away unless told otherwise: they would use up the connections
-    // that requests need.
-    static constexpr int MaxStreams = 256;
-
+    // More readers than `maxStreams` are sent away.
     EventFeed(CMSubscribe* events, const EventHistory::Limits& limits, int commentIntervalMs,
-              int maxStreams = MaxStreams);
+              int maxStreams = HttpLimits().eventStreams);
 
     // Answers the exchange with a stream. False when there are too many already.
     bool serve(const std::shared_ptr<HttpExchange>& exchange, std::optional<quint64> lastEventId,

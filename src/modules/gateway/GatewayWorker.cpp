@@ -1,5 +1,7 @@
 #include "GatewayWorker.h"
 
+#include <sys/resource.h>
+
 #include <QSaveFile>
 
 #include "CMLog.h"
@@ -9,6 +11,8 @@
 namespace {
 
 constexpr int DefaultCommentMs = 15000;
+// More than any limit of the gateway asks for.
+constexpr rlim_t MaxDescriptors = 1 << 30;
 
 log4cplus::Logger& logger() {
     static log4cplus::Logger instance = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Gateway"));
@@ -37,6 +41,7 @@ constexpr LimitRow LimitRows[] = {
     {"gateway/maxBodiesBytes", &HttpLimits::bodiesBytes},
     {"gateway/maxAnswersBytes", &HttpLimits::answersBytes},
     {"gateway/maxFiles", &HttpLimits::files},
+    {"gateway/maxEventStreams", &HttpLimits::eventStreams},
     {"gateway/idleTimeoutMs", &HttpLimits::idleMs},
     {"gateway/requestTimeoutMs", &HttpLimits::requestMs},
 };
@@ -51,6 +56,13 @@ HttpLimits httpLimits(const QHash<QString, QVariant>& config, QString* failure) 
     limits.proxies = proxies.value_or(TrustedProxies());
     for (const LimitRow& row : LimitRows)
         limits.*row.member = positive(config, row.key, limits.*row.member);
+    rlimit descriptors{};
+    if (::getrlimit(RLIMIT_NOFILE, &descriptors) == 0 &&
+        limits.fitInto(long(qMin<rlim_t>(descriptors.rlim_cur, MaxDescriptors))))
+        LOG4CPLUS_WARN(logger(), "only " << descriptors.rlim_cur << " files can be open: at most "
+                                         << limits.connections << " connections, "
+                                         << limits.eventStreams << " event streams and "
+                                         << limits.files << " files that are sent");
     return limits;
 }
 
@@ -97,14 +109,13 @@ bool writePort(quint16 port, const QString& file, QString* error) {
 
 GatewayWorker::GatewayWorker(const QHash<QString, QVariant>& config)
     : CMNodesWorker(config, QStringLiteral("Gateway")),
+      m_limits(httpLimits(config, &m_failure)),
       m_feed(CMRoot()->events(), historyLimits(config),
-             positive(config, "gateway/commentMs", DefaultCommentMs),
-             positive(config, "gateway/maxEventStreams", EventFeed::MaxStreams)),
+             positive(config, "gateway/commentMs", DefaultCommentMs), m_limits.eventStreams),
       m_pages(config.value(QStringLiteral("gateway/webRoot")).toString()),
       m_artwork(config.value(QStringLiteral("musicDir")).toString()),
       m_door(makeDoor(config, &m_failure)),
       m_router(&m_feed, &m_pages, &m_artwork, &m_door, apiLimits(config)),
-      m_limits(httpLimits(config, &m_failure)),
       m_server(
           m_limits, [this](const HttpRequest& request) { return admit(request); },
           [this](const std::shared_ptr<HttpExchange>& exchange) {

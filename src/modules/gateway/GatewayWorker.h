@@ -43,13 +43,13 @@ private:
     QString text(const char* key) const;
     HttpServer::Admission admit(const HttpRequest& request);
 
+    QString m_failure; // of the configuration, before the start
+    HttpLimits m_limits;
     // The server carries the streams that the feed knows, so it goes first.
     EventFeed m_feed;
     PageFiles m_pages;
     ArtworkFiles m_artwork;
-    QString m_failure; // of the configuration, before the start
     Door m_door;
     ApiRouter m_router;
-    HttpLimits m_limits;
     HttpServer m_server;
 };

@@ -14,8 +14,6 @@
 
 namespace {
 
-// Those that are on their way out when others come in.
-constexpr unsigned SpareConnections = 8;
 // What the library keeps of a connection besides the head of its request: the answer's head, and
 // what it knows of each header field.
 constexpr size_t SpareMemory = 32 * 1024;
@@ -384,7 +382,7 @@ bool HttpServer::listen(const QString& address, bool loopbackOnly, QString* erro
     ListenSocket socket;
     if (!socket.open(address, loopbackOnly, error))
         return false;
-    const unsigned connections = unsigned(m_limits.connections) + SpareConnections;
+    const unsigned connections = unsigned(m_limits.connections + HttpLimits::SpareConnections);
     const size_t memory = 2 * size_t(m_limits.headBytes) + SpareMemory;
     m_daemon = MHD_start_daemon(
         MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG, 0, nullptr, nullptr,

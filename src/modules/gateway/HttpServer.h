@@ -10,26 +10,12 @@
 #include <QTimer>
 
 #include "HttpConnections.h"
+#include "HttpLimits.h"
 #include "HttpMessages.h"
 
 struct MHD_Connection;
 struct MHD_Daemon;
 class HttpServer;
-
-// How much the server takes before it says no; docs/http-api.md names the keys.
-struct HttpLimits {
-    int connections = 512;
-    int connectionsPerAddress = 320;
-    int headBytes = 32 * 1024; // the request line and the header fields
-    int headerFields = 64;
-    int bodyBytes = 8 * 1024 * 1024;
-    int bodiesBytes = 32 * 1024 * 1024;   // of all requests that are under way together
-    int answersBytes = 128 * 1024 * 1024; // of all answers that are not taken yet, files aside
-    int files = 320;                      // that are being sent
-    int idleMs = 120000;
-    int requestMs = 60000;
-    TrustedProxies proxies;
-};
 
 // One request and the answer it waits for. Shared by the server and whoever answers; either may
 // outlive the other: an answer to a connection that is gone is dropped. The first answer wins. The

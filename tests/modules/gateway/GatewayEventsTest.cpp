@@ -248,11 +248,11 @@ TEST_F(GatewayEvents, readersThatGoAwayAreForgotten) {
 
 TEST_F(GatewayEvents, tooManyReadersAreSentAway) {
     std::vector<std::unique_ptr<HttpClient>> readers;
-    for (int i = 0; i < EventFeed::MaxStreams; ++i) {
+    for (int i = 0; i < HttpLimits().eventStreams; ++i) {
         readers.push_back(std::make_unique<HttpClient>(port()));
         readers.back()->write("GET /api/events HTTP/1.1\r\nHost: localhost\r\n\r\n");
     }
-    ASSERT_TRUE(waitFor([this] { return m_gateway->openStreams() == EventFeed::MaxStreams; }));
+    ASSERT_TRUE(waitFor([this] { return m_gateway->openStreams() == HttpLimits().eventStreams; }));
     HttpClient http(port());
     const HttpAnswer answer = http.get("/api/events");
     EXPECT_EQ(answer.status, 503);

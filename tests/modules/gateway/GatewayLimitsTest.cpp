@@ -310,3 +310,34 @@ TEST_F(GatewayLimits, manySilentAndSlowClientsDelayNobody) {
         askedIn();
     EXPECT_LT(clock.elapsed(), 2000);
 }
+
+TEST(HttpLimitsTest, fewDescriptorsLowerWhatNeedsThem) {
+    const struct {
+        long openFiles;
+        bool isLowered;
+        int connections;
+        int eventStreams;
+        int files;
+    } rows[] = {
+        {1048576, false, 512, 256, 320},
+        {888, false, 512, 256, 320},
+        {887, true, 512, 256, 277},
+        {512, true, 304, 152, 152},
+        {64, true, 6, 3, 2},
+        {60, true, 4, 2, 2},
+        {0, true, 4, 2, 2},
+    };
+    for (const auto& row : rows) {
+        HttpLimits limits;
+        EXPECT_EQ(limits.fitInto(row.openFiles), row.isLowered) << row.openFiles;
+        EXPECT_EQ(limits.connections, row.connections) << row.openFiles;
+        EXPECT_EQ(limits.eventStreams, row.eventStreams) << row.openFiles;
+        EXPECT_EQ(limits.files, row.files) << row.openFiles;
+    }
+    HttpLimits few;
+    few.connections = 3;
+    few.files = 1;
+    few.eventStreams = 2;
+    EXPECT_FALSE(few.fitInto(64));
+    EXPECT_EQ(few.eventStreams, 2);
+}
