@@ -125,6 +125,27 @@ TEST_F(DoorTest, whatStrangersGet) {
         head("POST /api/data", admitted() + "Expect: 100-continue\r\nContent-Length: 9000000\r\n") +
             end,
         "413 Content Too Large");
+    expect("a body over 4 KiB to log in",
+           head("POST /api/login", "Content-Length: 4097\r\n") + end + QByteArray(4097, ' '),
+           "413 Content Too Large");
+    expect("a body for the page", head("GET /", "Content-Length: 1\r\n") + end + "x",
+           "413 Content Too Large");
+    expect(
+        "a length beside chunks",
+        head("POST /api/data", admitted() + "Content-Length: 5\r\nTransfer-Encoding: chunked\r\n") +
+            end + "0\r\n\r\n",
+        "400 Bad Request");
+    expect("two lengths",
+           head("POST /api/data", admitted() + "Content-Length: 2\r\nContent-Length: 2\r\n") + end +
+               "{}",
+           "400 Bad Request");
+    expect("a blank before the colon",
+           head("POST /api/data", admitted() + "Content-Length : 2\r\n") + end + "{}",
+           "400 Bad Request");
+    expect("a zero byte behind the Host's name",
+           paths + " HTTP/1.1\r\nHost: localhost" + QByteArray(1, '\0') + ".evil.example\r\n" +
+               admitted() + end,
+           "400 Bad Request");
     expect("a slow head", "GET /api/pa", "closed");
     expect("a slow body",
            head("POST /api/data", admitted() + "Content-Length: 100\r\n") + end + "{", "closed");
@@ -149,6 +170,14 @@ TEST_F(DoorTest, whatStrangersGet) {
     };
     for (const auto& row : files)
         expect(row.attempt, head("GET " + QByteArray(row.target)) + end, row.answer);
+    const QByteArray wrong = head(paths, "Authorization: Bearer wrong\r\n") + end;
+    for (int i = 0; i < 10; ++i) {
+        RawSocket socket(m_device.port());
+        socket.write(wrong);
+        answerOf(socket, 5000);
+    }
+    expect("a wrong token after ten wrong ones", wrong, "429 Too Many Requests");
+    expect("the token, at that address", head(paths, admitted()) + end, "200 OK");
 }
 
 TEST_F(DoorTest, aCrowdThatKeepsSilentDelaysNobody) {
