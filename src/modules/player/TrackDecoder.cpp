@@ -104,7 +104,7 @@ TrackDecoder::~TrackDecoder() {
         gst_app_sink_set_callbacks(m_sink, &none, nullptr, nullptr);
         const GstBusPtr bus(gst_element_get_bus(m_pipeline.get()));
         gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
-        m_pipeline.release();
+        static_cast<void>(m_pipeline.release());
     }
     const std::lock_guard lock(m_mutex);
 }
@@ -254,6 +254,11 @@ TrackDecoder* TrackDecoder::entered(gpointer self) {
     return static_cast<TrackDecoder*>(self);
 }
 
+TrackDecoder::Parts TrackDecoder::enteredParts(gpointer parts) {
+    const std::lock_guard lock(handOver());
+    return *static_cast<const Parts*>(parts);
+}
+
 GstPadPtr TrackDecoder::soundEntry() const {
     const std::lock_guard lock(m_mutex);
     return GstPadPtr(gst_element_get_static_pad(m_convert, "sink"));
@@ -263,10 +268,13 @@ void TrackDecoder::onElementAdded(GstBin*, GstBin*, GstElement* element, gpointe
     const GstElementFactory* factory = gst_element_get_factory(element);
     if (!factory || std::strcmp(GST_OBJECT_NAME(factory), "decodebin") != 0)
         return;
+    const std::lock_guard lock(handOver());
     GstBin* bin = GST_BIN(element);
     gst_bus_set_sync_handler(bin->child_bus, onPartsMessage,
-                             new Parts{static_cast<TrackDecoder*>(self), bin},
-                             [](gpointer data) { delete static_cast<Parts*>(data); });
+                             new Parts{static_cast<TrackDecoder*>(self), bin}, [](gpointer parts) {
+                                 const std::lock_guard released(handOver());
+                                 delete static_cast<Parts*>(parts);
+                             });
 }
 
 void TrackDecoder::onSourceSetup(GstElement*, GstElement* source, gpointer self) {
@@ -356,10 +364,10 @@ void TrackDecoder::noteHeaders(const GstStructure* headers) {
 // element with a thread of its own may have given up by then: its error is dropped, and nothing
 // else ever comes of it.
 GstBusSyncReply TrackDecoder::onPartsMessage(GstBus*, GstMessage* message, gpointer data) {
-    const auto* parts = static_cast<const Parts*>(data);
+    const Parts parts = enteredParts(data);
     if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR)
-        entered(parts->decoder)->noteError(message);
-    GST_BIN_GET_CLASS(parts->bin)->handle_message(parts->bin, message);
+        parts.decoder->noteError(message);
+    GST_BIN_GET_CLASS(parts.bin)->handle_message(parts.bin, message);
     return GST_BUS_DROP;
 }
 

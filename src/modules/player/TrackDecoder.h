@@ -55,6 +55,7 @@ private:
 
     // How GStreamer's threads come in.
     static TrackDecoder* entered(gpointer self);
+    static Parts enteredParts(gpointer parts);
     static void onElementAdded(GstBin*, GstBin*, GstElement* element, gpointer self);
     static void onSourceSetup(GstElement*, GstElement* source, gpointer self);
     static int onAutoplugSelect(GstElement*, GstPad*, GstCaps*, GstElementFactory* factory,
