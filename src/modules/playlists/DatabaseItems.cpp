@@ -90,6 +90,9 @@ QList<OrvoPlayListItem> Database::getItems(const PlayListRecord& pl, int from, i
     return items;
 }
 
+// Much more than a page has; all texts of a large store may be more than memory has.
+constexpr int MaxTextsOfOneReading = 4 * 1024 * 1024;
+
 EntryRoles Database::getEntryRoles(const PlayListRecord& pl, int from, int to) {
     // Deliberate: the line of getItems. Which form entries are read in is nothing to those who look
     // for it.
@@ -101,7 +104,10 @@ EntryRoles Database::getEntryRoles(const PlayListRecord& pl, int from, int to) {
         row.appendColumnText(OrvoRolesColumn, &roles.texts);
         roles.entries.append(
             {row.columnInt(SequenceNumberColumn), row.columnInt(UidColumn), roles.texts.size()});
-        return true;
+        if (roles.texts.size() < MaxTextsOfOneReading)
+            return true;
+        roles.next = roles.entries.last().sequenceNumber + 1;
+        return false;
     });
     return roles;
 }

@@ -14,4 +14,6 @@ struct EntryRoles {
     };
     QVector<Entry> entries;
     QByteArray texts;
+    // The entry where the reading stopped, because there were texts enough; -1 when all were read.
+    int next = -1;
 };

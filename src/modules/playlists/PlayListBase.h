@@ -75,9 +75,10 @@ public:
     virtual OrvoRoles itemToOrvoRoles(const OrvoPlayListItem& item) const = 0;
     // Calls visit(roles, id, sequenceNumber) for each entry from `from` to `to`, both included,
     // with what itemToOrvoRoles() makes of it. A role without a value may stand there as a null
-    // one. The visitor may change the roles; they are made anew for the next entry.
+    // one. The visitor may change the roles; they are made anew for the next entry. It returns
+    // whether it wants the next entry.
     using VisitRoles =
-        std::function<void(QVariantHash& roles, const QString& id, int sequenceNumber)>;
+        std::function<bool(QVariantHash& roles, const QString& id, int sequenceNumber)>;
     virtual void visitRoles(int from, int to, const VisitRoles& visit) = 0;
 
     // The follower is called once, before the first signal leaves. Null for none any more.

@@ -64,20 +64,24 @@ void PlayList::visitRoles(int from, int to, const VisitRoles& visit) {
     LOG4CPLUS_TRACE(moduleLog(), "Enter virtual QList<OrvoPlayListItem> PlayList::getItems(int, "
                                  "int): from="
                                      << from << " to=" << to);
-    EntryRoles found;
-    {
-        QMutexLocker lock(&m_mutex);
-        catchUp();
-        found = m_database->getEntryRoles(m_record, from, to);
-    }
     ItemRolesReader parts;
     QString text;
-    int begin = 0;
-    for (const EntryRoles::Entry& entry : std::as_const(found.entries)) {
-        decode(found.texts.constData() + begin, entry.end - begin, &text);
-        begin = entry.end;
-        const QString id = QString::number(entry.uid);
-        completeRoles(text, id, entry.sequenceNumber, parts);
-        visit(parts.roles, id, entry.sequenceNumber);
-    }
+    EntryRoles found;
+    found.next = from;
+    do {
+        {
+            QMutexLocker lock(&m_mutex);
+            catchUp();
+            found = m_database->getEntryRoles(m_record, found.next, to);
+        }
+        int begin = 0;
+        for (const EntryRoles::Entry& entry : std::as_const(found.entries)) {
+            decode(found.texts.constData() + begin, entry.end - begin, &text);
+            begin = entry.end;
+            const QString id = QString::number(entry.uid);
+            completeRoles(text, id, entry.sequenceNumber, parts);
+            if (!visit(parts.roles, id, entry.sequenceNumber))
+                return;
+        }
+    } while (found.next >= 0);
 }

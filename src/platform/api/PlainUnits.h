@@ -11,11 +11,6 @@ namespace PlainUnits {
 
 constexpr int Block = 8;
 using Units = ushort __attribute__((vector_size(Block * sizeof(ushort))));
-using Bytes = uchar __attribute__((vector_size(Block)));
-
-inline bool isPlain(ushort unit) {
-    return unit >= 0x20 && unit < 0x7F && unit != '"' && unit != '\\';
-}
 
 inline Units load(const QChar* from) {
     Units units;
@@ -31,11 +26,6 @@ inline bool arePlain(Units units) {
     static_assert(sizeof halves == sizeof odd);
     std::memcpy(halves, &odd, sizeof halves);
     return (halves[0] | halves[1]) == 0;
-}
-
-inline void store(Units units, char* to) {
-    const Bytes bytes = __builtin_convertvector(units, Bytes);
-    std::memcpy(to, &bytes, sizeof bytes);
 }
 
 } // namespace PlainUnits

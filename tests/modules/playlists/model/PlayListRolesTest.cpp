@@ -109,6 +109,7 @@ TEST_F(PlayListRolesTest, rowsAreReadWithoutItemsAndAreWhatTheItemsGive) {
                 rows.last().insert(it.key(), *it);
         }
         roles.insert("added by the visitor", 1);
+        return true;
     });
     EXPECT_EQ(items.size() - 1, rows.size());
     EXPECT_EQ(expected, rows);

@@ -2,6 +2,7 @@
 #include <QJsonDocument>
 
 #include "CMNode.h"
+#include "CMRootWorker.h"
 #include "OrvoPlayListPaths.h"
 #include "playlistUI/playlist/PlayListGetItemsNode.h"
 #include "playlistUI/playqueue/PlayQueueGetItemsNode.h"
@@ -278,4 +279,48 @@ TEST_F(TrackNodeTest, aRequestsParametersDoNotChangeTheListsOwnPath) {
         PlayQueueGetItemsNode::create(&nodes, OrvoPlayListPqGetItemsPath(), &manager));
     EXPECT_EQ(ask(node.get(), "playlists:pq/items?x=1").roles().path(),
               OrvoPlayListPqGetItemsPath());
+}
+
+// The store is read in parts when the texts are long.
+TEST_F(TrackListTest, longTextsComeInOrderAndOnce) {
+    QStringList titles;
+    for (int i = 0; i < 50; ++i)
+        titles.append(QString::number(i) + QString(50000, 'x'));
+    const int plid = createPlayList("Long");
+    addItems(plid, titles);
+    for (const auto& range : {qMakePair(0, CMGetRowsRequest::LastRow), qMakePair(3, 47)}) {
+        const QList<OrvoRoles> rows = asRoles(list(plid, range.first, range.second));
+        const QStringList expected = titles.mid(range.first, range.second - range.first + 1);
+        ASSERT_EQ(rows.size(), expected.size());
+        for (int i = 0; i < rows.size(); ++i) {
+            EXPECT_TRUE(rows.at(i).title().toString() == expected.at(i)) << i;
+            EXPECT_EQ(rows.at(i).value().i32(), range.first + i);
+        }
+    }
+}
+
+TEST_F(TrackListTest, rowsWithMoreLettersThanTheLimitAreRefused) {
+    constexpr int Letters = 48 * 1024;
+    constexpr int Asked = 64; // times the same title
+    constexpr int MostRows = int(TrackListNode::MaxLetters / Asked / Letters);
+    QStringList titles;
+    for (int i = 0; i < MostRows + 1; ++i)
+        titles.append(QString(Letters, 'x'));
+    const int plid = createPlayList("Long");
+    addItems(plid, titles);
+    QStringList names;
+    for (int i = 0; i < Asked; ++i)
+        names.append(OrvoRoles::Title());
+    const auto ask = [&](int to) {
+        const CMReplyData<OrvoRowsRoles> reply;
+        CMRoot()->getRowsRequest(CMGetRowsRequest(CMPath(listPath(plid)), 0, to, names, reply));
+        return reply;
+    };
+    EXPECT_FALSE(ask(MostRows - 1).isError());
+    EXPECT_EQ(ask(MostRows - 1).value().rows().size(), MostRows);
+    const CMReplyData<OrvoRowsRoles> reply = ask(MostRows);
+    ASSERT_TRUE(reply.isError());
+    EXPECT_EQ(reply.error().name(), "AnswerTooLarge");
+    EXPECT_EQ(reply.error().title().toString(), "Answer too large");
+    EXPECT_EQ(reply.error().message().toString(), "Ask for fewer rows.");
 }

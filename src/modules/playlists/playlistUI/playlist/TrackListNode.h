@@ -11,6 +11,9 @@ class TrackListNode : public BaseNode {
 public:
     using BaseNode::BaseNode;
 
+    // Rows with more letters than this are refused as AnswerTooLarge, before the next is read.
+    static constexpr qint64 MaxLetters = 64 * 1024 * 1024;
+
 protected:
     // A playlist that is gone lists as empty.
     void sendTracks(PlayListBase* pl, const TrString& title, const CMGetRowsRequest& request);
