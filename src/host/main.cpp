@@ -1,6 +1,10 @@
 #include <cstdio>
 #include <cstring>
 
+#ifdef ORVO_MIMALLOC
+#include <mimalloc.h>
+#endif
+
 #include <QCoreApplication>
 #include <QTextCodec>
 #include <QTimer>
@@ -93,6 +97,11 @@ int run(const HostOptions& options, LogSetup& log, long maxOpenFiles,
 } // namespace
 
 int main(int argc, char** argv) {
+#ifdef ORVO_MIMALLOC
+    // The allocator gives memory back when it is called again later, which an idle device does not
+    // do: what a large request took goes back with its end.
+    mi_option_set(mi_option_decommit_delay, 0);
+#endif
     // File names and arguments are UTF-8 whatever the environment's locale is: a service often runs
     // without one.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
