@@ -371,9 +371,11 @@ void Database::removeStrayItems() {
         return 0;
     };
     execute(m_connection, smallCacheSize);
-    sqlite3_exec(m_connection, moreItemsThanEntries, note, &found, nullptr);
+    const int counted = sqlite3_exec(m_connection, moreItemsThanEntries, note, &found, nullptr);
     execute(m_connection, cacheSize);
-    if (!found || !cleanUnusedItems())
+    const bool cleaned = found && cleanUnusedItems();
+    m_mayHoldStrays = counted != SQLITE_OK || found != cleaned;
+    if (!cleaned)
         return;
     LOG4CPLUS_INFO(moduleLog(), "removed " << sqlite3_changes(m_connection)
                                            << " items of a playlist whose clearing was cut off");

@@ -7,6 +7,7 @@
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QVector>
 
 #include "BusyHandler.h"
 #include "CollectionRecord.h"
@@ -178,6 +179,7 @@ private:
     friend class StoreProbe; // the tests' look at the connection
 
     class Transaction;
+    class LeftItems;
 
     void openFile();
     void refuseForeignFile();
@@ -205,6 +207,8 @@ private:
     int m_itemsLimit;
     bool m_vacuumNeeded;
     bool m_lastCommitFailed = false;
+    // Items that nothing refers to may have stayed behind: the next removals look at all items.
+    bool m_mayHoldStrays = false;
     qint64 m_lastRevision;
     std::array<std::unique_ptr<Sqlite3Statement>, StatementCount> m_statements;
 };

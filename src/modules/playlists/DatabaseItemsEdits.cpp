@@ -6,6 +6,7 @@
 #include <QVector>
 
 #include "DatabaseItemRows.h"
+#include "DatabaseLeftItems.h"
 #include "DatabaseTransaction.h"
 #include "ItemTexts.h"
 #include "ModuleLog.h"
@@ -193,8 +194,13 @@ int Database::removeItems(const PlayListRecord& pl, const QList<int>& indices) {
 }
 
 int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>& indices) {
+    LeftItems left(*this, indices.size());
     int removed = 0;
     for (const Run& run : runsOf(indices)) {
+        left.note(pl.uid, run.from, run.to);
+        // A read that failed may have ended the transaction.
+        if (sqlite3_get_autocommit(m_connection))
+            break;
         const int count = removeItemsHelper(pl, run.from, run.to);
         removed += count;
         // No further run: some failures have ended the transaction, and the rest would be removed
@@ -206,7 +212,7 @@ int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>&
         LOG4CPLUS_ERROR(moduleLog(), "Unable to remove all item indices");
         return Failed;
     }
-    if (!cleanUnusedItems()) {
+    if (!left.remove()) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to clean up unused items");
         return Failed;
     }
@@ -280,11 +286,14 @@ bool Database::moveItemTransaction(const PlayListRecord& pl, int from, int to) {
 
 bool Database::clearItems(const PlayListRecord& pl) {
     CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid);
+    LeftItems left(*this, pl.size);
+    left.note(pl.uid, 0, lastPossibleNumber);
     if (removeItemsHelper(pl, 0, lastPossibleNumber) < 0) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to clear playList " << pl.uid);
         return false;
     }
-    const bool cleaned = cleanUnusedItems();
+    const bool cleaned = left.remove();
+    m_mayHoldStrays = !cleaned;
     if (!cleaned)
         LOG4CPLUS_ERROR(moduleLog(), "Unable to clean up unused items");
     setVacuumNeeded();

@@ -1,6 +1,7 @@
 #include <algorithm>
 
-#include "DatabaseTransaction.h"
+#include "DatabaseItemRows.h"
+#include "DatabaseLeftItems.h"
 #include "ModuleLog.h"
 #include "Sqlite3Statement.h"
 
@@ -85,7 +86,11 @@ bool Database::deletePlayList(const PlayListRecord& pl) {
 }
 
 bool Database::deletePlayListTransaction(const PlayListRecord& pl) {
-    if (!statement(StatementId::DeletePlayList).run(pl.uid)) {
+    LeftItems left(*this, pl.size);
+    left.note(pl.uid, 0, lastPossibleNumber);
+    // A read that failed may have ended the transaction.
+    if (sqlite3_get_autocommit(m_connection) ||
+        !statement(StatementId::DeletePlayList).run(pl.uid)) {
         LOG4CPLUS_ERROR(moduleLog(), "Error deleting PlayList: delete commad failed");
         return false;
     }
@@ -94,7 +99,7 @@ bool Database::deletePlayListTransaction(const PlayListRecord& pl) {
         return false;
     }
     // The entries went with the playlist; their items did not.
-    if (!cleanUnusedItems()) {
+    if (!left.remove()) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to clean up unused items");
         return false;
     }

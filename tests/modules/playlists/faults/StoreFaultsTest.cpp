@@ -178,18 +178,25 @@ TEST_F(StoreFaultsTest, addingAddsAllOrNothing) {
 }
 
 TEST_F(StoreFaultsTest, removingRemovesAllOrNothing) {
-    sweep({"removeItems",
-           [this] {
-               return QString::number(database().removeItems(party, {1, 2, 4}));
-           },
-           {done("3"), lost("3"), refused("-1", {"Error removing items from list"}),
-            refused("-1", {"Error removing partial items from list",
-                           "Unable to remove all item indices", "Error removing items from list"}),
-            refused("-1", {"Unable to clean up unused items", "Error removing items from list"}),
-            refused("-1", {"Unable to restore sequence numbers", "Error removing items from list"}),
-            refused("-1",
-                    {"Error fetching PlayList items from DB", "Unable to restore sequence numbers",
-                     "Error removing items from list"})}});
+    // So many that all items are looked at, and one, which is looked for by itself.
+    for (const QList<int>& indices : {QList<int>{1, 2, 4}, QList<int>{3}}) {
+        const QString count = QString::number(indices.size());
+        sweep(
+            {indices.size() == 1 ? "removeItems, one" : "removeItems",
+             [this, indices] { return QString::number(database().removeItems(party, indices)); },
+             {done(count), lost(count), refused("-1", {"Error removing items from list"}),
+              refused("-1",
+                      {"Unable to remove all item indices", "Error removing items from list"}),
+              refused("-1",
+                      {"Error removing partial items from list",
+                       "Unable to remove all item indices", "Error removing items from list"}),
+              refused("-1", {"Unable to clean up unused items", "Error removing items from list"}),
+              refused("-1",
+                      {"Unable to restore sequence numbers", "Error removing items from list"}),
+              refused("-1",
+                      {"Error fetching PlayList items from DB",
+                       "Unable to restore sequence numbers", "Error removing items from list"})}});
+    }
 }
 
 TEST_F(StoreFaultsTest, movingIsDoneOrNot) {
@@ -201,14 +208,19 @@ TEST_F(StoreFaultsTest, movingIsDoneOrNot) {
 }
 
 TEST_F(StoreFaultsTest, aClearIsTwoSteps) {
-    Outcome half{"false", {"Unable to clean up unused items"}, Effect::Partly};
-    half.partly = "DELETE FROM playlists_items WHERE playlist = 1";
-    sweep({"clearItems",
-           [this] { return text(database().clearItems(party)); },
-           {done("true"),
-            refused("false",
-                    {"Error removing partial items from list", "Unable to clear playList 1"}),
-            half}});
+    for (const PlayListRecord* pl : {&party, &quiet}) {
+        const bool isSmall = pl == &quiet;
+        Outcome half{"false", {"Unable to clean up unused items"}, Effect::Partly};
+        half.partly = isSmall ? "DELETE FROM playlists_items WHERE playlist = 2"
+                              : "DELETE FROM playlists_items WHERE playlist = 1";
+        sweep({isSmall ? "clearItems, few" : "clearItems",
+               [this, pl] { return text(database().clearItems(*pl)); },
+               {done("true"),
+                refused("false",
+                        {"Error removing partial items from list",
+                         QStringLiteral("Unable to clear playList %1").arg(isSmall ? 2 : 1)}),
+                half}});
+    }
 }
 
 TEST_F(StoreFaultsTest, strayItemsGoOrStay) {

@@ -20,6 +20,21 @@ protected:
         return StoreProbe::takeSteps(database());
     }
 
+    // Also those of statements that are prepared for one use.
+    template <typename Call>
+    qint64 allStepsOf(Call call) {
+        qint64 steps = 0;
+        const auto count = [](void* into) {
+            ++*static_cast<qint64*>(into);
+            return 0;
+        };
+        sqlite3* connection = StoreProbe::connection(database());
+        sqlite3_progress_handler(connection, 1, count, &steps);
+        call();
+        sqlite3_progress_handler(connection, 0, nullptr, nullptr);
+        return steps;
+    }
+
     qint64 stepsToRemoveHalfOf(int count) {
         const PlayListRecord pl = playListOf(items(count));
         const QList<int> indices = odd(count);
@@ -49,6 +64,27 @@ TEST_F(CostTest, removingGrowsNoFasterThanTheList) {
     const qint64 small = stepsToRemoveHalfOf(2000);
     const qint64 large = stepsToRemoveHalfOf(8000);
     EXPECT_LT(large, 5 * small) << small << " steps for 2000, " << large << " for 8000";
+}
+
+TEST_F(CostTest, aSmallRemovalCostsTheSameHoweverMuchIsStored) {
+    const auto steps = [this] {
+        const PlayListRecord removed = playListOf(items(20));
+        const PlayListRecord cleared = playListOf(items(20));
+        const PlayListRecord deleted = playListOf(items(20));
+        const qint64 sum = allStepsOf([&] {
+            EXPECT_EQ(1, database().removeItems(removed, {10}));
+            EXPECT_TRUE(database().clearItems(cleared));
+            EXPECT_TRUE(database().deletePlayList(deleted));
+        });
+        EXPECT_TRUE(database().deletePlayList(record(removed.uid)));
+        EXPECT_TRUE(database().deletePlayList(cleared));
+        return sum;
+    };
+    playListOf(items(1000));
+    const qint64 few = steps();
+    EXPECT_LT(few, 60 * 300);
+    playListOf(items(20000));
+    EXPECT_LT(steps(), few + few / 5) << few << " steps where a twentieth is stored";
 }
 
 TEST_F(CostTest, clearingAndDeletingSearchNothingPerItem) {

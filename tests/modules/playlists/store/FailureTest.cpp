@@ -1,3 +1,4 @@
+#include <cstring>
 #include <sqlite3.h>
 
 #include <QDir>
@@ -12,8 +13,9 @@ namespace {
 // them.
 class InterruptAtRow {
 public:
-    InterruptAtRow(Database& database, int row)
-        : m_connection(StoreProbe::connection(database)), m_rowsLeft(row) {
+    // Rows of the statements whose text has `part` are counted.
+    InterruptAtRow(Database& database, int row, const char* part = "")
+        : m_connection(StoreProbe::connection(database)), m_rowsLeft(row), m_part(part) {
         sqlite3_trace_v2(m_connection, SQLITE_TRACE_ROW, &InterruptAtRow::onRow, this);
     }
     ~InterruptAtRow() { sqlite3_trace_v2(m_connection, 0, nullptr, nullptr); }
@@ -21,15 +23,17 @@ public:
     InterruptAtRow& operator=(const InterruptAtRow&) = delete;
 
 private:
-    static int onRow(unsigned /*event*/, void* self, void* /*statement*/, void* /*unused*/) {
+    static int onRow(unsigned /*event*/, void* self, void* statement, void* /*unused*/) {
         auto* fault = static_cast<InterruptAtRow*>(self);
-        if (--fault->m_rowsLeft == 0)
+        const char* text = sqlite3_sql(static_cast<sqlite3_stmt*>(statement));
+        if (std::strstr(text, fault->m_part) && --fault->m_rowsLeft == 0)
             sqlite3_interrupt(fault->m_connection);
         return 0;
     }
 
     sqlite3* m_connection;
     int m_rowsLeft;
+    const char* m_part;
 };
 
 } // namespace
@@ -402,10 +406,24 @@ TEST_F(FailureTest, readingThatFailsOnTheWayGivesWhatWasRead) {
     expectInvariants();
 }
 
+// Then all items are looked at.
+TEST_F(FailureTest, itemsThatCannotBeNotedGoAllTheSame) {
+    for (int row : {1, 2}) {
+        const PlayListRecord pl = playListOf("abcdef");
+        playListOf(items(10));
+        const InterruptAtRow fault(database(), row, "SELECT item FROM playlists_items");
+        EXPECT_EQ(QStringList(reset("cleanUnusedItems", "interrupted")), errorsOf([&] {
+                      EXPECT_EQ(2, database().removeItems(pl, {1, 2}));
+                  }));
+        EXPECT_EQ(QStringLiteral("a d e f"), titles(pl.uid));
+        expectInvariants();
+    }
+}
+
 TEST_F(FailureTest, numbersThatCannotBeRead) {
     // Half of them read must not be taken for all of them.
     const PlayListRecord pl = playListOf("abcdef");
-    const InterruptAtRow fault(database(), 2);
+    const InterruptAtRow fault(database(), 2, "orvoRoles");
     EXPECT_EQ(QStringList({reset("getItems", "interrupted"),
                            QStringLiteral("Error fetching PlayList items from DB"),
                            QStringLiteral("Unable to restore sequence numbers"),

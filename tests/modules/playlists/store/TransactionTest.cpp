@@ -99,23 +99,24 @@ TEST_F(TransactionTest, allOthersCommitByThemselves) {
 }
 
 TEST_F(TransactionTest, foreignKeysAreSuspendedForTheCleanUpOnly) {
-    const QStringList cleanUp(QStringLiteral(
-        "DELETE FROM items  WHERE uid NOT IN (    SELECT item FROM playlists_items  )"));
+    const auto isCleanUp = [](const QStringList& texts) {
+        return texts.size() == 1 && texts.first().startsWith(QLatin1String("DELETE FROM items "));
+    };
     PlayListRecord pl = playListOf("abcd");
     {
         StatementTrace trace(database());
         database().removeItems(pl, {1});
-        EXPECT_EQ(cleanUp, trace.withoutForeignKeys());
+        EXPECT_TRUE(isCleanUp(trace.withoutForeignKeys()));
     }
     {
         StatementTrace trace(database());
         database().clearItems(pl);
-        EXPECT_EQ(cleanUp, trace.withoutForeignKeys());
+        EXPECT_TRUE(isCleanUp(trace.withoutForeignKeys()));
     }
     {
         StatementTrace trace(database());
         database().deletePlayList(pl);
-        EXPECT_EQ(cleanUp, trace.withoutForeignKeys());
+        EXPECT_TRUE(isCleanUp(trace.withoutForeignKeys()));
     }
     {
         pl = playListOf("abcd");
