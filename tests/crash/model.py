@@ -114,16 +114,20 @@ def move_item(state, uid, source, target):
 
 
 def move_items(state, uid, indices, target):
-    """One move after the other: those from before the target, then those from behind it."""
+    """One alone moves by itself. Several move together with the last played number, as if one moved
+    after the other: those from before the target, then those from behind it."""
     indices = sorted(set(indices))
     front = [i for i in indices if i <= target]
     behind = [i for i in indices if i > target]
     moves = [(i - moved, target) for moved, i in enumerate(front)]
     moves += [(i, target + k + (1 if front else 0)) for k, i in enumerate(behind)]
-    states = [state]
+    moves = [(source, place) for source, place in moves if source != place]
+    if len(moves) == 1:
+        return move_item(state, uid, *moves[0])
+    moved = state
     for source, place in moves:
-        states += move_item(states[-1], uid, source, place)[1:]
-    return states
+        moved = move_item(moved, uid, source, place)[-1]
+    return [state, moved] if moves else [state]
 
 
 def place_of_new(pl, mode):

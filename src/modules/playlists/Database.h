@@ -136,6 +136,13 @@ public:
     //   a b c d e, from 1, to 3  ->  a c d b e          a b c d e, from 3, to 1  ->  a d b c e
     bool moveItem(const PlayListRecord& pl, int from, int to);
     bool moveItemTransaction(const PlayListRecord& pl, int from, int to);
+    // Gives the entries from `first` on another order: order[i] is the number of the entry that
+    // comes to stand at first + i. `lastPlayedIndex` is written along with it, whole or not at all.
+    //   a b c d e, first 1, order 3 1 2  ->  a d b c e
+    bool reorderItems(const PlayListRecord& pl, int first, const QVector<int>& order,
+                      int lastPlayedIndex);
+    bool reorderItemsTransaction(const PlayListRecord& pl, int first, const QVector<int>& order,
+                                 int lastPlayedIndex);
 
     // Removes all entries. False with the entries gone is possible: when only the clean-up of their
     // items failed.

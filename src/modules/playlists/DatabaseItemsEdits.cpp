@@ -284,6 +284,50 @@ bool Database::moveItemTransaction(const PlayListRecord& pl, int from, int to) {
            shift.run(pl.uid, low + size, high + size, -(direction + size));
 }
 
+bool Database::reorderItems(const PlayListRecord& pl, int first, const QVector<int>& order,
+                            int lastPlayedIndex) {
+    CM_ENTER_ARGS(moduleLog(),
+                  "pl=" << pl.uid << " first=" << first << " order.size()=" << order.size());
+    Transaction transaction(*this, Transaction::Lock::AtOnce);
+    if (!transaction.begun() || !reorderItemsTransaction(pl, first, order, lastPlayedIndex)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Error moving PlayListItem");
+        return false;
+    }
+    transaction.commit();
+    return true;
+}
+
+bool Database::reorderItemsTransaction(const PlayListRecord& pl, int first,
+                                       const QVector<int>& order, int lastPlayedIndex) {
+    // Both ends may stand where they belong.
+    int begin = 0;
+    int end = order.size();
+    while (begin < end && order[begin] == first + begin)
+        ++begin;
+    while (end > begin && order[end - 1] == first + end - 1)
+        --end;
+
+    // The rest is lifted above the numbers in use, and each run of entries that stay together comes
+    // down to its place: every entry is written twice, however many of them move.
+    Sqlite3Statement& shift = statement(StatementId::MoveItem1);
+    const int above = pl.size;
+    if (begin < end && !shift.run(pl.uid, first + begin, first + end - 1, above))
+        return false;
+    while (begin < end) {
+        int next = begin + 1;
+        while (next < end && order[next] == order[next - 1] + 1)
+            ++next;
+        const int from = order[begin] + above;
+        const int to = order[next - 1] + above;
+        if (!shift.run(pl.uid, from, to, first + begin - from))
+            return false;
+        begin = next;
+    }
+    PlayListRecord played = pl;
+    played.lastPlayedIndex = lastPlayedIndex;
+    return lastPlayedIndex == pl.lastPlayedIndex || updatePlayList(played);
+}
+
 bool Database::clearItems(const PlayListRecord& pl) {
     CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid);
     LeftItems left(*this, pl.size);

@@ -1,11 +1,70 @@
 #include "PlayList.h"
 
 #include <algorithm>
+#include <iterator>
+#include <numeric>
+#include <utility>
 
 #include <QMutexLocker>
 
 #include "Database.h"
 #include "ModuleLog.h"
+
+namespace {
+
+struct ItemMove {
+    int from;
+    int to;
+};
+
+// The single moves that bring the entries at `indices`, ascending, together at `to`, each with the
+// numbers that the moves before it have left.
+QVector<ItemMove> movesOf(const QList<int>& indices, int to) {
+    QVector<ItemMove> moves;
+    const auto add = [&moves](int from, int target) {
+        if (from != target)
+            moves.append({from, target});
+    };
+    const int firstBehind =
+        int(std::upper_bound(indices.cbegin(), indices.cend(), to) - indices.cbegin());
+    // Each move out of the front lets the rest of the front slide down by one.
+    for (int moved = 0; moved < firstBehind; ++moved)
+        add(indices.at(moved) - moved, to);
+    int target = firstBehind > 0 ? to + 1 : to;
+    for (int i = firstBehind; i < indices.size(); ++i)
+        add(indices.at(i), target++);
+    return moves;
+}
+
+// What these moves come to: the old numbers in their new order, from the lowest number concerned to
+// the highest.
+QVector<int> orderAfterMoving(const QList<int>& indices, int to) {
+    const int low = std::min(indices.first(), to);
+    const int high = std::max(indices.last(), to);
+    const int fromBefore =
+        int(std::upper_bound(indices.cbegin(), indices.cend(), to) - indices.cbegin());
+    const int blockBegin = fromBefore > 0 ? to - fromBefore + 1 : to;
+    QVector<int> all(high - low + 1);
+    std::iota(all.begin(), all.end(), low);
+    QVector<int> order;
+    order.reserve(all.size());
+    std::set_difference(all.cbegin(), all.cend(), indices.cbegin(), indices.cend(),
+                        std::back_inserter(order));
+    order.insert(blockBegin - low, indices.size(), 0);
+    std::copy(indices.cbegin(), indices.cend(), order.begin() + (blockBegin - low));
+    return order;
+}
+
+// Where the entry numbered `number` stands after the move.
+int followed(int number, const ItemMove& move) {
+    if (number == move.from)
+        return move.to;
+    if (number >= move.to && number < move.from)
+        return number + 1;
+    return number > move.from && number <= move.to ? number - 1 : number;
+}
+
+} // namespace
 
 PlayList::PlayList(Database* database, const PlayListRecord& record)
     : m_database(database), m_record(record), m_revision(database->nextRevision()) {}
@@ -79,8 +138,9 @@ bool PlayList::isCommitted(int size) {
         m_record.size = size;
         return true;
     }
+    const bool isTold = size != m_record.size;
     readAgain();
-    return !m_inDoubt && m_record.size == size;
+    return isTold && !m_inDoubt && m_record.size == size;
 }
 
 void PlayList::setName(const QString& name) {
@@ -205,13 +265,8 @@ bool PlayList::moveItem(int from, int to) {
         to = std::min(to, size - 1);
         if (from == to)
             return true;
-        if (!m_database->moveItem(m_record, from, to))
+        if (!m_database->moveItem(m_record, from, to) || !isCommitted(m_record.size))
             return false;
-        m_revision = m_database->nextRevision();
-        if (m_database->lastCommitFailed()) {
-            readAgain();
-            return false;
-        }
         followMovedItem(from, to);
     }
     tell(&PlayList::itemMoved, from, to);
@@ -221,16 +276,14 @@ bool PlayList::moveItem(int from, int to) {
 // Keeps the last played position on the same entry.
 void PlayList::followMovedItem(int from, int to) {
     const int last = getLastSequenceNumber();
-    if (last >= to && last < from) {
-        LOG4CPLUS_TRACE(moduleLog(), "setLastSequenceNumber(lastPlayedSeqNum + 1): " << last + 1);
-        setLastSequenceNumber(last + 1);
-    } else if (last == from) {
-        LOG4CPLUS_TRACE(moduleLog(), "setLastSequenceNumber(toIndex): " << to);
-        setLastSequenceNumber(to);
-    } else if (last > from && last <= to) {
-        LOG4CPLUS_TRACE(moduleLog(), "setLastSequenceNumber(lastPlayedSeqNum - 1): " << last - 1);
-        setLastSequenceNumber(last - 1);
-    }
+    const int now = followed(last, {from, to});
+    if (now == last && last != from)
+        return;
+    const char* const how = last == from ? "toIndex"
+                            : now > last ? "lastPlayedSeqNum + 1"
+                                         : "lastPlayedSeqNum - 1";
+    LOG4CPLUS_TRACE(moduleLog(), "setLastSequenceNumber(" << how << "): " << now);
+    setLastSequenceNumber(now);
 }
 
 bool PlayList::moveItems(QList<int> indices, int to) {
@@ -239,29 +292,41 @@ bool PlayList::moveItems(QList<int> indices, int to) {
         LOG4CPLUS_TRACE(moduleLog(), "indicies.size() is 0, returning");
         return true;
     }
-    {
-        // The positions are judged by the size.
-        QMutexLocker lock(&m_mutex);
-        catchUp();
-    }
     std::sort(indices.begin(), indices.end());
     indices.erase(std::unique(indices.begin(), indices.end()), indices.end());
-    if (indices.first() < 0 || indices.last() >= getSize() || to < 0)
-        return false;
-    to = std::min(to, getSize() - 1);
+    QVector<ItemMove> moves;
+    {
+        QMutexLocker lock(&m_mutex);
+        // The positions are judged by the size.
+        catchUp();
+        if (indices.first() < 0 || indices.last() >= m_record.size || to < 0)
+            return false;
+        to = std::min(to, m_record.size - 1);
+        moves = movesOf(indices, to);
+        // One alone is moved by the operation for one.
+        if (moves.size() > 1) {
+            const int lastPlayed =
+                std::accumulate(moves.cbegin(), moves.cend(), m_record.lastPlayedIndex, followed);
+            if (!reorder(std::min(indices.first(), to), orderAfterMoving(indices, to), lastPlayed))
+                return false;
+        }
+    }
+    if (moves.isEmpty())
+        return true;
+    if (moves.size() == 1)
+        return moveItem(moves.constFirst().from, moves.constFirst().to);
+    for (const ItemMove& move : std::as_const(moves))
+        tell(&PlayList::itemMoved, move.from, move.to);
+    return true;
+}
 
-    const int firstBehind =
-        int(std::upper_bound(indices.cbegin(), indices.cend(), to) - indices.cbegin());
-    for (int moved = 0; moved < firstBehind; ++moved) {
-        // Each move out of the front lets the rest of the front slide down by one.
-        if (!moveItem(indices.at(moved) - moved, to))
-            return false;
-    }
-    int target = firstBehind > 0 ? to + 1 : to;
-    for (int i = firstBehind; i < indices.size(); ++i) {
-        if (!moveItem(indices.at(i), target++))
-            return false;
-    }
+bool PlayList::reorder(int first, const QVector<int>& order, int lastPlayed) {
+    if (!m_database->reorderItems(m_record, first, order, lastPlayed))
+        return false;
+    if (!isCommitted(m_record.size))
+        return false;
+    m_positionOwed = m_positionOwed && lastPlayed == m_record.lastPlayedIndex;
+    m_record.lastPlayedIndex = lastPlayed;
     return true;
 }
 

@@ -49,14 +49,17 @@ private:
     // Writes a changed copy of the record; the record follows only when the store took it.
     bool writeRecord(const PlayListRecord& changed);
     void followMovedItem(int from, int to);
+    // Under the lock. The signals are the caller's.
+    bool reorder(int first, const QVector<int>& order, int lastPlayed);
     // Makes up for what the store refused before. Each use of the store begins with it; it does
     // nothing unless something is left to do.
     void catchUp();
     // Reads the record from the store, all but a position that is still to be written.
     void readAgain();
     // Whether the edit that the store has just reported, and after which the size is `size`, is
-    // there for good. The record is as in the store then, either way. The revision rises, also
-    // where it is not known what is in the store.
+    // there for good. The record is as in the store then, either way. After a failed commit only
+    // the size can tell, so another order counts as undone. The revision rises, also where it is
+    // not known what is in the store.
     bool isCommitted(int size);
 
     Database* m_database;

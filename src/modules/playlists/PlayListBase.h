@@ -67,6 +67,8 @@ public:
     // Moves several entries, given by their positions before the call. They end up together in
     // their old order, the first of those from behind, or the last of those from before, at `to`:
     // 0..9, [1,3] to 5: 0,2,4,5,1,3,6,…; [8,6] to 2: 0,1,6,8,2,…
+    // All of them move or none. Then itemMoved comes for each, as if they had moved one after the
+    // other.
     virtual bool moveItems(QList<int> indices, int to) = 0;
     virtual bool clearItems() = 0;
 

@@ -1,5 +1,7 @@
 #include "PlayListWatcher.h"
 
+#include <utility>
+
 #include "../ModuleLog.h"
 #include "../PlayListBase.h"
 #include "../PlayListRecord.h"
@@ -65,6 +67,10 @@ void PlayListWatcher::on_items_removed(const QList<int>&, int) {
 }
 
 void PlayListWatcher::on_items_moved(int, int) {
+    // Of entries that moved together each is signalled by itself, when all of them have moved.
+    const qint64 revision = m_playlist->getRevision();
+    if (std::exchange(m_movedRevision, revision) == revision)
+        return;
     restartPlayListView(m_plid);
     m_subscribe->changedStartingWith(OrvoPlayListPlTrackContextPath(),
                                      CMSubscribe::RowsChangeReset(), -1);

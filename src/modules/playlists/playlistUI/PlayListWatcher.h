@@ -35,4 +35,6 @@ private:
     PlayListBase* m_playlist;
     int m_plid;
     QPointer<BaseNode> m_node;
+    // The last one that moved entries have led to.
+    qint64 m_movedRevision = 0;
 };

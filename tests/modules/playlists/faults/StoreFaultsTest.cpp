@@ -207,6 +207,15 @@ TEST_F(StoreFaultsTest, movingIsDoneOrNot) {
     }
 }
 
+TEST_F(StoreFaultsTest, anotherOrderIsGivenOrNot) {
+    sweep({"reorderItems",
+           [this] {
+               return text(database().reorderItems(party, 0, {3, 1, 2, 5, 0, 4}, 0));
+           },
+           {done("true"), lost("true"), refused("false", {"Error moving PlayListItem"}),
+            refused("false", {"Error updating PlayList", "Error moving PlayListItem"})}});
+}
+
 TEST_F(StoreFaultsTest, aClearIsTwoSteps) {
     for (const PlayListRecord* pl : {&party, &quiet}) {
         const bool isSmall = pl == &quiet;

@@ -171,17 +171,47 @@ TEST_F(PlayListMoveItemsTest, theCountLoggedIsThatOfTheRequest) {
     EXPECT_FALSE(log.contains("TRACE", "indicies.size() is 0, returning"));
 }
 
-TEST_F(PlayListMoveItemsTest, aMoveThatFailsStopsTheRestAndKeepsWhatWasDone) {
+TEST_F(PlayListMoveItemsTest, severalMoveTogetherWithThePlayedPositionOrNotAtAll) {
     PlayListBase& pl = playList("abcdef", 1);
     SignalLog signalLog;
     signalLog.watch(&pl);
-    // The first move succeeds; then the playlist's rows can no longer be changed.
-    QObject::connect(&pl, &PlayListBase::itemMoved, &pl,
-                     [this] { forbid("UPDATE ON playlists_items"); });
-    EXPECT_FALSE(pl.moveItems({0, 1, 2}, 5));
+    for (const char* table : {"playlists_items", "playlists"}) {
+        SCOPED_TRACE(table);
+        forbid(QString("UPDATE ON %1").arg(table));
+        const LogCapture log("PlayLists");
+        EXPECT_FALSE(pl.moveItems({0, 1, 2}, 5));
+        EXPECT_EQ("Error moving PlayListItem", log.errors().constLast());
+        allowAll();
+        EXPECT_EQ("abcdef", letters(pl));
+        EXPECT_EQ(1, pl.getLastSequenceNumber());
+        EXPECT_EQ(QStringList(), signalLog.take());
+        expectInStep();
+    }
+    EXPECT_TRUE(pl.moveItems({0, 1, 2}, 5));
+    EXPECT_EQ("defabc", letters(pl));
+    EXPECT_EQ(4, pl.getLastSequenceNumber());
+    expectInStep();
+}
+
+TEST_F(PlayListMoveItemsTest, severalThatStandWhereTheyAreToComeTouchNothing) {
+    PlayListBase& pl = playList("abcdef", 1);
+    SignalLog signalLog;
+    signalLog.watch(&pl);
+    const qint64 revision = pl.getRevision();
+    forbid("UPDATE ON playlists_items");
+    EXPECT_TRUE(pl.moveItems({2, 3, 4}, 2));
+    EXPECT_TRUE(pl.moveItems({0, 1, 2, 3, 4, 5}, 0));
     allowAll();
-    EXPECT_EQ("bcdefa", letters(pl));
+    EXPECT_EQ(revision, pl.getRevision());
+    EXPECT_EQ(QStringList(), signalLog.take());
+}
+
+TEST_F(PlayListMoveItemsTest, aPositionThatIsOwedIsMadeUpForByTheMove) {
+    PlayListBase& pl = playList("abcdef", 1);
+    forbid("UPDATE ON playlists");
+    pl.setLastSequenceNumber(3);
+    allowAll();
+    EXPECT_TRUE(pl.moveItems({3, 4}, 0));
     EXPECT_EQ(0, pl.getLastSequenceNumber());
-    EXPECT_EQ(QStringList("itemMoved 0 5"), signalLog.take());
     expectInStep();
 }

@@ -87,6 +87,18 @@ TEST_F(CostTest, aSmallRemovalCostsTheSameHoweverMuchIsStored) {
     EXPECT_LT(steps(), few + few / 5) << few << " steps where a twentieth is stored";
 }
 
+TEST_F(CostTest, movingHalfOfAListWritesEachEntryTwice) {
+    const PlayListRecord pl = playListOf(items(2000));
+    QVector<int> order = odd(2000).toVector();
+    for (int i = 0; i < 2000; i += 2)
+        order.append(i);
+    sqlite3* connection = StoreProbe::connection(database());
+    const int before = sqlite3_total_changes(connection);
+    EXPECT_TRUE(database().reorderItems(pl, 0, order, pl.lastPlayedIndex));
+    EXPECT_EQ(2 * 2000, sqlite3_total_changes(connection) - before);
+    expectInvariants();
+}
+
 TEST_F(CostTest, clearingAndDeletingSearchNothingPerItem) {
     playListOf(items(5000));
     const PlayListRecord cleared = playListOf(items(5000));

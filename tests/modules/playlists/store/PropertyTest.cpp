@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <iostream>
+#include <numeric>
 #include <random>
 
 #include <QHash>
@@ -113,6 +115,27 @@ public:
         list.move(from, to);
     }
 
+    // The entries from some place on in another order, the played one followed or not.
+    void reorder() {
+        const int uid = anyPlayList();
+        Model& pl = m_model[uid];
+        const int first = below(pl.titles.size() + 1);
+        QVector<int> order(below(pl.titles.size() - first + 1));
+        std::iota(order.begin(), order.end(), first);
+        // Mostly some runs, at times each by itself.
+        if (below(3) == 0)
+            std::shuffle(order.begin(), order.end(), m_random);
+        else if (!order.isEmpty())
+            std::rotate(order.begin(), order.begin() + below(order.size()), order.end());
+        const int played = below(2) == 0 ? pl.lastPlayedIndex : below(9) - 1;
+        EXPECT_TRUE(database().reorderItems(known(uid), first, order, played));
+        QStringList titles = pl.titles;
+        for (int i = 0; i < order.size(); ++i)
+            titles[first + i] = pl.titles.at(order.at(i));
+        pl.titles = titles;
+        pl.lastPlayedIndex = played;
+    }
+
     void take() {
         const int uid = anyPlayList();
         QStringList& list = m_model[uid].titles;
@@ -177,7 +200,7 @@ TEST_F(PropertyTest, anySequenceOfEditsLeavesWhatAListOfTextsWouldBe) {
     using Edit = void (PropertyTest::*)();
     // Adding comes more often than taking away, so that lists grow.
     const Edit kinds[] = {&PropertyTest::create, &PropertyTest::add,    &PropertyTest::add,
-                          &PropertyTest::add,    &PropertyTest::move,   &PropertyTest::move,
+                          &PropertyTest::add,    &PropertyTest::move,   &PropertyTest::reorder,
                           &PropertyTest::take,   &PropertyTest::play,   &PropertyTest::clear,
                           &PropertyTest::remove, &PropertyTest::restart};
     for (int sequence = 0; sequence < sequences; ++sequence) {

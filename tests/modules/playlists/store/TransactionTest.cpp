@@ -62,6 +62,9 @@ TEST_F(TransactionTest, successfulOperationsEndInCommit) {
     const PlayListRecord pl = playListOf("abcd");
     const PlayListRecord other = playListOf("abcd");
     EXPECT_EQ(QStringLiteral("BEGIN; COMMIT;"), frame([&] { database().moveItem(pl, 0, 2); }));
+    EXPECT_EQ(QStringLiteral("BEGIN IMMEDIATE; COMMIT;"), frame([&] {
+                  database().reorderItems(pl, 0, {2, 0, 3, 1}, 1);
+              }));
     EXPECT_EQ(QStringLiteral("BEGIN IMMEDIATE; COMMIT;"),
               frame([&] { database().removeItems(pl, {3}); }));
     EXPECT_EQ(QStringLiteral("BEGIN IMMEDIATE; COMMIT;"), frame([&] {
@@ -82,6 +85,9 @@ TEST_F(TransactionTest, failedOperationsEndInRollback) {
     ASSERT_TRUE(rawRun(QStringLiteral("CREATE TRIGGER no BEFORE UPDATE ON playlists_items"
                                       " BEGIN SELECT RAISE(ABORT, 'no'); END")));
     EXPECT_EQ(QStringLiteral("BEGIN; ROLLBACK;"), frame([&] { database().moveItem(pl, 0, 2); }));
+    EXPECT_EQ(QStringLiteral("BEGIN IMMEDIATE; ROLLBACK;"), frame([&] {
+                  database().reorderItems(pl, 0, {2, 0, 3, 1}, 1);
+              }));
     expectInvariants();
 }
 

@@ -73,7 +73,8 @@ TEST_F(PlayListWatcherTest, aMovedItemResetsTheListAndTheTrackMenus) {
                   QStringList({listReset(), trackMenuReset}));
         EXPECT_EQ(
             editEvents(OrvoPlayListPlMoveItemspath, {{"items", QVariantList{0, 1}}, {"to", 3}}),
-            QStringList({listReset(), trackMenuReset, listReset(), trackMenuReset}));
+            QStringList({listReset(), trackMenuReset}))
+            << "once, however many move";
         EXPECT_EQ(editEvents(OrvoPlayListPlMoveItemspath, {{"items", QVariantList{1}}, {"to", 1}}),
                   QStringList());
     }
