@@ -17,10 +17,12 @@ sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../sup
 from clients import Client
 from measures import Samples, percentile, slope
 from orvo_device import Device, write_silence
+from stranger import Stranger
 from streams import Streams
 
 CLIENTS = 8
 STREAMS = 200
+TOKEN = "the-token-of-this-device"
 # Events are kept up to a bound, pools and caches fill: memory is looked at from here on.
 WARM_UP_S = 60
 # Growth after the warm-up that is still called flat: a list that leaks one track per edit grows
@@ -42,7 +44,7 @@ def main():
     folder = tempfile.mkdtemp(prefix="orvo-soak-")
     print(f"{options.seconds:.0f} s, {STREAMS} event streams, {CLIENTS} clients,"
           f" seed {options.seed}, in {folder}")
-    device = Device(options.host, folder, ["--audio-sink", "auto"])
+    device = Device(options.host, folder, ["--audio-sink", "auto"], token=TOKEN)
     try:
         problems = run(device, options)
     finally:
@@ -64,33 +66,36 @@ def run(device, options):
     silence = "file://" + os.path.join(device.music, "01 silence.wav")
     device.start()
     device.wait_for_scan(device.connect())
-    streams = Streams(device.port, STREAMS)
+    streams = Streams(device.port, STREAMS, TOKEN)
     end = threading.Event()
     clients = [Client(device, number, options.seed, silence, end) for number in range(CLIENTS)]
     samples = Samples(device.pid)
-    for client in clients:
-        client.start()
+    stranger = Stranger(device.port, options.seed, end)
+    for each in (stranger, *clients):
+        each.start()
     until = time.monotonic() + options.seconds
     while time.monotonic() < until and device.alive():
         samples.take()
         time.sleep(min(1, max(0, until - time.monotonic())))
     end.set()
-    for client in clients:
-        client.join(60)
+    for each in (stranger, *clients):
+        each.join(60)
     if not device.alive():
         return [f"the device has ended, see {device.log}"]
-    return report(clients, samples, streams.close(), options.seconds)
+    return report(clients, stranger, samples, streams.close(), options.seconds)
 
 
-def report(clients, samples, seen, seconds):
+def report(clients, stranger, samples, seen, seconds):
     problems = [error for client in clients for error in client.errors]
-    problems += ["a client hangs" for client in clients if client.is_alive()]
+    problems += stranger.errors
+    problems += ["a client hangs" for client in (stranger, *clients) if client.is_alive()]
     answered = [s for client in clients for s in client.answered]
     print(f"requests: {len(answered)}, {len(answered) / seconds:.1f} per second,"
           f" refused: {sum(client.refused for client in clients)}, errors: {len(problems)}")
     print("latency: " + ", ".join(f"{name} {1000 * percentile(answered, share):.1f} ms" for name, share in
                                   (("median", 0.5), ("90 %", 0.9), ("99 %", 0.99), ("99.9 %", 0.999),
                                    ("longest", 1))))
+    print(f"a stranger was answered: {stranger.told()}")
     print(f"events: {seen['least']} to {seen['most']} per stream, resyncs: {seen['resyncs']},"
           f" gaps: {seen['gaps']}, streams lost: {seen['lost']}")
     if seen["lost"] or seen["gaps"] or not seen["least"]:

@@ -6,9 +6,10 @@ import socket
 import time
 
 
-def _open(port):
+def _open(port, token):
     stream = socket.create_connection(("127.0.0.1", port), timeout=30)
-    stream.sendall(b"GET /api/events?watch=player:position HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n")
+    stream.sendall("GET /api/events?watch=player:position HTTP/1.1\r\nHost: 127.0.0.1\r\n"
+                   f"Authorization: Bearer {token}\r\n\r\n".encode())
     stream.setblocking(False)
     return stream
 
@@ -41,11 +42,11 @@ class _Stream:
         self.last_id = number
 
 
-def _read(port, count, ready, end, results):
+def _read(port, token, count, ready, end, results):
     selector = selectors.DefaultSelector()
     streams = {}
     for _ in range(count):
-        opened = _open(port)
+        opened = _open(port, token)
         streams[opened] = _Stream()
         selector.register(opened, selectors.EVENT_READ)
     ready.set()
@@ -71,12 +72,12 @@ def _read(port, count, ready, end, results):
 
 
 class Streams:
-    def __init__(self, port, count):
+    def __init__(self, port, count, token):
         context = multiprocessing.get_context("fork")
         self._ready, self._end = context.Event(), context.Event()
         self._results = context.Queue()
         self._process = context.Process(
-            target=_read, args=(port, count, self._ready, self._end, self._results), daemon=True)
+            target=_read, args=(port, token, count, self._ready, self._end, self._results), daemon=True)
         self._process.start()
         if not self._ready.wait(60):
             raise RuntimeError("the event streams could not be opened")

@@ -1,12 +1,14 @@
 """A built orvo-host as a process of its own, and a plain HTTP connection to it.
 
-Used by the crash test and the soak. A Device belongs to the script that made it and is killed by
+Used by the crash test, the soak and the attacks. A Device belongs to the script that made it and is killed by
 its close(); everything is kept below the folder that it is given.
 """
 
 import json
 import os
+import resource
 import select
+import signal
 import socket
 import struct
 import subprocess
@@ -39,25 +41,35 @@ class Answer:
 
 class Connection:
     """One kept-alive connection. send() and receive() are apart, so that something may happen
-    while a request is being carried out."""
+    while a request is being carried out. `fields` are header fields that each request carries."""
 
-    def __init__(self, port):
-        self._socket = socket.create_connection(("127.0.0.1", port), timeout=PATIENCE_S)
+    def __init__(self, port, fields="", address="127.0.0.1"):
+        self._socket = socket.create_connection(("127.0.0.1", port), PATIENCE_S, (address, 0))
         self._socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+        self._fields = fields
         self._buffer = b""
 
     def close(self):
         self._socket.close()
 
+    def try_send(self, text):
+        """Any bytes. The device may have answered and closed before they have all left."""
+        try:
+            self._socket.sendall(text)
+        except ConnectionError:
+            pass
+
     def send(self, method, target, value=None):
         body = b"" if value is None else json.dumps(value).encode()
-        head = f"{method} {target} HTTP/1.1\r\nHost: 127.0.0.1\r\n"
+        head = f"{method} {target} HTTP/1.1\r\nHost: 127.0.0.1\r\n{self._fields}"
         if value is not None:
             head += f"Content-Type: application/json\r\nContent-Length: {len(body)}\r\n"
         self._socket.sendall(head.encode() + b"\r\n" + body)
 
-    def receive(self):
-        """The whole answer; what has not come when the connection ends is status 0."""
+    def receive(self, seconds=None):
+        """The whole answer; what has not come when the connection ends, or the time is over, is status 0."""
+        if seconds:
+            self._socket.settimeout(seconds)
         try:
             while True:
                 answer = self._take_answer()
@@ -69,6 +81,14 @@ class Connection:
                 self._buffer += more
         except ConnectionError:
             return self._take_answer() or Answer()
+        except socket.timeout:
+            if seconds:
+                return Answer()
+            raise
+
+    def first_line(self):
+        """Reads no more of the answer than a little."""
+        return self._socket.recv(64).split(b"\r\n")[0].decode()
 
     def _take_answer(self):
         head, separator, rest = self._buffer.partition(b"\r\n\r\n")
@@ -97,9 +117,10 @@ class Connection:
 
 
 class Device:
-    """One data folder and the host that runs in it, if any. The log of all runs is device.log."""
+    """One data folder and the host that runs in it, if any. The log of all runs is device.log.
+    `limits` are resource limits of the process: RLIMIT_… -> number. With a token its connections carry it."""
 
-    def __init__(self, host, folder, arguments=(), environment=None):
+    def __init__(self, host, folder, arguments=(), environment=None, token=None):
         self._host = host
         self._environment = {**os.environ, **(environment or {})}
         self.folder = folder
@@ -109,8 +130,19 @@ class Device:
         self.log = os.path.join(folder, "device.log")
         self.port = 0
         self._arguments = list(arguments)
+        self.limits = {}
+        self._fields = ""
         self._process = None
         os.makedirs(self.music, exist_ok=True)
+        if token:
+            self._take_token(token)
+
+    def _take_token(self, token):
+        file = os.path.join(self.folder, "token")
+        with open(os.open(file, os.O_CREAT | os.O_WRONLY, 0o600), "w", encoding="ascii") as out:
+            out.write(token)
+        self._arguments += ["--token-file", file]
+        self._fields = f"Authorization: Bearer {token}\r\n"
 
     @property
     def pid(self):
@@ -122,10 +154,15 @@ class Device:
             self._process = subprocess.Popen(
                 [self._host, "--data", self.data, "--music", self.music,
                  "--listen", "127.0.0.1:0", "--port-file", self._port_file(), *self._arguments],
-                stdout=subprocess.PIPE, stderr=log, env=self._environment)
+                stdout=subprocess.PIPE, stderr=log, env=self._environment,
+                preexec_fn=self._set_limits if self.limits else None)
 
-    def wait_until_ready(self):
-        readable, _, _ = select.select([self._process.stdout], [], [], PATIENCE_S)
+    def _set_limits(self):
+        for limit, number in self.limits.items():
+            resource.setrlimit(limit, (number, number))
+
+    def wait_until_ready(self, seconds=PATIENCE_S):
+        readable, _, _ = select.select([self._process.stdout], [], [], seconds)
         if not readable or b"ready" not in self._process.stdout.readline():
             raise DeviceError(f"the device did not start, see {self.log}")
         with open(self._port_file(), encoding="ascii") as file:
@@ -138,12 +175,24 @@ class Device:
     def alive(self):
         return self._process is not None and self._process.poll() is None
 
+    def status(self):
+        """How it ended: the exit status, or a signal's number below zero. None while it runs or never ran."""
+        return self._process.poll() if self._process else None
+
     def wait_for_end(self, seconds):
         """Until the host ends by itself, or patience does."""
         try:
             self._process.wait(seconds)
         except subprocess.TimeoutExpired:
             pass
+
+    def end(self, seconds=PATIENCE_S):
+        """SIGTERM. The exit status, None when it takes longer and is killed."""
+        self._process.send_signal(signal.SIGTERM)
+        self.wait_for_end(seconds)
+        status = self.status()
+        self.kill()
+        return status
 
     def kill(self):
         """SIGKILL: nothing in the process gets a chance to tidy up."""
@@ -156,7 +205,7 @@ class Device:
             self.kill()
 
     def connect(self):
-        return Connection(self.port)
+        return Connection(self.port, self._fields)
 
     def wait_for_scan(self, connection):
         until = time.monotonic() + PATIENCE_S
