@@ -376,6 +376,11 @@ void ApiRouter::postLogin(const Exchange& exchange) {
         exchange->respond(jsonResponse("{}"));
         return;
     }
+    // Of many logins at once the wrong ones count before the next is looked at.
+    if (const auto refusal = m_door->refusal(exchange->request())) {
+        exchange->respond(*refusal);
+        return;
+    }
     const QByteArray token = body.value(QStringLiteral("token")).toString().toUtf8();
     if (!m_door->isLogin(exchange->request(), token)) {
         exchange->respond(ApiError::response(ApiError::Kind::Unauthorized,

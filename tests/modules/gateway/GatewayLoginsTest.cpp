@@ -3,6 +3,7 @@
 #include <QFile>
 
 #include "GatewayFixture.h"
+#include "RawSocket.h"
 #include "TestApp.h"
 #include "WrongTokens.h"
 
@@ -66,6 +67,30 @@ TEST_F(GatewayLogins, afterTenWrongOnesAnAddressWaits) {
     }
     EXPECT_EQ(log.texts(QStringLiteral("WARN")), lines);
     EXPECT_FALSE(log.lines().join('\n').contains("wrong-token"));
+}
+
+// Each was let in before the first was wrong.
+TEST_F(GatewayLogins, ofManyAtOnceTenAreLookedAt) {
+    restartWith();
+    const QByteArray body = R"({"token":"wrong-token"})";
+    std::vector<std::unique_ptr<RawSocket>> sockets;
+    for (int i = 0; i < 15; ++i) {
+        sockets.push_back(std::make_unique<RawSocket>(port()));
+        sockets.back()->write("POST /api/login HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: " +
+                              QByteArray::number(body.size()) + "\r\n\r\n" + body.chopped(1));
+    }
+    waitFor([] { return false; }, 100); // their heads are read
+    QMap<QByteArray, int> answers;
+    for (const auto& socket : sockets) {
+        socket->write(body.right(1));
+        QByteArray text;
+        EXPECT_TRUE(waitFor([&] {
+            text = socket->read();
+            return text.contains("\r\n");
+        }));
+        ++answers[text.mid(9, 3)];
+    }
+    EXPECT_EQ(answers, (QMap<QByteArray, int>{{"401", 10}, {"429", 5}}));
 }
 
 TEST_F(GatewayLogins, whoIsInStaysInWhileTheAddressWaits) {
