@@ -53,6 +53,7 @@ const QVector<CommandSequence::Command>& CommandSequence::commands() {
 }
 
 CommandSequence::CommandSequence(int itemsLimit) : m_world(World::instance()), m_model(itemsLimit) {
+    m_world.setLimits(World::Limits::Default);
     m_world.reset(itemsLimit);
     m_model.createPlayList(QStringLiteral("Party"));
     m_model.createPlayList(QStringLiteral("Quiet"));

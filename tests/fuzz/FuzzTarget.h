@@ -16,7 +16,8 @@ struct FuzzTarget {
 
 namespace Fuzz {
 
-void gateway(const QByteArray& input);
+void gateway(const QByteArray& input); // with small limits of size
+void gatewayWithDefaultLimits(const QByteArray& input);
 void path(const QByteArray& input);
 void roles(const QByteArray& input);
 void numbers(const QByteArray& input);

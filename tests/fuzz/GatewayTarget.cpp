@@ -16,11 +16,11 @@
 namespace {
 
 constexpr int MostRequests = 16;
-constexpr int TimeoutMs = 30000;
 constexpr int CommentMs = 15000;
 
 void requireFine(const HttpExchange& exchange, const HttpResponse& answer) {
-    static const QSet<int> statuses = {200, 304, 400, 401, 403, 404, 405, 413, 422, 431, 503, 504};
+    static const QSet<int> statuses = {200, 304, 400, 401, 403, 404, 405,
+                                       409, 413, 422, 429, 431, 503, 504};
     const QString what = QString::fromUtf8(exchange.request().method) + ' ' +
                          exchange.request().path + ' ' + QString::fromUtf8(answer.body.left(200));
     Fuzz::require(statuses.contains(answer.status), "an unknown status: " + what);
@@ -31,6 +31,9 @@ void requireFine(const HttpExchange& exchange, const HttpResponse& answer) {
                       "a header of two lines: " + what);
     if (answer.contentType != "application/json")
         return;
+    Fuzz::require(answer.status != 200 ||
+                      answer.body.size() <= World::instance().apiLimits().answerBytes,
+                  "an answer over the limit: " + what);
     QJsonParseError error;
     Fuzz::require(QJsonDocument::fromJson(answer.body, &error).isObject(),
                   "an answer that is no JSON object: " + what + ' ' + error.errorString());
@@ -50,14 +53,11 @@ void requireFineStream(const QByteArray& text) {
     }
 }
 
-} // namespace
-
 // Requests as they come in, divided by lines of "---": each is answered, in the form that is
 // promised, at the latest when every other module has answered or let go; nothing outside the
 // folders is read or written, and the store is sound.
 // "@MUSIC@" in it is the music folder.
-void Fuzz::gateway(const QByteArray& text) {
-    World& world = World::instance();
+void tryRequests(World& world, const QByteArray& text) {
     const QByteArray input = QByteArray(text).replace("@MUSIC@", world.musicFolder().toUtf8());
     bool commands = false;
     bool values = false;
@@ -67,7 +67,7 @@ void Fuzz::gateway(const QByteArray& text) {
         const ArtworkFiles artwork(world.musicFolder());
         // With a token for some inputs: the door is tried open and closed.
         Door door({}, input.contains("Authorization: ") ? "secret-token" : QByteArray());
-        ApiRouter router(&feed, &pages, &artwork, &door, {TimeoutMs});
+        ApiRouter router(&feed, &pages, &artwork, &door, world.apiLimits());
 
         QVector<std::shared_ptr<HttpExchange>> exchanges;
         int at = 0;
@@ -84,7 +84,7 @@ void Fuzz::gateway(const QByteArray& text) {
             world.handleEvents();
         }
         // Work on a great many items takes several turns of the event loop.
-        const QDeadlineTimer patience(TimeoutMs);
+        const QDeadlineTimer patience(world.apiLimits().answerMs);
         const auto isAnswered = [](const auto& exchange) {
             return ExchangeProbe::answer(*exchange) != nullptr;
         };
@@ -94,7 +94,7 @@ void Fuzz::gateway(const QByteArray& text) {
                  !patience.hasExpired());
         for (const auto& exchange : exchanges) {
             const HttpResponse* answer = ExchangeProbe::answer(*exchange);
-            require(answer != nullptr, "no answer: " + QString::fromUtf8(input));
+            Fuzz::require(answer != nullptr, "no answer: " + QString::fromUtf8(input));
             requireFine(*exchange, *answer);
             requireFineStream(ExchangeProbe::stream(*exchange));
         }
@@ -104,4 +104,16 @@ void Fuzz::gateway(const QByteArray& text) {
     world.requireSoundStore(false);
     world.requireSameFiles();
     world.reset(0, values);
+}
+
+} // namespace
+
+void Fuzz::gateway(const QByteArray& input) {
+    World::instance().setLimits(World::Limits::Small);
+    tryRequests(World::instance(), input);
+}
+
+void Fuzz::gatewayWithDefaultLimits(const QByteArray& input) {
+    World::instance().setLimits(World::Limits::Default);
+    tryRequests(World::instance(), input);
 }

@@ -19,6 +19,15 @@
 
 namespace {
 
+// A few playlists and rows are within them.
+constexpr int SmallAnswerBytes = 16 * 1024;
+constexpr int SmallBodyValues = 100;
+QHash<QString, QVariant> smallLimits() {
+    return {{"playlists/maxItemBytes", 1000},
+            {"playlists/maxAdditionBytes", 3000},
+            {"playlists/maxNameBytes", 60}};
+}
+
 constexpr char StoreFile[] = "data-rw/playlists/playlists.sqlite";
 
 void write(const QString& name, const QByteArray& bytes) {
@@ -105,7 +114,8 @@ void World::stopOthers() {
 void World::start() {
     m_root->setValue(OrvoPlayListsSettingsDataBaseItemsLimitPath(), m_itemsLimit, CMVoidReply());
     m_root->setValue(OrvoPlayListSettingsDataBaseVacuumPath(), false, CMVoidReply());
-    m_playLists = std::make_unique<PlayListWorker>(QHash<QString, QVariant>());
+    m_playLists = std::make_unique<PlayListWorker>(
+        m_limits == Limits::Small ? smallLimits() : QHash<QString, QVariant>());
     handleEvents();
 }
 
@@ -131,6 +141,22 @@ void World::reset(int itemsLimit, bool settingsWritten) {
 void World::restart() {
     stop();
     start();
+}
+
+void World::setLimits(Limits limits) {
+    if (m_limits == limits)
+        return;
+    m_limits = limits;
+    restart();
+}
+
+ApiLimits World::apiLimits() const {
+    ApiLimits limits;
+    if (m_limits == Limits::Small) {
+        limits.answerBytes = SmallAnswerBytes;
+        limits.bodyValues = SmallBodyValues;
+    }
+    return limits;
 }
 
 void World::handleEvents() {

@@ -4,6 +4,7 @@
 
 #include <QTemporaryDir>
 
+#include "ApiRouter.h"
 #include "CMRootWorker.h"
 
 class FilesWorker;
@@ -33,6 +34,11 @@ public:
     void reset(int itemsLimit = 0, bool settingsWritten = false);
     // The playlists module anew over the same store.
     void restart();
+    // How large bodies, items, additions, names and answers may be. A fuzzer's inputs reach the
+    // small limits.
+    enum class Limits { Default, Small };
+    void setLimits(Limits limits);
+    ApiLimits apiLimits() const;
     // Handles what is due. The second form also answers, or drops, what the attic has kept.
     void handleEvents();
     void settle();
@@ -66,6 +72,7 @@ private:
     QByteArray m_emptyStore; // the file as it was at the beginning
     QStringList m_files;
     int m_itemsLimit = 0;
+    Limits m_limits = Limits::Default;
     std::unique_ptr<CMRootWorker> m_root;
     std::unique_ptr<PlayListWorker> m_playLists;
     std::unique_ptr<FilesWorker> m_filesModule;
