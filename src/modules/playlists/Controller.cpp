@@ -139,6 +139,14 @@ bool Controller::checkPlayListId(const int& plid, const QString& prefix, QString
     return false;
 }
 
+bool Controller::checkStored(bool stored, const int& plid, const QString& prefix, QString& msg) {
+    if (stored)
+        return true;
+    LOG4CPLUS_ERROR(moduleLog(), "Cannot store the change of playlist id: " << plid);
+    msg = buildErrMsg(prefix, CONTROLLER_TEXT("The change could not be stored."));
+    return false;
+}
+
 bool Controller::checkRevision(const CMSetDataRequest& request, const PlayListBase* pl,
                                const QString& prefix, QString& msg) {
     const OrvoPlayListPlId args(request.value().toHash());

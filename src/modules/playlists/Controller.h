@@ -49,6 +49,7 @@ public:
     static bool checkPlayList(const PlayListBase* pl, const int& plid, const QString& prefix,
                               QString& msg);
     static bool checkPlayListId(const int& plid, const QString& prefix, QString& msg);
+    static bool checkStored(bool stored, const int& plid, const QString& prefix, QString& msg);
     // Passes when the request names no revision, or that of `pl`. Where the playlist has changed
     // since, the request is answered here: with an error that programs know by its name.
     static bool checkRevision(const CMSetDataRequest& request, const PlayListBase* pl,

@@ -84,7 +84,8 @@ bool Controller::plSetName(CMSetDataRequest request, QString& msg) {
         LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
         return false;
     }
-    pl->setName(name);
+    if (!checkStored(pl->setName(name), plid, prefix, msg))
+        return false;
     LOG4CPLUS_INFO(moduleLog(), "Playlist id:" << plid << " successfully renamed to: " << name);
     msg = buildOkMsg(CONTROLLER_TEXT("Playlist renamed successfully."), pl->getName());
     return true;
@@ -114,7 +115,8 @@ bool Controller::plSetShuffle(CMSetDataRequest request, QString& msg) {
         LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
         return false;
     }
-    pl->setShuffle(mode == OrvoPlayListPlShuffleMode::On);
+    if (!checkStored(pl->setShuffle(mode == OrvoPlayListPlShuffleMode::On), plid, prefix, msg))
+        return false;
     LOG4CPLUS_INFO(moduleLog(), "Playlist id:" << plid << " set shuffle: " << int(mode));
     msg = buildOkMsg(CONTROLLER_TEXT("Playlist shuffle mode changed successfully."), pl->getName());
     return true;
@@ -144,7 +146,8 @@ bool Controller::plSetRepeat(CMSetDataRequest request, QString& msg) {
         LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
         return false;
     }
-    pl->setRepeatAll(mode == OrvoPlayListPlRepeatMode::All);
+    if (!checkStored(pl->setRepeatAll(mode == OrvoPlayListPlRepeatMode::All), plid, prefix, msg))
+        return false;
     LOG4CPLUS_INFO(moduleLog(), "Playlist id:" << plid << " set repeat all: " << int(mode));
     msg = buildOkMsg(CONTROLLER_TEXT("Playlist repeat mode changed successfully."), pl->getName());
     return true;

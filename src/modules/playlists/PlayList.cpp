@@ -143,40 +143,47 @@ bool PlayList::isCommitted(int size) {
     return isTold && !m_inDoubt && m_record.size == size;
 }
 
-void PlayList::setName(const QString& name) {
+bool PlayList::setName(const QString& name) {
     {
         QMutexLocker lock(&m_mutex);
         catchUp();
         PlayListRecord changed = m_record;
         changed.name = name;
         if (!writeRecord(changed))
-            return;
+            return false;
     }
     tell(&PlayList::nameChanged, name);
+    return true;
 }
 
-void PlayList::setShuffle(bool shuffle) {
+bool PlayList::setShuffle(bool shuffle) {
     {
         QMutexLocker lock(&m_mutex);
         catchUp();
         PlayListRecord changed = m_record;
         changed.shuffle = shuffle;
-        if (shuffle == m_record.shuffle || !writeRecord(changed))
-            return;
+        if (shuffle == m_record.shuffle)
+            return true;
+        if (!writeRecord(changed))
+            return false;
     }
     tell(&PlayList::shuffleChanged, shuffle);
+    return true;
 }
 
-void PlayList::setRepeatAll(bool repeatAll) {
+bool PlayList::setRepeatAll(bool repeatAll) {
     {
         QMutexLocker lock(&m_mutex);
         catchUp();
         PlayListRecord changed = m_record;
         changed.repeatAll = repeatAll;
-        if (repeatAll == m_record.repeatAll || !writeRecord(changed))
-            return;
+        if (repeatAll == m_record.repeatAll)
+            return true;
+        if (!writeRecord(changed))
+            return false;
     }
     tell(&PlayList::repeatAllChanged, repeatAll);
+    return true;
 }
 
 void PlayList::setLastSequenceNumber(int sequenceNumber) {

@@ -25,9 +25,9 @@ public:
     qint64 getRevision() const override;
     bool valid() const override;
 
-    void setName(const QString& name) override;
-    void setShuffle(bool shuffle) override;
-    void setRepeatAll(bool repeatAll) override;
+    bool setName(const QString& name) override;
+    bool setShuffle(bool shuffle) override;
+    bool setRepeatAll(bool repeatAll) override;
     void setLastSequenceNumber(int sequenceNumber) override;
     bool updateDatabase() const override;
     bool remove() override;

@@ -44,9 +44,10 @@ public:
     virtual qint64 getRevision() const = 0;
     virtual bool valid() const = 0;
 
-    virtual void setName(const QString& name) = 0;
-    virtual void setShuffle(bool shuffle) = 0;
-    virtual void setRepeatAll(bool repeatAll) = 0;
+    // Each is false when the change could not be stored: nothing has changed then.
+    virtual bool setName(const QString& name) = 0;
+    virtual bool setShuffle(bool shuffle) = 0;
+    virtual bool setRepeatAll(bool repeatAll) = 0;
     virtual void setLastSequenceNumber(int sequenceNumber) = 0;
     virtual bool updateDatabase() const = 0;
     // Deletes the playlist in the store; the object stays.

@@ -1,3 +1,5 @@
+#include <QCoreApplication>
+
 #include "CommandFixture.h"
 
 namespace {
@@ -73,6 +75,24 @@ const QList<Failure>& failures() {
          {{"clid", 1}, {"plid", 2}},
          "Could not remove items from collection. Remove playlist from collection failed.",
          "Unable to remove playList, id: 2 from collection id: 1"},
+        {"rename",
+         "UPDATE playlists",
+         OrvoPlayListPlSetNamePath,
+         {{"plid", 1}, {"name", "x"}},
+         "Could not set playlist name. The change could not be stored.",
+         "Cannot store the change of playlist id: 1"},
+        {"shuffle",
+         "UPDATE playlists",
+         OrvoPlayListPlSetShufflePath,
+         {{"plid", 1}, {"mode", 1}},
+         "Could not set shuffle mode on playlist. The change could not be stored.",
+         "Cannot store the change of playlist id: 1"},
+        {"repeat",
+         "UPDATE playlists",
+         OrvoPlayListPlSetRepeatPath,
+         {{"plid", 1}, {"mode", 2}},
+         "Could not set repeat mode on playlist. The change could not be stored.",
+         "Cannot store the change of playlist id: 1"},
         {"clear",
          "DELETE playlists_items",
          OrvoPlayListPlClearPath,
@@ -228,6 +248,33 @@ TEST_F(CommandFailuresTest, aNewItemThatCannotBeReadIsNotStarted) {
                 QVariantHash{{"plid", 1}, {"items", QVariantList{"files:d"}}, {"mode", 0}}));
     EXPECT_EQ(1, others.files.requests.size());
     EXPECT_TRUE(others.player.requests.isEmpty());
+}
+
+TEST_F(CommandFailuresTest, aChangeThatWasNotStoredIsNotShown) {
+    rows(CMPath("playlists:root"));
+    forbid("UPDATE", "playlists");
+    events.clear();
+    refusal(OrvoPlayListPlSetNamePath(), QVariantHash{{"plid", 1}, {"name", "x"}});
+    refusal(OrvoPlayListPlSetShufflePath(), QVariantHash{{"plid", 1}, {"mode", "shuffleOn"}});
+    refusal(OrvoPlayListPlSetRepeatPath(), QVariantHash{{"plid", 1}, {"mode", "repeatAll"}});
+    QCoreApplication::processEvents();
+    EXPECT_EQ(QStringList(), events);
+    const auto shown = [this] {
+        const QList<OrvoRoles> menu = asRoles(rows(CMPath("playlists:pl/context?plid=1")));
+        return QStringLiteral("%1 %2 %3")
+            .arg(menu.at(1).value().string())
+            .arg(menu.at(2).value().bool_())
+            .arg(menu.at(3).value().bool_());
+    };
+    EXPECT_EQ(QString("Party 0 0"), shown());
+    // What is as it was needs no storing.
+    expectDone(OrvoPlayListPlSetShufflePath(), QVariantHash{{"plid", 1}, {"mode", 0}});
+    expectDone(OrvoPlayListPlSetRepeatPath(), QVariantHash{{"plid", 1}, {"mode", 0}});
+    allowAll();
+    expectDone(OrvoPlayListPlSetNamePath(), QVariantHash{{"plid", 1}, {"name", "x"}});
+    expectDone(OrvoPlayListPlSetShufflePath(), QVariantHash{{"plid", 1}, {"mode", 1}});
+    expectDone(OrvoPlayListPlSetRepeatPath(), QVariantHash{{"plid", 1}, {"mode", 2}});
+    EXPECT_EQ(QString("x 1 1"), shown());
 }
 
 TEST_F(CommandFailuresTest, membershipIsRefusedTwiceAndRemovedOnce) {

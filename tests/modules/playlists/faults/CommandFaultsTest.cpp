@@ -93,11 +93,8 @@ protected:
         outcome.partly = sql;
         return outcome;
     }
-    // The setters return nothing, so a command cannot say that one failed.
-    static Outcome unsaid() {
-        Outcome outcome{"true", {}};
-        outcome.wronglyAcknowledged = true;
-        return outcome;
+    static Outcome unstored(const QString& prefix) {
+        return refused(prefix + " The change could not be stored.");
     }
 
 private:
@@ -113,11 +110,13 @@ TEST_F(CommandFaultsTest, playlists) {
                   partly("Could not delete playlist. Delete playlist error.",
                          "DELETE FROM collections_playlists")});
     sweepCommand("pl/setName", OrvoPlayListPlSetNamePath, QVariantHash{{"plid", 1}, {"name", "R"}},
-                 {done(), unsaid()});
+                 {done(), unstored("Could not set playlist name.")});
     sweepCommand("pl/setShuffle", OrvoPlayListPlSetShufflePath,
-                 QVariantHash{{"plid", 1}, {"mode", 1}}, {done(), unsaid()});
+                 QVariantHash{{"plid", 1}, {"mode", 1}},
+                 {done(), unstored("Could not set shuffle mode on playlist.")});
     sweepCommand("pl/setRepeat", OrvoPlayListPlSetRepeatPath,
-                 QVariantHash{{"plid", 1}, {"mode", 2}}, {done(), unsaid()});
+                 QVariantHash{{"plid", 1}, {"mode", 2}},
+                 {done(), unstored("Could not set repeat mode on playlist.")});
     sweepCommand(
         "pl/play", OrvoPlayListPlPlayPath, QVariantHash{{"plid", 1}},
         {refused("true"), refused("Could not start playback on playlist. Cannot get first item")});

@@ -161,24 +161,12 @@ TEST_F(ModelFaultsTest, clearing) {
 }
 
 TEST_F(ModelFaultsTest, settings) {
-    sweepEdit("PlayList::setName",
-              [this] {
-                  pl().setName("Renamed");
-                  return "";
-              },
-              {done("|nameChanged Renamed"), refused("|")});
-    sweepEdit("PlayList::setShuffle",
-              [this] {
-                  pl().setShuffle(true);
-                  return "";
-              },
-              {done("|shuffleChanged true"), refused("|")});
-    sweepEdit("PlayList::setRepeatAll",
-              [this] {
-                  pl().setRepeatAll(true);
-                  return "";
-              },
-              {done("|repeatAllChanged true"), refused("|")});
+    sweepEdit("PlayList::setName", [this] { return pl().setName("Renamed"); },
+              {done("true|nameChanged Renamed"), refused("false|")});
+    sweepEdit("PlayList::setShuffle", [this] { return pl().setShuffle(true); },
+              {done("true|shuffleChanged true"), refused("false|")});
+    sweepEdit("PlayList::setRepeatAll", [this] { return pl().setRepeatAll(true); },
+              {done("true|repeatAllChanged true"), refused("false|")});
     sweepEdit(
         "PlayList::setLastSequenceNumber",
         [this] {

@@ -80,18 +80,14 @@ bool moveItemsUpFails(PlayListBase& pl) {
 bool clearFails(PlayListBase& pl) {
     return !pl.clearItems();
 }
-// The setters report nothing: that nothing changed is all there is to see.
-bool renames(PlayListBase& pl) {
-    pl.setName("other");
-    return true;
+bool renameFails(PlayListBase& pl) {
+    return !pl.setName("other");
 }
-bool shuffles(PlayListBase& pl) {
-    pl.setShuffle(true);
-    return true;
+bool shuffleFails(PlayListBase& pl) {
+    return !pl.setShuffle(true);
 }
-bool repeats(PlayListBase& pl) {
-    pl.setRepeatAll(true);
-    return true;
+bool repeatFails(PlayListBase& pl) {
+    return !pl.setRepeatAll(true);
 }
 
 const QStringList addError = {"Error adding items to list"};
@@ -123,12 +119,12 @@ INSTANTIATE_TEST_SUITE_P(
         FailureRow{"moveWithoutShifting", moveFails, "UPDATE ON playlists_items", moveError},
         FailureRow{"moveItemsWhileLocked", moveItemsFails, "", moveError},
         FailureRow{"moveItemsUpWhileLocked", moveItemsUpFails, "", moveError},
-        FailureRow{"renameWhileLocked", renames, "", updateError},
-        FailureRow{"renameWithoutUpdating", renames, "UPDATE ON playlists", updateError},
-        FailureRow{"shuffleWhileLocked", shuffles, "", updateError},
-        FailureRow{"shuffleWithoutUpdating", shuffles, "UPDATE ON playlists", updateError},
-        FailureRow{"repeatWhileLocked", repeats, "", updateError},
-        FailureRow{"repeatWithoutUpdating", repeats, "UPDATE ON playlists", updateError},
+        FailureRow{"renameWhileLocked", renameFails, "", updateError},
+        FailureRow{"renameWithoutUpdating", renameFails, "UPDATE ON playlists", updateError},
+        FailureRow{"shuffleWhileLocked", shuffleFails, "", updateError},
+        FailureRow{"shuffleWithoutUpdating", shuffleFails, "UPDATE ON playlists", updateError},
+        FailureRow{"repeatWhileLocked", repeatFails, "", updateError},
+        FailureRow{"repeatWithoutUpdating", repeatFails, "UPDATE ON playlists", updateError},
         FailureRow{"clearWithoutDeleting",
                    clearFails,
                    "DELETE ON playlists_items",

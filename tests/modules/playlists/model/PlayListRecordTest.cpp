@@ -52,7 +52,7 @@ TEST_F(PlayListRecordTest, setNameAnnouncesTheNameItAlreadyHas) {
 
 struct ModeRow {
     const char* name;
-    void (PlayListBase::*set)(bool);
+    bool (PlayListBase::*set)(bool);
     bool (PlayListBase::*get)() const;
     const char* signalName;
 };
@@ -65,7 +65,7 @@ TEST_P(PlayListModeTest, aNewValueIsStoredAndAnnounced) {
     SignalLog signalLog;
     signalLog.watch(&pl);
     for (bool value : {true, false}) {
-        (pl.*mode.set)(value);
+        EXPECT_TRUE((pl.*mode.set)(value));
         EXPECT_EQ(value, (pl.*mode.get)());
         EXPECT_EQ(QStringList(QString("%1 %2").arg(mode.signalName, value ? "true" : "false")),
                   signalLog.take());
@@ -82,7 +82,7 @@ TEST_P(PlayListModeTest, theValueItHasIsNeitherWrittenNorAnnounced) {
     // Any write would fail and be logged.
     forbid("UPDATE ON playlists");
     const LogCapture log("PlayLists");
-    (pl.*mode.set)(true);
+    EXPECT_TRUE((pl.*mode.set)(true));
     EXPECT_EQ(QStringList(), log.lines());
     EXPECT_EQ(QStringList(), signalLog.take());
     EXPECT_TRUE((pl.*mode.get)());
