@@ -9,6 +9,7 @@ import { after, before, describe, test } from 'node:test';
 import { chromium } from 'playwright-core';
 import { Device, hasPlayer } from './device.mjs';
 import { People } from './people.mjs';
+import { Wire } from './wire.mjs';
 
 // The browser asks nobody but the device.
 const Flags = ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
@@ -66,7 +67,7 @@ class Window {
   }
 }
 
-// tell(t): tells it at both sizes. t: {device, size, open(), allow(pattern)}. Told several at a time, those that
+// tell(t): tells it at both sizes. t: {device, size, open(), lay(), allow(pattern)}; lay() gives a wire to the device. Told several at a time, those that
 // watch the clock after all others and alone.
 export function story(name, tell, { player = false, device = {}, sizes = Object.keys(Sizes), alone = false } = {}) {
   const skip = player && !hasPlayer ? 'liborvo_player.so is not built' : false;
@@ -105,6 +106,13 @@ async function tellOne({ name, tell, device: options, size }) {
   const device = new Device(options);
   const windows = [];
   const allowed = [];
+  const wires = [];
+  const lay = async (how) => {
+    const wire = new Wire(device, how);
+    wires.push(wire);
+    await wire.lay();
+    return wire;
+  };
   const open = async (how) => {
     const window = new Window(device, size);
     windows.push(window);
@@ -113,7 +121,7 @@ async function tellOne({ name, tell, device: options, size }) {
   await device.start();
   try {
     await device.ready();
-    await tell({ device, size, open, allow: (pattern) => allowed.push(pattern) });
+    await tell({ device, size, open, lay, allow: (pattern) => allowed.push(pattern) });
     const wrong = windows.flatMap((window) => window.wrong)
       .filter((text) => !allowed.some((pattern) => pattern.test(text)));
     assert.deepEqual(wrong, [], 'something went wrong behind the page');
@@ -122,6 +130,7 @@ async function tellOne({ name, tell, device: options, size }) {
     throw error;
   } finally {
     for (const window of windows) await window.context?.close();
+    for (const wire of wires) wire.end();
     await device.end();
   }
 }

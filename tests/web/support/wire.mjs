@@ -1,11 +1,13 @@
-// A wire between the page and the device that can be cut and mended.
+// A wire between the page and the device that can be cut and mended, and that may be slow: `thereAndBack` is how many
+// milliseconds a request and its answer take on it besides the device's own.
 
 import { once } from 'node:events';
 import { connect, createServer } from 'node:net';
 
 export class Wire {
-  constructor(device) {
+  constructor(device, { thereAndBack = 0 } = {}) {
     this.device = device;
+    this.delay = thereAndBack / 2;
     this.sockets = new Set();
     this.asked = ''; // what the page sent since the wire was cut
     this.server = createServer((socket) => this.join(socket));
@@ -33,7 +35,18 @@ export class Wire {
       });
     }
     socket.on('data', (data) => (this.asked += data.toString('latin1')));
-    socket.pipe(onward).pipe(socket);
+    this.carry(socket, onward);
+    this.carry(onward, socket);
+  }
+
+  // What was sent first arrives first, also at the end.
+  carry(from, to) {
+    if (!this.delay) {
+      from.pipe(to);
+      return;
+    }
+    from.on('data', (data) => setTimeout(() => to.destroyed || to.write(data), this.delay));
+    from.on('end', () => setTimeout(() => to.destroyed || to.end(), this.delay));
   }
 
   cut() {
