@@ -49,6 +49,7 @@ DeviceRows Device::complete(const QString& path, const QStringList& roles, int f
     result.title = firstPage.value(QStringLiteral("title")).toString();
     result.roles = firstPage.value(QStringLiteral("roles")).toObject();
     result.count = firstPage.value(QStringLiteral("rowsCount")).toInt();
+    result.revision = qint64(firstPage.value(QStringLiteral("revision")).toDouble(-1));
     // A list gives its last row where the range lies behind its end.
     if (from > 0 && from >= result.count)
         return result;

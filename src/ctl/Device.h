@@ -8,8 +8,9 @@
 // Part of a list, as the device shows it.
 struct DeviceRows {
     QString title;
-    int count = 0;     // of the whole list
-    QJsonObject roles; // the list's own
+    int count = 0;        // of the whole list
+    QJsonObject roles;    // the list's own
+    qint64 revision = -1; // of a list of tracks, when reading began
     QVector<QJsonObject> rows;
 };
 

@@ -68,6 +68,11 @@ void shuffle(VerbContext& context);
 void repeat(VerbContext& context);
 } // namespace PlaylistVerbs
 
+namespace OrderVerbs {
+void sort(VerbContext& context);
+void dedupe(VerbContext& context);
+} // namespace OrderVerbs
+
 namespace PlayerVerbs {
 void play(VerbContext& context);
 void pause(VerbContext& context);

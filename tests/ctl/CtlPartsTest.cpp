@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <QJsonArray>
+
 #include "Arguments.h"
 #include "ClockText.h"
 #include "CtlFailure.h"
@@ -12,6 +14,7 @@
 #include "SafeText.h"
 #include "TextTable.h"
 #include "TrackFinder.h"
+#include "TrackOrder.h"
 #include "Verbs.h"
 
 namespace {
@@ -187,4 +190,61 @@ TEST(PlayerStatus, theBarShowsWhereTheTrackIs) {
     EXPECT_EQ(PlayerStatus::bar(100, 100, 10), "[=========>]");
     EXPECT_EQ(PlayerStatus::bar(500, 100, 10), "[=========>]");
     EXPECT_EQ(PlayerStatus::bar(5, 0, 10), "[>---------]");
+}
+
+namespace {
+
+QJsonObject sortedRow(const char* title, const char* artist = "", const char* album = "",
+                      int number = 0, int duration = 0, const char* file = nullptr) {
+    const QString folder = QString::fromUtf8(album);
+    const QString name = QString::fromUtf8(file ? file : title);
+    const QJsonObject metaData{{"artist", QString::fromUtf8(artist)},
+                               {"album", folder},
+                               {"trackNumber", number},
+                               {"duration", duration}};
+    const QJsonObject resource{{"uri", QStringLiteral("file:///%1/%2").arg(folder, name)}};
+    const QJsonObject mediaData{{"metaData", metaData}, {"resources", QJsonArray{resource}}};
+    return {{"title", QString::fromUtf8(title)}, {"mediaData", mediaData}};
+}
+
+QString titlesBy(const QVector<QJsonObject>& rows, TrackOrder::Field by, bool reversed = false) {
+    QStringList titles;
+    for (const int i : TrackOrder::sorted(rows, by, reversed))
+        titles.append(rows.at(i).value("title").toString());
+    return titles.join('|');
+}
+
+} // namespace
+
+TEST(TrackOrder, titlesAreSortedAsAPersonSorts) {
+    const QVector<QJsonObject> rows = {
+        sortedRow("Track 10"), sortedRow("élan"),  sortedRow("track 9"), sortedRow(""),
+        sortedRow("Zoo"),      sortedRow("Eland"), sortedRow("Elan")};
+    EXPECT_EQ(titlesBy(rows, TrackOrder::Field::Title), "élan|Elan|Eland|track 9|Track 10|Zoo|");
+    EXPECT_EQ(titlesBy(rows, TrackOrder::Field::Title, true),
+              "Zoo|Track 10|track 9|Eland|élan|Elan|");
+}
+
+TEST(TrackOrder, anAlbumKeepsItsOwnOrder) {
+    const QVector<QJsonObject> rows = {sortedRow("A", "b", "Two", 2), sortedRow("B", "B", "two", 1),
+                                       sortedRow("C", "a", "Two", 12),
+                                       sortedRow("D", "a", "One", 3), sortedRow("E")};
+    EXPECT_EQ(titlesBy(rows, TrackOrder::Field::Artist), "D|C|B|A|E");
+    EXPECT_EQ(titlesBy(rows, TrackOrder::Field::Album), "D|B|A|C|E");
+    EXPECT_EQ(titlesBy(rows, TrackOrder::Field::Album, true), "B|A|C|D|E");
+}
+
+TEST(TrackOrder, durationsAreSortedByTheirLength) {
+    const QVector<QJsonObject> rows = {sortedRow("a", "", "", 0, 300),
+                                       sortedRow("b", "", "", 0, 20), sortedRow("c"),
+                                       sortedRow("d", "", "", 0, 20)};
+    EXPECT_EQ(titlesBy(rows, TrackOrder::Field::Duration), "b|d|a|c");
+    EXPECT_EQ(titlesBy(rows, TrackOrder::Field::Duration, true), "a|b|d|c");
+}
+
+TEST(TrackOrder, duplicatesAreThoseOfTheSameFileAndTheFirstStays) {
+    const QVector<QJsonObject> rows = {
+        sortedRow("a", "", "", 0, 0, "1"), sortedRow("b", "", "", 0, 0, "2"),
+        sortedRow("c", "", "", 0, 0, "1"), QJsonObject(), QJsonObject()};
+    EXPECT_EQ(TrackOrder::duplicates(rows), QList<int>{2});
 }

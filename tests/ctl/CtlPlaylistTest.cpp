@@ -162,3 +162,24 @@ TEST_F(CtlPlaylist, aPlaylistIsNotMergedIntoItself) {
               "orvoctl: Party (#10) cannot be merged into itself");
     EXPECT_EQ(m_playLists.lists.value(id).tracks.size(), 2);
 }
+
+TEST_F(CtlPlaylist, duplicatesAreRemovedButForTheFirst) {
+    const int id = playlist("Party", {"x:a", "x:b", "x:a", "x:c", "x:b"});
+    EXPECT_EQ(ctl({"dedupe", "Party"}).err.toStdString(),
+              "removed 2 duplicates from Party (#10)\n");
+    EXPECT_EQ(m_playLists.lists.value(id).tracks, (QStringList{"x:a", "x:b", "x:c"}));
+    EXPECT_EQ(ctl({"dedupe", "Party"}).err.toStdString(),
+              "removed 0 duplicates from Party (#10)\n");
+    EXPECT_EQ(ctl({"dedupe", "Party", "--json"}).out.toStdString(), "{\"removed\":0}\n");
+}
+
+TEST_F(CtlPlaylist, whatToSortByIsNamed) {
+    playlist("Party", {"x:b", "x:a"});
+    for (const QStringList& words :
+         {QStringList{"sort", "Party"}, {"sort", "Party", "--by", "colour"}}) {
+        const CtlRun run = ctl(words);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.err.split('\n').first().toStdString(),
+                  "orvoctl: --by is one of title, artist, album, duration");
+    }
+}

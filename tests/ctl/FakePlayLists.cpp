@@ -23,8 +23,11 @@ OrvoRoles track(const QString& path, int number) {
     meta.setArtist(QStringLiteral("Artist"));
     meta.setAlbum(QStringLiteral("Album"));
     meta.setDuration(61000);
+    OrvoResource resource;
+    resource.setUri(path);
     OrvoMediaData media;
     media.setMetaData(meta);
+    media.setResources({resource});
     roles.setMediaData(media);
     return roles;
 }

@@ -1,0 +1,59 @@
+#include <QJsonArray>
+
+#include "CtlFailure.h"
+#include "TrackOrder.h"
+#include "Verbs.h"
+
+namespace {
+
+const QStringList Roles = {QStringLiteral("title"), QStringLiteral("mediaData")};
+
+QJsonArray numbers(const QList<int>& list) {
+    QJsonArray array;
+    for (const int number : list)
+        array.append(number);
+    return array;
+}
+
+// What the verb found out holds for the list as it was read: the device refuses it for any other.
+QJsonObject record(const Named& playlist, const DeviceRows& answer) {
+    return {{QStringLiteral("plid"), playlist.id}, {QStringLiteral("revision"), answer.revision}};
+}
+
+} // namespace
+
+void OrderVerbs::sort(VerbContext& context) {
+    const QString by = context.arguments.value(QStringLiteral("by"));
+    const TrackOrder::Field* field = TrackOrder::field(by);
+    if (!field)
+        throw CtlFailure::usage(QStringLiteral("--by is one of %1").arg(TrackOrder::names()));
+    const Named playlist = context.playlist();
+    const DeviceRows answer = context.device.rows(context.names.itemsPath(playlist), Roles);
+    if (answer.rows.isEmpty())
+        throw CtlFailure::refused(
+            QStringLiteral("there are no tracks in %1").arg(playlist.label()));
+    QJsonObject request = record(playlist, answer);
+    request.insert(QStringLiteral("order"),
+                   numbers(TrackOrder::sorted(answer.rows, *field,
+                                              context.arguments.has(QStringLiteral("reverse")))));
+    context.run(QStringLiteral("OrvoPlayListPlSetOrderPath"), request,
+                QStringLiteral("sorted %1 by %2").arg(playlist.label(), by));
+}
+
+void OrderVerbs::dedupe(VerbContext& context) {
+    const Named playlist = context.playlist();
+    const DeviceRows answer = context.device.rows(context.names.itemsPath(playlist), Roles);
+    const QList<int> duplicates = TrackOrder::duplicates(answer.rows);
+    if (!duplicates.isEmpty()) {
+        QJsonObject request = record(playlist, answer);
+        request.insert(QStringLiteral("items"), numbers(duplicates));
+        context.device.command(QStringLiteral("OrvoPlayListPlRemoveItemsPath"), request);
+    }
+    if (context.output.isJson())
+        context.output.json(QJsonObject{{QStringLiteral("removed"), duplicates.size()}});
+    else
+        context.output.done(QStringLiteral("removed %1 duplicate%2 from %3")
+                                .arg(duplicates.size())
+                                .arg(QLatin1String(duplicates.size() == 1 ? "" : "s"))
+                                .arg(playlist.label()));
+}
