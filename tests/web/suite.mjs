@@ -2,11 +2,14 @@
 import { tellStories } from './support/story.mjs';
 import './units/browserless.mjs';
 import './units/rows.mjs';
+import './units/edits.mjs';
 import './units/helpers.mjs';
 import './stories/lists.mjs';
 import './stories/adding.mjs';
 import './stories/playing.mjs';
 import './stories/reordering.mjs';
+import './stories/editing.mjs';
+import './stories/together.mjs';
 import './stories/collections.mjs';
 import './stories/connection.mjs';
 import './stories/access.mjs';

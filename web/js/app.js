@@ -2,8 +2,9 @@
 // each other.
 
 import { EventFeed, artworkUrl, getModules, getPaths, samePlace, sendData } from './core/device.js';
-import { AddMode, Commands } from './model/commands.js';
+import { Commands } from './model/commands.js';
 import { Covers } from './model/covers.js';
+import { Lock } from './model/lock.js';
 import { Player } from './model/player.js';
 import { RowType, allRows, isCreate, isSwitch, metaData } from './model/rows.js';
 import { attempt, el, icon, setText, tellError } from './view/dom.js';
@@ -41,7 +42,7 @@ async function loadParts() {
 class App {
   constructor(paths, modules) {
     this.paths = paths;
-    this.live = document.getElementById('live');
+    this.lock = new Lock();
     this.commands = new Commands(paths);
     this.covers = new Covers();
     this.player = new Player(paths);
@@ -87,7 +88,10 @@ class App {
     const loading = Promise.all([loadParts(), addStyle(LaterStyle)]);
     if (!this.isPlaced) this.openPlaces();
     const [parts] = await loading;
+    this.edits = new parts.Edits(this.commands, this.lock);
+    this.menuEdits = new parts.MenuEdits(this);
     this.menu = new parts.Menu(this);
+    this.undoBar = new parts.UndoBar(document.getElementById('undo'), this.edits, { onLeft: () => this.shownScreen.focus() });
     this.bar = new parts.PlayerBar(document.getElementById('player'), this.player, { onJump: () => this.jumpToCurrent() });
     this.takeParts(parts);
   }
@@ -150,14 +154,24 @@ class App {
     }
   }
 
-  // A text or a switch is set, an action is carried out; then what the reply says happens.
-  async carryOut(row, value, { openMade = false } = {}) {
+  // A text or a switch is set, an action is carried out; then what the reply says happens. A second press does nothing.
+  carryOut(row, value, { openMade = false } = {}) {
+    return this.lock.during([row.path], async () => {
+      const edit = this.menuEdits?.of(row);
+      if (edit) {
+        await edit(value);
+        return;
+      }
+      const known = openMade ? await this.listPaths() : null;
+      await this.send(row, value);
+      if (known) await this.openMade(known);
+    });
+  }
+
+  async send(row, value) {
     const sent = row.type === RowType.Editable && isSwitch(row) ? { bool: !row.value.bool } : value ?? {};
-    const known = openMade ? await this.listPaths() : null;
     const reply = await sendData(row.path, sent);
     for (const event of reply?.events ?? []) if (event.rowsType === 1) this.closePlace(event.path);
-    if (known) await this.openMade(known);
-    return reply ?? {};
   }
 
   closePlace(path) {
@@ -185,13 +199,14 @@ class App {
     this.openMenu({ title: row.title, field: row, openMade: isCreate(row) }, { anchor, head: { title: row.title, urls: [] } });
   }
 
-  askFor(row, anchor) {
-    const run = () => {
-      this.menu.close();
-      attempt(this.carryOut(row), anchor);
-    };
-    this.openMenu({ title: 'Sure?', items: [{ title: row.title, icon: 'check', run }] },
-      { anchor, head: { title: row.title, urls: [] } });
+  async ask(what, run) {
+    const { ask } = await this.parts;
+    ask(what, run);
+  }
+
+  askFor(row, named = '') {
+    this.ask({ title: `${row.title}${named ? ` “${named}”` : ''}?`, text: 'This cannot be taken back.', button: row.title.split(' ')[0] },
+      () => attempt(this.send(row, {}), null));
   }
 
   // What was just made is what people want to see: the list that was not there before.
@@ -205,57 +220,9 @@ class App {
     return new Set((await allRows(this.nav.top.path)).map((row) => row.path));
   }
 
-  openAddMenu(rows, anchor, screen) {
-    const urls = rows.map((row) => artworkUrl(metaData(row).artworkUrl)).filter(Boolean).slice(0, 1);
-    const title = rows.length === 1 ? rows[0].title : `${rows.length} chosen`;
-    const target = this.addTarget(screen);
-    const page = target ? this.addPage(rows, target, screen) : this.targetPage(rows, screen);
-    this.openMenu(page, { anchor, head: { title, urls } });
-  }
-
-  // Where music goes unless another list is chosen: what is open beside it.
-  addTarget(screen) {
-    const open = this.main.top;
-    if (open && open !== screen && open.target) return { ...open.target, title: open.title };
-    return null;
-  }
-
-  addPage(rows, target, screen) {
-    const add = (mode) => () => {
-      this.menu.close();
-      screen.list.selection.clear();
-      this.add(rows, target, mode);
-    };
-    return {
-      title: `Add to ${target.title}`,
-      items: [
-        ...(this.player.present ? [{ title: 'Now', icon: 'play', run: add(AddMode.Now) }] : []),
-        { title: 'Next', icon: 'next', run: add(AddMode.Next) },
-        { title: 'Append', icon: 'list', run: add(AddMode.Append) },
-        { title: 'To another list', icon: 'forward', run: () => this.menu.push(this.targetPage(rows, screen)) },
-      ],
-    };
-  }
-
-  targetPage(rows, screen) {
-    return {
-      path: this.paths.OrvoPlayListsRootPath,
-      pick: (row) => {
-        const target = this.commands.targetOf(row.path);
-        if (target) this.menu.push(this.addPage(rows, { ...target, title: row.title }, screen));
-        else this.menu.push({ path: row.path, pick: (inner) => {
-          const found = this.commands.targetOf(inner.path);
-          if (found) this.menu.push(this.addPage(rows, { ...found, title: inner.title }, screen));
-        } });
-      },
-    };
-  }
-
-  async add(rows, target, mode) {
-    const { Adding, watchAdding } = await this.parts;
-    const adding = new Adding({ commands: this.commands, plid: target.plid, path: target.path, mode, rows, title: target.title });
-    watchAdding(adding, document.getElementById('progress'));
-    adding.run();
+  async openAddMenu(rows, anchor, screen) {
+    const { AddMenu } = await this.parts;
+    new AddMenu(this, rows, screen).open(anchor);
   }
 
   // Places.
@@ -380,10 +347,6 @@ class App {
   async showHelp() {
     const { showHelp } = await this.parts;
     showHelp();
-  }
-
-  say(text) {
-    setText(this.live, text);
   }
 }
 

@@ -1,9 +1,12 @@
 // What the first rows on screen do without; app.js loads it when they are there.
 
-export { Adding } from './model/adder.js';
-export { Dragging } from './view/dragging.js';
+export { Edits } from './model/edits.js';
+export { AddMenu } from './view/addmenu.js';
+export { Editing } from './view/editing.js';
 export { Finder } from './view/finder.js';
 export { showHelp } from './view/help.js';
 export { Menu } from './view/menu.js';
+export { MenuEdits } from './view/menuedits.js';
 export { PlayerBar } from './view/playerbar.js';
-export { watchAdding } from './view/progress.js';
+export { ask } from './view/question.js';
+export { UndoBar } from './view/undobar.js';

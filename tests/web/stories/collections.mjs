@@ -64,8 +64,7 @@ story('a collection is deleted by its menu; its playlists stay', async ({ device
   await me.toLists();
   await me.menuOf('nav', 'Weekend');
   await me.choose('Delete collection');
-  await me.press(me.sheet.locator('.menu-entry.sure'));
-  await me.sheetCloses();
+  await me.answer('Delete');
   await me.row('nav', 'Weekend').waitFor({ state: 'hidden' });
   await other.toast('“Weekend” is gone.').waitFor();
   await me.row('nav', 'Party').waitFor();

@@ -86,8 +86,7 @@ story('delete a playlist open in another window: that view closes', async ({ dev
   await me.toLists();
   await me.menuOf('nav', 'Party');
   await me.choose('Delete playlist');
-  await me.press(me.sheet.locator('.menu-entry.sure')); // it asks twice
-  await me.sheetCloses();
+  await me.answer('Delete');
   await other.toast('“Party” is gone.').waitFor();
   if (size === 'phone') await other.page.locator('#nav').waitFor();
   else await eventually(() => other.heading().textContent(), 'PlayQueue');
@@ -105,8 +104,7 @@ story('clear a playlist, and the queue: both stay, without tracks', async ({ dev
     await me.toLists();
     await me.menuOf('nav', list);
     await me.choose(entry);
-    await me.press(me.sheet.locator('.menu-entry.sure')); // it asks twice
-    await me.sheetCloses();
+    await me.answer('Clear');
     await eventually(() => other.meta().textContent(), 'Empty');
     assert.deepEqual(await device.titles(path), []);
     await me.row('nav', list).waitFor();
@@ -137,7 +135,7 @@ story('merge two playlists', async ({ device, open }) => {
   await me.toLists();
   await me.menuOf('nav', 'Canal');
   await me.choose('Merge with playlist', 'Evening', 'Append');
-  await me.sheetCloses();
+  await me.answer('Merge');
   await eventually(() => device.titles(`playlists:pl/items/${target}`), [...Hours, ...Lanterns]);
   await me.row('nav', 'Canal').waitFor({ state: 'hidden' });
   await me.openList('Evening');

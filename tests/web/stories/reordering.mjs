@@ -18,11 +18,13 @@ story('reorder by drag; the second window follows without a reload', async ({ de
   await eventually(() => device.titles(`playlists:pl/items/${plid}`), down);
   await eventually(() => me.titles('main'), down);
   await eventually(() => other.titles('main'), down);
+  await me.dismiss();
 
   const up = [fifth, second, third, fourth, first];
   await me.drag(fifth, second);
   await eventually(() => device.titles(`playlists:pl/items/${plid}`), up);
   await eventually(() => other.titles('main'), up);
+  await me.dismiss();
 
   const last = [second, third, fourth, first, fifth];
   await me.drag(fifth, first);

@@ -91,6 +91,28 @@ export class People {
     await this.sheetCloses();
   }
 
+  // What is asked before much is changed.
+  get question() {
+    return this.page.locator('dialog.question[open]');
+  }
+
+  async answer(button) {
+    await this.press(this.question.getByRole('button', { name: button, exact: true }));
+    await this.question.waitFor({ state: 'detached' });
+  }
+
+  get undoBar() {
+    return this.page.locator('.undo-bar');
+  }
+
+  async dismiss() {
+    await this.press(this.page.locator('.toast').last().getByRole('button', { name: 'Dismiss' }));
+  }
+
+  async undo() {
+    await this.press(this.undoBar.getByRole('button', { name: 'Undo' }));
+  }
+
   async createFromRoot(rowTitle, name) {
     await this.toLists();
     await this.press(this.row('nav', rowTitle).locator('.row-title'));

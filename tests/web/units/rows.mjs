@@ -1,6 +1,7 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import { ListStore, insertedRuns } from '../../../web/js/model/rows.js';
+import { showMoved, showRemoved } from '../../../web/js/model/shown.js';
 
 // A list that answers when it is told to.
 class FakeList {
@@ -147,17 +148,66 @@ test('aFailedReadIsToldAndTriedAgainWithTheNextLook', async () => {
   assert.equal(store.count, 10);
 });
 
-test('aMoveIsShownBeforeTheDeviceConfirmsItAndNothingOldComesBetween', async () => {
+const row = (title) => ({ title, path: `x:${title}`, type: 3 });
+
+test('whatThePageShowsItselfHoldsUntilTheDeviceHasDoneIt', async () => {
   const { list, store } = await loaded(6);
   store.want(0, 6);
-  store.moveLocally([1, 3], 5);
+  showMoved(store, [1, 3], 5);
+  store.hold();
   assert.deepEqual(titles(store), ['t0', 't2', 't4', 't1', 't3', 't5']);
   store.want(0, 6);
   assert.equal(list.asked.length, 0);
-  store.moveLocally([5], 0);
-  assert.deepEqual(titles(store), ['t5', 't0', 't2', 't4', 't1', 't3']);
-  list.titles = ['a', 'b', 'c', 'd', 'e', 'f'];
-  store.invalidate();
+  showMoved(store, [5], 0);
+  showRemoved(store, [1, 4]);
+  assert.deepEqual(titles(store), ['t5', 't2', 't4', 't3']);
+  assert.equal(store.count, 4);
+  store.apply({ kind: 'rows', path: 'playlists:pl/items/1', changes: ['reset'], revision: 3 });
+  assert.equal(list.asked.length, 0);
+  list.titles = ['a', 'b', 'c'];
+  store.release(undefined);
   await list.answerAll();
-  assert.deepEqual(titles(store), ['a', 'b', 'c', 'd', 'e', 'f']);
+  assert.deepEqual(titles(store), ['a', 'b', 'c']);
+});
+
+test('whatOthersDidWhileItWasHeldIsReadAgain', async () => {
+  for (const [told, isRead] of [[8, false], [9, true], [undefined, true]]) {
+    const { list, store } = await loaded(3);
+    store.revision = 7;
+    store.hold();
+    showMoved(store, [0], 3);
+    store.apply({ kind: 'rows', path: 'playlists:pl/items/1', changes: ['reset'], revision: told });
+    store.release(8);
+    assert.equal(list.asked.length > 0, isRead, `told of ${told}`);
+    if (!isRead) assert.equal(store.revisionOf([0, 1, 2]), 8);
+    // What comes late is known already.
+    if (!isRead) store.apply({ kind: 'rows', path: 'playlists:pl/items/1', changes: ['reset'], revision: 8 });
+    assert.equal(list.asked.length > 0, isRead);
+  }
+});
+
+test('anAnswerThatIsAheadOfTheEventsMakesTheOthersUnsure', async () => {
+  const { list, store } = await loaded(250, { from: 0, to: 220 });
+  const answer = (from, revision) => ({ title: 'List', rowsCount: 250, revision, roles: {}, rows: numbered(250).slice(from, from + 100).map(row) });
+  store.take(0, answer(0, 4));
+  store.take(100, answer(100, 4));
+  assert.equal(store.revisionOf([5, 105]), 4);
+  store.take(0, answer(0, 5));
+  assert.equal(store.revisionOf([5]), 5);
+  assert.equal(store.revisionOf([5, 105]), undefined);
+  // The device was started again, and counts from further below.
+  store.reread();
+  list.asked.length = 0;
+  store.take(0, answer(0, 2));
+  assert.equal(store.revisionOf([5]), 2);
+});
+
+test('anInsertionThatWasReadAlreadyIsNotMadeTwice', async () => {
+  const { store } = await loaded(6);
+  store.revision = 4;
+  store.apply({ kind: 'rows', path: 'playlists:pl/items/1', changes: ['+2'], revision: 4 });
+  assert.equal(store.count, 6);
+  store.apply({ kind: 'rows', path: 'playlists:pl/items/1', changes: ['+2'], revision: 5 });
+  assert.equal(store.count, 7);
+  assert.equal(store.revisionOf([0, 1]), 5);
 });

@@ -11,9 +11,9 @@ const FindPage = 500;
 const Portion = 250;
 
 export class Adding extends Emitter {
-  constructor({ commands, plid, path, mode, rows, title }) {
+  constructor({ edits, target, mode, rows, title }) {
     super();
-    Object.assign(this, { commands, plid, path, mode, rows, title });
+    Object.assign(this, { edits, target, mode, rows, title });
     this.phase = 'finding';
     this.found = 0;
     this.added = 0;
@@ -73,7 +73,7 @@ export class Adding extends Emitter {
     this.enter('adding');
     for (const portion of await this.portions(tracks)) {
       if (this.stopping) return;
-      await this.commands.addItems(this.plid, portion.items, portion.mode);
+      await this.edits.add(this.target, portion.items, portion.mode);
       this.count(portion.items);
     }
   }
@@ -85,34 +85,20 @@ export class Adding extends Emitter {
 
   // What to add, and how, one after the other, so that in the end the tracks stand in their order.
   async portions(tracks) {
-    const cut = (list) => Array.from({ length: Math.ceil(list.length / Portion) }, (_, i) =>
-      ({ items: list.slice(i * Portion, (i + 1) * Portion), mode: AddMode.Append }));
-    if (this.mode !== AddMode.Append && tracks.length > Portion && (await this.beginAtBack(tracks.at(-1)))) {
+    const cut = Array.from({ length: Math.ceil(tracks.length / Portion) }, (_, i) =>
+      ({ items: tracks.slice(i * Portion, (i + 1) * Portion), mode: AddMode.Append }));
+    if (cut.length > 1 && this.mode !== AddMode.Append && (await this.isNextInside())) {
       // Each portion stands in front of the one before; the first one comes last and starts then.
-      const portions = cut(tracks.slice(0, -1)).reverse();
-      portions.forEach((portion, i) => (portion.mode = i < portions.length - 1 ? AddMode.Next : this.mode));
-      return portions;
+      cut.reverse().forEach((portion, i) => (portion.mode = i < cut.length - 1 ? AddMode.Next : this.mode));
+    } else if (cut.length) {
+      // From the end of the list on there is nothing to stand in front of.
+      cut[0].mode = this.mode;
     }
-    // From the end of the list on there is nothing to stand in front of.
-    const portions = cut(tracks);
-    if (portions.length) portions[0].mode = this.mode;
-    return portions;
+    return cut;
   }
 
-  // "Next" may be inside the list, or at its end: where, only the list can tell. The last track tries
-  // it: inside it stays, and everything else comes in front of it.
-  async beginAtBack(track) {
-    const { commands, plid, path } = this;
-    const at = async (index) => (await getRows(path, index, index, ['path'])).rows[0]?.path;
-    const { rowsCount: size } = await getRows(path, 0, 0, ['path']);
-    if (size === 0) return false;
-    const last = await at(size - 1);
-    await commands.addItems(plid, [track], AddMode.Next);
-    if ((await at(size)) === last) {
-      this.count([track]);
-      return true;
-    }
-    await commands.removeItems(plid, [size]);
-    return false;
+  async isNextInside() {
+    const { rowsCount, lastPlayedIndex } = await getRows(this.target.path, 0, 0, ['path']);
+    return lastPlayedIndex >= 0 && lastPlayedIndex < rowsCount - 1;
   }
 }

@@ -5,54 +5,167 @@ import { RowRoles, basePart, components, getRows, params, sendData } from '../co
 
 export const AddMode = { Now: 0, Next: 1, Append: 2 };
 
-// Menu actions that cannot be taken back: they ask twice.
-const Irrevocable = new Set(['clearPl', 'delPL', 'delete']);
+const Repeat = { Off: 0, All: 2 };
+const AllRows = 1000000;
+// Items in one request: their answers and bodies stay far below the gateway's limits.
+const Portion = 2000;
 
-export const asksTwice = (row) => Irrevocable.has(params(row.path ?? '').action);
+// Menu actions that change much at once: they are asked about first.
+const Grave = new Set(['clearPl', 'delPL', 'delete']);
+
+export const isGrave = (row) => Grave.has(params(row.path ?? '').action);
+
+// Blanks and what cannot be seen.
+export const isBlank = (name) => name !== '' && /^[\s\p{C}]*$/u.test(name);
+
+const portionsOf = (list) =>
+  Array.from({ length: Math.ceil(list.length / Portion) }, (_, i) => list.slice(i * Portion, (i + 1) * Portion));
 
 export class Commands {
   constructor(paths) {
     this.paths = paths;
   }
 
+  // A device that sets no orders does not put tracks at places either.
+  get canArrange() {
+    return Boolean(this.paths.OrvoPlayListPlSetOrderPath);
+  }
+
   // The playlist that a list shows, null when tracks cannot be added to it.
   targetOf(listPath) {
     const base = basePart(listPath);
-    if (base === this.paths.OrvoPlayListPqGetItemsPath) return { plid: 0, path: base };
+    if (base === this.paths.OrvoPlayListPqGetItemsPath) return this.listOf(0);
     if (!base.startsWith(`${this.paths.OrvoPlayListPlGetItemsPath}/`)) return null;
     const plid = Number(components(base).at(-1));
-    return Number.isInteger(plid) ? { plid, path: base } : null;
+    return Number.isInteger(plid) ? this.listOf(plid) : null;
+  }
+
+  listOf(plid) {
+    const { OrvoPlayListPqGetItemsPath: queue, OrvoPlayListPlGetItemsPath: lists } = this.paths;
+    return { plid, path: plid === 0 ? queue : `${lists}/${plid}` };
+  }
+
+  // The list that a menu belongs to, null for any other menu.
+  targetOfMenu(menuPath) {
+    const base = basePart(menuPath);
+    if (base === this.paths.OrvoPlayListPqContextPath) return this.listOf(0);
+    return base === this.paths.OrvoPlayListPlContextPath ? this.listOf(Number(params(menuPath).plid)) : null;
+  }
+
+  // The edit behind an entry of a menu: {kind, target, …}, null when it is none that is known here.
+  editOf(row) {
+    const base = basePart(row.path);
+    const { action, plid, fromplid, itemid, mode } = params(row.path);
+    const { paths } = this;
+    if (base === paths.OrvoPlayListPlTrackContextPath) {
+      const item = `${paths.OrvoPlayListItemPath}/${itemid}`;
+      if (action === 'removeTr') return { kind: 'remove', target: this.listOf(Number(fromplid)), item };
+      if (action === 'moveTr') return { kind: 'move', target: this.listOf(Number(plid)), item };
+    }
+    if (action === 'clearPl') return { kind: 'clear', target: this.listOf(Number(plid)) };
+    if (action === 'delPL') return { kind: 'delete', target: this.listOf(Number(plid)) };
+    if (base !== paths.OrvoPlayListPlSelectAddModePath) return null;
+    const target = this.listOf(Number(plid));
+    if (itemid) return { kind: 'add', target };
+    return { kind: 'merge', target, source: this.listOf(Number(fromplid)), mode: Number(mode) };
+  }
+
+  // Merging a list with itself would double it: nobody who chooses from a menu means that.
+  isOffered(row) {
+    if (!row.path || basePart(row.path) !== this.paths.OrvoPlayListPlSelectAddModePath) return true;
+    const { itemid, fromplid, plid } = params(row.path);
+    return Boolean(itemid) || fromplid !== plid;
   }
 
   addItems(plid, items, mode) {
     return sendData(this.paths.OrvoPlayListPlAddItemsPath, { plid, items, mode });
   }
 
-  // What the menu of a track offers: {move, remove}, each the menu's row or null.
-  async trackActions(track) {
-    if (!track?.context?.path) return { move: null, remove: null };
-    const { rows } = await getRows(track.context.path, 0, 100, RowRoles);
-    const find = (action) => rows.find((row) => params(row.path ?? '').action === action) ?? null;
-    return { move: find('moveTr'), remove: find('removeTr') };
+  merge(fromPlid, plid, mode, revision) {
+    return sendData(this.paths.OrvoPlayListPlAddItemsPath, { plid, fromPlid, items: [], mode, revision });
   }
 
   // `at`: ascending positions. They come to stand in front of what is at `gap` now.
-  async move(offer, at, gap) {
-    const before = at.filter((i) => i < gap).length;
-    const to = before > 0 ? gap - 1 : gap;
-    const { action, ...rest } = params(offer.path);
-    if (at.length === 1 && Number(rest.from) === at[0]) {
-      await sendData(offer.path, { string: String(to) });
-      return;
+  async move(plid, at, gap, revision) {
+    const to = at.some((i) => i < gap) ? gap - 1 : gap;
+    await sendData(this.paths.OrvoPlayListPlMoveItemspath, { plid, items: at, to, revision });
+  }
+
+  removeItems(plid, items, revision) {
+    return sendData(this.paths.OrvoPlayListPlRemoveItemsPath, { plid, items, revision });
+  }
+
+  setOrder(plid, order, revision) {
+    return sendData(this.paths.OrvoPlayListPlSetOrderPath, { plid, order, revision });
+  }
+
+  clear(plid, revision) {
+    return sendData(this.paths.OrvoPlayListPlClearPath, { plid, revision });
+  }
+
+  deleteList(plid, revision) {
+    return sendData(this.paths.OrvoPlayListPlDeletePath, { plid, revision });
+  }
+
+  async create(name) {
+    const { result } = await sendData(this.paths.OrvoPlayListPlCreatePath, { name });
+    return result.value.i32;
+  }
+
+  setShuffle(plid, on) {
+    return sendData(this.paths.OrvoPlayListPlSetShufflePath, { plid, mode: Number(on) });
+  }
+
+  setRepeat(plid, on) {
+    return sendData(this.paths.OrvoPlayListPlSetRepeatPath, { plid, mode: on ? Repeat.All : Repeat.Off });
+  }
+
+  addToCollection(clid, plid) {
+    return sendData(this.paths.OrvoPlayListClAddItemPath, { clid, plid });
+  }
+
+  // The items behind the paths of tracks, as addBack takes them: path → item. Those that are gone are left out.
+  async prepare(paths) {
+    const found = new Map();
+    for (const portion of portionsOf(paths)) {
+      for (const { uid, sequenceNumber, ...item } of await sendData(this.paths.OrvoPlayListPlPrepareItemsPath, portion))
+        found.set(`${this.paths.OrvoPlayListItemPath}/${uid}`, item);
     }
-    await sendData(this.paths.OrvoPlayListPlMoveItemspath, { plid: Number(rest.plid), items: at, to });
+    return found;
   }
 
-  async remove(offer, at) {
-    await this.removeItems(Number(params(offer.path).fromplid), at);
+  // `at`: where each will stand, ascending; without it they stand at the end.
+  async addBack(plid, items, at = null, revision = undefined) {
+    let from = 0;
+    for (const portion of portionsOf(items)) {
+      await sendData(this.paths.OrvoPlayListPlAddExternalItemsPath, {
+        plid,
+        items: portion,
+        mode: 'append',
+        ...(at ? { at: at.slice(from, from + portion.length) } : {}),
+        ...(from === 0 ? { revision } : {}),
+      });
+      from += portion.length;
+    }
   }
 
-  removeItems(plid, items) {
-    return sendData(this.paths.OrvoPlayListPlRemoveItemsPath, { plid, items });
+  // What a playlist is besides its tracks: {name, shuffle, repeat, collections: [{clid, title}]}.
+  async describe(plid) {
+    const { rows } = await getRows(`${this.paths.OrvoPlayListPlContextPath}?plid=${plid}`, 0, AllRows, RowRoles);
+    const valueOf = (action) => rows.find((row) => row.path && params(row.path).action === action)?.value;
+    const { path } = this.listOf(plid);
+    const collections = [];
+    for (const row of (await getRows(this.paths.OrvoPlayListsRootPath, 0, AllRows, RowRoles)).rows) {
+      if (!row.path || basePart(row.path) !== this.paths.OrvoPlayListClGetItemsPath) continue;
+      const members = await getRows(row.path, 0, AllRows, ['path']);
+      if (members.rows.some((member) => member.path && basePart(member.path) === path))
+        collections.push({ clid: Number(params(row.path).clid), title: row.title });
+    }
+    return {
+      name: valueOf('rename')?.string ?? '',
+      shuffle: Boolean(valueOf('shuffle')?.bool),
+      repeat: Boolean(valueOf('repeat')?.bool),
+      collections,
+    };
   }
 }

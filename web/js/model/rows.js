@@ -45,6 +45,8 @@ export function duration(milliseconds) {
   return hours ? `${hours}:${String(minutes).padStart(2, '0')}:${rest}` : `${minutes}:${rest}`;
 }
 
+export const plural = (count, word) => `${count.toLocaleString()} ${word}${count === 1 ? '' : 's'}`;
+
 export function clock(milliseconds) {
   return duration(milliseconds) || '0:00';
 }
@@ -97,6 +99,9 @@ export class ListStore extends Emitter {
     this.roles = {};
     this.count = -1;
     this.closed = false;
+    this.revision = undefined; // of the list whose places the rows have that are fresh
+    this.held = 0;
+    this.missed = 0; // the last revision that was told of while held
     this.rows = [];
     this.generations = [];
     this.generation = 1;
@@ -135,7 +140,7 @@ export class ListStore extends Emitter {
   }
 
   pump() {
-    if (this.closed) return;
+    if (this.closed || this.held) return;
     for (const page of this.missingPages()) {
       if (this.requests.size >= MostRequests) return;
       if (!this.requests.has(page)) this.fetchPage(page);
@@ -183,6 +188,7 @@ export class ListStore extends Emitter {
   take(from, answer) {
     this.setTitle(answer);
     const isFirst = !this.isLoaded;
+    this.meet(answer.revision);
     if (answer.rowsCount !== this.count) this.setCount(answer.rowsCount);
     if (answer.rowsCount === 0) this.emptyGeneration = this.generation;
     // A list that shrank meanwhile answers with its end instead.
@@ -190,6 +196,13 @@ export class ListStore extends Emitter {
     if (isFirst) this.emit('reset');
     this.emit('rows', { from, to: from + answer.rows.length });
     this.forgetFarRows();
+  }
+
+  // An answer may be ahead of the events: then nothing that is kept is sure.
+  meet(revision) {
+    if (!(revision > (this.revision ?? -1))) return;
+    if (this.isLoaded && this.revision !== undefined) this.generation += 1;
+    this.revision = revision;
   }
 
   put(from, rows) {
@@ -235,10 +248,18 @@ export class ListStore extends Emitter {
       ? isAtOrBelow(this.path, event.path)
       : event.kind === 'rows' && samePlace(this.path, event.path);
     if (!concerns) return;
-    const inserted = event.changes.filter((change) => change.startsWith('+'));
-    if (inserted.length) this.insert(insertedRuns(inserted));
-    if (event.changes.includes('reset')) this.invalidate();
     if (event.changes.includes('close')) this.close();
+    else if (this.held) this.missed = Math.max(this.missed, event.revision ?? Infinity);
+    else if (!(event.revision <= this.revision)) this.follow(event); // else it is known already
+  }
+
+  follow({ changes, revision }) {
+    const inserted = changes.filter((change) => change.startsWith('+'));
+    if (inserted.length) {
+      this.insert(insertedRuns(inserted));
+      this.revision = revision;
+    }
+    if (changes.includes('reset')) this.invalidate();
   }
 
   insert(runs) {
@@ -267,6 +288,12 @@ export class ListStore extends Emitter {
     this.pump();
   }
 
+  // What was missed meanwhile is not known, nor whether the device counts its revisions anew.
+  reread() {
+    this.revision = undefined;
+    this.invalidate();
+  }
+
   cancelFrom(index) {
     for (const [page, ticket] of this.requests) {
       if ((page + 1) * PageSize <= index) continue;
@@ -288,24 +315,29 @@ export class ListStore extends Emitter {
     this.handlers.clear();
   }
 
-  // The rows at `from` (ascending) stand in front of what is at `gap` now, before the device says so.
-  moveLocally(from, gap) {
-    const chosen = new Set(from);
-    const reorder = (list) => {
-      const moved = from.map((i) => list[i]);
-      const result = [];
-      for (let i = 0; i < this.count; i += 1) {
-        if (i === gap) result.push(...moved);
-        if (!chosen.has(i)) result.push(list[i]);
-      }
-      if (gap >= this.count) result.push(...moved);
-      return result;
-    };
-    // What is under way would bring the old order back.
+  // While edits of the page are on their way it shows what they lead to, and reads nothing that may be older.
+  hold() {
+    this.held += 1;
     this.cancelFrom(0);
-    this.rows = reorder(this.rows);
-    this.generations = reorder(this.generations);
-    this.emit('rows', { from: 0, to: this.count });
+  }
+
+  // `revision`: what is shown is the list of that revision; undefined where it may be another one.
+  release(revision) {
+    this.held -= 1;
+    if (this.held) return;
+    const { missed } = this;
+    this.missed = 0;
+    if (revision === undefined || missed > revision) {
+      this.invalidate();
+      return;
+    }
+    this.revision = revision;
+    this.pump();
+  }
+
+  // The revision at which these places hold; undefined where they may be out of date.
+  revisionOf(indices) {
+    return indices.every((index) => this.isFresh(index)) ? this.revision : undefined;
   }
 
   // Every row in order, read in large pages and not kept. `visit(row, index)` ends it with false.

@@ -33,9 +33,6 @@ export function setAttribute(element, name, value) {
 
 export const clamp = (value, low, high) => Math.min(Math.max(value, low), high);
 
-export const plural = (count, word) =>
-  `${count.toLocaleString()} ${word}${count === 1 ? '' : 's'}`;
-
 export const prefersStill = () => matchMedia('(prefers-reduced-motion: reduce)').matches;
 
 // The icons, drawn on a grid of 24: strokes unless filled.
@@ -150,29 +147,46 @@ export class Artwork {
 
 const ShowMs = 3200;
 const ShowErrorMs = 7000;
-
-let region;
+const ListenMs = 60;
+const SpokenMs = 4000;
 
 // Inside the dialog that is open: what lies outside it can be neither read nor pressed.
-function place() {
-  const home = [...document.querySelectorAll('dialog[open]')].at(-1) ?? document.body;
-  if (region.parentElement !== home) home.append(region);
+function bring(element) {
+  const home = [...document.querySelectorAll('dialog[open]')].at(-1) ?? document.getElementById('foot');
+  if (element.parentElement !== home) home.append(element);
 }
 
-function begin() {
-  region = document.getElementById('toasts');
-  document.addEventListener('close', place, { capture: true });
+// A dialog that closes may take with it what is in it.
+let regions;
+
+function regionOf(name) {
+  if (!regions) {
+    regions = Object.fromEntries(['toasts', 'live', 'urgent'].map((id) => [id, document.getElementById(id)]));
+    document.addEventListener('close', () => Object.values(regions).forEach(bring), { capture: true });
+  }
+  bring(regions[name]);
+  return regions[name];
+}
+
+// Read out, also when it said the same before: each message is an element of its own, put where readers listen already.
+export function announce(text, where = 'live') {
+  const spoken = regionOf(where);
+  setTimeout(() => {
+    const item = el('p', {}, text);
+    spoken.append(item);
+    setTimeout(() => item.remove(), SpokenMs);
+  }, ListenMs);
 }
 
 function toast(kind, text, ms) {
-  if (!region) begin();
-  place();
+  const region = regionOf('toasts');
   const last = region.lastElementChild;
   if (last?.dataset.text === text) last.remove();
   const close = el('button.icon-button.small', { type: 'button', 'aria-label': 'Dismiss', onclick: () => item.remove() }, icon('close'));
-  const item = el(`div.toast.${kind}`, { role: kind === 'error' ? 'alert' : 'status' }, el('p', {}, text), close);
+  const item = el(`div.toast.${kind}`, {}, el('p', {}, text), close);
   item.dataset.text = text;
   region.append(item);
+  announce(text, kind === 'error' ? 'urgent' : 'live');
   while (region.childElementCount > 3) region.firstElementChild.remove();
   setTimeout(() => item.remove(), ms);
 }

@@ -24,8 +24,7 @@ export class Finder {
       this.timer = setTimeout(() => this.search(), WaitMs);
     });
     this.input.addEventListener('keydown', (event) => this.onKey(event));
-    list.store.on('inserted', () => (this.texts = null));
-    list.store.on('stale', () => (this.texts = null));
+    for (const change of ['inserted', 'moved', 'removed', 'stale']) list.store.on(change, () => (this.texts = null));
   }
 
   get isOpen() {

@@ -14,6 +14,7 @@ const Keys = [
   ['Choose all', 'Ctrl A'],
   ['Move a track', 'Alt ↑ ↓'],
   ['Remove tracks', 'Delete'],
+  ['Take back', 'Ctrl Z'],
   ['Find in the list', '/'],
   ['Jump to what plays', 'J'],
   ['This help', '?'],

@@ -35,6 +35,11 @@ export function wireKeys(app) {
     if (Navigation.has(event.key)) app.workIn(document.activeElement);
   }, true);
   document.addEventListener('keydown', (event) => {
+    if ((event.ctrlKey || event.metaKey) && event.key === 'z' && !event.shiftKey && !isTyping(event.target) && !document.querySelector('dialog[open]')) {
+      app.undoBar?.undo();
+      event.preventDefault();
+      return;
+    }
     if (event.ctrlKey || event.metaKey || event.altKey || isTyping(event.target)) return;
     if (document.querySelector('dialog[open]')) return;
     const run = keys[event.key];

@@ -47,6 +47,7 @@ export class ListView extends Emitter {
     this.unwire = [
       store.on('rows', ({ from, to }) => this.onRows(from, to)),
       store.on('inserted', (change) => this.onInserted(change)),
+      store.on('removed', (indices) => this.onRemoved(indices)),
       store.on('count', () => this.onCount()),
       store.on('stale', () => this.rememberPlace()),
       this.selection.on('change', () => this.refresh()),
@@ -127,6 +128,27 @@ export class ListView extends Emitter {
     const moved = new Map();
     for (const [index, view] of this.views) moved.set(index >= at ? index + count : index, view);
     this.views = moved;
+  }
+
+  // The page's own removal. Where the user is goes on to the row behind.
+  onRemoved(indices) {
+    const gone = new Set(indices);
+    const before = (index) => indices.filter((one) => one < index).length;
+    const hadFocus = this.body.contains(document.activeElement);
+    const first = this.firstInView();
+    const moved = new Map();
+    for (const [index, view] of this.views) {
+      if (gone.has(index)) this.free.push(view);
+      else moved.set(index - before(index), view);
+    }
+    this.views = moved;
+    while (gone.has(this.active)) this.active += 1;
+    this.active = Math.min(this.active - before(this.active), this.store.count - 1);
+    this.activeKey = null;
+    this.resize();
+    if (before(first)) this.scroller.scrollTop -= before(first) * this.metrics.height;
+    this.refresh();
+    if (hadFocus && this.active >= 0) this.setActive(this.active);
   }
 
   onCount() {

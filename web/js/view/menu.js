@@ -3,11 +3,10 @@
 // from.
 
 import { samePlace } from '../core/device.js';
-import { asksTwice } from '../model/commands.js';
+import { isBlank, isGrave } from '../model/commands.js';
 import { ListStore, RowType, isCreate, isSwitch, isUsable } from '../model/rows.js';
-import { Artwork, attempt, busy, clamp, el, icon, setAttribute, setText } from './dom.js';
+import { Artwork, attempt, busy, clamp, el, icon, setAttribute } from './dom.js';
 
-const SureForMs = 4000;
 const AllRows = 1000000;
 const Gap = 8;
 
@@ -78,7 +77,7 @@ export class Menu {
       return;
     }
     page.title = answer.title;
-    page.rows = answer.rows;
+    page.rows = answer.rows.filter((row) => this.app.commands.isOffered(row));
     this.show(page);
   }
 
@@ -116,13 +115,25 @@ export class Menu {
     const content = el('div.menu-entries');
     const rows = page.items ?? page.rows;
     for (const row of rows) content.append(page.items ? this.ownEntry(row) : this.entry(row, page));
+    const extras = page.items ? [] : this.app.menuEdits.extrasOf(page.path).map((extra) => this.ownEntry(extra));
+    const line = content.querySelector('.menu-line');
+    if (line) line.before(...extras);
+    else content.append(...extras);
     if (!rows.length) content.append(el('p.menu-empty', {}, 'Nothing to choose here.'));
     return content;
   }
 
-  ownEntry({ title, icon: name, run, detail }) {
-    return el('button.menu-entry', { type: 'button', onclick: run }, icon(name), el('span.menu-text', {}, title),
-      detail ? el('span.menu-detail', {}, detail) : null);
+  ownEntry({ title, icon: name, run, opens, isOn }) {
+    const button = el('button.menu-entry', { type: 'button', onclick: run }, name ? icon(name) : null, el('span.menu-text', {}, title),
+      opens ? icon('forward') : null);
+    if (isOn) this.makeSwitch(button, isOn());
+    return button;
+  }
+
+  makeSwitch(button, isOn) {
+    button.setAttribute('role', 'switch');
+    button.setAttribute('aria-checked', String(isOn));
+    button.append(el('span.switch-face', { 'aria-hidden': 'true' }));
   }
 
   entry(row, page) {
@@ -132,9 +143,7 @@ export class Menu {
       el('span.menu-text', {}, row.title ?? ''));
     button.addEventListener('click', () => this.choose(row, page, button));
     if (isSwitch(row)) {
-      button.setAttribute('role', 'switch');
-      button.setAttribute('aria-checked', String(row.value.bool));
-      button.append(el('span.switch-face', { 'aria-hidden': 'true' }));
+      this.makeSwitch(button, row.value.bool);
     } else if (isCreate(row)) {
       button.prepend(icon('plus'));
     } else if (row.type === RowType.Editable) {
@@ -142,7 +151,7 @@ export class Menu {
     } else if (row.type === RowType.Container) {
       button.append(icon('forward'));
     }
-    if (asksTwice(row)) button.classList.add('grave');
+    if (isGrave(row)) button.classList.add('grave');
     return button;
   }
 
@@ -156,22 +165,13 @@ export class Menu {
       }
     } else if (row.type === RowType.Editable && !isSwitch(row)) {
       this.push({ title: row.title, field: row });
-    } else if (asksTwice(row) && !button.classList.contains('sure')) {
-      this.askAgain(button);
+    } else if (isGrave(row) && !this.app.menuEdits.of(row)) {
+      const { title } = this.head;
+      this.close();
+      this.app.askFor(row, title);
     } else {
       await attempt(this.app.carryOut(row), button);
     }
-  }
-
-  askAgain(button) {
-    const text = button.querySelector('.menu-text');
-    const said = text.textContent;
-    button.classList.add('sure');
-    text.textContent = `${said} – sure?`;
-    setTimeout(() => {
-      button.classList.remove('sure');
-      text.textContent = said;
-    }, SureForMs);
   }
 
   // A text to be entered or changed.
@@ -183,9 +183,12 @@ export class Menu {
     const send = async (event) => {
       event.preventDefault();
       try {
-        await busy(this.app.carryOut(row, { string: input.value }, { openMade: page.openMade }), save);
+        if (isBlank(input.value) && !this.app.menuEdits.of(row)) throw new Error('A name needs something that can be seen.');
+        const done = this.app.carryOut(row, { string: input.value }, { openMade: page.openMade });
+        if (!done) return;
+        await busy(done, save);
       } catch (error) {
-        setText(problem, error.message);
+        problem.replaceChildren(error.message); // another text, even an equal one, is read out
         setAttribute(input, 'aria-invalid', 'true');
         setAttribute(input, 'aria-describedby', problem.id);
         input.select();
@@ -224,7 +227,7 @@ export class Menu {
   }
 
   reread() {
-    this.pages.at(-1)?.store?.invalidate();
+    this.pages.at(-1)?.store?.reread();
   }
 
   // The device says that this view is done with.

@@ -108,7 +108,7 @@ export class Pane {
   }
 
   reread() {
-    for (const screen of this.stack) screen.store.invalidate();
+    for (const screen of this.stack) screen.store.reread();
   }
 }
 

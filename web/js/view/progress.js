@@ -1,6 +1,7 @@
 // How far adding has come, with a way to stop it. What is over in a moment shows nothing but its end.
 
-import { el, plural, setText, tell, tellError } from './dom.js';
+import { plural } from '../model/rows.js';
+import { el, setText, tell, tellError } from './dom.js';
 
 const ShowAfterMs = 350;
 

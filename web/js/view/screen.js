@@ -2,9 +2,9 @@
 // which owns it.
 
 import { artworkUrl } from '../core/device.js';
-import { asksTwice } from '../model/commands.js';
-import { ListStore, RowType, isMenu, isSwitch, isUsable, metaData, position } from '../model/rows.js';
-import { Artwork, attempt, busy, el, icon, plural, setText, tellError } from './dom.js';
+import { isGrave } from '../model/commands.js';
+import { ListStore, RowType, isMenu, isSwitch, isUsable, metaData, plural, position } from '../model/rows.js';
+import { Artwork, attempt, busy, el, icon, setText, tellError } from './dom.js';
 import { ListView } from './listview.js';
 
 const HeadAgainMs = 250;
@@ -17,7 +17,6 @@ export class Screen {
     Object.assign(this, { app, pane, path, row, knownLead: lead });
     this.store = new ListStore(path);
     this.target = app.commands.targetOf(path);
-    this.offers = null; // what the tracks' menus offer, once known
     this.build();
     this.wire();
     this.showLoading();
@@ -60,10 +59,7 @@ export class Screen {
     this.empty = el('div.empty', { hidden: true }, icon('note'), el('p', {}, 'Nothing here yet.'));
     this.scroller.append(this.bar, this.hero.element, this.list.body, this.empty);
     this.element = el('section.screen', { 'data-kind': pane.kind }, this.scroller);
-    app.parts.then(({ Dragging }) => new Dragging(this.list, {
-      canMove: () => Boolean(this.offers?.move),
-      drop: (indices, gap) => this.move(indices, gap),
-    }));
+    app.parts.then(({ Editing }) => (this.editing = new Editing(this)));
   }
 
   buildBar() {
@@ -80,11 +76,15 @@ export class Screen {
       this.menuButton,
       pane.kind === 'side' ? el('button.icon-button.close-side', { type: 'button', 'aria-label': 'Close', title: 'Close', onclick: () => this.app.showSide(false) }, icon('close')) : null);
     this.chosenCount = el('span.bar-title.shown', { role: 'status' });
-    this.removeButton = el('button.pill.small', { type: 'button', 'aria-label': 'Remove', onclick: () => this.removeChosen() }, icon('trash'), el('span', {}, 'Remove'));
+    this.removeButton = el('button.pill.small', { type: 'button', 'aria-label': 'Remove', hidden: !this.target, onclick: () => this.editing?.removeChosen() }, icon('trash'), el('span', {}, 'Remove'));
     this.addButton = el('button.pill.small', { type: 'button', 'aria-label': 'Add to…', onclick: (event) => this.addChosen(event.currentTarget) }, icon('plus'), el('span', {}, 'Add to…'));
     this.chooseBar = el('div.bar-tools', { hidden: true },
       button('close', 'End choosing', () => this.list.selection.clear()), this.chosenCount,
       this.addButton, this.removeButton);
+    // The second click on what is gone by now is none on what stands there instead.
+    for (const tools of [this.plainBar, this.chooseBar]) {
+      tools.addEventListener('click', (event) => event.detail > 1 && event.stopPropagation(), { capture: true });
+    }
     return el('div.pane-bar', {}, this.plainBar, this.chooseBar);
   }
 
@@ -94,7 +94,6 @@ export class Screen {
     store.on('count', () => this.showHead());
     store.on('rows', () => {
       this.showHead();
-      this.learnOffers();
       this.pane.onRows(this);
     });
     store.on('error', (error) => this.onError(error));
@@ -103,8 +102,6 @@ export class Screen {
     list.on('open', (what) => this.open(what));
     list.on('menu', ({ row, anchor }) => this.openMenu(row, anchor));
     list.on('back', () => this.pane.back());
-    list.on('remove', () => this.removeChosen());
-    list.on('move', ({ by }) => this.moveActive(by));
     list.on('selectAll', () => attempt(list.selection.all(), this.element));
     this.scroller.addEventListener('scroll', () => this.showBarTitle(), { passive: true });
     // Read when it has changed, not while scrolling, where it would cost a layout.
@@ -206,7 +203,6 @@ export class Screen {
     this.chooseBar.hidden = !choosing || finding;
     this.element.classList.toggle('choosing', selection.mode);
     setText(this.chosenCount, `${selection.size.toLocaleString()} chosen`);
-    this.removeButton.hidden = !this.offers?.remove;
     this.removeButton.disabled = this.addButton.disabled = selection.size === 0;
   }
 
@@ -236,10 +232,10 @@ export class Screen {
   headSoon() {
     clearTimeout(this.headTimer);
     this.headTimer = setTimeout(async () => {
-      if (this.store.closed || this.store.requests.size) return;
+      if (this.store.closed || this.store.held || this.store.requests.size) return;
       try {
         const answer = await this.store.read(this.path, 0, 0, ['title']);
-        if (this.store.closed) return;
+        if (this.store.closed || this.store.held) return;
         this.store.setTitle(answer);
         if (answer.rowsCount !== this.store.count) this.store.invalidate();
       } catch {
@@ -275,7 +271,7 @@ export class Screen {
     else if (row.type === RowType.Container && isMenu(row)) app.openPublishedMenu(row, anchor, row);
     else if (row.type === RowType.Container) this.pane.open(row, { goIn });
     else if (row.type === RowType.Editable && !isSwitch(row)) app.editRow(row, anchor);
-    else if (asksTwice(row)) app.askFor(row, anchor);
+    else if (isGrave(row)) app.askFor(row);
     else if (row.type === RowType.Action || isSwitch(row)) await attempt(app.carryOut(row), anchor);
   }
 
@@ -313,60 +309,6 @@ export class Screen {
     const entries = await attempt(this.list.selection.resolve(), this.element);
     if (!entries?.length) return;
     this.addRows(entries.map((entry) => entry.row), anchor);
-  }
-
-  // Whether tracks here can be moved and removed: their menus say so, and all alike.
-  async learnOffers() {
-    if (this.offers || this.learning || this.pane.kind === 'side') return;
-    const track = this.store.rows.find((row) => row?.type === RowType.Audio && row.context?.path);
-    if (!track) return;
-    this.learning = true;
-    try {
-      this.offers = await this.app.commands.trackActions(track);
-      this.list.movable = Boolean(this.offers.move);
-      this.list.refresh();
-      this.showBar();
-    } catch {
-      this.offers = null;
-    }
-    this.learning = false;
-  }
-
-  async move(indices, gap) {
-    const { store, list, app } = this;
-    const track = store.row(indices[0]);
-    const activeKey = store.row(list.active);
-    store.moveLocally(indices, gap);
-    if (activeKey) list.follow(store.rows.indexOf(activeKey));
-    await attempt((async () => {
-      try {
-        const { move } = await app.commands.trackActions(track);
-        if (move) await app.commands.move(move, indices, gap);
-      } finally {
-        store.invalidate();
-      }
-    })(), this.element);
-  }
-
-  moveActive(by) {
-    const { list, store } = this;
-    const from = list.active;
-    const to = from + by;
-    if (!this.offers?.move || to < 0 || to >= store.count || store.row(from)?.type !== RowType.Audio) return;
-    this.move([from], by > 0 ? to + 1 : to);
-    this.app.say(`Moved to ${to + 1} of ${store.count}`);
-  }
-
-  async removeChosen() {
-    const { list, app } = this;
-    if (!this.offers?.remove) return;
-    if (!list.selection.size && list.active >= 0) list.selection.only(list.active);
-    const entries = await attempt(list.selection.resolve(), this.element);
-    if (!entries?.length) return;
-    const { remove } = this.offers;
-    await attempt(app.commands.remove(remove, entries.map((entry) => entry.index)), this.element);
-    list.selection.clear();
-    this.app.say(`${plural(entries.length, 'row')} removed`);
   }
 
   jumpTo(index) {

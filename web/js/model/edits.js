@@ -1,0 +1,216 @@
+// What people do to playlists: each edit goes through the queue of its list, and says afterwards what it did and how
+// that is undone.
+//
+// Emits: done (a step: {text, key, undo}).
+
+import { Emitter, getRows } from '../core/device.js';
+import { EditQueue, isChanged } from './editQueue.js';
+import { Order, trackKey } from './order.js';
+import { plural } from './rows.js';
+import { duplicates, sorted } from './sorting.js';
+import { Undo, twice } from './undo.js';
+
+const nothingDone = (what) => new Error(`${what} Nothing was done.`);
+
+const gone = (entries) => (entries.length === 1 ? `“${entries[0].row.title}” is gone already.` : 'The tracks are gone already.');
+
+// What stood beside each of these rows and stays: keys, null for an end of the list, undefined when it is not known.
+function neighboursOf(indices, count, rowAt) {
+  const taken = new Set(indices);
+  const key = (index) => (index < 0 || index >= count ? null : rowAt(index) && trackKey(rowAt(index)));
+  return indices.map((index) => {
+    let [after, before] = [index - 1, index + 1];
+    while (taken.has(after)) after -= 1;
+    while (taken.has(before)) before += 1;
+    return { after: key(after), before: key(before) };
+  });
+}
+
+export class Edits extends Emitter {
+  // `lock`: what is under way, shared with everything else that can be pressed.
+  constructor(commands, lock) {
+    super();
+    Object.assign(this, { commands, lock });
+    this.queues = new Map(); // path → EditQueue
+    this.undo = new Undo(this);
+  }
+
+  queueOf({ path }) {
+    if (!this.queues.has(path)) this.queues.set(path, new EditQueue(() => Order.read(path)));
+    return this.queues.get(path);
+  }
+
+  // Null when something of what it locks is under way already, otherwise a promise of what it did.
+  run(target, { locks = [], ...edit }) {
+    return this.lock.during(locks, () => this.queueOf(target).add(edit));
+  }
+
+  tell(step) {
+    this.emit('done', this.commands.canArrange ? step : { text: step.text });
+  }
+
+  // `entries`: {row, index}, ascending. `rows(index)`: what the page shows there, of `count`.
+  // `isOnTop`: the page shows the edits that are on their way, and this one is made on top of them.
+  remove(target, entries, { revision, rows, count, isShown = false, isOnTop = false }) {
+    const locks = entries.map(({ row }) => trackKey(row));
+    if (this.lock.isHeld(locks)) return null;
+    const known = rows && neighboursOf(entries.map(({ index }) => index), count, rows);
+    const items = this.commands.prepare(entries.map(({ row }) => row.path));
+    items.catch(() => {}); // told in its turn
+    const send = async (order) => {
+      let [there, neighbours] = [entries, known];
+      if (order.rows) {
+        there = order.find(entries);
+        if (!there.length) throw new Error(gone(entries));
+        neighbours = neighboursOf(there.map(({ index }) => index), order.size, (index) => order.rows[index]);
+      }
+      const kept = await items;
+      await this.commands.removeItems(target.plid, there.map(({ index }) => index), order.revision);
+      return there.map(({ row, index }, i) => ({ row, index, item: kept.get(row.path), ...neighbours[i] }));
+    };
+    return this.run(target, { locks, revision, isShown, isLater: !isOnTop, send })
+      ?.then((removed) => this.toldRemoved(target, removed));
+  }
+
+  toldRemoved(target, removed) {
+    const text = removed.length === 1 ? `“${removed[0].row.title}” removed` : `${plural(removed.length, 'track')} removed`;
+    this.tell({ text, undo: this.undo.ofRemoval(target, removed) });
+  }
+
+  // They come to stand in front of what is at `gap` now, in their order.
+  move(target, entries, gap, { revision, rows, count, isShown = false, isOnTop = false }) {
+    const indices = entries.map(({ index }) => index);
+    const origins = rows && neighboursOf(indices, count, rows);
+    const place = rows && placeAt(gap, new Set(indices), count, rows);
+    const send = async (order) => {
+      let moved = { entries, gap, size: count, origins };
+      if (order.rows) {
+        const found = order.find(entries);
+        if (!found.length) throw new Error(gone(entries));
+        const to = place ? order.placeBetween(place) : gap;
+        if (to < 0) throw nothingDone('The tracks beside it are gone.');
+        const now = found.map(({ index }) => index);
+        moved = { entries: found, gap: to, size: order.size, origins: neighboursOf(now, order.size, (i) => order.rows[i]) };
+      }
+      await this.commands.move(target.plid, moved.entries.map(({ index }) => index), moved.gap, order.revision);
+      return moved;
+    };
+    return this.run(target, { revision, isShown, isLater: !isOnTop, send })?.then((moved) => this.toldMoved(target, moved));
+  }
+
+  toldMoved(target, { entries, gap, size, origins }) {
+    const to = gap - entries.filter(({ index }) => index < gap).length;
+    const what = entries.length === 1 ? `“${entries[0].row.title}”` : plural(entries.length, 'track');
+    this.tell({
+      text: `${what} moved to ${to + 1} of ${size}`,
+      key: `${target.path} ${entries.map(({ row }) => row.path)}`,
+      undo: this.undo.ofMove(target, { entries, to, size, origins }),
+    });
+  }
+
+  // The menu's own "Move track": `to` is the place that it shall have.
+  async moveTo(target, path, to) {
+    const order = await Order.read(target.path);
+    const index = order.rows.findIndex((row) => row.path === path);
+    if (index < 0) throw new Error('The track is gone already.');
+    const rows = (i) => order.rows[i];
+    await this.move(target, [{ row: order.rows[index], index }], to > index ? to + 1 : to,
+      { revision: order.revision, rows, count: order.size });
+  }
+
+  async removeOne(target, path) {
+    const order = await Order.read(target.path);
+    const index = order.rows.findIndex((row) => row.path === path);
+    if (index < 0) throw new Error('The track is gone already.');
+    await this.remove(target, [{ row: order.rows[index], index }],
+      { revision: order.revision, rows: (i) => order.rows[i], count: order.size });
+  }
+
+  // Sorted when its turn comes, and again when others were quicker: what is asked for is an order.
+  async sort(target, { by, reverse }) {
+    await this.run(target, { locks: [target.path], isPlain: true, send: () => twice(async () => {
+      const { rows, revision } = await Order.readWhole(target.path);
+      const wanted = sorted(rows, { by, reverse });
+      if (wanted.every((from, to) => from === to)) {
+        this.tell({ text: 'The tracks are in this order already.' });
+        return;
+      }
+      await this.commands.setOrder(target.plid, wanted, revision);
+      this.tell({ text: `Sorted by ${by}`, undo: this.undo.ofOrder(target, rows) });
+    }) });
+  }
+
+  // Those that are there a second time, entries with what stands around them.
+  async findDuplicates(target) {
+    const order = await Order.readWhole(target.path);
+    const entries = duplicates(order.rows).map((index) => ({ row: order.rows[index], index }));
+    return { entries, around: { revision: order.revision, rows: (i) => order.rows[i], count: order.size } };
+  }
+
+  // How long the list is, and at which revision: what people are asked about.
+  async lookAt(target) {
+    const { rowsCount, revision } = await getRows(target.path, 0, 0, ['path']);
+    return { count: rowsCount, revision };
+  }
+
+  // Done to the list as it was when people were asked, or not at all.
+  whole(target, edit) {
+    return this.run(target, { locks: [target.path], isPlain: true, send: edit })?.catch((error) => {
+      throw isChanged(error) ? nothingDone('The playlist has changed meanwhile.') : error;
+    });
+  }
+
+  // Its tracks, as they are added again.
+  async itemsOf(target, revision) {
+    const order = await Order.read(target.path);
+    if (order.revision !== revision) throw nothingDone('The playlist has changed meanwhile.');
+    const items = await this.commands.prepare(order.rows.map((row) => row.path));
+    return order.rows.map((row, index) => ({ row, index, item: items.get(row.path), after: null, before: undefined }));
+  }
+
+  clear(target, title, { revision }) {
+    return this.whole(target, async () => {
+      const removed = await this.itemsOf(target, revision);
+      await this.commands.clear(target.plid, revision);
+      this.tell({ text: `“${title}” cleared`, undo: this.undo.ofRemoval(target, removed) });
+    });
+  }
+
+  deleteList(target, title, { revision }) {
+    return this.whole(target, async () => {
+      const list = await this.commands.describe(target.plid);
+      const removed = await this.itemsOf(target, revision);
+      await this.commands.deleteList(target.plid, revision);
+      this.tell({ text: `“${title}” deleted`, undo: this.undo.ofDeletion(list, removed) });
+    });
+  }
+
+  // `source` and `into`: {plid, path, title}. The source goes, unless it is the play queue.
+  merge(source, into, mode, { revision }) {
+    return this.whole(into, async () => {
+      const list = source.plid === 0 ? null : await this.commands.describe(source.plid);
+      const moved = await this.itemsOf(source, revision);
+      const before = await Order.read(into.path);
+      await this.commands.merge(source.plid, into.plid, mode, before.revision);
+      this.tell({ text: `“${source.title}” merged into “${into.title}”`, undo: this.undo.ofMerge(list, moved, into, before) });
+    });
+  }
+
+  // Adding has no positions, and goes in its turn.
+  add(target, paths, mode) {
+    return this.inTurn(target, () => this.commands.addItems(target.plid, paths, mode));
+  }
+
+  inTurn(target, send) {
+    return this.run(target, { isPlain: true, send });
+  }
+}
+
+// The gap as what stands on both its sides and stays.
+function placeAt(gap, taken, count, rowAt) {
+  let [after, before] = [gap - 1, gap];
+  while (taken.has(after)) after -= 1;
+  while (taken.has(before)) before += 1;
+  const key = (index) => (index < 0 || index >= count ? null : rowAt(index) && trackKey(rowAt(index)));
+  return { after: key(after), before: key(before) };
+}
