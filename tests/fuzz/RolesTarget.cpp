@@ -88,7 +88,7 @@ void Fuzz::roles(const QByteArray& input) {
                 "the quick reader differs: " + text);
     }
 
-    ItemsCheck check({item});
+    ItemsCheck check({item}, PlayListLimits());
     require(check.run(QDeadlineTimer(QDeadlineTimer::Forever)), "a check that does not end");
     require((check.verdict(0) == ItemsCheck::Verdict::NoRoles) == text.isEmpty(),
             "only no text is no roles: " + text);
