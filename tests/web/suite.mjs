@@ -3,6 +3,7 @@ import { tellStories } from './support/story.mjs';
 import './units/browserless.mjs';
 import './units/rows.mjs';
 import './units/edits.mjs';
+import './units/undo.mjs';
 import './units/helpers.mjs';
 import './stories/lists.mjs';
 import './stories/adding.mjs';
