@@ -144,7 +144,8 @@ Database::Database(int itemsLimit, bool vacuumNeeded, int maxStartWaitMs)
       m_busyHandler(maxStartWaitMs),
       m_itemsLimit(itemsLimit),
       m_vacuumNeeded(vacuumNeeded),
-      m_lastRevision(randomRevisionBase()) {
+      m_firstRevision(randomRevisionBase()),
+      m_lastRevision(m_firstRevision) {
     openFile();
     vacuum();
     execute(m_connection, "PRAGMA foreign_keys=1;");

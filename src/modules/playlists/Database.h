@@ -11,6 +11,7 @@
 
 #include "BusyHandler.h"
 #include "CollectionRecord.h"
+#include "GivenNumbers.h"
 #include "OrvoPlayListEnums.h"
 #include "OrvoPlayListItem.h"
 #include "PlayListRecord.h"
@@ -73,6 +74,13 @@ public:
     // A number that no state of any playlist had before, greater than those given out since the
     // start.
     qint64 nextRevision() { return ++m_lastRevision; }
+
+    // Whether the item that has this uid now, if any, had it already when a playlist had that
+    // revision. False for a revision of another start.
+    bool isItemOf(qint64 revision, int uid) const {
+        return revision > m_firstRevision && revision <= m_lastRevision &&
+               !m_givenUids.isGivenSince(uid, revision);
+    }
 
     // Gives back the pages that were read, which are kept for the next reading otherwise.
     void releaseReadPages();
@@ -216,7 +224,9 @@ private:
     bool m_lastCommitFailed = false;
     // Items that nothing refers to may have stayed behind: the next removals look at all items.
     bool m_mayHoldStrays = false;
+    const qint64 m_firstRevision;
     qint64 m_lastRevision;
+    GivenNumbers m_givenUids;
     std::array<std::unique_ptr<Sqlite3Statement>, StatementCount> m_statements;
 };
 

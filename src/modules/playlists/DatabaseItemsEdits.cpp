@@ -154,6 +154,8 @@ bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& s
             LOG4CPLUS_ERROR(moduleLog(), "Error inserting item into DB");
             return false;
         }
+        if (i == 0)
+            m_givenUids.note(uid, m_lastRevision + 1);
         if (traced)
             LOG4CPLUS_TRACE(moduleLog(), "Inserted item into DB with uid" << uid);
         if (!statement(StatementId::InsertPlayListItem).run(pl.uid, uid, sequenceNumber + i)) {

@@ -87,6 +87,10 @@ QList<OrvoPlayListItem> PlayListManager::getPlayListItemsByUids(const QList<int>
     return m_database->getItemsByUids(records, uids, budget);
 }
 
+bool PlayListManager::isItemOf(qint64 revision, int uid) const {
+    return m_database->isItemOf(revision, uid);
+}
+
 int PlayListManager::getPlayListsCount() const {
     return m_database->countPlaylists();
 }

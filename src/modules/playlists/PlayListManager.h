@@ -33,6 +33,10 @@ public:
     QList<OrvoPlayListItem> getPlayListItemsByUids(const QList<int>& uids,
                                                    TextBudget* budget = nullptr) const;
 
+    // Whether the item that has this uid now, if any, is the one that had it when a playlist had
+    // that revision. Uids of deleted items are given again.
+    bool isItemOf(qint64 revision, int uid) const;
+
     // Counts of the store; the first includes the play queue.
     int getPlayListsCount() const;
     int getPlaylistsItemsCount() const;

@@ -49,6 +49,8 @@ protected:
     static QString SeqNum() { return QStringLiteral("seqnum"); }
     static QString FromPlid() { return QStringLiteral("fromplid"); }
     static QString Action() { return QStringLiteral("action"); }
+    // The revision that the playlist had when a menu of one of its tracks was read.
+    static QString Revision() { return QStringLiteral("revision"); }
     static QString PreparePath() { return QStringLiteral("preparepath"); }
 
     PlayListManager* manager() const { return m_manager; }

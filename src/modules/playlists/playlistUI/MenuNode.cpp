@@ -2,6 +2,7 @@
 
 #include <QPointer>
 
+#include "../PlayListManager.h"
 #include "CMRootWorker.h"
 #include "OrvoPlayListCommands.h"
 
@@ -59,6 +60,19 @@ void MenuNode::sendMenu(const QList<OrvoRoles>& entries, const TrString& title,
 
 int MenuNode::numberParam(const CMSetDataRequest& request, const QString& name) {
     return toInt(request.path().param(name), -1);
+}
+
+bool MenuNode::isMadeForItem(const CMPath& path, int uid) const {
+    const QMap<QString, QString>& params = path.params();
+    if (!params.contains(Revision()))
+        return true;
+    bool isNumber = false;
+    const qint64 revision = params.value(Revision()).toLongLong(&isNumber);
+    return isNumber && manager()->isItemOf(revision, uid);
+}
+
+void MenuNode::refuse(const CMSetDataRequest& request, const TrString& message) {
+    request.reply().setError(CMError(CMError::Conflict(), message, CMError::DefaultTitle()));
 }
 
 OrvoHash MenuNode::playListOnly(const CMSetDataRequest& request) {

@@ -51,6 +51,11 @@ protected:
     // An id or a place that a path carries: -1, which every command refuses, when it is missing or
     // no number.
     static int numberParam(const CMSetDataRequest& request, const QString& name);
+    // Whether the item with this uid is still the one for which the path, by its revision, was
+    // made. True where the path has no revision.
+    bool isMadeForItem(const CMPath& path, int uid) const;
+    // Answers that what the entry was made for is no longer there.
+    static void refuse(const CMSetDataRequest& request, const TrString& message);
     // The arguments of a command that needs the playlist alone.
     static OrvoHash playListOnly(const CMSetDataRequest& request);
 

@@ -43,8 +43,12 @@ protected:
     CMPath open(const CMPath& menu, const QString& entry) { return row(menu, entry).path(); }
     // Uses an entry; the path that is closed then, the error's text when it is refused.
     QString use(const CMPath& menu, const QString& entry, const QVariantHash& value = {}) {
-        const Answer answer = send(row(menu, entry).path(), QVariant(value));
-        EXPECT_TRUE(answer.answered) << entry;
+        return useEntry(row(menu, entry).path(), value);
+    }
+    // The same for the path that an entry had when its menu was read.
+    QString useEntry(const CMPath& path, const QVariantHash& value = {}) {
+        const Answer answer = send(path, QVariant(value));
+        EXPECT_TRUE(answer.answered) << path.toString();
         QStringList closed;
         for (const OrvoEvent& event : OrvoActionReply(answer.value.toHash()).events())
             closed.append(event.path().toString());
@@ -156,6 +160,75 @@ TEST_F(MenuWalkTest, aMenuLeftOpenMovesTheTrackThatItShows) {
     EXPECT_EQ(use(menu, "Remove track"), TrackMenu);
     EXPECT_EQ(titles(1), QStringList({"b", "c"}));
     EXPECT_EQ(namesAt(menu), QStringList());
+}
+
+TEST_F(MenuWalkTest, entriesLeftOpenActOnTheirTrackWhereItStandsNow) {
+    const CMPath removal = row(trackMenu("Mix", "b"), "Remove track").path();
+    const CMPath move = row(trackMenu("Mix", "c"), "Move track").path();
+    EXPECT_EQ(use(trackMenu("Mix", "a"), "Move track", {{"string", "2"}}), TrackMenu);
+    EXPECT_EQ(titles(1), QStringList({"b", "c", "a"}));
+    EXPECT_EQ(useEntry(move, {{"string", "2"}}), TrackMenu);
+    EXPECT_EQ(titles(1), QStringList({"b", "a", "c"}));
+    EXPECT_EQ(useEntry(removal), TrackMenu);
+    EXPECT_EQ(titles(1), QStringList({"a", "c"}));
+}
+
+TEST_F(MenuWalkTest, entriesOfATrackThatHasGoneAreRefused) {
+    const CMPath removal = row(trackMenu("Mix", "b"), "Remove track").path();
+    const CMPath move = row(trackMenu("Mix", "b"), "Move track").path();
+    EXPECT_EQ(useEntry(removal), TrackMenu);
+    const LogCapture log("PlayLists");
+    for (const auto& [path, message] :
+         {std::pair(removal, "Could not remove items from playlist. The playlist no longer holds"
+                             " this track."),
+          std::pair(move, "Could not move items in playlist. The playlist no longer holds this"
+                          " track.")}) {
+        const Answer answer = send(path, QVariantHash{{"string", "0"}});
+        EXPECT_EQ(answer.message(), message);
+        EXPECT_EQ(answer.error.name(), CMError::Conflict());
+    }
+    const QString gone = "Playlist id: 1 no longer holds item: 2";
+    EXPECT_EQ(log.errors().filter("Playlist"), QStringList({gone, gone}));
+    EXPECT_EQ(titles(1), QStringList({"a", "c"}));
+}
+
+TEST_F(MenuWalkTest, aNumberThatWasGivenAgainIsAnotherTrack) {
+    const CMPath menu = trackMenu("PlayQueue", "r");
+    const QList<CMPath> entries = {
+        row(menu, "Remove track").path(), row(menu, "Move track").path(),
+        row(open(open(menu, "Add to playlist"), "Mix"), "Append").path()};
+    const QString number = menu.param("itemid");
+    EXPECT_EQ(useEntry(entries.at(0)), TrackMenu);
+    addItems(0, {"s"});
+    ASSERT_EQ(trackMenu("PlayQueue", "s").param("itemid"), number);
+    for (const CMPath& path : entries) {
+        const Answer answer = send(path, QVariantHash{{"string", "0"}});
+        EXPECT_TRUE(answer.message().endsWith("The playlist has changed meanwhile."))
+            << answer.message();
+        EXPECT_EQ(answer.error.name(), CMError::Conflict());
+    }
+    EXPECT_EQ(titles(0), QStringList({"q", "s"}));
+    EXPECT_EQ(titles(1), QStringList({"a", "b", "c"}));
+    EXPECT_EQ(use(trackMenu("PlayQueue", "s"), "Remove track"), TrackMenu);
+    EXPECT_EQ(titles(0), QStringList("q"));
+}
+
+TEST_F(MenuWalkTest, aNumberGivenElsewhereLeavesOtherMenusAlone) {
+    const CMPath removal = row(trackMenu("Mix", "b"), "Remove track").path();
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(use(menuOf("PlayQueue"), "Clear"), "playlists:pq/context");
+        addItems(0, {"s", "t"});
+    }
+    EXPECT_EQ(useEntry(removal), TrackMenu);
+    EXPECT_EQ(titles(1), QStringList({"a", "c"}));
+}
+
+TEST_F(MenuWalkTest, entriesFromBeforeARestartAreRefused) {
+    const CMPath removal = row(trackMenu("Mix", "b"), "Remove track").path();
+    restart();
+    EXPECT_EQ(useEntry(removal),
+              "Could not remove items from playlist. The playlist has changed meanwhile.");
+    EXPECT_EQ(titles(1), QStringList({"a", "b", "c"}));
 }
 
 TEST_F(MenuWalkTest, aTrackGoesToThePlayQueue) {

@@ -12,32 +12,38 @@ class PlayListTrackContextNodeTest : public MenuFixture {
 protected:
     static QString title(const QString& text) { return "PlayListTrackContextNode|" + text; }
     static QString encodedItem(const QString& id) { return "playlists%3Aitem%2F" + id; }
-    static QJsonObject toQueue(const QString& plid, const QString& id) {
+    // The playlist's present one, as the entries name it.
+    QString revision(const QString& plid) {
+        const CMPath path =
+            plid == "0" ? OrvoPlayListPqGetItemsPath() : OrvoPlayListPlGetItemsPath() + plid;
+        return "&revision=" + QString::number(rows(path, 0, 0).revision());
+    }
+    QJsonObject toQueue(const QString& plid, const QString& id) {
         return Expected::menu(title("Add to playqueue"),
                               "playlists:pl/selectAddMode?action=cmnode&fromplid=" + plid +
-                                  "&itemid=" + encodedItem(id) + "&plid=0");
+                                  "&itemid=" + encodedItem(id) + "&plid=0" + revision(plid));
     }
-    static QJsonObject toPlayList(const QString& plid, const QString& id) {
+    QJsonObject toPlayList(const QString& plid, const QString& id) {
         return Expected::menu(title("Add to playlist"),
                               "playlists:pl/addToPlaylist?action=cmnode&fromplid=" + plid +
                                   "&itemid=" + encodedItem(id) +
-                                  "&preparepath=playlists%3AprepareItems");
+                                  "&preparepath=playlists%3AprepareItems" + revision(plid));
     }
     static QString request(const QString& plid, const QString& id, const QString& seqNum) {
         return nodePath + "?action=cmnode&itemid=" + id + "&plid=" + plid + "&seqnum=" + seqNum;
     }
     // Those for which the track stands at `place`, opened when it stood at `seqNum`.
-    static QJsonObject move(const QString& plid, const QString& id, const QString& seqNum,
-                            const QString& place) {
+    QJsonObject move(const QString& plid, const QString& id, const QString& seqNum,
+                     const QString& place) {
         return Expected::edit(title("Move track"),
                               nodePath + "?action=moveTr&from=" + place + "&itemid=" + id +
-                                  "&plid=" + plid + "&seqnum=" + seqNum,
+                                  "&plid=" + plid + revision(plid) + "&seqnum=" + seqNum,
                               Expected::text(place));
     }
-    static QJsonObject remove(const QString& plid, const QString& id, const QString& place) {
+    QJsonObject remove(const QString& plid, const QString& id, const QString& place) {
         return Expected::action(title("Remove track"),
                                 nodePath + "?action=removeTr&fromplid=" + plid + "&itemid=" + id +
-                                    "&plid=" + plid + "&seqnum=" + place);
+                                    "&plid=" + plid + revision(plid) + "&seqnum=" + place);
     }
     QString moveTo(const QVariantHash& value, const char* params = "plid=1&from=0") {
         return select(nodePath + "?action=moveTr&" + params, value).message();
@@ -70,14 +76,16 @@ TEST_F(PlayListTrackContextNodeTest, whatIsVisibleIsReadWhenTheMenuIsMade) {
     createPlayList("Mix");
     addItems(1, {"a"});
     const QString id = itemId(1, 0);
-    const QList<QJsonObject> others = {toPlayList("1", id), move("1", id, "0", "0"),
-                                       remove("1", id, "0")};
+    const auto others = [&] {
+        return QList<QJsonObject>{toPlayList("1", id), move("1", id, "0", "0"),
+                                  remove("1", id, "0")};
+    };
     show(false, false);
-    expectMenu(request("1", id, "0"), menuTitle, QList{toQueue("1", id)} + others);
+    expectMenu(request("1", id, "0"), menuTitle, QList{toQueue("1", id)} + others());
     restart();
-    expectMenu(request("1", id, "0"), menuTitle, others);
+    expectMenu(request("1", id, "0"), menuTitle, others());
     show(true, false);
-    expectMenu(request("1", id, "0"), menuTitle, others);
+    expectMenu(request("1", id, "0"), menuTitle, others());
 }
 
 TEST_F(PlayListTrackContextNodeTest, aTrackOfThePlayQueueIsNotOfferedToIt) {
@@ -139,7 +147,7 @@ TEST_F(PlayListTrackContextNodeTest, entriesOnItsOwnPathKeepTheRequestsParameter
         paths.append(row.path().toString());
     ASSERT_EQ(paths.size(), 4);
     EXPECT_EQ(paths.filter("x=y"), paths.mid(2));
-    EXPECT_EQ(paths.filter("plid=1&seqnum=0"), paths.mid(2));
+    EXPECT_EQ(paths.filter("seqnum=0"), paths.mid(2));
 }
 
 TEST_F(PlayListTrackContextNodeTest, whatIsAskedForIsLogged) {

@@ -1,5 +1,6 @@
 #include "PlayListAddModeNode.h"
 
+#include "../../ModuleLog.h"
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 
@@ -36,8 +37,18 @@ bool PlayListAddModeNode::setDataRequest(const CMSetDataRequest& request) {
         args.setFromPlid(toInt(params.value(FromPlid()), -1));
     if (params.contains(Mode()))
         args.setMode(OrvoPlayListAddPosition::Enum(params.value(Mode()).toInt()));
-    if (params.contains(ItemId()))
-        args.setItems({params.value(ItemId())});
+    if (params.contains(ItemId())) {
+        const QString item = params.value(ItemId());
+        if (CMPath(item).startsWith(OrvoPlayListItemPath()) &&
+            !isMadeForItem(request.path(), toInt(item.section(QLatin1Char('/'), -1), -1))) {
+            LOG4CPLUS_ERROR(moduleLog(), "Another item by now: " << item);
+            refuse(request, TrString("PlayListAddModeNode",
+                                     "Could not add items to playlist. The playlist has changed"
+                                     " meanwhile."));
+            return true;
+        }
+        args.setItems({item});
+    }
     sendCommand(OrvoPlayListPlAddItemsPath(), args, request);
     return true;
 }

@@ -1,5 +1,7 @@
 #include "PlayListTrackContextNode.h"
 
+#include <algorithm>
+
 #include "../../ModuleLog.h"
 #include "../../PlayListBase.h"
 #include "../../PlayListManager.h"
@@ -9,6 +11,10 @@
 PlayListTrackContextNode* PlayListTrackContextNode::create(CMNodes* nodes, const CMPath& path,
                                                            PlayListManager* manager) {
     return createNode<PlayListTrackContextNode>(nodes, path, manager);
+}
+
+static QString From() {
+    return QStringLiteral("from");
 }
 
 // An item is one entry of one playlist. A menu that stayed open while its track went may ask for an
@@ -29,17 +35,21 @@ bool PlayListTrackContextNode::getRowsRequest(const CMGetRowsRequest& request) {
     const auto tr = [](const char* text) { return TrString("PlayListTrackContextNode", text); };
     const OrvoPlayListItem item = manager()->getPlayListItemByUid(toInt(itemId, -1));
     QList<OrvoRoles> entries;
-    if (holds(manager()->getPlayListByUid(toInt(plid, -1)), item)) {
+    PlayListBase* pl = manager()->getPlayListByUid(toInt(plid, -1));
+    if (holds(pl, item) && isMadeForItem(request.path(), item.uid())) {
         const PlayListBase* queue = manager()->getPlayQueue();
         // To the add-to nodes the item is named by its path.
         const QString itemPath = (OrvoPlayListItemPath() + toStr(item.uid())).toString();
         const QString place = toStr(item.sequenceNumber());
+        const QString revision =
+            request.path().params().value(Revision(), QString::number(pl->getRevision()));
         if (isPlayQueueVisible() && plid != toStr(queue->getUid())) {
             entries.append(
                 menuRow(tr("Add to playqueue"), pathWith(OrvoPlayListPlSelectAddModePath(),
                                                          {{Action(), CmNode()},
                                                           {FromPlid(), plid},
                                                           {ItemId(), itemPath},
+                                                          {Revision(), revision},
                                                           {Plid(), toStr(queue->getUid())}})));
         }
         // The prepare path is carried for interfaces that ask for it; nothing here reads it back.
@@ -49,17 +59,63 @@ bool PlayListTrackContextNode::getRowsRequest(const CMGetRowsRequest& request) {
                              {{Action(), CmNode()},
                               {FromPlid(), plid},
                               {ItemId(), itemPath},
+                              {Revision(), revision},
                               {PreparePath(), OrvoPlayListPlPrepareItemsPath().toString()}})));
         entries.append(editRow(tr("Move track"),
                                entryPath(request, QStringLiteral("moveTr"),
-                                         {{Plid(), plid}, {QStringLiteral("from"), place}}),
+                                         {{Plid(), plid}, {From(), place}, {Revision(), revision}}),
                                OrvoValue::fromString(place)));
         entries.append(
-            actionRow(tr("Remove track"), entryPath(request, QStringLiteral("removeTr"),
-                                                    {{FromPlid(), plid}, {SeqNum(), place}})));
+            actionRow(tr("Remove track"),
+                      entryPath(request, QStringLiteral("removeTr"),
+                                {{FromPlid(), plid}, {SeqNum(), place}, {Revision(), revision}})));
     }
     sendMenu(entries, tr("Track Context Menu"), request);
     return true;
+}
+
+bool PlayListTrackContextNode::setDataRequest(const CMSetDataRequest& request) {
+    struct ActionRow {
+        const char* action;
+        QString playlist; // the parameters of the playlist and the place
+        QString place;
+        const char* gone;
+        const char* changed;
+    };
+    static const ActionRow rows[] = {
+        {"moveTr", Plid(), From(),
+         "Could not move items in playlist. The playlist no longer holds this track.",
+         "Could not move items in playlist. The playlist has changed meanwhile."},
+        {"removeTr", FromPlid(), SeqNum(),
+         "Could not remove items from playlist. The playlist no longer holds this track.",
+         "Could not remove items from playlist. The playlist has changed meanwhile."},
+    };
+    const QMap<QString, QString>& params = request.path().params();
+    const auto row = std::find_if(std::begin(rows), std::end(rows), [&params](const auto& known) {
+        return params.value(Action()) == QLatin1String(known.action);
+    });
+    if (row == std::end(rows) || !params.contains(ItemId()))
+        return MenuNode::setDataRequest(request);
+    const int plid = numberParam(request, row->playlist);
+    PlayListBase* pl = manager()->getPlayListByUid(plid);
+    if (!pl)
+        return MenuNode::setDataRequest(request); // the command says what is wrong
+    const int uid = numberParam(request, ItemId());
+    if (!isMadeForItem(request.path(), uid)) {
+        LOG4CPLUS_ERROR(moduleLog(),
+                        "Playlist id: " << plid << " has another item by now: " << uid);
+        refuse(request, TrString("PlayListTrackContextNode", row->changed));
+        return true;
+    }
+    const OrvoPlayListItem item = manager()->getPlayListItemByUid(uid);
+    if (!holds(pl, item)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " no longer holds item: " << uid);
+        refuse(request, TrString("PlayListTrackContextNode", row->gone));
+        return true;
+    }
+    CMPath present = request.path();
+    present.addParam(row->place, toStr(item.sequenceNumber()));
+    return MenuNode::setDataRequest(CMSetDataRequest(present, request.value(), request.reply()));
 }
 
 namespace {
@@ -75,7 +131,7 @@ std::span<const MenuNode::MenuAction> PlayListTrackContextNode::actions() const 
     constexpr auto move = [](const CMSetDataRequest& request) -> OrvoHash {
         OrvoPlayListPlMoveItems args;
         args.setPlid(numberParam(request, Plid()));
-        args.setItems({numberParam(request, QStringLiteral("from"))});
+        args.setItems({numberParam(request, From())});
         args.setTo(enteredPosition(request));
         return args;
     };
