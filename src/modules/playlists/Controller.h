@@ -4,6 +4,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QPointer>
 
 #include "CMRequest.h"
 #include "CMRequestGroup.h"
@@ -79,6 +80,8 @@ private:
     // What is remembered of an add request while other modules prepare its items.
     struct ReqGroupProperties {
         int plid = -1;
+        // Its number may be another playlist's by the time that the items are there.
+        QPointer<PlayListBase> target;
         int fromPlid = -1;
         OrvoPlayListAddPosition::Enum mode = OrvoPlayListAddPosition::Append;
         bool wholePlaylist = false;
@@ -113,6 +116,8 @@ private:
                        bool areMany = false);
     void releaseInSlices(const std::shared_ptr<ItemsCheck>& check);
     void finishAdding(const ReqGroupProperties& props, const ItemsCheck& check);
+    // Null when it was deleted.
+    PlayListBase* targetOf(const ReqGroupProperties& props) const;
     static bool isWhole(const ReqGroupProperties& props, const ItemsCheck& check);
     int addItemsFromAllReplays(const ReqGroupProperties& props, const ItemsCheck& check,
                                QString* msg);

@@ -111,8 +111,8 @@ void Controller::plAddItems(CMSetDataRequest request) {
         setReply(request, false, msg);
         return;
     }
-    const PlayListBase* target = m_manager->getPlayListByUid(props.plid);
-    if (target && !checkRevision(request, target, prefix, msg)) {
+    props.target = m_manager->getPlayListByUid(props.plid);
+    if (props.target && !checkRevision(request, props.target, prefix, msg)) {
         setReply(request, false, msg);
         return;
     }
@@ -236,7 +236,7 @@ void Controller::finishAdding(const ReqGroupProperties& props, const ItemsCheck&
     const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
     QString msg;
     // Again: others may have changed the playlist while the items were prepared and checked.
-    const PlayListBase* target = m_manager->getPlayListByUid(props.plid);
+    const PlayListBase* target = targetOf(props);
     if (target && !checkRevision(*props.request, target, prefix, msg)) {
         setReply(*props.request, false, msg);
         return;
@@ -254,7 +254,7 @@ void Controller::finishAdding(const ReqGroupProperties& props, const ItemsCheck&
     if (added < 1) {
         msg = buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."), resultMsg);
     } else {
-        PlayListBase* pl = m_manager->getPlayListByUid(props.plid);
+        PlayListBase* pl = targetOf(props);
         success = checkPlayList(pl, props.plid, prefix, msg);
         if (success) {
             LOG4CPLUS_DEBUG(moduleLog(), "plsize: " << pl->getSize());
@@ -275,6 +275,11 @@ void Controller::finishAdding(const ReqGroupProperties& props, const ItemsCheck&
     }
     setReply(*props.request, success, msg);
     LOG4CPLUS_DEBUG(moduleLog(), "Add items finished, num added: " << added);
+}
+
+PlayListBase* Controller::targetOf(const ReqGroupProperties& props) const {
+    PlayListBase* pl = m_manager->getPlayListByUid(props.plid);
+    return pl == props.target ? pl : nullptr;
 }
 
 // A playlist is moved with all that it has or stays: an entry that could not be read, and would be
@@ -319,7 +324,7 @@ bool Controller::hasTooManyItems(const CMRequestGroup* group) {
 
 int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, const ItemsCheck& check,
                                        QString* msg) {
-    PlayListBase* pl = m_manager->getPlayListByUid(props.plid);
+    PlayListBase* pl = targetOf(props);
     if (!pl) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot find playlist with plid: " << props.plid);
         *msg = CONTROLLER_TEXT("There is no playlist with this ID.") +

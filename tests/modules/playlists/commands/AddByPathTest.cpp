@@ -190,6 +190,23 @@ TEST_F(AddByPathTest, aTargetThatIsDeletedMeanwhileIsAnError) {
     EXPECT_EQ(QStringList("0"), query("SELECT count(*) FROM items"));
 }
 
+TEST_F(AddByPathTest, aNewPlaylistWithTheNumberOfTheTargetGetsNothing) {
+    others.files.keepPrepareRequests = true;
+    const LateAnswer waiting =
+        sendLate(OrvoPlayListPlAddItemsPath(), {{"plid", 2}, {"items", QVariantList{"files:d"}}});
+    expectDone(OrvoPlayListPlDeletePath(), QVariantHash{{"plid", 2}});
+    ASSERT_EQ(2, createPlayList("Another"));
+    const LogCapture log("PlayLists");
+    prepareReply(others.files).setValue(itemHashes({"d"}));
+    EXPECT_EQ(
+        QString(
+            "Could not add items to playlist. No items were added. (There is no playlist with this ID. (2))"),
+        waiting->message());
+    EXPECT_EQ(QStringList("Cannot find playlist with plid: 2"), log.errors());
+    EXPECT_EQ(QString(), stored(2));
+    expectSoundStore();
+}
+
 TEST_F(AddByPathTest, aSourcePlaylistThatIsDeletedMeanwhileHasGivenItsItems) {
     others.files.keepPrepareRequests = true;
     const LateAnswer waiting = sendLate(
