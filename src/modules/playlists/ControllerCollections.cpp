@@ -6,21 +6,22 @@
 #include "PlayListBase.h"
 #include "PlayListManager.h"
 #include "TextBudget.h"
+#include "WholeText.h"
 
 bool Controller::clCreate(CMSetDataRequest request, QString& msg, int& id) {
     CM_ENTER(moduleLog());
-    const OrvoPlayListClCreate args(request.value().toHash());
+    const QString name = wholeText(OrvoPlayListClCreate(request.value().toHash()).name());
     const QString prefix = CONTROLLER_TEXT("Could not create collection.");
-    if (!checkNonemptyString(args.name(), OrvoPlayListClCreate::Name(), prefix, msg)) {
+    if (!checkNonemptyString(name, OrvoPlayListClCreate::Name(), prefix, msg)) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot create collection with empty name");
         return false;
     }
-    if (!checkNameLength(args.name(), prefix, msg)) {
+    if (!checkNameLength(name, prefix, msg)) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot create collection with a name of "
-                                         << TextBudget::bytesOf(args.name()) << " bytes");
+                                         << TextBudget::bytesOf(name) << " bytes");
         return false;
     }
-    const CollectionBase* cl = m_manager->createCollection(args.name());
+    const CollectionBase* cl = m_manager->createCollection(name);
     if (!cl) {
         LOG4CPLUS_ERROR(moduleLog(), "Create collection error");
         msg = buildErrMsg(prefix, CONTROLLER_TEXT("Create collection error."));

@@ -1,5 +1,3 @@
-#include <cmath>
-
 #include "Controller.h"
 #include "ControllerText.h"
 #include "ModuleLog.h"
@@ -8,19 +6,20 @@
 #include "PlayListManager.h"
 #include "PlayListRecord.h"
 #include "TextBudget.h"
+#include "WholeText.h"
 
 namespace {
 
 // A mode may come as a number or by its name; the record reads names, so a number is turned into
-// its name first. What does not fit into 32 bits stays as it is and is refused: QVariant would cut
-// it down to some other mode.
+// its name first. What does not fit into 32 bits, a fraction and a truth value stay as they are and
+// are refused: QVariant would make some mode of them.
 template <typename Modes>
 OrvoHash withNamedMode(const QVariant& value, const QString& key) {
     OrvoHash hash(value.toHash());
     const QVariant mode = hash.attribute(key);
     bool isNumber = false;
     const int number = mode.toInt(&isNumber);
-    if (isNumber && std::fabs(mode.toDouble() - number) < 1)
+    if (isNumber && mode.userType() != QMetaType::Bool && mode.toDouble() == number)
         hash.setAttribute(key, Modes::toString(number));
     return hash;
 }
@@ -29,18 +28,18 @@ OrvoHash withNamedMode(const QVariant& value, const QString& key) {
 
 bool Controller::plCreate(CMSetDataRequest request, QString& msg, int& id) {
     CM_ENTER(moduleLog());
-    const OrvoPlayListPlCreate args(request.value().toHash());
+    const QString name = wholeText(OrvoPlayListPlCreate(request.value().toHash()).name());
     const QString prefix = CONTROLLER_TEXT("Could not create playlist.");
-    if (!checkNonemptyString(args.name(), OrvoPlayListPlCreate::Name(), prefix, msg)) {
+    if (!checkNonemptyString(name, OrvoPlayListPlCreate::Name(), prefix, msg)) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot create playlist with empty name");
         return false;
     }
-    if (!checkNameLength(args.name(), prefix, msg)) {
+    if (!checkNameLength(name, prefix, msg)) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot create playlist with a name of "
-                                         << TextBudget::bytesOf(args.name()) << " bytes");
+                                         << TextBudget::bytesOf(name) << " bytes");
         return false;
     }
-    const PlayListBase* pl = m_manager->createPlayList(args.name());
+    const PlayListBase* pl = m_manager->createPlayList(name);
     if (!pl) {
         LOG4CPLUS_ERROR(moduleLog(), "Create playlist failed");
         msg = buildErrMsg(prefix, CONTROLLER_TEXT("Create playlist error."));
@@ -58,7 +57,7 @@ bool Controller::plSetName(CMSetDataRequest request, QString& msg) {
     CM_ENTER(moduleLog());
     const OrvoPlayListPlSetName args(request.value().toHash());
     const int plid = args.plid();
-    const QString name = args.name();
+    const QString name = wholeText(args.name());
     const QString prefix = CONTROLLER_TEXT("Could not set playlist name.");
     if (!checkPlayListId(plid, prefix, msg)) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot rename playlist id: " << plid);

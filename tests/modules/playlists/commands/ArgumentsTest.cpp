@@ -29,6 +29,11 @@ const QList<ModeRow> noModes = {
     {"", Outcome::Refused},
     {"garbage", Outcome::Refused},
     {"1.5", Outcome::Refused},
+    {0.5, Outcome::Refused},
+    {1.5, Outcome::Refused},
+    {-0.5, Outcome::Refused},
+    {false, Outcome::Refused},
+    {true, Outcome::Refused},
     {QVariant(), Outcome::Refused},
     {QVariantList{1}, Outcome::Refused},
     {QVariantHash{{"mode", 1}}, Outcome::Refused},
@@ -57,12 +62,10 @@ TEST_F(ArgumentsTest, shuffleModes) {
         {"0", Outcome::Off},
         {0.0, Outcome::Off},
         {"shuffleOff", Outcome::Off},
-        {false, Outcome::Off},
         {1, Outcome::On},
         {"1", Outcome::On},
         {1.0, Outcome::On},
         {"shuffleOn", Outcome::On},
-        {true, Outcome::On},
         {qint64(1), Outcome::On},
         {2, Outcome::Refused},
         {"2", Outcome::Refused},
@@ -126,6 +129,29 @@ TEST_F(ArgumentsTest, aMissingModeIsRefused) {
         refusal(OrvoPlayListPlSetShufflePath(), QVariantHash{{"plid", 1}}));
     EXPECT_EQ(QString("Could not set repeat mode on playlist. Invalid repeat mode. (repeat-mode)"),
               refusal(OrvoPlayListPlSetRepeatPath(), QVariantHash{{"plid", 1}}));
+}
+
+TEST_F(ArgumentsTest, halfACharacterOfANameIsReplacedWhenItArrives) {
+    const QString half = QStringLiteral("a") + QChar(0xd83d) + QStringLiteral("b") + QChar(0xdc00);
+    const QString kept = QStringLiteral("a\uFFFDb\uFFFD");
+    const auto namesShown = [this] {
+        QStringList names;
+        for (const OrvoRoles& row : asRoles(rows(OrvoPlayListsRootPath())))
+            names.append(row.title().toString());
+        return names.filter(QStringLiteral("b"));
+    };
+    const int plid = createPlayList(half);
+    createCollection(half);
+    EXPECT_EQ(QStringList(kept), namesShown());
+    EXPECT_EQ(QStringList(kept), query("SELECT name FROM collections WHERE uid = 2"));
+    restart();
+    EXPECT_EQ(QStringList(kept), namesShown());
+    const QString whole = QString::fromUcs4(U"b\U0001F600");
+    expectDone(OrvoPlayListPlSetNamePath(),
+               QVariantHash{{"plid", plid}, {"name", QString(whole + QChar(0xd83d))}});
+    EXPECT_EQ(QStringList(whole + QChar(0xfffd)), namesShown());
+    restart();
+    EXPECT_EQ(QStringList(whole + QChar(0xfffd)), namesShown());
 }
 
 TEST_F(ArgumentsTest, modesAreLoggedAsNumbersHoweverTheyCame) {
