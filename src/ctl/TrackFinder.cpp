@@ -16,7 +16,7 @@ const QStringList Roles = {QStringLiteral("type"), QStringLiteral("path"),
                            QStringLiteral("containerType")};
 constexpr int ContainerType = 1;
 constexpr int TrackType = 3;
-constexpr int ContextMenu = 100;
+constexpr int ContextMenuContainer = 100;
 constexpr int MaxDepth = 64;
 
 } // namespace
@@ -83,7 +83,7 @@ void TrackFinder::addFolder(const QString& path, const DeviceRows& content, int 
         if (type == TrackType)
             addTrack(rowPath);
         else if (type == ContainerType &&
-                 row.value(QStringLiteral("containerType")).toInt() != ContextMenu)
+                 row.value(QStringLiteral("containerType")).toInt() != ContextMenuContainer)
             addFolder(rowPath, m_device->rows(rowPath, Roles), depth + 1);
     }
     m_open.remove(path);

@@ -19,7 +19,7 @@ constexpr FieldRow Fields[] = {{"title", TrackOrder::Field::Title},
                                {"album", TrackOrder::Field::Album},
                                {"duration", TrackOrder::Field::Duration}};
 
-QJsonObject metaData(const QJsonObject& row) {
+QJsonObject tagsOf(const QJsonObject& row) {
     return row.value(QStringLiteral("mediaData"))
         .toObject()
         .value(QStringLiteral("metaData"))
@@ -56,16 +56,16 @@ QCollator makeCollator() {
 }
 
 // A text or number to sort by, read from its row once.
-class Key {
+class SortKey {
 public:
-    Key(const QCollator& collator, const QString& text)
+    SortKey(const QCollator& collator, const QString& text)
         : m_isMissing(text.isEmpty()), m_text(collator.sortKey(withoutAccents(text))) {}
-    Key(const QCollator& collator, double number)
+    SortKey(const QCollator& collator, double number)
         : m_isMissing(number <= 0), m_text(collator.sortKey(QString())), m_number(number) {}
 
     bool isMissing() const { return m_isMissing; }
     // Below 0: this one first.
-    int compare(const Key& other, bool reversed = false) const {
+    int compare(const SortKey& other, bool reversed = false) const {
         if (m_isMissing || other.m_isMissing)
             return int(m_isMissing) - int(other.m_isMissing);
         const int texts = m_text.compare(other.m_text);
@@ -81,17 +81,17 @@ private:
 };
 
 // What a row is sorted by, the most important first.
-QVector<Key> keysOf(const QJsonObject& row, TrackOrder::Field by, const QCollator& collator) {
-    const QJsonObject meta = metaData(row);
+QVector<SortKey> keysOf(const QJsonObject& row, TrackOrder::Field by, const QCollator& collator) {
+    const QJsonObject meta = tagsOf(row);
     const auto text = [&](const char* name) {
-        return Key(collator, meta.value(QLatin1String(name)).toString());
+        return SortKey(collator, meta.value(QLatin1String(name)).toString());
     };
     const auto number = [&](const char* name) {
-        return Key(collator, meta.value(QLatin1String(name)).toDouble());
+        return SortKey(collator, meta.value(QLatin1String(name)).toDouble());
     };
-    const Key title(collator, row.value(QStringLiteral("title")).toString());
+    const SortKey title(collator, row.value(QStringLiteral("title")).toString());
     // Two albums of one name lie in two folders.
-    const Key folder(collator, address(row).section(QLatin1Char('/'), 0, -2));
+    const SortKey folder(collator, address(row).section(QLatin1Char('/'), 0, -2));
     switch (by) {
     case TrackOrder::Field::Title:
         return {title};
@@ -123,15 +123,15 @@ QString TrackOrder::names() {
 
 QList<int> TrackOrder::sorted(const QVector<QJsonObject>& rows, Field by, bool reversed) {
     const QCollator collator = makeCollator();
-    QVector<QVector<Key>> keys;
+    QVector<QVector<SortKey>> keys;
     keys.reserve(rows.size());
     for (const QJsonObject& row : rows)
         keys.append(keysOf(row, by, collator));
     QVector<int> order(rows.size());
     std::iota(order.begin(), order.end(), 0);
     std::stable_sort(order.begin(), order.end(), [&keys, reversed](int left, int right) {
-        const QVector<Key>& a = keys.at(left);
-        const QVector<Key>& b = keys.at(right);
+        const QVector<SortKey>& a = keys.at(left);
+        const QVector<SortKey>& b = keys.at(right);
         for (int i = 0; i < a.size(); ++i) {
             if (const int found = a.at(i).compare(b.at(i), reversed && i == 0))
                 return found < 0;
