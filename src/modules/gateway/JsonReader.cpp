@@ -1,5 +1,6 @@
 #include "JsonReader.h"
 
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <rapidjson/encodedstream.h>
@@ -40,13 +41,11 @@ public:
     }
     bool RawNumber(const ushort*, rapidjson::SizeType, bool) { return false; }
     bool String(const ushort* units, rapidjson::SizeType size, bool) {
-        QString text;
-        return take(units, size, &text) && add(text);
+        return add(textOf(units, size));
     }
     bool Key(const ushort* units, rapidjson::SizeType size, bool) {
         Level& level = m_open.back();
-        if (!take(units, size, &level.name))
-            return false;
+        level.name = textOf(units, size);
         if (level.object.contains(level.name))
             return refuse(QStringLiteral("The body has a name twice in one object."));
         if (level.object.size() == JsonReader::MaxNames)
@@ -73,10 +72,8 @@ private:
         return false;
     }
 
-    bool take(const ushort* units, rapidjson::SizeType size, QString* text) {
-        *text = QString(reinterpret_cast<const QChar*>(units), int(size));
-        return text->isValidUtf16() ||
-               refuse(QStringLiteral("The body has half a character in a text."));
+    static QString textOf(const ushort* units, rapidjson::SizeType size) {
+        return QString(reinterpret_cast<const QChar*>(units), int(size));
     }
 
     bool add(const QVariant& value) {
@@ -118,10 +115,42 @@ private:
     QString m_refusal;
 };
 
+constexpr int EscapeSize = 6; // \uXXXX
+
+// The unit that the escape at `at` stands for, -1 when there is none.
+int escapedUnit(const QByteArray& text, int at) {
+    if (at + EscapeSize > text.size() || text.at(at) != '\\' || text.at(at + 1) != 'u')
+        return -1;
+    const char* const end = text.constData() + at + EscapeSize;
+    int unit = -1;
+    return std::from_chars(end - 4, end, unit, 16).ptr == end ? unit : -1;
+}
+
+// JSON where each escape of half a surrogate pair is that of the replacement character. The parser
+// refuses the half, which other programs write where they cut a text.
+QByteArray withoutHalfPairs(QByteArray text) {
+    // A backslash and what it escapes are one step, so that "\\ud800" is no escape.
+    for (int at = text.indexOf('\\'); at >= 0; at = text.indexOf('\\', at)) {
+        const int unit = escapedUnit(text, at);
+        if (unit < 0) {
+            at += 2;
+            continue;
+        }
+        if (QChar::isHighSurrogate(uint(unit)) &&
+            QChar::isLowSurrogate(uint(escapedUnit(text, at + EscapeSize))))
+            at += EscapeSize;
+        else if (QChar::isSurrogate(uint(unit)))
+            text.replace(at + 2, EscapeSize - 2, "fffd");
+        at += EscapeSize;
+    }
+    return text;
+}
+
 } // namespace
 
-bool JsonReader::readObject(const QByteArray& text, QVariantHash* object, QString* reason,
+bool JsonReader::readObject(const QByteArray& given, QVariantHash* object, QString* reason,
                             int maxValues) {
+    const QByteArray text = withoutHalfPairs(given);
     using Utf8 = rapidjson::UTF8<>;
     rapidjson::MemoryStream bytes(text.constData(), std::size_t(text.size()));
     rapidjson::EncodedInputStream<Utf8, rapidjson::MemoryStream> input(bytes);

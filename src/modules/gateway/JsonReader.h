@@ -4,9 +4,9 @@
 #include <QVariant>
 
 // Reads what a client sent: JSON into the variants that records are made of (objects as hashes,
-// whole numbers as 64-bit integers). Anything that is no JSON object in UTF-8, is nested deeper
-// than any record, or has more values or names than the limits is refused with a reason, as soon
-// as that is read.
+// whole numbers as 64-bit integers), half an escaped surrogate pair as U+FFFD. Anything that is no
+// JSON object in UTF-8, is nested deeper than any record, or has more values or names than the
+// limits is refused with a reason, as soon as that is read.
 class JsonReader {
 public:
     static constexpr int MaxDepth = 64;
@@ -15,6 +15,6 @@ public:
     // A value costs up to fifty times its text: an empty object has three bytes with its comma.
     static constexpr int DefaultMaxValues = 250000;
 
-    static bool readObject(const QByteArray& text, QVariantHash* object, QString* reason,
+    static bool readObject(const QByteArray& given, QVariantHash* object, QString* reason,
                            int maxValues = DefaultMaxValues);
 };

@@ -237,13 +237,43 @@ TEST(JsonReader, theReasonOfARefusalSaysWhatIsWrong) {
         {QByteArray("{}\0{}", 5), "The body is no JSON at byte 2: A zero."},
         {R"({"a":1e999})", "The body is no JSON at byte 5: Number too big to be stored in double."},
         {"[{}]", "The body must be a JSON object."},
-        {R"({"a":["\udc00"]})", "The body has half a character in a text."},
-        {R"({"\udc00":1})", "The body has half a character in a text."},
+        {R"({"\udc00":1,"\ufffd":2})", "The body has a name twice in one object."},
         {R"({"a":{"b":1,"\u0062":2}})", "The body has a name twice in one object."},
         {R"({"a":1,"b":{"a":1},"a":{}})", "The body has a name twice in one object."},
     };
     for (const auto& row : rows)
         EXPECT_EQ(refusal(row.text).toStdString(), row.reason) << row.text.toStdString();
+}
+
+TEST(JsonReader, halfAPairOfSurrogatesIsReplaced) {
+    const struct {
+        QByteArray text; // in the place of both a name and a value
+        QString read;
+    } rows[] = {
+        {R"(\udc00)", QStringLiteral("\uFFFD")},
+        {R"(\ud800)", QStringLiteral("\uFFFD")},
+        {R"(x\uD800y)", QStringLiteral("x\uFFFDy")},
+        {R"(\udbff\udbff\udfff)", QStringLiteral("\uFFFD\U0010FFFF")},
+        {R"(\udfff\ud800)", QStringLiteral("\uFFFD\uFFFD")},
+        {R"(\ud800\u0041)", QStringLiteral("\uFFFDA")},
+        {R"(\ud800\n)", QStringLiteral("\uFFFD\n")},
+        {R"(\ud83d\ude00\ude00)", QStringLiteral("\U0001F600\uFFFD")},
+        {R"(\ud83dé\ude00)", QStringLiteral("\uFFFD\u00E9\uFFFD")},
+        // A backslash that is a character, and no escape.
+        {R"(\\ud800)", QStringLiteral("\\ud800")},
+        {R"(\\\ud800)", QStringLiteral("\\\uFFFD")},
+    };
+    for (const auto& row : rows) {
+        QVariantHash object;
+        QString reason;
+        EXPECT_TRUE(
+            JsonReader::readObject("{\"" + row.text + "\":\"" + row.text + "\"}", &object, &reason))
+            << row.text.toStdString() << ": " << reason.toStdString();
+        EXPECT_EQ(object, QVariantHash({{row.read, row.read}})) << row.text.toStdString();
+    }
+    for (const char* text : {R"({"a":"\ud80)", R"({"a":"\ud8)", R"({"a":"\ud800\u)", R"({"a":"\)",
+                             R"({"a":"\ud800)", R"({"a":"\udz00"})"})
+        EXPECT_FALSE(refusal(text).isEmpty()) << text;
 }
 
 TEST(JsonReader, whatIsNoUtf8IsRefused) {
