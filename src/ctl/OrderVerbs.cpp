@@ -6,7 +6,7 @@
 
 namespace {
 
-const QStringList Roles = {QStringLiteral("title"), QStringLiteral("mediaData")};
+const QStringList SortRoles = {QStringLiteral("title"), QStringLiteral("mediaData")};
 
 QJsonArray numbers(const QList<int>& list) {
     QJsonArray array;
@@ -28,7 +28,7 @@ void OrderVerbs::sort(VerbContext& context) {
     if (!field)
         throw CtlFailure::usage(QStringLiteral("--by is one of %1").arg(TrackOrder::names()));
     const Named playlist = context.playlist();
-    const DeviceRows answer = context.device.rows(context.names.itemsPath(playlist), Roles);
+    const DeviceRows answer = context.device.rows(context.names.itemsPath(playlist), SortRoles);
     if (answer.rows.isEmpty())
         throw CtlFailure::refused(
             QStringLiteral("there are no tracks in %1").arg(playlist.label()));
@@ -42,7 +42,7 @@ void OrderVerbs::sort(VerbContext& context) {
 
 void OrderVerbs::dedupe(VerbContext& context) {
     const Named playlist = context.playlist();
-    const DeviceRows answer = context.device.rows(context.names.itemsPath(playlist), Roles);
+    const DeviceRows answer = context.device.rows(context.names.itemsPath(playlist), SortRoles);
     const QList<int> duplicates = TrackOrder::duplicates(answer.rows);
     if (!duplicates.isEmpty()) {
         QJsonObject request = record(playlist, answer);
