@@ -1,7 +1,3 @@
-#include <sys/stat.h>
-
-#include <QFile>
-
 #include "GatewayFixture.h"
 #include "RawSocket.h"
 
@@ -9,20 +5,8 @@
 
 namespace {
 
-const QByteArray Token = "0123456789abcdef-token";
-
 class GatewayBodies : public GatewayFixture {
 protected:
-    QString tokenFile() {
-        const QString name = m_folder.filePath(QStringLiteral("token"));
-        QFile file(name);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(Token);
-        file.close();
-        EXPECT_EQ(::chmod(QFile::encodeName(name).constData(), 0600), 0);
-        return name;
-    }
-
     // Announces a body and sends its first byte.
     std::unique_ptr<RawSocket> announce(const QByteArray& line, int size,
                                         const QByteArray& fields = {}) {

@@ -9,20 +9,8 @@
 
 namespace {
 
-const QByteArray Token = "0123456789abcdef-token";
-
 class GatewayDoor : public GatewayFixture {
 protected:
-    QString tokenFile(const QByteArray& text = Token + '\n', mode_t mode = 0600) {
-        const QString name = m_folder.filePath(QStringLiteral("token"));
-        QFile file(name);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text);
-        file.close();
-        EXPECT_EQ(::chmod(QFile::encodeName(name).constData(), mode), 0);
-        return name;
-    }
-
     // A request whose whole head is the test's own.
     HttpAnswer ask(const QByteArray& head) {
         HttpClient http(port());

@@ -1,8 +1,13 @@
 #include "GatewayFixture.h"
 
+#include <sys/stat.h>
+
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QFile>
 #include <QTimer>
+
+const QByteArray GatewayFixture::Token = "0123456789abcdef-token";
 
 GatewayFixture::GatewayFixture() : m_module(std::make_unique<TestModule>()) {
     restart();
@@ -16,6 +21,16 @@ void GatewayFixture::restart(const QHash<QString, QVariant>& config) {
     all.insert(QStringLiteral("gateway/listen"), QStringLiteral("127.0.0.1:0"));
     m_gateway = std::make_unique<GatewayWorker>(all);
     ASSERT_TRUE(m_gateway->start());
+}
+
+QString GatewayFixture::tokenFile(const QByteArray& text, mode_t mode) {
+    const QString name = m_folder.filePath(QStringLiteral("token"));
+    QFile file(name);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(text);
+    file.close();
+    EXPECT_EQ(::chmod(QFile::encodeName(name).constData(), mode), 0);
+    return name;
 }
 
 void GatewayFixture::runFor(int milliseconds) {

@@ -1,7 +1,3 @@
-#include <sys/stat.h>
-
-#include <QFile>
-
 #include "GatewayFixture.h"
 #include "RawSocket.h"
 #include "TestApp.h"
@@ -11,19 +7,10 @@
 
 namespace {
 
-const QByteArray Token = "0123456789abcdef-token";
-const QByteArray Bearer = "Authorization: Bearer " + Token + "\r\n";
-
 class GatewayLogins : public GatewayFixture {
 protected:
     void restartWith(QHash<QString, QVariant> config = {}) {
-        const QString name = m_folder.filePath(QStringLiteral("token"));
-        QFile file(name);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(Token);
-        file.close();
-        EXPECT_EQ(::chmod(QFile::encodeName(name).constData(), 0600), 0);
-        config.insert("gateway/tokenFile", name);
+        config.insert("gateway/tokenFile", tokenFile());
         restart(config);
     }
 
@@ -99,7 +86,7 @@ TEST_F(GatewayLogins, whoIsInStaysInWhileTheAddressWaits) {
     for (int i = 0; i < 3; ++i)
         login("wrong");
     EXPECT_EQ(login(Token).status, 429);
-    EXPECT_EQ(ask(Bearer).status, 200);
+    EXPECT_EQ(ask("Authorization: Bearer " + Token + "\r\n").status, 200);
     EXPECT_EQ(ask("Cookie: " + cookie + "\r\n").status, 200);
     EXPECT_EQ(HttpClient(port()).get("/").status, 200);
     EXPECT_EQ(ask({}).status, 401);

@@ -1,7 +1,3 @@
-#include <sys/stat.h>
-
-#include <QFile>
-
 #include "GatewayFixture.h"
 #include "RawSocket.h"
 #include "TestApp.h"
@@ -11,20 +7,8 @@
 
 namespace {
 
-const QByteArray Token = "0123456789abcdef-token";
-
 class GatewayProxy : public GatewayFixture {
 protected:
-    QString tokenFile() {
-        const QString name = m_folder.filePath(QStringLiteral("token"));
-        QFile file(name);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(Token);
-        file.close();
-        EXPECT_EQ(::chmod(QFile::encodeName(name).constData(), 0600), 0);
-        return name;
-    }
-
     int login(const QByteArray& forwardedFor, const QByteArray& token = "wrong") {
         HttpClient http(port());
         return http
