@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <memory>
 
 #include "DatabaseItemRows.h"
 #include "DatabaseLeftItems.h"
@@ -6,6 +7,12 @@
 #include "Sqlite3Statement.h"
 
 namespace {
+
+// Changes nothing. Only the first statement of a transaction waits for another process that writes,
+// and a deletion reads before it deletes.
+const QString lockForWriting = QStringLiteral("UPDATE playlists SET uid = uid WHERE uid = ?1");
+// What the log calls it, like the statement that it precedes.
+const QString lockName = QStringLiteral("deletePlayList");
 
 // The row of either playlist statement.
 PlayListRecord playListFromRow(const Sqlite3Statement& row) {
@@ -86,10 +93,13 @@ bool Database::deletePlayList(const PlayListRecord& pl) {
 }
 
 bool Database::deletePlayListTransaction(const PlayListRecord& pl) {
+    const std::unique_ptr<Sqlite3Statement> locking(
+        Sqlite3Statement::create(m_connection, lockForWriting, lockName));
+    const bool locked = locking && locking->run(pl.uid);
     LeftItems left(*this, pl.size);
     left.note(pl.uid, 0, lastPossibleNumber);
     // A read that failed may have ended the transaction.
-    if (sqlite3_get_autocommit(m_connection) ||
+    if (!locked || sqlite3_get_autocommit(m_connection) ||
         !statement(StatementId::DeletePlayList).run(pl.uid)) {
         LOG4CPLUS_ERROR(moduleLog(), "Error deleting PlayList: delete commad failed");
         return false;

@@ -1,8 +1,10 @@
 #include <cstring>
 #include <sqlite3.h>
+#include <thread>
 
 #include <QDir>
 #include <QSignalSpy>
+#include <QThread>
 
 #include "StatementTrace.h"
 #include "StoreFixture.h"
@@ -73,6 +75,17 @@ protected:
 private:
     int m_triggers = 0;
 };
+
+TEST_F(FailureTest, deletingWaitsForAShortWriteOfAnotherProcess) {
+    const PlayListRecord pl = playListOf("abc");
+    ASSERT_TRUE(rawRun(QStringLiteral("BEGIN IMMEDIATE")));
+    std::thread other([this] {
+        QThread::msleep(100);
+        unlock();
+    });
+    EXPECT_TRUE(database().deletePlayList(pl));
+    other.join();
+}
 
 TEST_F(FailureTest, readingFromALockedFile) {
     const PlayListRecord pl = playListOf("abc");
