@@ -52,7 +52,7 @@ class Mix:
         self._number = 0
         self._table = [
             (4, self._create), (3, self._rename), (2, self._shuffle), (2, self._repeat),
-            (2, self._delete), (2, self._clear), (7, self._remove_items), (9, self._move_items),
+            (2, self._delete), (2, self._clear), (7, self._remove_items), (9, self._move_items), (6, self._set_order),
             (9, self._add_external), (4, self._add_files), (4, self._add_entries),
             (3, self._merge), (2, self._play), (1, self._prepare), (2, self._create_collection),
             (1, self._delete_collection), (4, self._add_member), (2, self._remove_member),
@@ -133,6 +133,15 @@ class Mix:
         to = self._rng.randrange(len(state.lists[uid].entries))
         return single("moveItems", "pl/moveItems", {"plid": uid, "items": positions, "to": to},
                       model.move_items(state, uid, positions, to))
+
+    def _set_order(self, state):
+        uid = self._list(state, with_entries=True)
+        if uid is None:
+            return None
+        order = list(range(len(state.lists[uid].entries)))
+        self._rng.shuffle(order)
+        return single("setOrder", "pl/setOrder", {"plid": uid, "order": order},
+                      model.set_order(state, uid, order))
 
     def _added(self, name, path, value, uid, mode, states):
         """An add; "now" also plays the first new track, and is stopped again at once, so that the

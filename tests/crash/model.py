@@ -130,6 +130,16 @@ def move_items(state, uid, indices, target):
     return [state, moved] if moves else [state]
 
 
+def set_order(state, uid, order):
+    """All at once, with the last played number."""
+    pl = state.lists[uid]
+    entries = tuple(pl.entries[i] for i in order)
+    last = order.index(pl.last) if pl.last in order else pl.last
+    if entries == pl.entries:
+        return [state]
+    return [state, state.changed(uid, entries=entries, last=last)]
+
+
 def place_of_new(pl, mode):
     behind_last = mode != 2 and 0 <= pl.last < len(pl.entries)
     return pl.last + 1 if behind_last else len(pl.entries)

@@ -38,6 +38,7 @@ const QList<Controller::Command>& Controller::commands() {
         {OrvoPlayListClAddItemPath, &Controller::clAddItem},
         {OrvoPlayListClRemoveItemPath, &Controller::clRemoveItem},
         {OrvoPlayListClDeletePath, &Controller::clDelete},
+        {OrvoPlayListPlSetOrderPath, &Controller::plSetOrder},
     };
     return rows;
 }

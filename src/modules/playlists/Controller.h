@@ -19,7 +19,7 @@ class PlayListManager;
 class PlayListWorker;
 class TextBudget;
 
-// Runs the module's sixteen commands: recognises the path, checks the request, makes one change in
+// Runs the module's commands: recognises the path, checks the request, makes one change in
 // the model and answers with a result or with an error text for people. Made by the worker,
 // worker's thread only. The table of commands is in Controller.cpp, playlist commands in
 // ControllerPlayLists.cpp, collection commands in ControllerCollections.cpp, adding items in
@@ -97,6 +97,7 @@ private:
     bool plClearItems(CMSetDataRequest request, QString& msg);
     bool plRemoveItems(CMSetDataRequest request, QString& msg);
     bool plMoveItems(CMSetDataRequest request, QString& msg);
+    bool plSetOrder(CMSetDataRequest request, QString& msg);
     bool plPlay(CMSetDataRequest request, QString& msg);
 
     bool clCreate(CMSetDataRequest request, QString& msg, int& id);

@@ -302,6 +302,40 @@ bool Controller::plMoveItems(CMSetDataRequest request, QString& msg) {
     return true;
 }
 
+bool Controller::plSetOrder(CMSetDataRequest request, QString& msg) {
+    CM_ENTER(moduleLog());
+    const OrvoPlayListPlSetOrder args(request.value().toHash());
+    const int plid = args.plid();
+    const QList<int> order = args.order();
+    const QString prefix = CONTROLLER_TEXT("Could not set order of playlist.");
+    if (!checkPlayListId(plid, prefix, msg)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Cannot set order of invalid playlist id: " << plid);
+        return false;
+    }
+    PlayListBase* pl = m_manager->getPlayListByUid(plid);
+    if (!checkPlayList(pl, plid, prefix, msg)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
+        return false;
+    }
+    if (!checkRevision(request, pl, prefix, msg))
+        return false;
+    if (!args.containsOrder() || !pl->isOrder(order)) {
+        LOG4CPLUS_ERROR(moduleLog(),
+                        "Order of playlist id: " << plid << " must name every position once");
+        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Please name every position once."),
+                          OrvoPlayListPlSetOrder::Order());
+        return false;
+    }
+    if (!pl->setOrder(order)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Set order of playlist id: " << plid << " failed");
+        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Set order failed"));
+        return false;
+    }
+    LOG4CPLUS_INFO(moduleLog(), "Order of playlist id: " << plid << " set successfully");
+    msg = buildOkMsg(CONTROLLER_TEXT("Order of playlist set successfully."), pl->getName());
+    return true;
+}
+
 bool Controller::plPlay(CMSetDataRequest request, QString& msg) {
     CM_ENTER(moduleLog());
     const int plid = OrvoPlayListPlId(request.value().toHash()).plid();

@@ -337,6 +337,23 @@ bool PlayList::reorder(int first, const QVector<int>& order, int lastPlayed) {
     return true;
 }
 
+bool PlayList::setOrder(const QList<int>& order) {
+    CM_ENTER_ARGS(moduleLog(), "order.size()=" << order.size());
+    {
+        QMutexLocker lock(&m_mutex);
+        catchUp();
+        if (!isOrder(order))
+            return false;
+        if (std::is_sorted(order.cbegin(), order.cend()))
+            return true;
+        const int played = order.indexOf(m_record.lastPlayedIndex);
+        if (!reorder(0, order.toVector(), played >= 0 ? played : m_record.lastPlayedIndex))
+            return false;
+    }
+    tell(&PlayList::itemsReordered, order);
+    return true;
+}
+
 bool PlayList::clearItems() {
     CM_ENTER(moduleLog());
     {

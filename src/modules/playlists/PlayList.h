@@ -38,6 +38,7 @@ public:
     int removeItems(const QList<int>& indices) override;
     bool moveItem(int from, int to) override;
     bool moveItems(QList<int> indices, int to) override;
+    bool setOrder(const QList<int>& order) override;
     bool clearItems() override;
 
     OrvoRoles itemToOrvoRoles(const OrvoPlayListItem& item) const override;

@@ -71,6 +71,11 @@ public:
     // All of them move or none. Then itemMoved comes for each, as if they had moved one after the
     // other.
     virtual bool moveItems(QList<int> indices, int to) = 0;
+    // Gives all entries a new order: order[i] is the present position of the entry that comes to
+    // stand at i. a b c d, order 3 0 1 2: d a b c. False, and nothing changed, unless it names
+    // every position once.
+    virtual bool setOrder(const QList<int>& order) = 0;
+    bool isOrder(const QList<int>& order) const;
     virtual bool clearItems() = 0;
 
     // The roles of one item, as user interfaces and the player get them. The value is the item's
@@ -100,6 +105,8 @@ Q_SIGNALS:
     void shuffleChanged(bool newValue);
     void repeatAllChanged(bool newValue);
     void nameChanged(const QString& name);
+    // As setOrder() was given it. Not sent for moved entries.
+    void itemsReordered(const QList<int>& order);
 
 protected:
     // How every signal leaves.

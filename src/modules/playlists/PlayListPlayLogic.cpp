@@ -46,6 +46,8 @@ void PlayListPlayLogic::connectCurrentPlayList() {
               &PlayListPlayLogic::on_currentPlayList_cleared);
     cmConnect(m_currentPlayList, &PlayListBase::itemMoved, this,
               &PlayListPlayLogic::on_currentPlayList_itemMoved);
+    cmConnect(m_currentPlayList, &PlayListBase::itemsReordered, this,
+              &PlayListPlayLogic::on_currentPlayList_itemsReordered);
     cmConnect(m_currentPlayList, &PlayListBase::itemsAdded, this,
               &PlayListPlayLogic::on_currentPlayList_itemsAdded);
     cmConnect(m_currentPlayList, &PlayListBase::itemsRemoved, this,
@@ -61,6 +63,8 @@ void PlayListPlayLogic::disconnectCurrentPlayList() {
                  &PlayListPlayLogic::on_currentPlayList_cleared);
     cmDisconnect(m_currentPlayList, &PlayListBase::itemMoved, this,
                  &PlayListPlayLogic::on_currentPlayList_itemMoved);
+    cmDisconnect(m_currentPlayList, &PlayListBase::itemsReordered, this,
+                 &PlayListPlayLogic::on_currentPlayList_itemsReordered);
     cmDisconnect(m_currentPlayList, &PlayListBase::itemsAdded, this,
                  &PlayListPlayLogic::on_currentPlayList_itemsAdded);
     cmDisconnect(m_currentPlayList, &PlayListBase::itemsRemoved, this,

@@ -71,6 +71,7 @@ private Q_SLOTS:
     void on_currentPlayList_itemsAdded(const QString& positionStr, int firstSeqNum, int count);
     void on_currentPlayList_itemsRemoved(const QList<int>& indices, int lastSeqNumBeforeRemove);
     void on_currentPlayList_itemMoved(int from, int to);
+    void on_currentPlayList_itemsReordered(const QList<int>& order);
     void on_currentPlayList_shuffleChanged(bool newValue);
     void on_currentPlayList_repeatAllChanged(bool newValue);
 
@@ -87,6 +88,9 @@ private:
     // for gone.
     template <typename Moved>
     void followCurrentTrack(Moved moved);
+    // Tells the player of its next item anew where the one that it knows is no longer next. Under
+    // shuffle, and with repeat one, an edit never changes what comes next.
+    void announceAnew();
     // `indices` are ascending.
     void removeFromShuffle(const QList<int>& indices);
 

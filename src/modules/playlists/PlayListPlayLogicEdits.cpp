@@ -169,6 +169,33 @@ void PlayListPlayLogic::on_currentPlayList_itemMoved(int from, int to) {
     updateSequenceNumberInData();
 }
 
+void PlayListPlayLogic::on_currentPlayList_itemsReordered(const QList<int>& order) {
+    CM_ENTER_ARGS(playLogicLog(), "order.size()=" << order.size());
+    QVector<int> placeOf(order.size());
+    for (int i = 0; i < order.size(); ++i)
+        placeOf[order.at(i)] = i;
+    const auto moved = [&placeOf](int seqNum) { return placeOf.value(seqNum, seqNum); };
+    if (m_shuffleEnabled)
+        std::transform(m_shuffleSeq.begin(), m_shuffleSeq.end(), m_shuffleSeq.begin(), moved);
+    followCurrentTrack(moved);
+    updateSequenceNumberInData();
+    announceAnew();
+}
+
+void PlayListPlayLogic::announceAnew() {
+    if (!m_nextMediaPrepared || m_shuffleEnabled || m_repeatMode == RepeatOne)
+        return;
+    const OrvoValue announced = m_currentTrackRoles.value();
+    const int playing = m_currentPlayList->getLastSequenceNumber();
+    int next = playing + 1;
+    if (next >= m_currentPlayList->getSize())
+        next = m_repeatMode == RepeatAll ? 0 : Gone;
+    const int known = announced.containsI32_() ? announced.i32() : Gone;
+    // The playing item itself: a play command is on its way, and the player asks again after it.
+    if (known != next && known != playing)
+        prepareNextMedia();
+}
+
 void PlayListPlayLogic::on_currentPlayList_shuffleChanged(bool newValue) {
     if (newValue == m_shuffleEnabled)
         return;

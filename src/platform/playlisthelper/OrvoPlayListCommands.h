@@ -67,6 +67,13 @@ public:
     ORVO_ATTRIBUTE(QList<int>, items, Items, "items")
 };
 
+// Every present position once, in the new order.
+class OrvoPlayListPlSetOrder : public OrvoPlayListPlId {
+public:
+    using OrvoPlayListPlId::OrvoPlayListPlId;
+    ORVO_ATTRIBUTE(QList<int>, order, Order, "order")
+};
+
 // Items by path: each element of `items` is the path of something that its module can prepare. No
 // items: the whole playlist `fromPlid`.
 class OrvoPlayListPlAddItems : public OrvoPlayListPlId {

@@ -34,6 +34,7 @@
     X(OrvoPlayListPlAddItemsPath, "playlists:pl/addItems")                                         \
     X(OrvoPlayListPlAddExternalItemsPath, "playlists:pl/addExternalItems")                         \
     X(OrvoPlayListPlMoveItemspath, "playlists:pl/moveItems")                                       \
+    X(OrvoPlayListPlSetOrderPath, "playlists:pl/setOrder")                                         \
     X(OrvoPlayListClCreatePath, "playlists:cl/create")                                             \
     X(OrvoPlayListClAddItemPath, "playlists:cl/addItem")                                           \
     X(OrvoPlayListClRemoveItemPath, "playlists:cl/removeItem")                                     \

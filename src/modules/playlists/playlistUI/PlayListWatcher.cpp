@@ -18,6 +18,8 @@ PlayListWatcher::PlayListWatcher(QObject* parent, CMSubscribe* subscribe, PlayLi
       m_node(node) {
     // The last signal of the class first: the table of a sender's connections grows by what it is
     // connected to, and each growth leaves the smaller one behind, of every playlist.
+    cmConnect(m_playlist, &PlayListBase::itemsReordered, this,
+              &PlayListWatcher::on_items_reordered);
     cmConnect(m_playlist, &PlayListBase::nameChanged, this,
               &PlayListWatcher::on_playlistName_changed);
     cmConnect(m_playlist, &PlayListBase::repeatAllChanged, this,
@@ -71,6 +73,10 @@ void PlayListWatcher::on_items_moved(int, int) {
     const qint64 revision = m_playlist->getRevision();
     if (std::exchange(m_movedRevision, revision) == revision)
         return;
+    on_items_reordered();
+}
+
+void PlayListWatcher::on_items_reordered() {
     restartPlayListView(m_plid);
     m_subscribe->changedStartingWith(OrvoPlayListPlTrackContextPath(),
                                      CMSubscribe::RowsChangeReset(), -1);

@@ -24,6 +24,7 @@ private Q_SLOTS:
     void on_items_added(const QString& position, int firstSeqNum, int count);
     void on_items_removed(const QList<int>& items, int seqNumber);
     void on_items_moved(int from, int to);
+    void on_items_reordered();
     void on_items_cleared();
     void on_playlist_changed(bool newValue);
     void on_playlistName_changed(const QString& name);

@@ -47,22 +47,36 @@ private:
 
     // An operation that stands here twice comes twice as often.
     static const QVector<Operation>& operations() {
-        static const QVector<Operation> all = {
-            &Sequence::create,        &Sequence::create,
-            &Sequence::rename,        &Sequence::shuffle,
-            &Sequence::repeat,        &Sequence::remove,
-            &Sequence::clear,         &Sequence::removeItems,
-            &Sequence::removeItems,   &Sequence::moveItems,
-            &Sequence::moveItems,     &Sequence::moveItems,
-            &Sequence::addExternal,   &Sequence::addExternal,
-            &Sequence::addExternal,   &Sequence::addPaths,
-            &Sequence::addPaths,      &Sequence::addPaths,
-            &Sequence::merge,         &Sequence::play,
-            &Sequence::prepare,       &Sequence::createCollection,
-            &Sequence::addMember,     &Sequence::addMember,
-            &Sequence::removeMember,  &Sequence::deleteCollection,
-            &Sequence::answerPending, &Sequence::answerPending,
-            &Sequence::startAnew};
+        static const QVector<Operation> all = {&Sequence::create,
+                                               &Sequence::create,
+                                               &Sequence::rename,
+                                               &Sequence::shuffle,
+                                               &Sequence::repeat,
+                                               &Sequence::remove,
+                                               &Sequence::clear,
+                                               &Sequence::removeItems,
+                                               &Sequence::removeItems,
+                                               &Sequence::setOrder,
+                                               &Sequence::moveItems,
+                                               &Sequence::moveItems,
+                                               &Sequence::moveItems,
+                                               &Sequence::addExternal,
+                                               &Sequence::addExternal,
+                                               &Sequence::addExternal,
+                                               &Sequence::addPaths,
+                                               &Sequence::addPaths,
+                                               &Sequence::addPaths,
+                                               &Sequence::merge,
+                                               &Sequence::play,
+                                               &Sequence::prepare,
+                                               &Sequence::createCollection,
+                                               &Sequence::addMember,
+                                               &Sequence::addMember,
+                                               &Sequence::removeMember,
+                                               &Sequence::deleteCollection,
+                                               &Sequence::answerPending,
+                                               &Sequence::answerPending,
+                                               &Sequence::startAnew};
         return all;
     }
 
@@ -207,6 +221,19 @@ private:
         const int to = oneIn(12) ? below(size + 3) - 1 : below(std::max(size, 1));
         expect(m_model.moveItems(id.number, items, to), OrvoPlayListPlMoveItemspath(),
                {{"plid", id.sent}, {"to", to}, {"items", asList(items)}});
+    }
+    void setOrder() {
+        const Id id = playListId();
+        QList<int> order;
+        for (int i = 0; i < sizeOf(id.number); ++i)
+            order.append(i);
+        std::shuffle(order.begin(), order.end(), m_random);
+        if (oneIn(8))
+            order.append(below(order.size() + 1));
+        if (!order.isEmpty() && oneIn(8))
+            order[below(order.size())] = below(order.size());
+        expect(m_model.setOrder(id.number, order), OrvoPlayListPlSetOrderPath(),
+               {{"plid", id.sent}, {"order", asList(order)}});
     }
     void play() {
         const Id id = playListId();

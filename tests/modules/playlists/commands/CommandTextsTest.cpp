@@ -63,6 +63,11 @@ TEST_F(CommandTextsTest, successesAreTracedAndLogged) {
          {{"plid", 1}, {"to", 2}, {"items", QVariantList{0, 1}}},
          "msg: 2 Items removed successfully from playlist. (Party)",
          {"Items in playlist id: 1 moved successfully to position: 2"}},
+        {"order",
+         OrvoPlayListPlSetOrderPath,
+         {{"plid", 1}, {"order", QVariantList{2, 1, 0}}},
+         "msg: Order of playlist set successfully. (Party)",
+         {"Order of playlist id: 1 set successfully"}},
         {"play",
          OrvoPlayListPlPlayPath,
          {{"plid", 1}},
@@ -161,8 +166,9 @@ TEST_F(CommandTextsTest, everyHandlerTracesItsEntry) {
         {OrvoPlayListClAddItemPath, "clAddItem"},
         {OrvoPlayListClRemoveItemPath, "clRemoveItem"},
         {OrvoPlayListClDeletePath, "clDelete"},
+        {OrvoPlayListPlSetOrderPath, "plSetOrder"},
     };
-    ASSERT_EQ(16, handlers.size());
+    ASSERT_EQ(17, handlers.size());
     for (const auto& [path, handler] : handlers) {
         const LogCapture log("PlayLists");
         send(path(), QVariant());

@@ -19,6 +19,7 @@ const QList<CMPath (*)()>& commandPaths() {
         OrvoPlayListPlAddExternalItemsPath, OrvoPlayListPlMoveItemspath,
         OrvoPlayListClCreatePath,           OrvoPlayListClAddItemPath,
         OrvoPlayListClRemoveItemPath,       OrvoPlayListClDeletePath,
+        OrvoPlayListPlSetOrderPath,
     };
     return all;
 }
@@ -41,8 +42,8 @@ protected:
     }
 };
 
-TEST_F(DispatchTest, sixteenPathsAreCommandsAndAnswerEvenToNothing) {
-    ASSERT_EQ(16, commandPaths().size());
+TEST_F(DispatchTest, seventeenPathsAreCommandsAndAnswerEvenToNothing) {
+    ASSERT_EQ(17, commandPaths().size());
     for (const auto path : commandPaths()) {
         for (const QVariant& value :
              {QVariant(), QVariant("text"), QVariant(5), QVariant(QVariantList{1, "x"}),
@@ -64,7 +65,7 @@ TEST_F(DispatchTest, everyOtherPathIsLeftUnanswered) {
     QStringList commands;
     for (const auto path : commandPaths())
         commands.append(path().toString());
-    ASSERT_EQ(16, QSet<QString>(commands.begin(), commands.end()).size());
+    ASSERT_EQ(17, QSet<QString>(commands.begin(), commands.end()).size());
     int others = 0;
     for (const OrvoPathRow& row : orvoPlayListPaths()) {
         if (commands.contains(row.path))
@@ -75,7 +76,7 @@ TEST_F(DispatchTest, everyOtherPathIsLeftUnanswered) {
         EXPECT_FALSE(handled.accepted) << row.function;
         EXPECT_FALSE(handled.reply.isFinished()) << row.function;
     }
-    EXPECT_EQ(orvoPlayListPaths().size() - 16, others);
+    EXPECT_EQ(orvoPlayListPaths().size() - 17, others);
     for (const char* path :
          {"playlists:pl/items/1", "playlists:pl", "playlists:", "files:pl/create", "", "pl/create"})
         EXPECT_FALSE(handle(CMPath(QString(path)), QVariantHash{{"name", "x"}}).accepted) << path;

@@ -139,6 +139,26 @@ bool PropertyModel::moveItems(int plid, const QList<int>& positions, int to) {
     return true;
 }
 
+bool PropertyModel::setOrder(int plid, const QList<int>& order) {
+    if (!playLists.contains(plid))
+        return false;
+    PlayList& pl = playLists[plid];
+    QList<int> sorted = order;
+    std::sort(sorted.begin(), sorted.end());
+    QList<int> all;
+    QStringList titles;
+    for (int i = 0; i < pl.titles.size(); ++i) {
+        all.append(i);
+        titles.append(pl.titles.value(order.value(i, -1)));
+    }
+    if (sorted != all)
+        return false;
+    pl.titles = titles;
+    if (order.contains(pl.lastPlayed))
+        pl.lastPlayed = order.indexOf(pl.lastPlayed);
+    return true;
+}
+
 int PropertyModel::addItems(int plid, const QStringList& titles, int mode) {
     if (titles.isEmpty() || !playLists.contains(plid))
         return 0;

@@ -45,6 +45,7 @@ public:
     bool clear(int plid);
     bool removeItems(int plid, const QList<int>& positions);
     bool moveItems(int plid, const QList<int>& positions, int to);
+    bool setOrder(int plid, const QList<int>& order);
     bool canPlay(int plid) const {
         return playLists.contains(plid) && !playLists[plid].titles.isEmpty();
     }

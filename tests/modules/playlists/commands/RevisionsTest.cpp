@@ -31,6 +31,10 @@ protected:
     static QList<Edit> edits(int plid) {
         const QVariantList first{0};
         return {
+            {"order",
+             OrvoPlayListPlSetOrderPath,
+             {{"plid", plid}, {"order", QVariantList{2, 0, 1}}},
+             "Could not set order of playlist."},
             {"add",
              OrvoPlayListPlAddExternalItemsPath,
              {{"plid", plid}, {"items", itemHashes({"d"})}},

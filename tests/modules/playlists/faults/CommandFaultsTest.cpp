@@ -26,7 +26,7 @@ private:
     Controller m_controller;
 };
 
-// All sixteen commands: the answer, and what became of memory and file.
+// All commands: the answer, and what became of memory and file.
 class CommandFaultsTest : public FaultSweep {
 protected:
     CommandFaultsTest() : m_root(std::make_unique<CMRootWorker>()) {}
@@ -134,6 +134,12 @@ TEST_F(CommandFaultsTest, entries) {
     sweepCommand("pl/moveItems", OrvoPlayListPlMoveItemspath,
                  QVariantHash{{"plid", 1}, {"to", 5}, {"items", QVariantList{4}}},
                  {done(), refused("Could not move items in playlist. Move items failed")});
+    sweepCommand("pl/moveItems, several", OrvoPlayListPlMoveItemspath,
+                 QVariantHash{{"plid", 1}, {"to", 5}, {"items", QVariantList{1, 3}}},
+                 {done(), refused("Could not move items in playlist. Move items failed")});
+    sweepCommand("pl/setOrder", OrvoPlayListPlSetOrderPath,
+                 QVariantHash{{"plid", 1}, {"order", QVariantList{5, 4, 3, 2, 1, 0}}},
+                 {done(), refused("Could not set order of playlist. Set order failed")});
 }
 
 TEST_F(CommandFaultsTest, adding) {

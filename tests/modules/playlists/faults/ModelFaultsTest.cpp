@@ -151,6 +151,14 @@ TEST_F(ModelFaultsTest, moving) {
               {done("true|itemMoved 0 5, itemMoved 0 5"), refused("false|")});
 }
 
+TEST_F(ModelFaultsTest, ordering) {
+    sweepEdit("PlayList::setOrder",
+              [this] {
+                  return pl().setOrder({3, 1, 2, 5, 0, 4});
+              },
+              {done("true|itemsReordered 3,1,2,5,0,4"), refused("false|")});
+}
+
 TEST_F(ModelFaultsTest, clearing) {
     // Without their items, and without a signal: deliberate.
     sweepEdit(

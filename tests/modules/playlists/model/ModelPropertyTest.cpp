@@ -28,6 +28,7 @@ private:
     void removeItems();
     void moveItem();
     void moveItems();
+    void setOrder();
     void clearItems();
     void setLast();
     void setModes();
@@ -71,6 +72,7 @@ const QList<ModelPropertyTest::Step>& ModelPropertyTest::steps() {
         {"remove", 5, &T::removeItems},
         {"move", 5, &T::moveItem},
         {"moveItems", 5, &T::moveItems},
+        {"setOrder", 3, &T::setOrder},
         {"clear", 1, &T::clearItems},
         {"setLast", 4, &T::setLast},
         {"modes", 1, &T::setModes},
@@ -159,6 +161,20 @@ void ModelPropertyTest::moveItems() {
         followed.move(words.value(2).toInt(), words.value(3).toInt());
     }
     EXPECT_EQ(list.entries, followed);
+}
+
+void ModelPropertyTest::setOrder() {
+    PlainList& list = pickList();
+    QList<int> order;
+    for (int i = 0; i < list.entries.size(); ++i)
+        order.append(i);
+    if (!oneIn(8))
+        std::shuffle(order.begin(), order.end(), m_random);
+    if (!order.isEmpty() && oneIn(6))
+        order[pick(0, order.size() - 1)] = pick(-1, order.size());
+    note(QString("order %1 of %2").arg(::testing::PrintToString(order).c_str()).arg(list.uid));
+    const PlainModel::Outcome expected = PlainModel::setOrder(list, order);
+    expectOutcome(expected, real(list).setOrder(order));
 }
 
 void ModelPropertyTest::clearItems() {

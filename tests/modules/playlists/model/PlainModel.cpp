@@ -115,6 +115,21 @@ PlainModel::Outcome PlainModel::moveSeveral(PlainList& list, const QList<int>& i
     return {1, {}};
 }
 
+PlainModel::Outcome PlainModel::setOrder(PlainList& list, const QList<int>& order) {
+    QStringList entries;
+    for (int position : order)
+        entries.append(list.entries.value(position));
+    const QSet<int> named(order.begin(), order.end());
+    if (named.size() != order.size() || order.size() != list.entries.size() ||
+        QSet<QString>(entries.begin(), entries.end()) !=
+            QSet<QString>(list.entries.begin(), list.entries.end()))
+        return {0, {}};
+    if (entries == list.entries)
+        return {1, {}};
+    list.rearrange(entries);
+    return {1, {origin(list) + QStringLiteral("itemsReordered ") + numbers(order)}};
+}
+
 PlainModel::Outcome PlainModel::clear(PlainList& list) {
     if (list.entries.isEmpty())
         return {1, {}};

@@ -53,6 +53,7 @@ public:
     static Outcome move(PlainList& list, int from, int to);
     // Without what was heard: the single moves may come in any order that leads there.
     static Outcome moveSeveral(PlainList& list, const QList<int>& indices, int to);
+    static Outcome setOrder(PlainList& list, const QList<int>& order);
     static Outcome clear(PlainList& list);
     Outcome deleteList(int index);
     void restart();

@@ -32,6 +32,9 @@ void SignalLog::watch(PlayListBase* pl, const QString& origin) {
     connect(pl, &Pl::itemMoved, this, [=, this](int from, int to) {
         add(origin, {"itemMoved", text(from), text(to)});
     });
+    connect(pl, &Pl::itemsReordered, this, [=, this](const QList<int>& order) {
+        add(origin, {"itemsReordered", text(order)});
+    });
     connect(pl, &Pl::itemsCleared, this, [=, this] { add(origin, {"itemsCleared"}); });
     connect(pl, &Pl::shuffleChanged, this, [=, this](bool value) {
         add(origin, {"shuffleChanged", text(value)});

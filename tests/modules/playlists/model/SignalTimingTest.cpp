@@ -37,6 +37,7 @@ void onAnySignal(PlayListBase& pl, const std::function<void()>& slot) {
     QObject::connect(&pl, &Pl::shuffleChanged, &pl, slot);
     QObject::connect(&pl, &Pl::repeatAllChanged, &pl, slot);
     QObject::connect(&pl, &Pl::nameChanged, &pl, slot);
+    QObject::connect(&pl, &Pl::itemsReordered, &pl, slot);
 }
 } // namespace
 
@@ -118,6 +119,11 @@ INSTANTIATE_TEST_SUITE_P(
         TimingRow{"move", [](PlayListBase& pl) { pl.moveItem(5, 0); }, "fabcde", 4, "list 0 0"},
         TimingRow{"moveItems", [](PlayListBase& pl) { pl.moveItems({3}, 1); }, "adbcef", 1,
                   "list 0 0"},
+        TimingRow{"setOrder",
+                  [](PlayListBase& pl) {
+                      pl.setOrder({5, 4, 3, 2, 1, 0});
+                  },
+                  "fedcba", 2, "list 0 0"},
         TimingRow{"clear", [](PlayListBase& pl) { pl.clearItems(); }, "", 3, "list 0 0"},
         TimingRow{"rename", [](PlayListBase& pl) { pl.setName("new"); }, "abcdef", 3, "new 0 0"},
         TimingRow{"shuffle", [](PlayListBase& pl) { pl.setShuffle(true); }, "abcdef", 3,

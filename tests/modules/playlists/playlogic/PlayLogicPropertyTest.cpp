@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <iostream>
 #include <random>
 
@@ -44,6 +45,13 @@ public:
         for (int i = below(4); i > 0; --i)
             indices.append(below(m_list->getSize()));
         m_list->moveItems(indices, below(m_list->getSize()));
+    }
+    void reorder() {
+        QList<int> order;
+        for (int i = 0; i < m_list->getSize(); ++i)
+            order.append(i);
+        std::shuffle(order.begin(), order.end(), m_random);
+        m_list->setOrder(order);
     }
     void clear() { m_list->clearItems(); }
     void goOn() { next(); }
@@ -167,6 +175,7 @@ TEST_F(PlayLogicPropertyTest, theOrderStaysAPermutationAndThePlayingItemItself) 
         {"remove", &T::removeOne},
         {"remove", &T::removeOne},
         {"remove", &T::removeOne},
+        {"reorder", &T::reorder},
         {"remove", &T::removeOne},
         {"next", &T::goOn},
         {"previous", &T::goBack},
@@ -221,6 +230,7 @@ TEST_F(PlayLogicPropertyTest, withEveryOddityNothingIsReadOutOfRange) {
         &T::moveOne,
         &T::moveOne,
         &T::moveSeveral,
+        &T::reorder,
         &T::clear,
         &T::goOn,
         &T::goOn,

@@ -80,6 +80,16 @@ TEST_F(PlayListWatcherTest, aMovedItemResetsTheListAndTheTrackMenus) {
     }
 }
 
+TEST_F(PlayListWatcherTest, anotherOrderResetsTheListAndTheTrackMenus) {
+    for (int uid : {0, createPlayList("Mix")}) {
+        plid = uid;
+        addItems(plid, {"a", "b", "c"});
+        EXPECT_EQ(editEvents(OrvoPlayListPlSetOrderPath, {{"order", QVariantList{2, 0, 1}}}),
+                  QStringList({listReset(), trackMenuReset}));
+        EXPECT_EQ(titles(plid), QStringList({"c", "a", "b"}));
+    }
+}
+
 TEST_F(PlayListWatcherTest, aClearedListIsReset) {
     for (int uid : {0, createPlayList("Mix")}) {
         plid = uid;
