@@ -53,7 +53,7 @@ class Mix:
         self._table = [
             (4, self._create), (3, self._rename), (2, self._shuffle), (2, self._repeat),
             (2, self._delete), (2, self._clear), (7, self._remove_items), (9, self._move_items), (6, self._set_order),
-            (9, self._add_external), (4, self._add_files), (4, self._add_entries),
+            (9, self._add_external), (6, self._add_at), (4, self._add_files), (4, self._add_entries),
             (3, self._merge), (2, self._play), (1, self._prepare), (2, self._create_collection),
             (1, self._delete_collection), (4, self._add_member), (2, self._remove_member),
             (1, self._refused), (1, self._vacuum)]
@@ -160,14 +160,30 @@ class Mix:
     def _mode(self):
         return self._rng.choice([NOW, AFTER_CURRENT, AFTER_CURRENT, APPEND, APPEND])
 
-    def _add_external(self, state):
-        uid, mode = self._list(state), self._mode()
+    def _external_items(self):
         items = []
         for _ in range(self._rng.choice([1, 3, 10, 40, 150])):
             self._number += 1
             item = external_item(self._number, self._silence_url)
             self._tracks[item["title"]] = item
             items.append(item)
+        return items
+
+    def _add_at(self, state):
+        uid, items = self._list(state), self._external_items()
+        size = len(state.lists[uid].entries)
+        if self._rng.random() < 0.5:
+            at = self._rng.randint(0, size)
+            places = [at + i for i in range(len(items))]
+        else:
+            at = places = sorted(self._rng.sample(range(size + len(items)), len(items)))
+        return single("addExternalItems at", "pl/addExternalItems",
+                      {"plid": uid, "items": items, "at": at},
+                      model.add_items_at(state, uid, [item["title"] for item in items], places))
+
+    def _add_external(self, state):
+        uid, mode = self._list(state), self._mode()
+        items = self._external_items()
         titles = [item["title"] for item in items]
         return self._added("addExternalItems", "pl/addExternalItems", {"items": items}, uid, mode,
                            model.add_items(state, uid, titles, mode))

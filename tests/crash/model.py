@@ -153,6 +153,18 @@ def add_items(state, uid, titles, mode):
     return [state, state.changed(uid, entries=entries)]
 
 
+def add_items_at(state, uid, titles, places):
+    """All at once, each at its place, with the last played number."""
+    pl = state.lists[uid]
+    entries = list(pl.entries)
+    last = pl.last
+    for place, entry in zip(places, state.new_items(titles)):
+        entries.insert(place, entry)
+        if 0 <= pl.last < len(pl.entries) and place <= last:
+            last += 1
+    return [state, state.changed(uid, entries=tuple(entries), last=last)]
+
+
 def merge(state, source, target, mode):
     """The tracks are added to the target, then the source goes as a deleted playlist does. The
     play queue, and a playlist that is its own target, stay."""

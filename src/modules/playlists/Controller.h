@@ -11,6 +11,7 @@
 #include "OrvoPlayListEnums.h"
 #include "OrvoPlayListItem.h"
 #include "PlayListLimits.h"
+#include "WantedPlaces.h"
 
 class CollectionBase;
 class ItemsCheck;
@@ -62,7 +63,8 @@ public:
     // Validates all items, then adds them. Returns how many were added, -1 with a reason in `msg`
     // otherwise.
     int addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
-                           OrvoPlayListAddPosition::Enum mode, QString* msg);
+                           OrvoPlayListAddPosition::Enum mode, QString* msg,
+                           const WantedPlaces& wanted = {});
     // Asks the player to play the playlist from this item on.
     void tryStartItem(const OrvoPlayListItem& item, const PlayListBase* pl, int seqIndex);
 
@@ -86,6 +88,9 @@ private:
         OrvoPlayListAddPosition::Enum mode = OrvoPlayListAddPosition::Append;
         bool wholePlaylist = false;
         int requested = 0;
+        WantedPlaces wanted;
+        // With one place for each item: how many each reply is to have.
+        QList<int> itemsPerReply;
         std::shared_ptr<CMSetDataRequest> request;
     };
 
@@ -110,6 +115,8 @@ private:
     bool plAddExternalItems(CMSetDataRequest request, QString& msg);
     // The names ("Replays") are historical and kept.
     static QList<OrvoPlayListItem> itemsFromAllReplays(const CMRequestGroup* group);
+    // Where each item has its place, each path must have given one item.
+    static bool haveOneEach(const CMRequestGroup* group, const QList<int>& itemsPerReply);
     static bool hasTooManyItems(const CMRequestGroup* group);
     bool appendItemPaths(PlayListBase* source, QList<CMPath>* paths) const;
     // Finishes at once for a few items; many are checked between other requests.
@@ -123,7 +130,12 @@ private:
     int addItemsFromAllReplays(const ReqGroupProperties& props, const ItemsCheck& check,
                                QString* msg);
     int addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
-                        OrvoPlayListAddPosition::Enum mode, QString* msg);
+                        OrvoPlayListAddPosition::Enum mode, QString* msg,
+                        const WantedPlaces& wanted);
+    static bool readPlaces(const CMSetDataRequest& request, const QString& prefix,
+                           WantedPlaces* wanted, QString& msg);
+    static int addAtPlaces(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
+                           const WantedPlaces& wanted, QString* msg);
     bool startFirstNewItem(PlayListBase* pl, int added, const QString& failure,
                            const QString& prefix, QString& msg);
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <functional>
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -43,6 +44,14 @@ QString listText(const QList<OrvoPlayListItem>& items) {
 QString tooManyMessage(const QString& prefix) {
     return Controller::buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."),
                                    CONTROLLER_TEXT("Too many items at once."));
+}
+
+QString oneEachText() {
+    return CONTROLLER_TEXT("Please give one position for each item.");
+}
+
+QString ownPrefix() {
+    return OrvoPlayListItemPath().prefix();
 }
 
 // The place that the store chose for the first of `added` new items after the last played one.
@@ -117,6 +126,11 @@ void Controller::plAddItems(CMSetDataRequest request) {
         return;
     }
 
+    if (!readPlaces(request, prefix, &props.wanted, msg)) {
+        setReply(request, false, msg);
+        return;
+    }
+
     QList<CMPath> paths;
     const QVariantList items = args.items();
     paths.reserve(items.size());
@@ -146,26 +160,43 @@ void Controller::plAddItems(CMSetDataRequest request) {
         return;
     }
 
+    const bool oneEach = props.wanted.kind == WantedPlaces::Kind::OneEach;
+    if (oneEach && props.wanted.positions.size() != paths.size()) {
+        setReply(request, false,
+                 buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."), oneEachText()));
+        return;
+    }
+
+    // Where all paths of a module are asked for together, a folder's tracks, or a path that names
+    // nothing, would give the items behind it the places of others. This module's own paths give
+    // one item each.
+    QList<QPair<QString, QStringList>> calls;
+    QHash<QString, int> callOfPrefix; // those in the order first seen
+    for (const CMPath& path : qAsConst(paths)) {
+        const QString owner = path.prefix();
+        const bool joins =
+            oneEach ? !calls.isEmpty() && calls.last().first == owner && owner == ownPrefix()
+                    : callOfPrefix.contains(owner);
+        if (!joins) {
+            callOfPrefix.insert(owner, calls.size());
+            calls.append({owner, {}});
+        }
+        calls[callOfPrefix.value(owner)].second.append(path.toString());
+    }
+    for (int i = 0; oneEach && i < calls.size(); ++i)
+        props.itemsPerReply.append(calls.at(i).second.size());
+
     auto* group = new CMRequestGroup(this);
     props.requested = paths.size();
     props.request = std::make_shared<CMSetDataRequest>(request);
     m_ReqGroupPropertiesHash.insert(group, props);
     cmConnect(group, &CMRequestGroup::finished, this, &Controller::on_prepareItemsGroup_finished);
 
-    QStringList prefixes; // in the order first seen
-    QHash<QString, QStringList> pathsByPrefix;
-    for (const CMPath& path : qAsConst(paths)) {
-        QStringList& ofPrefix = pathsByPrefix[path.prefix()];
-        if (ofPrefix.isEmpty())
-            prefixes.append(path.prefix());
-        ofPrefix.append(path.toString());
-    }
-    for (const QString& owner : qAsConst(prefixes)) {
-        const QStringList& ofPrefix = pathsByPrefix[owner];
+    for (const QPair<QString, QStringList>& call : qAsConst(calls)) {
         LOG4CPLUS_DEBUG(moduleLog(),
-                        "requestPrefix: " << owner << " call: " << OrvoPlayListPrepareItems());
-        LOG4CPLUS_TRACE(moduleLog(), "items: " << ofPrefix);
-        group->addInvoke(OrvoPlayListPrepareItems(), CMPath::fromPrefix(owner), ofPrefix);
+                        "requestPrefix: " << call.first << " call: " << OrvoPlayListPrepareItems());
+        LOG4CPLUS_TRACE(moduleLog(), "items: " << call.second);
+        group->addInvoke(OrvoPlayListPrepareItems(), CMPath::fromPrefix(call.first), call.second);
     }
     group->checkAndCallCallback();
 }
@@ -206,7 +237,23 @@ void Controller::on_prepareItemsGroup_finished() {
         setReply(*props.request, false, tooManyMessage(prefix));
         return;
     }
+    if (!haveOneEach(group, props.itemsPerReply)) {
+        const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
+        setReply(*props.request, false,
+                 buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."), oneEachText()));
+        return;
+    }
     checkInSlices(props, std::make_shared<ItemsCheck>(items, m_limits));
+}
+
+bool Controller::haveOneEach(const CMRequestGroup* group, const QList<int>& itemsPerReply) {
+    const QList<CMReply<QVariant>> replies = group->getReplyList();
+    for (int i = 0; i < itemsPerReply.size(); ++i) {
+        const CMReply<QVariant>& reply = replies.at(i);
+        if (reply.isError() || reply.value().toList().size() != itemsPerReply.at(i))
+            return false;
+    }
+    return true;
 }
 
 void Controller::checkInSlices(const ReqGroupProperties& props,
@@ -331,18 +378,20 @@ int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, const It
                QStringLiteral(" (%1)").arg(props.plid);
         return -1;
     }
-    return addCheckedItems(pl, check, props.mode, msg);
+    return addCheckedItems(pl, check, props.mode, msg, props.wanted);
 }
 
 int Controller::addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
-                                   OrvoPlayListAddPosition::Enum mode, QString* msg) {
+                                   OrvoPlayListAddPosition::Enum mode, QString* msg,
+                                   const WantedPlaces& wanted) {
     ItemsCheck check(items, m_limits);
     check.run(QDeadlineTimer(QDeadlineTimer::Forever));
-    return addCheckedItems(pl, check, mode, msg);
+    return addCheckedItems(pl, check, mode, msg, wanted);
 }
 
 int Controller::addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
-                                OrvoPlayListAddPosition::Enum mode, QString* msg) {
+                                OrvoPlayListAddPosition::Enum mode, QString* msg,
+                                const WantedPlaces& wanted) {
     const QList<OrvoPlayListItem>& items = check.items();
     LOG4CPLUS_TRACE(moduleLog(), "itemList: (" << listText(items) << ")");
     QList<OrvoPlayListItem> accepted;
@@ -372,8 +421,14 @@ int Controller::addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
         *msg = CONTROLLER_TEXT("No playitem found.");
         return -1;
     }
+    if (wanted.kind == WantedPlaces::Kind::OneEach && accepted.size() != items.size()) {
+        *msg = oneEachText();
+        return -1;
+    }
     const int sizeBefore = pl->getSize();
-    const int first = pl->addItems(mode, accepted);
+    const int first = wanted.kind == WantedPlaces::Kind::None
+                          ? pl->addItems(mode, accepted)
+                          : addAtPlaces(pl, accepted, wanted, msg);
     const int res = first < 0 ? first : pl->getSize() - sizeBefore;
     LOG4CPLUS_DEBUG(moduleLog(), "addItems() res: " << res);
     if (res == StoreIsFull) {
@@ -387,6 +442,57 @@ int Controller::addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
     *msg = CONTROLLER_TEXT("%1 items added.").arg(res);
     LOG4CPLUS_DEBUG(moduleLog(), "added " << res << " items");
     return res;
+}
+
+// `msg` says why the places cannot be taken.
+int Controller::addAtPlaces(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
+                            const WantedPlaces& wanted, QString* msg) {
+    const int size = pl->getSize();
+    ItemPlaces places;
+    places.positions = wanted.positions;
+    places.wholeOnly = wanted.kind == WantedPlaces::Kind::OneEach;
+    if (places.wholeOnly && wanted.positions.size() != items.size()) {
+        *msg = oneEachText();
+        return -1;
+    }
+    if (wanted.positions.last() < size + items.size()) {
+        while (places.positions.size() < items.size())
+            places.positions.append(places.positions.last() + 1);
+    }
+    if (!places.fit(size, items.size())) {
+        LOG4CPLUS_ERROR(moduleLog(), "Position is not in valid range");
+        *msg = CONTROLLER_TEXT("Position is not in valid range.");
+        return -1;
+    }
+    return pl->addItemsAt(places, items);
+}
+
+bool Controller::readPlaces(const CMSetDataRequest& request, const QString& prefix,
+                            WantedPlaces* wanted, QString& msg) {
+    const OrvoPlayListPlAddItems args(request.value().toHash());
+    if (!args.containsAt())
+        return true;
+    const QVariant at = args.at();
+    const bool isList = at.type() == QVariant::List;
+    wanted->kind = isList ? WantedPlaces::Kind::OneEach : WantedPlaces::Kind::FromOneOn;
+    wanted->positions = isList ? OrvoAttribute<QList<int>>::read(at) : QList<int>{OrvoId::read(at)};
+    const QList<int>& positions = wanted->positions;
+    const bool areAscending = !positions.isEmpty() && positions.first() >= 0 &&
+                              std::adjacent_find(positions.cbegin(), positions.cend(),
+                                                 std::greater_equal<int>()) == positions.cend();
+    if (!areAscending) {
+        LOG4CPLUS_ERROR(moduleLog(), "Cannot add items at invalid positions");
+        msg =
+            buildErrMsg(prefix, CONTROLLER_TEXT("Invalid position."), OrvoPlayListPlAddItems::At());
+        return false;
+    }
+    if (args.containsMode() && args.mode() != OrvoPlayListAddPosition::Append) {
+        LOG4CPLUS_ERROR(moduleLog(), "Cannot add items at positions and by a mode");
+        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Positions go with the mode append only."),
+                          OrvoPlayListPlAddItems::Mode());
+        return false;
+    }
+    return true;
 }
 
 bool Controller::plAddExternalItems(CMSetDataRequest request, QString& msg) {
@@ -411,10 +517,11 @@ bool Controller::plAddExternalItems(CMSetDataRequest request, QString& msg) {
         LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
         return false;
     }
-    if (!checkRevision(request, pl, prefix, msg))
+    WantedPlaces wanted;
+    if (!checkRevision(request, pl, prefix, msg) || !readPlaces(request, prefix, &wanted, msg))
         return false;
     QString resultMsg;
-    const int added = addItemsToPlaylist(pl, items, mode, &resultMsg);
+    const int added = addItemsToPlaylist(pl, items, mode, &resultMsg, wanted);
     LOG4CPLUS_DEBUG(moduleLog(), "addItemsRes: " << added);
     if (added < 1) {
         LOG4CPLUS_ERROR(moduleLog(), "No items were added to playlist id: " << plid);

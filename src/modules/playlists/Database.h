@@ -12,6 +12,7 @@
 #include "BusyHandler.h"
 #include "CollectionRecord.h"
 #include "GivenNumbers.h"
+#include "ItemPlaces.h"
 #include "OrvoPlayListEnums.h"
 #include "OrvoPlayListItem.h"
 #include "PlayListRecord.h"
@@ -123,8 +124,11 @@ public:
     // receives how many were to be added; it is untouched when not even a transaction was to be
     // had.
     //   entries a b c d, lastPlayedIndex 1, items x y, AfterCurrent  ->  a b x y c d, returns 2
+    // With `places`, which fit: the items are appended and brought there, and the last played
+    // position follows its entry. LimitReached as well where only some fit and all are wanted.
     int addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum position,
-                 const QList<OrvoPlayListItem>& items, int* addedCount);
+                 const QList<OrvoPlayListItem>& items, int* addedCount,
+                 const ItemPlaces& places = {});
     // Inserts at free numbers from `sequenceNumber` on. Within the caller's transaction.
     bool addItemsFromSequenceNumber(const PlayListRecord& pl, const int& sequenceNumber,
                                     const QList<OrvoPlayListItem>& items);
@@ -213,6 +217,7 @@ private:
                                               const QList<int>& uids, TextBudget budget);
     int ownerOfItem(const QList<PlayListRecord>& playlists, const OrvoPlayListItem& item);
     int insertItem(const ItemTexts& item, int durationSeconds);
+    bool bringToPlaces(const PlayListRecord& pl, const QList<int>& positions);
     int removeItemsTransaction(const PlayListRecord& pl, const QList<int>& indices);
     bool renumberFrom(const PlayListRecord& pl, int first);
     bool cleanUnusedItems();

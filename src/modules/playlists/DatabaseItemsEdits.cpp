@@ -73,7 +73,8 @@ int Database::addItemsNextSequenceNumber(const PlayListRecord& pl,
 }
 
 int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum position,
-                       const QList<OrvoPlayListItem>& items, int* addedCount) {
+                       const QList<OrvoPlayListItem>& items, int* addedCount,
+                       const ItemPlaces& places) {
     Transaction transaction(*this, Transaction::Lock::AtOnce);
     CM_ENTER_ARGS(moduleLog(), "pl: " << pl.uid << " pl.size(): " << pl.size << " position: "
                                       << OrvoPlayListAddPosition::toString(position)
@@ -105,7 +106,7 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
         *addedCount = count;
     LOG4CPLUS_TRACE(moduleLog(), "dbItemsCount: " << dbItemsCount << ", addedItemsCount: " << count
                                                   << ", limit: " << m_itemsLimit);
-    if (count == 0) {
+    if (count == 0 || (places.wholeOnly && count < items.size())) {
         LOG4CPLUS_ERROR(moduleLog(), "Error adding playlist items: database reached limit!");
         return LimitReached;
     }
@@ -115,12 +116,34 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
         LOG4CPLUS_ERROR(moduleLog(), "Unable to move item block before adding items");
         first = Failed;
     }
-    if (first < 0 || !addItemsFromSequenceNumber(pl, first, itemsToAdd)) {
+    const QList<int> positions = places.positions.mid(0, count);
+    if (first < 0 || !addItemsFromSequenceNumber(pl, first, itemsToAdd) ||
+        !bringToPlaces(pl, positions)) {
         LOG4CPLUS_ERROR(moduleLog(), "Error adding items to list");
         return Failed;
     }
     transaction.commit();
-    return first;
+    return positions.isEmpty() ? first : positions.first();
+}
+
+// `pl` as it was before the items were appended.
+bool Database::bringToPlaces(const PlayListRecord& pl, const QList<int>& positions) {
+    if (positions.isEmpty())
+        return true;
+    PlayListRecord grown = pl;
+    grown.size += positions.size();
+    QVector<int> order;
+    order.reserve(grown.size);
+    int present = 0;
+    int added = 0;
+    for (int place = 0; place < grown.size; ++place) {
+        const bool isNew = added < positions.size() && positions.at(added) == place;
+        order.append(isNew ? pl.size + added++ : present++);
+    }
+    const int last = pl.lastPlayedIndex;
+    const bool isThere = last >= 0 && last < pl.size;
+    return reorderItemsTransaction(grown, 0, order,
+                                   isThere ? ItemPlaces::afterAdding(positions, last) : last);
 }
 
 bool Database::offsetItemsFromTransaction(const PlayListRecord& pl, int from, int count) {

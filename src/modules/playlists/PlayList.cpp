@@ -230,6 +230,31 @@ int PlayList::addItems(OrvoPlayListAddPosition::Enum position,
     return first;
 }
 
+int PlayList::addItemsAt(const ItemPlaces& places, const QList<OrvoPlayListItem>& items) {
+    CM_ENTER_ARGS(moduleLog(), "count=" << items.count());
+    QList<int> positions;
+    {
+        QMutexLocker lock(&m_mutex);
+        catchUp();
+        const int size = m_record.size;
+        if (!places.fit(size, items.size()))
+            return Database::Failed;
+        int added = 0;
+        const int first =
+            m_database->addItems(m_record, OrvoPlayListAddPosition::Append, items, &added, places);
+        if (first < 0)
+            return first;
+        if (!isCommitted(size + added))
+            return Database::Failed;
+        positions = places.positions.mid(0, added);
+        const int last = m_record.lastPlayedIndex;
+        if (last >= 0 && last < size)
+            takeLastPlayed(ItemPlaces::afterAdding(positions, last));
+    }
+    tell(&PlayList::itemsInserted, positions);
+    return positions.first();
+}
+
 int PlayList::removeItems(const QList<int>& indices) {
     CM_ENTER_ARGS(moduleLog(), "indices=" << joined(indices));
     // The store renumbers from the first index on: it relies on ascending order.
@@ -332,9 +357,13 @@ bool PlayList::reorder(int first, const QVector<int>& order, int lastPlayed) {
         return false;
     if (!isCommitted(m_record.size))
         return false;
+    takeLastPlayed(lastPlayed);
+    return true;
+}
+
+void PlayList::takeLastPlayed(int lastPlayed) {
     m_positionOwed = m_positionOwed && lastPlayed == m_record.lastPlayedIndex;
     m_record.lastPlayedIndex = lastPlayed;
-    return true;
 }
 
 bool PlayList::setOrder(const QList<int>& order) {

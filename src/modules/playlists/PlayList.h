@@ -35,6 +35,7 @@ public:
     QList<OrvoPlayListItem> getItems(int from, int to) override;
     int addItems(OrvoPlayListAddPosition::Enum position,
                  const QList<OrvoPlayListItem>& items) override;
+    int addItemsAt(const ItemPlaces& places, const QList<OrvoPlayListItem>& items) override;
     int removeItems(const QList<int>& indices) override;
     bool moveItem(int from, int to) override;
     bool moveItems(QList<int> indices, int to) override;
@@ -52,6 +53,8 @@ private:
     void followMovedItem(int from, int to);
     // Under the lock. The signals are the caller's.
     bool reorder(int first, const QVector<int>& order, int lastPlayed);
+    // What the store has written along with the order.
+    void takeLastPlayed(int lastPlayed);
     // Makes up for what the store refused before. Each use of the store begins with it; it does
     // nothing unless something is left to do.
     void catchUp();

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QObject>
 
+#include "ItemPlaces.h"
 #include "OrvoPlayListEnums.h"
 #include "OrvoPlayListItem.h"
 #include "OrvoRoles.h"
@@ -59,6 +60,8 @@ public:
     // full. How many were added (the limit may cut the list short) is what getSize() grew by.
     virtual int addItems(OrvoPlayListAddPosition::Enum position,
                          const QList<OrvoPlayListItem>& items) = 0;
+    // The same at these places; -1 also where they do not fit.
+    virtual int addItemsAt(const ItemPlaces& places, const QList<OrvoPlayListItem>& items) = 0;
     // Returns how many entries were removed, -1 when one of them does not exist (then none is
     // removed).
     virtual int removeItems(const QList<int>& indices) = 0;
@@ -107,6 +110,8 @@ Q_SIGNALS:
     void nameChanged(const QString& name);
     // As setOrder() was given it. Not sent for moved entries.
     void itemsReordered(const QList<int>& order);
+    // In place of itemsAdded where the items were given places: those, ascending.
+    void itemsInserted(const QList<int>& positions);
 
 protected:
     // How every signal leaves.

@@ -50,6 +50,8 @@ void PlayListPlayLogic::connectCurrentPlayList() {
               &PlayListPlayLogic::on_currentPlayList_itemsReordered);
     cmConnect(m_currentPlayList, &PlayListBase::itemsAdded, this,
               &PlayListPlayLogic::on_currentPlayList_itemsAdded);
+    cmConnect(m_currentPlayList, &PlayListBase::itemsInserted, this,
+              &PlayListPlayLogic::on_currentPlayList_itemsInserted);
     cmConnect(m_currentPlayList, &PlayListBase::itemsRemoved, this,
               &PlayListPlayLogic::on_currentPlayList_itemsRemoved);
     cmConnect(m_currentPlayList, &PlayListBase::shuffleChanged, this,
@@ -67,6 +69,8 @@ void PlayListPlayLogic::disconnectCurrentPlayList() {
                  &PlayListPlayLogic::on_currentPlayList_itemsReordered);
     cmDisconnect(m_currentPlayList, &PlayListBase::itemsAdded, this,
                  &PlayListPlayLogic::on_currentPlayList_itemsAdded);
+    cmDisconnect(m_currentPlayList, &PlayListBase::itemsInserted, this,
+                 &PlayListPlayLogic::on_currentPlayList_itemsInserted);
     cmDisconnect(m_currentPlayList, &PlayListBase::itemsRemoved, this,
                  &PlayListPlayLogic::on_currentPlayList_itemsRemoved);
     cmDisconnect(m_currentPlayList, &PlayListBase::shuffleChanged, this,

@@ -69,6 +69,7 @@ private Q_SLOTS:
     void on_playlist_deleted(int plid);
     void on_currentPlayList_cleared();
     void on_currentPlayList_itemsAdded(const QString& positionStr, int firstSeqNum, int count);
+    void on_currentPlayList_itemsInserted(const QList<int>& positions);
     void on_currentPlayList_itemsRemoved(const QList<int>& indices, int lastSeqNumBeforeRemove);
     void on_currentPlayList_itemMoved(int from, int to);
     void on_currentPlayList_itemsReordered(const QList<int>& order);

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 
 #include "OrvoPlayListEnums.h"
@@ -83,6 +84,22 @@ void PlayListPlayLogic::on_currentPlayList_itemsAdded(const QString& positionStr
         LOG4CPLUS_DEBUG(playLogicLog(), "Unknown position specifier: "
                                             << OrvoPlayListAddPosition::toString(position));
     }
+}
+
+void PlayListPlayLogic::on_currentPlayList_itemsInserted(const QList<int>& positions) {
+    CM_ENTER_ARGS(playLogicLog(), "positions.size()=" << positions.size());
+    const auto moved = [&positions](int seqNum) {
+        return ItemPlaces::afterAdding(positions, seqNum);
+    };
+    if (m_shuffleEnabled) {
+        // The new items are mixed into what has not played yet.
+        std::transform(m_shuffleSeq.begin(), m_shuffleSeq.end(), m_shuffleSeq.begin(), moved);
+        std::copy(positions.cbegin(), positions.cend(), std::back_inserter(m_shuffleSeq));
+        randomizeShuffleItems(m_shuffleCurIndex + 1);
+    }
+    followCurrentTrack(moved);
+    updateSequenceNumberInData();
+    announceAnew();
 }
 
 // Deliberate: several removed indices are applied one after the other as they are, although each

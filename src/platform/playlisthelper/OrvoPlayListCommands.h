@@ -74,6 +74,13 @@ public:
     ORVO_ATTRIBUTE(QList<int>, order, Order, "order")
 };
 
+// Where added items are to stand, as the add commands take it: one position, from which on they
+// follow each other, or a list with one for each. Kept as it came.
+struct OrvoPlayListAt {
+    static QVariant read(const QVariant& value) { return value; }
+    static QVariant write(const QVariant& value) { return value; }
+};
+
 // Items by path: each element of `items` is the path of something that its module can prepare. No
 // items: the whole playlist `fromPlid`.
 class OrvoPlayListPlAddItems : public OrvoPlayListPlId {
@@ -82,6 +89,7 @@ public:
     ORVO_ID_ATTRIBUTE(fromPlid, FromPlid, "fromPlid")
     ORVO_ATTRIBUTE(QVariantList, items, Items, "items")
     ORVO_ATTRIBUTE(OrvoPlayListAddPosition::Enum, mode, Mode, "mode")
+    ORVO_ATTRIBUTE_AS(QVariant, OrvoPlayListAt, at, At, "at")
 };
 
 // Complete items.
@@ -90,6 +98,7 @@ public:
     using OrvoPlayListPlId::OrvoPlayListPlId;
     ORVO_LIST_ATTRIBUTE(OrvoPlayListItem, items, Items, "items")
     ORVO_ATTRIBUTE(OrvoPlayListAddPosition::Enum, mode, Mode, "mode")
+    ORVO_ATTRIBUTE_AS(QVariant, OrvoPlayListAt, at, At, "at")
 };
 
 class OrvoPlayListClCreate : public OrvoHash {

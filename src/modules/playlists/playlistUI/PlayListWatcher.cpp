@@ -18,6 +18,7 @@ PlayListWatcher::PlayListWatcher(QObject* parent, CMSubscribe* subscribe, PlayLi
       m_node(node) {
     // The last signal of the class first: the table of a sender's connections grows by what it is
     // connected to, and each growth leaves the smaller one behind, of every playlist.
+    cmConnect(m_playlist, &PlayListBase::itemsInserted, this, &PlayListWatcher::on_items_inserted);
     cmConnect(m_playlist, &PlayListBase::itemsReordered, this,
               &PlayListWatcher::on_items_reordered);
     cmConnect(m_playlist, &PlayListBase::nameChanged, this,
@@ -61,6 +62,14 @@ void PlayListWatcher::on_items_added(const QString&, int firstSeqNum, int count)
     for (int s = firstSeqNum; s < firstSeqNum + count; ++s)
         itemsChanged.append(CMSubscribe::RowInserted(s));
     LOG4CPLUS_TRACE(moduleLog(), "itemsChanged: " << itemsChanged);
+    m_subscribe->rowsChanged(itemListPath(m_plid), itemsChanged, 0, -1, m_playlist->getRevision());
+}
+
+void PlayListWatcher::on_items_inserted(const QList<int>& positions) {
+    QStringList itemsChanged;
+    itemsChanged.reserve(positions.size());
+    for (int position : positions)
+        itemsChanged.append(CMSubscribe::RowInserted(position));
     m_subscribe->rowsChanged(itemListPath(m_plid), itemsChanged, 0, -1, m_playlist->getRevision());
 }
 

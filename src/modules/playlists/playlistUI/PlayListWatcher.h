@@ -22,6 +22,7 @@ public:
 
 private Q_SLOTS:
     void on_items_added(const QString& position, int firstSeqNum, int count);
+    void on_items_inserted(const QList<int>& positions);
     void on_items_removed(const QList<int>& items, int seqNumber);
     void on_items_moved(int from, int to);
     void on_items_reordered();

@@ -57,6 +57,8 @@ private:
                                                &Sequence::removeItems,
                                                &Sequence::removeItems,
                                                &Sequence::setOrder,
+                                               &Sequence::addAt,
+                                               &Sequence::addAt,
                                                &Sequence::moveItems,
                                                &Sequence::moveItems,
                                                &Sequence::moveItems,
@@ -283,6 +285,32 @@ private:
         const int added = bad ? 0 : m_model.addItems(id.number, titles, mode.number);
         expect(added > 0, OrvoPlayListPlAddExternalItemsPath(), args);
         expectStart(id.number, added, mode.number);
+    }
+
+    void addAt() {
+        const Id id = playListId();
+        const bool isRun = oneIn(2);
+        QStringList titles;
+        for (int count = below(5); count > 0; --count)
+            titles.append(freshTitle());
+        const int size = sizeOf(id.number) + titles.size();
+        QList<int> positions;
+        for (int i = 0; i < size; ++i)
+            positions.append(i);
+        const int first = below(sizeOf(id.number) + 1);
+        if (isRun) {
+            positions = positions.mid(first, titles.size());
+        } else {
+            while (positions.size() > titles.size())
+                positions.removeAt(below(positions.size()));
+            if (!positions.isEmpty() && oneIn(8))
+                positions.append(size + below(2));
+        }
+        const int added = m_model.addItemsAt(id.number, titles, positions, isRun);
+        expect(added > 0, OrvoPlayListPlAddExternalItemsPath(),
+               {{"plid", id.sent},
+                {"items", itemHashes(titles)},
+                {"at", isRun ? QVariant(first) : QVariant(asList(positions))}});
     }
 
     // Items of this module, of a source that answers now or later, and of nobody.

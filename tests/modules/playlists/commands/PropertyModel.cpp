@@ -178,6 +178,27 @@ int PropertyModel::addItems(int plid, const QStringList& titles, int mode) {
     return added.size();
 }
 
+int PropertyModel::addItemsAt(int plid, const QStringList& titles, const QList<int>& positions,
+                              bool isRun) {
+    if (titles.isEmpty() || !playLists.contains(plid) || positions.size() != titles.size())
+        return 0;
+    PlayList& pl = playLists[plid];
+    const int size = pl.titles.size();
+    if (positions.last() >= size + titles.size())
+        return 0;
+    const int room = limit - itemCount();
+    const QStringList added = titles.mid(0, limit == 0 ? -1 : std::max(room, -1));
+    if (added.isEmpty() || (!isRun && added.size() < titles.size()))
+        return 0;
+    const bool wasPlayed = pl.lastPlayed >= 0 && pl.lastPlayed < size;
+    for (int i = 0; i < added.size(); ++i) {
+        pl.titles.insert(positions.at(i), added.at(i));
+        if (wasPlayed && positions.at(i) <= pl.lastPlayed)
+            ++pl.lastPlayed;
+    }
+    return added.size();
+}
+
 int PropertyModel::merge(int from, int plid, int mode) {
     if (!playLists.contains(from))
         return 0;

@@ -51,6 +51,8 @@ public:
     }
     // How many were added; 0 is a refusal.
     int addItems(int plid, const QStringList& titles, int mode);
+    // At these positions; a run of them may be cut short.
+    int addItemsAt(int plid, const QStringList& titles, const QList<int>& positions, bool isRun);
     // All items of `from` onto `plid`; `from` goes unless it is the queue or the target.
     int merge(int from, int plid, int mode);
     // The queue is emptied at every start.

@@ -155,6 +155,9 @@ TEST_F(CommandFaultsTest, adding) {
     sweepCommand("pl/addExternalItems, limit", OrvoPlayListPlAddExternalItemsPath,
                  QVariantHash{{"plid", 1}, {"items", hashes(3)}}, {done(), refused(external)},
                  false, 10);
+    sweepCommand("pl/addExternalItems, at", OrvoPlayListPlAddExternalItemsPath,
+                 QVariantHash{{"plid", 1}, {"items", hashes(3)}, {"at", QVariantList{0, 4, 8}}},
+                 {done(), refused(external)});
     // A track that cannot be read is left out.
     const auto added = [](const char* uids) {
         static QList<QByteArray> texts;

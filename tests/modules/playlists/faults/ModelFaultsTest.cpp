@@ -126,6 +126,14 @@ TEST_F(ModelFaultsTest, adding) {
               {done("4|itemsAdded afterCurrent 4 3"), refused("-1|")});
 }
 
+TEST_F(ModelFaultsTest, addingAtPlaces) {
+    sweepEdit("PlayList::addItemsAt",
+              [this] {
+                  return pl().addItemsAt({{0, 4, 8}, true}, newItems(3));
+              },
+              {done("0|itemsInserted 0,4,8"), refused("-1|")});
+}
+
 TEST_F(ModelFaultsTest, removing) {
     // The entries and the last played position are written one after the other; memory has both.
     sweepEdit(

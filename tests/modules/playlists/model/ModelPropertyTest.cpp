@@ -25,6 +25,7 @@ private:
     static const QList<Step>& steps();
 
     void addItems();
+    void addItemsAt();
     void removeItems();
     void moveItem();
     void moveItems();
@@ -69,6 +70,7 @@ const QList<ModelPropertyTest::Step>& ModelPropertyTest::steps() {
     using T = ModelPropertyTest;
     static const QList<Step> rows = {
         {"add", 8, &T::addItems},
+        {"addAt", 4, &T::addItemsAt},
         {"remove", 5, &T::removeItems},
         {"move", 5, &T::moveItem},
         {"moveItems", 5, &T::moveItems},
@@ -123,6 +125,38 @@ void ModelPropertyTest::addItems() {
     note(QString("add %1 to %2 at %3").arg(titles.join(' ')).arg(list.uid).arg(position));
     const PlainModel::Outcome expected = m_plain.add(list, position, titles);
     expectOutcome(expected, real(list).addItems(OrvoPlayListAddPosition::Enum(position), newItems));
+}
+
+void ModelPropertyTest::addItemsAt() {
+    PlainList& list = pickList();
+    const bool wholeOnly = oneIn(2);
+    QStringList titles;
+    QList<OrvoPlayListItem> newItems;
+    for (int i = pick(0, 4); i > 0; --i) {
+        titles.append(newTitle());
+        newItems.append(item(titles.last()));
+    }
+    QList<int> positions;
+    const int size = list.entries.size() + titles.size();
+    if (wholeOnly) {
+        for (int i = 0; i < size; ++i)
+            positions.append(i);
+        std::shuffle(positions.begin(), positions.end(), m_random);
+        positions = positions.mid(0, titles.size());
+        std::sort(positions.begin(), positions.end());
+    } else {
+        const int first = pick(0, list.entries.size());
+        for (int i = 0; i < titles.size(); ++i)
+            positions.append(first + i);
+    }
+    if (oneIn(8))
+        positions.append(pick(-1, size));
+    note(QString("add %1 to %2 at %3")
+             .arg(titles.join(' '))
+             .arg(list.uid)
+             .arg(::testing::PrintToString(positions).c_str()));
+    const PlainModel::Outcome expected = m_plain.addAt(list, positions, titles, wholeOnly);
+    expectOutcome(expected, real(list).addItemsAt({positions, wholeOnly}, newItems));
 }
 
 void ModelPropertyTest::removeItems() {

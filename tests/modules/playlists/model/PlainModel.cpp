@@ -48,6 +48,27 @@ PlainModel::Outcome PlainModel::add(PlainList& list, int position,
                                 .arg(fitting.size())}};
 }
 
+PlainModel::Outcome PlainModel::addAt(PlainList& list, const QList<int>& positions,
+                                      const QStringList& titles, bool wholeOnly) const {
+    QList<int> sorted = positions;
+    std::sort(sorted.begin(), sorted.end());
+    const QSet<int> distinct(positions.begin(), positions.end());
+    if (titles.isEmpty() || positions.size() != titles.size() || sorted != positions ||
+        distinct.size() != positions.size() || sorted.first() < 0 ||
+        sorted.last() >= list.entries.size() + titles.size())
+        return {-1, {}};
+    const int room = itemsLimit == 0 ? titles.size() : std::max(0, itemsLimit - itemCount());
+    const int count = std::min(room, titles.size());
+    if (count == 0 || (wholeOnly && count < titles.size()))
+        return {-2, {}};
+    QStringList entries = list.entries;
+    for (int i = 0; i < count; ++i)
+        entries.insert(positions.at(i), titles.at(i));
+    list.rearrange(entries);
+    return {positions.first(),
+            {origin(list) + QStringLiteral("itemsInserted ") + numbers(positions.mid(0, count))}};
+}
+
 PlainModel::Outcome PlainModel::remove(PlainList& list, const QList<int>& indices) {
     if (indices.isEmpty())
         return {0, {}};

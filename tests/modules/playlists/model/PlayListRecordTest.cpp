@@ -174,8 +174,8 @@ TEST(ModelSignals, playListSignalsStandInOrderWithTheirParameterNames) {
                            "itemsRemoved(QList<int>,int) indices,lastSeqNumBeforeRemove",
                            "itemMoved(int,int) from,to", "itemsCleared() ",
                            "shuffleChanged(bool) newValue", "repeatAllChanged(bool) newValue",
-                           "nameChanged(QString) name",
-                           "itemsReordered(QList<int>) order"}),
+                           "nameChanged(QString) name", "itemsReordered(QList<int>) order",
+                           "itemsInserted(QList<int>) positions"}),
               signalsOf(PlayListBase::staticMetaObject));
     EXPECT_EQ(QStringList(), signalsOf(PlayList::staticMetaObject));
 }

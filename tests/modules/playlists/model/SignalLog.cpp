@@ -26,6 +26,9 @@ void SignalLog::watch(PlayListBase* pl, const QString& origin) {
     connect(pl, &Pl::itemsAdded, this, [=, this](const QString& position, int first, int count) {
         add(origin, {"itemsAdded", position, text(first), text(count)});
     });
+    connect(pl, &Pl::itemsInserted, this, [=, this](const QList<int>& positions) {
+        add(origin, {"itemsInserted", text(positions)});
+    });
     connect(pl, &Pl::itemsRemoved, this, [=, this](const QList<int>& indices, int last) {
         add(origin, {"itemsRemoved", text(indices), text(last)});
     });

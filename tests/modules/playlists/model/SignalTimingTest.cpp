@@ -38,6 +38,7 @@ void onAnySignal(PlayListBase& pl, const std::function<void()>& slot) {
     QObject::connect(&pl, &Pl::repeatAllChanged, &pl, slot);
     QObject::connect(&pl, &Pl::nameChanged, &pl, slot);
     QObject::connect(&pl, &Pl::itemsReordered, &pl, slot);
+    QObject::connect(&pl, &Pl::itemsInserted, &pl, slot);
 }
 } // namespace
 
@@ -119,6 +120,15 @@ INSTANTIATE_TEST_SUITE_P(
         TimingRow{"move", [](PlayListBase& pl) { pl.moveItem(5, 0); }, "fabcde", 4, "list 0 0"},
         TimingRow{"moveItems", [](PlayListBase& pl) { pl.moveItems({3}, 1); }, "adbcef", 1,
                   "list 0 0"},
+        TimingRow{"addAt",
+                  [](PlayListBase& pl) {
+                      OrvoPlayListItem item;
+                      item.setTitle("X");
+                      item.setUrl("file:///X");
+                      item.setServiceId("files");
+                      pl.addItemsAt({{1}, true}, {item});
+                  },
+                  "aXbcdef", 4, "list 0 0"},
         TimingRow{"setOrder",
                   [](PlayListBase& pl) {
                       pl.setOrder({5, 4, 3, 2, 1, 0});

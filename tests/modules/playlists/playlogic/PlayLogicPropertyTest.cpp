@@ -25,6 +25,17 @@ public:
     void addNow() { addSome(Position::Now); }
     void addNext() { addSome(Position::AfterCurrent); }
     void append() { addSome(Position::Append); }
+    void insert() {
+        if (m_list->getSize() > 40)
+            return;
+        const QList<OrvoPlayListItem> items = fewItems();
+        QList<int> positions;
+        for (int i = 0; i < m_list->getSize() + items.size(); ++i)
+            positions.append(i);
+        while (positions.size() > items.size())
+            positions.removeAt(below(positions.size()));
+        m_list->addItemsAt({positions, true}, items);
+    }
     void removeOne() {
         if (m_list->getSize() > 0)
             m_list->removeItems({below(m_list->getSize())});
@@ -172,6 +183,7 @@ TEST_F(PlayLogicPropertyTest, theOrderStaysAPermutationAndThePlayingItemItself) 
         {"add now", &T::addNow},
         {"add next", &T::addNext},
         {"append", &T::append},
+        {"insert", &T::insert},
         {"remove", &T::removeOne},
         {"remove", &T::removeOne},
         {"remove", &T::removeOne},
@@ -224,6 +236,7 @@ TEST_F(PlayLogicPropertyTest, withEveryOddityNothingIsReadOutOfRange) {
         &T::addNow,
         &T::addNext,
         &T::append,
+        &T::insert,
         &T::removeOne,
         &T::removeSeveral,
         &T::removeSeveral,

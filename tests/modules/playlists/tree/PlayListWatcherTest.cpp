@@ -48,6 +48,16 @@ TEST_F(PlayListWatcherTest, addedItemsAreAnnouncedAsOneInsertion) {
         << "nothing has been played, so after the current one is the end";
 }
 
+TEST_F(PlayListWatcherTest, itemsAddedAtPlacesAreAnnouncedThere) {
+    plid = createPlayList("Mix");
+    addItems(plid, {"a", "b", "c"});
+    EXPECT_EQ(editEvents(OrvoPlayListPlAddExternalItemsPath,
+                         {{"items", QVariantList{makeItem("x").toHash(), makeItem("y").toHash()}},
+                          {"at", QVariantList{1, 4}}}),
+              QStringList("Rows " + listPath() + " +1,+4 0 -1"));
+    EXPECT_EQ(titles(plid), QStringList({"a", "x", "b", "c", "y"}));
+}
+
 TEST_F(PlayListWatcherTest, additionsToTheQueueGoToTheQueuesPath) {
     plid = 0;
     EXPECT_EQ(eventsOf([&] {
