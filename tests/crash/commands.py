@@ -6,7 +6,7 @@ import model
 from orvo_device import external_item
 
 NOW, AFTER_CURRENT, APPEND = 0, 1, 2
-OK, REFUSED = 200, 422
+OK, OUTDATED, REFUSED = 200, 409, 422
 
 # What the random state may grow to; beyond it only what makes it smaller is sent.
 MOST_ITEMS = 1500
@@ -56,7 +56,7 @@ class Mix:
             (9, self._add_external), (6, self._add_at), (4, self._add_files), (4, self._add_entries),
             (3, self._merge), (2, self._play), (1, self._prepare), (2, self._create_collection),
             (1, self._delete_collection), (4, self._add_member), (2, self._remove_member),
-            (1, self._refused), (1, self._vacuum)]
+            (1, self._refused), (1, self._outdated), (1, self._vacuum)]
         self._shrinking = [(2, self._delete), (2, self._clear), (4, self._remove_items)]
 
     def draw(self, state):
@@ -269,6 +269,17 @@ class Mix:
             ("pl/addExternalItems", {"plid": 0, "items": [{"orvoRoles": '{"type":1}'}]}),
             ("cl/addItem", {"clid": 99999, "plid": 0})])
         return Command("refused", [data("playlists:" + path, value, 0, REFUSED)], [state])
+
+    def _outdated(self, state):
+        """An edit made for another state of the list than the present one."""
+        uid = self._list(state)
+        path, value = self._rng.choice([
+            ("clear", {}), ("removeItems", {"items": [0]}), ("setOrder", {"order": []}),
+            ("moveItems", {"items": [0, 1], "to": 0}),
+            ("addExternalItems", {"items": [external_item(0, self._silence_url)], "at": 0})])
+        return Command("outdated", [data("playlists:pl/" + path,
+                                         {"plid": uid, "revision": 1, **value}, 0, OUTDATED)],
+                       [state])
 
     def _vacuum(self, state):
         """The power manager's step that lets an owed VACUUM run."""

@@ -145,7 +145,34 @@ private:
         m_what += ' ' + path.toString();
         return send(path, args);
     }
-    void expect(bool success, const CMPath& path, const QVariantHash& args) {
+    qint64 revisionOf(int plid) {
+        const CMPath path = plid == 0 ? OrvoPlayListPqGetItemsPath()
+                                      : OrvoPlayListPlGetItemsPath() + QString::number(plid);
+        return rows(path, 0, 0, {"title"}).revision();
+    }
+    // An edit that is made for the list as it is, or before that for another state of it, which
+    // changes nothing. What takes no revision ignores it.
+    QVariantHash withRevision(const CMPath& path, QVariantHash args) {
+        static const QList<CMPath> edits = {
+            OrvoPlayListPlDeletePath(),           OrvoPlayListPlClearPath(),
+            OrvoPlayListPlRemoveItemsPath(),      OrvoPlayListPlMoveItemspath(),
+            OrvoPlayListPlSetOrderPath(),         OrvoPlayListPlAddItemsPath(),
+            OrvoPlayListPlAddExternalItemsPath(),
+        };
+        if (!oneIn(3))
+            return args;
+        const qint64 revision = revisionOf(args.value("plid").toInt());
+        if (edits.contains(path) && oneIn(2)) {
+            args.insert("revision", revision - 1 - below(3));
+            const Answer answer = sent(path, args);
+            EXPECT_EQ("Conflict", answer.error.name()) << qPrintable(path.toString());
+            EXPECT_EQ(revision, revisionOf(args.value("plid").toInt()));
+        }
+        args.insert("revision", revision);
+        return args;
+    }
+    void expect(bool success, const CMPath& path, const QVariantHash& asked) {
+        const QVariantHash args = success ? withRevision(path, asked) : asked;
         const Answer answer = sent(path, args);
         ASSERT_TRUE(answer.answered);
         EXPECT_EQ(success, !answer.failed) << qPrintable(answer.message());
