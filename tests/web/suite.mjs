@@ -10,6 +10,7 @@ import './stories/adding.mjs';
 import './stories/playing.mjs';
 import './stories/reordering.mjs';
 import './stories/editing.mjs';
+import './stories/undoing.mjs';
 import './stories/together.mjs';
 import './stories/collections.mjs';
 import './stories/connection.mjs';
