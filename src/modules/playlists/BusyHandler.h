@@ -9,8 +9,8 @@ struct sqlite3;
 // Owned by the store; outlives the connection. Worker's thread.
 class BusyHandler {
 public:
-    // A statement waits this long. A copy is being made of the file, or somebody looks into it:
-    // that is over soon, and no reason to refuse an edit.
+    // A statement waits this long. Another process copies the file or looks into it: that is
+    // over soon, and no reason to refuse an edit.
     static constexpr int MaxWaitMs = 300;
     static constexpr int DefaultMaxStartWaitMs = 10'000;
 

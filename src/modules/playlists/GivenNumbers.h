@@ -5,8 +5,9 @@
 #include <QtGlobal>
 
 // Knows since when a number names the item that it names. SQLite gives a new item the number after
-// the highest in use, so the number of a deleted item comes again, and whoever kept it would mean
-// another item. A value, owned by the store; knows nothing of what was given before this start.
+// the highest in use, so the number of a deleted item comes again, and a client that kept it
+// would mean another item. A value, owned by the store; knows nothing of what was given before this
+// start.
 class GivenNumbers {
 public:
     // Items from `first` on are made by the edit that leads to `revision`.

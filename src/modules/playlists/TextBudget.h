@@ -4,8 +4,8 @@
 
 #include "OrvoPlayListItem.h"
 
-// Counts what the texts of several items come to, against a limit. A value of whoever collects the
-// items; nothing here fails.
+// Counts what the texts of several items come to, against a limit. A value of the code that
+// collects the items; nothing here fails.
 class TextBudget {
 public:
     explicit TextBudget(qint64 maxBytes) : m_left(maxBytes) {}

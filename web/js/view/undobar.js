@@ -1,4 +1,4 @@
-// Says what was done and offers to take it back, for a while; longer while somebody is at it.
+// Says what was done and offers to take it back, for a while; longer while it has the focus.
 //
 // What was done before it can be taken back after it, as long as the bar is there.
 
