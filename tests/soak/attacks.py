@@ -124,6 +124,10 @@ def main():
         folder = os.path.join(base, str(number))
         if options.sanitized:
             os.environ["ASAN_OPTIONS"] = os.environ["UBSAN_OPTIONS"] = f"log_path={folder}/report"
+            # What the libraries keep for good is told by its whole stack.
+            known = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "lsan.supp")
+            os.environ["LSAN_OPTIONS"] = (
+                f"suppressions={known}:fast_unwind_on_malloc=0:print_suppressions=0")
         device = attacked(attack, options, folder)
         figures = device.figures
         answers = ", ".join(f"{count} × {name}" for name, count in sorted(device.answers.items()))
