@@ -25,7 +25,7 @@ const QString deleteUnused = QStringLiteral(
     " ON playlists_items.playlist = playlists.uid AND playlists_items.item = items.uid)");
 
 // What the log calls them, like the statement that they stand for.
-const QString name = QStringLiteral("cleanUnusedItems");
+const QString statementName = QStringLiteral("cleanUnusedItems");
 
 } // namespace
 
@@ -34,7 +34,7 @@ Database::LeftItems::LeftItems(Database& database, int count)
 
 bool Database::LeftItems::isCheaperOneByOne(int count) {
     const std::unique_ptr<Sqlite3Statement> counting(
-        Sqlite3Statement::create(m_database.m_connection, countAll, name));
+        Sqlite3Statement::create(m_database.m_connection, countAll, statementName));
     if (!counting || !counting->step_row())
         return false;
     const qint64 playlists = counting->columnInt(0);
@@ -47,7 +47,7 @@ void Database::LeftItems::note(int playlistUid, int from, int to) {
     if (!m_oneByOne)
         return;
     const std::unique_ptr<Sqlite3Statement> items(
-        Sqlite3Statement::create(m_database.m_connection, itemsOfEntries, name));
+        Sqlite3Statement::create(m_database.m_connection, itemsOfEntries, statementName));
     m_oneByOne =
         items && items->bindInt(1, playlistUid) && items->bindInt(2, from) && items->bindInt(3, to);
     while (m_oneByOne && items->step_row())
@@ -61,7 +61,7 @@ bool Database::LeftItems::remove() {
     // As in cleanUnusedItems().
     const ForeignKeysSuspended suspended(m_database.m_connection);
     const std::unique_ptr<Sqlite3Statement> deleting(
-        Sqlite3Statement::create(m_database.m_connection, deleteUnused, name));
+        Sqlite3Statement::create(m_database.m_connection, deleteUnused, statementName));
     return deleting && deleting->run(QString(QLatin1Char('[') + m_uids.join(QLatin1Char(',')) +
                                              QLatin1Char(']')));
 }
