@@ -88,7 +88,7 @@ TEST_F(StartTest, withoutAPlayerTheAttemptIsLoggedAndTheCommandSucceeds) {
 
 void StartTest::expectFirstNewItem(int lastPlayed, int sizeBefore, const QStringList& added,
                                    int index) {
-    for (const bool byPath : {false, true}) {
+    for (const bool addsByPath : {false, true}) {
         expectDone(OrvoPlayListPlClearPath(), QVariantHash{{"plid", 2}});
         QStringList old;
         for (int i = 0; i < sizeBefore; ++i)
@@ -98,7 +98,7 @@ void StartTest::expectFirstNewItem(int lastPlayed, int sizeBefore, const QString
         restartAfter(
             QString("UPDATE playlists SET lastPlayedIndex = %1 WHERE uid = 2").arg(lastPlayed));
         others.player.requests.clear();
-        if (byPath) {
+        if (addsByPath) {
             QVariantList paths;
             for (const QString& title : added) {
                 paths.append("files:" + title);
