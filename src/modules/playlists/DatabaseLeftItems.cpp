@@ -39,23 +39,27 @@ bool Database::LeftItems::isCheaperOneByOne(int count) {
         return false;
     const qint64 playlists = counting->columnInt(0);
     const qint64 stored = counting->columnInt(1);
-    // A look into a playlist costs about what an item costs the statement over all.
-    return playlists * count <= stored;
+    // A look into a playlist costs about what an item costs the statement over all. To note an item
+    // and to find it again costs a few of these looks, whatever the playlists.
+    constexpr int LooksBesides = 6;
+    return count * (playlists + LooksBesides) <= stored;
 }
 
 void Database::LeftItems::note(int playlistUid, int from, int to) {
     if (!m_oneByOne)
         return;
-    const std::unique_ptr<Sqlite3Statement> items(
-        Sqlite3Statement::create(m_database.m_connection, itemsOfEntries, statementName));
-    m_oneByOne =
-        items && items->bindInt(1, playlistUid) && items->bindInt(2, from) && items->bindInt(3, to);
-    while (m_oneByOne && items->step_row())
-        m_uids.append(QString::number(items->columnInt(0)));
-    m_oneByOne = m_oneByOne && items->reset();
+    if (!m_items)
+        m_items.reset(
+            Sqlite3Statement::create(m_database.m_connection, itemsOfEntries, statementName));
+    m_oneByOne = m_items && m_items->bindInt(1, playlistUid) && m_items->bindInt(2, from) &&
+                 m_items->bindInt(3, to);
+    while (m_oneByOne && m_items->step_row())
+        m_uids.append(QString::number(m_items->columnInt(0)));
+    m_oneByOne = m_oneByOne && m_items->reset();
 }
 
 bool Database::LeftItems::remove() {
+    m_items.reset();
     if (!m_oneByOne)
         return m_database.cleanUnusedItems();
     // As in cleanUnusedItems().

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <memory>
+
 #include <QStringList>
 
 #include "Database.h"
+#include "Sqlite3Statement.h"
 
 // The items that a removal of entries leaves, and their end: each goes unless another entry refers
 // to it. Costs what is removed, not what is stored: the items are looked for in one playlist after
@@ -25,5 +28,7 @@ private:
 
     Database& m_database;
     bool m_oneByOne;
+    // Prepared with the first note.
+    std::unique_ptr<Sqlite3Statement> m_items;
     QStringList m_uids;
 };

@@ -53,6 +53,11 @@ TEST_F(CleanUpTest, fewAreLookedForOneByOneAndManyAreNot) {
     EXPECT_TRUE(cleansOneByOne([&] { EXPECT_EQ(2, database().removeItems(large, {3, 50})); }));
     EXPECT_TRUE(cleansOneByOne([&] { EXPECT_TRUE(database().clearItems(small)); }));
     EXPECT_TRUE(cleansOneByOne([&] { EXPECT_TRUE(database().deletePlayList(record(small.uid))); }));
+    QList<int> third;
+    for (int i = 0; i < 98; i += 3)
+        third.append(i);
+    EXPECT_FALSE(cleansOneByOne(
+        [&] { EXPECT_EQ(third.size(), database().removeItems(record(large.uid), third)); }));
     EXPECT_FALSE(
         cleansOneByOne([&] { EXPECT_TRUE(database().deletePlayList(record(large.uid))); }));
     expectInvariants();

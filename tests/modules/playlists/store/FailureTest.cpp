@@ -423,7 +423,7 @@ TEST_F(FailureTest, readingThatFailsOnTheWayGivesWhatWasRead) {
 TEST_F(FailureTest, itemsThatCannotBeNotedGoAllTheSame) {
     for (int row : {1, 2}) {
         const PlayListRecord pl = playListOf("abcdef");
-        playListOf(items(10));
+        playListOf(items(100));
         const InterruptAtRow fault(database(), row, "SELECT item FROM playlists_items");
         EXPECT_EQ(QStringList(reset("cleanUnusedItems", "interrupted")), errorsOf([&] {
                       EXPECT_EQ(2, database().removeItems(pl, {1, 2}));
