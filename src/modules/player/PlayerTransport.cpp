@@ -107,7 +107,7 @@ const PlayerTransport::CommandRow& PlayerTransport::commandRow(PlayLogicCommand:
     static const CommandRow rows[] = {
         {Kind::Play, &T::play, true, true},
         {Kind::SetNextMedia, &T::setNextMedia, false, false},
-        {Kind::NoNextMedia, &T::noNextMedia, false, false},
+        {Kind::NoNextMedia, nullptr, false, false},
         {Kind::PlaybackEnded, &T::playbackEnded, true, false},
         {Kind::Stop, &T::stopped, true, false},
     };
@@ -121,30 +121,44 @@ const PlayerTransport::CommandRow& PlayerTransport::commandRow(PlayLogicCommand:
 void PlayerTransport::carryOut(const PlayLogicCommand& command) {
     const CommandRow& row = commandRow(command.kind);
     const bool counts = row.takesOver || command.from == m_logic;
-    if (counts)
-        dropNext();
+    const PlayerEngine::Generation announced = counts ? announce(command) : 0;
     const bool decides = row.decides && counts;
     m_decisionsUnderWay += decides ? 1 : 0;
-    post([this, command, decides] {
+    post([this, command, announced, counts, decides] {
         m_decisionsUnderWay -= decides ? 1 : 0;
-        obey(command);
+        // Sent before its play logic took over.
+        const bool late = !counts && command.from && command.from == m_logic;
+        obey(command, late ? announce(command) : announced);
     });
 }
 
-void PlayerTransport::obey(const PlayLogicCommand& command) {
+// What was announced before is void. A new announcement is known at once, so that those who watch
+// see one change.
+PlayerEngine::Generation PlayerTransport::announce(const PlayLogicCommand& command) {
+    const bool next = command.kind == PlayLogicCommand::Kind::SetNextMedia;
+    m_engine.clearNext();
+    if (!next && m_next.generation == 0)
+        return 0;
+    m_next = next ? Item{++m_lastGeneration, command.roles} : Item{};
+    Q_EMIT changed();
+    return m_next.generation;
+}
+
+void PlayerTransport::obey(const PlayLogicCommand& command, PlayerEngine::Generation announced) {
     const CommandRow& row = commandRow(command.kind);
     if (!command.from || (command.from != m_logic && !row.takesOver)) {
         command.reply.setError(notNow("This play logic does not play."));
         return;
     }
-    (this->*row.carryOut)(command);
+    const bool replaced = announced != 0 && announced != m_next.generation;
+    if (row.carryOut && !replaced)
+        (this->*row.carryOut)(command);
     command.reply.setValue({});
 }
 
 void PlayerTransport::play(const PlayLogicCommand& command) {
     activate(command.from);
     OrvoPlayLogicPlayArgs start{QVariantHash(command.params)};
-    m_next = {};
     m_current = {++m_lastGeneration, command.roles};
     m_prepared = false;
     m_prepareTimer.stop();
@@ -158,14 +172,9 @@ void PlayerTransport::play(const PlayLogicCommand& command) {
 
 void PlayerTransport::setNextMedia(const PlayLogicCommand& command) {
     if (m_current.generation == 0)
-        return; // ended meanwhile, nothing for it to follow
-    m_next = {++m_lastGeneration, command.roles};
-    m_engine.setNext(m_next.generation, firstUri(command.roles));
-    Q_EMIT changed();
-}
-
-void PlayerTransport::noNextMedia(const PlayLogicCommand&) {
-    dropNext();
+        dropNext(); // ended meanwhile, nothing for it to follow
+    else
+        m_engine.setNext(m_next.generation, firstUri(command.roles));
 }
 
 void PlayerTransport::playbackEnded(const PlayLogicCommand&) {
@@ -181,6 +190,7 @@ void PlayerTransport::activate(StreamerPlayLogic* logic) {
     if (m_logic == logic)
         return;
     const CMPath left = deactivate();
+    m_next = {};
     m_logic = logic;
     cmConnect(logic, &PlayLogicBase::dataChanged, this, &PlayerTransport::changed);
     cmConnect(logic, &PlayLogicBase::playModeChanged, this, &PlayerTransport::changed);

@@ -59,6 +59,7 @@ private:
     };
     struct CommandRow {
         PlayLogicCommand::Kind kind;
+        // Null where nothing is left to do once what was announced is void.
         void (PlayerTransport::*carryOut)(const PlayLogicCommand& command);
         // What plays or was announced is over when this is sent.
         bool decides;
@@ -68,10 +69,10 @@ private:
     static const CommandRow& commandRow(PlayLogicCommand::Kind kind);
 
     void post(std::function<void()> step);
-    void obey(const PlayLogicCommand& command);
+    PlayerEngine::Generation announce(const PlayLogicCommand& command);
+    void obey(const PlayLogicCommand& command, PlayerEngine::Generation announced);
     void play(const PlayLogicCommand& command);
     void setNextMedia(const PlayLogicCommand& command);
-    void noNextMedia(const PlayLogicCommand& command);
     void playbackEnded(const PlayLogicCommand& command);
     void stopped(const PlayLogicCommand& command);
 
@@ -95,6 +96,7 @@ private:
     QPointer<StreamerPlayLogic> m_logic;
     PlayerEngine::Generation m_lastGeneration = 0;
     Item m_current;
+    // Known from the moment when it is announced; the engine opens it when that turn comes.
     Item m_next;
     OrvoPlayerState::Enum m_state = OrvoPlayerState::Stopped;
     bool m_paused = false;

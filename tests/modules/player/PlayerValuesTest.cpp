@@ -101,6 +101,45 @@ TEST_F(PlayerValuesTest, whatComesNextIsPublishedWhenItIsAnnounced) {
     EXPECT_TRUE(watcher.of(OrvoPlayerNextMediaPath()).last().isEmpty());
 }
 
+TEST_F(PlayerValuesTest, whatComesNextChangesOnceWhenItIsAnnouncedAnew) {
+    logic.setTracks({sound("a.wav", 300), sound("b.wav", 300), sound("c.wav", 300)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForCall(logic, "prepare"));
+    waitFor(30);
+    const Watcher watcher;
+    const auto seen = [&] {
+        waitFor(30);
+        QStringList titles;
+        for (const OrvoValue& value : watcher.of(OrvoPlayerNextMediaPath()))
+            titles.append(OrvoRoles(value.toHash()).title().toString());
+        return titles;
+    };
+    logic.announce(2);
+    EXPECT_EQ(CMRoot()->getValue(OrvoPlayerNextMediaPath()).toHash(), logic.tracks.at(2).toHash());
+    EXPECT_EQ(seen(), QStringList{"t2"});
+    logic.announce(2);
+    EXPECT_EQ(seen(), QStringList{"t2"}) << "the same again changes nothing";
+    logic.announce(99);
+    logic.announce(0);
+    logic.announce(1);
+    EXPECT_EQ(seen(), (QStringList{"t2", "t1"})) << "only what holds at last";
+    logic.announce(0);
+    logic.announce(99);
+    EXPECT_EQ(seen(), (QStringList{"t2", "t1", QString()}));
+}
+
+TEST_F(PlayerValuesTest, whatComesNextChangesOnceWhenAShortTrackFollowsAnother) {
+    const Watcher watcher;
+    logic.setTracks({sound("a.wav", 50), sound("b.wav", 50), sound("c.wav", 50)});
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "resume"));
+    waitFor(20);
+    QStringList titles;
+    for (const OrvoValue& value : watcher.of(OrvoPlayerNextMediaPath()))
+        titles.append(OrvoRoles(value.toHash()).title().toString());
+    EXPECT_EQ(titles, (QStringList{"t1", "t2", QString()}));
+}
+
 TEST_F(PlayerValuesTest, aModeChosenByThePlayLogicIsPublished) {
     const Watcher watcher;
     logic.setTracks({sound("a.wav", 300)});
