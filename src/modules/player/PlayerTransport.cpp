@@ -123,9 +123,17 @@ void PlayerTransport::carryOut(const PlayLogicCommand& command) {
     const bool counts = row.takesOver || command.from == m_logic;
     const PlayerEngine::Generation announced = counts ? announce(command) : 0;
     const bool decides = row.decides && counts;
+    const bool plays = command.kind == PlayLogicCommand::Kind::Play;
+    if (plays) {
+        // From now on: a pause that comes before the item does is a later word.
+        const OrvoPlayLogicPlayArgs start{QVariantHash(command.params)};
+        m_paused = start.containsPaused() ? start.paused() : m_paused && !command.requested;
+    }
     m_decisionsUnderWay += decides ? 1 : 0;
-    post([this, command, announced, counts, decides] {
+    m_playsUnderWay += plays ? 1 : 0;
+    post([this, command, announced, counts, decides, plays] {
         m_decisionsUnderWay -= decides ? 1 : 0;
+        m_playsUnderWay -= plays ? 1 : 0;
         // Sent before its play logic took over.
         const bool late = !counts && command.from && command.from == m_logic;
         obey(command, late ? announce(command) : announced);
@@ -158,13 +166,10 @@ void PlayerTransport::obey(const PlayLogicCommand& command, PlayerEngine::Genera
 
 void PlayerTransport::play(const PlayLogicCommand& command) {
     activate(command.from);
-    OrvoPlayLogicPlayArgs start{QVariantHash(command.params)};
+    const OrvoPlayLogicPlayArgs start{QVariantHash(command.params)};
     m_current = {++m_lastGeneration, command.roles};
     m_prepared = false;
     m_prepareTimer.stop();
-    // A pause outlives an item that could not be played.
-    m_paused = start.containsPaused() ? start.paused() : m_resuming && m_paused;
-    m_resuming = false;
     m_engine.play(m_current.generation, firstUri(command.roles), qMax(0, start.startPosition()),
                   m_paused);
     setState(OrvoPlayerState::Opening);
@@ -215,7 +220,8 @@ CMPath PlayerTransport::deactivate() {
 void PlayerTransport::silence() {
     m_engine.stop();
     m_current = m_next = {};
-    m_paused = m_resuming = false;
+    // What is on its way was told how to start.
+    m_paused = m_paused && m_playsUnderWay > 0;
     m_prepareTimer.stop();
     setState(OrvoPlayerState::Stopped);
 }
@@ -281,7 +287,6 @@ void PlayerTransport::resumeAfter(PlayerEngine::Generation generation) {
         !m_logic)
         return;
     m_state = OrvoPlayerState::Opening;
-    m_resuming = true;
     m_logic->tryResumePlayback();
     Q_EMIT changed();
 }
@@ -300,7 +305,6 @@ void PlayerTransport::onFailed(PlayerEngine::Generation generation, const QStrin
     m_prepareTimer.stop();
     m_prepared = true;
     m_state = OrvoPlayerState::Opening;
-    m_resuming = true;
     OrvoError error;
     error.setCode(QStringLiteral("CannotPlay"));
     // Why stands in the log alone: it would tell strangers which files and ports there are.
@@ -329,11 +333,14 @@ void PlayerTransport::playContainer(const CMSetDataRequest& request) {
 
 void PlayerTransport::pause(const CMSetDataRequest& request) {
     post([this, request] {
-        if (m_state == OrvoPlayerState::Stopped) {
+        if (m_state == OrvoPlayerState::Stopped && m_playsUnderWay == 0) {
             request.reply().setError(nothingPlays());
             return;
         }
-        const OrvoPlayLogicControls controls = data().controls();
+        // Those of what comes are not known yet.
+        const bool opening = m_state == OrvoPlayerState::Opening || m_playsUnderWay > 0;
+        const OrvoPlayLogicControls controls =
+            opening ? OrvoPlayLogicControls() : data().controls();
         if (controls.containsPause() && !controls.pause()) {
             request.reply().setError(notNow("This cannot be paused."));
             return;
@@ -350,11 +357,16 @@ void PlayerTransport::pause(const CMSetDataRequest& request) {
 
 void PlayerTransport::resume(const CMSetDataRequest& request) {
     post([this, request] {
-        if (m_state == OrvoPlayerState::Stopped) {
+        if (m_state == OrvoPlayerState::Stopped && m_playsUnderWay == 0) {
             request.reply().setError(nothingPlays());
             return;
         }
         m_paused = false;
+        // What was replaced does not sound once more.
+        if (m_playsUnderWay > 0) {
+            request.reply().setValue({});
+            return;
+        }
         m_engine.setPaused(false);
         if (m_state == OrvoPlayerState::Paused) {
             setState(OrvoPlayerState::Playing);

@@ -101,8 +101,8 @@ private:
     OrvoPlayerState::Enum m_state = OrvoPlayerState::Stopped;
     bool m_paused = false;
     bool m_prepared = false;
-    bool m_resuming = false; // the play logic was asked for a way on
     int m_decisionsUnderWay = 0;
+    int m_playsUnderWay = 0;
     int m_volume = 100;
     QTimer m_prepareTimer;
 };

@@ -23,6 +23,9 @@ struct PlayLogicCommand {
     OrvoRoles roles;
     QHash<QString, QVariant> params;
     CMReply<QVariant> reply;
+    // A play command that a request to play, for the next or for the previous item led to. Any
+    // other one follows from an edit, a failure or an end, and keeps a pause.
+    bool requested = false;
 };
 
 // The player module's ear for play logics. A command may be carried out later, but in the order

@@ -1,5 +1,6 @@
 #include "StreamerPlayLogic.h"
 
+#include <QPointer>
 #include <QScopedValueRollback>
 
 #include "CMLog.h"
@@ -22,11 +23,11 @@ const QList<StreamerPlayLogic::RequestRow>& StreamerPlayLogic::requestRows() {
     using Kind = OrvoPlayLogicRequestKind;
     using Logic = StreamerPlayLogic;
     static const QList<RequestRow> rows = {
-        {Kind::Play, &Logic::play, true},
-        {Kind::Stop, &Logic::stop, true},
-        {Kind::Next, &Logic::nextInternal, false},
-        {Kind::Previous, &Logic::previousInternal, false},
-        {Kind::ChangePlayMode, &Logic::changePlayModeInternal, true},
+        {Kind::Play, &Logic::play, true, true},
+        {Kind::Stop, &Logic::stop, true, false},
+        {Kind::Next, &Logic::nextInternal, false, true},
+        {Kind::Previous, &Logic::previousInternal, false, true},
+        {Kind::ChangePlayMode, &Logic::changePlayModeInternal, true, false},
     };
     return rows;
 }
@@ -40,10 +41,26 @@ bool StreamerPlayLogic::setDataRequest(const CMSetDataRequest& request) {
             ++m_playModeDecisions;
         const QScopedValueRollback<int> setting(m_settingPlayMode,
                                                 m_settingPlayMode + (row.setsPlayMode ? 1 : 0));
+        const quint64 number = ++m_requests;
+        if (row.asksForSound)
+            m_openRequest = number;
         (this->*row.call)(request);
+        if (row.asksForSound && request.hasReply()) {
+            request.reply().onFinished([self = QPointer<StreamerPlayLogic>(this), number] {
+                if (self)
+                    self->answered(number);
+            });
+        }
         return true;
     }
     return false;
+}
+
+void StreamerPlayLogic::answered(quint64 request) {
+    if (request != m_openRequest)
+        return;
+    m_openRequest = 0;
+    m_pendingStart = {};
 }
 
 void StreamerPlayLogic::play(const CMSetDataRequest& request) {
@@ -53,6 +70,7 @@ void StreamerPlayLogic::play(const CMSetDataRequest& request) {
 
 void StreamerPlayLogic::stop(const CMSetDataRequest& request) {
     m_pendingStart = {};
+    m_openRequest = 0;
     stopInternal(request);
 }
 
@@ -101,7 +119,8 @@ void StreamerPlayLogic::tryResumePlayback() {
 
 CMReply<QVariant> StreamerPlayLogic::send(PlayLogicCommand::Kind kind, const OrvoRoles& roles,
                                           const QHash<QString, QVariant>& params) {
-    const PlayLogicCommand command{kind, this, roles, params, {}};
+    const bool requested = kind == PlayLogicCommand::Kind::Play && m_openRequest != 0;
+    const PlayLogicCommand command{kind, this, roles, params, {}, requested};
     PlayLogicInterface::playerInstance()->command(command);
     return command.reply;
 }

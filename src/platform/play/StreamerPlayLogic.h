@@ -14,6 +14,8 @@
 //   an item is started        mediaPlaybackStarted  (returns what is published)
 //   nothing to go on with     tryResumePlayback     sendPlayCommand or playbackEnded
 //
+// The play command that a request leads to is sent before the request is answered: one that comes
+// later keeps a pause.
 // Commands are carried out in order and never call back before they return. Owned by its module,
 // on the worker's thread; a command without a player fails its reply.
 class ORVO_API_PLAY_EXPORT StreamerPlayLogic : public PlayLogicBase {
@@ -61,9 +63,12 @@ private:
         void (StreamerPlayLogic::*call)(const CMSetDataRequest& request);
         // The play logic is choosing its mode while it handles this request.
         bool setsPlayMode;
+        // What plays from it was asked for.
+        bool asksForSound;
     };
     static const QList<RequestRow>& requestRows();
 
+    void answered(quint64 request);
     void play(const CMSetDataRequest& request);
     void stop(const CMSetDataRequest& request);
     CMReply<QVariant> send(PlayLogicCommand::Kind kind, const OrvoRoles& roles = {},
@@ -72,6 +77,9 @@ private:
     OrvoRoles m_startedRoles;
     // The play request whose first play command has not come yet.
     OrvoPlayLogicPlayArgs m_pendingStart;
+    quint64 m_requests = 0;
+    // The last request for sound while it is not answered, 0 when it is.
+    quint64 m_openRequest = 0;
     int m_settingPlayMode = 0;
     // Counts the requests that decide about the play mode: a change that was queued before the last
     // one is out of date.

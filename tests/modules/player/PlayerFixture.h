@@ -26,6 +26,7 @@ protected:
         player.reset();
         player = std::make_unique<PlayerWorker>(
             QHash<QString, QVariant>{{QStringLiteral("player/audioSink"), sink},
+                                     {QStringLiteral("player/networkTimeoutMs"), 300},
                                      {QStringLiteral("musicDir"), files.fileName({})}});
     }
 

@@ -197,6 +197,83 @@ TEST_F(PlayerTransportTest, nextAndPreviousGoToThePlayLogicAndPlayOnAfterAPause)
                            "previous", "started:t1>t0", "prepare", "previous"}));
 }
 
+TEST_F(PlayerTransportTest, whatNoRequestCausedKeepsAPause) {
+    logic.setTracks({sound("a.wav", 2000), sound("b.wav", 2000)});
+    playSilentlyInRealTime();
+    play(logic);
+    ASSERT_TRUE(waitForState("playing"));
+    waitFor(60);
+    done(OrvoPlayerPausePath());
+    logic.playTrack(1);
+    ASSERT_TRUE(waitForCall(logic, "started:t0>t1"));
+    EXPECT_EQ(state(), "paused");
+    waitFor(150);
+    EXPECT_EQ(position(), 0) << "loaded, at its beginning";
+    EXPECT_FALSE(done(OrvoPlayerResumePath()).isError());
+    EXPECT_EQ(state(), "playing");
+    EXPECT_TRUE(waitUntil([&] { return position() > 50; }));
+    logic.playTrack(0);
+    ASSERT_TRUE(waitForCall(logic, "started:t1>t0"));
+    EXPECT_EQ(state(), "playing") << "nothing was paused any more";
+}
+
+TEST_F(PlayerTransportTest, whatPlaysOnARequestThatIsAnsweredLaterDoesNotKeepAPause) {
+    class Slow : public TestPlayLogic {
+    public:
+        using TestPlayLogic::TestPlayLogic;
+        void nextInternal(const CMSetDataRequest& request) override { waiting = request.reply(); }
+        CMReply<QVariant> waiting;
+    } slow(source.nodes(), CMPath(QStringLiteral("source:slow")));
+    slow.setTracks({sound("a.wav", 2000), sound("b.wav", 2000), sound("c.wav", 2000)});
+    playSilentlyInRealTime();
+    play(slow, 0, 0, true);
+    ASSERT_TRUE(waitForState("paused"));
+    invoke(OrvoPlayerNextPath());
+    waitFor(30);
+    slow.playTrack(1);
+    slow.waiting.setValue({});
+    ASSERT_TRUE(waitForCall(slow, "started:t0>t1"));
+    EXPECT_EQ(state(), "playing");
+    done(OrvoPlayerPausePath());
+    slow.playTrack(2);
+    ASSERT_TRUE(waitForCall(slow, "started:t1>t2"));
+    EXPECT_EQ(state(), "paused") << "the request is over";
+}
+
+TEST_F(PlayerTransportTest, aPauseInTheSameTurnAsPlayOrNextHolds) {
+    logic.setTracks({sound("a.wav", 2000), sound("b.wav", 2000), sound("c.wav", 2000)});
+    playSilentlyInRealTime();
+    play(logic);
+    const auto paused = invoke(OrvoPlayerPausePath());
+    ASSERT_TRUE(waitForCall(logic, "started:>t0"));
+    EXPECT_TRUE(paused.isFinished() && !paused.isError());
+    EXPECT_EQ(state(), "paused");
+
+    invoke(OrvoPlayerNextPath());
+    invoke(OrvoPlayerPausePath());
+    ASSERT_TRUE(waitForCall(logic, "started:t0>t1"));
+    EXPECT_EQ(state(), "paused");
+    waitFor(100);
+    EXPECT_EQ(position(), 0);
+
+    invoke(OrvoPlayerNextPath());
+    invoke(OrvoPlayerPausePath());
+    invoke(OrvoPlayerResumePath());
+    ASSERT_TRUE(waitForCall(logic, "started:t1>t2"));
+    EXPECT_EQ(state(), "playing") << "the last word counts";
+}
+
+TEST_F(PlayerTransportTest, aPauseWhileAnItemOpensHolds) {
+    SoundServer server({});
+    logic.setTracks({server.url("/silent"), sound("b.wav", 2000)});
+    playSilentlyInRealTime();
+    play(logic);
+    ASSERT_TRUE(waitForState("opening"));
+    EXPECT_FALSE(done(OrvoPlayerPausePath()).isError());
+    ASSERT_TRUE(waitForCall(logic, "started:>t1"));
+    EXPECT_EQ(state(), "paused") << "also for what comes in its place";
+}
+
 TEST_F(PlayerTransportTest, theModeGoesToThePlayLogicAndComesBackAsAValue) {
     logic.setTracks({sound("a.wav", 300)});
     play(logic, 0, 0, true);

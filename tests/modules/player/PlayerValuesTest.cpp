@@ -140,6 +140,24 @@ TEST_F(PlayerValuesTest, whatComesNextChangesOnceWhenAShortTrackFollowsAnother) 
     EXPECT_EQ(titles, (QStringList{"t1", "t2", QString()}));
 }
 
+TEST_F(PlayerValuesTest, whatIsAnnouncedInOneGoWithAPlayCommandIsKept) {
+    const Watcher watcher;
+    logic.setTracks({sound("a.wav", 300), sound("b.wav", 300), sound("c.wav", 300)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForCall(logic, "prepare"));
+    waitFor(30);
+    logic.announce(2);
+    logic.playTrack(1);
+    logic.announce(0);
+    EXPECT_EQ(CMRoot()->getValue(OrvoPlayerNextMediaPath()).toHash(), logic.tracks.at(0).toHash());
+    ASSERT_TRUE(waitForCall(logic, "started:t0>t1"));
+    waitFor(30);
+    QStringList titles;
+    for (const OrvoValue& value : watcher.of(OrvoPlayerNextMediaPath()))
+        titles.append(OrvoRoles(value.toHash()).title().toString());
+    EXPECT_EQ(titles, (QStringList{"t1", "t0", "t2"})) << "t2 by the preparation of t1";
+}
+
 TEST_F(PlayerValuesTest, aModeChosenByThePlayLogicIsPublished) {
     const Watcher watcher;
     logic.setTracks({sound("a.wav", 300)});

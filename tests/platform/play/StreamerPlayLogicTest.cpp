@@ -168,6 +168,63 @@ TEST_F(StreamerPlayLogicTest, theFirstPlayCommandAfterAPlayRequestTakesItsStartP
     EXPECT_EQ(logic.data().mediaRoles().title().toString(), "Party");
 }
 
+TEST_F(StreamerPlayLogicTest, aPlayCommandIsRequestedWhileARequestForSoundIsNotAnswered) {
+    logic.setTracks({"file:///a", "file:///b", "file:///c"});
+    const auto requested = [this] {
+        QList<bool> result;
+        for (const PlayLogicCommand& command : std::exchange(player.commands, {}))
+            result.append(command.requested);
+        return result;
+    };
+    for (const auto kind : {OrvoPlayLogicRequestKind::Play, OrvoPlayLogicRequestKind::Next,
+                            OrvoPlayLogicRequestKind::Previous}) {
+        request(kind);
+        logic.playTrack(1);
+        EXPECT_EQ(requested(), (QList<bool>{true, false})) << kind;
+    }
+    logic.current = 2;
+    request(OrvoPlayLogicRequestKind::Next);
+    EXPECT_TRUE(player.commands.isEmpty()) << "there is no next one";
+    logic.playTrack(0);
+    logic.announce(1);
+    EXPECT_EQ(requested(), (QList<bool>{false, false}));
+
+    class Slow : public TestPlayLogic {
+    public:
+        using TestPlayLogic::TestPlayLogic;
+        void nextInternal(const CMSetDataRequest& request) override {
+            waiting.append(request.reply());
+        }
+        QList<CMReply<QVariant>> waiting;
+    } slow(worker.nodes(), CMPath(QStringLiteral("source:slow")));
+    slow.setTracks({"file:///a"});
+    OrvoPlayLogicRequest next;
+    next.setKind(OrvoPlayLogicRequestKind::Next);
+    for (int i = 0; i < 2; ++i)
+        CMRoot()->invoke(slow.path(), next.toVariant(), {});
+    slow.waiting.at(0).setValue({});
+    slow.playTrack(0);
+    slow.waiting.at(1).setError(CMError(QStringLiteral("no")));
+    slow.playTrack(0);
+    CMRoot()->invoke(slow.path(), next.toVariant(), {});
+    slow.waiting.clear();
+    slow.playTrack(0);
+    EXPECT_EQ(requested(), (QList<bool>{true, false, false}))
+        << "as long as the last one is open; one that nobody answers any more is over, too";
+}
+
+TEST_F(StreamerPlayLogicTest, aRequestThatIsAnsweredAfterItsPlayLogicWentDoesNoHarm) {
+    CMReply<QVariant> waiting;
+    {
+        TestPlayLogic brief(worker.nodes(), CMPath(QStringLiteral("source:brief")));
+        brief.answers = false;
+        OrvoPlayLogicRequest next;
+        next.setKind(OrvoPlayLogicRequestKind::Next);
+        CMRoot()->invoke(brief.path(), next.toVariant(), waiting);
+    }
+    waiting.setValue({});
+}
+
 TEST_F(StreamerPlayLogicTest, aStartedItemIsPublishedOnceWithOldAndNewRoles) {
     const QSignalSpy spy(&logic, &PlayLogicBase::dataChanged);
     const OrvoRoles a = TestPlayLogic::track(0, "file:///a");
