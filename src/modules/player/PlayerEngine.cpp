@@ -99,6 +99,14 @@ void PlayerEngine::clearNext() {
             {EngineEvent::Kind::SourceDrained, m_current.decoder->id(), m_feeder->epoch(), {}});
 }
 
+void PlayerEngine::goOn() {
+    if (!m_current.broken)
+        return;
+    m_ended = true;
+    m_events.push(
+        {EngineEvent::Kind::SourceDrained, m_current.decoder->id(), m_feeder->epoch(), {}});
+}
+
 void PlayerEngine::setPaused(bool paused) {
     m_feeder->setPaused(paused);
 }
@@ -211,21 +219,28 @@ void PlayerEngine::onSourceEnded(const EngineEvent& event) {
     tryHandOver();
 }
 
-void PlayerEngine::tryHandOver() {
+bool PlayerEngine::tryHandOver() {
     if (!m_ended || !m_next.ready)
-        return;
+        return false;
+    const bool broken = m_current.broken;
     m_current = m_next;
     m_next = {};
     m_ended = m_drained = false;
-    m_feeder->continueWith(m_current.decoder);
+    // After what is broken the output may never have been opened.
+    if (!broken)
+        m_feeder->continueWith(m_current.decoder);
+    else if (!m_feeder->start(m_current.decoder, 0))
+        return true;
     Q_EMIT started(m_current.generation);
+    return true;
 }
 
 void PlayerEngine::onSourceDrained(const EngineEvent& event) {
     if (!isCurrent(event))
         return;
     m_drained = true;
-    finishCurrent();
+    if (!tryHandOver())
+        finishCurrent();
 }
 
 void PlayerEngine::finishCurrent() {

@@ -37,6 +37,8 @@ public:
     void play(Generation generation, const QString& uri, qint64 startMs, bool paused);
     void setNext(Generation generation, const QString& uri);
     void clearNext();
+    // What plays has failed: goes on as after its end.
+    void goOn();
     void setPaused(bool paused);
     // False when it cannot be sought in.
     bool seek(qint64 ms);
@@ -87,7 +89,7 @@ private:
     void decode(Item& item);
     void watchOpening();
     void matchNextFormat();
-    void tryHandOver();
+    bool tryHandOver();
     void finishCurrent();
 
     const SourceRules m_rules;

@@ -30,6 +30,11 @@ bool isPlayLogic(const CMPath& path) {
     return worker && qobject_cast<StreamerPlayLogic*>(worker->nodes()->find(path));
 }
 
+// The same entry of the same list, wherever it stands by now.
+bool isSameItem(const OrvoRoles& a, const OrvoRoles& b) {
+    return a.id().isEmpty() ? a == b : a.id() == b.id();
+}
+
 CMError invalid(const char* text) {
     return CMError(CMError::InvalidValue(), TrString("Player", text), CMError::DefaultTitle());
 }
@@ -299,18 +304,32 @@ void PlayerTransport::onFailed(PlayerEngine::Generation generation, const QStrin
     const QString title = roles.title().toString();
     LOG4CPLUS_ERROR(playerLog(),
                     "cannot play \"" << title << "\" (" << firstUri(roles) << "): " << text);
-    // The play logic knows the way on, whatever it had announced.
-    m_current = {++m_lastGeneration, roles};
-    dropNext();
     m_prepareTimer.stop();
     m_prepared = true;
     m_state = OrvoPlayerState::Opening;
+    // Why stands in the log alone: it would tell strangers which files and ports there are.
     OrvoError error;
     error.setCode(QStringLiteral("CannotPlay"));
-    // Why stands in the log alone: it would tell strangers which files and ports there are.
     error.setMessage(TrString("Player", "%1 cannot be played.", {title}).toString());
-    m_logic->itemFailed(roles, error);
+    if (ofNext) {
+        m_current = {++m_lastGeneration, roles};
+        dropNext();
+        m_logic->itemFailed(roles, error);
+    } else {
+        m_logic->itemBrokeOff(roles, error);
+        // Behind the announcement that may be under way, and when the error was published.
+        post([this, generation] { goOnAfter(generation); });
+    }
     Q_EMIT changed();
+}
+
+void PlayerTransport::goOnAfter(PlayerEngine::Generation generation) {
+    if (generation != m_current.generation || m_decisionsUnderWay > 0)
+        return;
+    // What broke off is not tried again and again.
+    if (m_next.generation != 0 && isSameItem(m_next.roles, m_current.roles))
+        dropNext();
+    m_engine.goOn();
 }
 
 // Requests of users.

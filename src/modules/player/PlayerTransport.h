@@ -80,6 +80,7 @@ private:
     void onEnded(PlayerEngine::Generation generation);
     void onFinished(PlayerEngine::Generation generation);
     void onFailed(PlayerEngine::Generation generation, const QString& text);
+    void goOnAfter(PlayerEngine::Generation generation);
     void resumeAfter(PlayerEngine::Generation generation);
 
     void activate(StreamerPlayLogic* logic);

@@ -173,11 +173,15 @@ void StreamerPlayLogic::itemStarted(const OrvoRoles& roles) {
 }
 
 void StreamerPlayLogic::itemFailed(const OrvoRoles& roles, const OrvoError& error) {
+    itemBrokeOff(roles, error);
+    tryResumePlayback();
+}
+
+void StreamerPlayLogic::itemBrokeOff(const OrvoRoles& roles, const OrvoError& error) {
     OrvoPlayLogicData failed = data();
     failed.setTrackRoles(roles);
     failed.setStreamerError(error);
     setData(failed);
-    tryResumePlayback();
 }
 
 void StreamerPlayLogic::playModePublished() {

@@ -52,7 +52,10 @@ public:
 
     // The player reports. Nobody else calls these.
     void itemStarted(const OrvoRoles& roles);
+    // It failed, and the play logic finds the way on.
     void itemFailed(const OrvoRoles& roles, const OrvoError& error);
+    // It failed, and what follows is the player's to find out: something may be announced.
+    void itemBrokeOff(const OrvoRoles& roles, const OrvoError& error);
 
 protected:
     void playModePublished() override;

@@ -448,6 +448,116 @@ TEST_F(PlayerRecordingTest, aBrokenAnnouncedFileIsPassedOverAfterTheOneBeforeItW
     EXPECT_TRUE(recorded() == SoundFiles::joined({a, c}));
 }
 
+// What SoundServer sends of a file when it breaks off in its middle.
+class PlayerBreakTest : public PlayerRecordingTest {
+protected:
+    static QByteArray content(const QString& fileName) {
+        QFile file(fileName);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
+    const Pcm broken = SoundFiles::pcm(44100, 9);
+    SoundServer server{(files.wav("served.wav", broken), content(files.fileName("served.wav")))};
+};
+
+TEST_F(PlayerBreakTest, whatWasAnnouncedIsHeardAfterATrackThatBreaksOff) {
+    const LogCapture log("Player");
+    const Pcm b = SoundFiles::pcm(20000, 1);
+    const Pcm c = SoundFiles::pcm(20000, 2);
+    logic.setTracks({server.url("/half"), files.wav("b.wav", b), files.wav("c.wav", c)});
+    QStringList errors;
+    QObject::connect(
+        CMRoot()->events(), &CMSubscribe::changed, &server, [&](const CMChange& change) {
+            if (change.path == OrvoPlayerDataPath())
+                errors.append(
+                    OrvoPlayLogicData(change.newValue.toHash()).streamerError().message());
+        });
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "resume"));
+    ASSERT_TRUE(waitForTheEnd());
+    EXPECT_EQ(logic.calls, (QStringList{"play", "started:>t0", "prepare", "started:t0>t1",
+                                        "prepare", "started:t1>t2", "prepare", "resume"}));
+    EXPECT_EQ(errors.count("t0 cannot be played."), 1) << errors.join('|').toStdString();
+    EXPECT_EQ(errors.last(), QString());
+    EXPECT_EQ(log.errors().size(), 1);
+    const Pcm heard = recorded();
+    const Pcm rest = SoundFiles::joined({b, c});
+    ASSERT_GT(heard.size(), rest.size() + broken.size() / 4);
+    EXPECT_TRUE(std::equal(heard.begin(), heard.end() - int(rest.size()), broken.begin()));
+    EXPECT_TRUE(std::equal(rest.begin(), rest.end(), heard.end() - int(rest.size())));
+}
+
+TEST_F(PlayerBreakTest, anAnnouncedTrackThatIsStillOpeningIsWaitedFor) {
+    logic.setTracks(
+        {server.url("/half"), server.url("/silent"), server.url("/late/150"), sound("d.wav", 30)});
+    play(logic);
+    ASSERT_TRUE(waitUntil([&] { return logic.data().containsStreamerError(); }));
+    logic.announce(2);
+    ASSERT_TRUE(waitForCall(logic, "resume"));
+    EXPECT_EQ(logic.calls, (QStringList{"play", "started:>t0", "prepare", "started:t0>t2",
+                                        "prepare", "started:t2>t3", "prepare", "resume"}));
+}
+
+TEST_F(PlayerBreakTest, anAnnouncedTrackThatIsBrokenTooIsPassedOver) {
+    logic.setTracks({server.url("/half"), files.uri("missing.wav"), sound("c.wav", 30)});
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "resume"));
+    EXPECT_EQ(logic.calls, (QStringList{"play", "started:>t0", "prepare", "resume after error",
+                                        "started:t0>t2", "prepare", "resume"}));
+}
+
+TEST_F(PlayerBreakTest, aBrokenTrackThatWasAnnouncedAgainIsNotRepeated) {
+    class RepeatOne : public TestPlayLogic {
+    public:
+        using TestPlayLogic::TestPlayLogic;
+        void prepareNextMedia() override {
+            calls.append("prepare");
+            announce(current);
+        }
+    } same(source.nodes(), CMPath(QStringLiteral("source:same")));
+    same.setTracks({server.url("/half")});
+    play(same);
+    ASSERT_TRUE(waitUntil([&] { return same.calls.contains("resume after error"); }));
+    EXPECT_EQ(same.calls, (QStringList{"play", "started:>t0", "prepare", "resume after error"}));
+}
+
+TEST_F(PlayerBreakTest, withNothingAnnouncedABrokenTrackAsksForAWayOn) {
+    logic.setTracks({server.url("/half")});
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "resume after error"));
+    ASSERT_TRUE(waitForTheEnd());
+    EXPECT_EQ(logic.calls, (QStringList{"play", "started:>t0", "prepare", "resume after error"}));
+}
+
+TEST_F(PlayerBreakTest, aTrackThatNeverBeganMakesWayForWhatWasAnnounced) {
+    logic.setTracks({server.url("/silent"), sound("b.wav", 30), sound("c.wav", 30)});
+    logic.sendPlayCommand(logic.tracks.at(0), {});
+    logic.announce(1);
+    ASSERT_TRUE(waitForCall(logic, "resume"));
+    EXPECT_EQ(logic.calls,
+              (QStringList{"started:>t1", "prepare", "started:t1>t2", "prepare", "resume"}));
+}
+
+TEST_F(PlayerBreakTest, anAnnouncementThatIsRenewedAfterTheBreakIsWhatIsHeard) {
+    logic.setTracks({server.url("/half"), server.url("/silent"), sound("c.wav", 30)});
+    play(logic);
+    ASSERT_TRUE(waitUntil([&] { return logic.data().containsStreamerError(); }));
+    logic.announce(2);
+    ASSERT_TRUE(waitForCall(logic, "resume"));
+    EXPECT_EQ(logic.calls, (QStringList{"play", "started:>t0", "prepare", "started:t0>t2",
+                                        "prepare", "resume"}));
+}
+
+TEST_F(PlayerBreakTest, anAnnouncementThatIsTakenBackAfterTheBreakLeavesAWayOnToFind) {
+    logic.setTracks({server.url("/half"), server.url("/silent"), sound("c.wav", 30)});
+    play(logic);
+    ASSERT_TRUE(waitUntil([&] { return logic.data().containsStreamerError(); }));
+    logic.announce(99);
+    logic.current = 1;
+    ASSERT_TRUE(waitForCall(logic, "started:t0>t2"));
+    EXPECT_EQ(logic.calls.count("resume after error"), 1);
+}
+
 TEST_F(PlayerTransportTest, aPauseOutlivesAFileThatCannotBePlayed) {
     logic.setTracks({files.uri("missing.wav"), sound("b.wav", 300)});
     play(logic, 0, 0, true);

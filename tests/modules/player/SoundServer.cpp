@@ -42,6 +42,9 @@ void SoundServer::answer(QTcpSocket* client, const QString& path) {
         client->write(headers() + m_sound.left(half));
         QTimer::singleShot(rest.toInt(), client,
                            [this, client, half] { client->write(m_sound.mid(half)); });
+    } else if (what == QLatin1String("late")) {
+        QTimer::singleShot(rest.toInt(), client,
+                           [this, client] { client->write(headers() + m_sound); });
     } else if (what == QLatin1String("again") && rest.toInt() > 0) {
         sendOn(client, "/again/" + QByteArray::number(rest.toInt() - 1));
     } else if (what == QLatin1String("again")) {

@@ -12,6 +12,7 @@
 //   /headers     its headers, then nothing
 //   /half        half of it, then nothing
 //   /slow/MS     half of it, and after so long the rest
+//   /late/MS     the whole, after so long
 //   /again/N     sent on N times, then the whole
 //   /to/TARGET   sent on to TARGET (percent-encoded)
 //
