@@ -25,14 +25,27 @@ CMPath playLogicPath(const OrvoPlayLogicPlayArgs& args) {
 
 // What a client names as a play logic may be any path; a request to play that went to one of the
 // player's own would come back for ever.
-bool isPlayLogic(const CMPath& path) {
+StreamerPlayLogic* playLogicAt(const CMPath& path) {
+    if (path.isEmpty())
+        return nullptr;
     auto* worker = qobject_cast<CMNodesWorker*>(CMRoot()->worker(path.prefix()));
-    return worker && qobject_cast<StreamerPlayLogic*>(worker->nodes()->find(path));
+    return worker ? qobject_cast<StreamerPlayLogic*>(worker->nodes()->find(path)) : nullptr;
 }
 
 // The same entry of the same list, wherever it stands by now.
 bool isSameItem(const OrvoRoles& a, const OrvoRoles& b) {
     return a.id().isEmpty() ? a == b : a.id() == b.id();
+}
+
+OrvoError playError(const char* code, const TrString& message) {
+    OrvoError error;
+    error.setCode(QString::fromLatin1(code));
+    error.setMessage(message.toString());
+    return error;
+}
+
+TrString nothingToPlay() {
+    return TrString("Player", "There is nothing to play.");
 }
 
 CMError invalid(const char* text) {
@@ -134,6 +147,7 @@ void PlayerTransport::carryOut(const PlayLogicCommand& command) {
         const OrvoPlayLogicPlayArgs start{QVariantHash(command.params)};
         m_paused = start.containsPaused() ? start.paused() : m_paused && !command.requested;
     }
+    m_decisions += decides ? 1 : 0;
     m_decisionsUnderWay += decides ? 1 : 0;
     m_playsUnderWay += plays ? 1 : 0;
     post([this, command, announced, counts, decides, plays] {
@@ -308,9 +322,9 @@ void PlayerTransport::onFailed(PlayerEngine::Generation generation, const QStrin
     m_prepared = true;
     m_state = OrvoPlayerState::Opening;
     // Why stands in the log alone: it would tell strangers which files and ports there are.
-    OrvoError error;
-    error.setCode(QStringLiteral("CannotPlay"));
-    error.setMessage(TrString("Player", "%1 cannot be played.", {title}).toString());
+    const OrvoError error = playError(
+        "CannotPlay",
+        roles.isEmpty() ? nothingToPlay() : TrString("Player", "%1 cannot be played.", {title}));
     if (ofNext) {
         m_current = {++m_lastGeneration, roles};
         dropNext();
@@ -338,7 +352,7 @@ void PlayerTransport::playContainer(const CMSetDataRequest& request) {
     post([this, request] {
         OrvoPlayLogicPlayArgs args(request.value());
         const CMPath path = playLogicPath(args);
-        if (path.isEmpty() || !isPlayLogic(path)) {
+        if (!playLogicAt(path)) {
             request.reply().setError(invalid("There is no play logic for this."));
             return;
         }
@@ -346,8 +360,27 @@ void PlayerTransport::playContainer(const CMSetDataRequest& request) {
         if (m_logic && m_logic->path().base() == path.base())
             dropNext();
         args.setKind(OrvoPlayLogicRequestKind::Play);
+        const QPointer<StreamerPlayLogic> logic = playLogicAt(path);
+        const quint64 decisions = ++m_decisions;
         CMRoot()->invoke(path, args.toVariant(), request.reply());
+        const auto answered = [self = QPointer<PlayerTransport>(this), logic,
+                               decisions](bool refused) {
+            // Behind the commands that the play logic may have sent.
+            if (self)
+                self->post([=] { self->onPlayAnswered(logic, decisions, refused); });
+        };
+        request.reply().onSuccess([answered] { answered(false); });
+        request.reply().onError([answered](const CMError&) { answered(true); });
     });
+}
+
+void PlayerTransport::onPlayAnswered(StreamerPlayLogic* logic, quint64 decisions, bool refused) {
+    // What plays does not notice that another play logic refuses.
+    if (!logic || decisions != m_decisions || (refused && logic != m_logic))
+        return;
+    activate(logic);
+    silence();
+    logic->nothingPlayed(playError("NothingToPlay", nothingToPlay()));
 }
 
 void PlayerTransport::pause(const CMSetDataRequest& request) {

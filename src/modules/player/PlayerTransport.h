@@ -82,6 +82,7 @@ private:
     void onFailed(PlayerEngine::Generation generation, const QString& text);
     void goOnAfter(PlayerEngine::Generation generation);
     void resumeAfter(PlayerEngine::Generation generation);
+    void onPlayAnswered(StreamerPlayLogic* logic, quint64 decisions, bool refused);
 
     void activate(StreamerPlayLogic* logic);
     // Leaves the active play logic and returns its path, empty when there was none.
@@ -102,6 +103,7 @@ private:
     OrvoPlayerState::Enum m_state = OrvoPlayerState::Stopped;
     bool m_paused = false;
     bool m_prepared = false;
+    quint64 m_decisions = 0; // about what plays, those of users included
     int m_decisionsUnderWay = 0;
     int m_playsUnderWay = 0;
     int m_volume = 100;

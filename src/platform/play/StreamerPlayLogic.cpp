@@ -184,6 +184,13 @@ void StreamerPlayLogic::itemBrokeOff(const OrvoRoles& roles, const OrvoError& er
     setData(failed);
 }
 
+void StreamerPlayLogic::nothingPlayed(const OrvoError& error) {
+    m_startedRoles = {};
+    OrvoPlayLogicData nothing;
+    nothing.setError(error);
+    setData(nothing);
+}
+
 void StreamerPlayLogic::playModePublished() {
     if (m_settingPlayMode > 0)
         return;

@@ -15,7 +15,7 @@
 //   nothing to go on with     tryResumePlayback     sendPlayCommand or playbackEnded
 //
 // The play command that a request leads to is sent before the request is answered: one that comes
-// later keeps a pause.
+// later keeps a pause, and a play request that was answered without one has led to nothing.
 // Commands are carried out in order and never call back before they return. Owned by its module,
 // on the worker's thread; a command without a player fails its reply.
 class ORVO_API_PLAY_EXPORT StreamerPlayLogic : public PlayLogicBase {
@@ -56,6 +56,8 @@ public:
     void itemFailed(const OrvoRoles& roles, const OrvoError& error);
     // It failed, and what follows is the player's to find out: something may be announced.
     void itemBrokeOff(const OrvoRoles& roles, const OrvoError& error);
+    // The play request that came last was answered without a play command.
+    void nothingPlayed(const OrvoError& error);
 
 protected:
     void playModePublished() override;

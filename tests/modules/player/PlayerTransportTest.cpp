@@ -342,6 +342,71 @@ TEST_F(PlayerTransportTest, aRefusedPlayRequestLeavesTheOtherPlayLogicAlone) {
     EXPECT_FALSE(logic.calls.contains("stop"));
 }
 
+TEST_F(PlayerTransportTest, aPlayRequestThatLeadsToNothingStopsWhatPlaysAndSaysSo) {
+    logic.setTracks({sound("a.wav", 2000), sound("b.wav", 2000)});
+    playSilentlyInRealTime();
+    play(logic);
+    ASSERT_TRUE(waitForState("playing"));
+    waitFor(60);
+    play(logic, 99);
+    ASSERT_TRUE(waitForState("stopped"));
+    const OrvoPlayLogicData told(CMRoot()->getValue(OrvoPlayerDataPath()));
+    EXPECT_EQ(told.error().code(), "NothingToPlay");
+    EXPECT_EQ(told.error().message(), "There is nothing to play.");
+    EXPECT_FALSE(told.containsTrackRoles());
+    EXPECT_FALSE(told.containsControls());
+    EXPECT_TRUE(CMRoot()->getValue(OrvoPlayerNextMediaPath()).toHash().isEmpty());
+    EXPECT_EQ(done(OrvoPlayerPausePath()).error().message().toString(), "Nothing is playing.");
+
+    logic.calls.clear();
+    play(logic, 1, 700);
+    ASSERT_TRUE(waitForCall(logic, "started:>t1"));
+    EXPECT_FALSE(OrvoPlayLogicData(CMRoot()->getValue(OrvoPlayerDataPath())).containsError());
+}
+
+TEST_F(PlayerTransportTest, theStartOfAPlayRequestThatLedToNothingIsForgotten) {
+    logic.setTracks({sound("a.wav", 2000)});
+    playSilentlyInRealTime();
+    play(logic, 99, 700, true);
+    ASSERT_TRUE(waitUntil([&] { return logic.data().containsError(); }));
+    logic.playTrack(0);
+    ASSERT_TRUE(waitForCall(logic, "started:>t0"));
+    EXPECT_LT(position(), 700);
+}
+
+TEST_F(PlayerTransportTest, aPlayLogicThatTakesARequestAndPlaysNothingStopsTheOther) {
+    logic.setTracks({sound("a.wav", 2000)});
+    play(logic, 0, 0, true);
+    ASSERT_TRUE(waitForState("paused"));
+    play(other, 5);
+    ASSERT_TRUE(waitForState("stopped"));
+    waitFor(20);
+    EXPECT_EQ(logic.calls.last(), "stop");
+    EXPECT_EQ(logic.lastStopReason, OrvoPlayerStopReason::TakenOver);
+    EXPECT_EQ(OrvoPlayLogicData(CMRoot()->getValue(OrvoPlayerDataPath())).error().code(),
+              "NothingToPlay");
+}
+
+TEST_F(PlayerTransportTest, aRequestForNothingThatWasReplacedMeanwhileStopsNothing) {
+    logic.setTracks({sound("a.wav", 2000), sound("b.wav", 2000)});
+    playSilentlyInRealTime();
+    play(logic);
+    ASSERT_TRUE(waitForState("playing"));
+    play(logic, 99);
+    play(logic, 1);
+    ASSERT_TRUE(waitUntil([&] { return logic.calls.last() == "prepare" && logic.current == 1; }));
+    waitFor(50);
+    EXPECT_EQ(state(), "playing");
+    EXPECT_FALSE(logic.data().containsError());
+}
+
+TEST_F(PlayerTransportTest, anItemWithoutAnythingIsNothingToPlay) {
+    logic.tracks.append(OrvoRoles());
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "resume after error"));
+    EXPECT_EQ(logic.data().streamerError().message(), "There is nothing to play.");
+}
+
 TEST_F(PlayerTransportTest, commandsOfAPlayLogicThatIsNotInChargeAreRefused) {
     logic.setTracks({sound("a.wav", 300)});
     other.setTracks({sound("b.wav", 300)});

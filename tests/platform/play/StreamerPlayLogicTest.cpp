@@ -225,6 +225,19 @@ TEST_F(StreamerPlayLogicTest, aRequestThatIsAnsweredAfterItsPlayLogicWentDoesNoH
     waiting.setValue({});
 }
 
+TEST_F(StreamerPlayLogicTest, aRequestThatLedToNothingLeavesItsErrorAlone) {
+    logic.itemStarted(TestPlayLogic::track(0, "file:///a"));
+    OrvoError error;
+    error.setCode(QStringLiteral("NothingToPlay"));
+    logic.nothingPlayed(error);
+    OrvoPlayLogicData expected;
+    expected.setError(error);
+    EXPECT_EQ(logic.data(), expected);
+    logic.itemStarted(TestPlayLogic::track(1, "file:///b"));
+    EXPECT_EQ(logic.calls.last(), "started:>t1");
+    EXPECT_FALSE(logic.data().containsError());
+}
+
 TEST_F(StreamerPlayLogicTest, aStartedItemIsPublishedOnceWithOldAndNewRoles) {
     const QSignalSpy spy(&logic, &PlayLogicBase::dataChanged);
     const OrvoRoles a = TestPlayLogic::track(0, "file:///a");
