@@ -302,6 +302,7 @@ bool PlayList::moveItem(int from, int to) {
         followMovedItem(from, to);
     }
     tell(&PlayList::itemMoved, from, to);
+    tell(&PlayList::itemsMoved);
     return true;
 }
 
@@ -349,6 +350,7 @@ bool PlayList::moveItems(QList<int> indices, int to) {
         return moveItem(moves.constFirst().from, moves.constFirst().to);
     for (const ItemMove& move : std::as_const(moves))
         tell(&PlayList::itemMoved, move.from, move.to);
+    tell(&PlayList::itemsMoved);
     return true;
 }
 

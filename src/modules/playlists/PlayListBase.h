@@ -104,6 +104,8 @@ Q_SIGNALS:
     void itemsAdded(const QString& positionEnum, int firstSeqNum, int count);
     void itemsRemoved(const QList<int>& indices, int lastSeqNumBeforeRemove);
     void itemMoved(int from, int to);
+    // After the last itemMoved of a call.
+    void itemsMoved();
     void itemsCleared();
     void shuffleChanged(bool newValue);
     void repeatAllChanged(bool newValue);

@@ -46,6 +46,8 @@ void PlayListPlayLogic::connectCurrentPlayList() {
               &PlayListPlayLogic::on_currentPlayList_cleared);
     cmConnect(m_currentPlayList, &PlayListBase::itemMoved, this,
               &PlayListPlayLogic::on_currentPlayList_itemMoved);
+    cmConnect(m_currentPlayList, &PlayListBase::itemsMoved, this,
+              &PlayListPlayLogic::on_currentPlayList_itemsMoved);
     cmConnect(m_currentPlayList, &PlayListBase::itemsReordered, this,
               &PlayListPlayLogic::on_currentPlayList_itemsReordered);
     cmConnect(m_currentPlayList, &PlayListBase::itemsAdded, this,
@@ -65,6 +67,8 @@ void PlayListPlayLogic::disconnectCurrentPlayList() {
                  &PlayListPlayLogic::on_currentPlayList_cleared);
     cmDisconnect(m_currentPlayList, &PlayListBase::itemMoved, this,
                  &PlayListPlayLogic::on_currentPlayList_itemMoved);
+    cmDisconnect(m_currentPlayList, &PlayListBase::itemsMoved, this,
+                 &PlayListPlayLogic::on_currentPlayList_itemsMoved);
     cmDisconnect(m_currentPlayList, &PlayListBase::itemsReordered, this,
                  &PlayListPlayLogic::on_currentPlayList_itemsReordered);
     cmDisconnect(m_currentPlayList, &PlayListBase::itemsAdded, this,
@@ -130,6 +134,8 @@ OrvoRoles PlayListPlayLogic::getNextTrack() {
         m_errorCount = 0;
     }
 
+    putCursorOnPlaying();
+    m_cursorBeforeAnnouncement.reset();
     OrvoRoles result;
     if (m_shuffleEnabled) {
         const int seqNum = getNextShuffleItem();
@@ -150,6 +156,8 @@ OrvoRoles PlayListPlayLogic::getNextTrack() {
 }
 
 OrvoRoles PlayListPlayLogic::getPreviousTrack() {
+    putCursorOnPlaying();
+    m_cursorBeforeAnnouncement.reset();
     OrvoRoles result;
     if (m_shuffleEnabled) {
         const int seqNum = getPrevShuffleItem();
@@ -181,7 +189,9 @@ void PlayListPlayLogic::playInternal(const CMSetDataRequest& request,
     m_repeatMode = RepeatOff;
     m_shuffleSeq.clear();
     m_shuffleCurIndex = -1;
+    m_cursorBeforeAnnouncement.reset();
     m_currentTrackRoles = OrvoRoles();
+    m_hasPlayingItem = false;
     m_errorCount = 0;
     m_nextMediaPrepared = false;
 
@@ -241,6 +251,8 @@ void PlayListPlayLogic::playTrackRoles(OrvoRoles roles) {
     const OrvoValue position = roles.value();
     if (m_currentPlayList && position.containsI32_())
         m_currentPlayList->setLastSequenceNumber(position.i32());
+    m_hasPlayingItem = !roles.isEmpty();
+    m_cursorBeforeAnnouncement.reset();
     sendPlayCommand(roles, {});
 }
 
@@ -250,26 +262,33 @@ void PlayListPlayLogic::stopInternal(const CMSetDataRequest& request) {
     StreamerPlayLogic::stopInternal(request);
 }
 
-void PlayListPlayLogic::nextInternal(const CMSetDataRequest& request) {
-    const OrvoRoles roles = getNextTrack();
+void PlayListPlayLogic::skip(const CMSetDataRequest& request,
+                             OrvoRoles (PlayListPlayLogic::*track)(), const char* whenThereIsNone) {
+    const int cursor = m_shuffleCurIndex;
+    const std::optional<int> cursorBeforeAnnouncement = m_cursorBeforeAnnouncement;
+    const OrvoRoles roles = (this->*track)();
     if (!roles.isEmpty()) {
         m_currentTrackRoles = roles;
         playTrackRoles(roles);
     } else {
-        LOG4CPLUS_DEBUG(playLogicLog(), "Reached last item of playlist for nextInternal");
+        LOG4CPLUS_DEBUG(playLogicLog(), whenThereIsNone);
+        if (cursorBeforeAnnouncement) {
+            // What is announced still follows.
+            m_shuffleCurIndex = cursor;
+            m_cursorBeforeAnnouncement = cursorBeforeAnnouncement;
+        }
     }
     request.reply().setValue(QVariant());
 }
 
+void PlayListPlayLogic::nextInternal(const CMSetDataRequest& request) {
+    skip(request, &PlayListPlayLogic::getNextTrack,
+         "Reached last item of playlist for nextInternal");
+}
+
 void PlayListPlayLogic::previousInternal(const CMSetDataRequest& request) {
-    const OrvoRoles roles = getPreviousTrack();
-    if (!roles.isEmpty()) {
-        m_currentTrackRoles = roles;
-        playTrackRoles(roles);
-    } else {
-        LOG4CPLUS_DEBUG(playLogicLog(), "Reached first item of playlist for previousInternal");
-    }
-    request.reply().setValue(QVariant());
+    skip(request, &PlayListPlayLogic::getPreviousTrack,
+         "Reached first item of playlist for previousInternal");
 }
 
 void PlayListPlayLogic::changePlayModeInternal(const CMSetDataRequest& request) {
@@ -294,6 +313,14 @@ void PlayListPlayLogic::changePlayModeInternal(const CMSetDataRequest& request) 
     request.reply().setValue(QVariant());
 }
 
+bool PlayListPlayLogic::publishedShuffle() const {
+    return isPlayMode(playMode()) ? isShuffled(playMode()) : m_shuffleEnabled;
+}
+
+PlayListPlayLogic::RepeatMode PlayListPlayLogic::publishedRepeat() const {
+    return isPlayMode(playMode()) ? RepeatMode(playMode() / 2) : m_repeatMode;
+}
+
 OrvoPlayLogicPlayModesSupported PlayListPlayLogic::playModesSupported() {
     OrvoPlayLogicPlayModesSupported supported;
     supported.setShuffle(true);
@@ -306,10 +333,16 @@ OrvoPlayLogicPlayModesSupported PlayListPlayLogic::playModesSupported() {
 
 // --- the player's calls ---
 
+void PlayListPlayLogic::putCursorOnPlaying() {
+    if (m_cursorBeforeAnnouncement)
+        m_shuffleCurIndex = *m_cursorBeforeAnnouncement;
+}
+
 void PlayListPlayLogic::prepareNextMedia() {
-    // Deliberate: asking for the next track advances the shuffle cursor, also when it is asked
-    // again.
+    putCursorOnPlaying();
+    const int cursor = m_shuffleCurIndex;
     const OrvoRoles roles = m_repeatMode == RepeatOne ? getCurrentTrack() : getNextTrack();
+    m_cursorBeforeAnnouncement = cursor;
     if (!roles.isEmpty()) {
         m_currentTrackRoles = roles;
         sendSetNextMediaCommand(roles, {});
@@ -323,6 +356,7 @@ void PlayListPlayLogic::prepareNextMedia() {
 }
 
 void PlayListPlayLogic::takeOverCurrentTrack() {
+    m_cursorBeforeAnnouncement.reset();
     const OrvoValue position = m_currentTrackRoles.value();
     if (!m_currentPlayList || !position.containsI32_())
         return;
@@ -368,17 +402,23 @@ OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRo
     result.removeAttribute(OrvoPlayLogicData::StreamerError());
     result.setControls(controls);
     LOG4CPLUS_DEBUG(playLogicLog(), "New playlogic data: " << result.toVariant());
-    m_nextMediaPrepared = false;
-    if (announcedStarted)
+    m_hasPlayingItem = true;
+    if (announcedStarted) {
+        m_nextMediaPrepared = false;
         takeOverCurrentTrack();
+    } else {
+        m_nextMediaPrepared = m_cursorBeforeAnnouncement.has_value();
+    }
     return result;
 }
 
 void PlayListPlayLogic::tryResumePlayback() {
     takeOverCurrentTrack();
     const OrvoRoles roles = getNextTrack();
-    if (!roles.isEmpty())
+    if (!roles.isEmpty()) {
         playTrackRoles(roles);
-    else
+    } else {
+        m_hasPlayingItem = false;
         playbackEnded();
+    }
 }

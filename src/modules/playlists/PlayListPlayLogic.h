@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include <QVector>
 
 #include "OrvoRoles.h"
@@ -29,7 +31,8 @@ public:
     OrvoRoles getTrackRelative(int offset);
     OrvoRoles getTrackAbsolute(int seqNum);
     OrvoRoles getCurrentTrack();
-    // Advances the shuffle order. Empty at the end, and after five tracks in a row that failed.
+    // Seen from the playing item, whatever is announced. They move the shuffle cursor. Empty at the
+    // end, and after five tracks in a row that failed.
     OrvoRoles getNextTrack();
     OrvoRoles getPreviousTrack();
 
@@ -72,6 +75,7 @@ private Q_SLOTS:
     void on_currentPlayList_itemsInserted(const QList<int>& positions);
     void on_currentPlayList_itemsRemoved(const QList<int>& indices, int lastSeqNumBeforeRemove);
     void on_currentPlayList_itemMoved(int from, int to);
+    void on_currentPlayList_itemsMoved();
     void on_currentPlayList_itemsReordered(const QList<int>& order);
     void on_currentPlayList_shuffleChanged(bool newValue);
     void on_currentPlayList_repeatAllChanged(bool newValue);
@@ -83,17 +87,32 @@ private:
     void disconnectCurrentPlayList();
     OrvoRoles trackAt(int seqNum, const char* whenThereIsNone);
     void stopPlayer();
+    // Plays what `track` finds, seen from the playing item.
+    void skip(const CMSetDataRequest& request, OrvoRoles (PlayListPlayLogic::*track)(),
+              const char* whenThereIsNone);
+    // Shuffle and repeat as they will be once the published mode is in force.
+    bool publishedShuffle() const;
+    RepeatMode publishedRepeat() const;
     // The prepared track has become the position.
     void takeOverCurrentTrack();
+    // An announced item has not been heard: steps and edits count from the playing one.
+    void putCursorOnPlaying();
     // Keeps the sequence number in the current track roles on its item: `moved` maps old to new, -1
     // for gone.
     template <typename Moved>
     void followCurrentTrack(Moved moved);
-    // Tells the player of its next item anew where the one that it knows is no longer next. Under
-    // shuffle, and with repeat one, an edit never changes what comes next.
+    // After an edit: the announced item is announced anew if it is no longer next, else the cursor
+    // goes back to it.
     void announceAnew();
+    // The sequence number of the track behind the playing one, -1 for none.
+    int nextNumber() const;
+    // The place behind the cursor, -1 for none.
+    int nextShufflePlace() const;
+    void addToShuffle(int position, int firstSeqNum, int count);
     // `indices` are ascending.
     void removeFromShuffle(const QList<int>& indices);
+    // `seqNum` plays instead of the entry that the cursor stood on: it follows what has played.
+    void replaceInShuffle(int seqNum);
 
     PlayListWorker* m_worker;
     PlayListManager* m_manager;
@@ -101,8 +120,13 @@ private:
     bool m_shuffleEnabled = false;
     RepeatMode m_repeatMode = RepeatOff;
     QVector<int> m_shuffleSeq;
+    // The place of the playing item, or of the announced one.
     int m_shuffleCurIndex = -1;
+    // Set while an announcement stands: where the cursor was before it.
+    std::optional<int> m_cursorBeforeAnnouncement;
     OrvoRoles m_currentTrackRoles;
+    // From a play command until the end: what is at the last sequence number is heard.
+    bool m_hasPlayingItem = false;
     int m_errorCount = 0;
     bool m_nextMediaPrepared = false;
 };

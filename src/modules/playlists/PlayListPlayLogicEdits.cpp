@@ -29,6 +29,7 @@ void PlayListPlayLogic::followCurrentTrack(Moved moved) {
 }
 
 void PlayListPlayLogic::stopPlayer() {
+    m_hasPlayingItem = false;
     PlayLogicInterface::playerInstance()->stop(StopOnRequest);
 }
 
@@ -43,6 +44,7 @@ void PlayListPlayLogic::on_currentPlayList_cleared() {
     CM_ENTER(playLogicLog());
     // The item that was announced went, too.
     m_currentTrackRoles = OrvoRoles();
+    m_cursorBeforeAnnouncement.reset();
     stopPlayer();
 }
 
@@ -60,9 +62,15 @@ void PlayListPlayLogic::on_currentPlayList_itemsAdded(const QString& positionStr
         followCurrentTrack(
             [=](int seqNum) { return seqNum >= firstSeqNum ? seqNum + count : seqNum; });
     }
-    if (!m_shuffleEnabled)
-        return;
+    putCursorOnPlaying();
+    if (m_shuffleEnabled)
+        addToShuffle(position, firstSeqNum, count);
+    // With nothing announced the player asks when the track ends.
+    if (!m_currentTrackRoles.isEmpty())
+        announceAnew();
+}
 
+void PlayListPlayLogic::addToShuffle(int position, int firstSeqNum, int count) {
     if (position == OrvoPlayListAddPosition::Now ||
         position == OrvoPlayListAddPosition::AfterCurrent) {
         // The new items play next, in their own order.
@@ -91,6 +99,7 @@ void PlayListPlayLogic::on_currentPlayList_itemsInserted(const QList<int>& posit
     const auto moved = [&positions](int seqNum) {
         return ItemPlaces::afterAdding(positions, seqNum);
     };
+    putCursorOnPlaying();
     if (m_shuffleEnabled) {
         // The new items are mixed into what has not played yet.
         std::transform(m_shuffleSeq.begin(), m_shuffleSeq.end(), m_shuffleSeq.begin(), moved);
@@ -126,6 +135,15 @@ void PlayListPlayLogic::removeFromShuffle(const QList<int>& indices) {
     m_shuffleCurIndex = cursor;
 }
 
+void PlayListPlayLogic::replaceInShuffle(int seqNum) {
+    const int place = m_shuffleSeq.indexOf(seqNum);
+    if (place < 0)
+        return;
+    const int played = place <= m_shuffleCurIndex ? m_shuffleCurIndex : m_shuffleCurIndex + 1;
+    m_shuffleSeq.move(place, played);
+    m_shuffleCurIndex = played;
+}
+
 void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indices,
                                                         int lastSeqNumBeforeRemove) {
     LOG4CPLUS_DEBUG(playLogicLog(), "indices.size()=" << indices.size()
@@ -134,6 +152,7 @@ void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indice
         on_currentPlayList_cleared();
         return;
     }
+    putCursorOnPlaying();
     if (m_shuffleEnabled)
         removeFromShuffle(indices);
     // How many of the removed ones stood before this one; `indices` are ascending.
@@ -143,18 +162,22 @@ void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indice
     const auto isRemoved = [&indices](int seqNum) {
         return std::binary_search(indices.cbegin(), indices.cend(), seqNum);
     };
-    if (!isRemoved(lastSeqNumBeforeRemove)) {
+    if (!m_hasPlayingItem || !isRemoved(lastSeqNumBeforeRemove)) {
         followCurrentTrack(
             [&](int seqNum) { return isRemoved(seqNum) ? Gone : seqNum - removedBefore(seqNum); });
         updateSequenceNumberInData();
+        announceAnew();
         return;
     }
 
     // The playing item went: what has moved into its place plays.
-    const OrvoRoles replacement =
-        getTrackAbsolute(lastSeqNumBeforeRemove - removedBefore(lastSeqNumBeforeRemove));
+    const int place = lastSeqNumBeforeRemove - removedBefore(lastSeqNumBeforeRemove);
+    const OrvoRoles replacement = getTrackAbsolute(place);
     m_currentTrackRoles = OrvoRoles();
+    m_cursorBeforeAnnouncement.reset();
     if (!replacement.isEmpty()) {
+        if (m_shuffleEnabled)
+            replaceInShuffle(place);
         playTrackRoles(replacement);
         return;
     }
@@ -167,6 +190,7 @@ void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indice
 
 void PlayListPlayLogic::on_currentPlayList_itemMoved(int from, int to) {
     CM_ENTER_ARGS(playLogicLog(), "from=" << from << " to=" << to);
+    putCursorOnPlaying();
     if (m_shuffleEnabled) {
         // Deliberate: the two numbers are exchanged, those between are not shifted.
         for (int& entry : m_shuffleSeq) {
@@ -186,12 +210,17 @@ void PlayListPlayLogic::on_currentPlayList_itemMoved(int from, int to) {
     updateSequenceNumberInData();
 }
 
+void PlayListPlayLogic::on_currentPlayList_itemsMoved() {
+    announceAnew();
+}
+
 void PlayListPlayLogic::on_currentPlayList_itemsReordered(const QList<int>& order) {
     CM_ENTER_ARGS(playLogicLog(), "order.size()=" << order.size());
     QVector<int> placeOf(order.size());
     for (int i = 0; i < order.size(); ++i)
         placeOf[order.at(i)] = i;
     const auto moved = [&placeOf](int seqNum) { return placeOf.value(seqNum, seqNum); };
+    putCursorOnPlaying();
     if (m_shuffleEnabled)
         std::transform(m_shuffleSeq.begin(), m_shuffleSeq.end(), m_shuffleSeq.begin(), moved);
     followCurrentTrack(moved);
@@ -199,22 +228,38 @@ void PlayListPlayLogic::on_currentPlayList_itemsReordered(const QList<int>& orde
     announceAnew();
 }
 
-void PlayListPlayLogic::announceAnew() {
-    if (!m_nextMediaPrepared || m_shuffleEnabled || m_repeatMode == RepeatOne)
-        return;
-    const OrvoValue announced = m_currentTrackRoles.value();
+int PlayListPlayLogic::nextNumber() const {
     const int playing = m_currentPlayList->getLastSequenceNumber();
-    int next = playing + 1;
-    if (next >= m_currentPlayList->getSize())
-        next = m_repeatMode == RepeatAll ? 0 : Gone;
-    const int known = announced.containsI32_() ? announced.i32() : Gone;
-    // The playing item itself: a play command is on its way, and the player asks again after it.
-    if (known != next && known != playing)
+    if (m_repeatMode == RepeatOne)
+        return playing;
+    const bool repeats = m_repeatMode == RepeatAll;
+    if (!m_shuffleEnabled) {
+        const int next = playing + 1;
+        if (next < m_currentPlayList->getSize())
+            return next;
+        return repeats ? 0 : Gone;
+    }
+    const int place = nextShufflePlace();
+    return place < 0 ? Gone : m_shuffleSeq.at(place);
+}
+
+void PlayListPlayLogic::announceAnew() {
+    if (!m_cursorBeforeAnnouncement)
+        return;
+    const int next = nextNumber();
+    const OrvoValue announced = m_currentTrackRoles.value();
+    const bool isNext = announced.containsI32_() ? announced.i32() == next
+                                                 : m_currentTrackRoles.isEmpty() && next == Gone;
+    // The edit has left the cursor on the playing item.
+    m_cursorBeforeAnnouncement = m_shuffleCurIndex;
+    if (!isNext)
         prepareNextMedia();
+    else if (m_shuffleEnabled && m_repeatMode != RepeatOne && next != Gone)
+        m_shuffleCurIndex = nextShufflePlace();
 }
 
 void PlayListPlayLogic::on_currentPlayList_shuffleChanged(bool newValue) {
-    if (newValue == m_shuffleEnabled)
+    if (newValue == publishedShuffle())
         return;
     const int mode = playMode();
     if (mode >= OrvoPlayerPlayMode::Normal && mode <= OrvoPlayerPlayMode::ShuffleRepeatAll)
@@ -222,10 +267,11 @@ void PlayListPlayLogic::on_currentPlayList_shuffleChanged(bool newValue) {
 }
 
 void PlayListPlayLogic::on_currentPlayList_repeatAllChanged(bool newValue) {
-    const int shuffled = m_shuffleEnabled ? 1 : 0;
-    if (!newValue && m_repeatMode == RepeatAll)
+    const int shuffled = publishedShuffle() ? 1 : 0;
+    const bool repeatsAll = publishedRepeat() == RepeatAll;
+    if (!newValue && repeatsAll)
         setPlayMode(OrvoPlayerPlayMode::Enum(OrvoPlayerPlayMode::Normal + shuffled));
-    else if (newValue && m_repeatMode != RepeatAll)
+    else if (newValue && !repeatsAll)
         setPlayMode(OrvoPlayerPlayMode::Enum(OrvoPlayerPlayMode::RepeatAll + shuffled));
 }
 

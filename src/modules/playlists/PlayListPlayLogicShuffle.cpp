@@ -53,6 +53,8 @@ void PlayListPlayLogic::initShuffle(int startItem) {
     }
     debugShuffleItems();
     m_shuffleCurIndex = 0;
+    if (m_cursorBeforeAnnouncement)
+        m_cursorBeforeAnnouncement = 0;
 }
 
 void PlayListPlayLogic::randomizeShuffleItems(int from) {
@@ -71,18 +73,24 @@ void PlayListPlayLogic::shuffleTail(QVector<int>& order, int from, quint64 seed)
     std::shuffle(order.begin() + from, order.end(), engine);
 }
 
+int PlayListPlayLogic::nextShufflePlace() const {
+    if (m_shuffleCurIndex >= 0 && m_shuffleCurIndex + 1 < m_shuffleSeq.size())
+        return m_shuffleCurIndex + 1;
+    return m_repeatMode == RepeatAll && !m_shuffleSeq.isEmpty() ? 0 : -1;
+}
+
 int PlayListPlayLogic::getNextShuffleItem() {
     LOG4CPLUS_DEBUG(playLogicLog(), "m_shuffleCurIndex before next: " << m_shuffleCurIndex);
     const int size = m_shuffleSeq.size();
     int result = -1;
     if (size == 0) {
         LOG4CPLUS_DEBUG(playLogicLog(), "error: m_shuffleSeq.size: " << size);
-    } else if (m_shuffleCurIndex >= 0 && m_shuffleCurIndex + 1 < size) {
-        result = m_shuffleSeq.at(++m_shuffleCurIndex);
-    } else if (m_repeatMode == RepeatAll) {
-        m_shuffleCurIndex = 0;
-        LOG4CPLUS_DEBUG(playLogicLog(), "m_shuffleCurIndex is set to first item in m_shuffleSeq");
-        result = m_shuffleSeq.at(m_shuffleCurIndex);
+    } else if (const int place = nextShufflePlace(); place >= 0) {
+        m_shuffleCurIndex = place;
+        if (place == 0)
+            LOG4CPLUS_DEBUG(playLogicLog(),
+                            "m_shuffleCurIndex is set to first item in m_shuffleSeq");
+        result = m_shuffleSeq.at(place);
     }
     LOG4CPLUS_DEBUG(playLogicLog(), "m_shuffleCurIndex after next: " << m_shuffleCurIndex);
     LOG4CPLUS_DEBUG(playLogicLog(), "index: " << result);

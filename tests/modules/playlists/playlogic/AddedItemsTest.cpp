@@ -111,14 +111,20 @@ TEST_F(AddedItemsTest, addedNextWhileTheNextIsPreparedIsAnnounced) {
     EXPECT_EQ("x@1", published());
 }
 
-TEST_F(AddedItemsTest, addedNowOrAtTheEndIsNotAnnounced) {
-    for (const auto position : {Position::Now, Position::Append}) {
-        PlayListBase* pl = playing("abc");
-        logic()->prepareNextMedia();
-        player.takeCommands();
-        add(pl, position, "xy");
-        EXPECT_EQ(QStringList(), player.takeCommands());
-    }
+TEST_F(AddedItemsTest, addedAtTheEndLeavesTheAnnouncement) {
+    PlayListBase* pl = playing("abc");
+    logic()->prepareNextMedia();
+    player.takeCommands();
+    add(pl, Position::Append, "xy");
+    EXPECT_EQ(QStringList(), player.takeCommands());
+}
+
+TEST_F(AddedItemsTest, addedNowWhileTheNextIsPreparedIsAnnounced) {
+    PlayListBase* pl = playing("abc");
+    logic()->prepareNextMedia();
+    player.takeCommands();
+    add(pl, Position::Now, "xy");
+    EXPECT_EQ(QStringList{"next x@1"}, player.takeCommands());
 }
 
 TEST_F(AddedItemsTest, addedNextWithNothingPreparedIsNotAnnounced) {
@@ -131,19 +137,51 @@ TEST_F(AddedItemsTest, addedNextWithNothingPreparedIsNotAnnounced) {
     EXPECT_EQ(QStringList{"play x@3"}, player.takeCommands());
 }
 
-TEST_F(AddedItemsTest, theAnnouncementComesBeforeTheOrderIsPatched) {
+TEST_F(AddedItemsTest, underShuffleAddedNextIsHeardBetweenThePlayingAndTheAnnounced) {
+    PlayListBase* pl = playingShuffled("abcd", {0, 2, 1, 3}, 0);
+    logic()->prepareNextMedia();
+    EXPECT_EQ(QStringList{"next c@2"}, player.takeCommands());
+    EXPECT_EQ(1, probe().cursor());
+    add(pl, Position::AfterCurrent, "x");
+    EXPECT_EQ("axbcd", titlesOf(pl));
+    // The player hears of what stands at the announced number by now, then, from the patched order,
+    // of the new item.
+    EXPECT_EQ((QStringList{"next b@2", "next x@1"}), player.takeCommands());
+    EXPECT_EQ((QVector<int>{0, 1, 3, 2, 4}), probe().order());
+    EXPECT_EQ(1, probe().cursor());
+    QStringList heard;
+    while (!player.announced.isEmpty()) {
+        player.end();
+        heard.append(published());
+        logic()->prepareNextMedia();
+    }
+    EXPECT_EQ((QStringList{"x@1", "c@3", "b@2", "d@4"}), heard);
+}
+
+TEST_F(AddedItemsTest, underShuffleWhatTheStepAnnouncedIsNotAnnouncedTwice) {
     PlayListBase* pl = playingShuffled("abc", {0, 1, 2}, 0);
     logic()->prepareNextMedia();
     EXPECT_EQ(QStringList{"next b@1"}, player.takeCommands());
     add(pl, Position::AfterCurrent, "xy");
     EXPECT_EQ("axybc", titlesOf(pl));
-    // The old order goes on to number 2, which is the second of the new items by now.
-    EXPECT_EQ(QStringList{"next y@2"}, player.takeCommands());
-    EXPECT_EQ(2, probe().cursor());
-    EXPECT_EQ((QVector<int>{0, 3, 4, 1, 2}), probe().order());
+    EXPECT_EQ(QStringList{"next x@1"}, player.takeCommands());
+    EXPECT_EQ((QVector<int>{0, 1, 2, 3, 4}), probe().order());
+    EXPECT_EQ(1, probe().cursor());
+}
+
+TEST_F(AddedItemsTest, underShuffleAnAppendMixesTheAnnouncedOneToo) {
+    PlayListBase* pl = playingShuffled("abcd", {3, 0, 1, 2}, 0);
+    logic()->prepareNextMedia();
+    EXPECT_EQ(QStringList{"next a@0"}, player.takeCommands());
+    const TestClock clock(123456);
+    add(pl, Position::Append, "xyz");
+    const QVector<int> order = DrawnOrder::shuffled({3, 0, 1, 2, 4, 5, 6}, 1, 123456);
+    EXPECT_EQ(order, probe().order());
+    EXPECT_EQ(1, probe().cursor());
+    EXPECT_EQ(QString("abcdxyz").mid(order.at(1), 1),
+              RecordingPlayer::text(player.announced).left(1));
     player.end();
-    EXPECT_EQ("y@2", published());
-    EXPECT_EQ(2, pl->getLastSequenceNumber());
+    EXPECT_EQ(order.at(1), pl->getLastSequenceNumber());
 }
 
 TEST_F(AddedItemsTest, clearingStopsThePlayerAndTheListStaysCurrent) {

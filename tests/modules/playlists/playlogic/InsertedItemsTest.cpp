@@ -26,14 +26,17 @@ TEST_F(InsertedItemsTest, underShuffleNumbersFollowAndTheNewOnesAreStillToCome) 
     EXPECT_EQ(2, probe().cursor());
 }
 
-TEST_F(InsertedItemsTest, underShuffleWhatWasAnnouncedStaysNext) {
+TEST_F(InsertedItemsTest, underShuffleTheAnnouncedOneIsMixedWithAllThatIsToCome) {
     PlayListBase* pl = playingShuffled("abcde", {4, 2, 0, 3, 1}, 1);
     logic()->prepareNextMedia();
     EXPECT_EQ(QStringList("next a@0"), player.takeCommands());
     insert(pl, {0}, "x");
-    EXPECT_EQ(QStringList(), player.takeCommands());
+    EXPECT_EQ((QVector<int>{5, 3}), probe().order().mid(0, 2));
+    EXPECT_EQ(2, probe().cursor());
+    const QString next = titlesOf(pl).mid(probe().order().at(2), 1);
+    EXPECT_EQ(next, player.announced.title().toString());
     player.end();
-    EXPECT_EQ("a@1", published());
+    EXPECT_EQ(QString("%1@%2").arg(next).arg(probe().order().at(2)), published());
 }
 
 TEST_F(InsertedItemsTest, whatComesBeforeTheAnnouncedItemIsAnnouncedInstead) {

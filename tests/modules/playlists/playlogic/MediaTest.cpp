@@ -65,15 +65,35 @@ TEST_F(MediaTest, repeatAllAnnouncesTheFirstAfterTheLast) {
     EXPECT_EQ(QStringList{"next a@0"}, player.takeCommands());
 }
 
-TEST_F(MediaTest, preparingAdvancesTheShuffleCursorEachTime) {
+TEST_F(MediaTest, preparingAgainUnderShuffleAnnouncesTheSameItem) {
     PlayListBase* pl = playingShuffled("abcd", {2, 0, 3, 1}, 0);
     logic()->prepareNextMedia();
     logic()->prepareNextMedia();
-    EXPECT_EQ((QStringList{"next a@0", "next d@3"}), player.takeCommands());
-    EXPECT_EQ(2, probe().cursor());
+    EXPECT_EQ((QStringList{"next a@0", "next a@0"}), player.takeCommands());
+    EXPECT_EQ(1, probe().cursor());
     next();
-    EXPECT_EQ(QStringList{"play b@1"}, player.takeCommands());
-    EXPECT_EQ(1, pl->getLastSequenceNumber());
+    EXPECT_EQ(QStringList{"play a@0"}, player.takeCommands());
+    EXPECT_EQ(0, pl->getLastSequenceNumber());
+    EXPECT_EQ(1, probe().cursor());
+}
+
+TEST_F(MediaTest, aNextOrPreviousThatLeadsNowhereLeavesTheAnnouncement) {
+    playingShuffled("abc", {2, 0, 1}, 0);
+    logic()->prepareNextMedia();
+    previous();
+    EXPECT_EQ(QStringList{"next a@0"}, player.takeCommands());
+    EXPECT_EQ(1, probe().cursor());
+    player.end();
+    logic()->prepareNextMedia();
+    EXPECT_EQ(QStringList{"next b@1"}, player.takeCommands());
+}
+
+TEST_F(MediaTest, previousUnderShuffleCountsFromWhatPlays) {
+    playingShuffled("abcd", {2, 0, 3, 1}, 1);
+    logic()->prepareNextMedia();
+    previous();
+    EXPECT_EQ((QStringList{"next d@3", "play c@2"}), player.takeCommands());
+    EXPECT_EQ(0, probe().cursor());
 }
 
 TEST_F(MediaTest, controlsOfATrackOfAList) {

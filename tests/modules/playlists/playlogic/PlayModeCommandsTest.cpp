@@ -93,14 +93,42 @@ TEST_F(PlayModeCommandsTest, commandsOnAnotherListPublishNothing) {
     EXPECT_FALSE(probe().shuffle());
 }
 
-TEST_F(PlayModeCommandsTest, aShuffleThatTheOrderFollowsAlreadyPublishesNothing) {
+TEST_F(PlayModeCommandsTest, theLastOfSeveralSwitchesInOneTurnHolds) {
+    struct Switch {
+        char what; // 's'huffle, 'r'epeat all
+        bool on;
+    };
+    struct Row {
+        QList<Switch> switches;
+        int mode;
+    };
+    const Row rows[] = {{{{'s', true}, {'s', false}}, OrvoPlayerPlayMode::Normal},
+                        {{{'r', true}, {'r', false}}, OrvoPlayerPlayMode::Normal},
+                        {{{'s', true}, {'r', true}}, OrvoPlayerPlayMode::ShuffleRepeatAll},
+                        {{{'r', true}, {'s', true}}, OrvoPlayerPlayMode::ShuffleRepeatAll},
+                        {{{'s', true}, {'s', false}, {'s', true}}, OrvoPlayerPlayMode::Shuffle},
+                        {{{'s', true}, {'r', true}, {'s', false}}, OrvoPlayerPlayMode::RepeatAll},
+                        {{{'r', true}, {'s', true}, {'r', false}}, OrvoPlayerPlayMode::Shuffle}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.mode << ", " << row.switches.size() << " switches");
+        PlayListBase* pl = playing("abcd", 1);
+        for (const Switch& one : row.switches)
+            one.what == 's' ? sendShuffle(pl, one.on) : sendRepeat(pl, one.on);
+        turn();
+        EXPECT_EQ(row.mode, logic()->playMode());
+        const bool shuffled = row.mode % 2 == 1;
+        EXPECT_EQ(shuffled, probe().shuffle());
+        EXPECT_EQ(shuffled, pl->getShuffle());
+        EXPECT_EQ(row.mode / 2, probe().repeat());
+        EXPECT_EQ(row.mode / 2 == 2, pl->getRepeatAll());
+    }
+}
+
+TEST_F(PlayModeCommandsTest, aShuffleThatIsPublishedAlreadyPublishesNothing) {
     PlayListBase* pl = playing("abcd");
-    pl->setShuffle(true);
-    turn();
-    // What the list says differs from before, but the flag is there first.
-    probe().shuffle() = false;
+    logic()->setPlayMode(OrvoPlayerPlayMode::Shuffle);
     const QSignalSpy modes(logic(), &PlayLogicBase::playModeChanged);
-    pl->setShuffle(false);
+    pl->setShuffle(true);
     EXPECT_EQ(0, modes.count());
 }
 

@@ -19,25 +19,41 @@ protected:
     static QString at(PlayListBase* pl, int number) { return titlesOf(pl).mid(number, 1); }
 };
 
-TEST_F(PreparedItemTest, itsNumberFollowsAMove) {
+TEST_F(PreparedItemTest, itsNumberFollowsAMoveAndWhatCameBetweenIsAnnouncedInstead) {
     struct Row {
-        int from, to, number;
+        int from, to;
+        const char* heard; // behind b
+        bool announcedAnew;
     };
-    const Row rows[] = {{2, 5, 5}, {2, 0, 0}, {2, 3, 3}, {0, 2, 1}, {0, 4, 1}, {5, 2, 3},
-                        {5, 0, 3}, {3, 5, 2}, {1, 0, 2}, {0, 1, 2}, {3, 2, 3}};
+    const Row rows[] = {{2, 5, "d@2", true},  {2, 0, "d@3", true},  {2, 3, "d@2", true},
+                        {0, 2, "c@1", false}, {0, 4, "c@1", false}, {5, 2, "f@2", true},
+                        {5, 0, "c@3", false}, {3, 5, "c@2", false}, {1, 0, "a@1", true},
+                        {0, 1, "a@1", true},  {3, 2, "d@2", true}};
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << row.from << " to " << row.to);
         PlayListBase* pl = prepared();
         pl->moveItem(row.from, row.to);
-        EXPECT_EQ("c", at(pl, row.number));
-        EXPECT_EQ(row.number, announcedNumber());
         EXPECT_EQ("b", at(pl, pl->getLastSequenceNumber()));
-        EXPECT_EQ(QStringList(), player.takeCommands());
+        EXPECT_EQ(row.announcedAnew ? QStringList{QString("next ") + row.heard} : QStringList(),
+                  player.takeCommands());
         player.end();
-        EXPECT_EQ("c", at(pl, pl->getLastSequenceNumber()));
-        EXPECT_EQ(QString("c@%1").arg(row.number), published());
+        EXPECT_EQ(QString(row.heard), published());
+        EXPECT_EQ(QString(row.heard), QString("%1@%2")
+                                          .arg(at(pl, pl->getLastSequenceNumber()))
+                                          .arg(pl->getLastSequenceNumber()));
         EXPECT_TRUE(probe().currentTrackRoles().isEmpty());
     }
+}
+
+TEST_F(PreparedItemTest, severalMovesAnnounceOnceWhatIsNextAfterAllOfThem) {
+    PlayListBase* pl = prepared();
+    pl->moveItems({2, 3, 4}, 5); // a b f c d e
+    EXPECT_EQ(QStringList{"next f@2"}, player.takeCommands());
+    pl = prepared();
+    pl->moveItems({4, 5}, 0); // e f a b c d
+    EXPECT_EQ(QStringList(), player.takeCommands());
+    player.end();
+    EXPECT_EQ("c@4", published());
 }
 
 TEST_F(PreparedItemTest, itsNumberFollowsARemoval) {
@@ -51,18 +67,38 @@ TEST_F(PreparedItemTest, itsNumberFollowsARemoval) {
     }
 }
 
-TEST_F(PreparedItemTest, removedItNeverBecomesThePosition) {
-    for (const QList<int>& removed : {QList<int>{2}, QList<int>{0, 2}, QList<int>{2, 3, 4}}) {
+TEST_F(PreparedItemTest, whatFollowsTheRemovedOneIsAnnouncedInstead) {
+    const QList<QPair<QList<int>, QString>> rows = {
+        {{2}, "d@2"}, {{0, 2}, "d@1"}, {{2, 3, 4}, "f@2"}};
+    for (const auto& row : rows) {
         PlayListBase* pl = prepared();
-        pl->removeItems(removed);
-        EXPECT_FALSE(probe().currentTrackRoles().value().containsI32_());
-        player.end(); // the player had it already
-        EXPECT_EQ("b", at(pl, pl->getLastSequenceNumber()));
-        const QString behind = at(pl, pl->getLastSequenceNumber() + 1);
-        next();
-        EXPECT_EQ(QStringList{QString("play %1@%2").arg(behind).arg(pl->getLastSequenceNumber())},
-                  player.takeCommands());
+        pl->removeItems(row.first);
+        EXPECT_EQ(QStringList{"next " + row.second}, player.takeCommands());
+        player.end();
+        EXPECT_EQ(row.second, published());
+        EXPECT_EQ(row.second.left(1), at(pl, pl->getLastSequenceNumber()));
     }
+}
+
+TEST_F(PreparedItemTest, removedWithAllBehindItNothingIsAnnounced) {
+    PlayListBase* pl = prepared();
+    pl->removeItems({2, 3, 4, 5});
+    EXPECT_EQ(QStringList{"no next"}, player.takeCommands());
+    player.end();
+    EXPECT_EQ(QStringList{"ended"}, player.takeCommands());
+    EXPECT_EQ(1, pl->getLastSequenceNumber());
+}
+
+TEST_F(PreparedItemTest, removedAsItStartsItDoesNotBecomeThePosition) {
+    PlayListBase* pl = prepared();
+    const OrvoRoles started = player.announced;
+    pl->removeItems({2});
+    EXPECT_EQ(QStringList{"next d@2"}, player.takeCommands());
+    // The player had it already.
+    logic()->itemStarted(started);
+    EXPECT_EQ("b", at(pl, pl->getLastSequenceNumber()));
+    player.end();
+    EXPECT_EQ("d@2", published());
 }
 
 TEST_F(PreparedItemTest, itIsForgottenWhenThePlayingItemIsRemoved) {
@@ -87,23 +123,25 @@ TEST_F(PreparedItemTest, itIsForgottenWhenThePlayingItemIsRemovedFromTheEnd) {
 
 TEST_F(PreparedItemTest, itsNumberFollowsItemsInsertedBefore) {
     PlayListBase* pl = prepared();
-    add(pl, Position::Now, "xyz");
-    EXPECT_EQ("abxyzcdef", titlesOf(pl));
-    EXPECT_EQ(5, announcedNumber());
+    pl->addItemsAt({{0, 1}, true}, itemsOf("xy"));
+    EXPECT_EQ("xyabcdef", titlesOf(pl));
+    EXPECT_EQ(QStringList(), player.takeCommands());
+    EXPECT_EQ(4, announcedNumber());
     player.end();
-    EXPECT_EQ("c", at(pl, pl->getLastSequenceNumber()));
+    EXPECT_EQ("c@4", published());
 }
 
-TEST_F(PreparedItemTest, aWrappedOneKeepsItsNumberBeforeInsertedItems) {
+TEST_F(PreparedItemTest, aWrappedOneIsNoLongerNextWhereSomethingFollowsTheLast) {
     PlayListBase* pl = playing("abc", 1);
     changeMode(OrvoPlayerPlayMode::RepeatAll);
     next();
     player.start();
     logic()->prepareNextMedia();
     EXPECT_EQ((QStringList{"play c@2", "next a@0"}), player.takeCommands());
-    add(pl, Position::Now, "x");
     add(pl, Position::Append, "y");
-    EXPECT_EQ(0, announcedNumber());
+    EXPECT_EQ(QStringList{"next y@3"}, player.takeCommands());
+    player.end();
+    EXPECT_EQ("y@3", published());
 }
 
 TEST_F(PreparedItemTest, repeatedItFollowsThePlayingItem) {
@@ -129,15 +167,15 @@ TEST_F(PreparedItemTest, aRevokedAnnouncementDoesNotBecomeThePosition) {
 }
 
 TEST_F(PreparedItemTest, aRevokedAnnouncementUnderShuffleDoesNotBecomeThePosition) {
-    PlayListBase* pl = playingShuffled("ab", {0, 1}, 0);
+    PlayListBase* pl = playingShuffled("ab", {1, 0}, 1);
+    changeMode(OrvoPlayerPlayMode::ShuffleRepeatAll);
     logic()->prepareNextMedia();
-    // The order has no third entry to announce instead.
-    add(pl, Position::AfterCurrent, "x");
+    changeMode(OrvoPlayerPlayMode::Shuffle);
     EXPECT_EQ((QStringList{"next b@1", "no next"}), player.takeCommands());
-    EXPECT_EQ("axb", titlesOf(pl));
-    EXPECT_TRUE(probe().currentTrackRoles().isEmpty());
+    EXPECT_EQ(1, probe().cursor());
     player.end();
-    EXPECT_EQ(QStringList{"play x@1"}, player.takeCommands());
+    EXPECT_EQ(QStringList{"ended"}, player.takeCommands());
+    EXPECT_EQ(0, pl->getLastSequenceNumber());
 }
 
 TEST_F(PreparedItemTest, itIsForgottenWhenTheListIsCleared) {
@@ -188,10 +226,4 @@ TEST_F(PreparedItemTest, anItemRenumberedBeforeItHasStartedIsPublishedWithItsNew
     pl->removeItems({0, 1});
     player.start();
     EXPECT_EQ("d@1", published());
-    // What is gone keeps the number it was handed over with.
-    logic()->prepareNextMedia();
-    pl->removeItems({2});
-    player.end();
-    EXPECT_EQ("e@2", published());
-    EXPECT_EQ(1, pl->getLastSequenceNumber());
 }

@@ -70,13 +70,88 @@ TEST_F(RemovedItemsTest, oneRemovedItemLeavesTheOrder) {
     }
 }
 
-TEST_F(RemovedItemsTest, removingTheFirstOfTheOrderWhilePlayingLeavesNoCursor) {
-    PlayListBase* pl = playingShuffled("abc", {1, 2, 0}, 0);
+TEST_F(RemovedItemsTest, whatReplacesThePlayingItemFollowsWhatHasPlayedInTheOrder) {
+    struct Row {
+        QVector<int> order;
+        int cursor;
+        QVector<int> orderAfter;
+        int cursorAfter;
+    };
+    // The item at the cursor is removed.
+    const Row rows[] = {
+        {{1, 2, 0}, 0, {1, 0}, 0},             // the replacement was next
+        {{1, 0, 2}, 0, {1, 0}, 0},             // it was last
+        {{3, 1, 0, 4, 2}, 1, {2, 1, 0, 3}, 1}, // not all of them heard
+        {{2, 4, 1, 0, 3}, 2, {3, 1, 0, 2}, 1}, // it was heard before
+    };
+    for (const Row& row : rows) {
+        PlayListBase* pl =
+            playingShuffled(QString("abcde").left(row.order.size()), row.order, row.cursor);
+        const int removed = row.order.at(row.cursor);
+        const QString replacement = titlesOf(pl).mid(removed + 1, 1);
+        pl->removeItems({removed});
+        EXPECT_EQ((QStringList{QString("play %1@%2").arg(replacement).arg(removed)}),
+                  player.takeCommands());
+        EXPECT_EQ(row.orderAfter, probe().order());
+        EXPECT_EQ(row.cursorAfter, probe().cursor());
+    }
+}
+
+TEST_F(RemovedItemsTest, whileAnItemIsAnnouncedThePlayingOneIsReplacedInTheOrder) {
+    PlayListBase* pl = playingShuffled("abcd", {1, 3, 0, 2}, 0);
+    logic()->prepareNextMedia();
     pl->removeItems({1});
-    EXPECT_EQ((QVector<int>{1, 0}), probe().order());
-    EXPECT_EQ(-1, probe().cursor());
-    EXPECT_EQ(QStringList{"play c@1"}, player.takeCommands());
-    next();
+    EXPECT_EQ((QStringList{"next d@3", "play c@1"}), player.takeCommands());
+    player.start();
+    QStringList heard;
+    for (logic()->prepareNextMedia(); !player.announced.isEmpty(); logic()->prepareNextMedia()) {
+        player.end();
+        heard.append(published());
+    }
+    EXPECT_EQ((QStringList{"d@2", "a@0"}), heard);
+}
+
+TEST_F(RemovedItemsTest, afterTheEndARemovalPlaysNothing) {
+    for (const bool shuffled : {false, true}) {
+        PlayListBase* pl = shuffled ? playingShuffled("abc", {0, 2, 1}, 2) : playing("abc", 2);
+        player.end();
+        EXPECT_EQ(QStringList{"ended"}, player.takeCommands());
+        pl->removeItems({pl->getLastSequenceNumber()});
+        EXPECT_EQ(QStringList(), player.takeCommands());
+    }
+}
+
+TEST_F(RemovedItemsTest, afterTooManyFailuresARemovalPlaysNothing) {
+    PlayListBase* pl = playing("abcdefgh");
+    for (int i = 0; i < 6; ++i)
+        player.fail();
+    EXPECT_EQ("ended", player.takeCommands().last());
+    pl->removeItems({pl->getLastSequenceNumber()});
+    EXPECT_EQ(QStringList(), player.takeCommands());
+}
+
+TEST_F(RemovedItemsTest, beforeAnythingPlaysARemovalPlaysNothing) {
+    PlayListBase* pl = listOf("abc");
+    pl->setLastSequenceNumber(1);
+    play(pl, 7);
+    EXPECT_EQ(QStringList{"play nothing"}, player.takeCommands());
+    pl->removeItems({1});
+    EXPECT_EQ(QStringList(), player.takeCommands());
+}
+
+TEST_F(RemovedItemsTest, anItemOnItsWayCountsAsPlaying) {
+    PlayListBase* pl = listOf("abc");
+    play(pl, 1);
+    pl->removeItems({1});
+    EXPECT_EQ((QStringList{"play b@1", "play c@1"}), player.takeCommands());
+}
+
+TEST_F(RemovedItemsTest, whatStoppedIsNotReplaced) {
+    PlayListBase* pl = playing("abc", 2);
+    pl->removeItems({2});
+    EXPECT_EQ(QStringList{"asked to stop: 0"}, player.takeCommands());
+    pl->setLastSequenceNumber(0);
+    pl->removeItems({0});
     EXPECT_EQ(QStringList(), player.takeCommands());
 }
 

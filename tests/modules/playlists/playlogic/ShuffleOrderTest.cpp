@@ -143,6 +143,7 @@ TEST_F(ShuffleOrderTest, withoutAListTheOrderIsForgotten) {
 
 TEST_F(ShuffleOrderTest, switchingOnDrawsFromWhatPlaysAndTellsTheList) {
     PlayListBase* pl = playing("abcdefgh", 5);
+    logic()->setPlayMode(OrvoPlayerPlayMode::Shuffle);
     const QSignalSpy changes(pl, &PlayListBase::shuffleChanged);
     const QSignalSpy modes(logic(), &PlayLogicBase::playModeChanged);
     const LogCapture log("PlayListsPlayLogic");
