@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <array>
 #include <optional>
 #include <utility>
@@ -10,30 +9,8 @@
 #include "DatabaseTransaction.h"
 #include "ItemTexts.h"
 #include "ModuleLog.h"
+#include "NumberRuns.h"
 #include "Sqlite3Statement.h"
-
-namespace {
-
-// Entries that follow each other without a gap, both ends included.
-struct Run {
-    int from;
-    int to;
-};
-
-// 5 1 2 -> 1..2, 5..5
-QVector<Run> runsOf(QList<int> indices) {
-    std::sort(indices.begin(), indices.end());
-    QVector<Run> runs;
-    for (int index : std::as_const(indices)) {
-        if (!runs.isEmpty() && qint64(runs.constLast().to) + 1 == index)
-            runs.last().to = index;
-        else
-            runs.append({index, index});
-    }
-    return runs;
-}
-
-} // namespace
 
 int Database::getNextSequenceNumber(const PlayListRecord& pl) {
     CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid);
@@ -221,7 +198,7 @@ int Database::removeItems(const PlayListRecord& pl, const QList<int>& indices) {
 int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>& indices) {
     LeftItems left(*this, indices.size());
     int removed = 0;
-    for (const Run& run : runsOf(indices)) {
+    for (const NumberRun& run : runsOf(indices)) {
         left.note(pl.uid, run.from, run.to);
         // A read that failed may have ended the transaction.
         if (sqlite3_get_autocommit(m_connection))

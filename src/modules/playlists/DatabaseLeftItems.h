@@ -2,15 +2,16 @@
 
 #include <memory>
 
-#include <QStringList>
+#include <QList>
 
 #include "Database.h"
 #include "Sqlite3Statement.h"
 
 // The items that a removal of entries leaves, and their end: each goes unless another entry refers
-// to it. Costs what is removed, not what is stored: the items are looked for in one playlist after
-// the other, unless there are so many that the statement over all items costs less. That one runs
-// as well where the items could not be noted.
+// to it. Costs what is removed, not what is stored: items whose uids follow each other, as those
+// that were added together, are looked for in one playlist after the other, unless there are so
+// many that the statement over all items costs less. That one runs as well where the items could
+// not be noted.
 //
 // A value of the removing operation, worker's thread.
 class Database::LeftItems {
@@ -24,11 +25,12 @@ public:
     bool remove();
 
 private:
-    bool isCheaperOneByOne(int count);
+    // Whether there are so many entries; false where that cannot be read.
+    bool holds(const QString& enough, int count);
 
     Database& m_database;
-    bool m_oneByOne;
+    bool m_areFew;
     // Prepared with the first note.
     std::unique_ptr<Sqlite3Statement> m_items;
-    QStringList m_uids;
+    QList<int> m_uids;
 };

@@ -87,6 +87,15 @@ TEST_F(CostTest, aSmallRemovalCostsTheSameHoweverMuchIsStored) {
     EXPECT_LT(steps(), few + few / 5) << few << " steps where a twentieth is stored";
 }
 
+TEST_F(CostTest, whatWasAddedTogetherIsLookedForOnceInEachPlaylist) {
+    const PlayListRecord deleted = playListOf(items(100));
+    for (int i = 0; i < 300; ++i)
+        playListOf(items(30));
+    EXPECT_LT(allStepsOf([&] { EXPECT_TRUE(database().deletePlayList(deleted)); }),
+              300 * 20 + 100 * 100);
+    expectInvariants();
+}
+
 TEST_F(CostTest, movingHalfOfAListWritesEachEntryTwice) {
     const PlayListRecord pl = playListOf(items(2000));
     QVector<int> order = odd(2000).toVector();
