@@ -2,6 +2,7 @@
 
 #include <limits.h>
 #include <sqlite3.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -9,11 +10,15 @@
 
 struct floor_store {
     sqlite3* connection;
-    sqlite3_stmt* statements[statement_count];
+    sqlite3_stmt* statements[all_count];
 };
 
 int floor_statement_count(void) {
     return statement_count;
+}
+
+int floor_all_statement_count(void) {
+    return all_count;
 }
 
 const char* floor_statement_text(int index) {
@@ -30,7 +35,7 @@ floor_store* floor_open(const char* file) {
              execute(store, "PRAGMA foreign_keys=1;");
     for (size_t i = 0; ok && i < sizeof schema_texts / sizeof schema_texts[0]; ++i)
         ok = execute(store, schema_texts[i]);
-    for (int i = 0; ok && i < statement_count; ++i)
+    for (int i = 0; ok && i < all_count; ++i)
         ok = sqlite3_prepare_v2(store->connection, statement_texts[i], -1, &store->statements[i],
                                 NULL) == SQLITE_OK;
     if (ok)
@@ -41,7 +46,7 @@ floor_store* floor_open(const char* file) {
 }
 
 void floor_close(floor_store* store) {
-    for (int i = 0; i < statement_count; ++i)
+    for (int i = 0; i < all_count; ++i)
         sqlite3_finalize(store->statements[i]);
     sqlite3_close(store->connection);
     free(store);
@@ -71,10 +76,67 @@ static int end_transaction(floor_store* store, int ok) {
     return 0;
 }
 
-static int clean_up(floor_store* store) {
+// The items of the entries that go, as runs of uids that follow each other.
+typedef struct {
+    int (*runs)[2];
+    int count;
+    int all; // the runs are not known: all items are to be looked at
+} left_items;
+
+static int holds(floor_store* store, int enough, int count) {
+    sqlite3_stmt* s = store->statements[enough];
+    sqlite3_bind_int(s, 1, count);
+    const int held = sqlite3_step(s) == SQLITE_ROW;
+    sqlite3_reset(s);
+    return held;
+}
+
+// Before `count` entries are removed.
+static left_items begin_removal(floor_store* store, int count) {
+    const int all = !holds(store, few_to_note, count);
+    return (left_items){all ? NULL : malloc((size_t)count * sizeof(int[2])), 0, all};
+}
+
+static void note(floor_store* store, left_items* left, int uid, int from, int to) {
+    if (left->all)
+        return;
+    sqlite3_stmt* s = store->statements[items_of_entries];
+    sqlite3_bind_int(s, 1, uid);
+    sqlite3_bind_int(s, 2, from);
+    sqlite3_bind_int(s, 3, to);
+    while (sqlite3_step(s) == SQLITE_ROW) {
+        const int item = sqlite3_column_int(s, 0);
+        if (left->count == 0 || left->runs[left->count - 1][1] + 1 != item)
+            left->runs[left->count++][0] = item;
+        left->runs[left->count - 1][1] = item;
+    }
+    sqlite3_reset(s);
+}
+
+static int delete_runs(floor_store* store, const left_items* left) {
+    const size_t digits = 11;
+    char* json = malloc((size_t)left->count * (2 * digits + 4) + 3);
+    if (!json)
+        return 0;
+    int size = sprintf(json, "[");
+    for (int i = 0; i < left->count; ++i)
+        size +=
+            sprintf(json + size, "%s[%d,%d]", i > 0 ? "," : "", left->runs[i][0], left->runs[i][1]);
+    size += sprintf(json + size, "]");
+    sqlite3_stmt* s = store->statements[delete_unused];
+    bind_text(s, 1, (floor_text){json, size});
+    const int ok = run(s);
+    free(json);
+    return ok;
+}
+
+static int clean_up(floor_store* store, left_items* left) {
+    const int all = left->all || !holds(store, few_to_look_for, left->count);
     sqlite3_db_config(store->connection, SQLITE_DBCONFIG_ENABLE_FKEY, 0, NULL);
-    const int ok = run(store->statements[clean_items]);
+    const int ok = all ? run(store->statements[clean_items]) : delete_runs(store, left);
     sqlite3_db_config(store->connection, SQLITE_DBCONFIG_ENABLE_FKEY, 1, NULL);
+    free(left->runs);
+    left->runs = NULL;
     return ok;
 }
 
@@ -105,9 +167,11 @@ int floor_delete_playlist(floor_store* store, const floor_list* list) {
     sqlite3_stmt* s = store->statements[delete_playlist];
     if (!execute(store, "BEGIN;"))
         return 0;
+    left_items left = begin_removal(store, list->size);
+    note(store, &left, list->uid, 0, INT_MAX);
     sqlite3_bind_int(s, 1, list->uid);
-    return end_transaction(store,
-                           run(s) && sqlite3_changes(store->connection) == 1 && clean_up(store));
+    return end_transaction(store, run(s) && sqlite3_changes(store->connection) == 1 &&
+                                      clean_up(store, &left));
 }
 
 // --- entries ---
@@ -187,6 +251,22 @@ int floor_move(floor_store* store, const floor_list* list, int from, int to) {
                    shift(store, list->uid, low + size, high + size, -(direction + size)));
 }
 
+int floor_reorder(floor_store* store, const floor_list* list, int first, const int* order,
+                  int count) {
+    const int above = list->size;
+    if (!execute(store, "BEGIN IMMEDIATE;"))
+        return 0;
+    int ok = shift(store, list->uid, first, first + count - 1, above);
+    for (int begin = 0, next; ok && begin < count; begin = next) {
+        next = begin + 1;
+        while (next < count && order[next] == order[next - 1] + 1)
+            ++next;
+        ok = shift(store, list->uid, order[begin] + above, order[next - 1] + above,
+                   first + begin - order[begin] - above);
+    }
+    return end_transaction(store, ok);
+}
+
 // The number of entries deleted, or -1.
 static int delete_run(floor_store* store, int uid, int from, int to) {
     sqlite3_stmt* s = store->statements[delete_entries];
@@ -226,18 +306,20 @@ static int renumber(floor_store* store, const floor_list* list, int first) {
 int floor_remove(floor_store* store, floor_list* list, const int* indices, int count) {
     if (!execute(store, "BEGIN IMMEDIATE;"))
         return 0;
+    left_items left = begin_removal(store, count);
     int removed = 0;
     int ok = 1;
     for (int from = 0; ok && from < count;) {
         int to = from;
         while (to + 1 < count && indices[to + 1] == indices[to] + 1)
             ++to;
+        note(store, &left, list->uid, indices[from], indices[to]);
         const int deleted = delete_run(store, list->uid, indices[from], indices[to]);
         ok = deleted >= 0;
         removed += deleted;
         from = to + 1;
     }
-    ok = end_transaction(store, ok && removed == count && clean_up(store) &&
+    ok = end_transaction(store, ok && removed == count && clean_up(store, &left) &&
                                     renumber(store, list, indices[0]));
     if (ok)
         list->size -= count;
@@ -245,10 +327,12 @@ int floor_remove(floor_store* store, floor_list* list, const int* indices, int c
 }
 
 int floor_clear(floor_store* store, floor_list* list) {
+    left_items left = begin_removal(store, list->size);
+    note(store, &left, list->uid, 0, INT_MAX);
     if (delete_run(store, list->uid, 0, INT_MAX) < 0)
         return 0;
     list->size = 0;
-    return clean_up(store);
+    return clean_up(store, &left);
 }
 
 // --- reading ---

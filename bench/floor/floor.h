@@ -63,8 +63,10 @@ floor_store* floor_open(const char* file);
 void floor_close(floor_store* store);
 void floor_free(floor_rows* rows);
 
-// How many statements there are, and their texts in the order of the module's catalogue.
+// How many statements there are, and their texts: those of the module's catalogue, in its order,
+// and behind them those that find the items of a small removal.
 int floor_statement_count(void);
+int floor_all_statement_count(void);
 const char* floor_statement_text(int index);
 
 int floor_create_playlist(floor_store* store, floor_text name, floor_list* created);
@@ -77,6 +79,9 @@ int floor_add(floor_store* store, floor_list* list, int where, const floor_item*
 // Entries numbered `from` to `to`, both included.
 int floor_read(floor_store* store, const floor_list* list, int from, int to, floor_rows* rows);
 int floor_move(floor_store* store, const floor_list* list, int from, int to);
+// Gives the `count` entries from `first` on another order: `order` has their present places.
+int floor_reorder(floor_store* store, const floor_list* list, int first, const int* order,
+                  int count);
 // `indices` ascending, each once.
 int floor_remove(floor_store* store, floor_list* list, const int* indices, int count);
 int floor_clear(floor_store* store, floor_list* list);

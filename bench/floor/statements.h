@@ -25,10 +25,16 @@ enum {
     count_playlists,
     count_items,
     count_collections,
-    statement_count
+    statement_count,
+    // Not in the module's catalogue: they find the items of a small removal.
+    few_to_note = statement_count,
+    few_to_look_for,
+    items_of_entries,
+    delete_unused,
+    all_count
 };
 
-static const char* const statement_texts[statement_count] = {
+static const char* const statement_texts[all_count] = {
     "SELECT  uid, name, shuffle, repeatAll, lastPlayedIndex,"
     "    (SELECT coalesce(MAX(sequenceNumber), -1) FROM playlists_items WHERE"
     " playlist=playlists.uid) AS size  FROM playlists  WHERE uid = 0  ORDER BY name ASC",
@@ -66,6 +72,16 @@ static const char* const statement_texts[statement_count] = {
     "SELECT Count(*) FROM playlists",
     "SELECT Count(*) FROM items",
     "SELECT Count(*) FROM collections",
+    "SELECT 1 FROM playlists_items LIMIT 1 OFFSET ?1 * 6",
+    "SELECT 1 FROM playlists_items LIMIT 1 OFFSET ?1 * (SELECT Count(*) FROM playlists)",
+    "SELECT item FROM playlists_items"
+    " WHERE playlist = ?1 AND sequenceNumber >= ?2 AND sequenceNumber <= ?3",
+    "WITH runs AS MATERIALIZED (SELECT json_extract(value, '$[0]') AS first,"
+    " json_extract(value, '$[1]') AS last FROM json_each(?1))"
+    " DELETE FROM items WHERE uid IN ("
+    "SELECT uid FROM runs CROSS JOIN items ON uid >= first AND uid <= last"
+    " EXCEPT SELECT item FROM runs CROSS JOIN playlists CROSS JOIN playlists_items"
+    " ON playlist = playlists.uid AND item >= first AND item <= last)",
 };
 
 static const char* const schema_texts[] = {

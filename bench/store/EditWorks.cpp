@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <numeric>
+#include <random>
+
 #include "StoreTurns.h"
 
 namespace {
@@ -61,6 +65,45 @@ private:
     int m_to;
 };
 
+// Scattered entries go to the end, or all of the list gets another order.
+class Reorder : public StoreTurns {
+public:
+    enum class Kind { MoveTenth, Move, SetOrder };
+
+    // `count` is how many entries move, where it is not a tenth.
+    Reorder(const Setting& setting, Kind kind, int count = 0)
+        : StoreTurns(setting, {1, setting.size}), m_kind(kind) {
+        if (kind == Kind::SetOrder) {
+            m_order.resize(setting.size);
+            std::iota(m_order.begin(), m_order.end(), 0);
+            std::shuffle(m_order.begin(), m_order.end(), std::mt19937(1));
+            m_indices = QList<int>(m_order.begin(), m_order.end());
+            return;
+        }
+        const int step = kind == Kind::MoveTenth ? 10 : setting.size / count;
+        for (int i = 0; i < setting.size; ++i) {
+            if (i % step == 0)
+                m_indices.append(i);
+            else
+                m_order.append(i);
+        }
+        m_order += m_indices.toVector();
+    }
+
+    bool base() override {
+        return floor_reorder(store(), &floorList, 0, m_order.constData(), m_order.size());
+    }
+    bool ours() override {
+        return m_kind == Kind::SetOrder ? list()->setOrder(m_indices)
+                                        : list()->moveItems(m_indices, size() - 1);
+    }
+
+private:
+    Kind m_kind;
+    QVector<int> m_order;
+    QList<int> m_indices;
+};
+
 class Remove : public StoreTurns {
 public:
     // Every `step`-th entry, or the first one only where `step` is 0.
@@ -84,6 +127,17 @@ private:
     QList<int> m_list;
 };
 
+class RemoveLast : public StoreTurns {
+public:
+    explicit RemoveLast(const Setting& setting) : StoreTurns(setting, {1, setting.size}) {}
+
+    bool base() override {
+        const int last = floorList.size - 1;
+        return floor_remove(store(), &floorList, &last, 1);
+    }
+    bool ours() override { return list()->removeItems({list()->getSize() - 1}) == 1; }
+};
+
 class Clear : public StoreTurns {
 public:
     explicit Clear(const Setting& setting) : StoreTurns(setting, {2, setting.size}) {}
@@ -100,6 +154,27 @@ public:
     void prepare() override { startOver(); }
     bool base() override { return floor_delete_playlist(store(), &floorList); }
     bool ours() override { return manager().deletePlayList(1); }
+};
+
+// A list of a hundred, made for each turn, beside `lists` that hold the n others.
+class DeleteShort : public StoreTurns {
+public:
+    DeleteShort(const Setting& setting, int lists)
+        : StoreTurns(setting, {lists, setting.size / lists}), m_items(Items::of(100)) {}
+
+    void prepare() override {
+        m_uid = manager().createPlayList(QStringLiteral("short"))->getUid();
+        manager().getPlayListByUid(m_uid)->addItems(Position::Append, m_items.ours());
+        floor_create_playlist(store(), {"short", 5}, &m_short);
+        floor_add(store(), &m_short, floor_append, m_items.forFloor().data(), m_items.size());
+    }
+    bool base() override { return floor_delete_playlist(store(), &m_short); }
+    bool ours() override { return manager().deletePlayList(m_uid); }
+
+private:
+    const Items& m_items;
+    floor_list m_short{};
+    int m_uid = -1;
 };
 
 template <typename Kind, typename... Arguments>
@@ -125,6 +200,11 @@ std::vector<Work> editWorks() {
     const auto moveByOne = [](const Setting& s) {
         return std::make_unique<Move>(s, s.size / 2, s.size / 2 + 1);
     };
+    const auto moveTenth = setUp<Reorder>(Reorder::Kind::MoveTenth);
+    const auto moveSome = [](int count) { return setUp<Reorder>(Reorder::Kind::Move, count); };
+    const auto setOrder = setUp<Reorder>(Reorder::Kind::SetOrder);
+    const auto deleteOne = setUp<DeleteShort>(1);
+    const auto deleteMany = setUp<DeleteShort>(1000);
     return {
         {"add n to an empty list", floor, 1.3, 1.3, Length::Long, {}, setUp<AddMany>(0)},
         {"add n in the middle of n", floor, 1.3, 1.3, Length::Long, {}, addInTheMiddle},
@@ -133,9 +213,16 @@ std::vector<Work> editWorks() {
         {"move first to last", floor, 1.1, 1.2, Length::Long, {}, moveToTheEnd},
         {"move last to first", floor, 1.1, 1.2, Length::Long, {}, moveToTheFront},
         {"move by one", floor, 1.1, 0.2, Length::Short, {}, moveByOne},
+        {"move a tenth to the end", floor, 1.2, 1.2, Length::Long, {}, moveTenth},
+        {"move 500 to the end", floor, 1.2, {}, Length::Long, 5000, moveSome(500)},
+        {"move 1,000 to the end", floor, 1.2, {}, Length::Long, 20000, moveSome(1000)},
+        {"set the order", floor, 1.2, {}, Length::Long, 20000, setOrder},
+        {"remove last", floor, 1.5, 0.2, Length::Short, {}, setUp<RemoveLast>()},
         {"remove first", floor, 1.15, 1.2, Length::Long, {}, setUp<Remove>(0)},
         {"remove every second", floor, 1.15, 1.2, Length::Long, {}, setUp<Remove>(2)},
         {"clear n, n others stay", floor, 1.15, 1.3, Length::Long, {}, setUp<Clear>()},
         {"delete n, n others stay", floor, 1.15, 1.3, Length::Long, {}, setUp<Delete>()},
+        {"delete 100, others in one list", floor, {}, {}, Length::Short, 100000, deleteOne, 5000},
+        {"delete 100, others in 1,000", floor, {}, {}, Length::Short, 100000, deleteMany, 5000},
     };
 }

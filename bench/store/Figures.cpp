@@ -63,7 +63,8 @@ void Figures::judge(const Work& work, const QString& storage) {
             sizes.insert(figure.size);
     }
     for (const int size : sizes) {
-        Line line{work.name, storage, work.base, size, {}, 0, {}, work.maxRatio, {}, {}};
+        Line line{work.name,        storage, work.base,     size, {}, 0,
+                  work.maxMedianUs, {},      work.maxRatio, {},   {}};
         if (const Figure* base = find(work.name, work.base, size, storage)) {
             line.baseUs = base->medianUs;
             line.ratio = base->ratio;
@@ -88,6 +89,9 @@ void Figures::judge(const Work& work, const QString& storage) {
                                     .arg(smallest)
                                     .arg(number(allowed, 2)));
         }
+        if (line.maxUs && line.oursUs > *line.maxUs * m_slack)
+            m_broken.append(QStringLiteral("%1: takes %2, allowed are %3")
+                                .arg(at, duration(line.oursUs), duration(*line.maxUs * m_slack)));
         m_lines.push_back(line);
     }
 }
@@ -97,11 +101,14 @@ QString Figures::table() const {
                         "growth exponent"}) +
                    row({"---", "---", "--:", "---", "--:", "--:", "--:", "--:"});
     for (const Line& line : m_lines) {
-        text += row({line.work, line.storage, QString::number(line.size),
-                     line.base.isEmpty() ? QStringLiteral("–") : line.base,
-                     line.baseUs ? duration(*line.baseUs) : QStringLiteral("–"),
-                     duration(line.oursUs), withBound(line.ratio, line.maxRatio, 2),
-                     withBound(line.growth, line.maxGrowth, 2)});
+        text += row(
+            {line.work, line.storage, QString::number(line.size),
+             line.base.isEmpty() ? QStringLiteral("–") : line.base,
+             line.baseUs ? duration(*line.baseUs) : QStringLiteral("–"),
+             line.maxUs
+                 ? QStringLiteral("%1 (≤ %2)").arg(duration(line.oursUs), duration(*line.maxUs))
+                 : duration(line.oursUs),
+             withBound(line.ratio, line.maxRatio, 2), withBound(line.growth, line.maxGrowth, 2)});
     }
     return text;
 }

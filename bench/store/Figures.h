@@ -25,8 +25,8 @@ struct Figure {
 // What was measured, and what it means: ratios, growth exponents and the bounds they must keep.
 class Figures {
 public:
-    // `slack` is how far a bound may be passed: a ratio by that factor, a growth exponent by half
-    // of what it is above 1.
+    // `slack` is how far a bound may be passed: a ratio or a time by that factor, a growth exponent
+    // by half of what it is above 1.
     explicit Figures(double slack) : m_slack(slack) {}
 
     double slack() const { return m_slack; }
@@ -50,6 +50,7 @@ private:
         int size = 0;
         std::optional<double> baseUs;
         double oursUs = 0;
+        std::optional<double> maxUs;
         std::optional<double> ratio;
         std::optional<double> maxRatio;
         // On the line of a work's greatest size.

@@ -40,6 +40,8 @@ struct Work {
     // The sizes are the benchmark's own, or only this one.
     std::optional<int> onlySize;
     std::function<std::unique_ptr<Turns>(const Setting&)> setUp;
+    // Of ours, in microseconds.
+    std::optional<double> maxMedianUs = {};
 };
 
 const std::vector<Work>& allWorks();

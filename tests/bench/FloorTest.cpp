@@ -4,6 +4,7 @@
 #include <sqlite3.h>
 
 #include "Items.h"
+#include "StatementTrace.h"
 #include "StoreFixture.h"
 
 namespace {
@@ -81,6 +82,11 @@ protected:
         EXPECT_TRUE(floor_move(m_floor, &m_list, from, to));
         expectTheSame("moved");
     }
+    void reorder(int first, const QVector<int>& order) {
+        EXPECT_TRUE(database().reorderItems(record(1), first, order, record(1).lastPlayedIndex));
+        EXPECT_TRUE(floor_reorder(m_floor, &m_list, first, order.constData(), order.size()));
+        expectTheSame("reordered");
+    }
     void remove(const QList<int>& indices) {
         const QVector<int> array(indices.begin(), indices.end());
         EXPECT_EQ(indices.size(), database().removeItems(record(1), indices));
@@ -107,6 +113,7 @@ TEST_F(FloorTest, leavesTheSameRowsAfterEveryStep) {
     move(0, 40);
     move(40, 0);
     move(20, 21);
+    reorder(2, {3, 4, 2, 7, 6, 5});
     remove({0});
     remove({0, 2, 4, 6, 8, 9, 10, 39});
     EXPECT_TRUE(database().clearItems(record(1)));
@@ -115,8 +122,18 @@ TEST_F(FloorTest, leavesTheSameRowsAfterEveryStep) {
     add(Position::Append, 5);
     EXPECT_TRUE(database().deletePlayList(record(1)));
     EXPECT_TRUE(floor_delete_playlist(m_floor, &m_list));
-    m_list = {};
+    m_list = {2, 0, -1};
     expectTheSame("deleted");
+}
+
+// What goes is looked for by its items where it is little of all that is stored.
+TEST_F(FloorTest, runsTheStoresStatementsOfASmallRemoval) {
+    createLists();
+    add(Position::Append, 100);
+    StatementTrace trace(database());
+    remove({3, 5, 6});
+    for (int i = floor_statement_count(); i < floor_all_statement_count(); ++i)
+        EXPECT_TRUE(trace.texts().contains(floor_statement_text(i))) << floor_statement_text(i);
 }
 
 TEST_F(FloorTest, readsTheSameEntries) {
