@@ -49,7 +49,8 @@ Controller::Controller(PlayListWorker* worker, PlayListManager* manager,
 
 bool Controller::handleSetData(const CMSetDataRequest& request) {
     CM_ENTER(moduleLog());
-    LOG4CPLUS_TRACE(moduleLog(), "routing " << request.path() << ", value: " << request.value());
+    LOG4CPLUS_TRACE(moduleLog(), "routing " << loggedText(request.path().toString())
+                                            << ", value: " << loggedValue(request.value()));
     for (const Command& command : commands()) {
         if (request.path() != command.path())
             continue;
@@ -86,13 +87,14 @@ void answer(const CMSetDataRequest& request, bool success, const OrvoValue& valu
 } // namespace
 
 void Controller::setReply(const CMSetDataRequest& request, bool success, const QString& msg) {
-    CM_ENTER_ARGS(moduleLog(), "res: " << success << " msg: " << msg);
+    CM_ENTER_ARGS(moduleLog(), "res: " << success << " msg: " << loggedText(msg));
     answer(request, success, OrvoValue::fromBool(success), msg);
 }
 
 void Controller::setReplyInt(const CMSetDataRequest& request, bool success, int value,
                              const QString& msg) {
-    CM_ENTER_ARGS(moduleLog(), "res: " << success << " val: " << value << " msg: " << msg);
+    CM_ENTER_ARGS(moduleLog(),
+                  "res: " << success << " val: " << value << " msg: " << loggedText(msg));
     answer(request, success, OrvoValue::fromI32(value), msg);
 }
 

@@ -1,10 +1,9 @@
 #include <algorithm>
 #include <functional>
 
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTimer>
 
+#include "AlikeLines.h"
 #include "CMConnect.h"
 #include "CMRootWorker.h"
 #include "Controller.h"
@@ -34,11 +33,7 @@ QString itemPathText(const OrvoPlayListItem& item) {
 }
 
 QString listText(const QList<OrvoPlayListItem>& items) {
-    QStringList texts;
-    for (const OrvoPlayListItem& item : items)
-        texts.append(QString::fromUtf8(QJsonDocument(QJsonObject::fromVariantHash(item.toHash()))
-                                           .toJson(QJsonDocument::Compact)));
-    return texts.join(QStringLiteral(", "));
+    return loggedList(items.size(), [&](int i) { return loggedValue(items.at(i).toHash()); });
 }
 
 QString tooManyMessage(const QString& prefix) {
@@ -78,7 +73,7 @@ void Controller::plPrepareItems(CMSetDataRequest request) {
                                          CMError::DefaultTitle()));
         return;
     }
-    LOG4CPLUS_TRACE(moduleLog(), "preparedItems: " << QVariant(prepared));
+    LOG4CPLUS_TRACE(moduleLog(), "preparedItems: " << loggedValue(prepared));
     request.reply().setValue(prepared);
 }
 
@@ -101,8 +96,9 @@ QVariantList Controller::preparePlaylistItems(const QStringList& paths, TextBudg
         prepared.append(item.toVariant());
     if (uids.size() < paths.size()) {
         const QString& path = paths.at(uids.size());
-        LOG4CPLUS_ERROR(moduleLog(), "conversion error occured: uid, str=" << idIn(path).toString()
-                                                                           << " path=" << path);
+        LOG4CPLUS_ERROR(moduleLog(),
+                        "conversion error occured: uid, str=" << loggedText(idIn(path).toString())
+                                                              << " path=" << loggedText(path));
     }
     return prepared;
 }
@@ -192,10 +188,14 @@ void Controller::plAddItems(CMSetDataRequest request) {
     m_ReqGroupPropertiesHash.insert(group, props);
     cmConnect(group, &CMRequestGroup::finished, this, &Controller::on_prepareItemsGroup_finished);
 
+    AlikeLines prefixLines(moduleLog(), log4cplus::DEBUG_LOG_LEVEL);
+    AlikeLines itemLines(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
     for (const QPair<QString, QStringList>& call : qAsConst(calls)) {
-        LOG4CPLUS_DEBUG(moduleLog(),
-                        "requestPrefix: " << call.first << " call: " << OrvoPlayListPrepareItems());
-        LOG4CPLUS_TRACE(moduleLog(), "items: " << call.second);
+        if (prefixLines.next())
+            LOG4CPLUS_DEBUG(moduleLog(), "requestPrefix: " << loggedText(call.first) << " call: "
+                                                           << OrvoPlayListPrepareItems());
+        if (itemLines.next())
+            LOG4CPLUS_TRACE(moduleLog(), "items: " << joined(call.second));
         group->addInvoke(OrvoPlayListPrepareItems(), CMPath::fromPrefix(call.first), call.second);
     }
     group->checkAndCallCallback();
@@ -291,7 +291,8 @@ void Controller::finishAdding(const ReqGroupProperties& props, const ItemsCheck&
     QString resultMsg;
     const int added =
         isWhole(props, check) ? std::max(0, addItemsFromAllReplays(props, check, &resultMsg)) : 0;
-    LOG4CPLUS_DEBUG(moduleLog(), "numItemsAdded: " << added << " addItemsResMsg: " << resultMsg);
+    LOG4CPLUS_DEBUG(moduleLog(),
+                    "numItemsAdded: " << added << " addItemsResMsg: " << loggedText(resultMsg));
 
     // Adding a whole playlist moves it: the source goes, unless it is the target itself.
     if (added > 0 && props.wholePlaylist && props.fromPlid != props.plid)
@@ -348,10 +349,12 @@ QList<OrvoPlayListItem> Controller::itemsFromAllReplays(const CMRequestGroup* gr
     QList<OrvoPlayListItem> items;
     const QList<CMReply<QVariant>> replies = group->getReplyList();
     LOG4CPLUS_TRACE(moduleLog(), "curReplyList: " << replies.size());
+    AlikeLines errors(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
     for (const CMReply<QVariant>& reply : replies) {
         reply.waitForFinished(); // at once: a finished group has finished replies
         if (reply.isError()) {
-            LOG4CPLUS_ERROR(moduleLog(), "replay error: " << reply.error().name());
+            if (errors.next())
+                LOG4CPLUS_ERROR(moduleLog(), "replay error: " << loggedText(reply.error().name()));
             continue;
         }
         const QVariantList values = reply.value().toList();
@@ -396,13 +399,16 @@ int Controller::addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
     LOG4CPLUS_TRACE(moduleLog(), "itemList: (" << listText(items) << ")");
     QList<OrvoPlayListItem> accepted;
     accepted.reserve(items.size());
+    AlikeLines leftOut(moduleLog(), log4cplus::WARN_LOG_LEVEL);
     for (int i = 0; i < items.size(); ++i) {
         switch (check.verdict(i)) {
         case ItemsCheck::Verdict::Fine:
             accepted.append(items.at(i));
             break;
         case ItemsCheck::Verdict::NoRoles:
-            LOG4CPLUS_WARN(moduleLog(), "Invalid file, missing roles: " << items.at(i).url());
+            if (leftOut.next())
+                LOG4CPLUS_WARN(moduleLog(),
+                               "Invalid file, missing roles: " << loggedText(items.at(i).url()));
             break;
         case ItemsCheck::Verdict::NotAcceptable:
             *msg =
@@ -416,6 +422,7 @@ int Controller::addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
             return -1;
         }
     }
+    leftOut.end();
     if (accepted.isEmpty()) {
         LOG4CPLUS_ERROR(moduleLog(), "no playitem found");
         *msg = CONTROLLER_TEXT("No playitem found.");
@@ -574,8 +581,8 @@ void Controller::tryStartItem(const OrvoPlayListItem& item, const PlayListBase* 
     container.setContainerPlayable(true);
     container.setMediaData(mediaData);
     const OrvoRoles track = pl->itemToOrvoRoles(item);
-    LOG4CPLUS_TRACE(moduleLog(), "play item: " << item.toVariant());
-    LOG4CPLUS_TRACE(moduleLog(), "play item trackRoles: " << track.toVariant());
+    LOG4CPLUS_TRACE(moduleLog(), "play item: " << loggedValue(item.toVariant()));
+    LOG4CPLUS_TRACE(moduleLog(), "play item trackRoles: " << loggedValue(track.toVariant()));
     PlayLogicInterface::playerInstance()->playContainer(container, track, seqIndex, 0, false);
     LOG4CPLUS_DEBUG(moduleLog(), "playContainer() called");
 }

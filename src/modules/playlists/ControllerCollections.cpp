@@ -28,7 +28,7 @@ bool Controller::clCreate(CMSetDataRequest request, QString& msg, int& id) {
         return false;
     }
     id = cl->getUid();
-    LOG4CPLUS_INFO(moduleLog(), "Collection id: " << id << ", name: " << cl->getName()
+    LOG4CPLUS_INFO(moduleLog(), "Collection id: " << id << ", name: " << loggedText(cl->getName())
                                                   << " created successfully");
     msg = buildOkMsg(CONTROLLER_TEXT("Collection created successfully."), cl->getName());
     return true;

@@ -47,8 +47,8 @@ bool Controller::plCreate(CMSetDataRequest request, QString& msg, int& id) {
     }
     id = pl->getUid();
     Q_EMIT playlistCreated(id);
-    LOG4CPLUS_INFO(moduleLog(),
-                   "Playlist id: " << id << ", name: " << pl->getName() << " created successfully");
+    LOG4CPLUS_INFO(moduleLog(), "Playlist id: " << id << ", name: " << loggedText(pl->getName())
+                                                << " created successfully");
     msg = buildOkMsg(CONTROLLER_TEXT("Playlist created successfully."), pl->getName());
     return true;
 }
@@ -85,7 +85,8 @@ bool Controller::plSetName(CMSetDataRequest request, QString& msg) {
     }
     if (!checkStored(pl->setName(name), plid, prefix, msg))
         return false;
-    LOG4CPLUS_INFO(moduleLog(), "Playlist id:" << plid << " successfully renamed to: " << name);
+    LOG4CPLUS_INFO(moduleLog(),
+                   "Playlist id:" << plid << " successfully renamed to: " << loggedText(name));
     msg = buildOkMsg(CONTROLLER_TEXT("Playlist renamed successfully."), pl->getName());
     return true;
 }
@@ -282,10 +283,8 @@ bool Controller::plMoveItems(CMSetDataRequest request, QString& msg) {
         return false;
     }
     const auto positions = [&items] {
-        QString text;
-        for (int position : items)
-            text += QStringLiteral("%1,").arg(position);
-        return text;
+        const auto text = [&items](int i) { return QStringLiteral("%1,").arg(items.at(i)); };
+        return loggedList(items.size(), text, QString());
     };
     LOG4CPLUS_TRACE(moduleLog(), "indicies: " << positions() << " toSeqNum " << to);
     if (!pl->moveItems(items, to)) {

@@ -23,7 +23,7 @@ QList<CollectionRecord> Database::getCollections() {
 }
 
 CollectionRecord Database::createCollection(const QString& name) {
-    CM_ENTER_ARGS(moduleLog(), "name=" << name);
+    CM_ENTER_ARGS(moduleLog(), "name=" << loggedText(name));
     CollectionRecord cl;
     if (!statement(StatementId::CreateCollection).run(name)) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to create collection in database");
@@ -31,7 +31,8 @@ CollectionRecord Database::createCollection(const QString& name) {
     }
     cl.uid = int(sqlite3_last_insert_rowid(m_connection));
     cl.name = name;
-    LOG4CPLUS_TRACE(moduleLog(), "Inserted collection uid=" << cl.uid << " name=" << cl.name);
+    LOG4CPLUS_TRACE(moduleLog(),
+                    "Inserted collection uid=" << cl.uid << " name=" << loggedText(cl.name));
     return cl;
 }
 

@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QSet>
 
+#include "AlikeLines.h"
 #include "DatabaseItemRows.h"
 #include "EntryRoles.h"
 #include "ModuleLog.h"
@@ -144,12 +145,13 @@ QList<OrvoPlayListItem> Database::getItemsByUids(const QList<PlayListRecord>& pl
         if (item != found.constEnd() && !budget->take(TextBudget::bytesOf(*item)))
             return {};
     }
-    // Deliberate: the lines of getItemByUid for each, and none of its own.
+    // Deliberate: the line of getItemByUid for each that is missing, and none of its own.
+    AlikeLines missing(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
     QList<OrvoPlayListItem> items;
     items.reserve(uids.size());
     for (int uid : uids) {
         const auto item = found.constFind(uid);
-        if (item == found.constEnd())
+        if (item == found.constEnd() && missing.next())
             LOG4CPLUS_ERROR(moduleLog(), "Error fetching item by UID");
         items.append(item == found.constEnd() ? OrvoPlayListItem() : *item);
     }
@@ -237,8 +239,11 @@ void Database::printItems(const PlayListRecord& pl) {
     if (!moduleLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL))
         return;
     const QList<OrvoPlayListItem> items = getItems(pl, 0, pl.size);
+    AlikeLines entries(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
     for (const OrvoPlayListItem& item : items) {
-        LOG4CPLUS_TRACE(moduleLog(), "uid: " << item.uid() << " seqNum: " << item.sequenceNumber()
-                                             << " name: " << item.title());
+        if (entries.next())
+            LOG4CPLUS_TRACE(moduleLog(), "uid: " << item.uid()
+                                                 << " seqNum: " << item.sequenceNumber()
+                                                 << " name: " << loggedText(item.title()));
     }
 }

@@ -4,6 +4,7 @@
 
 #include <QVector>
 
+#include "AlikeLines.h"
 #include "DatabaseItemRows.h"
 #include "DatabaseLeftItems.h"
 #include "DatabaseTransaction.h"
@@ -141,7 +142,7 @@ bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& s
     const auto textsOf = [&texts](int i) -> ItemTexts& {
         return texts[std::size_t(i) % texts.size()];
     };
-    const bool traced = moduleLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL);
+    AlikeLines inserted(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
     for (int i = -Ahead; i < items.size(); ++i) {
         if (i + 2 < items.size())
             textsOf(i + 2).find(items.at(i + 2));
@@ -151,14 +152,16 @@ bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& s
             continue;
         const int uid = insertItem(textsOf(i), items.at(i).durationSeconds());
         if (uid < 0) {
+            inserted.end();
             LOG4CPLUS_ERROR(moduleLog(), "Error inserting item into DB");
             return false;
         }
         if (i == 0)
             m_givenUids.note(uid, m_lastRevision + 1);
-        if (traced)
+        if (inserted.next())
             LOG4CPLUS_TRACE(moduleLog(), "Inserted item into DB with uid" << uid);
         if (!statement(StatementId::InsertPlayListItem).run(pl.uid, uid, sequenceNumber + i)) {
+            inserted.end();
             LOG4CPLUS_ERROR(moduleLog(), "Error inserting item into playlist DB");
             return false;
         }
@@ -197,19 +200,21 @@ int Database::removeItems(const PlayListRecord& pl, const QList<int>& indices) {
 
 int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>& indices) {
     LeftItems left(*this, indices.size());
+    AlikeLines lines(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
     int removed = 0;
     for (const NumberRun& run : runsOf(indices)) {
         left.note(pl.uid, run.from, run.to);
         // A read that failed may have ended the transaction.
         if (sqlite3_get_autocommit(m_connection))
             break;
-        const int count = removeItemsHelper(pl, run.from, run.to);
+        const int count = removeItemsHelper(pl, run.from, run.to, &lines);
         removed += count;
         // No further run: some failures have ended the transaction, and the rest would be removed
         // for good. And one number a million times over is found out at its second time.
         if (count != run.to - run.from + 1)
             break;
     }
+    lines.end();
     if (removed != indices.size()) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to remove all item indices");
         return Failed;
@@ -226,8 +231,9 @@ int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>&
     return removed;
 }
 
-int Database::removeItemsHelper(const PlayListRecord& pl, int from, int to) {
-    LOG4CPLUS_TRACE(moduleLog(), "Remove partial from=" << from << " to=" << to);
+int Database::removeItemsHelper(const PlayListRecord& pl, int from, int to, AlikeLines* lines) {
+    if (!lines || lines->next())
+        LOG4CPLUS_TRACE(moduleLog(), "Remove partial from=" << from << " to=" << to);
     if (!statement(StatementId::DeletePlayListItem).run(pl.uid, from, to)) {
         LOG4CPLUS_ERROR(moduleLog(), "Error removing partial items from list");
         return Failed;
@@ -252,9 +258,11 @@ bool Database::renumberFrom(const PlayListRecord& pl, int first) {
         return false;
     Sqlite3Statement& setNumber = statement(StatementId::SetSequenceNumber);
     int number = first;
+    AlikeLines updates(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
     for (const Entry& entry : std::as_const(entries)) {
-        LOG4CPLUS_TRACE(moduleLog(), "update seq: uid=" << entry.uid << " old=" << entry.number
-                                                        << " new=" << number);
+        if (updates.next())
+            LOG4CPLUS_TRACE(moduleLog(), "update seq: uid=" << entry.uid << " old=" << entry.number
+                                                            << " new=" << number);
         // Ascending and never upwards, so each new number is free when it is taken.
         if (!setNumber.run(pl.uid, entry.uid, entry.number, number++))
             return false;

@@ -53,7 +53,7 @@ PlayListRecord Database::getPlayListByUid(int uid) {
 }
 
 PlayListRecord Database::createPlayList(const QString& name) {
-    CM_ENTER_ARGS(moduleLog(), "name=" << name);
+    CM_ENTER_ARGS(moduleLog(), "name=" << loggedText(name));
     PlayListRecord pl;
     if (!statement(StatementId::CreatePlayList).run(name)) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to create playlist in database");
@@ -62,7 +62,8 @@ PlayListRecord Database::createPlayList(const QString& name) {
     pl.uid = int(sqlite3_last_insert_rowid(m_connection));
     pl.name = name;
     pl.lastPlayedIndex = -1;
-    LOG4CPLUS_TRACE(moduleLog(), "Created playlist uid=" << pl.uid << " name=" << pl.name);
+    LOG4CPLUS_TRACE(moduleLog(),
+                    "Created playlist uid=" << pl.uid << " name=" << loggedText(pl.name));
     return pl;
 }
 

@@ -119,10 +119,11 @@ QList<CollectionBase*> PlayListManager::getCollections(int from, int to) const {
 }
 
 PlayListBase* PlayListManager::createPlayList(const QString& name) {
-    CM_ENTER_ARGS(moduleLog(), "name=" << name);
+    CM_ENTER_ARGS(moduleLog(), "name=" << loggedText(name));
     auto* pl = new PlayList(m_database, m_database->createPlayList(name));
     if (!pl->valid()) {
-        LOG4CPLUS_ERROR(moduleLog(), "Unable to create PlayList " << name << " in database");
+        LOG4CPLUS_ERROR(moduleLog(),
+                        "Unable to create PlayList " << loggedText(name) << " in database");
         delete pl;
         return nullptr;
     }
@@ -171,10 +172,11 @@ bool PlayListManager::deletePlayList(int uid) {
 }
 
 CollectionBase* PlayListManager::createCollection(const QString& name) {
-    CM_ENTER_ARGS(moduleLog(), "name=" << name);
+    CM_ENTER_ARGS(moduleLog(), "name=" << loggedText(name));
     auto* cl = new Collection(m_database, m_database->createCollection(name), {});
     if (!cl->valid()) {
-        LOG4CPLUS_ERROR(moduleLog(), "Unable to create collection " << name << " in database");
+        LOG4CPLUS_ERROR(moduleLog(),
+                        "Unable to create collection " << loggedText(name) << " in database");
         delete cl;
         return nullptr;
     }

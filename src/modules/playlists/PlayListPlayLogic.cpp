@@ -1,6 +1,7 @@
 #include "PlayListPlayLogic.h"
 
 #include "CMConnect.h"
+#include "ModuleLog.h"
 #include "OrvoPlayListPaths.h"
 #include "PlayListBase.h"
 #include "PlayListManager.h"
@@ -181,7 +182,7 @@ OrvoRoles PlayListPlayLogic::getPreviousTrack() {
 
 void PlayListPlayLogic::playInternal(const CMSetDataRequest& request,
                                      const OrvoPlayLogicPlayArgs& args) {
-    CM_ENTER_ARGS(playLogicLog(), "args=" << args.toVariant());
+    CM_ENTER_ARGS(playLogicLog(), "args=" << loggedValue(args.toVariant()));
     // The members are set directly: the setters would write into the playlist that is being left.
     // Repeat one is forgotten here, deliberately: a playlist does not keep it.
     setCurrentPlayList(nullptr);
@@ -200,7 +201,8 @@ void PlayListPlayLogic::playInternal(const CMSetDataRequest& request,
     const CMPath path = mediaRoles.path();
     if (args.type() == PlayContainerType) {
         if (!path.isEmpty()) {
-            LOG4CPLUS_DEBUG(playLogicLog(), "mediaRoles path is " << path << " - playing list");
+            LOG4CPLUS_DEBUG(playLogicLog(), "mediaRoles path is " << loggedText(path.toString())
+                                                                  << " - playing list");
             startPlayback(path, args.index(), request);
         } else {
             LOG4CPLUS_DEBUG(playLogicLog(),
@@ -220,8 +222,8 @@ void PlayListPlayLogic::startPlayback(const CMPath& path, int index, CMSetDataRe
         const QStringList components = path.splitBase();
         const int plid = components.isEmpty() ? 0 : components.last().toInt();
         if (plid == 0) {
-            LOG4CPLUS_ERROR(playLogicLog(),
-                            "playInternal called for invalid playlist container " << path);
+            LOG4CPLUS_ERROR(playLogicLog(), "playInternal called for invalid playlist container "
+                                                << loggedText(path.toString()));
             request.reply().setError(CMError(QStringLiteral("PlayList Error"),
                                              TrString(trExtractContext(__PRETTY_FUNCTION__),
                                                       "Play called on invalid playlist container"),
@@ -366,8 +368,8 @@ void PlayListPlayLogic::takeOverCurrentTrack() {
 
 OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRoles,
                                                           const OrvoRoles& newRoles) {
-    LOG4CPLUS_DEBUG(playLogicLog(), "newRoles=" << newRoles.toVariant());
-    LOG4CPLUS_DEBUG(playLogicLog(), "oldRoles=" << oldRoles.toVariant());
+    LOG4CPLUS_DEBUG(playLogicLog(), "newRoles=" << loggedValue(newRoles.toVariant()));
+    LOG4CPLUS_DEBUG(playLogicLog(), "oldRoles=" << loggedValue(oldRoles.toVariant()));
     OrvoPlayLogicControls controls;
     controls.setPause(true);
     controls.setNext(m_currentPlayList != nullptr);
@@ -401,7 +403,7 @@ OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRo
     result.removeAttribute(OrvoPlayLogicData::Error());
     result.removeAttribute(OrvoPlayLogicData::StreamerError());
     result.setControls(controls);
-    LOG4CPLUS_DEBUG(playLogicLog(), "New playlogic data: " << result.toVariant());
+    LOG4CPLUS_DEBUG(playLogicLog(), "New playlogic data: " << loggedValue(result.toVariant()));
     m_hasPlayingItem = true;
     if (announcedStarted) {
         m_nextMediaPrepared = false;

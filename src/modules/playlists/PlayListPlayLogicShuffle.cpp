@@ -6,6 +6,7 @@
 
 #include <QElapsedTimer>
 
+#include "AlikeLines.h"
 #include "PlayListBase.h"
 #include "PlayListPlayLogic.h"
 #include "PlayLogicLog.h"
@@ -119,6 +120,10 @@ void PlayListPlayLogic::debugShuffleItems() const {
     if (!playLogicLog().isEnabledFor(log4cplus::DEBUG_LOG_LEVEL))
         return;
     LOG4CPLUS_DEBUG(playLogicLog(), "m_shuffleSeq.size(): " << m_shuffleSeq.size());
-    for (int i = 0; i < m_shuffleSeq.size(); ++i)
-        LOG4CPLUS_DEBUG(playLogicLog(), "m_shuffleSeq entry: #" << i << " " << m_shuffleSeq.at(i));
+    AlikeLines entries(playLogicLog(), log4cplus::DEBUG_LOG_LEVEL);
+    for (int i = 0; i < m_shuffleSeq.size(); ++i) {
+        if (entries.next())
+            LOG4CPLUS_DEBUG(playLogicLog(),
+                            "m_shuffleSeq entry: #" << i << " " << m_shuffleSeq.at(i));
+    }
 }

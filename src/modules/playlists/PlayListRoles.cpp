@@ -5,6 +5,7 @@
 #include <QJsonObject>
 #include <QMutexLocker>
 
+#include "AlikeLines.h"
 #include "CMJson.h"
 #include "Database.h"
 #include "EntryRoles.h"
@@ -16,10 +17,10 @@
 namespace {
 
 // The whole JSON language, and the reason where it is none.
-void parseRoles(const QString& text, ItemRolesReader& parts) {
+void parseRoles(const QString& text, ItemRolesReader& parts, AlikeLines& errors) {
     QJsonParseError parseError;
     const QJsonDocument document = cmReadJson(text.toUtf8(), &parseError);
-    if (parseError.error != QJsonParseError::NoError)
+    if (parseError.error != QJsonParseError::NoError && errors.next())
         LOG4CPLUS_ERROR(moduleLog(), "Failed to parse data, error: " << parseError.errorString());
     parts.roles = document.object().toVariantHash();
     parts.mediaData = parts.roles.take(OrvoRoles::MediaData()).toHash();
@@ -36,11 +37,11 @@ void decode(const char* utf8, int size, QString* text) {
 }
 
 void completeRoles(const QString& text, const QString& id, int sequenceNumber,
-                   ItemRolesReader& parts) {
+                   ItemRolesReader& parts, AlikeLines& errors) {
     static const QString itemPath = OrvoPlayListItemPath().toString() + QLatin1Char('/');
     static const QVariant playLogicPath = OrvoPlayListsPlayLogicPath().toQVariant();
     if (!parts.read(text))
-        parseRoles(text, parts);
+        parseRoles(text, parts, errors);
     parts.metaData.insert(OrvoMetaData::PlayLogicPath(), playLogicPath);
     parts.mediaData.insert(OrvoMediaData::MetaData(), parts.metaData);
 
@@ -55,7 +56,9 @@ void completeRoles(const QString& text, const QString& id, int sequenceNumber,
 
 OrvoRoles PlayList::itemToOrvoRoles(const OrvoPlayListItem& item) const {
     ItemRolesReader parts;
-    completeRoles(item.orvoRoles(), QString::number(item.uid()), item.sequenceNumber(), parts);
+    AlikeLines errors(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
+    completeRoles(item.orvoRoles(), QString::number(item.uid()), item.sequenceNumber(), parts,
+                  errors);
     return OrvoRoles(parts.roles);
 }
 
@@ -65,6 +68,7 @@ void PlayList::visitRoles(int from, int to, const VisitRoles& visit) {
                                  "int): from="
                                      << from << " to=" << to);
     ItemRolesReader parts;
+    AlikeLines errors(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
     QString text;
     EntryRoles found;
     found.next = from;
@@ -79,7 +83,7 @@ void PlayList::visitRoles(int from, int to, const VisitRoles& visit) {
             decode(found.texts.constData() + begin, entry.end - begin, &text);
             begin = entry.end;
             const QString id = QString::number(entry.uid);
-            completeRoles(text, id, entry.sequenceNumber, parts);
+            completeRoles(text, id, entry.sequenceNumber, parts, errors);
             if (!visit(parts.roles, id, entry.sequenceNumber))
                 return;
         }

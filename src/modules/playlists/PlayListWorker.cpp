@@ -67,8 +67,8 @@ void PlayListWorker::on_setDataRequest(const CMSetDataRequest& request) {
 
 void PlayListWorker::on_powerManagerTargetItem_changed(const OrvoValue& newValue,
                                                        const OrvoValue& oldValue) {
-    LOG4CPLUS_TRACE(moduleLog(),
-                    "newValue=" << newValue.toVariant() << " oldValue=" << oldValue.toVariant());
+    LOG4CPLUS_TRACE(moduleLog(), "newValue=" << loggedValue(newValue.toVariant())
+                                             << " oldValue=" << loggedValue(oldValue.toVariant()));
     const int newTarget = OrvoPowerManagerTarget(newValue.toHash()).target();
     const int oldTarget = OrvoPowerManagerTarget(oldValue.toHash()).target();
     if (oldTarget == TargetBeforeMaintenance && newTarget == TargetForMaintenance)

@@ -71,7 +71,7 @@ void BaseNode::sendRowsReply(const QVariantList& rows, int rowsCount, const TrSt
     reply.setRoles(replyRoles);
     reply.setRows(sent);
     reply.setRowsCount(rowsCount);
-    LOG4CPLUS_TRACE(moduleLog(), "roles: " << replyRoles.toVariant());
+    LOG4CPLUS_TRACE(moduleLog(), "roles: " << loggedValue(replyRoles.toVariant()));
     request.reply().setValue(reply);
     LOG4CPLUS_TRACE(moduleLog(), "sent reply with " << sent.size() << " lines");
 }

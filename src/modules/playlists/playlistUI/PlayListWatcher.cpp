@@ -61,7 +61,7 @@ void PlayListWatcher::on_items_added(const QString&, int firstSeqNum, int count)
     itemsChanged.reserve(count);
     for (int s = firstSeqNum; s < firstSeqNum + count; ++s)
         itemsChanged.append(CMSubscribe::RowInserted(s));
-    LOG4CPLUS_TRACE(moduleLog(), "itemsChanged: " << itemsChanged);
+    LOG4CPLUS_TRACE(moduleLog(), "itemsChanged: " << joined(itemsChanged));
     m_subscribe->rowsChanged(itemListPath(m_plid), itemsChanged, 0, -1, m_playlist->getRevision());
 }
 

@@ -17,7 +17,7 @@ RootNode* RootNode::create(CMNodes* nodes, const CMPath& path, PlayListManager* 
 }
 
 OrvoRoles RootNode::playQueueRow(const PlayListBase* queue) {
-    LOG4CPLUS_DEBUG(moduleLog(), "pqname: " << queue->getName());
+    LOG4CPLUS_DEBUG(moduleLog(), "pqname: " << loggedText(queue->getName()));
     LOG4CPLUS_DEBUG(moduleLog(), "pqid: " << queue->getUid());
     OrvoRoles row;
     row.setTitle(TrString(queue->getName()));
@@ -44,7 +44,7 @@ OrvoRoles RootNode::playListRow(const PlayListBase* pl) {
 
 OrvoRoles RootNode::collectionRow(const CollectionBase* cl) {
     LOG4CPLUS_DEBUG(moduleLog(), "clid: " << cl->getUid());
-    LOG4CPLUS_DEBUG(moduleLog(), "clname: " << cl->getName());
+    LOG4CPLUS_DEBUG(moduleLog(), "clname: " << loggedText(cl->getName()));
     // Deliberately unlike a playlist's row: one node serves all collections, told apart by a
     // parameter, and a collection has no play logic.
     OrvoRoles row;

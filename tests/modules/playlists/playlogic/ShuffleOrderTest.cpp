@@ -98,7 +98,10 @@ TEST_F(ShuffleOrderTest, theItemAskedForIsPutBeforeTheDrawnOrder) {
     EXPECT_EQ(expected, probe().order());
     EXPECT_EQ(QString("DEBUG index of startItem in sequence: %1").arg(index), log.lines().value(0));
     EXPECT_EQ("DEBUG m_shuffleSeq.size(): 8", log.lines().value(1));
-    EXPECT_EQ(10, log.lines().size());
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(QString("DEBUG m_shuffleSeq entry: #%1 %2").arg(i).arg(expected.at(i)),
+                  log.lines().value(2 + i));
+    EXPECT_EQ(QStringList("DEBUG and 3 more"), log.lines().mid(7));
 }
 
 TEST_F(ShuffleOrderTest, withoutAnItemTheDrawnOrderStays) {

@@ -18,7 +18,8 @@ protected:
         return QList<PlayListRecord>{database().getPlayQueue()} + database().getPlayLists();
     }
 
-    // Asks for all at once and one by one; both must agree, the log included.
+    // Asks for all at once and one by one; both must agree, the log included, where those asked for
+    // together have five lines alike and the number of the others.
     void expectSameAsOneByOne(const QList<int>& uids) {
         const QList<PlayListRecord> playlists = all();
         LogCapture together(QStringLiteral("PlayLists"));
@@ -28,7 +29,10 @@ protected:
         ASSERT_EQ(uids.size(), items.size());
         for (int i = 0; i < uids.size(); ++i)
             EXPECT_TRUE(items[i] == database().getItemByUid(uids[i])) << "uid " << uids[i];
-        EXPECT_EQ(oneByOne.lines(), lines);
+        QStringList expected = oneByOne.lines().mid(0, 5);
+        if (oneByOne.lines().size() > 5)
+            expected.append(QStringLiteral("ERROR and %1 more").arg(oneByOne.lines().size() - 5));
+        EXPECT_EQ(expected, lines);
     }
 };
 

@@ -104,8 +104,9 @@ TEST_F(LogTest, addingManyAtOnce) {
               "Enter printItems", "Enter getItems: pl=1 from=0 to=2", "uid: 1 seqNum: 0 name: a",
               "uid: 2 seqNum: 1 name: b", "dbItemsCount: 2, addedItemsCount: 250, limit: 0",
               "playlist is not empty", "lastSeqNum: 0"});
-    for (int uid = 3; uid < 3 + Many; ++uid)
+    for (int uid = 3; uid < 8; ++uid)
         expected.append(QStringLiteral("Inserted item into DB with uid%1").arg(uid));
+    expected.append(QStringLiteral("and 245 more"));
     EXPECT_EQ(expected, linesOf([&] {
                   database().addItems(pl, OrvoPlayListAddPosition::Now, items(Many), nullptr);
               }));

@@ -19,7 +19,8 @@ bool CollectionAddToClNode::getRowsRequest(const CMGetRowsRequest& request) {
     entries.append(separatorRow());
     const QList<CollectionBase*> collections = manager()->getAllCollection();
     for (const CollectionBase* cl : collections) {
-        LOG4CPLUS_DEBUG(moduleLog(), "clid:" << cl->getUid() << " clname:" << cl->getName());
+        LOG4CPLUS_DEBUG(moduleLog(),
+                        "clid:" << cl->getUid() << " clname:" << loggedText(cl->getName()));
         entries.append(
             actionRow(TrString(cl->getName()), entryPath(request, QStringLiteral("addItem"),
                                                          {{Clid(), toStr(cl->getUid())}})));

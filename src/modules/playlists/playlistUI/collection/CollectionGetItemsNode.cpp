@@ -18,7 +18,8 @@ bool CollectionGetItemsNode::getRowsRequest(const CMGetRowsRequest& request) {
     LOG4CPLUS_DEBUG(moduleLog(), "clid:" << clid << " collection size:" << playLists.size());
     QVariantList rows;
     for (const PlayListBase* pl : playLists) {
-        LOG4CPLUS_DEBUG(moduleLog(), "plid:" << pl->getUid() << " plname:" << pl->getName());
+        LOG4CPLUS_DEBUG(moduleLog(),
+                        "plid:" << pl->getUid() << " plname:" << loggedText(pl->getName()));
         // The menu's "clid" is what lets it offer the removal from this collection.
         CMPath menuPath = OrvoPlayListPlContextPath();
         menuPath.addParam(Plid(), toStr(pl->getUid()));

@@ -41,7 +41,7 @@ bool PlayListAddModeNode::setDataRequest(const CMSetDataRequest& request) {
         const QString item = params.value(ItemId());
         if (CMPath(item).startsWith(OrvoPlayListItemPath()) &&
             !isMadeForItem(request.path(), toInt(item.section(QLatin1Char('/'), -1), -1))) {
-            LOG4CPLUS_ERROR(moduleLog(), "Another item by now: " << item);
+            LOG4CPLUS_ERROR(moduleLog(), "Another item by now: " << loggedText(item));
             refuse(request, TrString("PlayListAddModeNode",
                                      "Could not add items to playlist. The playlist has changed"
                                      " meanwhile."));

@@ -20,7 +20,8 @@ bool PlayListAddToPlaylistNode::getRowsRequest(const CMGetRowsRequest& request) 
     // The source is offered too: adding a playlist to itself doubles it, which some want.
     const QList<PlayListBase*> playLists = manager()->getAllPlayList();
     for (const PlayListBase* pl : playLists) {
-        LOG4CPLUS_DEBUG(moduleLog(), "plid:" << pl->getUid() << " plname:" << pl->getName());
+        LOG4CPLUS_DEBUG(moduleLog(),
+                        "plid:" << pl->getUid() << " plname:" << loggedText(pl->getName()));
         CMPath target = OrvoPlayListPlSelectAddModePath();
         target.setParams(request.path().params());
         OrvoRoles entry =

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "../../AlikeLines.h"
 #include "../../ModuleLog.h"
 #include "../../PlayListBase.h"
 #include "../../PlayListManager.h"
@@ -25,7 +26,8 @@ bool PlayListGetListNode::getRowsRequest(const CMGetRowsRequest& request) {
                                           createPath, QStringLiteral("createPl")))));
     const QList<PlayListBase*> playLists = manager()->getAllPlayList();
     for (const PlayListBase* pl : playLists) {
-        LOG4CPLUS_DEBUG(moduleLog(), "plid:" << pl->getUid() << " plname:" << pl->getName());
+        LOG4CPLUS_DEBUG(moduleLog(),
+                        "plid:" << pl->getUid() << " plname:" << loggedText(pl->getName()));
         // Deliberate: no container-playable flag here, unlike the root's rows.
         OrvoRoles row;
         row.setTitle(TrString(pl->getName()));
@@ -88,6 +90,9 @@ void PlayListGetListNode::debugPlaylistNodes() const {
     if (!moduleLog().isEnabledFor(log4cplus::DEBUG_LOG_LEVEL))
         return;
     LOG4CPLUS_DEBUG(moduleLog(), "m_itemsNodeMap keys.count():" << m_itemsNodeMap.size());
-    for (auto it = m_itemsNodeMap.cbegin(); it != m_itemsNodeMap.cend(); ++it)
-        LOG4CPLUS_DEBUG(moduleLog(), "m_itemsNodeMap key:" << it.key());
+    AlikeLines keys(moduleLog(), log4cplus::DEBUG_LOG_LEVEL);
+    for (auto it = m_itemsNodeMap.cbegin(); it != m_itemsNodeMap.cend(); ++it) {
+        if (keys.next())
+            LOG4CPLUS_DEBUG(moduleLog(), "m_itemsNodeMap key:" << it.key());
+    }
 }

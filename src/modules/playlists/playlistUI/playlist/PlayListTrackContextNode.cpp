@@ -31,7 +31,8 @@ bool PlayListTrackContextNode::getRowsRequest(const CMGetRowsRequest& request) {
     const QString plid = request.path().param(Plid());
     const QString itemId = request.path().param(ItemId());
     const QString seqNum = request.path().param(SeqNum());
-    LOG4CPLUS_DEBUG(moduleLog(), "plid:" << plid << " itemid:" << itemId << " seqnum:" << seqNum);
+    LOG4CPLUS_DEBUG(moduleLog(), "plid:" << loggedText(plid) << " itemid:" << loggedText(itemId)
+                                         << " seqnum:" << loggedText(seqNum));
     const auto tr = [](const char* text) { return TrString("PlayListTrackContextNode", text); };
     const OrvoPlayListItem item = manager()->getPlayListItemByUid(toInt(itemId, -1));
     QList<OrvoRoles> entries;
