@@ -12,6 +12,17 @@ OK, OUTDATED, REFUSED = 200, 409, 422
 MOST_ITEMS = 1500
 MOST_LISTS = 12
 
+# Edits that hold for one state of a list or give tracks their places: the crash test sees to it that
+# enough kills fall into these.
+SEVERAL, ORDER, AT, AT_PATHS = "moveItems of several", "setOrder", "addExternalItems at", "addItems at"
+PLACED = (SEVERAL, ORDER, AT, AT_PATHS)
+WITH_REVISION = " with revision"
+REVISABLE = ("removeItems", "moveItems", "clear", "delete", "addExternalItems", "addItems", *PLACED)
+
+
+def is_placed(name):
+    return name in PLACED or name.endswith(WITH_REVISION)
+
 
 @dataclass
 class Request:
@@ -22,6 +33,7 @@ class Request:
     body: dict
     reached: int
     status: int = OK
+    revision_of: int = None  # the list whose present revision the command is to name
 
 
 @dataclass
@@ -53,20 +65,43 @@ class Mix:
         self._table = [
             (4, self._create), (3, self._rename), (2, self._shuffle), (2, self._repeat),
             (2, self._delete), (2, self._clear), (7, self._remove_items), (9, self._move_items), (6, self._set_order),
-            (9, self._add_external), (6, self._add_at), (4, self._add_files), (4, self._add_entries),
-            (3, self._merge), (2, self._play), (1, self._prepare), (2, self._create_collection),
+            (9, self._add_external), (6, self._add_at), (2, self._add_files_at), (4, self._add_files),
+            (4, self._add_entries), (3, self._merge), (2, self._play), (1, self._prepare), (2, self._create_collection),
             (1, self._delete_collection), (4, self._add_member), (2, self._remove_member),
             (1, self._refused), (1, self._outdated), (1, self._vacuum)]
+        self._placed = [(3, self._move_several), (3, self._set_order), (3, self._add_at), (1, self._add_files_at),
+                        (3, self._revisable)]
         self._shrinking = [(2, self._delete), (2, self._clear), (4, self._remove_items)]
 
     def draw(self, state):
         full = len(state.items()) > MOST_ITEMS
-        table = self._shrinking if full else self._table
+        command = self._draw_of(self._shrinking if full else self._table, state)
+        return self._with_revision(command) if self._rng.random() < 0.2 else command
+
+    def draw_placed(self, state):
+        """One of those that is_placed() names."""
+        while True:
+            command = self._draw_of(self._placed, state)
+            if is_placed(command.name):
+                return command
+
+    def _draw_of(self, table, state):
         while True:
             make = self._rng.choices([row[1] for row in table], [row[0] for row in table])[0]
             command = make(state)
             if command:
                 return command
+
+    def _with_revision(self, command):
+        """The same edit, for the present state of its list alone."""
+        request = command.requests[0]
+        if command.name in REVISABLE:
+            request.revision_of = request.body["value"]["plid"]
+            command.name += WITH_REVISION
+        return command
+
+    def _revisable(self, state):
+        return self._with_revision(self.draw(state))
 
     def _name(self, kind):
         self._number += 1
@@ -131,8 +166,14 @@ class Mix:
             return None
         positions = self._positions(state, uid, 8)
         to = self._rng.randrange(len(state.lists[uid].entries))
-        return single("moveItems", "pl/moveItems", {"plid": uid, "items": positions, "to": to},
+        moves = model.moves_of(positions, to)
+        return single(SEVERAL if len(moves) > 1 else "moveItems", "pl/moveItems",
+                      {"plid": uid, "items": positions, "to": to},
                       model.move_items(state, uid, positions, to))
+
+    def _move_several(self, state):
+        command = self._move_items(state)
+        return command if command and command.name == SEVERAL else None
 
     def _set_order(self, state):
         uid = self._list(state, with_entries=True)
@@ -140,7 +181,7 @@ class Mix:
             return None
         order = list(range(len(state.lists[uid].entries)))
         self._rng.shuffle(order)
-        return single("setOrder", "pl/setOrder", {"plid": uid, "order": order},
+        return single(ORDER, "pl/setOrder", {"plid": uid, "order": order},
                       model.set_order(state, uid, order))
 
     def _added(self, name, path, value, uid, mode, states):
@@ -169,17 +210,27 @@ class Mix:
             items.append(item)
         return items
 
-    def _add_at(self, state):
-        uid, items = self._list(state), self._external_items()
-        size = len(state.lists[uid].entries)
+    def _at(self, size, count):
+        """The argument "at", and the places that it means."""
         if self._rng.random() < 0.5:
             at = self._rng.randint(0, size)
-            places = [at + i for i in range(len(items))]
-        else:
-            at = places = sorted(self._rng.sample(range(size + len(items)), len(items)))
-        return single("addExternalItems at", "pl/addExternalItems",
-                      {"plid": uid, "items": items, "at": at},
+            return at, [at + i for i in range(count)]
+        places = sorted(self._rng.sample(range(size + count), count))
+        return places, places
+
+    def _add_at(self, state):
+        uid, items = self._list(state), self._external_items()
+        at, places = self._at(len(state.lists[uid].entries), len(items))
+        return single(AT, "pl/addExternalItems", {"plid": uid, "items": items, "at": at},
                       model.add_items_at(state, uid, [item["title"] for item in items], places))
+
+    def _add_files_at(self, state):
+        uid = self._list(state)
+        chosen = self._rng.sample(self._files, self._rng.randint(1, len(self._files)))
+        at, places = self._at(len(state.lists[uid].entries), len(chosen))
+        return single(AT_PATHS, "pl/addItems",
+                      {"plid": uid, "items": [path for path, _ in chosen], "at": at},
+                      model.add_items_at(state, uid, [title for _, title in chosen], places))
 
     def _add_external(self, state):
         uid, mode = self._list(state), self._mode()

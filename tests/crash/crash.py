@@ -15,7 +15,7 @@ sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../sup
 
 import model
 import store_file
-from commands import Mix
+from commands import Mix, is_placed
 from kill_point import KillPoint
 from orvo_device import Device, DeviceError, write_silence
 
@@ -23,6 +23,9 @@ FIELDS = ("title", "artist", "album", "artworkUrl", "genre", "durationSeconds", 
           "orvoRoles")
 # How far behind the usual end of what is going on a kill may come.
 OVERSHOOT = 1.3
+# The least share of the kills that must end a placed edit, and the one that is aimed at.
+LEAST_PLACED = 1 / 3
+WANTED_PLACED = 0.4
 
 
 class Broken(Exception):
@@ -83,6 +86,7 @@ class CrashTest:
         self.folder = folder
         self.counts = collections.Counter()
         self.by_command = collections.Counter()
+        self.kills_by_command = collections.Counter()  # of those without an answer
         self.durations = Durations()
         self.operations = {}  # how many operations on the file things take
         self.kill_point = KillPoint(kill_at, os.path.join(folder, "kill-at"))
@@ -161,6 +165,7 @@ class CrashTest:
             self.request(command, request)
             reached = request.reached
         request = command.requests[victim]
+        self.name_revision(request)
         self.kill_during(
             (command.name, victim),
             lambda: self.connection.send(request.method, request.target, request.body), 0.005)
@@ -169,11 +174,17 @@ class CrashTest:
             self.check_answer(command, request, answer)
             reached = request.reached
             self.counts["answered before the kill"] += 1
+        else:
+            self.kills_by_command[command.name] += 1
+            self.counts["placed"] += is_placed(command.name)
         acknowledged = command.requests[0].reached <= reached and (victim or answer.status)
         self.settle(command.name, command.states, reached, bool(acknowledged))
 
     def draw_victim(self):
-        """Half of the time one that is several transactions, which are rare."""
+        """A placed edit while too few were ended. Of the others half of the time one that is
+        several transactions, which are rare."""
+        if self.counts["placed"] < WANTED_PLACED * self.counts["kills"]:
+            return self.mix.draw_placed(self.state)
         command = self.mix.draw(self.state)
         if self.rng.random() < 0.5:
             for _ in range(30):
@@ -250,7 +261,14 @@ class CrashTest:
             self.request(command, request)
         self.acknowledged(command.name, command.states[-1])
 
+    def name_revision(self, request):
+        if request.revision_of is not None:
+            path = f"pl/items/{request.revision_of}" if request.revision_of else "pq/items"
+            rows = self.connection.ask("GET", f"/api/rows?path=playlists:{path}&to=0&roles=title")
+            request.body["value"]["revision"] = rows.json()["revision"]
+
     def request(self, command, request):
+        self.name_revision(request)
         answer = self.timed(
             (command.name, command.requests.index(request)),
             lambda: self.connection.ask(request.method, request.target, request.body))
@@ -320,11 +338,19 @@ def main():
                  "transactions cut off"):
         print(f"  {name}: {test.counts[name]}")
     print(f"  commands: {dict(sorted(test.by_command.items()))}")
+    print("  kills that ended a command, and their share:")
+    for name, count in sorted(test.kills_by_command.items(), key=lambda row: (not is_placed(row[0]), row[0])):
+        print(f"    {'+' if is_placed(name) else ' '} {name}: {count} ({count / test.counts['kills']:.1%})")
+    placed = test.counts["placed"] / max(1, test.counts["kills"])
+    print(f"  + placed edits together: {test.counts['placed']} ({placed:.1%})")
+    if not failure and placed < LEAST_PLACED:
+        failure = Broken(f"{placed:.1%} of the kills ended a placed edit, {LEAST_PLACED:.1%} are due", 0)
     print(f"  {time.monotonic() - begin:.0f} s")
     print(f"kills: {test.counts['kills']}")
     print(f"edits acknowledged: {test.counts['edits acknowledged']}")
     if failure:
-        lost = getattr(failure, "lost", None) or "unknown"
+        lost = getattr(failure, "lost", None)
+        lost = "unknown" if lost is None else lost
         print(f"edits lost: {lost}\nFAILED: {failure}")
         print(f"the folder of the failed run is kept: {folder}; again with --seed {options.seed}")
         return 1

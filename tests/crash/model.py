@@ -113,15 +113,20 @@ def move_item(state, uid, source, target):
     return [state, moved, moved.changed(uid, last=last)]
 
 
-def move_items(state, uid, indices, target):
-    """One alone moves by itself. Several move together with the last played number, as if one moved
-    after the other: those from before the target, then those from behind it."""
+def moves_of(indices, target):
+    """The moves of one each: those from before the target, then those from behind it."""
     indices = sorted(set(indices))
     front = [i for i in indices if i <= target]
     behind = [i for i in indices if i > target]
     moves = [(i - moved, target) for moved, i in enumerate(front)]
     moves += [(i, target + k + (1 if front else 0)) for k, i in enumerate(behind)]
-    moves = [(source, place) for source, place in moves if source != place]
+    return [(source, place) for source, place in moves if source != place]
+
+
+def move_items(state, uid, indices, target):
+    """One alone moves by itself. Several move together with the last played number, as if one moved
+    after the other."""
+    moves = moves_of(indices, target)
     if len(moves) == 1:
         return move_item(state, uid, *moves[0])
     moved = state
