@@ -146,12 +146,18 @@ void PlayerTransport::carryOut(const PlayLogicCommand& command) {
         // From now on: a pause that comes before the item does is a later word.
         const OrvoPlayLogicPlayArgs start{QVariantHash(command.params)};
         m_paused = start.containsPaused() ? start.paused() : m_paused && !command.requested;
+        ++m_playsUnderWay;
+        m_coming = command.from;
     }
     m_decisions += decides ? 1 : 0;
     m_decisionsUnderWay += decides ? 1 : 0;
-    m_playsUnderWay += plays ? 1 : 0;
-    post([this, command, announced, counts, decides, plays] {
+    const quint64 stops = m_stops;
+    post([this, command, announced, counts, decides, plays, stops] {
         m_decisionsUnderWay -= decides ? 1 : 0;
+        if (plays && stops != m_stops) {
+            command.reply.setError(notNow("It was stopped meanwhile."));
+            return;
+        }
         m_playsUnderWay -= plays ? 1 : 0;
         // Sent before its play logic took over.
         const bool late = !counts && command.from && command.from == m_logic;
@@ -432,6 +438,12 @@ void PlayerTransport::resume(const CMSetDataRequest& request) {
 void PlayerTransport::stop(const CMSetDataRequest& request) {
     post([this, request] {
         OrvoPlayLogicStopArgs args(request.value());
+        // The one whose play command is on its way is to know that it does not play.
+        if (m_playsUnderWay > 0 && m_coming)
+            activate(m_coming);
+        m_playsUnderWay = 0;
+        ++m_stops;
+        ++m_decisions;
         const CMPath path = deactivate();
         silence();
         if (path.isEmpty()) {

@@ -105,7 +105,10 @@ private:
     bool m_prepared = false;
     quint64 m_decisions = 0; // about what plays, those of users included
     int m_decisionsUnderWay = 0;
+    // Play commands that are sent and not carried out, and who sent the last of them.
     int m_playsUnderWay = 0;
+    QPointer<StreamerPlayLogic> m_coming;
+    quint64 m_stops = 0; // that users asked for
     int m_volume = 100;
     QTimer m_prepareTimer;
 };

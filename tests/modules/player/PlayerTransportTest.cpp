@@ -300,6 +300,44 @@ TEST_F(PlayerTransportTest, stopReachesThePlayLogicWithItsReason) {
     EXPECT_TRUE(done(OrvoPlayerNextPath()).isError()) << "nobody is in charge after a stop";
 }
 
+TEST_F(PlayerTransportTest, aStopInTheSameTurnAsPlayOrNextHolds) {
+    logic.setTracks({sound("a.wav", 2000), sound("b.wav", 2000)});
+    other.setTracks({sound("c.wav", 2000)});
+    const auto settle = [this] {
+        waitFor(60);
+        return state();
+    };
+    playSilentlyInRealTime();
+    play(logic);
+    auto stopped = invoke(OrvoPlayerStopPath());
+    EXPECT_EQ(settle(), "stopped");
+    EXPECT_TRUE(stopped.isFinished() && !stopped.isError());
+    EXPECT_EQ(logic.calls, (QStringList{"play", "stop"})) << "it knows that it does not play";
+
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "prepare"));
+    logic.calls.clear();
+    invoke(OrvoPlayerNextPath());
+    invoke(OrvoPlayerStopPath());
+    EXPECT_EQ(settle(), "stopped");
+    EXPECT_EQ(logic.calls, (QStringList{"next", "stop"}));
+
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "prepare"));
+    logic.calls.clear();
+    play(other);
+    stopped = invoke(OrvoPlayerStopPath());
+    EXPECT_EQ(settle(), "stopped");
+    EXPECT_TRUE(stopped.isFinished() && !stopped.isError());
+    EXPECT_EQ(logic.calls, QStringList{"stop"});
+    EXPECT_EQ(other.calls, (QStringList{"play", "stop"}));
+    EXPECT_TRUE(done(OrvoPlayerNextPath()).isError()) << "nobody is in charge";
+
+    invoke(OrvoPlayerStopPath());
+    play(logic);
+    ASSERT_TRUE(waitForCall(logic, "prepare")) << "what is asked for after the stop plays";
+}
+
 TEST_F(PlayerTransportTest, aStopRequestToThePlayLogicItselfStopsThePlayer) {
     logic.setTracks({sound("a.wav", 300)});
     play(logic, 0, 0, true);
@@ -521,6 +559,15 @@ protected:
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
         return file.readAll();
     }
+    // The second track is announced late: when the first one breaks off it still has time to open.
+    bool playUntilTheBreak() {
+        play(logic);
+        if (!waitForCall(logic, "prepare"))
+            return false;
+        waitFor(150);
+        logic.announce(1);
+        return waitUntil([&] { return logic.data().containsStreamerError(); });
+    }
     const Pcm broken = SoundFiles::pcm(44100, 9);
     SoundServer server{(files.wav("served.wav", broken), content(files.fileName("served.wav")))};
 };
@@ -555,8 +602,7 @@ TEST_F(PlayerBreakTest, whatWasAnnouncedIsHeardAfterATrackThatBreaksOff) {
 TEST_F(PlayerBreakTest, anAnnouncedTrackThatIsStillOpeningIsWaitedFor) {
     logic.setTracks(
         {server.url("/half"), server.url("/silent"), server.url("/late/150"), sound("d.wav", 30)});
-    play(logic);
-    ASSERT_TRUE(waitUntil([&] { return logic.data().containsStreamerError(); }));
+    ASSERT_TRUE(playUntilTheBreak());
     logic.announce(2);
     ASSERT_TRUE(waitForCall(logic, "resume"));
     EXPECT_EQ(logic.calls, (QStringList{"play", "started:>t0", "prepare", "started:t0>t2",
@@ -605,8 +651,7 @@ TEST_F(PlayerBreakTest, aTrackThatNeverBeganMakesWayForWhatWasAnnounced) {
 
 TEST_F(PlayerBreakTest, anAnnouncementThatIsRenewedAfterTheBreakIsWhatIsHeard) {
     logic.setTracks({server.url("/half"), server.url("/silent"), sound("c.wav", 30)});
-    play(logic);
-    ASSERT_TRUE(waitUntil([&] { return logic.data().containsStreamerError(); }));
+    ASSERT_TRUE(playUntilTheBreak());
     logic.announce(2);
     ASSERT_TRUE(waitForCall(logic, "resume"));
     EXPECT_EQ(logic.calls, (QStringList{"play", "started:>t0", "prepare", "started:t0>t2",
@@ -615,8 +660,7 @@ TEST_F(PlayerBreakTest, anAnnouncementThatIsRenewedAfterTheBreakIsWhatIsHeard) {
 
 TEST_F(PlayerBreakTest, anAnnouncementThatIsTakenBackAfterTheBreakLeavesAWayOnToFind) {
     logic.setTracks({server.url("/half"), server.url("/silent"), sound("c.wav", 30)});
-    play(logic);
-    ASSERT_TRUE(waitUntil([&] { return logic.data().containsStreamerError(); }));
+    ASSERT_TRUE(playUntilTheBreak());
     logic.announce(99);
     logic.current = 1;
     ASSERT_TRUE(waitForCall(logic, "started:t0>t2"));
