@@ -249,10 +249,12 @@ bool writeFile(const QString& fileName, const QByteArray& text) {
 } // namespace
 
 int main(int argc, char** argv) {
-    // As a host runs by default: from info on, and somebody takes it.
     // A device opens its store once. Here it is opened in many turns, and what the one before has
-    // given back is to be there.
+    // given back is to be there: neither returned to the system nor marked as unused.
+    constexpr long LongerThanARunMs = 24L * 60 * 60 * 1000;
     mi_option_disable(mi_option_allow_decommit);
+    mi_option_set(mi_option_decommit_delay, LongerThanARunMs);
+    // As a host runs by default: from info on, and an appender takes it.
     log4cplus::Initializer logging;
     log4cplus::Logger::getRoot().setLogLevel(log4cplus::INFO_LOG_LEVEL);
     log4cplus::Logger::getRoot().addAppender(
