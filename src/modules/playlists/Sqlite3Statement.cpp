@@ -4,6 +4,7 @@
 #include <sqlite3.h>
 
 #include "ModuleLog.h"
+#include "WholeText.h"
 
 namespace {
 
@@ -76,7 +77,7 @@ bool Sqlite3Statement::bindText(const int& index, const QString& value) {
     char* bytes = roomForBytes(value.size());
     int size = value.size();
     if (!copyAscii(value, bytes)) {
-        const QByteArray utf8 = value.toUtf8();
+        const QByteArray utf8 = wholeText(value).toUtf8();
         size = utf8.size();
         bytes = roomForBytes(size);
         std::memcpy(bytes, utf8.constData(), std::size_t(size));

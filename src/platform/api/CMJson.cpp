@@ -99,9 +99,33 @@ private:
     bool m_nameComes = false;
 };
 
+// The unit that is escaped at a backslash, 0 where none is.
+ushort escapedUnit(const QByteArray& text, int backslash) {
+    constexpr int Hexadecimal = 16;
+    return text.mid(backslash, 2) == "\\u"
+               ? text.mid(backslash + 2, 4).toUShort(nullptr, Hexadecimal)
+               : ushort(0);
+}
+
+// Each escaped half of a surrogate pair as an escaped U+FFFD of the same length.
+QByteArray withWholeEscapes(QByteArray text) {
+    constexpr int EscapeLength = 6;
+    int at = 0;
+    while ((at = text.indexOf('\\', at)) >= 0) {
+        const ushort unit = escapedUnit(text, at);
+        const bool isPair = QChar::isHighSurrogate(unit) &&
+                            QChar::isLowSurrogate(escapedUnit(text, at + EscapeLength));
+        if (QChar::isSurrogate(unit) && !isPair)
+            text.replace(at, EscapeLength, "\\ufffd");
+        at += unit == 0 ? 2 : isPair ? 2 * EscapeLength : EscapeLength;
+    }
+    return text;
+}
+
 } // namespace
 
-QJsonDocument cmReadJson(const QByteArray& text, QJsonParseError* error) {
+QJsonDocument cmReadJson(const QByteArray& given, QJsonParseError* error) {
+    const QByteArray text = withWholeEscapes(given);
     if (!RepeatedNames(text).found())
         return QJsonDocument::fromJson(text, error);
     if (error) {

@@ -28,6 +28,23 @@ TEST(CMJson, readsWhatQtReads) {
         EXPECT_EQ(cmReadJson(text), QJsonDocument::fromJson(text)) << text;
 }
 
+TEST(CMJson, readsHalfAnEscapedCharacterAsTheReplacement) {
+    const QString replacement(QChar(0xfffd));
+    const auto read = [](const char* text) {
+        const QJsonDocument document = cmReadJson(QByteArray("[\"") + text + "\"]");
+        return document.array().at(0).toString("nothing");
+    };
+    EXPECT_EQ(read(R"(a\ud83cz)"), "a" + replacement + "z");
+    EXPECT_EQ(read(R"(\uDF55)"), replacement);
+    EXPECT_EQ(read(R"(\ud83c\ud83c\udf55)"), replacement + QString::fromUtf8("🍕"));
+    EXPECT_EQ(read(R"(\ud83c\n\udf55)"), replacement + "\n" + replacement);
+    EXPECT_EQ(read(R"(\ud83c\udf55)"), QString::fromUtf8("🍕"));
+    EXPECT_EQ(read(R"(\\ud83c)"), R"(\ud83c)") << "an escaped backslash and letters";
+    EXPECT_EQ(read(R"(\u00e4\/)"), QString::fromUtf8("ä/"));
+    EXPECT_EQ(read(R"(\ud83)"), "nothing");
+    EXPECT_EQ(read("\\"), "nothing");
+}
+
 TEST(CMJson, refusesANameThatStandsTwiceInOneObject) {
     const char* const texts[] = {
         R"({"a":1,"a":2})",
