@@ -169,13 +169,14 @@ class App {
   }
 
   async send(row, value) {
+    const { head } = this.menu ?? {};
     const sent = row.type === RowType.Editable && isSwitch(row) ? { bool: !row.value.bool } : value ?? {};
     const reply = await sendData(row.path, sent);
-    for (const event of reply?.events ?? []) if (event.rowsType === 1) this.closePlace(event.path);
+    for (const event of reply?.events ?? []) if (event.rowsType === 1) this.closePlace(event.path, head);
   }
 
-  closePlace(path) {
-    this.menu?.closePlace(path);
+  closePlace(path, head) {
+    this.menu?.closePlace(path, head);
     for (const pane of this.panes) {
       for (const screen of [...pane.stack]) {
         if (pane !== this.nav && samePlace(screen.path, path)) pane.remove(screen);
@@ -192,7 +193,7 @@ class App {
   openPublishedMenu({ path }, anchor, row, urls) {
     const own = artworkUrl(metaData(row).artworkUrl);
     const { artist } = metaData(row);
-    this.openMenu({ path }, { anchor, head: { title: row.title, subtitle: artist, urls: own ? [own] : urls ?? [] } });
+    this.openMenu({ path }, { anchor, head: { title: row.title, subtitle: artist, urls: own ? [own] : urls ?? [], row } });
   }
 
   editRow(row, anchor) {

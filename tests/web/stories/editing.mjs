@@ -9,10 +9,11 @@ const [first, second, third, fourth, fifth] = Lanterns;
 // A playlist on a slow wire, open and with its rows on screen.
 async function slowly({ device, open, lay }, thereAndBack, ...items) {
   const plid = await device.playlist('Party', ...items);
-  const wire = await lay({ thereAndBack });
+  const wire = await lay();
   const me = await open({ at: wire.url });
   await me.openList('Party');
   await me.page.locator('#main .row.movable').first().waitFor();
+  wire.slow(thereAndBack);
   return { me, order: () => device.titles(`playlists:pl/items/${plid}`), path: `playlists:pl/items/${plid}`, plid };
 }
 
@@ -70,6 +71,61 @@ story('a menu that stays open acts on its own track', async (t) => {
   await me.sheetCloses();
   await eventually(order, [second, third, fifth]);
   await eventually(() => me.titles('main'), [second, third, fifth]);
+});
+
+story('a track that is removed by its menu leaves at once, as by its key', async (t) => {
+  const { me, order } = await slowly(t, 1000, Albums.lanterns);
+  await me.menuOf('main', third);
+  await me.choose('Remove track');
+  await me.sheetCloses();
+  const left = [first, second, fourth, fifth];
+  assert.deepEqual(await me.titles('main'), left);
+  assert.deepEqual(await order(), Lanterns); // the device has not heard of it yet
+  await eventually(order, left);
+  await me.undoBar.filter({ hasText: `“${third}” removed` }).waitFor();
+  assert.equal(await me.page.evaluate(() => document.activeElement.querySelector('.row-title')?.textContent), fourth);
+});
+
+story('the second of two presses on "Remove track" is none on what is beneath', async (t) => {
+  const { size } = t;
+  const { me, order } = await slowly(t, 300, Albums.lanterns, Albums.hours);
+  await me.menuOf('main', second);
+  const box = await me.entry('Remove track').boundingBox();
+  const at = [box.x + box.width / 2, box.y + box.height / 2];
+  if (size === 'phone') {
+    await me.page.touchscreen.tap(...at);
+    await me.page.touchscreen.tap(...at);
+  } else await me.page.mouse.dblclick(...at);
+  const left = [first, third, fourth, fifth, ...Hours];
+  await eventually(order, left);
+  await eventually(() => me.titles('main'), left);
+  assert.equal(await me.page.evaluate(() => document.activeElement.querySelector('.row-title')?.textContent), third);
+  assert.equal(await me.page.locator('#main .row.selected:not([hidden])').count(), 0);
+  assert.equal(await me.nowTitle(), 'Nothing is playing');
+  assert.equal(await me.page.locator('dialog[open]').count(), 0);
+});
+
+story('a track that is moved by its menu stands there at once', async (t) => {
+  const { me, order } = await slowly(t, 1000, Albums.lanterns);
+  await me.menuOf('main', fourth);
+  await me.choose('Move track');
+  await me.enter('1');
+  await me.sheetCloses();
+  const moved = [first, fourth, second, third, fifth];
+  assert.deepEqual(await me.titles('main'), moved);
+  await eventually(order, moved);
+  await eventually(() => me.titles('main'), moved);
+});
+
+story('a late answer closes its own menu only', async (t) => {
+  const { me, order } = await slowly(t, 600, Albums.lanterns);
+  await me.menuOf('main', second);
+  await me.choose('Add to playlist', 'Party', 'Append');
+  await me.closeSheet();
+  await me.menuOf('main', third);
+  await eventually(order, [...Lanterns, second]);
+  await eventually(() => me.titles('main'), [...Lanterns, second]);
+  assert.equal(await me.sheet.locator('.sheet-title').textContent(), third);
 });
 
 story('after several tracks are removed the focus stands on the one behind them', async (t) => {

@@ -1,5 +1,10 @@
 // What people do with the page, by what they see on it.
 
+// The page shows other rows with the elements of rows that are gone, while a press holds on to the element that it found:
+// so what cannot be pressed is looked for again.
+const LookAgainMs = 4000;
+const Looks = 5;
+
 export class People {
   constructor(window) {
     this.window = window;
@@ -7,9 +12,15 @@ export class People {
     this.touch = window.size === 'phone';
   }
 
-  async press(locator) {
-    if (this.touch) await locator.tap();
-    else await locator.click();
+  async press(locator, how = {}) {
+    for (let look = 1; ; look += 1) {
+      try {
+        await locator[this.touch ? 'tap' : 'click']({ ...how, timeout: LookAgainMs });
+        return;
+      } catch (error) {
+        if (look === Looks || error.name !== 'TimeoutError') throw error;
+      }
+    }
   }
 
   // Rows of one pane: nav, main or side. The title is matched whole.
@@ -157,8 +168,7 @@ export class People {
     if (this.touch) await this.press(this.page.locator(`#${pane} .screen:not([hidden]) [aria-label="Choose several"]`));
     for (const [i, title] of titles.entries()) {
       const row = this.row(pane, title).locator('.row-title');
-      if (this.touch) await row.tap();
-      else await row.click({ modifiers: i ? ['Control'] : [] });
+      await this.press(row, this.touch ? {} : { modifiers: i ? ['Control'] : [] });
     }
   }
 
@@ -191,8 +201,11 @@ export class People {
 
   async middle(title) {
     const row = this.row('main', title);
-    await row.evaluate((element) => Promise.allSettled(element.getAnimations().map((animation) => animation.finished)));
-    const box = await row.locator('.row-title').boundingBox();
+    let box = null;
+    for (let look = 1; !box && look <= Looks; look += 1) {
+      await row.evaluate((element) => Promise.allSettled(element.getAnimations().map((animation) => animation.finished)));
+      box = await row.locator('.row-title').boundingBox();
+    }
     return { x: box.x + Math.min(60, box.width / 2), y: box.y + box.height / 2 };
   }
 

@@ -67,8 +67,8 @@ class Window {
   }
 }
 
-// tell(t): tells it at both sizes. t: {device, size, open(), lay(), allow(pattern)}; lay() gives a wire to the device. Told several at a time, those that
-// watch the clock after all others and alone.
+// tell(t): tells it at both sizes. t: {device, size, open(), lay(), allow(pattern)}; lay() gives a wire to the device. Told
+// several at a time, those that watch the clock after all others and alone.
 export function story(name, tell, { player = false, device = {}, sizes = Object.keys(Sizes), alone = false } = {}) {
   const skip = player && !hasPlayer ? 'liborvo_player.so is not built' : false;
   for (const size of sizes) stories.push({ title: `${name} (${size})`, name, tell, device, size, skip, alone });
@@ -107,8 +107,8 @@ async function tellOne({ name, tell, device: options, size }) {
   const windows = [];
   const allowed = [];
   const wires = [];
-  const lay = async (how) => {
-    const wire = new Wire(device, how);
+  const lay = async () => {
+    const wire = new Wire(device);
     wires.push(wire);
     await wire.lay();
     return wire;

@@ -1,13 +1,13 @@
-// A wire between the page and the device that can be cut and mended, and that may be slow: `thereAndBack` is how many
-// milliseconds a request and its answer take on it besides the device's own.
+// A wire between the page and the device that can be cut and mended, and slow: a request and its answer take so many
+// milliseconds on it besides the device's own.
 
 import { once } from 'node:events';
 import { connect, createServer } from 'node:net';
 
 export class Wire {
-  constructor(device, { thereAndBack = 0 } = {}) {
+  constructor(device) {
     this.device = device;
-    this.delay = thereAndBack / 2;
+    this.delay = 0;
     this.sockets = new Set();
     this.asked = ''; // what the page sent since the wire was cut
     this.server = createServer((socket) => this.join(socket));
@@ -39,14 +39,16 @@ export class Wire {
     this.carry(onward, socket);
   }
 
+  // From now on, also for what is connected already.
+  slow(thereAndBack) {
+    this.delay = thereAndBack / 2;
+  }
+
   // What was sent first arrives first, also at the end.
   carry(from, to) {
-    if (!this.delay) {
-      from.pipe(to);
-      return;
-    }
-    from.on('data', (data) => setTimeout(() => to.destroyed || to.write(data), this.delay));
-    from.on('end', () => setTimeout(() => to.destroyed || to.end(), this.delay));
+    const later = (send) => (this.delay ? setTimeout(send, this.delay) : send());
+    from.on('data', (data) => later(() => to.destroyed || to.write(data)));
+    from.on('end', () => later(() => to.destroyed || to.end()));
   }
 
   cut() {

@@ -32,6 +32,7 @@ export class Edits extends Emitter {
     super();
     Object.assign(this, { commands, lock });
     this.queues = new Map(); // path → EditQueue
+    this.underWay = new Set(); // promises
     this.undo = new Undo(this);
   }
 
@@ -40,9 +41,18 @@ export class Edits extends Emitter {
     return this.queues.get(path);
   }
 
-  // Null when something of what it locks is under way already, otherwise a promise of what it did.
-  run(target, { locks = [], ...edit }) {
-    return this.lock.during(locks, () => this.queueOf(target).add(edit));
+  // Null when something of what it locks is under way already, otherwise a promise of what it did. `told` says it.
+  run(target, { locks = [], told = (done) => done, ...edit }) {
+    const done = this.lock.during(locks, () => this.queueOf(target).add(edit))?.then(told);
+    if (!done) return null;
+    const settled = done.catch(() => {}).then(() => this.underWay.delete(settled));
+    this.underWay.add(settled);
+    return done;
+  }
+
+  // When all that is under way now has been done and told.
+  settled() {
+    return Promise.all(this.underWay);
   }
 
   tell(step) {
@@ -68,8 +78,8 @@ export class Edits extends Emitter {
       await this.commands.removeItems(target.plid, there.map(({ index }) => index), order.revision);
       return there.map(({ row, index }, i) => ({ row, index, item: kept.get(row.path), ...neighbours[i] }));
     };
-    return this.run(target, { locks, revision, isShown, isLater: !isOnTop, send })
-      ?.then((removed) => this.toldRemoved(target, removed));
+    const told = (removed) => this.toldRemoved(target, removed);
+    return this.run(target, { locks, revision, isShown, isLater: !isOnTop, send, told });
   }
 
   toldRemoved(target, removed) {
@@ -95,7 +105,8 @@ export class Edits extends Emitter {
       await this.commands.move(target.plid, moved.entries.map(({ index }) => index), moved.gap, order.revision);
       return moved;
     };
-    return this.run(target, { revision, isShown, isLater: !isOnTop, send })?.then((moved) => this.toldMoved(target, moved));
+    const told = (moved) => this.toldMoved(target, moved);
+    return this.run(target, { revision, isShown, isLater: !isOnTop, send, told });
   }
 
   toldMoved(target, { entries, gap, size, origins }) {
@@ -109,18 +120,18 @@ export class Edits extends Emitter {
   }
 
   // The menu's own "Move track": `to` is the place that it shall have.
-  async moveTo(target, path, to) {
+  async moveTo(target, row, to) {
     const order = await Order.read(target.path);
-    const index = order.rows.findIndex((row) => row.path === path);
+    const index = order.indexOf(trackKey(row));
     if (index < 0) throw new Error('The track is gone already.');
     const rows = (i) => order.rows[i];
     await this.move(target, [{ row: order.rows[index], index }], to > index ? to + 1 : to,
       { revision: order.revision, rows, count: order.size });
   }
 
-  async removeOne(target, path) {
+  async removeOne(target, row) {
     const order = await Order.read(target.path);
-    const index = order.rows.findIndex((row) => row.path === path);
+    const index = order.indexOf(trackKey(row));
     if (index < 0) throw new Error('The track is gone already.');
     await this.remove(target, [{ row: order.rows[index], index }],
       { revision: order.revision, rows: (i) => order.rows[i], count: order.size });

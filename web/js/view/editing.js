@@ -1,6 +1,7 @@
 // What people do to the rows of a playlist on screen, by the keys, by dragging and by what is chosen: it is shown at
 // once, and done by the device in its turn.
 
+import { trackKey } from '../model/order.js';
 import { plural, rowKey } from '../model/rows.js';
 import { showMoved, showRemoved } from '../model/shown.js';
 import { attempt } from './dom.js';
@@ -42,6 +43,26 @@ export class Editing {
     list.reveal(list.active);
   }
 
+  // Whether the row and that place are among those that are here.
+  holds(row, to = 0) {
+    return this.placeOf(row) >= 0 && to < this.screen.store.count;
+  }
+
+  // By the row's menu.
+  moveTrack(row, to) {
+    const index = this.placeOf(row);
+    this.move([index], to > index ? to + 1 : to);
+  }
+
+  removeTrack(row) {
+    this.remove([{ row, index: this.placeOf(row) }]);
+    this.screen.list.selection.forget(row);
+  }
+
+  placeOf(row) {
+    return this.screen.store.rows.findIndex((one) => one && trackKey(one) === trackKey(row));
+  }
+
   // By its key: what is chosen, or the row that has the focus.
   removeActive() {
     const { list } = this.screen;
@@ -52,27 +73,32 @@ export class Editing {
   removeChosen() {
     const { list, app, title } = this.screen;
     const { size } = list.selection;
-    if (size < AskFrom) this.remove();
+    if (size < AskFrom) this.removeSelection();
     else {
       app.ask({ title: `Remove ${plural(size, 'track')}?`, text: `They leave “${title}”.`, button: 'Remove' },
-        () => this.remove());
+        () => this.removeSelection());
     }
   }
 
-  remove() {
-    const { store, list } = this.screen;
-    const entries = [...list.selection.chosen.values()].sort((a, b) => a.index - b.index);
-    if (!entries.length) return;
+  removeSelection() {
+    const { selection } = this.screen.list;
+    const entries = [...selection.chosen.values()].sort((a, b) => a.index - b.index);
+    if (entries.length && this.remove(entries)) selection.clear();
+  }
+
+  // Whether it was begun. `entries`: {row, index}, ascending.
+  remove(entries) {
+    const { store } = this.screen;
     // What is far from the view is not here: it is found when its turn comes.
     const areHere = entries.every(({ row, index }) => rowKey(store.row(index)) === rowKey(row));
     const indices = entries.map(({ index }) => index);
     const done = areHere
       ? this.begin((how) => this.edits.remove(this.screen.target, entries, how), indices)
       : this.edits.remove(this.screen.target, entries, {});
-    if (!done) return;
-    list.selection.clear();
+    if (!done) return false;
     if (areHere) showRemoved(store, indices);
     this.end(done);
+    return true;
   }
 
   get edits() {

@@ -10,6 +10,21 @@ import { Artwork, attempt, busy, clamp, el, icon, setAttribute } from './dom.js'
 const AllRows = 1000000;
 const Gap = 8;
 
+// The second of two presses finds the menu gone: it is none on what stands there instead.
+const SecondPressMs = 400;
+
+function ignoreSecondPress() {
+  const ignoring = new AbortController();
+  const ignore = (event) => {
+    if (event.detail < 2) return;
+    event.preventDefault();
+    event.stopPropagation();
+  };
+  for (const name of ['mousedown', 'click', 'dblclick'])
+    document.addEventListener(name, ignore, { capture: true, signal: ignoring.signal });
+  setTimeout(() => ignoring.abort(), SecondPressMs);
+}
+
 export class Menu {
   // `app`: feed events are passed on by it, rows are carried out by it.
   constructor(app) {
@@ -34,7 +49,7 @@ export class Menu {
   }
 
   // page: {path, pick?} for a published menu, {title, items: [{title, icon, run}]} for the page's
-  // own. head: {title, subtitle, urls}.
+  // own. head: {title, subtitle, urls, row}; the row that a published menu belongs to.
   open(page, { anchor, head }) {
     this.close();
     this.head = head;
@@ -230,13 +245,21 @@ export class Menu {
     this.pages.at(-1)?.store?.reread();
   }
 
-  // The device says that this view is done with.
-  closePlace(path) {
-    if (this.pages.some((page) => page.path && samePlace(page.path, path))) this.close();
+  // The device says that this view is done with. `head`: that of the menu which asked for it.
+  closePlace(path, head) {
+    if (this.pages.some((page) => page.path && samePlace(page.path, path))) this.closeFor(head);
+  }
+
+  // An answer may be late: another menu that was opened meanwhile stays.
+  closeFor(head) {
+    if (this.head === head) this.close();
   }
 
   close() {
-    if (this.isOpen) this.dialog.close();
+    if (this.isOpen) {
+      this.dialog.close();
+      ignoreSecondPress();
+    }
     this.onClosed();
   }
 

@@ -19,18 +19,39 @@ export class MenuEdits {
     return edit && ((value) => this[edit.kind](edit, row, value));
   }
 
-  async remove({ target, item }) {
-    await this.edits.removeOne(target, item);
-    this.app.menu.close();
+  // Where the list is on screen it is shown at once, as if the keys had done it.
+  async remove({ target }) {
+    const { menu } = this.app;
+    const { head } = menu;
+    const editing = this.editingOf(target);
+    if (editing?.holds(head.row)) {
+      menu.closeFor(head);
+      editing.removeTrack(head.row);
+      return;
+    }
+    await this.edits.removeOne(target, head.row);
+    menu.closeFor(head);
   }
 
   // A place that is none is for the device to refuse.
-  async move({ target, item }, row, value) {
+  async move({ target }, row, value) {
+    const { menu } = this.app;
+    const { head } = menu;
     const to = /^\s*\d+\s*$/.test(value?.string ?? '') ? Number(value.string) : -1;
+    const editing = this.editingOf(target);
+    if (to >= 0 && editing?.holds(head.row, to)) {
+      menu.closeFor(head);
+      editing.moveTrack(head.row, to);
+      return;
+    }
     const { count } = await this.edits.lookAt(target);
     if (to < 0 || to >= count) await this.app.send(row, value);
-    else await this.edits.moveTo(target, item, to);
-    this.app.menu.close();
+    else await this.edits.moveTo(target, head.row, to);
+    menu.closeFor(head);
+  }
+
+  editingOf({ path }) {
+    return this.app.panes.flatMap(({ stack }) => stack).find((screen) => screen.path === path)?.editing;
   }
 
   add({ target }, row, value) {
@@ -38,24 +59,27 @@ export class MenuEdits {
   }
 
   async clear({ target }) {
+    const { head } = this.app.menu;
     const title = this.titleOf(target);
     const seen = await this.edits.lookAt(target);
-    this.ask({ title: `Clear “${title}”?`, text: `${this.tracksOf(seen)} removed from it.`, button: 'Clear' },
+    this.ask(head, { title: `Clear “${title}”?`, text: `${this.tracksOf(seen)} removed from it.`, button: 'Clear' },
       () => this.edits.clear(target, title, seen));
   }
 
   async delete({ target }) {
+    const { head } = this.app.menu;
     const title = this.titleOf(target);
     const seen = await this.edits.lookAt(target);
-    this.ask({ title: `Delete “${title}”?`, text: seen.count ? `${this.tracksOf(seen)} deleted with it.` : 'It is empty.', button: 'Delete' },
+    this.ask(head, { title: `Delete “${title}”?`, text: seen.count ? `${this.tracksOf(seen)} deleted with it.` : 'It is empty.', button: 'Delete' },
       () => this.edits.deleteList(target, title, seen));
   }
 
   async merge({ source, target, mode }) {
+    const { head } = this.app.menu;
     const [from, into] = [source, target].map((list) => ({ ...list, title: this.titleOf(list) }));
     const seen = await this.edits.lookAt(source);
     const stays = source.plid === 0 ? 'The queue keeps them.' : `“${from.title}” is deleted then.`;
-    this.ask({ title: `Merge “${from.title}” into “${into.title}”?`, text: `${this.tracksOf(seen)} added to it. ${stays}`, button: 'Merge' },
+    this.ask(head, { title: `Merge “${from.title}” into “${into.title}”?`, text: `${this.tracksOf(seen)} added to it. ${stays}`, button: 'Merge' },
       () => this.edits.merge(from, into, mode, seen));
   }
 
@@ -68,9 +92,9 @@ export class MenuEdits {
     return store.rows.find((row) => row?.path === path)?.title ?? this.app.menu.head?.title ?? '';
   }
 
-  ask(what, run) {
-    const { menu } = this.app;
-    menu.close();
+  // `head`: that of the menu which asks.
+  ask(head, what, run) {
+    this.app.menu.closeFor(head);
     this.app.ask(what, () => attempt(run(), null));
   }
 
@@ -104,14 +128,15 @@ export class MenuEdits {
 
   async removeDuplicates(target) {
     const { menu } = this.app;
+    const { head } = menu;
     const title = this.titleOf(target);
     const found = await attempt(this.edits.findDuplicates(target), null);
-    menu.close();
+    menu.closeFor(head);
     if (!found) return;
     const { entries, around } = found;
     const run = () => attempt(this.edits.remove(target, entries, around), null);
     if (!entries.length) tell(`“${title}” has no duplicates.`);
     else if (entries.length < AskFrom) run();
-    else this.ask({ title: `Remove ${plural(entries.length, 'duplicate')}?`, text: `The first of each stays in “${title}”.`, button: 'Remove' }, run);
+    else this.ask(head, { title: `Remove ${plural(entries.length, 'duplicate')}?`, text: `The first of each stays in “${title}”.`, button: 'Remove' }, run);
   }
 }

@@ -61,6 +61,10 @@ export class Selection extends Emitter {
     this.emit('change');
   }
 
+  forget(row) {
+    if (this.chosen.delete(rowKey(row))) this.emit('change');
+  }
+
   only(index) {
     this.chosen.clear();
     this.anchor = index;
