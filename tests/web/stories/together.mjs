@@ -18,7 +18,7 @@ function random(seed) {
   return { below: (count) => Math.floor(next() * count), pick: (list) => list[Math.floor(next() * list.length)] };
 }
 
-const Refusals = { remove: /^Could not remove items|already/, add: /^Could not add external items/ };
+const Refusals = { remove: /^Could not remove items|already/, undo: /^Not undone: / };
 
 // One of the two. Each removes tracks of their own half only, so that what is gone can be told exactly.
 class Editor {
@@ -26,7 +26,11 @@ class Editor {
     Object.assign(this, { me, isMine, chance, expected });
     this.page = me.page;
     this.done = []; // what was done and what came of it, for a failure
-    this.steps = []; // {text, titles}: what can be taken back
+    this.steps = []; // titles of each removal that can be taken back
+    this.sending = 0; // edits on their way
+    const isEdit = (request) => request.method() === 'POST';
+    this.page.on('request', (request) => (this.sending += isEdit(request)));
+    for (const end of ['requestfinished', 'requestfailed']) this.page.on(end, (request) => (this.sending -= isEdit(request)));
   }
 
   change(titles, by) {
@@ -45,9 +49,13 @@ class Editor {
     return titles.filter((title) => titles.indexOf(title) === titles.lastIndexOf(title));
   }
 
-  // Everything that the page reads out from now on: {text, urgent}.
+  // Everything that the page reads out from now on: {text, urgent}; and whether there was anything to take back when the
+  // keys for it were pressed.
   async listen() {
     await this.page.evaluate(() => {
+      document.addEventListener('keydown', ({ ctrlKey, key }) => {
+        if (ctrlKey && key === 'z') window.couldUndo = Boolean(document.querySelector('.undo-bar'));
+      }, { capture: true });
       window.said = [];
       for (const id of ['live', 'urgent']) {
         new MutationObserver((changes) => {
@@ -61,21 +69,17 @@ class Editor {
     return this.page.evaluate(() => window.said);
   }
 
-  // Does it, and gives what the page says of it: null when it was refused. Others may be on their way still.
+  // Does it, and gives what the page says of it: null when it was refused or, `work` giving false, not begun. Others may be
+  // on their way still.
   async telling(pattern, refusal, work) {
     const from = (await this.said()).length;
-    await work();
+    if (await work() === false) return null;
     for (const end = Date.now() + 20000; Date.now() < end;) {
       const found = (await this.said()).slice(from).find(({ text, urgent }) => (urgent ? refusal : pattern).test(text));
       if (found) return found.urgent ? null : found.text;
       await new Promise((done) => setTimeout(done, 20));
     }
     throw new Error(`nothing was said like ${pattern}`);
-  }
-
-  async barText() {
-    const [text] = await this.page.locator('.undo-bar p').allTextContents();
-    return text ?? null;
   }
 
   async removeSome() {
@@ -90,10 +94,9 @@ class Editor {
       await this.page.keyboard.press('Escape');
       return;
     }
-    const text = await this.telling(/ removed$/, Refusals.remove, () => this.page.keyboard.press('Delete'));
-    if (!text) return;
+    if (!await this.telling(/ removed$/, Refusals.remove, () => this.page.keyboard.press('Delete'))) return;
     this.change(chosen, -1);
-    this.steps.push({ text, titles: chosen });
+    this.steps.push(chosen);
   }
 
   // Gives the title of the row whose menu it is: rows may have moved under the pointer.
@@ -111,12 +114,9 @@ class Editor {
     if (all.length < 4) return;
     const title = await this.openMenu(this.chance.pick(all));
     if (!title) return;
-    const text = await this.telling(/ removed$/, Refusals.remove, () => this.me.entry('Remove track').dblclick());
-    if (text) {
-      this.change([title], -1);
-      this.steps.push({ text, titles: [title] });
-    } else await this.me.closeSheet();
-    await this.me.sheetCloses();
+    if (!await this.telling(/ removed$/, Refusals.remove, () => this.me.entry('Remove track').dblclick())) return;
+    this.change([title], -1);
+    this.steps.push([title]);
   }
 
   async addByMenu() {
@@ -151,13 +151,14 @@ class Editor {
     for (let press = this.chance.below(5); press >= 0; press -= 1) await this.page.keyboard.press(key);
   }
 
+  // The last removal, or a move that came after it.
   async undo() {
-    const text = await this.barText();
-    while (this.steps.length && this.steps.at(-1).text !== text) this.steps.pop();
-    const step = this.steps.at(-1);
-    if (!step || !text) return;
-    this.steps.pop();
-    if (await this.telling(/ put back/, Refusals.add, () => this.page.keyboard.press('Control+z'))) this.change(step.titles, 1);
+    const press = async () => {
+      await this.page.keyboard.press('Control+z');
+      return this.page.evaluate(() => window.couldUndo);
+    };
+    const text = await this.telling(/ put back| moved back/, Refusals.undo, press);
+    if (/ put back/.test(text)) this.change(this.steps.pop(), 1);
   }
 
   async act() {
@@ -179,23 +180,25 @@ story('two people edit one list on slow wires', async ({ device, open, lay, allo
   const numberOf = (title) => Number(title.match(/\d+$/)[0]);
   const editors = [];
   for (const half of [0, 1]) {
-    const wire = await lay({ thereAndBack: ThereAndBack });
+    const wire = await lay();
     const me = await open({ at: wire.url, viewport: { width: 1440, height: 3200 } });
     await me.openList('Party');
     await me.page.locator('#main .row.movable').first().waitFor();
+    wire.slow(ThereAndBack);
     const editor = new Editor(me, (title) => numberOf(title) % 2 === half, random(chance.below(1000000)), expected);
     await editor.listen();
     editors.push(editor);
   }
+  const shown = async () => Promise.all([order(), ...editors.map(({ me }) => me.titles('main'))]);
+  // All three the same, before and after, and nothing on its way.
+  const isSettled = async () => {
+    const [before, after] = [await shown(), await shown()];
+    return editors.every(({ sending }) => sending === 0) && [...before, ...after].every((titles) => titles.join() === before[0].join());
+  };
   const check = async () => {
     const wanted = [...expected].flatMap(([title, count]) => Array(count).fill(title)).sort();
-    try {
-      await eventually(async () => (await order()).sort(), wanted);
-    } catch (error) {
-      for (const { done, me } of editors) console.log(`# ${done.slice(-30).join(' · ')}\n# ${await me.page.evaluate(() => window.said.slice(-12).map(({ text }) => text).join(' · '))}`);
-      throw error;
-    }
-    for (const { me } of editors) await eventually(async () => (await me.titles('main')).join() === (await order()).join(), true);
+    await eventually(async () => (await order()).sort(), wanted);
+    await eventually(isSettled, true);
   };
   // So that there is something to edit until the end.
   const restock = async () => {
@@ -206,15 +209,20 @@ story('two people edit one list on slow wires', async ({ device, open, lay, allo
     await check();
   };
   const end = Date.now() + Seconds * 1000;
-  for (let round = 0; Date.now() < end; round += 1) {
-    await Promise.all(editors.map(async (editor) => {
-      for (let act = 0; act < 3; act += 1) await editor.act();
-    }));
+  try {
+    for (let round = 0; Date.now() < end; round += 1) {
+      await Promise.all(editors.map(async (editor) => {
+        for (let act = 0; act < 3; act += 1) await editor.act();
+      }));
+      await check();
+      await movesAlone(editors[round % 2], order);
+      await restock();
+    }
     await check();
-    await movesAlone(editors[round % 2], order);
-    await restock();
+  } catch (error) {
+    for (const editor of editors) console.log(`# ${editor.done.slice(-30).join(' · ')}\n# ${(await editor.said()).slice(-12).map(({ text }) => text).join(' · ')}`);
+    throw error;
   }
-  await check();
   // Nobody takes away what is another's to remove.
   const errors = (await Promise.all(editors.map((editor) => editor.said()))).flat().filter(({ urgent }) => urgent);
   assert.deepEqual(errors.filter(({ text }) => !text.endsWith('The playlist has changed meanwhile.')), []);

@@ -48,6 +48,28 @@ story('removals are taken back one after the other by Ctrl+Z', async (t) => {
   await me.undoBar.waitFor({ state: 'detached' });
 }, { sizes: ['desktop'] });
 
+story('Ctrl+Z takes back what was pressed last, though its answer is still on its way', async (t) => {
+  const { device, open, lay, allow } = t;
+  allow(/409/);
+  const plid = await device.playlist('Party', Albums.lanterns);
+  const wire = await lay();
+  const me = await open({ at: wire.url });
+  await me.openList('Party');
+  await me.page.locator('#main .row.movable').first().waitFor();
+  wire.slow(600);
+  await me.row('main', second).focus();
+  await me.page.keyboard.press('Delete');
+  await me.undoBar.filter({ hasText: `“${second}” removed` }).waitFor();
+  await me.row('main', first).focus();
+  await me.page.keyboard.press('Alt+ArrowDown');
+  await me.page.keyboard.press('Control+z');
+  await me.toast('1 track moved back.').waitFor();
+  assert.deepEqual(await device.titles(path(plid)), [first, third, fourth, fifth]);
+  await me.page.keyboard.press('Control+z');
+  await eventually(() => device.titles(path(plid)), Lanterns);
+  await eventually(() => me.titles('main'), Lanterns);
+}, { sizes: ['desktop'] });
+
 story('tracks come back beside their neighbours when others changed the list', async (t) => {
   const { device } = t;
   const { me, plid, order } = await opened(t, Albums.lanterns, Albums.hours);

@@ -36,7 +36,7 @@ export function wireKeys(app) {
   }, true);
   document.addEventListener('keydown', (event) => {
     if ((event.ctrlKey || event.metaKey) && event.key === 'z' && !event.shiftKey && !isTyping(event.target) && !document.querySelector('dialog[open]')) {
-      app.undoBar?.undo();
+      app.undoBar?.undoLast();
       event.preventDefault();
       return;
     }

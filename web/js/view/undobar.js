@@ -11,7 +11,7 @@ const MaxSteps = 50;
 export class UndoBar {
   // `onLeft`: the focus was on it and it is gone.
   constructor(region, edits, { onLeft }) {
-    Object.assign(this, { region, onLeft });
+    Object.assign(this, { region, edits, onLeft });
     this.steps = [];
     this.text = el('p');
     this.button = el('button.pill.small.undo', { type: 'button', title: 'Undo (Ctrl+Z)', onclick: () => this.undo() }, 'Undo');
@@ -61,6 +61,14 @@ export class UndoBar {
     if (hadFocus) this.onLeft();
   }
 
+  // By its keys, which mean what was done last, be it on its way still.
+  async undoLast() {
+    clearTimeout(this.timer);
+    await this.edits.settled();
+    this.wait();
+    await this.undo();
+  }
+
   async undo() {
     const step = this.steps.pop();
     if (!step) return;
@@ -69,7 +77,7 @@ export class UndoBar {
     try {
       tell(await busy(step.undo()));
     } catch (error) {
-      tellError(error);
+      tellError(error.isOffline ? error : { message: `Not undone: ${step.text}. ${error.message}` });
       // Others were quicker, and nothing was done: it can be tried again.
       if (isChanged(error)) this.add(step);
     }
