@@ -104,8 +104,6 @@ Q_SIGNALS:
     void itemsAdded(const QString& positionEnum, int firstSeqNum, int count);
     void itemsRemoved(const QList<int>& indices, int lastSeqNumBeforeRemove);
     void itemMoved(int from, int to);
-    // After the last itemMoved of a call.
-    void itemsMoved();
     void itemsCleared();
     void shuffleChanged(bool newValue);
     void repeatAllChanged(bool newValue);
@@ -114,6 +112,8 @@ Q_SIGNALS:
     void itemsReordered(const QList<int>& order);
     // In place of itemsAdded where the items were given places: those, ascending.
     void itemsInserted(const QList<int>& positions);
+    // After the last itemMoved of a call.
+    void itemsMoved();
 
 protected:
     // How every signal leaves.
