@@ -90,12 +90,14 @@ void PlayListPlayLogic::setCurrentPlayList(PlayListBase* pl) {
     m_currentPlayList = pl;
     if (m_currentPlayList)
         connectCurrentPlayList();
+    Q_EMIT upNextChanged();
 }
 
 void PlayListPlayLogic::setRepeatMode(RepeatMode mode) {
     m_repeatMode = mode;
     if (m_currentPlayList)
         m_currentPlayList->setRepeatAll(mode == RepeatAll);
+    Q_EMIT upNextChanged();
 }
 
 OrvoRoles PlayListPlayLogic::trackAt(int seqNum, const char* whenThereIsNone) {
@@ -256,6 +258,7 @@ void PlayListPlayLogic::playTrackRoles(OrvoRoles roles) {
     m_hasPlayingItem = !roles.isEmpty();
     m_cursorBeforeAnnouncement.reset();
     sendPlayCommand(roles, {});
+    Q_EMIT upNextChanged();
 }
 
 void PlayListPlayLogic::stopInternal(const CMSetDataRequest& request) {
@@ -364,6 +367,7 @@ void PlayListPlayLogic::takeOverCurrentTrack() {
         return;
     m_currentPlayList->setLastSequenceNumber(position.i32());
     m_currentTrackRoles = OrvoRoles();
+    Q_EMIT upNextChanged();
 }
 
 OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRoles,
@@ -422,5 +426,24 @@ void PlayListPlayLogic::tryResumePlayback() {
     } else {
         m_hasPlayingItem = false;
         playbackEnded();
+        Q_EMIT upNextChanged();
     }
+}
+
+UpNext PlayListPlayLogic::upNext() const {
+    UpNext result;
+    if (!m_currentPlayList || !m_hasPlayingItem)
+        return result;
+    result.list = m_currentPlayList;
+    result.revision = m_currentPlayList->getRevision();
+    result.size = m_currentPlayList->getSize();
+    result.playing = m_currentPlayList->getLastSequenceNumber();
+    result.repeatsOne = m_repeatMode == RepeatOne;
+    result.wraps = m_repeatMode == RepeatAll;
+    result.isShuffled = m_shuffleEnabled;
+    if (m_shuffleEnabled) {
+        result.order = m_shuffleSeq;
+        result.place = m_cursorBeforeAnnouncement.value_or(m_shuffleCurIndex);
+    }
+    return result;
 }

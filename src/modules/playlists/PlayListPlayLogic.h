@@ -6,6 +6,7 @@
 
 #include "OrvoRoles.h"
 #include "StreamerPlayLogic.h"
+#include "UpNext.h"
 
 class PlayListBase;
 class PlayListManager;
@@ -47,6 +48,8 @@ public:
                                            const OrvoRoles& newRoles) override;
     void tryResumePlayback() override;
 
+    UpNext upNext() const;
+
     void startPlayback(const CMPath& path, int index, CMSetDataRequest request);
     // Makes the track the position, if it carries one, and sends it to the player.
     void playTrackRoles(OrvoRoles roles);
@@ -67,6 +70,10 @@ public:
     int getNextShuffleItem();
     int getPrevShuffleItem();
     void debugShuffleItems() const;
+
+Q_SIGNALS:
+    // What upNext() returns may have changed.
+    void upNextChanged();
 
 private Q_SLOTS:
     void on_playlist_deleted(int plid);

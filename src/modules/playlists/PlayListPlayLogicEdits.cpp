@@ -31,6 +31,7 @@ void PlayListPlayLogic::followCurrentTrack(Moved moved) {
 void PlayListPlayLogic::stopPlayer() {
     m_hasPlayingItem = false;
     PlayLogicInterface::playerInstance()->stop(StopOnRequest);
+    Q_EMIT upNextChanged();
 }
 
 void PlayListPlayLogic::on_playlist_deleted(int plid) {
@@ -66,7 +67,9 @@ void PlayListPlayLogic::on_currentPlayList_itemsAdded(const QString& positionStr
     if (m_shuffleEnabled)
         addToShuffle(position, firstSeqNum, count);
     // With nothing announced the player asks when the track ends.
-    if (!m_currentTrackRoles.isEmpty())
+    if (m_currentTrackRoles.isEmpty())
+        Q_EMIT upNextChanged();
+    else
         announceAnew();
 }
 
@@ -244,6 +247,7 @@ int PlayListPlayLogic::nextNumber() const {
 }
 
 void PlayListPlayLogic::announceAnew() {
+    Q_EMIT upNextChanged();
     if (!m_cursorBeforeAnnouncement)
         return;
     const int next = nextNumber();

@@ -27,6 +27,7 @@ void PlayListPlayLogic::setShuffleEnabled(bool enabled) {
     m_currentPlayList->setShuffle(enabled);
     if (enabled)
         initShuffle(m_currentPlayList->getLastSequenceNumber());
+    Q_EMIT upNextChanged();
 }
 
 void PlayListPlayLogic::initShuffle(int startItem) {

@@ -7,8 +7,10 @@
 #include "Controller.h"
 #include "Database.h"
 #include "ModuleLog.h"
+#include "OrvoPlayListPaths.h"
 #include "PlayListManager.h"
 #include "PlayListPlayLogic.h"
+#include "playlistUI/playlist/UpNextNode.h"
 #include "playlistUI/PlayListUI.h"
 
 namespace {
@@ -41,6 +43,8 @@ PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config)
     m_ui = new PlayListUI(this, nodes(), subscribe(), m_manager);
     m_controller = new Controller(this, m_manager, PlayListLimits::from(config));
     m_playLogic = new PlayListPlayLogic(this, m_manager, nullptr);
+    m_upNext = new UpNextNode(OrvoPlayListUpNextPath(), m_manager, m_playLogic, subscribe());
+    m_upNext->setNodes(nodes());
     cmConnect(this, &PlayListWorker::setDataReceived, this, &PlayListWorker::on_setDataRequest);
     auto* powerManagerTarget = new CMValueItem(this, OrvoPowerManagerTargetPath());
     cmConnect(powerManagerTarget, &CMValueItem::changed, this,
@@ -48,6 +52,7 @@ PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config)
 }
 
 PlayListWorker::~PlayListWorker() {
+    delete m_upNext;
     delete m_playLogic;
     delete m_controller;
     delete m_ui;

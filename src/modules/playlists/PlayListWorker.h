@@ -8,6 +8,7 @@ class Database;
 class PlayListManager;
 class PlayListPlayLogic;
 class PlayListUI;
+class UpNextNode;
 
 // The module's root object: builds the store, the model, the browse tree, the controller and the
 // play logic, wires what crosses between them, and routes set-data requests. The host owns it;
@@ -35,4 +36,5 @@ private:
     PlayListUI* m_ui;
     Controller* m_controller;
     PlayListPlayLogic* m_playLogic;
+    UpNextNode* m_upNext;
 };

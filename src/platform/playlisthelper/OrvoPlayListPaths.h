@@ -35,6 +35,7 @@
     X(OrvoPlayListPlAddExternalItemsPath, "playlists:pl/addExternalItems")                         \
     X(OrvoPlayListPlMoveItemspath, "playlists:pl/moveItems")                                       \
     X(OrvoPlayListPlSetOrderPath, "playlists:pl/setOrder")                                         \
+    X(OrvoPlayListUpNextPath, "playlists:upnext")                                                  \
     X(OrvoPlayListClCreatePath, "playlists:cl/create")                                             \
     X(OrvoPlayListClAddItemPath, "playlists:cl/addItem")                                           \
     X(OrvoPlayListClRemoveItemPath, "playlists:cl/removeItem")                                     \

@@ -1,7 +1,5 @@
 #include "TrackListNode.h"
 
-#include "../../PlayListBase.h"
-
 namespace {
 
 // What a text costs at least in an answer is one byte for each of its letters.
@@ -27,11 +25,17 @@ qint64 lettersOf(const QVariant& value) {
 
 void TrackListNode::sendTracks(PlayListBase* pl, const TrString& title,
                                const CMGetRowsRequest& request) {
-    int total = 0;
+    const auto visitRows = [pl, &request](const PlayListBase::VisitRoles& visit) {
+        pl->visitRoles(request.fromRow(), request.toRow(), visit);
+    };
+    sendTracks(pl, pl ? pl->getSize() : 0, visitRows, title, request);
+}
+
+void TrackListNode::sendTracks(PlayListBase* pl, int total, const VisitRows& visitRows,
+                               const TrString& title, const CMGetRowsRequest& request) {
     QVariantList rows;
     OrvoRowsRoles reply;
     if (pl) {
-        total = pl->getSize();
         const int plid = pl->getUid();
         const QStringList names = request.roleNames();
         qint64 letters = 0;
@@ -41,7 +45,7 @@ void TrackListNode::sendTracks(PlayListBase* pl, const TrString& title,
             letters += lettersOf(rows.last());
             return letters <= MaxLetters;
         };
-        pl->visitRoles(request.fromRow(), request.toRow(), addRow);
+        visitRows(addRow);
         if (letters > MaxLetters) {
             request.reply().setError(CMError(QStringLiteral("AnswerTooLarge"),
                                              TrString("TrackListNode", "Ask for fewer rows."),

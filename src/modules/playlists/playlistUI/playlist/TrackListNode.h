@@ -1,8 +1,7 @@
 #pragma once
 
+#include "../../PlayListBase.h"
 #include "../BaseNode.h"
-
-class PlayListBase;
 
 // What the nodes that list tracks share: the requested range is read from the playlist and nothing
 // else.
@@ -17,4 +16,8 @@ public:
 protected:
     // A playlist that is gone lists as empty.
     void sendTracks(PlayListBase* pl, const TrString& title, const CMGetRowsRequest& request);
+    // `total` rows out of `pl`: `visitRows` visits the requested ones, in the order of the rows.
+    using VisitRows = std::function<void(const PlayListBase::VisitRoles& visit)>;
+    void sendTracks(PlayListBase* pl, int total, const VisitRows& visitRows, const TrString& title,
+                    const CMGetRowsRequest& request);
 };
