@@ -67,7 +67,10 @@ int followed(int number, const ItemMove& move) {
 } // namespace
 
 PlayList::PlayList(Database* database, const PlayListRecord& record)
-    : m_database(database), m_record(record), m_revision(database->nextRevision()) {}
+    : m_database(database),
+      m_record(record),
+      m_firstRevision(database->nextRevision()),
+      m_revision(m_firstRevision) {}
 
 int PlayList::getUid() const {
     return m_record.uid;

@@ -23,6 +23,7 @@ public:
     int getLastSequenceNumber() const override;
     int getSize() const override;
     qint64 getRevision() const override;
+    qint64 getFirstRevision() const override { return m_firstRevision; }
     bool valid() const override;
 
     bool setName(const QString& name) override;
@@ -68,6 +69,7 @@ private:
 
     Database* m_database;
     PlayListRecord m_record;
+    const qint64 m_firstRevision;
     qint64 m_revision;
     // The record may differ from the store, which could not be read when it was to be compared.
     bool m_inDoubt = false;

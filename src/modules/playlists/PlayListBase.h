@@ -43,6 +43,9 @@ public:
     // Which state of the entries this is: a number that rises with each change of them. No other
     // list has it, not even a later one with the same uid, nor the same list after a restart.
     virtual qint64 getRevision() const = 0;
+    // The one that it had when it was made, or loaded at the start: it tells the list from every
+    // other that has had its uid.
+    virtual qint64 getFirstRevision() const = 0;
     virtual bool valid() const = 0;
 
     // Each is false when the change could not be stored: nothing has changed then.

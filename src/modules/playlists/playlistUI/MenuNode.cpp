@@ -2,6 +2,7 @@
 
 #include <QPointer>
 
+#include "../PlayListBase.h"
 #include "../PlayListManager.h"
 #include "CMRootWorker.h"
 #include "OrvoPlayListCommands.h"
@@ -69,6 +70,12 @@ bool MenuNode::isMadeForItem(const CMPath& path, int uid) const {
     bool isNumber = false;
     const qint64 revision = params.value(Revision()).toLongLong(&isNumber);
     return isNumber && manager()->isItemOf(revision, uid);
+}
+
+bool MenuNode::isMadeForTarget(const CMPath& path, const PlayListBase* target) {
+    const QMap<QString, QString>& params = path.params();
+    return !params.contains(TargetRevision()) ||
+           params.value(TargetRevision()) == QString::number(target->getFirstRevision());
 }
 
 void MenuNode::refuse(const CMSetDataRequest& request, const TrString& message) {

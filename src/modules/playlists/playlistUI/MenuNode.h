@@ -4,6 +4,8 @@
 
 #include "BaseNode.h"
 
+class PlayListBase;
+
 // What the menus share: building entries, and sending an entry's command on behalf of the
 // requester. A command's error reaches the requester unchanged; after a success the menu closes
 // unless the action says that it stays open.
@@ -54,11 +56,15 @@ protected:
     // Whether the item with this uid is still the one for which the path, by its revision, was
     // made. True where the path has no revision.
     bool isMadeForItem(const CMPath& path, int uid) const;
+    // The same for the playlist that the entry is to add to, by its first revision.
+    static bool isMadeForTarget(const CMPath& path, const PlayListBase* target);
     // Answers that what the entry was made for is no longer there.
     static void refuse(const CMSetDataRequest& request, const TrString& message);
     // The arguments of a command that needs the playlist alone.
     static OrvoHash playListOnly(const CMSetDataRequest& request);
 
+    // The first revision of the playlist that an entry is to add to.
+    static QString TargetRevision() { return QStringLiteral("targetrevision"); }
     static QString Mode() { return QStringLiteral("mode"); }
     static QString CmNode() { return QStringLiteral("cmnode"); }
     // The text that an entry was given.

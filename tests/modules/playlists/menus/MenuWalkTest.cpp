@@ -213,6 +213,29 @@ TEST_F(MenuWalkTest, aNumberThatWasGivenAgainIsAnotherTrack) {
     EXPECT_EQ(titles(0), QStringList("q"));
 }
 
+TEST_F(MenuWalkTest, aListThatHasTheNumberOfTheChosenOneIsNotAddedTo) {
+    const CMPath targets = open(trackMenu("Mix", "b"), "Add to playlist");
+    const CMPath modes = row(targets, "Other").path();
+    const CMPath append = row(modes, "Append").path();
+    addItems(2, {"z"});
+    EXPECT_EQ(useEntry(append), AddModeMenu) << "a list that has changed is still the same one";
+    EXPECT_EQ(titles(2), QStringList({"x", "y", "z", "b"}));
+    EXPECT_EQ(use(menuOf("Other"), "Delete playlist"), PlayListMenu);
+    ASSERT_EQ(createPlayList("Others"), 2);
+    const LogCapture log("PlayLists");
+    for (const CMPath& entry : {append, row(modes, "Now").path()}) {
+        const Answer answer = send(entry, QVariantHash());
+        EXPECT_EQ(answer.message(),
+                  "Could not add items to playlist. The playlist has changed meanwhile.");
+        EXPECT_EQ(answer.error.name(), CMError::Conflict());
+    }
+    const QString another = "Another playlist by now: 2";
+    EXPECT_EQ(log.errors().filter("playlist"), QStringList({another, another}));
+    EXPECT_EQ(titles(2), QStringList());
+    EXPECT_EQ(use(open(targets, "Others"), "Append"), AddModeMenu);
+    EXPECT_EQ(titles(2), QStringList("b"));
+}
+
 TEST_F(MenuWalkTest, aNumberGivenElsewhereLeavesOtherMenusAlone) {
     const CMPath removal = row(trackMenu("Mix", "b"), "Remove track").path();
     for (int round = 0; round < 3; ++round) {

@@ -1,6 +1,8 @@
 #include "PlayListAddModeNode.h"
 
 #include "../../ModuleLog.h"
+#include "../../PlayListBase.h"
+#include "../../PlayListManager.h"
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 
@@ -28,6 +30,11 @@ bool PlayListAddModeNode::getRowsRequest(const CMGetRowsRequest& request) {
     return true;
 }
 
+static TrString changedMeanwhile() {
+    return {"PlayListAddModeNode",
+            "Could not add items to playlist. The playlist has changed meanwhile."};
+}
+
 bool PlayListAddModeNode::setDataRequest(const CMSetDataRequest& request) {
     const QMap<QString, QString>& params = request.path().params();
     OrvoPlayListPlAddItems args;
@@ -37,14 +44,18 @@ bool PlayListAddModeNode::setDataRequest(const CMSetDataRequest& request) {
         args.setFromPlid(toInt(params.value(FromPlid()), -1));
     if (params.contains(Mode()))
         args.setMode(OrvoPlayListAddPosition::Enum(params.value(Mode()).toInt()));
+    const PlayListBase* target = manager()->getPlayListByUid(args.plid());
+    if (target && !isMadeForTarget(request.path(), target)) {
+        LOG4CPLUS_ERROR(moduleLog(), "Another playlist by now: " << args.plid());
+        refuse(request, changedMeanwhile());
+        return true;
+    }
     if (params.contains(ItemId())) {
         const QString item = params.value(ItemId());
         if (CMPath(item).startsWith(OrvoPlayListItemPath()) &&
             !isMadeForItem(request.path(), toInt(item.section(QLatin1Char('/'), -1), -1))) {
             LOG4CPLUS_ERROR(moduleLog(), "Another item by now: " << loggedText(item));
-            refuse(request, TrString("PlayListAddModeNode",
-                                     "Could not add items to playlist. The playlist has changed"
-                                     " meanwhile."));
+            refuse(request, changedMeanwhile());
             return true;
         }
         args.setItems({item});

@@ -24,6 +24,9 @@ bool PlayListAddToPlaylistNode::getRowsRequest(const CMGetRowsRequest& request) 
                         "plid:" << pl->getUid() << " plname:" << loggedText(pl->getName()));
         CMPath target = OrvoPlayListPlSelectAddModePath();
         target.setParams(request.path().params());
+        // Who asks for a track as it was at a revision means each list as it is listed now, too.
+        if (target.params().contains(Revision()))
+            target.addParam(TargetRevision(), QString::number(pl->getFirstRevision()));
         OrvoRoles entry =
             menuRow(TrString(pl->getName()), target.addParam(Plid(), toStr(pl->getUid())));
         entry.setContainerPlayable(true);
