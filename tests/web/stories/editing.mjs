@@ -128,6 +128,33 @@ story('a late answer closes its own menu only', async (t) => {
   assert.equal(await me.sheet.locator('.sheet-title').textContent(), third);
 });
 
+story('the menu of a track whose number is another one by now offers nothing', async (t) => {
+  const { device } = t;
+  const { me, plid } = await slowly(t, 1500, Albums.lanterns);
+  await device.send('playlists:pl/removeItems', { plid, items: [4] });
+  const [kitchen] = (await device.rows(`files:tree/${Albums.hours.split('/').map(encodeURIComponent).join('/')}`)).rows;
+  await device.send('playlists:pl/addItems', { plid, items: [kitchen.path] });
+  await me.menuOf('main', fifth); // before the page can know
+  assert.equal(await me.sheet.locator('.sheet-title').textContent(), fifth);
+  assert.equal(await me.sheet.locator('.menu-entry').count(), 0);
+  assert.equal(await me.sheet.locator('.menu-empty').textContent(), 'This track is gone already.');
+});
+
+story('a track is not added to a list that has the number of the chosen one', async (t) => {
+  const { device, allow } = t;
+  allow(/409/);
+  const { me } = await slowly(t, 0, Albums.lanterns);
+  const other = await device.playlist('Other');
+  await me.menuOf('main', second);
+  await me.choose('Add to playlist', 'Other');
+  await me.entry('Append').waitFor();
+  await device.send('playlists:pl/delete', { plid: other });
+  assert.equal(await device.playlist('Another'), other);
+  await me.choose('Append');
+  await me.toast('Could not add items to playlist. The playlist has changed meanwhile.').waitFor();
+  assert.deepEqual(await device.titles(`playlists:pl/items/${other}`), []);
+}, { sizes: ['desktop'] });
+
 story('after several tracks are removed the focus stands on the one behind them', async (t) => {
   const { me } = await slowly(t, 0, Albums.lanterns, Albums.hours);
   await me.row('main', second).locator('.row-title').click();

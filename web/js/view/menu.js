@@ -134,7 +134,8 @@ export class Menu {
     const line = content.querySelector('.menu-line');
     if (line) line.before(...extras);
     else content.append(...extras);
-    if (!rows.length) content.append(el('p.menu-empty', {}, 'Nothing to choose here.'));
+    const isTrack = this.head?.row?.type === RowType.Audio;
+    if (!rows.length) content.append(el('p.menu-empty', {}, isTrack ? 'This track is gone already.' : 'Nothing to choose here.'));
     return content;
   }
 

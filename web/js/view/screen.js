@@ -100,7 +100,7 @@ export class Screen {
     store.on('closed', () => this.pane.remove(this));
     list.selection.on('change', () => this.showBar());
     list.on('open', (what) => this.open(what));
-    list.on('menu', ({ row, anchor }) => this.openMenu(row, anchor));
+    list.on('menu', ({ row, index, anchor }) => this.openMenu(row, index, anchor));
     list.on('back', () => this.pane.back());
     list.on('selectAll', () => attempt(list.selection.all(), this.element));
     this.scroller.addEventListener('scroll', () => this.showBarTitle(), { passive: true });
@@ -282,7 +282,7 @@ export class Screen {
   playFrom(row, index, anchor) {
     const { app, store } = this;
     if (!app.player.present || !this.playLogicPath()) {
-      if (row) this.openMenu(row, anchor);
+      if (row) this.openMenu(row, index, anchor);
       return;
     }
     const container = { mediaData: this.row?.mediaData, ...store.roles, path: this.path, type: RowType.Container };
@@ -291,8 +291,9 @@ export class Screen {
     attempt(app.player.playContainer(container, track, place), anchor);
   }
 
-  openMenu(row, anchor) {
-    if (row.context?.path) this.app.openPublishedMenu(row.context, anchor, row, this.coverOf(row, () => {}));
+  openMenu(row, index, anchor) {
+    const revision = this.store.revisionOf([index]);
+    if (row.context?.path) this.app.openPublishedMenu(atRevision(row.context, revision), anchor, row, this.coverOf(row, () => {}));
     else if (this.pane.kind === 'side') this.addRows([row], anchor);
   }
 
@@ -320,6 +321,11 @@ export class Screen {
       });
     }
   }
+}
+
+// The menu of a row as it was then: numbers of rows that are gone are given again.
+function atRevision(context, revision) {
+  return revision === undefined ? context : { ...context, path: `${context.path}&revision=${revision}` };
 }
 
 // The head of a list: its picture, its name, how much it holds, what can be done with all of it.
