@@ -173,6 +173,15 @@ TEST_F(CtlPlaylist, duplicatesAreRemovedButForTheFirst) {
     EXPECT_EQ(ctl({"dedupe", "Party", "--json"}).out.toStdString(), "{\"removed\":0}\n");
 }
 
+TEST_F(CtlPlaylist, tracksAreSorted) {
+    const int id = playlist("Party", {"x:b", "x:c", "x:a"});
+    EXPECT_EQ(ctl({"sort", "Party", "--by", "title"}).err.toStdString(),
+              "sorted Party (#10) by title\n");
+    EXPECT_EQ(m_playLists.lists.value(id).tracks, (QStringList{"x:a", "x:b", "x:c"}));
+    EXPECT_EQ(ctl({"sort", "Party", "--by", "title", "--reverse"}).status, 0);
+    EXPECT_EQ(m_playLists.lists.value(id).tracks, (QStringList{"x:c", "x:b", "x:a"}));
+}
+
 TEST_F(CtlPlaylist, whatToSortByIsNamed) {
     playlist("Party", {"x:b", "x:a"});
     for (const QStringList& words :

@@ -55,6 +55,7 @@ const QHash<QString, FakePlayLists::Command>& FakePlayLists::commands() {
         {OrvoPlayListPlAddItemsPath().toString(), &FakePlayLists::addItems},
         {OrvoPlayListPlRemoveItemsPath().toString(), &FakePlayLists::removeItems},
         {OrvoPlayListPlMoveItemspath().toString(), &FakePlayLists::moveItems},
+        {OrvoPlayListPlSetOrderPath().toString(), &FakePlayLists::setOrder},
         {OrvoPlayListPlPlayPath().toString(), &FakePlayLists::play},
         {OrvoPlayListClCreatePath().toString(), &FakePlayLists::createGroup},
         {OrvoPlayListClDeletePath().toString(), &FakePlayLists::deleteGroup},
@@ -220,6 +221,24 @@ QString FakePlayLists::moveItems(const OrvoHash& record, int*) {
     if (request.items().size() != 1 || request.to() >= size || request.items().first() >= size)
         return QStringLiteral("Move items failed");
     list(record)->tracks.move(request.items().first(), request.to());
+    return {};
+}
+
+QString FakePlayLists::setOrder(const OrvoHash& record, int*) {
+    if (!list(record))
+        return NoList;
+    QStringList& tracks = list(record)->tracks;
+    const QList<int> order = OrvoPlayListPlSetOrder(record.toHash()).order();
+    QStringList ordered;
+    for (const int position : order)
+        ordered.append(tracks.value(position));
+    QList<int> positions = order;
+    std::sort(positions.begin(), positions.end());
+    for (int i = 0; i < tracks.size(); ++i) {
+        if (positions.size() != tracks.size() || positions.at(i) != i)
+            return QStringLiteral("Please name every position once.");
+    }
+    tracks = ordered;
     return {};
 }
 

@@ -45,6 +45,7 @@ private:
     QString addItems(const OrvoHash& record, int* value);
     QString removeItems(const OrvoHash& record, int* value);
     QString moveItems(const OrvoHash& record, int* value);
+    QString setOrder(const OrvoHash& record, int* value);
     QString play(const OrvoHash& record, int* value);
     QString createGroup(const OrvoHash& record, int* value);
     QString deleteGroup(const OrvoHash& record, int* value);

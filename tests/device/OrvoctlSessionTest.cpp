@@ -52,6 +52,34 @@ TEST_F(OrvoctlSession, whatWasAnsweredIsThereAfterAKillAndTheQueueIsEmpty) {
     EXPECT_EQ(device.query("SELECT shuffle FROM playlists WHERE uid = 1"), QStringList{"1"});
 }
 
+TEST_F(OrvoctlSession, aListIsSortedAndLosesItsDuplicates) {
+    const QString album = device.musicFolder() + "/Band 3/Album 3/";
+    const QByteArray rows = "playlists:pl/items/1";
+    run({"create", "Party"});
+    for (const char* track : {"03 track.wav", "01 track.wav", "03 track.wav", "02 track.wav"})
+        run({"add", "Party", album + track});
+    const QStringList added = device.titles(rows);
+    ASSERT_EQ(added.size(), 4);
+    ASSERT_EQ(added.at(0), added.at(2));
+    const QString first = added.at(1);
+    const QString second = added.at(3);
+    const QString third = added.at(0);
+
+    run({"sort", "Party", "--by", "title"});
+    EXPECT_EQ(device.titles(rows), QStringList({first, second, third, third}));
+    run({"sort", "Party", "--by", "title", "--reverse"});
+    EXPECT_EQ(device.titles(rows), QStringList({third, third, second, first}));
+
+    const Device::Ctl removed = device.ctl({"dedupe", "Party", "--json"});
+    EXPECT_EQ(removed.status, 0) << qPrintable(removed.err);
+    EXPECT_EQ(removed.out, "{\"removed\":1}\n");
+    EXPECT_EQ(device.titles(rows), QStringList({third, second, first}));
+
+    device.kill();
+    ASSERT_TRUE(device.start());
+    EXPECT_EQ(device.titles(rows), QStringList({third, second, first}));
+}
+
 TEST_F(OrvoctlSession, aRefusalIsStatusOneAndAWrongCallStatusTwo) {
     const Device::Ctl refused = device.ctl({"set", "playlists:pl/create", R"({"name":""})"});
     EXPECT_EQ(refused.status, 1);
