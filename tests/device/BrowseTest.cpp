@@ -162,6 +162,24 @@ TEST_F(Browse, aSwitchIsTurnedAndADeletionAskedTwice) {
     EXPECT_EQ(device.titles("playlists:pl/list").size(), 1);
 }
 
+TEST_F(Browse, aListIsNotOfferedToItself) {
+    order({"create", "Sunday"});
+    TerminalProgram screen(browse({"playlists:root"}));
+    ASSERT_TRUE(screen.waitForText("Sunday"));
+    screen.type(Down + Down);
+    ASSERT_TRUE(screen.waitForBar("Party"));
+    screen.type("m");
+    ASSERT_TRUE(screen.waitForText("Merge with playlist"));
+    screen.type(Down + Down + Down + Down);
+    ASSERT_TRUE(screen.waitForBar("Merge with playlist"));
+    screen.type(Enter);
+    ASSERT_TRUE(screen.waitForBar("Create new playlist"));
+    screen.type(End);
+    ASSERT_TRUE(screen.waitForBar("Sunday"));
+    screen.type(Up);
+    ASSERT_TRUE(screen.waitForBar("Create new playlist"));
+}
+
 TEST_F(Browse, aKilledDeviceIsShownAndItsReturnToo) {
     TerminalProgram screen(browse({"playlists:pl/items/1"}));
     ASSERT_TRUE(screen.waitForText("Track 1.4"));

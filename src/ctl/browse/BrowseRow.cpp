@@ -82,8 +82,16 @@ bool BrowseRow::isCreate() const {
     return type() == Editable && text.isString() && text.toString().isEmpty();
 }
 
+// The device offers every list as a target, the one that is to be merged as well.
+bool BrowseRow::mergesIntoItself() const {
+    const QString source = PathText::parameter(path(), QStringLiteral("fromplid"));
+    return opens() && !source.isEmpty() &&
+           source == PathText::parameter(path(), QStringLiteral("plid")) &&
+           PathText::parameter(path(), QStringLiteral("itemid")).isEmpty();
+}
+
 bool BrowseRow::canBeChosen() const {
-    return type() != Header && type() != Separator;
+    return type() != Header && type() != Separator && !mergesIntoItself();
 }
 
 Deed BrowseRow::deedInList() const {

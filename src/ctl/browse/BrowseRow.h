@@ -52,7 +52,8 @@ public:
     bool isSwitch() const;
     // An editable text without a text yet makes something new.
     bool isCreate() const;
-    // A row that is still on its way may be stood on, too.
+    // A row that is still on its way may be stood on, too. A list as the target of its own merge
+    // may not.
     bool canBeChosen() const;
 
     Deed deedInList() const;
@@ -61,6 +62,7 @@ public:
     QJsonObject valueToSend() const;
 
 private:
+    bool mergesIntoItself() const;
     int containerType() const;
     QString metaText(const char* name) const;
 

@@ -122,7 +122,10 @@ void ListPainter::paintTrack(const BrowseRow& row, int line, bool isActive) {
 void ListPainter::paintOther(const BrowseRow& row, int line, bool isActive) {
     const bool isCurrent = m_browser->player().isCurrent(row);
     const bool asks = m_browser->asksAgain(row);
-    const Style style = asks ? Style::Warning : isCurrent ? Style::Accent : Style::Plain;
+    const Style style = asks                 ? Style::Warning
+                        : isCurrent          ? Style::Accent
+                        : !row.canBeChosen() ? Style::Dim
+                                             : Style::Plain;
     m_terminal->put(line, m_area.left(), markOf(row, m_browser->player()), style, isActive);
     const QString detail = asks ? AskAgain : detailOf(row);
     const int room = m_area.width() - MarkColumns;
