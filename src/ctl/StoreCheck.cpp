@@ -110,6 +110,7 @@ const Setting settings[] = {
     {"settings:playlists/playqueueVisible", QJsonValue::Bool},
     {"settings:playlists/collectionsVisible", QJsonValue::Bool},
     {"settings:player/volume", QJsonValue::Double},
+    {"settings:player/resumePoint", QJsonValue::String},
 };
 
 // The first column of every row. A query that fails says so in a row of its own.

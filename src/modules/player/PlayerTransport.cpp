@@ -195,8 +195,9 @@ void PlayerTransport::play(const PlayLogicCommand& command) {
     m_current = {++m_lastGeneration, command.roles};
     m_prepared = false;
     m_prepareTimer.stop();
-    m_engine.play(m_current.generation, firstUri(command.roles), qMax(0, start.startPosition()),
-                  m_paused);
+    m_startMs = qMax(0, start.startPosition());
+    m_mediaPath = data().mediaRoles().path();
+    m_engine.play(m_current.generation, firstUri(command.roles), m_startMs, m_paused);
     setState(OrvoPlayerState::Opening);
 }
 
@@ -208,10 +209,14 @@ void PlayerTransport::setNextMedia(const PlayLogicCommand& command) {
 }
 
 void PlayerTransport::playbackEnded(const PlayLogicCommand&) {
+    // What was heard to its end begins anew.
+    if (m_resumePoint.mediaPath() == m_mediaPath)
+        setResumePoint({});
     silence();
 }
 
 void PlayerTransport::stopped(const PlayLogicCommand&) {
+    noteResumePoint();
     deactivate();
     silence();
 }
@@ -265,6 +270,7 @@ void PlayerTransport::onStarted(PlayerEngine::Generation generation) {
     if (generation == m_next.generation) {
         m_current = m_next;
         m_next = {};
+        m_startMs = 0;
     }
     // Something else was decided, which only waits for its turn: this one hardly sounds.
     if (generation != m_current.generation || m_decisionsUnderWay > 0 || !m_logic)
@@ -438,6 +444,7 @@ void PlayerTransport::resume(const CMSetDataRequest& request) {
 void PlayerTransport::stop(const CMSetDataRequest& request) {
     post([this, request] {
         OrvoPlayLogicStopArgs args(request.value());
+        noteResumePoint();
         // The one whose play command is on its way is to know that it does not play.
         if (m_playsUnderWay > 0 && m_coming)
             activate(m_coming);
@@ -525,6 +532,25 @@ void PlayerTransport::setVolume(const CMSetDataRequest& request) {
         applyVolume(volume);
         request.reply().setValue({});
     });
+}
+
+void PlayerTransport::setResumePoint(const OrvoPlayerResumePoint& point) {
+    if (point == m_resumePoint)
+        return;
+    m_resumePoint = point;
+    Q_EMIT changed();
+}
+
+void PlayerTransport::noteResumePoint() {
+    const CMPath track = m_current.roles.path();
+    if (m_current.generation == 0 || track.isEmpty())
+        return;
+    OrvoPlayerResumePoint point;
+    point.setMediaPath(m_mediaPath);
+    point.setTrackPath(track);
+    const qint64 startMs = m_state == OrvoPlayerState::Opening ? m_startMs : 0;
+    point.setPosition(qMax(startMs, position()));
+    setResumePoint(point);
 }
 
 void PlayerTransport::applyVolume(int volume) {

@@ -45,6 +45,11 @@ public:
     int volume() const { return m_volume; }
     // Without a request, at start.
     void applyVolume(int volume);
+    // Of the last stop or, when something plays, of the one before.
+    const OrvoPlayerResumePoint& resumePoint() const { return m_resumePoint; }
+    void setResumePoint(const OrvoPlayerResumePoint& point);
+    // At a stop, also that of the device.
+    void noteResumePoint();
 
 Q_SIGNALS:
     // Something of the above has changed, except the position as time goes by.
@@ -109,6 +114,9 @@ private:
     int m_playsUnderWay = 0;
     QPointer<StreamerPlayLogic> m_coming;
     quint64 m_stops = 0; // that users asked for
+    int m_startMs = 0;   // where the current item was to start
+    CMPath m_mediaPath;  // what it belongs to; the play logic's data may be gone when it stops
+    OrvoPlayerResumePoint m_resumePoint;
     int m_volume = 100;
     QTimer m_prepareTimer;
 };

@@ -1,5 +1,8 @@
 #include "PlayerWorker.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
+
 #include "CMConnect.h"
 #include "CMRootWorker.h"
 #include "PlayerLog.h"
@@ -12,6 +15,27 @@ constexpr int DefaultVolume = 100;
 
 OrvoValue text(const QString& value) {
     return OrvoValue::fromString(value);
+}
+
+// The setting is one text. What is none reads as no place.
+QString resumePointText(const OrvoPlayerResumePoint& point) {
+    if (point.isEmpty())
+        return {};
+    const QJsonObject object = QJsonObject::fromVariantHash(point.toHash());
+    const QString text = QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+    return text.size() <= CMValueStore::MaxTextLength ? text : QString();
+}
+
+OrvoPlayerResumePoint resumePoint(const QString& text) {
+    const OrvoPlayerResumePoint stored(
+        QJsonDocument::fromJson(text.toUtf8()).object().toVariantHash());
+    OrvoPlayerResumePoint point;
+    if (stored.trackPath().isEmpty() || stored.position() < 0)
+        return point;
+    point.setMediaPath(stored.mediaPath());
+    point.setTrackPath(stored.trackPath());
+    point.setPosition(stored.position());
+    return point;
 }
 
 QVariant bare(const QVariant& value) {
@@ -69,6 +93,11 @@ const QList<PlayerWorker::ValueRow>& PlayerWorker::valueRows() {
          {}},
         {OrvoPlayerVolumePath(), [](const T& t) { return OrvoValue::fromI32(t.volume()); }, false,
          &T::setVolume, OrvoPlayerVolumeArgs::Volume()},
+        {OrvoPlayerResumePointPath(),
+         [](const T& t) { return OrvoValue(t.resumePoint().toHash()); },
+         false,
+         nullptr,
+         {}},
     };
     return rows;
 }
@@ -87,6 +116,7 @@ PlayerWorker::PlayerWorker(const QHash<QString, QVariant>& config)
       m_transport(config.value(QStringLiteral("player/audioSink")).toString(), SourceRules(config)),
       m_position(m_transport, subscribe()) {
     takeVolume(OrvoValue(CMRoot()->getValue(OrvoPlayerSettingsVolumePath())));
+    takeResumePoint(OrvoValue(CMRoot()->getValue(OrvoPlayerSettingsResumePointPath())));
     for (const ValueRow& row : valueRows())
         m_published.insert(row.path.base(), row.read(m_transport));
     cmConnect(&m_transport, &PlayerTransport::changed, this, &PlayerWorker::publishSoon);
@@ -95,11 +125,15 @@ PlayerWorker::PlayerWorker(const QHash<QString, QVariant>& config)
     cmConnect(&m_volumeTimer, &QTimer::timeout, this, &PlayerWorker::keepVolume);
     auto* stored = new CMValueItem(this, OrvoPlayerSettingsVolumePath());
     cmConnect(stored, &CMValueItem::changed, this, &PlayerWorker::takeVolume);
+    auto* point = new CMValueItem(this, OrvoPlayerSettingsResumePointPath());
+    cmConnect(point, &CMValueItem::changed, this, &PlayerWorker::takeResumePoint);
 }
 
 PlayerWorker::~PlayerWorker() {
     if (m_volumeTimer.isActive())
         keepVolume();
+    m_transport.noteResumePoint();
+    keepResumePoint();
 }
 
 void PlayerWorker::takeVolume(const OrvoValue& stored) {
@@ -108,12 +142,27 @@ void PlayerWorker::takeVolume(const OrvoValue& stored) {
 
 void PlayerWorker::keepVolume() {
     m_volumeTimer.stop();
+    keep(OrvoPlayerSettingsVolumePath(), m_transport.volume(), "the volume");
+}
+
+void PlayerWorker::takeResumePoint(const OrvoValue& stored) {
+    m_transport.setResumePoint(resumePoint(stored.string()));
+}
+
+void PlayerWorker::keepResumePoint() {
+    CMRootWorker* root = CMRootWorker::instance();
+    const QString text = resumePointText(m_transport.resumePoint());
+    if (root && OrvoValue(root->getValue(OrvoPlayerSettingsResumePointPath())).string() != text)
+        keep(OrvoPlayerSettingsResumePointPath(), text, "where playback stopped");
+}
+
+void PlayerWorker::keep(const CMPath& setting, const QVariant& value, const char* what) {
     const CMVoidReply reply;
-    reply.onError([](const CMError& error) {
-        LOG4CPLUS_ERROR(playerLog(), "the volume is not kept: " << error.message().toString());
+    reply.onError([what](const CMError& error) {
+        LOG4CPLUS_ERROR(playerLog(), what << " is not kept: " << error.message().toString());
     });
     if (CMRootWorker* root = CMRootWorker::instance())
-        root->setValue(OrvoPlayerSettingsVolumePath(), m_transport.volume(), reply);
+        root->setValue(setting, value, reply);
 }
 
 QVariant PlayerWorker::getValue(const CMPath& path) {
@@ -170,5 +219,7 @@ void PlayerWorker::publish() {
         subscribe()->valueChanged(row.path, newValue, oldValue);
         if (row.path == OrvoPlayerVolumePath())
             m_volumeTimer.start(KeepVolumeAfterMs);
+        if (row.path == OrvoPlayerResumePointPath())
+            keepResumePoint();
     }
 }

@@ -43,6 +43,9 @@ private:
     void publish();
     void takeVolume(const OrvoValue& stored);
     void keepVolume();
+    void takeResumePoint(const OrvoValue& stored);
+    void keepResumePoint();
+    void keep(const CMPath& setting, const QVariant& value, const char* what);
 
     PlayerTransport m_transport;
     PositionPublisher m_position;

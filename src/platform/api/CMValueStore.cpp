@@ -45,7 +45,9 @@ QVariant convert(const QVariant& bare, QMetaType::Type type) {
             return false;
         return {};
     }
-    return bare.type() == QVariant::String ? bare : QVariant();
+    const bool fits =
+        bare.type() == QVariant::String && bare.toString().size() <= CMValueStore::MaxTextLength;
+    return fits ? bare : QVariant();
 }
 
 } // namespace

@@ -24,8 +24,10 @@ struct CMValueDeclaration {
 // are no values, and no persistent one is taken.
 class ORVO_API_EXPORT CMValueStore {
 public:
-    // Of a file that the store takes for its own. What it writes has a few hundred bytes.
+    // Of a file that the store takes for its own. What it writes has a few thousand bytes at most.
     static constexpr qint64 MaxFileBytes = 65536;
+    // Of a value that is a text, so that the file stays one that can be read.
+    static constexpr int MaxTextLength = 4096;
 
     explicit CMValueStore(const QString& file);
 
@@ -65,6 +67,8 @@ private:
     X(OrvoPlayListSettingsCollectionsVisibilityPath, "settings:playlists/collectionsVisible",      \
       "bool", QMetaType::Bool, true)                                                               \
     X(OrvoPlayerSettingsVolumePath, "settings:player/volume", "i32", QMetaType::Int, true)         \
+    X(OrvoPlayerSettingsResumePointPath, "settings:player/resumePoint", "string",                  \
+      QMetaType::QString, true)                                                                    \
     X(OrvoPowerManagerTargetPath, "powermanager:target", "target", QMetaType::Int, false)
 
 #define ORVO_DECLARE_VALUE_PATH(function, path, key, type, persistent)                             \

@@ -83,6 +83,16 @@ public:
     ORVO_ID_ATTRIBUTE(time, Time, "time")
 };
 
+// Where playback was stopped last: in the track `trackPath` of the container `mediaPath`, after
+// `position` milliseconds. Empty when there is no such place.
+class OrvoPlayerResumePoint : public OrvoHash {
+public:
+    using OrvoHash::OrvoHash;
+    ORVO_ATTRIBUTE(CMPath, mediaPath, MediaPath, "mediaPath")
+    ORVO_ATTRIBUTE(CMPath, trackPath, TrackPath, "trackPath")
+    ORVO_ATTRIBUTE(qint64, position, Position, "position")
+};
+
 // 0 (silent) to 100 (as recorded).
 class OrvoPlayerVolumeArgs : public OrvoHash {
 public:

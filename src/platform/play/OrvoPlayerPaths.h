@@ -24,7 +24,8 @@
     X(OrvoPlayerPlayModePath, "player:playMode")                                                   \
     X(OrvoPlayerPositionPath, "player:position")                                                   \
     X(OrvoPlayerDurationPath, "player:duration")                                                   \
-    X(OrvoPlayerVolumePath, "player:volume")
+    X(OrvoPlayerVolumePath, "player:volume")                                                       \
+    X(OrvoPlayerResumePointPath, "player:resumePoint")
 
 #define ORVO_DECLARE_PATH(function, path) ORVO_API_PLAY_EXPORT CMPath function();
 ORVO_PLAYER_PATHS(ORVO_DECLARE_PATH)

@@ -1,4 +1,6 @@
 #include <QElapsedTimer>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 #include "PlayerFixture.h"
 
@@ -238,6 +240,118 @@ TEST_F(PlayerValuesTest, theVolumeIsKeptAndComesBack) {
     EXPECT_EQ(volume(), 40);
     EXPECT_FALSE(put(OrvoPlayerSettingsVolumePath(), 55).isError());
     EXPECT_EQ(volume(), 55) << "the setting is the volume";
+}
+
+// Where playback stopped.
+class ResumePointTest : public PlayerValuesTest {
+protected:
+    ResumePointTest() {
+        logic.setTracks({sound("a.wav", 3000), sound("b.wav", 3000)});
+        for (int i = 0; i < logic.tracks.size(); ++i)
+            logic.tracks[i].setPath(CMPath(QStringLiteral("source:item/%1").arg(i)));
+    }
+    static OrvoPlayerResumePoint point() {
+        return OrvoPlayerResumePoint(CMRoot()->getValue(OrvoPlayerResumePointPath()).toHash());
+    }
+    static OrvoPlayerResumePoint at(const QString& track, qint64 ms) {
+        OrvoPlayerResumePoint result;
+        result.setMediaPath(CMPath(QStringLiteral("source:list/1")));
+        result.setTrackPath(CMPath(track));
+        result.setPosition(ms);
+        return result;
+    }
+    QString stored() {
+        return root.values()->value(OrvoPlayerSettingsResumePointPath()).string();
+    }
+};
+
+TEST_F(ResumePointTest, aStopKeepsWhereItWasAndAPlayRequestGoesOnThere) {
+    const Watcher watcher;
+    EXPECT_TRUE(point().isEmpty());
+    play(logic, 1, 1200, true);
+    ASSERT_TRUE(waitForState("paused"));
+    EXPECT_TRUE(point().isEmpty()) << "as long as it plays there is nothing to go on with";
+    done(OrvoPlayerStopPath());
+    waitFor(20);
+    EXPECT_EQ(point(), at("source:item/1", 1200));
+    EXPECT_EQ(watcher.of(OrvoPlayerResumePointPath()).size(), 1);
+    EXPECT_EQ(QJsonDocument::fromJson(stored().toUtf8()).object(),
+              (QJsonObject{{"mediaPath", "source:list/1"},
+                           {"trackPath", "source:item/1"},
+                           {"position", 1200}}));
+
+    play(logic, 1, int(point().position()), true);
+    ASSERT_TRUE(waitForState("paused"));
+    EXPECT_EQ(position(), 1200);
+}
+
+TEST_F(ResumePointTest, anOrderlyEndKeepsItToo) {
+    startPlayer("auto");
+    play(logic);
+    ASSERT_TRUE(waitForState("playing"));
+    ASSERT_TRUE(waitUntil([&] { return position() > 300; }));
+    startPlayer("null");
+    EXPECT_EQ(point().trackPath(), CMPath(QStringLiteral("source:item/0")));
+    EXPECT_EQ(point().mediaPath(), CMPath(QStringLiteral("source:list/1")));
+    EXPECT_GT(point().position(), 300);
+    EXPECT_LT(point().position(), 2000);
+}
+
+TEST_F(ResumePointTest, aStopBeforeTheTrackHasBegunKeepsWhereItWasToStart) {
+    play(logic, 0, 2500, true);
+    ASSERT_TRUE(waitForState("opening"));
+    done(OrvoPlayerStopPath());
+    EXPECT_EQ(point(), at("source:item/0", 2500));
+}
+
+TEST_F(ResumePointTest, aStopByThePlayLogicCountsAndASecondStopChangesNothing) {
+    play(logic, 1, 700, true);
+    ASSERT_TRUE(waitForState("paused"));
+    done(logic.path(), {{"request", "stop"}});
+    ASSERT_TRUE(waitForState("stopped"));
+    EXPECT_EQ(point(), at("source:item/1", 700));
+    done(OrvoPlayerStopPath());
+    EXPECT_EQ(point(), at("source:item/1", 700));
+}
+
+TEST_F(ResumePointTest, theEndOfAListForgetsItsOwnPlaceAlone) {
+    const auto playToTheEnd = [this](const char* list) {
+        OrvoRoles roles = container(logic);
+        roles.setPath(CMPath(QString::fromLatin1(list)));
+        logic.calls.clear();
+        PlayLogicInterface::playerInstance()->playContainer(roles, {}, 1, 0, false);
+        EXPECT_TRUE(waitForCall(logic, "resume"));
+        EXPECT_TRUE(waitForTheEnd());
+    };
+    play(logic, 0, 800, true);
+    ASSERT_TRUE(waitForState("paused"));
+    done(OrvoPlayerStopPath());
+    playToTheEnd("source:list/2");
+    EXPECT_EQ(point(), at("source:item/0", 800));
+    playToTheEnd("source:list/1");
+    EXPECT_TRUE(point().isEmpty());
+    EXPECT_EQ(stored(), QString());
+}
+
+TEST_F(ResumePointTest, whatIsNoPlaceReadsAsNone) {
+    for (const char* text : {"", "no json", "[]", "{\"position\": 5}",
+                             "{\"trackPath\": \"source:item/1\", \"position\": -1}",
+                             "{\"trackPath\": 7, \"position\": {}}"}) {
+        EXPECT_FALSE(put(OrvoPlayerSettingsResumePointPath(), QString::fromLatin1(text)).isError());
+        EXPECT_TRUE(point().isEmpty()) << text;
+        startPlayer("null");
+        EXPECT_TRUE(point().isEmpty()) << text;
+    }
+    EXPECT_TRUE(put(OrvoPlayerResumePointPath(), QVariantHash{{"position", 1}}).isError())
+        << "it can only be read";
+}
+
+TEST_F(ResumePointTest, aPlaceThatIsTooLongIsNotKept) {
+    logic.tracks[0].setPath(CMPath("source:item/" + QString(5000, QLatin1Char('x'))));
+    play(logic, 0, 800, true);
+    ASSERT_TRUE(waitForState("paused"));
+    startPlayer("null");
+    EXPECT_TRUE(point().isEmpty());
 }
 
 TEST_F(PlayerValuesTest, unknownPathsAreAnsweredWithAnError) {

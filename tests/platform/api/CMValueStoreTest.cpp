@@ -54,6 +54,17 @@ TEST_F(CMValueStoreTest, aValueThatWasNeverStoredReadsEmpty) {
     EXPECT_FALSE(QFile::exists(file)) << "reading writes nothing";
 }
 
+TEST_F(CMValueStoreTest, aTextIsTakenUpToItsGreatestLengthAndNothingElseIsAText) {
+    const CMPath text = OrvoPlayerSettingsResumePointPath();
+    CMValueStore store(file);
+    const QString longest(CMValueStore::MaxTextLength, QChar(0x1f));
+    EXPECT_TRUE(store.setValue(text, longest, &error));
+    EXPECT_FALSE(store.setValue(text, QString(longest + "x"), &error));
+    EXPECT_EQ(error.name(), CMError::InvalidValue());
+    EXPECT_FALSE(store.setValue(text, 5, &error));
+    EXPECT_EQ(CMValueStore(file).value(text).string(), longest) << "the file can be read";
+}
+
 TEST_F(CMValueStoreTest, everyFunctionNamesItsDeclaredPath) {
     QStringList functions;
     for (const CMValueDeclaration& row : CMValueStore::declarations())
