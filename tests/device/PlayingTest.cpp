@@ -252,3 +252,45 @@ TEST(PlayerVerbs, doWhatTheySay) {
     ASSERT_TRUE(device.waitForValue("player:state", "stopped"));
     EXPECT_EQ(status().value("title").toString(), "");
 }
+
+// In real time, over HTTP: what a listener meets who does two things at once, or asks for what is
+// gone.
+TEST(PlayerRequests, doNotLeaveTheListenerBehind) {
+    Device device({"--audio-sink", "auto"});
+    const QString folder = device.musicFolder() + "/Noise";
+    QDir().mkpath(folder);
+    for (int i = 1; i <= 3; ++i)
+        writeWav(QStringLiteral("%1/%2.wav").arg(folder).arg(i), noise(unsigned(i), 30 * 44100));
+    ASSERT_TRUE(device.start());
+    device.waitForScan();
+    ASSERT_EQ(device.ctl({"create", "Party"}).status, 0);
+    ASSERT_EQ(device.ctl({"add", "Party", folder}).status, 0);
+    const auto titleIs = [&device](const QString& title) {
+        for (int i = 0; i < 200; ++i) {
+            const QByteArray status = device.ctl({"--json", "status"}).out.toUtf8();
+            if (QJsonDocument::fromJson(status).object().value("title").toString() == title)
+                return true;
+            QThread::msleep(20);
+        }
+        return false;
+    };
+
+    // The playing track is removed while paused.
+    ASSERT_EQ(device.ctl({"play", "Party"}).status, 0);
+    ASSERT_TRUE(device.waitForValue("player:state", "playing"));
+    ASSERT_EQ(device.ctl({"pause"}).status, 0);
+    ASSERT_EQ(device.ctl({"remove", "Party", "1"}).status, 0);
+    ASSERT_TRUE(titleIs("2"));
+    EXPECT_TRUE(device.waitForValue("player:state", "paused"));
+    QThread::msleep(300);
+    EXPECT_EQ(device.stringValue("player:state"), "paused");
+    ASSERT_EQ(device.ctl({"resume"}).status, 0);
+    EXPECT_TRUE(device.waitForValue("player:state", "playing"));
+
+    // A list that does not exist.
+    device.command("player:playContainer",
+                   R"({"mediaRoles": {"path": "playlists:pl/items/99",
+                       "mediaData": {"metaData": {"playLogicPath": "playlists:playlogic"}}},
+                       "index": 0, "type": 1})");
+    EXPECT_TRUE(device.waitForValue("player:state", "stopped"));
+}
