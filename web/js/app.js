@@ -89,6 +89,7 @@ class App {
     if (!this.isPlaced) this.openPlaces();
     const [parts] = await loading;
     this.edits = new parts.Edits(this.commands, this.lock);
+    this.edits.on('ended', (path) => this.closePlace(path));
     this.menuEdits = new parts.MenuEdits(this);
     this.menu = new parts.Menu(this);
     this.undoBar = new parts.UndoBar(document.getElementById('undo'), this.edits, { onLeft: () => this.shownScreen.focus() });

@@ -200,16 +200,20 @@ story('a deleted playlist comes back with its name, its modes and its collection
 });
 
 story('a merge is taken back: both lists are as they were', async (t) => {
-  const { device, open } = t;
+  const { device, open, size } = t;
   const target = await device.playlist('Evening', Albums.hours);
   const source = await device.playlist('Canal', Albums.lanterns);
   const before = await stored(device, source);
   const me = await open();
+  await me.openList('Canal');
   await me.toLists();
   await me.menuOf('nav', 'Canal');
   await me.choose('Merge with playlist', 'Evening', 'Append');
   await me.answer('Merge');
   await me.undoBar.filter({ hasText: '“Canal” merged into “Evening”' }).waitFor();
+  // That it is gone needs no words of its own.
+  if (size === 'desktop') await eventually(() => me.heading().textContent(), 'PlayQueue');
+  assert.equal(await me.toast('is gone').count(), 0);
   assert.deepEqual(await device.titles(path(target)), [...Hours, ...Lanterns]);
   // One of those that came is removed by others.
   await device.send('playlists:pl/removeItems', { plid: target, items: [4] });

@@ -1,7 +1,7 @@
 // What people do to playlists: each edit goes through the queue of its list, and says afterwards what it did and how
 // that is undone.
 //
-// Emits: done (a step: {text, key, undo}).
+// Emits: done (a step: {text, key, undo}) · ended (the path of a list that is no more).
 
 import { Emitter, getRows } from '../core/device.js';
 import { EditQueue, isChanged } from './editQueue.js';
@@ -33,6 +33,7 @@ export class Edits extends Emitter {
     Object.assign(this, { commands, lock });
     this.queues = new Map(); // path → EditQueue
     this.underWay = new Set(); // promises
+    this.ending = new Set(); // paths of lists that are being deleted
     this.undo = new Undo(this);
   }
 
@@ -191,9 +192,20 @@ export class Edits extends Emitter {
     return this.whole(target, async () => {
       const list = await this.commands.describe(target.plid);
       const removed = await this.itemsOf(target, revision);
-      await this.commands.deleteList(target.plid, revision);
+      await this.endList(target, () => this.commands.deleteList(target.plid, revision));
       this.tell({ text: `“${title}” deleted`, undo: this.undo.ofDeletion(list, removed) });
     });
+  }
+
+  // The device may tell of the end before it answers.
+  async endList({ path }, work) {
+    this.ending.add(path);
+    try {
+      await work();
+      this.emit('ended', path);
+    } finally {
+      this.ending.delete(path);
+    }
   }
 
   // `source` and `into`: {plid, path, title}. The source goes, unless it is the play queue.
@@ -202,7 +214,8 @@ export class Edits extends Emitter {
       const list = source.plid === 0 ? null : await this.commands.describe(source.plid);
       const moved = await this.itemsOf(source, revision);
       const before = await Order.read(into.path);
-      await this.commands.merge(source.plid, into.plid, mode, before.revision);
+      const merge = () => this.commands.merge(source.plid, into.plid, mode, before.revision);
+      await (list ? this.endList(source, merge) : merge());
       this.tell({ text: `“${source.title}” merged into “${into.title}”`, undo: this.undo.ofMerge(list, moved, into, before) });
     });
   }

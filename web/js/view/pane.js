@@ -86,7 +86,7 @@ export class Pane {
     else this.app.onPaneEmpty(this);
     this.app.remember();
     if (error) tellError(error);
-    else if (wasShown) tell(`“${wasShown}” is gone.`);
+    else if (wasShown && !this.app.edits?.ending.has(screen.path)) tell(`“${wasShown}” is gone.`); // else it is told there
   }
 
   // What was opened from these rows follows them.
