@@ -63,9 +63,11 @@ export class Editing {
     return this.screen.store.rows.findIndex((one) => one && trackKey(one) === trackKey(row));
   }
 
-  // By its key: what is chosen, or the row that has the focus.
-  removeActive() {
+  // By its key: what is chosen, or the row that has the focus. All that are being chosen are meant, or none.
+  async removeActive() {
     const { list } = this.screen;
+    const { choosing } = list.selection;
+    if (choosing && !await choosing.then(() => true, () => false)) return;
     if (!list.selection.size && list.active >= 0) list.selection.only(list.active);
     this.removeChosen();
   }

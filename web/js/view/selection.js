@@ -13,6 +13,7 @@ export class Selection extends Emitter {
     this.chosen = new Map(); // key → {row, index}
     this.anchor = -1;
     this.mode = false; // a tap chooses instead of playing
+    this.choosing = null;
     store.on('inserted', ({ at, count }) => {
       for (const entry of this.chosen.values()) if (entry.index >= at) entry.index += count;
     });
@@ -81,7 +82,13 @@ export class Selection extends Emitter {
     this.emit('change');
   }
 
-  async all() {
+  // `choosing` is a promise until all are chosen.
+  all() {
+    this.choosing = this.chooseAll().finally(() => (this.choosing = null));
+    return this.choosing;
+  }
+
+  async chooseAll() {
     this.mode = true;
     await this.store.scan((row, index) => this.add(index, row));
     this.emit('change');
