@@ -77,15 +77,20 @@ OrvoPlayListItem makeItem(int number, Items::Order order) {
 } // namespace
 
 Items::Items(int count, Order order) {
-    m_ours.reserve(count);
-    m_floor.reserve(std::size_t(count));
-    for (int i = 0; i < count; ++i) {
-        const OrvoPlayListItem item = makeItem(i, order);
-        m_ours.append(item);
-        m_floor.push_back({keep(item.title()), keep(item.artist()), keep(item.album()),
-                           keep(item.artworkUrl()), keep(item.genre()), item.durationSeconds(),
-                           keep(item.url()), keep(item.serviceId()), keep(item.orvoRoles())});
-    }
+    for (int i = 0; i < count; ++i)
+        append(makeItem(i, order));
+}
+
+Items::Items(const QList<OrvoPlayListItem>& items) {
+    for (const OrvoPlayListItem& item : items)
+        append(item);
+}
+
+void Items::append(const OrvoPlayListItem& item) {
+    m_ours.append(item);
+    m_floor.push_back({keep(item.title()), keep(item.artist()), keep(item.album()),
+                       keep(item.artworkUrl()), keep(item.genre()), item.durationSeconds(),
+                       keep(item.url()), keep(item.serviceId()), keep(item.orvoRoles())});
 }
 
 const Items& Items::of(int count, Order order) {

@@ -18,6 +18,7 @@ public:
     enum class Order { Albums, Mixed };
 
     Items(int count, Order order);
+    explicit Items(const QList<OrvoPlayListItem>& items);
     // Made once and kept for all who need as many.
     static const Items& of(int count, Order order = Order::Albums);
 
@@ -26,6 +27,7 @@ public:
     int size() const { return m_ours.size(); }
 
 private:
+    void append(const OrvoPlayListItem& item);
     floor_text keep(const QString& text);
 
     QList<OrvoPlayListItem> m_ours;

@@ -50,3 +50,4 @@ const std::vector<Work>& allWorks();
 std::vector<Work> editWorks();
 std::vector<Work> readWorks();
 std::vector<Work> playWorks();
+std::vector<Work> folderWorks();

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <benchmark/benchmark.h>
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <log4cplus/initializer.h>
@@ -202,7 +203,7 @@ Options readOptions(const QCoreApplication& app) {
 
 std::vector<Work> chosenWorks(const Options& options) {
     std::vector<Work> works;
-    for (const std::vector<Work>& part : {editWorks(), readWorks(), playWorks()}) {
+    for (const std::vector<Work>& part : {editWorks(), folderWorks(), readWorks(), playWorks()}) {
         for (const Work& work : part) {
             if (work.name.contains(options.filter))
                 works.push_back(work);
@@ -219,7 +220,8 @@ std::vector<std::unique_ptr<Series>> registerAll(const std::vector<Work>& works,
         if (folder.isEmpty())
             continue;
         for (const Work& work : works) {
-            const int onlySize = options.isShort ? options.sizes.back() : work.onlySize.value_or(0);
+            const int most = options.isShort ? options.sizes.back() : INT_MAX;
+            const int onlySize = std::min(work.onlySize.value_or(0), most);
             all.push_back(std::make_unique<Series>(Series{work, {}, {}, {}, {}}));
             Series& series = *all.back();
             for (const int size : work.onlySize ? std::vector<int>{onlySize} : options.sizes) {
