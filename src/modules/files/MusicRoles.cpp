@@ -1,25 +1,14 @@
 #include "MusicRoles.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QUrl>
 
 namespace {
-
-QString fileUrl(const QString& file) {
-    return QString::fromLatin1(QUrl::fromLocalFile(file).toEncoded());
-}
-
-QString artworkUrl(const Folder& folder) {
-    return folder.artwork.isEmpty() ? QString()
-                                    : fileUrl(folder.diskPath + QLatin1Char('/') + folder.artwork);
-}
 
 OrvoMetaData metaData(const Folder& folder) {
     OrvoMetaData data;
     data.setServiceId(MusicRoles::serviceId());
     if (!folder.artwork.isEmpty())
-        data.setArtworkUrl(artworkUrl(folder));
+        data.setArtworkUrl(MusicRoles::artworkUrl(folder));
     return data;
 }
 
@@ -33,17 +22,12 @@ OrvoMediaData mediaData(const Folder& folder, const Track& track) {
     if (track.tags.trackNumber > 0)
         data.setTrackNumber(track.tags.trackNumber);
     OrvoResource resource;
-    resource.setUri(fileUrl(folder.trackFile(track)));
+    resource.setUri(MusicRoles::fileUrl(folder.trackFile(track)));
     resource.setMimeType(track.mimeType);
     OrvoMediaData media;
     media.setMetaData(data);
     media.setResources({resource});
     return media;
-}
-
-QString toJson(const OrvoRoles& roles) {
-    return QString::fromUtf8(
-        QJsonDocument(QJsonObject::fromVariantHash(roles.toHash())).toJson(QJsonDocument::Compact));
 }
 
 } // namespace
@@ -55,6 +39,15 @@ QString MusicRoles::serviceId() {
 CMPath MusicRoles::prePlayPath() {
     static const CMPath path(QStringLiteral("files:prePlay"));
     return path;
+}
+
+QString MusicRoles::fileUrl(const QString& file) {
+    return QString::fromLatin1(QUrl::fromLocalFile(file).toEncoded());
+}
+
+QString MusicRoles::artworkUrl(const Folder& folder) {
+    return folder.artwork.isEmpty() ? QString()
+                                    : fileUrl(folder.diskPath + QLatin1Char('/') + folder.artwork);
 }
 
 QString MusicRoles::title(const Track& track) {
@@ -85,19 +78,4 @@ OrvoRoles MusicRoles::track(const Folder& folder, const Track& track) {
     roles.setType(OrvoRolesType::Audio);
     roles.setMediaData(mediaData(folder, track));
     return roles;
-}
-
-OrvoPlayListItem MusicRoles::item(const Folder& folder, const Track& track) {
-    constexpr qint64 MsPerSecond = 1000;
-    OrvoPlayListItem item;
-    item.setTitle(title(track));
-    item.setArtist(track.tags.artist);
-    item.setAlbum(track.tags.album);
-    item.setArtworkUrl(artworkUrl(folder));
-    item.setGenre(track.tags.genre);
-    item.setDurationSeconds(int((track.tags.durationMs + MsPerSecond / 2) / MsPerSecond));
-    item.setUrl(fileUrl(folder.trackFile(track)));
-    item.setServiceId(serviceId());
-    item.setOrvoRoles(toJson(MusicRoles::track(folder, track)));
-    return item;
 }

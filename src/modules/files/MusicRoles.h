@@ -1,7 +1,6 @@
 #pragma once
 
 #include "MusicTree.h"
-#include "OrvoPlayListItem.h"
 #include "OrvoRoles.h"
 
 // Folders and tracks in the shapes the data model has for them.
@@ -12,6 +11,10 @@ QString serviceId();
 // The path that a player asks before each playback.
 CMPath prePlayPath();
 
+QString fileUrl(const QString& file);
+// Empty where the folder has none.
+QString artworkUrl(const Folder& folder);
+
 // What people see: the track's title, before its tags are read and where it has none the file's
 // name without suffix.
 QString title(const Track& track);
@@ -19,8 +22,5 @@ TrString title(const Folder& folder);
 
 OrvoRoles folder(const Folder& folder);
 OrvoRoles track(const Folder& folder, const Track& track);
-
-// The complete playlist item, as a playlist stores it.
-OrvoPlayListItem item(const Folder& folder, const Track& track);
 
 } // namespace MusicRoles

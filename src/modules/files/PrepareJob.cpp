@@ -2,7 +2,6 @@
 
 #include "CMConnect.h"
 #include "FilesLog.h"
-#include "MusicRoles.h"
 
 namespace {
 // A person waits for this one, so its slices are longer than the scan's.
@@ -87,7 +86,7 @@ void PrepareJob::enterFolder(const QDeadlineTimer& deadline) {
 
 void PrepareJob::append(const FolderPtr& folder, const TrackPtr& track) {
     m_tree->tag(folder, track);
-    m_items.append(MusicRoles::item(*folder, *track).toVariant());
+    m_items.append(m_maker.item(folder, *track).toVariant());
 }
 
 void PrepareJob::refuse() {

@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include "CMReply.h"
+#include "ItemMaker.h"
 #include "MusicTree.h"
 
 // Answers one prepare call: for each path, in the order given, a track's item or the items of all
@@ -51,6 +52,7 @@ private:
     // The folder to enter next, and its listing while it is being read.
     FolderPtr m_entering;
     std::optional<FolderListing> m_listing;
+    ItemMaker m_maker;
     QVariantList m_items;
     QTimer m_timer;
 };
