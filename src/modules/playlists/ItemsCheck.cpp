@@ -18,26 +18,9 @@ bool canBePlayed(const OrvoMediaData& mediaData) {
 }
 
 // A playlist takes audio that can be shown or can be played.
-ItemsCheck::Verdict judgeRoles(const OrvoPlayListItem& item) {
-    const QString text = item.orvoRoles();
-    if (text.isEmpty())
-        return ItemsCheck::Verdict::NoRoles;
-    const QJsonObject json = cmReadJson(text.toUtf8()).object();
-    // Only what is looked at leaves the document: most of it is media data, which a title makes
-    // unnecessary.
-    OrvoRoles roles;
-    const auto take = [&](const QString& name) {
-        roles.setAttribute(name, json.value(name).toVariant());
-    };
-    take(OrvoRoles::Type());
-    if (roles.type() != OrvoRolesType::Audio)
-        return ItemsCheck::Verdict::NotAcceptable;
-    take(OrvoRoles::Title());
-    if (!roles.title().isEmpty())
-        return ItemsCheck::Verdict::Fine;
-    take(OrvoRoles::MediaData());
-    return canBePlayed(roles.mediaData()) ? ItemsCheck::Verdict::Fine
-                                          : ItemsCheck::Verdict::NotAcceptable;
+bool isAcceptable(const OrvoRoles& roles) {
+    return roles.type() == OrvoRolesType::Audio &&
+           (!roles.title().isEmpty() || canBePlayed(roles.mediaData()));
 }
 
 // The clock is not asked for every item, that would cost a good part of the work itself.
@@ -48,13 +31,33 @@ constexpr qint64 BytesOfMany = 1024;
 
 } // namespace
 
+ItemsCheck::Verdict ItemsCheck::judgeRoles(const QString& text) {
+    if (text.isEmpty())
+        return Verdict::NoRoles;
+    // Both read the same out of a text that the reader takes.
+    OrvoRoles roles;
+    if (m_reader.read(text)) {
+        roles = OrvoRoles(m_reader.roles);
+        if (roles.title().isEmpty()) {
+            OrvoMediaData mediaData(m_reader.mediaData);
+            mediaData.setMetaData(OrvoMetaData(m_reader.metaData));
+            roles.setMediaData(mediaData);
+        }
+    } else {
+        const QJsonObject json = cmReadJson(text.toUtf8()).object();
+        for (const QString& name : {OrvoRoles::Type(), OrvoRoles::Title(), OrvoRoles::MediaData()})
+            roles.setAttribute(name, json.value(name).toVariant());
+    }
+    return isAcceptable(roles) ? Verdict::Fine : Verdict::NotAcceptable;
+}
+
 // Its size comes first: what is too large is not even parsed.
 ItemsCheck::Verdict ItemsCheck::judge(const OrvoPlayListItem& item, qint64 bytes) {
     if (bytes > m_maxItemBytes)
         return Verdict::TooLarge;
     if (!m_budget.take(bytes))
         return Verdict::TooMany;
-    return judgeRoles(item);
+    return judgeRoles(item.orvoRoles());
 }
 
 bool ItemsCheck::run(const QDeadlineTimer& deadline) {

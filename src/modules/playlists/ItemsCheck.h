@@ -4,6 +4,7 @@
 #include <QList>
 #include <QVector>
 
+#include "ItemRolesReader.h"
 #include "OrvoPlayListItem.h"
 #include "PlayListLimits.h"
 #include "TextBudget.h"
@@ -38,9 +39,11 @@ public:
 
 private:
     Verdict judge(const OrvoPlayListItem& item, qint64 bytes);
+    Verdict judgeRoles(const QString& text);
 
     QList<OrvoPlayListItem> m_items;
     qint64 m_maxItemBytes;
     TextBudget m_budget;
     QVector<Verdict> m_verdicts;
+    ItemRolesReader m_reader;
 };

@@ -2,22 +2,24 @@
 
 #include <cstring>
 
+#include "PlainUnits.h"
+
 namespace {
 
-// Most texts are; four characters at a time.
+// Most texts are.
 bool isAscii(QStringView text) {
     constexpr quint64 NotAscii = 0xff80'ff80'ff80'ff80;
-    constexpr qsizetype Block = 4;
-    quint64 all = 0;
-    qsizetype i = 0;
-    for (; i + Block <= text.size(); i += Block) {
-        quint64 block = 0;
-        std::memcpy(&block, text.utf16() + i, sizeof block);
-        all |= block;
-    }
-    for (; i < text.size(); ++i)
-        all |= text.utf16()[i];
-    return (all & NotAscii) == 0;
+    PlainUnits::Units all{};
+    const QChar* at = text.cbegin();
+    for (; text.cend() - at >= PlainUnits::Block; at += PlainUnits::Block)
+        all |= PlainUnits::load(at);
+    quint64 halves[2];
+    static_assert(sizeof halves == sizeof all);
+    std::memcpy(halves, &all, sizeof halves);
+    quint64 rest = halves[0] | halves[1];
+    for (; at != text.cend(); ++at)
+        rest |= at->unicode();
+    return (rest & NotAscii) == 0;
 }
 
 } // namespace
