@@ -256,6 +256,7 @@ int main(int argc, char** argv) {
     constexpr long LongerThanARunMs = 24L * 60 * 60 * 1000;
     mi_option_disable(mi_option_allow_decommit);
     mi_option_set(mi_option_decommit_delay, LongerThanARunMs);
+    mi_option_set(mi_option_segment_decommit_delay, LongerThanARunMs);
     // As a host runs by default: from info on, and an appender takes it.
     log4cplus::Initializer logging;
     log4cplus::Logger::getRoot().setLogLevel(log4cplus::INFO_LOG_LEVEL);
