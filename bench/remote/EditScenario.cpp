@@ -80,7 +80,7 @@ std::vector<Edit> editsOf(const std::string& list, int plid, int size) {
     return {
         {"move a row by one, list of " + list, moveByOne, ofList, 400, true},
         {"add a row at the end, list of " + list, append, ofList, 100, true},
-        {"remove the last row, list of " + list, removeLast, ofList, 100, false},
+        {"remove the last row, list of " + list, removeLast, ofList, 100, true},
         {"rename a list of " + list, rename, R"("path":"playlists:root")", 200, true},
     };
 }
@@ -111,4 +111,37 @@ void Scenarios::edits(const Library& library, const std::string& storage, bool b
         report.add(name, "median, answer", times.answered.median(), "us", bound(AnsweredBoundUs));
         report.add(name, "median, event", times.told.median(), "us", bound(ToldBoundUs));
     }
+}
+
+// A page is asked for behind each removal, so that it waits for all of it.
+void Scenarios::pagesBehindRemovals(const Library& library, Report& report) {
+    constexpr int Removals = 100;
+    constexpr double LongestBoundMs = 20;
+    HttpConnection editor = library.device->connect();
+    HttpConnection reader = library.device->connect();
+    Device::addTracks(editor, library.bigList, library.bigSize, Removals);
+    const auto round = [&](int index) {
+        const std::string removal = HttpConnection::command(
+            "playlists:pl/removeItems", R"({"plid":)" + std::to_string(library.bigList) +
+                                            R"(,"items":[)" + std::to_string(index) + "]}");
+        const std::string page = HttpConnection::page(itemsPath(library.bigList), 0, PageRows - 1);
+        editor.send(removal);
+        const Clock::time_point sent = Clock::now();
+        reader.send(page);
+        while (!reader.receive()) {
+        }
+        const double waited = microsecondsSince(sent);
+        checkPage(reader, 0);
+        while (!editor.receive()) {
+        }
+        if (editor.status() != 200)
+            throw std::runtime_error("a row was not removed: " + std::string(editor.body()));
+        return waited;
+    };
+    Samples samples;
+    for (int i = Removals; i > 0; --i)
+        samples.add(round(library.bigSize + i - 1));
+    const std::string work = "a page behind a removal, list of " + std::to_string(library.bigSize);
+    report.add(work, "median", samples.median() / 1000, "ms");
+    report.add(work, "longest", samples.percentile(100) / 1000, "ms", LongestBoundMs);
 }

@@ -25,6 +25,8 @@ void wakeUps(const cpu_set_t& others, Report& report);
 void pages(const Library& library, Report& report);
 // Edits by one client, while another one listens.
 void edits(const Library& library, const std::string& storage, bool bounded, Report& report);
+// In memory-backed storage.
+void pagesBehindRemovals(const Library& library, Report& report);
 void manyListeners(const Library& library, Report& report);
 void manyReaders(const Library& library, Report& report);
 // The device's music folder has `tracks` tracks; they are added to a new list while others read.

@@ -86,6 +86,7 @@ int run(std::map<std::string, std::string> arguments) {
         Scenarios::wakeUps(others, report);
         Scenarios::pages(library, report);
         Scenarios::edits(library, "memory", true, report);
+        Scenarios::pagesBehindRemovals(library, report);
         Scenarios::manyListeners(library, report);
         Scenarios::manyReaders(library, report);
         Scenarios::folderAdded(library, std::stoi(arguments["--tracks"]), "memory", true, report);
@@ -98,8 +99,6 @@ int run(std::map<std::string, std::string> arguments) {
     Scenarios::edits(library, "disk", false, report);
     Scenarios::folderAdded(library, std::stoi(arguments["--tracks"]), "disk", false, report);
 
-    report.note("Removing a row ends with the clean-up of unused items, a pass over all items of "
-                "the store: it has no bound.");
     report.note("On the disk every edit waits for the disk to have it, and others wait with it: no "
                 "bounds there either.");
     report.writeJson(arguments["--json"]);
