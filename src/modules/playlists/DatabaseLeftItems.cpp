@@ -34,7 +34,7 @@ const QString deleteUnused =
 // What the log calls them, like the statement that they stand for.
 const QString statementName = QStringLiteral("cleanUnusedItems");
 
-QString jsonOf(const QVector<NumberRun>& runs) {
+QString runsAsJson(const QVector<NumberRun>& runs) {
     QStringList texts;
     texts.reserve(runs.size());
     for (const NumberRun& run : runs)
@@ -75,5 +75,5 @@ bool Database::LeftItems::remove() {
     const ForeignKeysSuspended suspended(m_database.m_connection);
     const std::unique_ptr<Sqlite3Statement> deleting(
         Sqlite3Statement::create(m_database.m_connection, deleteUnused, statementName));
-    return deleting && deleting->run(jsonOf(runs));
+    return deleting && deleting->run(runsAsJson(runs));
 }

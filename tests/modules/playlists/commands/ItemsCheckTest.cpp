@@ -4,7 +4,7 @@
 
 namespace {
 
-OrvoPlayListItem itemOf(const char* roles) {
+OrvoPlayListItem itemWithRoles(const char* roles) {
     OrvoPlayListItem item;
     item.setOrvoRoles(QString::fromUtf8(roles));
     return item;
@@ -44,7 +44,7 @@ TEST(ItemsCheckTest, whatAPlaylistTakesIsAudioThatCanBeShownOrPlayed) {
         {R"([3])", Verdict::NotAcceptable},
     };
     for (const auto& row : rows) {
-        ItemsCheck check({itemOf(complete), itemOf(row.roles)}, PlayListLimits());
+        ItemsCheck check({itemWithRoles(complete), itemWithRoles(row.roles)}, PlayListLimits());
         EXPECT_TRUE(check.run(QDeadlineTimer(QDeadlineTimer::Forever)));
         EXPECT_EQ(Verdict::Fine, check.verdict(0));
         EXPECT_EQ(row.verdict, check.verdict(1)) << row.roles;
