@@ -25,6 +25,9 @@ enum ItemColumn {
     OrvoRolesColumn,
 };
 
+// Logs it and returns false.
+bool reportUnreadItems();
+
 // Calls visit(row) for each entry numbered `from` to `to`, ascending, until it returns false. The
 // visitor must not change the playlist.
 template <typename Visit>
@@ -36,8 +39,5 @@ bool Database::visitItems(int playlistUid, int from, int to, Visit visit) {
     bool goOn = bound;
     while (goOn && entries->step_row())
         goOn = visit(entries.row());
-    if (entries.reset() && bound)
-        return true;
-    LOG4CPLUS_ERROR(moduleLog(), "Error fetching PlayList items from DB");
-    return false;
+    return (entries.reset() && bound) || reportUnreadItems();
 }

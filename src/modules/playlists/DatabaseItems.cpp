@@ -80,6 +80,11 @@ private:
 
 } // namespace
 
+bool reportUnreadItems() {
+    LOG4CPLUS_ERROR(moduleLog(), "Error fetching PlayList items from DB");
+    return false;
+}
+
 QList<OrvoPlayListItem> Database::getItems(const PlayListRecord& pl, int from, int to) {
     CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid << " from=" << from << " to=" << to);
     QList<OrvoPlayListItem> items;

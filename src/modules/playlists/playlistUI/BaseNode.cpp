@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include <QStringBuilder>
-
 #include "../ModuleLog.h"
 #include "CMRootWorker.h"
 #include "OrvoPlayListPaths.h"
@@ -79,40 +77,6 @@ void BaseNode::sendRowsReply(const QVariantList& rows, int rowsCount, const TrSt
 OrvoRoles BaseNode::addContextMenuToRoles(OrvoRoles roles, int plid) {
     roles.setContext(trackMenu(roles.id(), plid, roles.value().i32()));
     return roles;
-}
-
-// Every row of a page has such a menu, so its path is put together as text; CMPath has the first
-// part and says how an id is written that is none of ours.
-OrvoRoles BaseNode::trackMenu(const QString& itemId, int plid, int sequenceNumber) {
-    static const OrvoRoles withoutPath = [] {
-        OrvoRoles roles;
-        roles.setAttribute(OrvoRoles::Title(), TrString("BaseNode", "Playlist").toVariant());
-        roles.setType(OrvoRolesType::Container);
-        roles.setContainerType(OrvoRolesContainerType::ContextMenu);
-        return roles;
-    }();
-    static const QString before = OrvoPlayListPlTrackContextPath()
-                                      .addParam(Action(), QStringLiteral("cmnode"))
-                                      .addParam(ItemId(), QString())
-                                      .toString();
-    static const QString playlist = QLatin1Char('&') + Plid() + QLatin1Char('=');
-    static const QString number = QLatin1Char('&') + SeqNum() + QLatin1Char('=');
-
-    QString path;
-    if (std::all_of(itemId.cbegin(), itemId.cend(),
-                    [](QChar c) { return c.unicode() >= '0' && c.unicode() <= '9'; }))
-        path = before % itemId % playlist % toStr(plid) % number % toStr(sequenceNumber);
-    else
-        path = OrvoPlayListPlTrackContextPath()
-                   .addParam(Action(), QStringLiteral("cmnode"))
-                   .addParam(Plid(), toStr(plid))
-                   .addParam(ItemId(), itemId)
-                   .addParam(SeqNum(), toStr(sequenceNumber))
-                   .toString();
-
-    OrvoRoles menu = withoutPath;
-    menu.setAttribute(OrvoRoles::Path(), path);
-    return menu;
 }
 
 OrvoEvent BaseNode::genClosePathEvent() const {
