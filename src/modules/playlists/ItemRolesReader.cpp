@@ -67,6 +67,14 @@ ItemRolesReader::ItemRolesReader()
     : m_following(knownKeys().size() + 1), m_last(knownKeys().size() + 1) {}
 
 bool ItemRolesReader::read(const QString& text) {
+    return readRoles(text, &ItemRolesReader::readMediaData);
+}
+
+bool ItemRolesReader::readTopLevel(const QString& text) {
+    return readRoles(text, &ItemRolesReader::passMediaData);
+}
+
+bool ItemRolesReader::readRoles(const QString& text, bool (ItemRolesReader::*readNested)()) {
     m_at = text.constData();
     m_end = m_at + text.size();
     if (roles.size() > MaximumKeptRoles)
@@ -76,7 +84,7 @@ bool ItemRolesReader::read(const QString& text) {
     mediaData = {};
     metaData = {};
     skipBlanks();
-    if (!readHash(&roles, OrvoRoles::MediaData(), &mediaData, &ItemRolesReader::readMediaData))
+    if (!readHash(&roles, OrvoRoles::MediaData(), &mediaData, readNested))
         return false;
     skipBlanks();
     return m_at == m_end;
@@ -89,6 +97,11 @@ bool ItemRolesReader::readMediaData() {
 
 bool ItemRolesReader::readMetaData() {
     return readHash(&metaData, QString(), nullptr, nullptr);
+}
+
+bool ItemRolesReader::passMediaData() {
+    skipBlanks();
+    return m_at != m_end && *m_at == QLatin1Char('{') && readValue(nullptr, 1);
 }
 
 void ItemRolesReader::skipBlanks() {
@@ -184,6 +197,8 @@ bool ItemRolesReader::readString(QVariant* value) {
     int length = 0;
     if (!readText(&begin, &length))
         return false;
+    if (!value)
+        return true;
     QString& last = m_last[m_key];
     if (!equals(last, begin, length))
         last = QString(begin, length);
@@ -209,11 +224,14 @@ bool ItemRolesReader::readNumber(QVariant* value) {
                                           *m_at == QLatin1Char('E'));
     if (!isPlain || goesOn)
         return false;
-    *value = isNegative ? -number : number;
+    if (value)
+        *value = isNegative ? -number : number;
     return true;
 }
 
-bool ItemRolesReader::readWord(const char* word) {
+bool ItemRolesReader::readWord(const char* word, const QVariant& meaning, QVariant* value) {
+    if (value)
+        *value = meaning;
     for (; *word; ++word, ++m_at) {
         if (m_at == m_end || *m_at != QLatin1Char(*word))
             return false;
@@ -233,14 +251,11 @@ bool ItemRolesReader::readValue(QVariant* value, int depth) {
     case '[':
         return readArray(value, depth);
     case 't':
-        *value = true;
-        return readWord("true");
+        return readWord("true", true, value);
     case 'f':
-        *value = false;
-        return readWord("false");
+        return readWord("false", false, value);
     case 'n':
-        *value = QVariant::fromValue(nullptr);
-        return readWord("null");
+        return readWord("null", QVariant::fromValue(nullptr), value);
     default:
         return readNumber(value);
     }
@@ -251,14 +266,17 @@ bool ItemRolesReader::readArray(QVariant* value, int depth) {
     take('[');
     if (!take(']')) {
         do {
-            list.append(QVariant());
-            if (!readValue(&list.last(), depth + 1))
+            QVariant element;
+            if (!readValue(value ? &element : nullptr, depth + 1))
                 return false;
+            if (value)
+                list.append(element);
         } while (take(','));
         if (!take(']'))
             return false;
     }
-    *value = list;
+    if (value)
+        *value = list;
     return true;
 }
 
@@ -279,6 +297,8 @@ bool ItemRolesReader::readMembers(ReadMember readMember) {
 }
 
 bool ItemRolesReader::readMap(QVariant* value, int depth) {
+    if (!value)
+        return readMembers([&](const QString&) { return readValue(nullptr, depth + 1); });
     QVariantMap map;
     const bool ok = readMembers([&](const QString& key) {
         QVariant& member = map[key];

@@ -21,6 +21,8 @@ public:
     ItemRolesReader();
 
     bool read(const QString& text);
+    // The same without a look into `mediaData`, of which it only says whether it can be read.
+    bool readTopLevel(const QString& text);
 
     // The top level without `mediaData`; that without `metaData`; and that. The last two are empty
     // where the text has none. The top level may hold invalid values under names of the text
@@ -30,6 +32,7 @@ public:
     QVariantHash metaData;
 
 private:
+    bool readRoles(const QString& text, bool (ItemRolesReader::*readNested)());
     bool take(char wanted);
     void skipBlanks();
     bool readText(const QChar** begin, int* length);
@@ -38,7 +41,8 @@ private:
     bool readKey(QString* key);
     bool readString(QVariant* value);
     bool readNumber(QVariant* value);
-    bool readWord(const char* word);
+    bool readWord(const char* word, const QVariant& meaning, QVariant* value);
+    // Null: a value is read and not kept.
     bool readValue(QVariant* value, int depth);
     bool readArray(QVariant* value, int depth);
     bool readMap(QVariant* value, int depth);
@@ -48,6 +52,7 @@ private:
                   bool (ItemRolesReader::*readNested)());
     bool readMediaData();
     bool readMetaData();
+    bool passMediaData();
 
     const QChar* m_at = nullptr;
     const QChar* m_end = nullptr;

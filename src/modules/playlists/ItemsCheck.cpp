@@ -34,15 +34,16 @@ constexpr qint64 BytesOfMany = 1024;
 ItemsCheck::Verdict ItemsCheck::judgeRoles(const QString& text) {
     if (text.isEmpty())
         return Verdict::NoRoles;
-    // Both read the same out of a text that the reader takes.
+    // All read the same out of a text that the reader takes. Most items have a title, and then
+    // their media data does not matter.
     OrvoRoles roles;
-    if (m_reader.read(text)) {
+    if (m_reader.readTopLevel(text) && !OrvoRoles(m_reader.roles).title().isEmpty()) {
         roles = OrvoRoles(m_reader.roles);
-        if (roles.title().isEmpty()) {
-            OrvoMediaData mediaData(m_reader.mediaData);
-            mediaData.setMetaData(OrvoMetaData(m_reader.metaData));
-            roles.setMediaData(mediaData);
-        }
+    } else if (m_reader.read(text)) {
+        roles = OrvoRoles(m_reader.roles);
+        OrvoMediaData mediaData(m_reader.mediaData);
+        mediaData.setMetaData(OrvoMetaData(m_reader.metaData));
+        roles.setMediaData(mediaData);
     } else {
         const QJsonObject json = cmReadJson(text.toUtf8()).object();
         for (const QString& name : {OrvoRoles::Type(), OrvoRoles::Title(), OrvoRoles::MediaData()})

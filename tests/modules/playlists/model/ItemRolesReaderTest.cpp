@@ -58,11 +58,17 @@ QVariantHash withoutInvalid(const QVariantHash& hash) {
 
 // True when the reader takes the text; whether or not, it must not disagree with the parser.
 bool takes(ItemRolesReader& reader, const QString& text) {
-    if (!reader.read(text))
-        return false;
     QVariantHash roles;
     QVariantHash mediaData;
     QVariantHash metaData;
+    const bool takesTopLevel = reader.readTopLevel(text);
+    if (takesTopLevel) {
+        EXPECT_TRUE(parsed(text, &roles, &mediaData, &metaData)) << qPrintable(text);
+        EXPECT_EQ(described(roles), described(withoutInvalid(reader.roles))) << qPrintable(text);
+    }
+    if (!reader.read(text))
+        return false;
+    EXPECT_TRUE(takesTopLevel) << qPrintable(text);
     EXPECT_TRUE(parsed(text, &roles, &mediaData, &metaData)) << qPrintable(text);
     EXPECT_EQ(described(roles), described(withoutInvalid(reader.roles))) << qPrintable(text);
     EXPECT_EQ(described(mediaData), described(reader.mediaData)) << qPrintable(text);
