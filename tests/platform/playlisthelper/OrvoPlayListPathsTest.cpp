@@ -13,7 +13,7 @@ TEST(OrvoPlayListPaths, everyFunctionNamesThePathOfItsRow) {
 #define COUNT_ROW(function, path) +1
     EXPECT_EQ(orvoPlayListPaths().size(), 0 ORVO_PLAYLIST_PATHS(COUNT_ROW));
 #undef COUNT_ROW
-    EXPECT_EQ(orvoPlayListPaths().size(), 31);
+    EXPECT_EQ(orvoPlayListPaths().size(), 32);
 }
 
 TEST(OrvoPlayListPaths, thePathsBelongToTheModuleAndAreTold) {
