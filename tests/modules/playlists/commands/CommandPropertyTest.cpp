@@ -40,6 +40,7 @@ private:
         LateAnswer answer;
         CMReply<QVariant> source;
         int plid;
+        int birth;          // of the playlist that had the id by then
         QStringList before; // titles that came at once, ahead of those that are awaited
         QStringList awaited;
         int mode;
@@ -340,6 +341,8 @@ private:
                 {"at", isRun ? QVariant(first) : QVariant(asList(positions))}});
     }
 
+    int birthOf(int plid) const { return m_model.playLists.value(plid).birth; }
+
     // Items of this module, of a source that answers now or later, and of nobody.
     void addPaths() {
         const Id id = playListId();
@@ -382,8 +385,8 @@ private:
             others.files.keepPrepareRequests = false;
             EXPECT_FALSE(answer->answered);
             ASSERT_EQ(1, others.files.requests.size());
-            m_pending.append({answer, others.files.requests.takeFirst().reply(), id.number, own,
-                              fromFiles, mode.number});
+            m_pending.append({answer, others.files.requests.takeFirst().reply(), id.number,
+                              birthOf(id.number), own, fromFiles, mode.number});
             return;
         }
         const int added = m_model.addItems(id.number, own + fromFiles, mode.number);
@@ -398,8 +401,10 @@ private:
         Pending pending = m_pending.takeAt(below(m_pending.size()));
         const bool fails = oneIn(4);
         m_what += " answered late";
-        const int added = m_model.addItems(
-            pending.plid, fails ? pending.before : pending.before + pending.awaited, pending.mode);
+        const QStringList titles = fails ? pending.before : pending.before + pending.awaited;
+        const int added = birthOf(pending.plid) == pending.birth
+                              ? m_model.addItems(pending.plid, titles, pending.mode)
+                              : 0;
         if (fails)
             pending.source.setError(CMError(TrString(QString("no"))));
         else

@@ -21,6 +21,7 @@ std::optional<int> PropertyModel::createPlayList(const QString& name) {
         return std::nullopt;
     const int id = nextId(playLists);
     playLists[id].name = name;
+    playLists[id].birth = ++m_births;
     return id;
 }
 

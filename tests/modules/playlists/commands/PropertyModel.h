@@ -20,6 +20,8 @@ public:
         int lastPlayed = -1;
         bool shuffle = false;
         bool repeatAll = false;
+        // Tells it from a later list with its id: rises with each that is made.
+        int birth = 0;
     };
     struct Collection {
         QString name;
@@ -62,4 +64,7 @@ public:
     int addedAt = -1; // where the items that were added last begin
     QMap<int, PlayList> playLists;
     QMap<int, Collection> collections;
+
+private:
+    int m_births = 0;
 };
