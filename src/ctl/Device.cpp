@@ -38,9 +38,11 @@ DeviceRows Device::rows(const QString& path, const QStringList& roles, int from,
         m_client->get(RowsResource, rowsQuery(path, roles, from, lastOfPage(from, to))));
 }
 
-std::optional<DeviceRows> Device::tryRows(const QString& path, const QStringList& roles) {
-    const auto page = m_client->tryGet(RowsResource, rowsQuery(path, roles, 0, PageSize - 1));
-    return page ? std::optional(complete(path, roles, 0, LastRow, *page)) : std::nullopt;
+std::optional<DeviceRows> Device::tryRows(const QString& path, const QStringList& roles, int from,
+                                          int to) {
+    const auto page =
+        m_client->tryGet(RowsResource, rowsQuery(path, roles, from, lastOfPage(from, to)));
+    return page ? std::optional(complete(path, roles, from, to, *page)) : std::nullopt;
 }
 
 DeviceRows Device::complete(const QString& path, const QStringList& roles, int from, int to,
@@ -50,6 +52,7 @@ DeviceRows Device::complete(const QString& path, const QStringList& roles, int f
     result.roles = firstPage.value(QStringLiteral("roles")).toObject();
     result.count = firstPage.value(QStringLiteral("rowsCount")).toInt();
     result.revision = qint64(firstPage.value(QStringLiteral("revision")).toDouble(-1));
+    result.lastPlayed = firstPage.value(QStringLiteral("lastPlayedIndex")).toInt(-1);
     // A list gives its last row where the range lies behind its end.
     if (from > 0 && from >= result.count)
         return result;

@@ -11,6 +11,7 @@ struct DeviceRows {
     int count = 0;        // of the whole list
     QJsonObject roles;    // the list's own
     qint64 revision = -1; // of a list of tracks, when reading began
+    int lastPlayed = -1;  // of a list of tracks: the index of its last played one
     QVector<QJsonObject> rows;
 };
 
@@ -31,7 +32,8 @@ public:
     DeviceRows rows(const QString& path, const QStringList& roles, int from = 0, int to = LastRow);
     int rowsCount(const QString& path);
     // Null when there is no list at the path.
-    std::optional<DeviceRows> tryRows(const QString& path, const QStringList& roles);
+    std::optional<DeviceRows> tryRows(const QString& path, const QStringList& roles, int from = 0,
+                                      int to = LastRow);
 
     // Sends the record to the command behind the name; gives its result.
     QJsonValue command(const QString& function, const QJsonObject& record);

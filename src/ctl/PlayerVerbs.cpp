@@ -16,13 +16,19 @@ void send(VerbContext& context, const char* function, const char* done) {
     context.run(QString::fromLatin1(function), {}, QString::fromLatin1(done));
 }
 
-void playFrom(VerbContext& context, const Named& playlist, int index) {
+const QStringList TrackRoles = {QStringLiteral("title"), QStringLiteral("type"),
+                                QStringLiteral("path"),  QStringLiteral("id"),
+                                QStringLiteral("value"), QStringLiteral("mediaData")};
+
+// Where in a track to begin, and what to say besides.
+struct TrackStart {
+    int milliseconds = 0;
+    QString hint;
+};
+
+void playFrom(VerbContext& context, const Named& playlist, int index, const TrackStart& start) {
     const QString path = context.names.itemsPath(playlist);
-    const DeviceRows rows = context.device.rows(
-        path,
-        {QStringLiteral("title"), QStringLiteral("type"), QStringLiteral("path"),
-         QStringLiteral("id"), QStringLiteral("value"), QStringLiteral("mediaData")},
-        index, index);
+    const DeviceRows rows = context.device.rows(path, TrackRoles, index, index);
     if (rows.rows.isEmpty())
         throw CtlFailure::refused(
             QStringLiteral("there is no track %1 in %2").arg(index + 1).arg(playlist.label()));
@@ -35,22 +41,68 @@ void playFrom(VerbContext& context, const Named& playlist, int index) {
                 {{QStringLiteral("mediaRoles"), container},
                  {QStringLiteral("trackRoles"), rows.rows.first()},
                  {QStringLiteral("index"), index},
-                 {QStringLiteral("type"), PlayContainer}},
-                QStringLiteral("playing %1 from track %2").arg(playlist.label()).arg(index + 1));
+                 {QStringLiteral("type"), PlayContainer},
+                 {QStringLiteral("startPosition"), start.milliseconds}},
+                QStringLiteral("playing %1 from track %2").arg(playlist.label()).arg(index + 1) +
+                    start.hint);
+}
+
+void playFromFirst(VerbContext& context, const Named& playlist) {
+    context.run(QStringLiteral("OrvoPlayListPlPlayPath"), {{QStringLiteral("plid"), playlist.id}},
+                QStringLiteral("playing %1 from track 1").arg(playlist.label()));
+}
+
+// The milliseconds within the list's last played track at which playback was stopped.
+std::optional<int> stoppedAt(VerbContext& context, const QString& listPath, int lastPlayed) {
+    const QString function = QStringLiteral("OrvoPlayerResumePointPath");
+    if (!context.device.paths().contains(function))
+        return std::nullopt;
+    const QJsonObject point = context.device.value(context.device.path(function)).toObject();
+    if (point.value(QStringLiteral("mediaPath")).toString() != listPath)
+        return std::nullopt;
+    const DeviceRows track =
+        context.device.rows(listPath, {QStringLiteral("path")}, lastPlayed, lastPlayed);
+    const QString trackPath = point.value(QStringLiteral("trackPath")).toString();
+    if (track.rows.isEmpty() ||
+        track.rows.first().value(QStringLiteral("path")).toString() != trackPath)
+        return std::nullopt;
+    return point.value(QStringLiteral("position")).toInt();
+}
+
+// From the last played track on. A list that was played to its end begins at the first one: its
+// last track is the last played one, and playback was not stopped in it.
+void goOn(VerbContext& context, const Named& playlist) {
+    const QString path = context.names.itemsPath(playlist);
+    const auto list = context.device.tryRows(path, {QStringLiteral("path")}, 0, 0);
+    const int last = list ? list->lastPlayed : -1;
+    if (last <= 0 || last >= list->count) {
+        playFromFirst(context, playlist);
+        return;
+    }
+    const std::optional<int> stopped = stoppedAt(context, path, last);
+    if (last == list->count - 1 && !stopped)
+        playFromFirst(context, playlist);
+    else
+        playFrom(context, playlist, last,
+                 {stopped.value_or(0), QStringLiteral("; --from 1 to begin")});
 }
 
 } // namespace
 
 void PlayerVerbs::play(VerbContext& context) {
-    const bool hasPosition = context.arguments.positional().size() > 1;
-    const int index = hasPosition ? Positions::parseOne(context.arguments.at(1)) : 0;
+    const QString from = QStringLiteral("from");
+    const Arguments& arguments = context.arguments;
+    QStringList positions = arguments.positional().mid(1);
+    if (arguments.has(from))
+        positions.append(arguments.value(from));
+    if (positions.size() > 1)
+        throw CtlFailure::usage(QStringLiteral("a track behind --from or without it, not both"));
+    const int index = positions.isEmpty() ? -1 : Positions::parseOne(positions.first());
     const Named playlist = context.playlist();
-    if (hasPosition)
-        playFrom(context, playlist, index);
+    if (index < 0)
+        goOn(context, playlist);
     else
-        context.run(QStringLiteral("OrvoPlayListPlPlayPath"),
-                    {{QStringLiteral("plid"), playlist.id}},
-                    QStringLiteral("playing %1").arg(playlist.label()));
+        playFrom(context, playlist, index, {});
 }
 
 void PlayerVerbs::pause(VerbContext& context) {

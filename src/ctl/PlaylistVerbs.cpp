@@ -1,9 +1,9 @@
 #include <QJsonArray>
 
-#include "ClockText.h"
 #include "CtlFailure.h"
 #include "Positions.h"
 #include "TextTable.h"
+#include "TrackTable.h"
 #include "Verbs.h"
 
 namespace {
@@ -28,26 +28,6 @@ bool onOrOff(const QString& word) {
     if (word != QLatin1String("on") && word != QLatin1String("off"))
         throw CtlFailure::usage(QStringLiteral("\"on\" or \"off\", not \"%1\"").arg(word));
     return word == QLatin1String("on");
-}
-
-QString plural(int count) {
-    return count == 1 ? QStringLiteral("1 track") : QStringLiteral("%1 tracks").arg(count);
-}
-
-// One row of a playlist in the client's own words.
-QJsonObject track(const QJsonObject& row, int sequenceNumber) {
-    const QJsonObject meta = row.value(QStringLiteral("mediaData"))
-                                 .toObject()
-                                 .value(QStringLiteral("metaData"))
-                                 .toObject();
-    return {{QStringLiteral("position"), sequenceNumber + 1},
-            {QStringLiteral("sequenceNumber"), sequenceNumber},
-            {QStringLiteral("id"), row.value(QStringLiteral("id"))},
-            {QStringLiteral("title"), row.value(QStringLiteral("title"))},
-            {QStringLiteral("artist"), meta.value(QStringLiteral("artist")).toString()},
-            {QStringLiteral("album"), meta.value(QStringLiteral("album")).toString()},
-            {QStringLiteral("duration"), meta.value(QStringLiteral("duration")).toDouble()},
-            {QStringLiteral("path"), row.value(QStringLiteral("path"))}};
 }
 
 void setMode(VerbContext& context, const char* function, int onMode, const char* word) {
@@ -121,31 +101,20 @@ void PlaylistVerbs::show(VerbContext& context) {
     if (playlist.name.isEmpty())
         throw CtlFailure::refused(QStringLiteral("there is no playlist %1").arg(playlist.label()));
     const DeviceRows answer =
-        context.device.rows(context.names.itemsPath(playlist),
-                            {QStringLiteral("title"), QStringLiteral("id"), QStringLiteral("path"),
-                             QStringLiteral("mediaData")},
-                            from, to);
-    TextTable table({QStringLiteral(">POS"), QStringLiteral("TITLE"), QStringLiteral("ARTIST"),
-                     QStringLiteral("ALBUM"), QStringLiteral(">TIME")});
-    QJsonArray tracks;
-    for (int i = 0; i < answer.rows.size(); ++i) {
-        const QJsonObject one = track(answer.rows.at(i), from + i);
-        tracks.append(one);
-        table.addRow(
-            {QString::number(from + i + 1), one.value(QStringLiteral("title")).toString(),
-             one.value(QStringLiteral("artist")).toString(),
-             one.value(QStringLiteral("album")).toString(),
-             ClockText::ofDuration(qint64(one.value(QStringLiteral("duration")).toDouble()))});
-    }
+        context.device.rows(context.names.itemsPath(playlist), TrackTable::roles(), from, to);
+    TrackTable table;
+    for (int i = 0; i < answer.rows.size(); ++i)
+        table.add(answer.rows.at(i), from + i);
     if (context.output.isJson()) {
         context.output.json(QJsonObject{{QStringLiteral("id"), playlist.id},
                                         {QStringLiteral("name"), playlist.name},
                                         {QStringLiteral("tracksCount"), answer.count},
-                                        {QStringLiteral("tracks"), tracks}});
+                                        {QStringLiteral("tracks"), table.json()}});
         return;
     }
-    context.output.line(QStringLiteral("%1: %2").arg(playlist.label(), plural(answer.count)));
-    if (!answer.rows.isEmpty())
+    context.output.line(
+        QStringLiteral("%1: %2").arg(playlist.label(), TrackTable::plural(answer.count)));
+    if (!table.isEmpty())
         context.output.text(table.text());
 }
 
@@ -154,9 +123,9 @@ void PlaylistVerbs::removeItems(VerbContext& context) {
     const Named playlist = context.playlist();
     QJsonObject request = record(playlist);
     request.insert(Items, numbers(positions));
-    context.run(
-        QStringLiteral("OrvoPlayListPlRemoveItemsPath"), request,
-        QStringLiteral("removed %1 from %2").arg(plural(positions.size()), playlist.label()));
+    context.run(QStringLiteral("OrvoPlayListPlRemoveItemsPath"), request,
+                QStringLiteral("removed %1 from %2")
+                    .arg(TrackTable::plural(positions.size()), playlist.label()));
 }
 
 void PlaylistVerbs::moveItems(VerbContext& context) {
@@ -169,7 +138,8 @@ void PlaylistVerbs::moveItems(VerbContext& context) {
     request.insert(Items, numbers(positions));
     request.insert(QStringLiteral("to"), to);
     context.run(QStringLiteral("OrvoPlayListPlMoveItemspath"), request,
-                QStringLiteral("moved %1 in %2").arg(plural(positions.size()), playlist.label()));
+                QStringLiteral("moved %1 in %2")
+                    .arg(TrackTable::plural(positions.size()), playlist.label()));
 }
 
 void PlaylistVerbs::clear(VerbContext& context) {

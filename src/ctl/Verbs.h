@@ -86,6 +86,10 @@ void volume(VerbContext& context);
 void status(VerbContext& context);
 } // namespace PlayerVerbs
 
+namespace NextUpVerb {
+void nextUp(VerbContext& context);
+}
+
 namespace CollectionVerbs {
 void list(VerbContext& context);
 void create(VerbContext& context);

@@ -13,12 +13,17 @@ OrvoRoles row(int type, const QString& title, const CMPath& path) {
     return roles;
 }
 
-OrvoRoles track(const QString& path, int number) {
+OrvoRoles track(const QString& path, int plid, int number) {
     OrvoRoles roles = row(OrvoRolesType::Audio, CMPath(path).splitBase().value(1, path),
                           OrvoPlayListItemPath() + QString::number(number + 100));
     if (!CMPath(path).splitBase().isEmpty())
         roles.setTitle(CMPath(path).splitBase().last());
     roles.setId(QString::number(number + 100));
+    roles.setValue(OrvoValue::fromI32(number));
+    OrvoRoles menu;
+    menu.setPath(
+        OrvoPlayListPlTrackContextPath().addParam(QStringLiteral("plid"), QString::number(plid)));
+    roles.setContext(menu);
     OrvoMetaData meta;
     meta.setArtist(QStringLiteral("Artist"));
     meta.setAlbum(QStringLiteral("Album"));
@@ -103,13 +108,23 @@ QVector<OrvoRoles> FakePlayLists::rowsOf(const CMPath& path) const {
     } else if (path.startsWith(OrvoPlayListClGetItemsPath())) {
         for (const int id : groups.value(path.param(QStringLiteral("clid")).toInt()).members)
             rows.append(row(OrvoRolesType::Container, lists.value(id).name, itemsPath(id)));
+    } else if (path == OrvoPlayListUpNextPath()) {
+        for (const int number : upNext)
+            rows.append(track(lists.value(upNextList).tracks.at(number), upNextList, number));
     } else {
-        const int id = path == OrvoPlayListPqGetItemsPath() ? 0 : path.splitBase().last().toInt();
+        const int id = listAt(path);
         const QStringList tracks = lists.value(id).tracks;
         for (int i = 0; i < tracks.size(); ++i)
-            rows.append(track(tracks.at(i), i));
+            rows.append(track(tracks.at(i), id, i));
     }
     return rows;
+}
+
+// -1 for what lists no tracks.
+int FakePlayLists::listAt(const CMPath& path) const {
+    if (path == OrvoPlayListPqGetItemsPath())
+        return 0;
+    return path.startsWith(OrvoPlayListPlGetItemsPath()) ? path.splitBase().last().toInt() : -1;
 }
 
 void FakePlayLists::getRowsRequest(const CMGetRowsRequest& request) {
@@ -120,6 +135,9 @@ void FakePlayLists::getRowsRequest(const CMGetRowsRequest& request) {
     for (int i = request.fromRow(); i <= qMin(request.toRow(), all.size() - 1); ++i)
         rows.append(QVariant(CMGlobal::itemRolesToList(request.roleNames(), all.at(i))));
     answer.setRows(rows);
+    const int id = listAt(request.path());
+    if (lists.contains(id))
+        answer.setLastPlayedIndex(lists.value(id).lastPlayed);
     request.reply().setValue(answer);
 }
 

@@ -30,6 +30,8 @@ public:
     QMap<int, Group> groups;
     int limit = 0;       // tracks over all lists, 0 for none
     int played = -1;     // the list that was played last
+    QVector<int> upNext; // what comes, by its numbers in that list
+    int upNextList = -1;
     QList<int> addSizes; // how many paths each add request brought
 
 private:
@@ -53,5 +55,6 @@ private:
     QString removeMember(const OrvoHash& record, int* value);
     List* list(const OrvoHash& record);
     QVector<OrvoRoles> rowsOf(const CMPath& path) const;
+    int listAt(const CMPath& path) const;
     int m_nextId = 1;
 };

@@ -1,4 +1,7 @@
+#include <QJsonDocument>
+
 #include "Device.h"
+#include "SoundFiles.h"
 
 namespace {
 
@@ -87,4 +90,57 @@ TEST_F(OrvoctlSession, aRefusalIsStatusOneAndAWrongCallStatusTwo) {
         refused.err,
         "orvoctl: Could not create playlist. Please provide a non-empty string as field. (name)\n");
     EXPECT_EQ(device.ctl({"no-such-verb"}).status, 2);
+}
+
+// In real time: a machine without sound keeps the time silently.
+TEST(OrvoctlPlaying, aListGoesOnWhereItWasStoppedAndWhatComesIsListed) {
+    Device device({"--audio-sink", "auto"});
+    for (int i = 1; i <= 4; ++i)
+        SoundFiles::writeWav(QStringLiteral("%1/Long/%2.wav").arg(device.musicFolder()).arg(i),
+                             {QStringLiteral("Long %1").arg(i), "Band", "Album", "", i}, 60000);
+    ASSERT_TRUE(device.start());
+    device.waitForScan();
+    ASSERT_EQ(device.ctl({"create", "Party"}).status, 0);
+    ASSERT_EQ(device.ctl({"add", "Party", device.musicFolder() + "/Long"}).status, 0);
+    const auto plays = [&device](const QStringList& words, const QString& said) {
+        EXPECT_EQ(device.ctl(QStringList{"play", "Party"} + words).err, said);
+        EXPECT_TRUE(device.waitForValue("player:state", "playing"));
+    };
+    const auto status = [&device](const char* what) {
+        const Device::Ctl result = device.ctl({"--json", "status"});
+        return QJsonDocument::fromJson(result.out.toUtf8()).object().value(what);
+    };
+    EXPECT_EQ(device.ctl({"next-up"}).out, "nothing comes next\n");
+    plays({}, "playing Party (#1) from track 1\n");
+    EXPECT_EQ(device.ctl({"next"}).status, 0);
+    EXPECT_TRUE(device.waitForValue("player:state", "playing"));
+    EXPECT_EQ(device.ctl({"next-up"}).out, "Party (#1): 2 tracks to come\n"
+                                           "POS  TITLE   ARTIST  ALBUM  TIME\n"
+                                           "  3  Long 3  Band    Album  1:00\n"
+                                           "  4  Long 4  Band    Album  1:00\n");
+
+    // Both a stop and an end of the device keep the place.
+    EXPECT_EQ(device.ctl({"seek", "0:30"}).status, 0);
+    EXPECT_EQ(device.ctl({"stop"}).status, 0);
+    plays({}, "playing Party (#1) from track 2; --from 1 to begin\n");
+    EXPECT_EQ(status("place").toInt(), 2);
+    EXPECT_GE(status("position").toInt(), 30000);
+    EXPECT_EQ(device.ctl({"seek", "0:40"}).status, 0);
+    EXPECT_EQ(device.end(), 0);
+    ASSERT_TRUE(device.start());
+    plays({}, "playing Party (#1) from track 2; --from 1 to begin\n");
+    EXPECT_GE(status("position").toInt(), 40000);
+    plays({"--from", "1"}, "playing Party (#1) from track 1\n");
+    EXPECT_EQ(status("place").toInt(), 1);
+    EXPECT_LT(status("position").toInt(), 30000);
+
+    // Stopped in its last track the list goes on there; played to its end it begins anew.
+    plays({"--from", "4"}, "playing Party (#1) from track 4\n");
+    EXPECT_EQ(device.ctl({"next-up"}).out, "nothing comes next\n");
+    EXPECT_EQ(device.ctl({"seek", "0:30"}).status, 0);
+    EXPECT_EQ(device.ctl({"stop"}).status, 0);
+    plays({}, "playing Party (#1) from track 4; --from 1 to begin\n");
+    EXPECT_EQ(device.ctl({"seek", "0:59"}).status, 0);
+    EXPECT_TRUE(device.waitForValue("player:state", "stopped"));
+    plays({}, "playing Party (#1) from track 1\n");
 }
