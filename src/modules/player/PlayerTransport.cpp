@@ -189,7 +189,17 @@ void PlayerTransport::obey(const PlayLogicCommand& command, PlayerEngine::Genera
     command.reply.setValue({});
 }
 
+void PlayerTransport::playNothing(StreamerPlayLogic* logic) {
+    activate(logic);
+    silence();
+    logic->nothingPlayed(playError("NothingToPlay", nothingToPlay()));
+}
+
 void PlayerTransport::play(const PlayLogicCommand& command) {
+    if (command.roles.isEmpty()) {
+        playNothing(command.from);
+        return;
+    }
     activate(command.from);
     const OrvoPlayLogicPlayArgs start{QVariantHash(command.params)};
     m_current = {++m_lastGeneration, command.roles};
@@ -334,9 +344,8 @@ void PlayerTransport::onFailed(PlayerEngine::Generation generation, const QStrin
     m_prepared = true;
     m_state = OrvoPlayerState::Opening;
     // Why stands in the log alone: it would tell strangers which files and ports there are.
-    const OrvoError error = playError(
-        "CannotPlay",
-        roles.isEmpty() ? nothingToPlay() : TrString("Player", "%1 cannot be played.", {title}));
+    const OrvoError error =
+        playError("CannotPlay", TrString("Player", "%1 cannot be played.", {title}));
     if (ofNext) {
         m_current = {++m_lastGeneration, roles};
         dropNext();
@@ -390,9 +399,7 @@ void PlayerTransport::onPlayAnswered(StreamerPlayLogic* logic, quint64 decisions
     // What plays does not notice that another play logic refuses.
     if (!logic || decisions != m_decisions || (refused && logic != m_logic))
         return;
-    activate(logic);
-    silence();
-    logic->nothingPlayed(playError("NothingToPlay", nothingToPlay()));
+    playNothing(logic);
 }
 
 void PlayerTransport::pause(const CMSetDataRequest& request) {

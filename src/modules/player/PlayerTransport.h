@@ -87,6 +87,7 @@ private:
     void onFailed(PlayerEngine::Generation generation, const QString& text);
     void goOnAfter(PlayerEngine::Generation generation);
     void resumeAfter(PlayerEngine::Generation generation);
+    void playNothing(StreamerPlayLogic* logic);
     void onPlayAnswered(StreamerPlayLogic* logic, quint64 decisions, bool refused);
 
     void activate(StreamerPlayLogic* logic);

@@ -247,10 +247,11 @@ int PlayList::addItemsAt(const ItemPlaces& places, const QList<OrvoPlayListItem>
             m_database->addItems(m_record, OrvoPlayListAddPosition::Append, items, &added, places);
         if (first < 0)
             return first;
+        // A look at what was stored may read it as it is now.
+        const int last = m_record.lastPlayedIndex;
         if (!isCommitted(size + added))
             return Database::Failed;
         positions = places.positions.mid(0, added);
-        const int last = m_record.lastPlayedIndex;
         if (last >= 0 && last < size)
             takeLastPlayed(ItemPlaces::afterAdding(positions, last));
     }
@@ -340,7 +341,7 @@ bool PlayList::moveItems(QList<int> indices, int to) {
         to = std::min(to, m_record.size - 1);
         moves = movesOf(indices, to);
         // One alone is moved by the operation for one.
-        if (moves.size() > 1) {
+        if (indices.size() > 1 && !moves.isEmpty()) {
             const int lastPlayed =
                 std::accumulate(moves.cbegin(), moves.cend(), m_record.lastPlayedIndex, followed);
             if (!reorder(std::min(indices.first(), to), orderAfterMoving(indices, to), lastPlayed))
@@ -349,7 +350,7 @@ bool PlayList::moveItems(QList<int> indices, int to) {
     }
     if (moves.isEmpty())
         return true;
-    if (moves.size() == 1)
+    if (indices.size() == 1)
         return moveItem(moves.constFirst().from, moves.constFirst().to);
     for (const ItemMove& move : std::as_const(moves))
         tell(&PlayList::itemMoved, move.from, move.to);

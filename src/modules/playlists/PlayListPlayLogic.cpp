@@ -141,9 +141,13 @@ OrvoRoles PlayListPlayLogic::getNextTrack() {
     m_cursorBeforeAnnouncement.reset();
     OrvoRoles result;
     if (m_shuffleEnabled) {
+        const int cursor = m_shuffleCurIndex;
         const int seqNum = getNextShuffleItem();
         if (seqNum != -1)
             result = getTrackAbsolute(seqNum);
+        // It is there but could not be read: it is still to come.
+        if (result.isEmpty() && m_currentPlayList && seqNum < m_currentPlayList->getSize())
+            m_shuffleCurIndex = cursor;
     } else {
         result = getTrackRelative(1);
     }

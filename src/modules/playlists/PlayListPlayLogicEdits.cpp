@@ -2,6 +2,8 @@
 #include <iterator>
 #include <numeric>
 
+#include <QScopedValueRollback>
+
 #include "OrvoPlayListEnums.h"
 #include "PlayListBase.h"
 #include "PlayListPlayLogic.h"
@@ -184,7 +186,12 @@ void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indice
         playTrackRoles(replacement);
         return;
     }
-    const OrvoRoles next = m_currentPlayList->getRepeatAll() ? getNextTrack() : OrvoRoles();
+    OrvoRoles next;
+    if (m_currentPlayList->getRepeatAll()) {
+        // Also where it was switched on in this turn of the loop and is not in force yet.
+        const QScopedValueRollback<RepeatMode> repeating(m_repeatMode, RepeatAll);
+        next = getNextTrack();
+    }
     if (!next.isEmpty())
         playTrackRoles(next);
     else
@@ -248,7 +255,7 @@ int PlayListPlayLogic::nextNumber() const {
 
 void PlayListPlayLogic::announceAnew() {
     Q_EMIT upNextChanged();
-    if (!m_cursorBeforeAnnouncement)
+    if (!m_cursorBeforeAnnouncement || !m_hasPlayingItem)
         return;
     const int next = nextNumber();
     const OrvoValue announced = m_currentTrackRoles.value();

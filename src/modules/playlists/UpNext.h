@@ -26,8 +26,9 @@ struct UpNext {
             return 0;
         if (repeatsOne)
             return 1;
+        // Without a place nothing follows, unless the order begins anew.
         if (isShuffled)
-            return order.size() - 1 - place;
+            return place < 0 && !wraps ? 0 : order.size() - 1 - place;
         return wraps ? size : size - 1 - playing;
     }
 

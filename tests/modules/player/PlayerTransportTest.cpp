@@ -439,10 +439,19 @@ TEST_F(PlayerTransportTest, aRequestForNothingThatWasReplacedMeanwhileStopsNothi
 }
 
 TEST_F(PlayerTransportTest, anItemWithoutAnythingIsNothingToPlay) {
+    logic.setTracks({sound("a.wav", 2000)});
     logic.tracks.append(OrvoRoles());
+    playSilentlyInRealTime();
     play(logic);
-    ASSERT_TRUE(waitForCall(logic, "resume after error"));
-    EXPECT_EQ(logic.data().streamerError().message(), "There is nothing to play.");
+    ASSERT_TRUE(waitForState("playing"));
+    logic.calls.clear();
+    play(logic, 1);
+    ASSERT_TRUE(waitForState("stopped"));
+    waitFor(50);
+    EXPECT_EQ(state(), "stopped");
+    EXPECT_FALSE(logic.calls.contains("resume after error"));
+    EXPECT_EQ(logic.data().error().message(), "There is nothing to play.");
+    EXPECT_FALSE(logic.data().containsTrackRoles());
 }
 
 TEST_F(PlayerTransportTest, commandsOfAPlayLogicThatIsNotInChargeAreRefused) {

@@ -80,6 +80,23 @@ TEST_F(CommitFaultsTest, aCommitThatStandsThoughItIsReportedAsFailedIsASuccess) 
     expectInStep();
 }
 
+TEST_F(CommitFaultsTest, theLastPlayedOneIsFollowedOnceWhereTheRecordIsReadAgain) {
+    PlayListBase& pl = playList("abc");
+    pl.setLastSequenceNumber(1);
+    {
+        const StatementTrace trace(database(), [commits = 0](const QString& sql) mutable {
+            if (sql == QLatin1String("COMMIT;") && ++commits == 1)
+                FaultVfs::set({FileAction::Delete, SQLITE_IOERR_DIR_FSYNC, false, "folder"}, 1);
+        });
+        EXPECT_EQ(0, pl.addItemsAt({{0}, true}, letterItems("x")));
+    }
+    EXPECT_EQ(1, FaultVfs::failures());
+    FaultVfs::clear();
+    EXPECT_EQ("xabc", letters(pl));
+    EXPECT_EQ(2, pl.getLastSequenceNumber());
+    expectInStep();
+}
+
 TEST_F(CommitFaultsTest, aBusyCommitIsTriedUntilTheOtherLetsGo) {
     EXPECT_EQ(101, triesUnder({FileAction::Lock, SQLITE_BUSY, true, "busy", 100}));
     EXPECT_TRUE(moved);

@@ -1,3 +1,5 @@
+#include <sqlite3.h>
+
 #include <QSignalSpy>
 
 #include "PlayLogicFixture.h"
@@ -75,6 +77,19 @@ TEST_F(MediaTest, preparingAgainUnderShuffleAnnouncesTheSameItem) {
     EXPECT_EQ(QStringList{"play a@0"}, player.takeCommands());
     EXPECT_EQ(0, pl->getLastSequenceNumber());
     EXPECT_EQ(1, probe().cursor());
+}
+
+TEST_F(MediaTest, underShuffleATrackThatCannotBeReadAtTheMomentIsNotSkipped) {
+    playingShuffled("abc", {0, 1, 2}, 0);
+    sqlite3* other = nullptr;
+    ASSERT_EQ(SQLITE_OK, sqlite3_open("data-rw/playlists/playlists.sqlite", &other));
+    ASSERT_EQ(SQLITE_OK, sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr));
+    logic()->prepareNextMedia();
+    next();
+    EXPECT_EQ(QStringList{"no next"}, player.takeCommands());
+    sqlite3_close(other);
+    player.end();
+    EXPECT_EQ(QStringList{"play b@1"}, player.takeCommands());
 }
 
 TEST_F(MediaTest, aNextOrPreviousThatLeadsNowhereLeavesTheAnnouncement) {

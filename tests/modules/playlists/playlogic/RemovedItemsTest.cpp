@@ -257,13 +257,24 @@ TEST_F(RemovedItemsTest, theLastItemRemovedWhilePlayingGoesOnInTheShuffledOrder)
     EXPECT_EQ(1, probe().cursor());
 }
 
-TEST_F(RemovedItemsTest, repeatAllOfTheListAloneStopsWhenThereIsNoNext) {
+TEST_F(RemovedItemsTest, repeatAllThatWasSwitchedOnInTheSameTurnGoesOn) {
     PlayListBase* pl = playing("abc", 2);
     // Published, but not in force yet: that takes a turn of the loop.
     pl->setRepeatAll(true);
     ASSERT_EQ(PlayListPlayLogic::RepeatOff, probe().repeat());
     pl->removeItems({2});
-    EXPECT_EQ(QStringList{"asked to stop: 0"}, player.takeCommands());
+    EXPECT_EQ(QStringList{"play a@0"}, player.takeCommands());
+    EXPECT_EQ(PlayListPlayLogic::RepeatOff, probe().repeat());
+}
+
+TEST_F(RemovedItemsTest, afterTheEndARemovalAnnouncesNothing) {
+    PlayListBase* pl = playing("abc", 2);
+    logic()->prepareNextMedia();
+    player.end();
+    changeMode(OrvoPlayerPlayMode::RepeatAll);
+    player.takeCommands();
+    pl->removeItems({0});
+    EXPECT_EQ(QStringList(), player.takeCommands());
 }
 
 TEST_F(RemovedItemsTest, theOwnRepeatModeAloneDoesNotGoOn) {

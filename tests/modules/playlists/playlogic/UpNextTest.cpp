@@ -83,6 +83,16 @@ TEST_F(UpNextTest, underShuffleTheOrderIsShownToItsEnd) {
     EXPECT_EQ((QStringList{"d@3", "a@0", "f@5", "b@1"}), upNext());
 }
 
+TEST_F(UpNextTest, anOrderWithoutAPlaceHasNothingToCome) {
+    playingShuffled("abc", {2, 0, 1}, 0);
+    probe().cursor() = -1;
+    EXPECT_EQ(QStringList(), upNext());
+    next();
+    EXPECT_EQ(QStringList(), player.takeCommands());
+    probe().repeat() = PlayListPlayLogic::RepeatAll;
+    EXPECT_EQ((QStringList{"c@2", "a@0", "b@1"}), upNext());
+}
+
 TEST_F(UpNextTest, whatIsAnnouncedIsStillToCome) {
     playingShuffled("abcd", {1, 3, 0, 2}, 0);
     logic()->prepareNextMedia();
