@@ -8,6 +8,7 @@ import './units/helpers.mjs';
 import './stories/lists.mjs';
 import './stories/adding.mjs';
 import './stories/playing.mjs';
+import './stories/upnext.mjs';
 import './stories/reordering.mjs';
 import './stories/editing.mjs';
 import './stories/undoing.mjs';

@@ -93,7 +93,8 @@ class App {
     this.menuEdits = new parts.MenuEdits(this);
     this.menu = new parts.Menu(this);
     this.undoBar = new parts.UndoBar(document.getElementById('undo'), this.edits, { onLeft: () => this.shownScreen.focus() });
-    this.bar = new parts.PlayerBar(document.getElementById('player'), this.player, { onJump: () => this.jumpToCurrent() });
+    this.upNext = new parts.UpNext(this);
+    this.bar = new parts.PlayerBar(document.getElementById('player'), this.player, { upNext: this.upNext, onJump: () => this.jumpToCurrent() });
     this.takeParts(parts);
   }
 
@@ -118,6 +119,7 @@ class App {
       this.covers.apply(event);
       for (const pane of this.panes) pane.apply(event);
       this.menu?.apply(event);
+      this.upNext?.apply(event);
     });
     this.feed.on('resync', () => this.readEverythingAgain());
     this.feed.on('online', (online) => {
@@ -132,6 +134,7 @@ class App {
     this.covers.forgetAll();
     for (const pane of this.panes) pane.reread();
     this.menu?.reread();
+    this.upNext?.reread();
     try {
       this.setModules(await getModules());
     } catch {

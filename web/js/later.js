@@ -10,3 +10,4 @@ export { MenuEdits } from './view/menuedits.js';
 export { PlayerBar } from './view/playerbar.js';
 export { ask } from './view/question.js';
 export { UndoBar } from './view/undobar.js';
+export { UpNext } from './view/upnext.js';

@@ -45,6 +45,9 @@ for (const colorScheme of ['light', 'dark']) {
     if (hasPlayer) {
       await me.page.locator('#player .now').click();
       assert.deepEqual(await look(), []);
+      await me.page.locator('dialog.large .upnext-button').click();
+      await me.page.locator('.upnext').getByText('Paper Boats').waitFor();
+      assert.deepEqual(await look(), []);
     }
   });
 }
@@ -225,9 +228,16 @@ for (const [width, height] of [[320, 568], [640, 360], [768, 1024], [1024, 768],
     await eventually(() => me.nowTitle(), Hours[0]);
     await me.page.locator('#player .now').click();
     const large = me.page.locator('dialog.large');
-    for (const control of ['.volume .range', '.seek .range', '[aria-label^="Repeat"]', '[aria-label="Shuffle"]', '.large-title']) {
-      const box = await large.locator(control).boundingBox();
-      assert.ok(box.x >= 0 && box.y >= 0 && box.x + box.width <= width && box.y + box.height <= height, `${control}: ${JSON.stringify(box)}`);
-    }
+    const controls = ['.volume .range', '.seek .range', '[aria-label^="Repeat"]', '[aria-label="Shuffle"]', '.large-title', '.large-tools'];
+    const areInside = async (...those) => {
+      for (const control of those) {
+        const box = await large.locator(control).boundingBox();
+        assert.ok(box.x >= 0 && box.y >= 0 && box.x + box.width <= width && box.y + box.height <= height, `${control}: ${JSON.stringify(box)}`);
+      }
+    };
+    await areInside(...controls);
+    await large.locator('.upnext-button').click();
+    await large.getByRole('button', { name: `Remove ${Hours[1]}` }).waitFor();
+    await areInside(...controls, '.upnext', `[aria-label="Remove ${Hours[1]}"]`);
   }, { sizes: ['desktop'] });
 }

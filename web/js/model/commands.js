@@ -52,6 +52,11 @@ export class Commands {
     return base === this.paths.OrvoPlayListPlContextPath ? this.listOf(Number(params(menuPath).plid)) : null;
   }
 
+  // The playlist of a track's row, which the path of its menu names.
+  targetOfTrack(row) {
+    return this.listOf(Number(params(row.context.path).plid));
+  }
+
   // The edit behind an entry of a menu: {kind, target, …}, null when it is none that is known here.
   editOf(row) {
     const base = basePart(row.path);

@@ -1,7 +1,8 @@
 // A list on screen: only the rows in view exist, whatever the list's length. Keeps the place, the
 // focus and the choice while rows come, go and are read again.
 //
-// Emits: open {row, index} (Enter, tap) · menu {row, index, anchor} · remove · back · move {by}.
+// Emits: open {row, index} (Enter, tap) · menu {row, index, anchor} · remove ({row, index} by a row's button) · back ·
+// move {by}.
 
 import { Emitter } from '../core/device.js';
 import { RowType, isFocusable, rowKey } from '../model/rows.js';
@@ -23,7 +24,7 @@ const Nothing = Symbol('nothing');
 
 export class ListView extends Emitter {
   // `look`: what the surroundings know about a row: {current(row), playing(), cover(row, found),
-  // action, selectable}.
+  // action, selectable, removable}.
   constructor({ store, scroller, look, label }) {
     super();
     Object.assign(this, { store, scroller, look });
@@ -326,6 +327,7 @@ export class ListView extends Emitter {
       current: row ? look.current(row) : false,
       playing: look.playing(),
       opened: row && look.opened ? look.opened(row) : false,
+      removable: look.removable,
       movable: this.movable && row?.type === RowType.Audio,
       found: this.foundIndex === index,
       action: row ? look.action?.(row) : null,
@@ -416,7 +418,10 @@ export class ListView extends Emitter {
     const { index, row } = view;
     const control = event.target.closest('[data-role]')?.dataset.role;
     if (control === 'more') this.emit('menu', { row, index, anchor: view.more });
-    else if (control === 'switch') this.emit('open', { row, index, anchor: view.switch });
+    else if (control === 'remove') {
+      // The second click on what is gone by now is none on what stands there instead.
+      if (event.detail < 2) this.emit('remove', { row, index });
+    } else if (control === 'switch') this.emit('open', { row, index, anchor: view.switch });
     else this.onRowClick(event, view);
   }
 

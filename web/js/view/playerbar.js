@@ -17,19 +17,20 @@ function describe(player) {
 }
 
 export class PlayerBar {
-  // `onJump`: shows the current track in its list.
-  constructor(element, player, { onJump }) {
-    Object.assign(this, { element, player });
+  // `upNext`: what comes, shown here or in the large view. `onJump`: shows the current track in its list.
+  constructor(element, player, { upNext, onJump }) {
+    Object.assign(this, { element, player, upNext });
     this.artwork = new Artwork('div.art');
     this.title = el('span.now-title');
     this.line = el('span.now-line');
     this.transport = new Transport(player);
-    this.large = new LargeView(player, { onJump });
+    this.large = new LargeView(player, { upNext, onJump });
     this.open = el('button.now', { type: 'button', 'aria-label': 'Show what plays', onclick: () => this.large.show() },
       this.artwork.element, el('span.now-texts', {}, this.title, this.line));
     this.jump = el('button.icon-button', { type: 'button', 'aria-label': 'Jump to the current track', title: 'Jump to the current track', onclick: onJump }, icon('target'));
+    this.coming = upNextButton('icon-button', upNext, (list) => element.append(list));
     element.append(this.open, el('div.controls', {}, this.transport.buttons, this.transport.seek),
-      el('div.extras', {}, this.jump, this.transport.volume));
+      el('div.extras', {}, this.coming, this.jump, this.transport.volume));
     player.on('change', () => this.show());
     setInterval(() => this.tick(), ClockMs);
     this.show();
@@ -45,6 +46,8 @@ export class PlayerBar {
     this.artwork.set({ urls, title, symbol: player.track ? null : 'note' });
     this.open.disabled = !player.isActive;
     this.jump.disabled = !player.track || !player.container?.path;
+    this.coming.disabled = !player.isActive;
+    if (!player.isActive) this.upNext.hide();
     this.open.setAttribute('aria-label', player.track ? `Now playing: ${title}, ${line}` : title);
   }
 
@@ -55,9 +58,28 @@ export class PlayerBar {
   }
 }
 
+// Shows and hides what comes; `place(element)` puts it where this button wants it.
+function upNextButton(look, upNext, place, text = null) {
+  const shown = (is) => button.setAttribute('aria-expanded', String(is));
+  const toggle = () => {
+    if (button.getAttribute('aria-expanded') === 'true') {
+      upNext.hide();
+      return;
+    }
+    upNext.show(place, () => {
+      shown(false);
+      if (button.offsetParent) button.focus({ preventScroll: true });
+    });
+    shown(true);
+  };
+  const button = el(`button.${look}.upnext-button`, { type: 'button', 'aria-label': 'Up next', title: 'Up next', 'aria-expanded': 'false', hidden: !upNext.path, onclick: toggle },
+    icon('list'), text);
+  return button;
+}
+
 class LargeView {
-  constructor(player, { onJump }) {
-    this.player = player;
+  constructor(player, { upNext, onJump }) {
+    Object.assign(this, { player, upNext });
     this.artwork = new Artwork('div.art.huge');
     this.glow = new Artwork('div.art.glow');
     this.title = el('h2.large-title');
@@ -66,17 +88,20 @@ class LargeView {
     this.transport = new Transport(player);
     const close = el('button.icon-button', { type: 'button', 'aria-label': 'Close', onclick: () => this.dialog.close() }, icon('down'));
     const jump = el('button.pill', { type: 'button', onclick: () => { this.dialog.close(); onJump(); } }, icon('target'), 'Show in its list');
+    const coming = upNextButton('pill', upNext, (list) => this.side.before(list), el('span', {}, 'Up next'));
+    this.side = el('div.large-side', {}, el('div.large-texts', {}, this.title, this.line, this.album),
+      this.transport.seek, this.transport.buttons, this.transport.volume);
     this.dialog = el('dialog.large', { 'aria-label': 'Now playing' },
       el('div.large-glow', {}, this.glow.element),
-      el('div.large-head', {}, close, jump),
-      el('div.large-body', {}, this.artwork.element,
-        el('div.large-side', {}, el('div.large-texts', {}, this.title, this.line, this.album),
-          this.transport.seek, this.transport.buttons, this.transport.volume)));
+      el('div.large-head', {}, close, el('div.large-tools', {}, coming, jump)),
+      el('div.large-body', {}, this.artwork.element, this.side));
+    this.dialog.addEventListener('close', () => upNext.hide());
     document.body.append(this.dialog);
     player.on('change', () => this.refresh());
   }
 
   show() {
+    this.upNext.hide();
     this.refresh(true);
     this.dialog.showModal();
   }

@@ -46,6 +46,12 @@ export class RowView {
     this.more.before(this.switch);
   }
 
+  needRemove() {
+    if (this.remove) return;
+    this.remove = el('button.icon-button.row-remove', { type: 'button', tabindex: '-1', 'data-role': 'remove' }, icon('trash'));
+    this.end.append(this.remove);
+  }
+
   needBars() {
     this.bars ??= this.artwork.element.appendChild(
       el('span.bars', { 'aria-hidden': 'true' }, el('i'), el('i'), el('i')));
@@ -85,7 +91,7 @@ export class RowView {
   }
 
   // `row` may be missing: it is on its way. `look`: {selected, selecting, current, playing, movable,
-  // action, urls, plain}; plain is for rows that fly by.
+  // action, removable, urls, plain}; plain is for rows that fly by.
   show(row, look) {
     const type = row ? ClassOf[row.type] ?? 'unknown' : 'waits';
     const classes = ['row', type];
@@ -111,6 +117,7 @@ export class RowView {
       this.artwork.set({});
       this.more.hidden = true;
       if (this.switch) this.switch.hidden = true;
+      if (this.remove) this.remove.hidden = true;
       return;
     }
     setText(this.title, row.title ?? '');
@@ -140,12 +147,20 @@ export class RowView {
       setAttribute(this.switch, 'aria-label', row.title);
     }
     const hasMenu = Boolean(row.context?.path) || look.action === 'add';
-    this.more.hidden = !hasMenu || look.selecting;
+    this.more.hidden = !hasMenu || look.selecting || look.removable;
+    if (look.removable) this.showRemove(row);
     if (hasMenu) {
       setIcon(this.moreIcon, look.action === 'add' ? 'plus' : 'more');
       setAttribute(this.more, 'aria-label', `${look.action === 'add' ? 'Add' : 'Menu of'} ${row.title}`);
     }
     setAttribute(this.element, 'aria-disabled', isUsable(row) || !isFocusable(row) ? null : 'true');
+  }
+
+  showRemove(row) {
+    this.needRemove();
+    this.remove.hidden = false;
+    setAttribute(this.remove, 'aria-label', `Remove ${row.title}`);
+    setAttribute(this.remove, 'title', 'Remove from its playlist');
   }
 }
 

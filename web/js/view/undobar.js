@@ -22,6 +22,7 @@ export class UndoBar {
     this.bar.addEventListener('pointerenter', () => clearTimeout(this.timer));
     this.bar.addEventListener('pointerleave', () => this.wait());
     edits.on('done', (step) => this.add(step));
+    document.addEventListener('close', () => this.bringHome(), { capture: true });
   }
 
   add(step) {
@@ -40,8 +41,14 @@ export class UndoBar {
 
   show() {
     setText(this.text, this.steps.at(-1).text);
-    this.region.append(this.bar);
+    // What lies outside the large view can be neither seen nor pressed.
+    (document.querySelector('dialog.large[open]') ?? this.region).append(this.bar);
     this.wait();
+  }
+
+  // With a dialog that closes it would be gone.
+  bringHome() {
+    if (this.bar.isConnected && this.bar.parentElement !== this.region) this.region.append(this.bar);
   }
 
   wait() {
