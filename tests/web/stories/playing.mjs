@@ -113,6 +113,55 @@ story('a list is played, repeated and jumped to', async ({ device, open }) => {
   await eventually(() => me.page.evaluate(() => document.activeElement.querySelector('.row-title')?.textContent), Lanterns[0]);
 }, { player: true });
 
+story('a list goes on where it was left, and begins anew after its end', async ({ device, open }) => {
+  const plid = await device.playlist('Party', Albums.lanterns);
+  await device.playlist('Other', Albums.hours);
+  const me = await open();
+  await me.openList('Party');
+  const goOn = me.page.locator('#main .screen:not([hidden]) .hero').getByRole('button', { name: 'Continue' });
+  const position = async () => (await device.value('player:position')).i64;
+  const stop = async () => {
+    await device.send('player:stop', {});
+    await eventually(() => me.nowTitle(), 'Nothing is playing');
+  };
+  await me.row('main', Lanterns[0]).waitFor();
+  assert.equal(await goOn.count(), 0);
+
+  await me.playRow(Lanterns[2]);
+  await eventually(() => me.nowTitle(), Lanterns[2]);
+  await device.send('player:seekTime', { time: 30000 });
+  assert.equal(await goOn.count(), 0);
+  await stop();
+  await me.press(goOn);
+  await eventually(() => me.nowTitle(), Lanterns[2]);
+  assert.ok(await position() >= 30000);
+  await eventually(() => goOn.count(), 0);
+
+  // Left for another list, it is gone on with at the beginning of the track.
+  await device.send('playlists:pl/play', { plid: plid + 1 });
+  await eventually(() => me.nowTitle(), Hours[0]);
+  await stop();
+  await me.press(goOn);
+  await eventually(() => me.nowTitle(), Lanterns[2]);
+  assert.ok(await position() < 30000);
+
+  await device.send('player:previous', {});
+  await device.send('player:previous', {});
+  await eventually(() => me.nowTitle(), Lanterns[0]);
+  await stop();
+  await eventually(() => me.page.evaluate(() => document.body.classList.contains('busy')), false);
+  await eventually(() => goOn.count(), 0);
+
+  await me.playRow(Lanterns[4]);
+  await eventually(() => me.nowTitle(), Lanterns[4]);
+  const length = (await device.value('player:duration')).i64;
+  await device.send('player:seekTime', { time: length - 500 });
+  await eventually(() => me.nowTitle(), 'Nothing is playing');
+  await eventually(() => goOn.count(), 0);
+  await me.press(me.page.locator('#main .screen:not([hidden]) .hero').getByRole('button', { name: 'Play' }));
+  await eventually(() => me.nowTitle(), Lanterns[0]);
+}, { player: true });
+
 story('a file that cannot be played is named, and the next one plays', async ({ device, open }) => {
   const plid = await device.playlist('Party', Albums.hours);
   const roles = { title: 'Gone', type: 3, mediaData: { metaData: {}, resources: [{ uri: 'file:///nowhere/gone.flac' }] } };

@@ -1,6 +1,6 @@
 // What plays, as the device publishes it, and what can be asked of it.
 //
-// Emits: change (what: state, data, mode, position, duration, volume or present) · failed (the text
+// Emits: change (what: state, data, mode, position, duration, volume, stop or present) · failed (the text
 // of an error that has just come up).
 
 import { Emitter, getValue, samePlace, sendData } from '../core/device.js';
@@ -22,12 +22,14 @@ export class Player extends Emitter {
     this.duration = 0;
     this.volume = 100;
     this.anchor = { position: 0, at: performance.now() };
+    this.lastStop = {}; // {mediaPath, trackPath, position}: where playback was stopped last
     this.values = [
       [paths.OrvoPlayerStatePath, 'state', (value) => (this.state = bare(value) ?? 'stopped')],
       [paths.OrvoPlayerDataPath, 'data', (value) => (this.data = value ?? {})],
       [paths.OrvoPlayerPlayModePath, 'mode', (value) => (this.mode = Math.max(0, ModeNames.indexOf(bare(value))))],
       [paths.OrvoPlayerDurationPath, 'duration', (value) => (this.duration = bare(value) ?? 0)],
       [paths.OrvoPlayerVolumePath, 'volume', (value) => (this.volume = bare(value) ?? 100)],
+      [paths.OrvoPlayerResumePointPath, 'stop', (value) => (this.lastStop = value ?? {})],
       [paths.OrvoPlayerPositionPath, 'position', (value) => this.setAnchor(bare(value) ?? 0)],
     ].filter(([path]) => path);
   }
@@ -111,11 +113,13 @@ export class Player extends Emitter {
     return Boolean(row?.path && this.track?.path === row.path);
   }
 
-  playContainer(container, track, index) {
+  // `startPosition`: milliseconds within the track.
+  playContainer(container, track, index, startPosition = 0) {
     return sendData(this.paths.OrvoPlayerPlayContainerPath, {
       mediaRoles: container,
       ...(track ? { trackRoles: track } : {}),
       index,
+      startPosition,
       type: 1,
     });
   }

@@ -60,7 +60,7 @@ export const searchText = (text) =>
 //
 // A row that may be out of date stays on screen until its successor is there.
 //
-// Emits: rows {from, to} (to: exclusive) · inserted {at, count} · count · title · reset · stale · closed ·
+// Emits: rows {from, to} (to: exclusive) · inserted {at, count} · count · title (or the last played track) · reset · stale · closed ·
 // error (an ApiError).
 
 const ScanPageSize = 500;
@@ -97,6 +97,7 @@ export class ListStore extends Emitter {
     this.read = read;
     this.title = null;
     this.roles = {};
+    this.lastPlayed = -1; // index of the last played track
     this.count = -1;
     this.closed = false;
     this.revision = undefined; // of the list whose places the rows have that are fresh
@@ -215,8 +216,10 @@ export class ListStore extends Emitter {
 
   setTitle(answer) {
     this.roles = answer.roles ?? {};
-    if (answer.title === this.title) return;
+    const lastPlayed = answer.lastPlayedIndex ?? -1;
+    if (answer.title === this.title && lastPlayed === this.lastPlayed) return;
     this.title = answer.title;
+    this.lastPlayed = lastPlayed;
     this.emit('title');
   }
 

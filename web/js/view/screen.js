@@ -1,7 +1,7 @@
 // One list, as people see it: its head, its rows, finding, choosing and reordering. Made by a pane,
 // which owns it.
 
-import { artworkUrl } from '../core/device.js';
+import { RowRoles, artworkUrl } from '../core/device.js';
 import { isGrave } from '../model/commands.js';
 import { ListStore, RowType, isMenu, isSwitch, isUsable, metaData, plural, position } from '../model/rows.js';
 import { Artwork, attempt, busy, el, icon, setText, tellError } from './dom.js';
@@ -17,6 +17,7 @@ export class Screen {
     Object.assign(this, { app, pane, path, row, knownLead: lead });
     this.store = new ListStore(path);
     this.target = app.commands.targetOf(path);
+    this.plays = app.isCurrent({ type: RowType.Container, path });
     this.build();
     this.wire();
     this.showLoading();
@@ -52,6 +53,7 @@ export class Screen {
     this.hero = new Hero({
       level: pane.kind === 'main' ? 'h1' : 'h2',
       onPlay: () => this.playFrom(null, 0),
+      onContinue: (anchor) => attempt(this.goOn(), anchor),
       onAdd: (anchor) => this.addRows([{ ...this.store.roles, path: this.path, title: this.title }], anchor),
       onMusic: () => app.showSide(true),
     });
@@ -113,7 +115,8 @@ export class Screen {
     this.stopPlayer = app.player.on('change', (what) => {
       if (what === 'position' || what === 'duration' || what === 'volume') return;
       this.list.refresh();
-      if (what === 'present') this.showHead();
+      if (what === 'present' || what === 'stop') this.showHead();
+      this.followPlaying();
     });
     this.stopCovers = app.covers.on('change', () => this.list.refresh());
   }
@@ -161,6 +164,7 @@ export class Screen {
       meta: pane.kind === 'nav' ? '' : amount(store),
       urls: this.pictures(),
       canPlay,
+      canContinue: canPlay && this.isLeftInside(),
       canAdd: pane.kind === 'side' && pane.depth > 1 && store.count > 0,
       canFill: Boolean(this.target) && app.hasMusic,
     });
@@ -173,6 +177,22 @@ export class Screen {
     this.selectButton.hidden = !(store.count > 0);
     this.empty.hidden = store.count !== 0;
     if (this.isTop) app.onHead(this);
+  }
+
+  // Where it was left can be read when it plays no more.
+  followPlaying() {
+    const plays = this.app.isCurrent({ type: RowType.Container, path: this.path });
+    if (plays === this.plays) return;
+    this.plays = plays;
+    this.showHead();
+    if (!plays && this.target) this.headSoon();
+  }
+
+  // It was left neither in its first track nor by playing to its end, and can be gone on with.
+  isLeftInside() {
+    const { lastPlayed, count } = this.store;
+    if (!this.target || this.plays || !(lastPlayed > 0 && lastPlayed < count)) return false;
+    return lastPlayed < count - 1 || this.app.player.lastStop.mediaPath === this.path;
   }
 
   // Its own, or those of its rows, or of what its rows hold.
@@ -285,10 +305,24 @@ export class Screen {
       if (row) this.openMenu(row, index, anchor);
       return;
     }
-    const container = { mediaData: this.row?.mediaData, ...store.roles, path: this.path, type: RowType.Container };
+    const container = this.asContainer();
     const track = row ?? store.row(0);
     const place = position(track) >= 0 ? position(track) : index;
     attempt(app.player.playContainer(container, track, place), anchor);
+  }
+
+  asContainer() {
+    return { mediaData: this.row?.mediaData, ...this.store.roles, path: this.path, type: RowType.Container };
+  }
+
+  // At the track that was played last, from where playback was stopped in it.
+  async goOn() {
+    const { player } = this.app;
+    const { lastPlayedIndex: index } = await this.store.read(this.path, 0, 0, ['path']);
+    const { rows: [track] } = await this.store.read(this.path, index, index, RowRoles);
+    const { mediaPath, trackPath, position: stoppedAt } = player.lastStop;
+    const isThere = mediaPath === this.path && trackPath === track.path;
+    await player.playContainer(this.asContainer(), track, index, isThere ? stoppedAt : 0);
   }
 
   openMenu(row, index, anchor) {
@@ -368,25 +402,27 @@ function spelledDuration(milliseconds) {
 }
 
 class Hero {
-  constructor({ level = 'h1', onPlay, onAdd, onMusic }) {
+  constructor({ level = 'h1', onPlay, onContinue, onAdd, onMusic }) {
     this.artwork = new Artwork('div.art.big');
     this.lead = el('p.hero-lead');
     this.title = el(`${level}.hero-title`, { tabindex: '-1' });
     this.meta = el('p.hero-meta');
     this.play = el('button.pill.primary', { type: 'button', onclick: onPlay, hidden: true }, icon('play'), 'Play');
+    this.goOn = el('button.pill', { type: 'button', onclick: (event) => onContinue(event.currentTarget), hidden: true }, icon('clock'), 'Continue');
     this.add = el('button.pill.primary', { type: 'button', onclick: (event) => onAdd(event.currentTarget), hidden: true }, icon('plus'), 'Add all');
     this.music = el('button.pill.fill', { type: 'button', onclick: onMusic, hidden: true }, icon('note'), 'Add music');
-    this.buttons = el('div.hero-buttons', {}, this.play, this.add, this.music);
+    this.buttons = el('div.hero-buttons', {}, this.play, this.goOn, this.add, this.music);
     this.element = el('header.hero', {}, this.artwork.element,
       el('div.hero-texts', {}, this.lead, this.title, this.meta, this.buttons));
   }
 
-  show({ lead, title, meta, urls, canPlay, canAdd, canFill }) {
+  show({ lead, title, meta, urls, canPlay, canContinue, canAdd, canFill }) {
     setText(this.lead, (lead ?? '').replace(/ - $/, ''));
     setText(this.title, title);
     setText(this.meta, meta);
     this.artwork.set({ urls, title });
     this.play.hidden = !canPlay;
+    this.goOn.hidden = !canContinue;
     this.add.hidden = !canAdd;
     this.music.hidden = !canFill;
     this.buttons.hidden = this.play.hidden && this.add.hidden && this.music.hidden;
