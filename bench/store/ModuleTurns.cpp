@@ -33,7 +33,10 @@ void ModuleTurns::startOver() {
 
 void ModuleTurns::open() {
     m_root = std::make_unique<CMRootWorker>(QStringLiteral("settings.json"));
-    m_worker = std::make_unique<PlayListWorker>(QHash<QString, QVariant>());
+    // All items of the longest list, prepared at once, are more than a device takes by default.
+    constexpr qint64 MaxAdditionBytes = 1 << 30;
+    m_worker = std::make_unique<PlayListWorker>(
+        QHash<QString, QVariant>{{QStringLiteral("playlists/maxAdditionBytes"), MaxAdditionBytes}});
     m_store = m_workplace.openFloor();
     floorList = {1, m_contents.length, -1};
 }
