@@ -7,7 +7,6 @@ declare -A packages=(
         libmicrohttpd-dev rapidjson-dev libncurses-dev libmimalloc-dev libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
         gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-alsa'
     [test]='libgtest-dev libgmock-dev libbenchmark-dev sqlite3 curl jq sox libsox-fmt-mp3 python3 libvterm-dev'
-    [bench]='libbenchmark-dev python3 python3-matplotlib'
     [demo]='sox python3'
     [fmt]='clang-format'
     [lint]='clang clang-tidy shellcheck'
