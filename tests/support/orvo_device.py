@@ -1,6 +1,6 @@
 """A built orvo-host as a process of its own, and a plain HTTP connection to it.
 
-Used by the crash test, the soak and the attacks. A Device belongs to the script that made it and is killed by
+Used by the crash test, the soak, the attacks and the measurements over HTTP. A Device belongs to the script that made it and is killed by
 its close(); everything is kept below the folder that it is given.
 """
 
@@ -59,12 +59,19 @@ class Connection:
         except ConnectionError:
             pass
 
-    def send(self, method, target, value=None):
+    def fileno(self):
+        return self._socket.fileno()
+
+    def text(self, method, target, value=None):
+        """A request as it is sent."""
         body = b"" if value is None else json.dumps(value).encode()
         head = f"{method} {target} HTTP/1.1\r\nHost: 127.0.0.1\r\n{self._fields}"
         if value is not None:
             head += f"Content-Type: application/json\r\nContent-Length: {len(body)}\r\n"
-        self._socket.sendall(head.encode() + b"\r\n" + body)
+        return head.encode() + b"\r\n" + body
+
+    def send(self, method, target, value=None):
+        self._socket.sendall(self.text(method, target, value))
 
     def receive(self, seconds=None):
         """The whole answer; what has not come when the connection ends, or the time is over, is status 0."""
