@@ -1,6 +1,6 @@
 #include <QJsonArray>
 
-#include "CtlFailure.h"
+#include "ClientFailure.h"
 #include "ProgressBar.h"
 #include "TrackFinder.h"
 #include "Verbs.h"
@@ -26,7 +26,7 @@ const ModeRow& chosenMode(const Arguments& arguments) {
         if (!arguments.has(QString::fromLatin1(row.flag)))
             continue;
         if (chosen)
-            throw CtlFailure::usage(QStringLiteral("only one of --now, --next and --append"));
+            throw ClientFailure::usage(QStringLiteral("only one of --now, --next and --append"));
         chosen = &row;
     }
     return chosen ? *chosen : Modes[0];
@@ -37,7 +37,7 @@ QStringList findTracks(VerbContext& context) {
     TrackFinder finder(&context.device, [&bar](int found) { bar.show(found, 0); });
     const QStringList tracks = finder.find(context.arguments.positional().mid(1));
     if (tracks.isEmpty())
-        throw CtlFailure::refused(QStringLiteral("there are no tracks in it"));
+        throw ClientFailure::refused(QStringLiteral("there are no tracks in it"));
     return tracks;
 }
 
@@ -67,14 +67,14 @@ void AddVerb::add(VerbContext& context) {
     const auto added = [&] { return context.device.rowsCount(list) - before; };
     try {
         addTracks(context, playlist, mode, tracks);
-    } catch (const CtlFailure& failure) {
+    } catch (const ClientFailure& failure) {
         const int count = playlist.name.isEmpty() ? 0 : added();
         if (count == 0)
             throw;
-        throw CtlFailure::refused(QStringLiteral("only %1 of %2 tracks added: %3")
-                                      .arg(count)
-                                      .arg(tracks.size())
-                                      .arg(failure.message));
+        throw ClientFailure::refused(QStringLiteral("only %1 of %2 tracks added: %3")
+                                         .arg(count)
+                                         .arg(tracks.size())
+                                         .arg(failure.message));
     }
     const int count = added();
     if (context.output.isJson())

@@ -1,7 +1,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
-#include "CtlFailure.h"
+#include "ClientFailure.h"
 #include "TextTable.h"
 #include "Verbs.h"
 
@@ -16,7 +16,7 @@ QJsonValue parseJson(const QString& text) {
     QJsonParseError error;
     const QJsonArray list = QJsonDocument::fromJson('[' + text.toUtf8() + ']', &error).array();
     if (error.error != QJsonParseError::NoError || list.size() != 1)
-        throw CtlFailure::usage(QStringLiteral("this is no JSON: %1").arg(text));
+        throw ClientFailure::usage(QStringLiteral("this is no JSON: %1").arg(text));
     return list.first();
 }
 

@@ -1,6 +1,6 @@
 #include <QJsonArray>
 
-#include "CtlFailure.h"
+#include "ClientFailure.h"
 #include "PathText.h"
 #include "TextTable.h"
 #include "Verbs.h"
@@ -97,7 +97,7 @@ void CollectionVerbs::removeItem(VerbContext& context) {
 void CollectionVerbs::show(VerbContext& context) {
     const Named collection = collectionOf(context);
     if (collection.name.isEmpty() && !context.names.collections().isEmpty())
-        throw CtlFailure::refused(
+        throw ClientFailure::refused(
             QStringLiteral("there is no collection %1").arg(collection.label()));
     const QString path = context.device.path(QStringLiteral("OrvoPlayListClGetItemsPath")) +
                          QStringLiteral("?clid=%1").arg(collection.id);

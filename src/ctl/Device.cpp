@@ -2,7 +2,7 @@
 
 #include <QJsonArray>
 
-#include "CtlFailure.h"
+#include "ClientFailure.h"
 
 namespace {
 const QString RowsResource = QStringLiteral("/api/rows");
@@ -21,7 +21,7 @@ const QJsonObject& Device::paths() {
 QString Device::path(const QString& function) {
     const QString text = paths().value(function).toString();
     if (text.isEmpty())
-        throw CtlFailure::refused(QStringLiteral("this device has no %1").arg(function));
+        throw ClientFailure::refused(QStringLiteral("this device has no %1").arg(function));
     return text;
 }
 

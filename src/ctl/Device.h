@@ -15,7 +15,7 @@ struct DeviceRows {
     QVector<QJsonObject> rows;
 };
 
-// The device in terms of lists, commands and values. Failures are CtlFailure.
+// The device in terms of lists, commands and values. Failures are ClientFailure.
 class Device {
 public:
     // Rows are fetched in pages of this many.

@@ -7,7 +7,7 @@
 #include <QTimer>
 
 #include "ApiClient.h"
-#include "CtlFailure.h"
+#include "ClientFailure.h"
 #include "Output.h"
 
 namespace {
@@ -39,7 +39,7 @@ bool EventReader::readConnection(const Handler& handler) {
 void EventReader::read(const Handler& handler) {
     bool connected = readConnection(handler);
     if (!connected)
-        throw CtlFailure::refused(
+        throw ClientFailure::refused(
             QStringLiteral("no events from %1: %2").arg(m_client->url().toString(), m_reason));
     while (!m_ended) {
         if (connected)

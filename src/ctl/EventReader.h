@@ -9,7 +9,7 @@
 class ApiClient;
 
 // Follows the device's events for as long as it is wanted, over lost connections too: it goes on
-// behind the last event it saw. A device that gives no events at all is a CtlFailure.
+// behind the last event it saw. A device that gives no events at all is a ClientFailure.
 class EventReader {
 public:
     // False ends the reading.

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "Arguments.h"
-#include "CtlFailure.h"
+#include "ClientFailure.h"
 #include "PathText.h"
 
 namespace {
@@ -68,10 +68,10 @@ Named Names::find(const QVector<Named>& all, const QString& text, const QString&
         }
     }
     if (found.isEmpty())
-        throw CtlFailure::refused(QStringLiteral("there is no %1 \"%2\"").arg(kind, text));
+        throw ClientFailure::refused(QStringLiteral("there is no %1 \"%2\"").arg(kind, text));
     if (found.size() > 1)
-        throw CtlFailure::refused(QStringLiteral("more than one %1 is called \"%2\": %3")
-                                      .arg(kind, text, ids.join(QStringLiteral(", "))));
+        throw ClientFailure::refused(QStringLiteral("more than one %1 is called \"%2\": %3")
+                                         .arg(kind, text, ids.join(QStringLiteral(", "))));
     return found.first();
 }
 
@@ -90,7 +90,7 @@ QString Names::visible(const QString& name) {
                                           QChar::category(letter) <= QChar::Other_NotAssigned);
     };
     if (!letters.isEmpty() && std::all_of(letters.begin(), letters.end(), isUnseen))
-        throw CtlFailure::usage(QStringLiteral("a name needs something that can be seen"));
+        throw ClientFailure::usage(QStringLiteral("a name needs something that can be seen"));
     return name;
 }
 

@@ -18,7 +18,7 @@ struct Named {
 
 // Turns what a person typed into a playlist or collection: its name, exactly as it is written, or
 // "#" and its id. The play queue is "queue" or "#0". An id that is not listed is passed on for the
-// device to judge: collections may be hidden. Failures are CtlFailure.
+// device to judge: collections may be hidden. Failures are ClientFailure.
 class Names {
 public:
     static constexpr int QueueId = 0;

@@ -1,6 +1,6 @@
 #include <QJsonArray>
 
-#include "CtlFailure.h"
+#include "ClientFailure.h"
 #include "TrackOrder.h"
 #include "Verbs.h"
 
@@ -26,11 +26,11 @@ void OrderVerbs::sort(VerbContext& context) {
     const QString by = context.arguments.value(QStringLiteral("by"));
     const TrackOrder::Field* field = TrackOrder::field(by);
     if (!field)
-        throw CtlFailure::usage(QStringLiteral("--by is one of %1").arg(TrackOrder::names()));
+        throw ClientFailure::usage(QStringLiteral("--by is one of %1").arg(TrackOrder::names()));
     const Named playlist = context.playlist();
     const DeviceRows answer = context.device.rows(context.names.itemsPath(playlist), SortRoles);
     if (answer.rows.isEmpty())
-        throw CtlFailure::refused(
+        throw ClientFailure::refused(
             QStringLiteral("there are no tracks in %1").arg(playlist.label()));
     QJsonObject request = record(playlist, answer);
     request.insert(QStringLiteral("order"),

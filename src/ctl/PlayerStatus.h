@@ -5,7 +5,7 @@
 
 class Device;
 
-// What the player does, read as one picture from its values. Failures are CtlFailure.
+// What the player does, read as one picture from its values. Failures are ClientFailure.
 class PlayerStatus {
 public:
     // The values that it is made of, by the names of their path functions.

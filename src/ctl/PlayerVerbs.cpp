@@ -1,7 +1,7 @@
 #include <QJsonDocument>
 
+#include "ClientFailure.h"
 #include "ClockText.h"
-#include "CtlFailure.h"
 #include "EventReader.h"
 #include "PlayerStatus.h"
 #include "Positions.h"
@@ -30,7 +30,7 @@ void playFrom(VerbContext& context, const Named& playlist, int index, const Trac
     const QString path = context.names.itemsPath(playlist);
     const DeviceRows rows = context.device.rows(path, TrackRoles, index, index);
     if (rows.rows.isEmpty())
-        throw CtlFailure::refused(
+        throw ClientFailure::refused(
             QStringLiteral("there is no track %1 in %2").arg(index + 1).arg(playlist.label()));
     const QJsonObject container = {
         {QStringLiteral("path"), path},
@@ -96,7 +96,7 @@ void PlayerVerbs::play(VerbContext& context) {
     if (arguments.has(from))
         positions.append(arguments.value(from));
     if (positions.size() > 1)
-        throw CtlFailure::usage(QStringLiteral("a track behind --from or without it, not both"));
+        throw ClientFailure::usage(QStringLiteral("a track behind --from or without it, not both"));
     const int index = positions.isEmpty() ? -1 : Positions::parseOne(positions.first());
     const Named playlist = context.playlist();
     if (index < 0)
@@ -129,7 +129,7 @@ void PlayerVerbs::seek(VerbContext& context) {
     const QString text = context.arguments.at(0);
     const std::optional<int> time = ClockText::toMilliseconds(text);
     if (!time)
-        throw CtlFailure::usage(
+        throw ClientFailure::usage(
             QStringLiteral("a time is 95, 1:35 or 0:01:35, not \"%1\"").arg(text));
     context.run(QStringLiteral("OrvoPlayerSeekTimePath"), {{QStringLiteral("time"), *time}},
                 QStringLiteral("at %1").arg(ClockText::ofTime(*time)));

@@ -1,6 +1,6 @@
 #include <QJsonArray>
 
-#include "CtlFailure.h"
+#include "ClientFailure.h"
 #include "Positions.h"
 #include "TextTable.h"
 #include "TrackTable.h"
@@ -26,7 +26,7 @@ QJsonArray numbers(const QList<int>& list) {
 
 bool onOrOff(const QString& word) {
     if (word != QLatin1String("on") && word != QLatin1String("off"))
-        throw CtlFailure::usage(QStringLiteral("\"on\" or \"off\", not \"%1\"").arg(word));
+        throw ClientFailure::usage(QStringLiteral("\"on\" or \"off\", not \"%1\"").arg(word));
     return word == QLatin1String("on");
 }
 
@@ -96,10 +96,11 @@ void PlaylistVerbs::show(VerbContext& context) {
     const int from = arguments.number(QStringLiteral("from"), 1, 1) - 1;
     const int to = arguments.number(QStringLiteral("to"), Device::LastRow, 1) - 1;
     if (to < from)
-        throw CtlFailure::usage(QStringLiteral("--to lies before --from"));
+        throw ClientFailure::usage(QStringLiteral("--to lies before --from"));
     const Named playlist = context.playlist();
     if (playlist.name.isEmpty())
-        throw CtlFailure::refused(QStringLiteral("there is no playlist %1").arg(playlist.label()));
+        throw ClientFailure::refused(
+            QStringLiteral("there is no playlist %1").arg(playlist.label()));
     const DeviceRows answer =
         context.device.rows(context.names.itemsPath(playlist), TrackTable::roles(), from, to);
     TrackTable table;
@@ -130,7 +131,7 @@ void PlaylistVerbs::removeItems(VerbContext& context) {
 
 void PlaylistVerbs::moveItems(VerbContext& context) {
     if (!context.arguments.has(QStringLiteral("to")))
-        throw CtlFailure::usage(QStringLiteral("--to is missing"));
+        throw ClientFailure::usage(QStringLiteral("--to is missing"));
     const int to = Positions::parseOne(context.arguments.value(QStringLiteral("to")));
     const QList<int> positions = Positions::parse(context.arguments.positional().mid(1));
     const Named playlist = context.playlist();
@@ -153,7 +154,7 @@ void PlaylistVerbs::merge(VerbContext& context) {
     const Named target = context.playlist(1);
     // The device would double it.
     if (source.id == target.id)
-        throw CtlFailure::usage(
+        throw ClientFailure::usage(
             QStringLiteral("%1 cannot be merged into itself").arg(source.label()));
     QJsonObject request = record(target);
     request.insert(QStringLiteral("fromPlid"), source.id);

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "Arguments.h"
-#include "CtlFailure.h"
+#include "ClientFailure.h"
 
 namespace {
 // A range is spelled out; nobody means more than this.
@@ -21,7 +21,7 @@ QList<int> Positions::parse(const QStringList& words) {
         const int first = parseOne(dash < 0 ? word : word.left(dash));
         const int last = dash < 0 ? first : parseOne(word.mid(dash + 1));
         if (last < first || last - first > MaxRange)
-            throw CtlFailure::usage(QStringLiteral("\"%1\" is no range of positions").arg(word));
+            throw ClientFailure::usage(QStringLiteral("\"%1\" is no range of positions").arg(word));
         for (int i = first; i <= last; ++i)
             result.append(i);
     }

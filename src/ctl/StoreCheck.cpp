@@ -25,7 +25,7 @@ const char* const editIt = "Set it anew with a command, or put back a backup of 
 const char* const deleteIt = "Remove the track and add it again.";
 
 // At most so many sentences of one kind.
-constexpr int MostOfOneKind = 10;
+constexpr int MaxOfOneKind = 10;
 // The type of roles that a playlist takes: audio.
 constexpr int AudioType = 3;
 
@@ -129,11 +129,11 @@ QStringList texts(sqlite3* connection, const char* sql) {
 
 void append(QList<StoreFinding>* findings, const QStringList& sentences, const char* advice) {
     const QString advised = QString::fromUtf8(advice);
-    for (const QString& sentence : sentences.mid(0, MostOfOneKind))
+    for (const QString& sentence : sentences.mid(0, MaxOfOneKind))
         findings->append({sentence, advised});
-    if (sentences.size() > MostOfOneKind)
+    if (sentences.size() > MaxOfOneKind)
         findings->append(
-            {QStringLiteral("… and %1 more of this kind").arg(sentences.size() - MostOfOneKind),
+            {QStringLiteral("… and %1 more of this kind").arg(sentences.size() - MaxOfOneKind),
              advised});
 }
 

@@ -11,7 +11,7 @@
 #include <QFileInfo>
 #include <QThread>
 
-#include "CtlFailure.h"
+#include "ClientFailure.h"
 
 namespace {
 
@@ -24,8 +24,8 @@ constexpr int FirstStepPages = 64;
 constexpr unsigned long PauseMs = 3;
 constexpr int PatienceMs = 10000;
 
-CtlFailure unreadable(const QString& name, const QString& reason) {
-    return CtlFailure::unreadable(QStringLiteral("cannot read %1: %2").arg(name, reason));
+ClientFailure unreadable(const QString& name, const QString& reason) {
+    return ClientFailure::unreadable(QStringLiteral("cannot read %1: %2").arg(name, reason));
 }
 
 // Reads the first page, which shows whether the file can be used at all.
@@ -120,7 +120,7 @@ bool StoreFile::copyTo(sqlite3* target, QString* damage) const {
         if (busy && !waiting.isValid())
             waiting.start();
         if (busy && waiting.elapsed() > PatienceMs)
-            throw CtlFailure::refused(
+            throw ClientFailure::refused(
                 QStringLiteral("%1 is in use all the time, try again").arg(m_name));
         if (!busy && code != SQLITE_OK) {
             *damage = QString::fromUtf8(sqlite3_errstr(code));

@@ -9,7 +9,7 @@
 // A device's file of playlists, read while the device may be writing it. It is opened read-only and
 // never changed: an edit that was cut off (the device was killed and not started since) is rolled
 // back in a private copy. On main's stack. Failures are thrown: what cannot be read as
-// CtlFailure::unreadable.
+// ClientFailure::unreadable.
 class StoreFile {
 public:
     struct Close {

@@ -11,7 +11,7 @@
 #include <QJsonArray>
 #include <QTemporaryFile>
 
-#include "CtlFailure.h"
+#include "ClientFailure.h"
 #include "StoreCheck.h"
 #include "StoreFile.h"
 #include "Verbs.h"
@@ -22,7 +22,7 @@ constexpr qint64 SmallestPage = 512;
 
 QList<StoreFinding> findingsOf(sqlite3* connection, const QString& name) {
     if (!StoreCheck::holdsPlaylists(connection))
-        throw CtlFailure::unreadable(
+        throw ClientFailure::unreadable(
             QStringLiteral("%1 holds no playlists; is it another application's?").arg(name));
     return StoreCheck::findings(connection);
 }
@@ -62,8 +62,8 @@ QString targetOf(const VerbContext& context) {
     return QDir(given).filePath(QStringLiteral("playlists-%1.sqlite").arg(time));
 }
 
-CtlFailure cannotWrite(const QString& name, const QString& reason) {
-    return CtlFailure::refused(QStringLiteral("cannot write %1: %2").arg(name, reason));
+ClientFailure cannotWrite(const QString& name, const QString& reason) {
+    return ClientFailure::refused(QStringLiteral("cannot write %1: %2").arg(name, reason));
 }
 
 // The copy is on the disk before it has its name, and the name with it.
@@ -108,9 +108,9 @@ void StoreVerbs::check(VerbContext& context) {
     show(context, file.name(), findings.isEmpty() ? StoreCheck::summary(copy.get()) : QString(),
          findings);
     if (!findings.isEmpty())
-        throw CtlFailure::refused(QStringLiteral("%1 is not in order, findings: %2")
-                                      .arg(file.name())
-                                      .arg(findings.size()));
+        throw ClientFailure::refused(QStringLiteral("%1 is not in order, findings: %2")
+                                         .arg(file.name())
+                                         .arg(findings.size()));
 }
 
 void StoreVerbs::backup(VerbContext& context) {
@@ -119,11 +119,11 @@ void StoreVerbs::backup(VerbContext& context) {
     const bool replace = context.arguments.has(QStringLiteral("force"));
     const QFileInfo existing(target);
     if (existing.exists() && !replace)
-        throw CtlFailure::refused(
+        throw ClientFailure::refused(
             QStringLiteral("%1 is there already; --force replaces it").arg(target));
     if (existing.exists() &&
         existing.canonicalFilePath() == QFileInfo(file.name()).canonicalFilePath())
-        throw CtlFailure::refused(QStringLiteral("%1 is the device's own file").arg(target));
+        throw ClientFailure::refused(QStringLiteral("%1 is the device's own file").arg(target));
 
     QTemporaryFile part(target + QStringLiteral(".part-XXXXXX"));
     if (!part.open())
@@ -135,7 +135,7 @@ void StoreVerbs::backup(VerbContext& context) {
         const StoreFile::Connection copy = StoreFile::open(part.fileName(), SQLITE_OPEN_READWRITE);
         QString damage;
         if (!file.copyTo(copy.get(), &damage))
-            throw CtlFailure::refused(
+            throw ClientFailure::refused(
                 QStringLiteral("cannot copy %1: %2").arg(file.name(), damage));
         findings = findingsOf(copy.get(), file.name());
         summary = StoreCheck::summary(copy.get());
@@ -147,7 +147,7 @@ void StoreVerbs::backup(VerbContext& context) {
     giveName(&part, target, replace);
     if (!findings.isEmpty()) {
         show(context, file.name(), {}, findings);
-        throw CtlFailure::refused(
+        throw ClientFailure::refused(
             QStringLiteral("%1 is not in order; the copy is kept as %2").arg(file.name(), target));
     }
     if (context.output.isJson())

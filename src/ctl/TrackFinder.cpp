@@ -3,7 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include "CtlFailure.h"
+#include "ClientFailure.h"
 #include "PathText.h"
 
 namespace {
@@ -44,7 +44,7 @@ QString TrackFinder::toPath(const QString& word, bool* isFolder) {
     // A path of the device may be either; it shows when it is read.
     if (PathText::isPath(word))
         return word;
-    throw CtlFailure::refused(QStringLiteral("there is no file or folder %1").arg(word));
+    throw ClientFailure::refused(QStringLiteral("there is no file or folder %1").arg(word));
 }
 
 QString TrackFinder::pathOf(const QString& file, const QString& musicFolder) {
@@ -53,7 +53,7 @@ QString TrackFinder::pathOf(const QString& file, const QString& musicFolder) {
     const QString start =
         musicFolder.endsWith(QLatin1Char('/')) ? musicFolder : musicFolder + QLatin1Char('/');
     if (!file.startsWith(start))
-        throw CtlFailure::refused(
+        throw ClientFailure::refused(
             QStringLiteral("%1 is not in the device's music folder %2").arg(file, musicFolder));
     return PathText::append(TreeRoot,
                             file.mid(start.size()).split(QLatin1Char('/'), Qt::SkipEmptyParts));
@@ -67,7 +67,7 @@ QString TrackFinder::musicFolder() {
         m_musicFolder = canonical.isEmpty() ? folder : canonical;
     }
     if (m_musicFolder.isEmpty())
-        throw CtlFailure::refused(QStringLiteral("this device has no music folder"));
+        throw ClientFailure::refused(QStringLiteral("this device has no music folder"));
     return m_musicFolder;
 }
 

@@ -9,7 +9,7 @@
 
 // Turns what a person wants to add (files, folders, paths of the device) into the paths of tracks,
 // in order. A local name is looked up in the device's own music folder; folders are read from the
-// device, which knows what is a track. Failures are CtlFailure.
+// device, which knows what is a track. Failures are ClientFailure.
 class TrackFinder {
 public:
     // `found` is told how many tracks there are so far.

@@ -1,6 +1,6 @@
 #include "Verbs.h"
 
-#include "CtlFailure.h"
+#include "ClientFailure.h"
 
 const QVector<Verb>& Verbs::all() {
     static const QStringList none;
@@ -146,7 +146,7 @@ const Verb& Verbs::take(QStringList* words) {
         *words = words->mid(names.size());
         return verb;
     }
-    throw CtlFailure::usage(
+    throw ClientFailure::usage(
         words->isEmpty()
             ? QStringLiteral("a verb is missing")
             : QStringLiteral("unknown verb \"%1\"").arg(words->mid(0, 2).join(QLatin1Char(' '))));
@@ -155,9 +155,9 @@ const Verb& Verbs::take(QStringList* words) {
 void Verbs::checkCount(const Verb& verb, const Arguments& arguments) {
     const int count = arguments.positional().size();
     if (count < verb.least || (verb.most != Verb::Any && count > verb.most))
-        throw CtlFailure::usage(QStringLiteral("usage: orvoctl %1 %2")
-                                    .arg(QLatin1String(verb.words), QLatin1String(verb.usage))
-                                    .trimmed());
+        throw ClientFailure::usage(QStringLiteral("usage: orvoctl %1 %2")
+                                       .arg(QLatin1String(verb.words), QLatin1String(verb.usage))
+                                       .trimmed());
 }
 
 QString Verbs::help() {

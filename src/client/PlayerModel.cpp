@@ -1,0 +1,170 @@
+#include "PlayerModel.h"
+
+#include <QPointer>
+
+#include "AsyncApi.h"
+#include "PathText.h"
+
+namespace {
+
+constexpr int PlayContainer = 1; // the type of a play request for a list
+
+QJsonObject child(const QJsonObject& object, const char* name) {
+    return object.value(QLatin1String(name)).toObject();
+}
+
+} // namespace
+
+const QVector<PlayerModel::Value>& PlayerModel::values() {
+    static const QVector<Value> table = {
+        {"OrvoPlayerStatePath", &PlayerModel::takeState},
+        {"OrvoPlayerDataPath", &PlayerModel::takeData},
+        {"OrvoPlayerPlayModePath", &PlayerModel::takeMode},
+        {"OrvoPlayerPositionPath", &PlayerModel::takePosition},
+        {"OrvoPlayerDurationPath", &PlayerModel::takeDuration},
+        {"OrvoPlayerVolumePath", &PlayerModel::takeVolume},
+    };
+    return table;
+}
+
+PlayerModel::PlayerModel(const QJsonObject& paths, AsyncApi* calls)
+    : m_paths(paths), m_calls(calls) {
+    m_clock.start();
+}
+
+QString PlayerModel::pathOf(const char* function) const {
+    return m_paths.value(QLatin1String(function)).toString();
+}
+
+QStringList PlayerModel::watched() const {
+    const QString path = pathOf("OrvoPlayerPositionPath");
+    return path.isEmpty() ? QStringList() : QStringList(path);
+}
+
+void PlayerModel::refresh(bool isPresent) {
+    m_isPresent = isPresent;
+    if (isPresent) {
+        for (const Value& value : values()) {
+            m_calls->value(pathOf(value.function), [self = QPointer<PlayerModel>(this),
+                                                    take = value.take](const QJsonObject& answer) {
+                if (!self)
+                    return;
+                (self->*take)(answer);
+                Q_EMIT self->changed();
+            });
+        }
+    }
+    Q_EMIT changed();
+}
+
+void PlayerModel::apply(const QString& path, const QJsonObject& value) {
+    for (const Value& known : values()) {
+        if (!PathText::isSamePlace(path, pathOf(known.function)))
+            continue;
+        const QString before = error();
+        (this->*known.take)(value);
+        Q_EMIT changed();
+        if (!error().isEmpty() && error() != before)
+            Q_EMIT failed(error());
+    }
+}
+
+void PlayerModel::takeState(const QJsonObject& value) {
+    // The clock runs between two positions, so it is set when it starts or stops, too.
+    m_position = position();
+    m_clock.restart();
+    m_state = value.value(QLatin1String("string")).toString(QStringLiteral("stopped"));
+}
+
+void PlayerModel::takeData(const QJsonObject& value) {
+    m_data = value;
+}
+
+void PlayerModel::takeMode(const QJsonObject& value) {
+    m_mode = value.value(QLatin1String("string")).toString();
+}
+
+void PlayerModel::takePosition(const QJsonObject& value) {
+    m_position = qint64(value.value(QLatin1String("i64")).toDouble());
+    m_clock.restart();
+}
+
+void PlayerModel::takeDuration(const QJsonObject& value) {
+    m_duration = qint64(value.value(QLatin1String("i64")).toDouble());
+}
+
+void PlayerModel::takeVolume(const QJsonObject& value) {
+    m_volume = value.value(QLatin1String("i32")).toInt(100);
+}
+
+BrowseRow PlayerModel::track() const {
+    const BrowseRow row(child(m_data, "trackRoles"));
+    return isActive() && !row.path().isEmpty() ? row : BrowseRow();
+}
+
+QJsonObject PlayerModel::container() const {
+    return child(m_data, "mediaRoles");
+}
+
+qint64 PlayerModel::position() const {
+    const qint64 at = m_position + (isPlaying() ? m_clock.elapsed() : 0);
+    return m_duration > 0 ? qMin(at, m_duration) : at;
+}
+
+QString PlayerModel::error() const {
+    for (const char* name : {"error", "streamerError"}) {
+        const QJsonObject error = child(m_data, name);
+        if (!error.isEmpty())
+            return error.value(QLatin1String("message"))
+                .toString(QStringLiteral("This cannot be played."));
+    }
+    return {};
+}
+
+bool PlayerModel::isCurrent(const BrowseRow& row) const {
+    const BrowseRow playing = track();
+    if (!playing.isThere() || row.path().isEmpty())
+        return false;
+    if (row.type() == BrowseRow::Audio)
+        return row.path() == playing.path();
+    return row.opens() && row.path() == BrowseRow(container()).path();
+}
+
+bool PlayerModel::allows(const char* control) const {
+    return isActive() && child(m_data, "controls").value(QLatin1String(control)).toBool(true);
+}
+
+void PlayerModel::send(const char* function, const QJsonObject& value) {
+    m_calls->post(
+        pathOf(function), value,
+        [self = QPointer<PlayerModel>(this)](const QJsonObject&, const QString& error, int) {
+            if (self && !error.isEmpty())
+                Q_EMIT self->failed(error);
+        });
+}
+
+void PlayerModel::playContainer(const QJsonObject& container, const BrowseRow& track, int index) {
+    send("OrvoPlayerPlayContainerPath", {{QStringLiteral("mediaRoles"), container},
+                                         {QStringLiteral("trackRoles"), track.roles()},
+                                         {QStringLiteral("index"), index},
+                                         {QStringLiteral("type"), PlayContainer}});
+}
+
+void PlayerModel::toggle() {
+    if (!isActive())
+        return;
+    if (!isPlaying())
+        send("OrvoPlayerResumePath");
+    else if (allows("pause"))
+        send("OrvoPlayerPausePath");
+}
+
+void PlayerModel::next() {
+    if (allows("next"))
+        send("OrvoPlayerNextPath");
+}
+
+void PlayerModel::previous() {
+    if (allows("previous"))
+        send("OrvoPlayerPreviousPath");
+}

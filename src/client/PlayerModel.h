@@ -1,0 +1,77 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QJsonObject>
+#include <QObject>
+#include <QStringList>
+
+#include "BrowseRow.h"
+
+class AsyncApi;
+
+// What plays, as the device publishes it, and what can be asked of it. Owned by the browser; a
+// refusal is reported by failed().
+class PlayerModel : public QObject {
+    Q_OBJECT
+public:
+    // `paths`: the device's paths by the names of their functions.
+    PlayerModel(const QJsonObject& paths, AsyncApi* calls);
+
+    // The values that have events only while somebody watches them.
+    QStringList watched() const;
+    // Reads everything again; without a player nothing is asked.
+    void refresh(bool isPresent);
+    void apply(const QString& path, const QJsonObject& value);
+
+    bool isPresent() const { return m_isPresent; }
+    bool isPlaying() const { return m_state == QLatin1String("playing"); }
+    bool isActive() const { return m_isPresent && m_state != QLatin1String("stopped"); }
+    QString state() const { return m_state; }
+    // What plays, an empty row when nothing does.
+    BrowseRow track() const;
+    QJsonObject container() const;
+    qint64 position() const; // milliseconds, running on while it plays
+    qint64 duration() const { return m_duration; }
+    int volume() const { return m_volume; }
+    QString mode() const { return m_mode; }
+    // Why the track cannot be played, empty when it can.
+    QString error() const;
+    bool isCurrent(const BrowseRow& row) const;
+
+    void playContainer(const QJsonObject& container, const BrowseRow& track, int index);
+    void toggle();
+    void next();
+    void previous();
+
+Q_SIGNALS:
+    void changed();
+    void failed(const QString& message);
+
+private:
+    struct Value {
+        const char* function;
+        void (PlayerModel::*take)(const QJsonObject& value);
+    };
+    static const QVector<Value>& values();
+
+    void takeState(const QJsonObject& value);
+    void takeData(const QJsonObject& value);
+    void takeMode(const QJsonObject& value);
+    void takePosition(const QJsonObject& value);
+    void takeDuration(const QJsonObject& value);
+    void takeVolume(const QJsonObject& value);
+    bool allows(const char* control) const;
+    void send(const char* function, const QJsonObject& value = {});
+    QString pathOf(const char* function) const;
+
+    QJsonObject m_paths;
+    AsyncApi* m_calls;
+    bool m_isPresent = false;
+    QString m_state = QStringLiteral("stopped");
+    QJsonObject m_data;
+    QString m_mode;
+    qint64 m_duration = 0;
+    int m_volume = 100;
+    qint64 m_position = 0; // when the clock was set
+    QElapsedTimer m_clock;
+};

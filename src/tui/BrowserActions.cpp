@@ -1,0 +1,295 @@
+#include <QJsonArray>
+
+#include "Browser.h"
+#include "PathText.h"
+
+// What people do while they browse. Places and events stand in Browser.cpp.
+
+namespace {
+
+// So long a second choice counts as sure.
+constexpr int SureForMs = 4000;
+constexpr int MaxTypedAhead = 32;
+constexpr int CloseEvent = 1; // what a reply may ask for: close the view
+
+const QString ModePrefix = QStringLiteral("own:mode/");
+
+struct KeyNote {
+    const char* does;
+    const char* keys;
+};
+
+constexpr KeyNote KeyNotes[] = {
+    {"Move", "↑ ↓ PgUp PgDn"},
+    {"First row, last row", "Home g, End G"},
+    {"Open, play, edit, switch", "Enter"},
+    {"Open a list", "→"},
+    {"Back", "← Backspace Esc"},
+    {"Menu of the row", "m"},
+    {"Find in the list", "/"},
+    {"Play or pause", "Space"},
+    {"Next, previous track", "n p"},
+    {"Go to what plays", "j"},
+    {"Draw anew", "Ctrl-L"},
+    {"These keys", "?"},
+    {"Quit", "q"},
+};
+
+} // namespace
+
+void Browser::openActive() {
+    const BrowseRow row = shown().activeRow();
+    if (m_menu.empty())
+        openRow(row, row.actionInList(), shown().cursor().active());
+    else if (m_menu.back().pick && row.isThere())
+        // A copy: picking may close the page that holds it.
+        MenuPage::Pick(m_menu.back().pick)(row);
+    else
+        openRow(row, row.actionInMenu(), -1);
+}
+
+void Browser::enterActive() {
+    if (shown().activeRow().opens())
+        openActive();
+}
+
+void Browser::openRow(const BrowseRow& row, RowAction action, int index) {
+    const QString sure = m_surePath;
+    m_surePath.clear();
+    switch (action) {
+    case RowAction::None:
+        return;
+    case RowAction::Play:
+        playFrom(row, index);
+        return;
+    case RowAction::OpenMenu:
+        pushMenu(row.path(), row.title());
+        return;
+    case RowAction::OpenList:
+        // What a menu leads to is in no list that could be followed.
+        if (m_menu.empty()) {
+            push(row.path(), row);
+        } else {
+            closeMenu();
+            push(row.path(), {}, row.title());
+        }
+        return;
+    case RowAction::EditText:
+        beginEdit(row);
+        return;
+    case RowAction::CarryOutWhenSure:
+        if (sure != row.path()) {
+            m_surePath = row.path();
+            m_sureTimer.start(SureForMs);
+            return;
+        }
+        carryOut(row, row.valueToSend());
+        return;
+    case RowAction::CarryOut:
+        carryOut(row, row.valueToSend());
+        return;
+    }
+}
+
+void Browser::playFrom(const BrowseRow& row, int index) {
+    if (!m_player.isPresent() || place().playLogicPath().isEmpty()) {
+        openMenuOf(row);
+        return;
+    }
+    m_player.playContainer(place().container(), row, row.position() >= 0 ? row.position() : index);
+}
+
+// A text or a switch is set, an action is carried out; then what the reply says happens.
+void Browser::carryOut(const BrowseRow& row, const QJsonObject& value, bool closesEdit) {
+    begunWork();
+    m_calls.post(row.path(), value,
+                 [this, path = row.path(), closesEdit](const QJsonObject& answer,
+                                                       const QString& error, int) {
+                     endedWork();
+                     if (!error.isEmpty()) {
+                         tell(error, true);
+                         return;
+                     }
+                     if (closesEdit && m_edit && m_edit->row.path() == path)
+                         m_edit.reset();
+                     const QJsonArray events = answer.value(QLatin1String("result"))
+                                                   .toObject()
+                                                   .value(QLatin1String("events"))
+                                                   .toArray();
+                     for (const QJsonValue& event : events) {
+                         const QJsonObject told = event.toObject();
+                         if (told.value(QLatin1String("rowsType")).toInt() == CloseEvent)
+                             closePlace(told.value(QLatin1String("path")).toString());
+                     }
+                     Q_EMIT changed();
+                 });
+}
+
+void Browser::beginEdit(const BrowseRow& row) {
+    m_edit = RowEdit{row, LineEditor(row.text())};
+}
+
+void Browser::saveEdit() {
+    if (m_edit->row.isCreate() && m_menu.empty())
+        expectNewRow();
+    carryOut(m_edit->row, {{QStringLiteral("string"), m_edit->line.text()}}, true);
+}
+
+// What was just made is what people want to see.
+void Browser::expectNewRow() {
+    QSet<QString> known;
+    for (int i = 0; i < place().store().count(); ++i)
+        known.insert(place().store().row(i).path());
+    m_knownPaths = known;
+}
+
+void Browser::lookForNewRow() {
+    const ListStore& store = place().store();
+    if (!m_knownPaths || !store.isCurrent())
+        return;
+    for (int i = 0; i < store.count(); ++i) {
+        if (store.row(i).opens() && !m_knownPaths->contains(store.row(i).path())) {
+            m_knownPaths.reset();
+            place().cursor().jumpTo(i);
+            return;
+        }
+    }
+}
+
+void Browser::back() {
+    m_surePath.clear();
+    m_typedAhead.clear();
+    if (!m_menu.empty()) {
+        popMenu();
+    } else if (m_places.size() > 1) {
+        m_knownPaths.reset();
+        letGo(std::move(m_places.back()));
+        m_places.pop_back();
+    }
+}
+
+void Browser::openMenuOfActive() {
+    if (m_menu.empty())
+        openMenuOf(place().activeRow());
+}
+
+// The device's own menu; music that has none can be added to a list.
+void Browser::openMenuOf(const BrowseRow& row) {
+    if (!row.contextPath().isEmpty())
+        pushMenu(row.contextPath(), row.title());
+    else if (PathText::isAtOrBelow(row.path(), HomeRows::musicPath()) &&
+             (row.type() == BrowseRow::Audio || row.opens()))
+        chooseTarget(row);
+}
+
+void Browser::chooseTarget(const BrowseRow& what) {
+    const QString title = QStringLiteral("Add to which list?");
+    const MenuPage::Pick pick = [=, this](const BrowseRow& row) {
+        if (const auto target = targetOf(row))
+            chooseMode(what, *target);
+        else if (row.opens())
+            pushMenu(row.path(), row.title(), [=, this](const BrowseRow& inner) {
+                if (const auto found = targetOf(inner))
+                    chooseMode(what, *found);
+            });
+        else if (row.actionInMenu() == RowAction::EditText)
+            beginEdit(row);
+    };
+    pushMenu(devicePath("OrvoPlayListsRootPath"), title, pick);
+}
+
+std::optional<AddFolderJob::Target> Browser::targetOf(const BrowseRow& row) const {
+    const QString command = devicePath("OrvoPlayListPlAddItemsPath");
+    const QString path = row.path().section(QLatin1Char('?'), 0, 0);
+    if (path == devicePath("OrvoPlayListPqGetItemsPath"))
+        return AddFolderJob::Target{command, 0, row.title()};
+    bool isNumber = false;
+    const int plid = path.section(QLatin1Char('/'), -1).toInt(&isNumber);
+    if (!isNumber || !PathText::isAtOrBelow(path, devicePath("OrvoPlayListPlGetItemsPath")))
+        return {};
+    return AddFolderJob::Target{command, plid, row.title()};
+}
+
+void Browser::chooseMode(const BrowseRow& what, const AddFolderJob::Target& target) {
+    struct ModeRow {
+        const char* title;
+        AddFolderJob::Mode mode;
+    };
+    static constexpr ModeRow Modes[] = {
+        {"Append", AddFolderJob::Append}, {"Next", AddFolderJob::Next}, {"Now", AddFolderJob::Now}};
+    QVector<QJsonObject> rows;
+    for (const ModeRow& row : Modes) {
+        if (row.mode != AddFolderJob::Now || m_player.isPresent())
+            rows.append(LocalRows::action(QLatin1String(row.title),
+                                          ModePrefix + QString::number(row.mode)));
+    }
+    const auto pick = [=, this](const BrowseRow& row) {
+        const auto mode = AddFolderJob::Mode(row.path().section(QLatin1Char('/'), -1).toInt());
+        closeMenu();
+        if (m_adding) {
+            tell(QStringLiteral("Something is being added already."), true);
+            return;
+        }
+        m_adding = std::make_unique<AddFolderJob>(&m_calls, what, target, mode);
+        connect(m_adding.get(), &AddFolderJob::progress, this, [this](const QString& text) {
+            m_progress = text;
+            Q_EMIT changed();
+        });
+        connect(m_adding.get(), &AddFolderJob::finished, this,
+                [this](const QString& text, const QString& error) {
+                    m_progress.clear();
+                    m_adding.release()->deleteLater();
+                    tell(error.isEmpty() ? text : error, !error.isEmpty());
+                });
+        m_adding->start();
+    };
+    pushOwnMenu(QStringLiteral("Add to %1").arg(target.name), rows, pick);
+}
+
+void Browser::showHelp() {
+    QVector<QJsonObject> rows;
+    for (const KeyNote& note : KeyNotes)
+        rows.append(LocalRows::note(QString::fromUtf8(note.does), QString::fromUtf8(note.keys)));
+    pushOwnMenu(QStringLiteral("Keys"), rows, [this](const BrowseRow&) { popMenu(); });
+}
+
+// A key for a list whose rows have not come yet is kept until they have.
+bool Browser::typesAhead(const Key& key) {
+    if (shown().store().isLoaded())
+        return false;
+    if (m_typedAhead.size() < MaxTypedAhead)
+        m_typedAhead.append(key);
+    return true;
+}
+
+void Browser::replayKeys() {
+    while (!m_typedAhead.isEmpty() && shown().store().isLoaded()) {
+        // A text or a menu that opens takes the rest as it would have at its time.
+        press(m_typedAhead.takeFirst());
+    }
+}
+
+void Browser::find() {
+    m_finding = LineEditor();
+    m_foundFrom = shown().cursor().active();
+}
+
+void Browser::endFinding(bool stay) {
+    if (!m_finding)
+        return;
+    m_finding.reset();
+    shown().finder().stop();
+    if (!stay)
+        shown().cursor().jumpTo(m_foundFrom);
+}
+
+void Browser::jumpToCurrent() {
+    const BrowseRow track = m_player.track();
+    const BrowseRow container(m_player.container());
+    if (!track.isThere() || container.path().isEmpty())
+        return;
+    closeMenu();
+    if (place().path() != container.path())
+        push(container.path(), {}, container.title());
+    place().cursor().expect(qMax(0, track.position()), track.path());
+}

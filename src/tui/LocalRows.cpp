@@ -1,0 +1,51 @@
+#include "LocalRows.h"
+
+#include <QJsonArray>
+#include <QTimer>
+
+#include "AsyncApi.h"
+#include "BrowseRow.h"
+
+void LocalRows::read(const QString&, int from, int to, const Done& done) {
+    RowsAnswer answer;
+    answer.title = m_title;
+    answer.count = m_rows.size();
+    answer.rows = m_rows.mid(from, to - from + 1);
+    QTimer::singleShot(0, [done, answer] { done(answer); });
+}
+
+QJsonObject LocalRows::action(const QString& title, const QString& path) {
+    return {{QStringLiteral("title"), title},
+            {QStringLiteral("path"), path},
+            {QStringLiteral("type"), int(BrowseRow::Action)}};
+}
+
+QJsonObject LocalRows::note(const QString& title, const QString& text) {
+    return {{QStringLiteral("title"), title},
+            {QStringLiteral("path"), title},
+            {QStringLiteral("type"), int(BrowseRow::Editable)},
+            {QStringLiteral("value"), QJsonObject{{QStringLiteral("string"), text}}}};
+}
+
+void HomeRows::read(const QString&, int, int, const Done& done) {
+    const auto tree = [](const char* title, const QString& path) {
+        return QJsonObject{{QStringLiteral("title"), QLatin1String(title)},
+                           {QStringLiteral("path"), path},
+                           {QStringLiteral("type"), int(BrowseRow::Container)}};
+    };
+    m_calls->get(
+        QStringLiteral("/api/modules"), {},
+        [=, root = m_playListsRoot](const QJsonObject& body, const QString& error, int status) {
+            const QJsonArray modules = body.value(QLatin1String("modules")).toArray();
+            RowsAnswer answer;
+            answer.error = error;
+            answer.status = status;
+            answer.title = QStringLiteral("Orvo");
+            if (modules.contains(QStringLiteral("playlists")))
+                answer.rows.append(tree("Playlists", root));
+            if (modules.contains(QStringLiteral("files")))
+                answer.rows.append(tree("Music", musicPath()));
+            answer.count = answer.rows.size();
+            done(answer);
+        });
+}
