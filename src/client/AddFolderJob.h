@@ -4,46 +4,59 @@
 
 #include <QObject>
 #include <QStringList>
+#include <QVector>
 
-#include "BrowseRow.h"
+#include "RowReader.h"
 
 class AsyncApi;
 
-// Adds tracks, and all tracks of folders, to a playlist: looks for them first, in the device's
-// order, then sends them, in parts where that keeps the order. Owned by the browser; ends with
-// finished() in any case.
+// Adds tracks, and all tracks of folders and lists, to a playlist: look() finds them in the
+// device's order, send() adds them, in parts where that keeps the order. Owned by the caller; each
+// step ends with its signal, or with finished() and an error.
 class AddFolderJob : public QObject {
     Q_OBJECT
 public:
     enum Mode { Now = 0, Next = 1, Append = 2 };
 
+    struct Source {
+        // Either: a path whose kind shows when it is read.
+        enum Kind { Track, List, Either };
+        QString path;
+        Kind kind;
+    };
     struct Target {
         QString command; // the path that adds
         int plid;
         QString name;
     };
 
-    AddFolderJob(AsyncApi* calls, const BrowseRow& what, const Target& target, Mode mode);
+    AddFolderJob(AsyncApi* api, const QVector<Source>& sources, const Target& target, Mode mode);
 
-    void start() { look(); }
+    const Target& target() const { return m_target; }
+    // What look() has found so far.
+    const QStringList& tracks() const { return m_tracks; }
+    void look();
+    void send() { sendFrom(0); }
 
 Q_SIGNALS:
-    void progress(const QString& text);
-    // `error`: the device's words, empty when all went well.
-    void finished(const QString& text, const QString& error);
+    void found(int tracks);
+    void looked();
+    void adding(int done, int total);
+    // `error`: empty when all went well; `status` 0 stands for a device that could not be reached.
+    void finished(const QString& error, int status);
 
 private:
     struct Item {
-        BrowseRow row;
-        int from; // rows of it that were looked at already
-        int depth;
+        Source source;
+        QStringList way; // the lists that led to it: none is entered from inside itself
     };
 
-    void look();
-    void readOn(const Item& folder);
-    void send(int from);
+    void read(const Item& list);
+    void take(const Item& list, const RowsAnswer& answer);
+    void addTrack(const QString& path);
+    void sendFrom(int from);
 
-    AsyncApi* m_calls;
+    AsyncApi* m_api;
     Target m_target;
     Mode m_mode;
     std::deque<Item> m_items;

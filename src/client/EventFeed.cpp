@@ -1,18 +1,16 @@
 #include "EventFeed.h"
 
-#include <QJsonDocument>
 #include <QNetworkReply>
 
-#include "ApiClient.h"
+#include "AsyncApi.h"
 
 namespace {
 constexpr int RetryMs = 1000;
-// A blink of the connection is nobody's concern.
+// A shorter loss is not worth a message.
 constexpr int ShowLossAfterMs = 400;
 } // namespace
 
-EventFeed::EventFeed(ApiClient* client, const QStringList& watched)
-    : m_client(client), m_watched(watched) {
+EventFeed::EventFeed(AsyncApi* api, const QStringList& watched) : m_api(api), m_watched(watched) {
     m_retry.setSingleShot(true);
     m_retry.setInterval(RetryMs);
     connect(&m_retry, &QTimer::timeout, this, &EventFeed::connectNow);
@@ -35,7 +33,7 @@ void EventFeed::start() {
 void EventFeed::connectNow() {
     m_parser.restart();
     m_isOpen = false;
-    m_reply = m_client->openEvents(m_watched, m_parser.lastId());
+    m_reply = m_api->openEvents(m_watched, m_parser.lastId());
     connect(m_reply, &QNetworkReply::metaDataChanged, this, &EventFeed::onOpened);
     connect(m_reply, &QNetworkReply::readyRead, this, &EventFeed::onData);
     connect(m_reply, &QNetworkReply::finished, this, &EventFeed::onEnded);
@@ -57,20 +55,21 @@ void EventFeed::onData() {
     if (!m_isOpen)
         return;
     for (const DeviceEvent& event : m_parser.feed(m_reply->readAll())) {
-        if (event.type == "resync")
+        Q_EMIT received(event);
+        if (event.isResync())
             Q_EMIT resync();
-        else
-            Q_EMIT received(QString::fromUtf8(event.type),
-                            QJsonDocument::fromJson(event.data).object());
     }
 }
 
 void EventFeed::onEnded() {
+    const bool wasOpen = m_isOpen;
+    const QString reason = m_reply->errorString();
     m_reply->deleteLater();
     m_reply = nullptr;
     m_isOpen = false;
     noteLoss();
     m_retry.start();
+    Q_EMIT ended(wasOpen, reason);
 }
 
 void EventFeed::noteReached(bool isThere) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QJsonObject>
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
@@ -8,27 +7,30 @@
 
 #include "EventParser.h"
 
-class ApiClient;
+class AsyncApi;
 class QNetworkReply;
 
 // The device's changes as they happen, without waiting for them, and whether there is a connection
 // at all. Connects again by itself and goes on behind the last event; where that cannot be,
-// everything is to be read again (resync). Owned by the browser.
+// everything is to be read again (resync). Owned by the program that follows the device.
 class EventFeed : public QObject {
     Q_OBJECT
 public:
-    // `watched`: the values whose changes come only while somebody watches.
-    EventFeed(ApiClient* client, const QStringList& watched);
+    // `watched`: the values whose changes come only while a client watches them.
+    EventFeed(AsyncApi* api, const QStringList& watched);
     ~EventFeed() override;
 
     void start();
     bool isOnline() const { return m_isOnline; }
-    // Somebody else found the device there, or not.
+    // Another request found the device there, or not.
     void noteReached(bool isThere);
 
 Q_SIGNALS:
-    void received(const QString& type, const QJsonObject& data);
+    // Each event, those of the type "resync" included.
+    void received(const DeviceEvent& event);
     void resync();
+    // A connection is over; `wasOpen` says whether it ever stood. The next one is tried by itself.
+    void ended(bool wasOpen, const QString& reason);
     void onlineChanged(bool isOnline);
 
 private:
@@ -39,7 +41,7 @@ private:
     void noteLoss();
     void setOnline(bool isOnline);
 
-    ApiClient* m_client;
+    AsyncApi* m_api;
     QStringList m_watched;
     EventParser m_parser;
     QPointer<QNetworkReply> m_reply;

@@ -1,5 +1,11 @@
 #include "EventParser.h"
 
+#include <QJsonDocument>
+
+QJsonObject DeviceEvent::object() const {
+    return QJsonDocument::fromJson(data).object();
+}
+
 QVector<DeviceEvent> EventParser::feed(const QByteArray& bytes) {
     QVector<DeviceEvent> complete;
     m_rest += bytes;

@@ -1,12 +1,16 @@
 #pragma once
 
 #include <QByteArray>
+#include <QJsonObject>
 #include <QVector>
 
 struct DeviceEvent {
     QByteArray id;
     QByteArray type;
     QByteArray data;
+
+    bool isResync() const { return type == "resync"; }
+    QJsonObject object() const;
 };
 
 // Takes the pieces of an event stream as they arrive and gives the events that are complete.

@@ -1,8 +1,9 @@
 #include "PlayerModel.h"
 
+#include <memory>
+
 #include <QPointer>
 
-#include "AsyncApi.h"
 #include "PathText.h"
 
 namespace {
@@ -23,12 +24,12 @@ const QVector<PlayerModel::Value>& PlayerModel::values() {
         {"OrvoPlayerPositionPath", &PlayerModel::takePosition},
         {"OrvoPlayerDurationPath", &PlayerModel::takeDuration},
         {"OrvoPlayerVolumePath", &PlayerModel::takeVolume},
+        {"OrvoPlayerNextMediaPath", &PlayerModel::takeNext},
     };
     return table;
 }
 
-PlayerModel::PlayerModel(const QJsonObject& paths, AsyncApi* calls)
-    : m_paths(paths), m_calls(calls) {
+PlayerModel::PlayerModel(const QJsonObject& paths, AsyncApi* api) : m_paths(paths), m_api(api) {
     m_clock.start();
 }
 
@@ -41,20 +42,46 @@ QStringList PlayerModel::watched() const {
     return path.isEmpty() ? QStringList() : QStringList(path);
 }
 
-void PlayerModel::refresh(bool isPresent) {
+QStringList PlayerModel::functions() {
+    QStringList names;
+    for (const Value& value : values())
+        names.append(QLatin1String(value.function));
+    return names;
+}
+
+void PlayerModel::refresh(bool isPresent, const AsyncApi::Answered& done) {
     m_isPresent = isPresent;
     if (isPresent) {
-        for (const Value& value : values()) {
-            m_calls->value(pathOf(value.function), [self = QPointer<PlayerModel>(this),
-                                                    take = value.take](const QJsonObject& answer) {
-                if (!self)
-                    return;
-                (self->*take)(answer);
-                Q_EMIT self->changed();
-            });
+        // By the place in the table, so that the first refusal does not depend on who is faster.
+        const auto answers = std::make_shared<QMap<int, ApiAnswer>>();
+        for (int i = 0; i < values().size(); ++i) {
+            m_api->value(
+                pathOf(values().at(i).function),
+                [self = QPointer<PlayerModel>(this), answers, done, i](const ApiAnswer& answer) {
+                    if (self)
+                        self->take(i, answer, *answers, done);
+                });
         }
     }
     Q_EMIT changed();
+}
+
+void PlayerModel::take(int index, const ApiAnswer& answer, QMap<int, ApiAnswer>& answers,
+                       const AsyncApi::Answered& done) {
+    if (answer.error.isEmpty()) {
+        (this->*values().at(index).take)(answer.body.value(QLatin1String("value")).toObject());
+        Q_EMIT changed();
+    }
+    answers.insert(index, answer);
+    if (!done || answers.size() < values().size())
+        return;
+    for (const ApiAnswer& one : qAsConst(answers)) {
+        if (!one.error.isEmpty()) {
+            done(one);
+            return;
+        }
+    }
+    done(answer);
 }
 
 void PlayerModel::apply(const QString& path, const QJsonObject& value) {
@@ -97,6 +124,10 @@ void PlayerModel::takeVolume(const QJsonObject& value) {
     m_volume = value.value(QLatin1String("i32")).toInt(100);
 }
 
+void PlayerModel::takeNext(const QJsonObject& value) {
+    m_nextTitle = BrowseRow(value).title();
+}
+
 BrowseRow PlayerModel::track() const {
     const BrowseRow row(child(m_data, "trackRoles"));
     return isActive() && !row.path().isEmpty() ? row : BrowseRow();
@@ -135,12 +166,11 @@ bool PlayerModel::allows(const char* control) const {
 }
 
 void PlayerModel::send(const char* function, const QJsonObject& value) {
-    m_calls->post(
-        pathOf(function), value,
-        [self = QPointer<PlayerModel>(this)](const QJsonObject&, const QString& error, int) {
-            if (self && !error.isEmpty())
-                Q_EMIT self->failed(error);
-        });
+    m_api->post(pathOf(function), value,
+                [self = QPointer<PlayerModel>(this)](const ApiAnswer& answer) {
+                    if (self && !answer.error.isEmpty())
+                        Q_EMIT self->failed(answer.error);
+                });
 }
 
 void PlayerModel::playContainer(const QJsonObject& container, const BrowseRow& track, int index) {

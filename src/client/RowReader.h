@@ -12,6 +12,8 @@ struct RowsAnswer {
     QString title;
     int count = 0; // of the whole list
     QJsonObject roles;
+    qint64 revision = -1; // of a list of tracks, when reading began
+    int lastPlayed = -1;  // of a list of tracks: the index of its last played one
     QVector<QJsonObject> rows;
 };
 

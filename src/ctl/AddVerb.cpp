@@ -1,26 +1,21 @@
-#include <QJsonArray>
-
+#include "AddFolderJob.h"
+#include "Awaited.h"
 #include "ClientFailure.h"
+#include "MusicSources.h"
 #include "ProgressBar.h"
-#include "TrackFinder.h"
 #include "Verbs.h"
 
 namespace {
 
-// Appended tracks go in parts, so that the progress shows and each request stays short.
-constexpr int BatchSize = 500;
-
 struct ModeRow {
     const char* flag;
-    int mode;
-    // Where a part goes depends on what plays, so parts would come out in another order: one
-    // request takes all.
-    bool atOnce;
+    AddFolderJob::Mode mode;
 };
 
-constexpr ModeRow Modes[] = {{"append", 2, false}, {"now", 0, true}, {"next", 1, true}};
+constexpr ModeRow Modes[] = {
+    {"append", AddFolderJob::Append}, {"now", AddFolderJob::Now}, {"next", AddFolderJob::Next}};
 
-const ModeRow& chosenMode(const Arguments& arguments) {
+AddFolderJob::Mode chosenMode(const Arguments& arguments) {
     const ModeRow* chosen = nullptr;
     for (const ModeRow& row : Modes) {
         if (!arguments.has(QString::fromLatin1(row.flag)))
@@ -29,60 +24,82 @@ const ModeRow& chosenMode(const Arguments& arguments) {
             throw ClientFailure::usage(QStringLiteral("only one of --now, --next and --append"));
         chosen = &row;
     }
-    return chosen ? *chosen : Modes[0];
+    return chosen ? chosen->mode : AddFolderJob::Append;
 }
 
-QStringList findTracks(VerbContext& context) {
+struct StepEnd {
+    QString error;
+    int status = HttpOk;
+};
+
+// Runs the event loop until a step of the job is over.
+StepEnd await(AddFolderJob& job, void (AddFolderJob::*step)()) {
+    const QObject whileWaiting;
+    return awaited<StepEnd>([&](const auto& done) {
+        QObject::connect(&job, &AddFolderJob::looked, &whileWaiting, [done] { done({}); });
+        QObject::connect(&job, &AddFolderJob::finished, &whileWaiting,
+                         [done](const QString& error, int status) {
+                             done({error, status});
+                         });
+        (job.*step)();
+    });
+}
+
+void findTracks(VerbContext& context, AddFolderJob& job) {
     ProgressBar bar(QStringLiteral("looking for tracks:"));
-    TrackFinder finder(&context.device, [&bar](int found) { bar.show(found, 0); });
-    const QStringList tracks = finder.find(context.arguments.positional().mid(1));
-    if (tracks.isEmpty())
+    QObject::connect(&job, &AddFolderJob::found, [&bar](int tracks) { bar.show(tracks, 0); });
+    const StepEnd end = await(job, &AddFolderJob::look);
+    job.disconnect();
+    context.device.check(end.error, end.status);
+    if (job.tracks().isEmpty())
         throw ClientFailure::refused(QStringLiteral("there are no tracks in it"));
-    return tracks;
 }
 
-void addTracks(VerbContext& context, const Named& playlist, const ModeRow& mode,
-               const QStringList& tracks) {
+void addTracks(VerbContext& context, AddFolderJob& job) {
     ProgressBar bar(QStringLiteral("adding"));
-    const int batch = mode.atOnce ? tracks.size() : BatchSize;
-    for (int start = 0; start < tracks.size(); start += batch) {
-        bar.show(start, tracks.size());
-        context.device.command(
-            QStringLiteral("OrvoPlayListPlAddItemsPath"),
-            {{QStringLiteral("plid"), playlist.id},
-             {QStringLiteral("items"), QJsonArray::fromStringList(tracks.mid(start, batch))},
-             {QStringLiteral("mode"), mode.mode}});
-    }
+    QObject::connect(&job, &AddFolderJob::adding,
+                     [&bar](int done, int total) { bar.show(done, total); });
+    const StepEnd end = await(job, &AddFolderJob::send);
+    job.disconnect();
+    context.device.check(end.error, end.status);
 }
 
 } // namespace
 
 void AddVerb::add(VerbContext& context) {
-    const ModeRow& mode = chosenMode(context.arguments);
+    const AddFolderJob::Mode mode = chosenMode(context.arguments);
     const Named playlist = context.playlist();
-    const QStringList tracks = findTracks(context);
-    const QString list = context.names.itemsPath(playlist);
+    MusicSources music(&context.device);
+    QVector<AddFolderJob::Source> sources;
+    for (const QString& word : context.arguments.positional().mid(1))
+        sources.append(music.of(word));
+    AddFolderJob job(
+        context.device.api(), sources,
+        {context.device.path(QStringLiteral("OrvoPlayListPlAddItemsPath")), playlist.id, {}}, mode);
+    findTracks(context, job);
+    const int total = job.tracks().size();
+    const QString list = context.lists.itemsPath(playlist);
     // A list of an id that is not there is empty; the command itself says so.
     const int before = playlist.name.isEmpty() ? 0 : context.device.rowsCount(list);
     const auto added = [&] { return context.device.rowsCount(list) - before; };
     try {
-        addTracks(context, playlist, mode, tracks);
+        addTracks(context, job);
     } catch (const ClientFailure& failure) {
         const int count = playlist.name.isEmpty() ? 0 : added();
         if (count == 0)
             throw;
         throw ClientFailure::refused(QStringLiteral("only %1 of %2 tracks added: %3")
                                          .arg(count)
-                                         .arg(tracks.size())
+                                         .arg(total)
                                          .arg(failure.message));
     }
     const int count = added();
     if (context.output.isJson())
-        context.output.json(QJsonObject{{QStringLiteral("added"), count},
-                                        {QStringLiteral("requested"), tracks.size()}});
+        context.output.json(
+            QJsonObject{{QStringLiteral("added"), count}, {QStringLiteral("requested"), total}});
     else
         context.output.done(QStringLiteral("added %1 of %2 tracks to %3")
                                 .arg(count)
-                                .arg(tracks.size())
+                                .arg(total)
                                 .arg(playlist.label()));
 }

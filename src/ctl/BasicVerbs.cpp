@@ -53,7 +53,7 @@ void BasicVerbs::rows(VerbContext& context) {
         arguments.value(QStringLiteral("roles")).split(QLatin1Char(','), Qt::SkipEmptyParts);
     if (roles.isEmpty() && !context.output.isJson())
         roles = TableRoles;
-    const DeviceRows answer = context.device.rows(pathArgument(context), roles, from, to);
+    const RowsAnswer answer = context.device.rows(pathArgument(context), roles, from, to);
     if (context.output.isJson()) {
         QJsonArray rows;
         for (const QJsonObject& row : answer.rows)
@@ -78,11 +78,8 @@ void BasicVerbs::rows(VerbContext& context) {
 }
 
 void BasicVerbs::set(VerbContext& context) {
-    const QJsonObject answer = context.device.client().post(
-        QStringLiteral("/api/data"),
-        {{QStringLiteral("path"), pathArgument(context)},
-         {QStringLiteral("value"), parseJson(context.arguments.at(1))}});
-    context.output.json(answer);
+    context.output.json(
+        context.device.send(pathArgument(context), parseJson(context.arguments.at(1))));
 }
 
 void BasicVerbs::value(VerbContext& context) {
@@ -91,9 +88,5 @@ void BasicVerbs::value(VerbContext& context) {
         context.output.json(context.device.value(path));
         return;
     }
-    const QJsonObject answer = context.device.client().put(
-        QStringLiteral("/api/value"),
-        {{QStringLiteral("path"), path},
-         {QStringLiteral("value"), parseJson(context.arguments.at(1))}});
-    context.output.json(answer.value(QStringLiteral("value")));
+    context.output.json(context.device.setValue(path, parseJson(context.arguments.at(1))));
 }

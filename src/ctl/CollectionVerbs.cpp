@@ -27,7 +27,8 @@ void print(const Output& output, const QVector<Named>& all) {
         output.text(table.text());
 }
 
-// The device lists collections only where its setting says so; whoever misses them learns why.
+// The device lists collections only where its setting says so, and an empty list alone would not
+// tell.
 void explainHidden(VerbContext& context) {
     const QString setting =
         context.device.path(QStringLiteral("OrvoPlayListSettingsCollectionsVisibilityPath"));
@@ -41,7 +42,7 @@ void explainHidden(VerbContext& context) {
 }
 
 Named collectionOf(VerbContext& context) {
-    if (context.names.collections().isEmpty())
+    if (context.lists.collections().isEmpty())
         explainHidden(context);
     return context.collection();
 }
@@ -58,9 +59,9 @@ void change(VerbContext& context, const char* function, const char* done) {
 } // namespace
 
 void CollectionVerbs::list(VerbContext& context) {
-    if (context.names.collections().isEmpty())
+    if (context.lists.collections().isEmpty())
         explainHidden(context);
-    print(context.output, context.names.collections());
+    print(context.output, context.lists.collections());
 }
 
 void CollectionVerbs::create(VerbContext& context) {
@@ -96,7 +97,7 @@ void CollectionVerbs::removeItem(VerbContext& context) {
 
 void CollectionVerbs::show(VerbContext& context) {
     const Named collection = collectionOf(context);
-    if (collection.name.isEmpty() && !context.names.collections().isEmpty())
+    if (collection.name.isEmpty() && !context.lists.collections().isEmpty())
         throw ClientFailure::refused(
             QStringLiteral("there is no collection %1").arg(collection.label()));
     const QString path = context.device.path(QStringLiteral("OrvoPlayListClGetItemsPath")) +

@@ -1,20 +1,28 @@
 #include "Device.h"
 
-#include <QJsonArray>
+#include <deque>
 
+#include "Awaited.h"
 #include "ClientFailure.h"
+#include "EventFeed.h"
+#include "Output.h"
 
-namespace {
-const QString RowsResource = QStringLiteral("/api/rows");
-
-int lastOfPage(int from, int to) {
-    return int(qMin<qint64>(to, qint64(from) + Device::PageSize - 1));
+void Device::check(const QString& error, int status) const {
+    if (!error.isEmpty())
+        throw ClientFailure::refused(status == 0 ? m_api->unreachable() : error);
 }
-} // namespace
+
+QJsonObject
+Device::await(const std::function<void(const AsyncApi::Answered& answered)>& begin) const {
+    const ApiAnswer answer = awaited<ApiAnswer>(begin);
+    check(answer.error, answer.status);
+    return answer.body;
+}
 
 const QJsonObject& Device::paths() {
     if (m_paths.isEmpty())
-        m_paths = m_client->get(QStringLiteral("/api/paths"));
+        m_paths =
+            await([this](const auto& done) { m_api->get(QStringLiteral("/api/paths"), {}, done); });
     return m_paths;
 }
 
@@ -25,65 +33,75 @@ QString Device::path(const QString& function) {
     return text;
 }
 
-QUrlQuery Device::rowsQuery(const QString& path, const QStringList& roles, int from, int to) {
-    return ApiClient::query({{QStringLiteral("path"), path},
-                             {QStringLiteral("from"), QString::number(from)},
-                             {QStringLiteral("to"), QString::number(to)},
-                             {QStringLiteral("roles"), roles.join(QLatin1Char(','))}});
-}
-
-DeviceRows Device::rows(const QString& path, const QStringList& roles, int from, int to) {
-    return complete(
-        path, roles, from, to,
-        m_client->get(RowsResource, rowsQuery(path, roles, from, lastOfPage(from, to))));
-}
-
-std::optional<DeviceRows> Device::tryRows(const QString& path, const QStringList& roles, int from,
+std::optional<RowsAnswer> Device::tryRows(const QString& path, const QStringList& roles, int from,
                                           int to) {
-    const auto page =
-        m_client->tryGet(RowsResource, rowsQuery(path, roles, from, lastOfPage(from, to)));
-    return page ? std::optional(complete(path, roles, from, to, *page)) : std::nullopt;
+    const auto answer =
+        awaited<RowsAnswer>([&](const auto& done) { m_api->readAll(path, roles, from, to, done); });
+    if (answer.status == HttpNotFound || answer.status == HttpRefused)
+        return std::nullopt;
+    check(answer.error, answer.status);
+    return answer;
 }
 
-DeviceRows Device::complete(const QString& path, const QStringList& roles, int from, int to,
-                            const QJsonObject& firstPage) {
-    DeviceRows result;
-    result.title = firstPage.value(QStringLiteral("title")).toString();
-    result.roles = firstPage.value(QStringLiteral("roles")).toObject();
-    result.count = firstPage.value(QStringLiteral("rowsCount")).toInt();
-    result.revision = qint64(firstPage.value(QStringLiteral("revision")).toDouble(-1));
-    result.lastPlayed = firstPage.value(QStringLiteral("lastPlayedIndex")).toInt(-1);
-    // A list gives its last row where the range lies behind its end.
-    if (from > 0 && from >= result.count)
-        return result;
-    QJsonObject page = firstPage;
-    int next = from;
-    while (true) {
-        const QJsonArray rows = page.value(QStringLiteral("rows")).toArray();
-        for (const QJsonValue& row : rows)
-            result.rows.append(row.toObject());
-        next += rows.size();
-        if (rows.isEmpty() || next > qMin(to, result.count - 1))
-            return result;
-        page = m_client->get(RowsResource, rowsQuery(path, roles, next, lastOfPage(next, to)));
-    }
+RowsAnswer Device::rows(const QString& path, const QStringList& roles, int from, int to) {
+    const auto answer =
+        awaited<RowsAnswer>([&](const auto& done) { m_api->readAll(path, roles, from, to, done); });
+    check(answer.error, answer.status);
+    return answer;
 }
 
 int Device::rowsCount(const QString& path) {
-    return m_client->get(RowsResource, rowsQuery(path, {QStringLiteral("type")}, 0, 0))
-        .value(QStringLiteral("rowsCount"))
-        .toInt();
+    return rows(path, {QStringLiteral("type")}, 0, 0).count;
+}
+
+QJsonObject Device::send(const QString& path, const QJsonValue& value) {
+    return await([&](const auto& done) { m_api->post(path, value, done); });
 }
 
 QJsonValue Device::command(const QString& function, const QJsonObject& record) {
-    return m_client
-        ->post(QStringLiteral("/api/data"),
-               {{QStringLiteral("path"), path(function)}, {QStringLiteral("value"), record}})
-        .value(QStringLiteral("result"));
+    return send(path(function), record).value(QStringLiteral("result"));
 }
 
 QJsonValue Device::value(const QString& path) {
-    return m_client
-        ->get(QStringLiteral("/api/value"), ApiClient::query({{QStringLiteral("path"), path}}))
+    return await([&](const auto& done) { m_api->value(path, done); })
         .value(QStringLiteral("value"));
+}
+
+QJsonValue Device::setValue(const QString& path, const QJsonValue& value) {
+    return await([&](const auto& done) { m_api->setValue(path, value, done); })
+        .value(QStringLiteral("value"));
+}
+
+// The handler is called outside of the feed's signals, so that it may wait for answers itself.
+void Device::follow(const QStringList& watched,
+                    const std::function<bool(const DeviceEvent& event)>& handler) {
+    EventFeed feed(m_api, watched);
+    QEventLoop loop;
+    std::deque<DeviceEvent> waiting;
+    bool wasConnected = false;
+    QString failure;
+    QObject::connect(&feed, &EventFeed::received, &loop, [&](const DeviceEvent& event) {
+        waiting.push_back(event);
+        loop.quit();
+    });
+    QObject::connect(&feed, &EventFeed::ended, &loop, [&](bool wasOpen, const QString& reason) {
+        wasConnected = wasConnected || wasOpen;
+        if (wasOpen)
+            Output::message(QStringLiteral("the connection is lost, trying again"));
+        if (!wasConnected)
+            failure = QStringLiteral("no events from %1: %2").arg(m_api->url().toString(), reason);
+        loop.quit();
+    });
+    feed.start();
+    while (failure.isEmpty()) {
+        if (waiting.empty())
+            loop.exec();
+        while (!waiting.empty()) {
+            const DeviceEvent event = waiting.front();
+            waiting.pop_front();
+            if (!handler(event))
+                return;
+        }
+    }
+    throw ClientFailure::refused(failure);
 }

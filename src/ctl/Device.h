@@ -1,27 +1,20 @@
 #pragma once
 
-#include <QJsonObject>
-#include <QVector>
+#include <functional>
+#include <optional>
 
-#include "ApiClient.h"
+#include "AsyncApi.h"
+#include "EventParser.h"
 
-// Part of a list, as the device shows it.
-struct DeviceRows {
-    QString title;
-    int count = 0;        // of the whole list
-    QJsonObject roles;    // the list's own
-    qint64 revision = -1; // of a list of tracks, when reading began
-    int lastPlayed = -1;  // of a list of tracks: the index of its last played one
-    QVector<QJsonObject> rows;
-};
-
-// The device in terms of lists, commands and values. Failures are ClientFailure.
+// The device, waited for: each call runs the event loop until the answer is there. What is refused,
+// and a device that is not there, is a ClientFailure. Made by main.
 class Device {
 public:
-    // Rows are fetched in pages of this many.
-    static constexpr int PageSize = 1000;
+    static constexpr int LastRow = AsyncApi::LastRow;
 
-    explicit Device(ApiClient* client) : m_client(client) {}
+    explicit Device(AsyncApi* api) : m_api(api) {}
+
+    AsyncApi* api() const { return m_api; }
 
     // The path text behind the name of a path function.
     QString path(const QString& function);
@@ -29,26 +22,31 @@ public:
 
     // The rows `from` to `to`, both included, counted from 0; `to` beyond the end means up to the
     // end.
-    DeviceRows rows(const QString& path, const QStringList& roles, int from = 0, int to = LastRow);
+    RowsAnswer rows(const QString& path, const QStringList& roles, int from = 0, int to = LastRow);
     int rowsCount(const QString& path);
     // Null when there is no list at the path.
-    std::optional<DeviceRows> tryRows(const QString& path, const QStringList& roles, int from = 0,
+    std::optional<RowsAnswer> tryRows(const QString& path, const QStringList& roles, int from = 0,
                                       int to = LastRow);
 
     // Sends the record to the command behind the name; gives its result.
     QJsonValue command(const QString& function, const QJsonObject& record);
+    // Sends any value to any path; gives the whole answer.
+    QJsonObject send(const QString& path, const QJsonValue& value);
     // The value at a path in its JSON form.
     QJsonValue value(const QString& path);
+    QJsonValue setValue(const QString& path, const QJsonValue& value);
 
-    ApiClient& client() { return *m_client; }
+    // Follows the changes, over lost connections too, until the handler gives false. `watched`: the
+    // values whose changes come only while a client watches them.
+    void follow(const QStringList& watched,
+                const std::function<bool(const DeviceEvent& event)>& handler);
 
-    static constexpr int LastRow = 0x7FFFFFFF;
+    // Throws what the error of an answer with this status says; nothing when there is none.
+    void check(const QString& error, int status) const;
 
 private:
-    static QUrlQuery rowsQuery(const QString& path, const QStringList& roles, int from, int to);
-    DeviceRows complete(const QString& path, const QStringList& roles, int from, int to,
-                        const QJsonObject& firstPage);
+    QJsonObject await(const std::function<void(const AsyncApi::Answered& answered)>& begin) const;
 
-    ApiClient* m_client;
+    AsyncApi* m_api;
     QJsonObject m_paths;
 };

@@ -19,7 +19,7 @@ int sequenceNumberOf(const QJsonObject& row) {
 
 void NextUpVerb::nextUp(VerbContext& context) {
     const int last = context.arguments.number(QStringLiteral("count"), Device::LastRow, 1) - 1;
-    const DeviceRows answer = context.device.rows(
+    const RowsAnswer answer = context.device.rows(
         context.device.path(QStringLiteral("OrvoPlayListUpNextPath")),
         TrackTable::roles() + QStringList{QStringLiteral("value"), QStringLiteral("context")}, 0,
         last);
@@ -29,7 +29,7 @@ void NextUpVerb::nextUp(VerbContext& context) {
     Named playlist;
     if (!answer.rows.isEmpty())
         playlist =
-            context.names.playlist(QStringLiteral("#%1").arg(playlistOf(answer.rows.first())));
+            context.lists.playlist(QStringLiteral("#%1").arg(playlistOf(answer.rows.first())));
     if (context.output.isJson()) {
         QJsonObject result{{QStringLiteral("tracksCount"), answer.count},
                            {QStringLiteral("tracks"), table.json()}};

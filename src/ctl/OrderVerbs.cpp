@@ -16,7 +16,7 @@ QJsonArray numbers(const QList<int>& list) {
 }
 
 // What the verb found out holds for the list as it was read: the device refuses it for any other.
-QJsonObject record(const Named& playlist, const DeviceRows& answer) {
+QJsonObject record(const Named& playlist, const RowsAnswer& answer) {
     return {{QStringLiteral("plid"), playlist.id}, {QStringLiteral("revision"), answer.revision}};
 }
 
@@ -28,7 +28,7 @@ void OrderVerbs::sort(VerbContext& context) {
     if (!field)
         throw ClientFailure::usage(QStringLiteral("--by is one of %1").arg(TrackOrder::names()));
     const Named playlist = context.playlist();
-    const DeviceRows answer = context.device.rows(context.names.itemsPath(playlist), SortRoles);
+    const RowsAnswer answer = context.device.rows(context.lists.itemsPath(playlist), SortRoles);
     if (answer.rows.isEmpty())
         throw ClientFailure::refused(
             QStringLiteral("there are no tracks in %1").arg(playlist.label()));
@@ -42,7 +42,7 @@ void OrderVerbs::sort(VerbContext& context) {
 
 void OrderVerbs::dedupe(VerbContext& context) {
     const Named playlist = context.playlist();
-    const DeviceRows answer = context.device.rows(context.names.itemsPath(playlist), SortRoles);
+    const RowsAnswer answer = context.device.rows(context.lists.itemsPath(playlist), SortRoles);
     const QList<int> duplicates = TrackOrder::duplicates(answer.rows);
     if (!duplicates.isEmpty()) {
         QJsonObject request = record(playlist, answer);

@@ -1,65 +1,47 @@
 #include "PlayerStatus.h"
 
+#include "Awaited.h"
 #include "ClockText.h"
 #include "Device.h"
+#include "PlayerModel.h"
 #include "SafeText.h"
 
 namespace {
 
 constexpr int BarCells = 40;
 
-QJsonObject at(const QJsonObject& object, const char* key) {
-    return object.value(QLatin1String(key)).toObject();
-}
-
-QString textAt(const QJsonObject& object, const char* key) {
-    return object.value(QLatin1String(key)).toString();
-}
-
-qint64 millisecondsOf(const QJsonObject& value) {
-    return qint64(value.value(QStringLiteral("i64")).toDouble());
-}
-
 } // namespace
 
-const QStringList& PlayerStatus::valueFunctions() {
-    static const QStringList functions = {
-        QStringLiteral("OrvoPlayerStatePath"),     QStringLiteral("OrvoPlayerDataPath"),
-        QStringLiteral("OrvoPlayerPositionPath"),  QStringLiteral("OrvoPlayerDurationPath"),
-        QStringLiteral("OrvoPlayerPlayModePath"),  QStringLiteral("OrvoPlayerVolumePath"),
-        QStringLiteral("OrvoPlayerNextMediaPath"),
-    };
-    return functions;
-}
-
 PlayerStatus PlayerStatus::read(Device& device) {
-    const auto value = [&device](const char* function) {
-        return device.value(device.path(QString::fromLatin1(function))).toObject();
-    };
+    for (const QString& function : PlayerModel::functions())
+        device.path(function); // a failure where the device has no such path
+    PlayerModel player(device.paths(), device.api());
+    const auto answer = awaited<ApiAnswer>([&](const auto& done) { player.refresh(true, done); });
+    device.check(answer.error, answer.status);
+
     PlayerStatus status;
-    status.state = textAt(value("OrvoPlayerStatePath"), "string");
-    status.mode = textAt(value("OrvoPlayerPlayModePath"), "string");
-    status.volume = value("OrvoPlayerVolumePath").value(QStringLiteral("i32")).toInt();
-    status.position = millisecondsOf(value("OrvoPlayerPositionPath"));
-    status.duration = millisecondsOf(value("OrvoPlayerDurationPath"));
-    status.nextTitle = textAt(value("OrvoPlayerNextMediaPath"), "title");
-
-    const QJsonObject data = value("OrvoPlayerDataPath");
-    const QJsonObject track = at(data, "trackRoles");
-    const QJsonObject metaData = at(at(track, "mediaData"), "metaData");
-    status.title = textAt(track, "title");
-    status.artist = textAt(metaData, "artist");
-    status.album = textAt(metaData, "album");
-    status.error = textAt(at(data, "streamerError"), "message");
-
-    const QString listPath = textAt(at(data, "mediaRoles"), "path");
-    const QJsonValue number = at(track, "value").value(QStringLiteral("i32"));
-    if (!listPath.isEmpty() && number.isDouble()) {
+    status.state = player.state();
+    status.mode = player.mode();
+    status.volume = player.volume();
+    status.position = player.position();
+    status.duration = player.duration();
+    status.nextTitle = player.nextTitle();
+    const QJsonObject& data = player.data();
+    const BrowseRow track(data.value(QStringLiteral("trackRoles")).toObject());
+    status.title = track.title();
+    status.artist = track.artist();
+    status.album = track.album();
+    status.error = data.value(QStringLiteral("streamerError"))
+                       .toObject()
+                       .value(QStringLiteral("message"))
+                       .toString();
+    const QString listPath = BrowseRow(player.container()).path();
+    if (!listPath.isEmpty() && track.position() >= 0) {
         // One row is enough: the answer carries the list's title and size.
-        const DeviceRows rows = device.rows(listPath, {QStringLiteral("title")}, 0, 0);
+        const RowsAnswer rows = device.rows(listPath, {QStringLiteral("title")}, 0, 0);
         status.list = rows.title;
         status.listSize = rows.count;
-        status.place = number.toInt() + 1;
+        status.place = track.position() + 1;
     }
     return status;
 }

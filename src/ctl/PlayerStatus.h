@@ -1,15 +1,13 @@
 #pragma once
 
 #include <QJsonObject>
-#include <QStringList>
+#include <QString>
 
 class Device;
 
 // What the player does, read as one picture from its values. Failures are ClientFailure.
 class PlayerStatus {
 public:
-    // The values that it is made of, by the names of their path functions.
-    static const QStringList& valueFunctions();
     static PlayerStatus read(Device& device);
 
     QString state;

@@ -1,8 +1,6 @@
-#include <QJsonDocument>
-
 #include "ClientFailure.h"
 #include "ClockText.h"
-#include "EventReader.h"
+#include "PlayerModel.h"
 #include "PlayerStatus.h"
 #include "Positions.h"
 #include "Verbs.h"
@@ -27,8 +25,8 @@ struct TrackStart {
 };
 
 void playFrom(VerbContext& context, const Named& playlist, int index, const TrackStart& start) {
-    const QString path = context.names.itemsPath(playlist);
-    const DeviceRows rows = context.device.rows(path, TrackRoles, index, index);
+    const QString path = context.lists.itemsPath(playlist);
+    const RowsAnswer rows = context.device.rows(path, TrackRoles, index, index);
     if (rows.rows.isEmpty())
         throw ClientFailure::refused(
             QStringLiteral("there is no track %1 in %2").arg(index + 1).arg(playlist.label()));
@@ -60,7 +58,7 @@ std::optional<int> stoppedAt(VerbContext& context, const QString& listPath, int 
     const QJsonObject point = context.device.value(context.device.path(function)).toObject();
     if (point.value(QStringLiteral("mediaPath")).toString() != listPath)
         return std::nullopt;
-    const DeviceRows track =
+    const RowsAnswer track =
         context.device.rows(listPath, {QStringLiteral("path")}, lastPlayed, lastPlayed);
     const QString trackPath = point.value(QStringLiteral("trackPath")).toString();
     if (track.rows.isEmpty() ||
@@ -72,7 +70,7 @@ std::optional<int> stoppedAt(VerbContext& context, const QString& listPath, int 
 // From the last played track on. A list that was played to its end begins at the first one: its
 // last track is the last played one, and playback was not stopped in it.
 void goOn(VerbContext& context, const Named& playlist) {
-    const QString path = context.names.itemsPath(playlist);
+    const QString path = context.lists.itemsPath(playlist);
     const auto list = context.device.tryRows(path, {QStringLiteral("path")}, 0, 0);
     const int last = list ? list->lastPlayed : -1;
     if (last <= 0 || last >= list->count) {
@@ -168,12 +166,11 @@ void PlayerVerbs::status(VerbContext& context) {
     if (!context.arguments.has(QStringLiteral("follow")))
         return;
     QStringList paths;
-    for (const QString& function : PlayerStatus::valueFunctions())
+    for (const QString& function : PlayerModel::functions())
         paths.append(context.device.path(function));
-    EventReader(&context.device.client(), paths).read([&](const DeviceEvent& event) {
-        const QString path =
-            QJsonDocument::fromJson(event.data).object().value(QStringLiteral("path")).toString();
-        if (event.type == "resync" || paths.contains(path))
+    context.device.follow(paths, [&](const DeviceEvent& event) {
+        const QString path = event.object().value(QStringLiteral("path")).toString();
+        if (event.isResync() || paths.contains(path))
             show();
         return true;
     });

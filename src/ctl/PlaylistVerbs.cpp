@@ -45,8 +45,8 @@ void setMode(VerbContext& context, const char* function, int onMode, const char*
 void PlaylistVerbs::list(VerbContext& context) {
     TextTable table({QStringLiteral(">ID"), QStringLiteral("NAME"), QStringLiteral(">TRACKS")});
     QJsonArray array;
-    for (const Named& playlist : context.names.playlists()) {
-        const int tracks = context.device.rowsCount(context.names.itemsPath(playlist));
+    for (const Named& playlist : context.lists.playlists()) {
+        const int tracks = context.device.rowsCount(context.lists.itemsPath(playlist));
         table.addRow(
             {QStringLiteral("#%1").arg(playlist.id), playlist.name, QString::number(tracks)});
         array.append(QJsonObject{{QStringLiteral("id"), playlist.id},
@@ -101,8 +101,8 @@ void PlaylistVerbs::show(VerbContext& context) {
     if (playlist.name.isEmpty())
         throw ClientFailure::refused(
             QStringLiteral("there is no playlist %1").arg(playlist.label()));
-    const DeviceRows answer =
-        context.device.rows(context.names.itemsPath(playlist), TrackTable::roles(), from, to);
+    const RowsAnswer answer =
+        context.device.rows(context.lists.itemsPath(playlist), TrackTable::roles(), from, to);
     TrackTable table;
     for (int i = 0; i < answer.rows.size(); ++i)
         table.add(answer.rows.at(i), from + i);

@@ -6,7 +6,7 @@
 #include "ClientFailure.h"
 
 namespace {
-// A range is spelled out; nobody means more than this.
+// A range is spelled out, so its length has a limit.
 constexpr int MaxRange = 1000000;
 } // namespace
 

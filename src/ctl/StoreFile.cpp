@@ -74,7 +74,7 @@ StoreFile::StoreFile(const QString& file) : m_name(resolve(file)) {
     const int code = look(m_connection.get());
     if (code == SQLITE_NOTADB)
         throw unreadable(m_name, QStringLiteral("it is no database"));
-    // Somebody would have to roll back what was cut off, and that is not for us.
+    // Rolling back what was cut off is the work of the next start of the device.
     if (code == SQLITE_READONLY_ROLLBACK || code == SQLITE_READONLY_RECOVERY ||
         code == SQLITE_CANTOPEN)
         openPrivateCopy();

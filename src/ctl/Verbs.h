@@ -4,19 +4,18 @@
 #include <QVector>
 
 #include "Arguments.h"
-#include "Device.h"
-#include "Names.h"
+#include "Lists.h"
 #include "Output.h"
 
 // What a verb works with: made by main for the one verb of this run.
 struct VerbContext {
     Arguments arguments;
     Device& device;
-    Names& names;
+    Lists& lists;
     Output& output;
 
-    Named playlist(int index = 0) const { return names.playlist(arguments.at(index)); }
-    Named collection(int index = 0) const { return names.collection(arguments.at(index)); }
+    Named playlist(int index = 0) const { return lists.playlist(arguments.at(index)); }
+    Named collection(int index = 0) const { return lists.collection(arguments.at(index)); }
     // Sends a command and says what was done; with --json the result itself is printed.
     void run(const QString& function, const QJsonObject& record, const QString& done) const;
 };

@@ -1,7 +1,5 @@
 #include <QJsonArray>
-#include <QJsonDocument>
 
-#include "EventReader.h"
 #include "Verbs.h"
 
 namespace {
@@ -33,7 +31,7 @@ QString describe(const DeviceEvent& event, const QJsonObject& data) {
 }
 
 void print(const Output& output, const DeviceEvent& event) {
-    const QJsonObject data = QJsonDocument::fromJson(event.data).object();
+    const QJsonObject data = event.object();
     if (output.isJson())
         output.json(QJsonObject{{QStringLiteral("id"), QString::fromUtf8(event.id)},
                                 {QStringLiteral("event"), QString::fromUtf8(event.type)},
@@ -47,7 +45,7 @@ void print(const Output& output, const DeviceEvent& event) {
 void WatchVerb::watch(VerbContext& context) {
     constexpr int Endless = -1;
     int left = context.arguments.number(QStringLiteral("count"), Endless, 1);
-    EventReader(&context.device.client()).read([&](const DeviceEvent& event) {
+    context.device.follow({}, [&](const DeviceEvent& event) {
         print(context.output, event);
         return left < 0 || --left > 0;
     });

@@ -35,12 +35,11 @@ void run(QStringList words) {
         return;
     }
     Verbs::checkCount(verb, arguments);
-    const Connection connection = Connection::of(arguments);
-    ApiClient client(connection.url, connection.token);
-    Device device(&client);
-    Names names(&device);
+    AsyncApi api(Connection::of(arguments));
+    Device device(&api);
+    Lists lists(&device);
     Output output(arguments.has(QStringLiteral("json")));
-    VerbContext context{arguments, device, names, output};
+    VerbContext context{arguments, device, lists, output};
     verb.run(context);
 }
 

@@ -21,14 +21,14 @@ QString moduleOf(const QString& path) {
 }
 } // namespace
 
-Browser::Browser(ApiClient* client, const QJsonObject& paths, const QJsonArray& modules,
+Browser::Browser(const Connection& connection, const QJsonObject& paths, const QJsonArray& modules,
                  const QString& start)
     : m_paths(paths),
       m_modules(modules),
-      m_calls(client),
-      m_player(paths, &m_calls),
-      m_feed(client, m_player.watched()),
-      m_home(&m_calls, devicePath("OrvoPlayListsRootPath")),
+      m_api(connection),
+      m_player(paths, &m_api),
+      m_feed(&m_api, m_player.watched()),
+      m_home(&m_api, devicePath("OrvoPlayListsRootPath")),
       m_start(start) {
     for (QTimer* timer : {&m_sureTimer, &m_noticeTimer, &m_headTimer, &m_busyTimer})
         timer->setSingleShot(true);
@@ -45,7 +45,7 @@ Browser::Browser(ApiClient* client, const QJsonObject& paths, const QJsonArray& 
         m_isBusy = true;
         Q_EMIT changed();
     });
-    connect(&m_calls, &AsyncApi::reached, &m_feed, &EventFeed::noteReached);
+    connect(&m_api, &AsyncApi::reached, &m_feed, &EventFeed::noteReached);
     connect(&m_feed, &EventFeed::received, this, &Browser::onReceived);
     connect(&m_feed, &EventFeed::resync, this, &Browser::readEverythingAgain);
     connect(&m_feed, &EventFeed::onlineChanged, this, &Browser::onOnline);
@@ -102,7 +102,7 @@ std::unique_ptr<ListPlace> Browser::makePlace(const QString& path, const BrowseR
 }
 
 void Browser::push(const QString& path, const BrowseRow& row, const QString& name) {
-    m_places.push_back(makePlace(path, row, &m_calls, name));
+    m_places.push_back(makePlace(path, row, &m_api, name));
     place().store().pump();
     Q_EMIT changed();
 }
@@ -183,13 +183,16 @@ QVector<ListPlace*> Browser::allPlaces() const {
 
 // The device.
 
-void Browser::onReceived(const QString& type, const QJsonObject& data) {
+void Browser::onReceived(const DeviceEvent& event) {
+    if (event.isResync())
+        return;
+    const QJsonObject data = event.object();
     const QString path = data.value(QLatin1String("path")).toString();
-    if (type == QLatin1String("value")) {
+    if (event.type == "value") {
         m_player.apply(path, data.value(QLatin1String("value")).toObject());
         return;
     }
-    ListChange change{path, type == QLatin1String("startingWith"), {}};
+    ListChange change{path, event.type == "startingWith", {}};
     const QJsonArray changes = data.value(QLatin1String("changes")).toArray();
     for (const QJsonValue& one : changes)
         change.changes.append(one.toString());
@@ -211,11 +214,10 @@ void Browser::lookAtHeads() {
 void Browser::readEverythingAgain() {
     for (ListPlace* place : allPlaces())
         place->store().invalidate();
-    m_calls.get(QStringLiteral("/api/modules"), {},
-                [this](const QJsonObject& answer, const QString& error, int) {
-                    if (error.isEmpty())
-                        refreshPlayer(answer.value(QLatin1String("modules")).toArray());
-                });
+    m_api.get(QStringLiteral("/api/modules"), {}, [this](const ApiAnswer& answer) {
+        if (answer.error.isEmpty())
+            refreshPlayer(answer.body.value(QLatin1String("modules")).toArray());
+    });
 }
 
 void Browser::refreshPlayer(const QJsonArray& modules) {
@@ -262,7 +264,7 @@ bool Browser::asksAgain(const BrowseRow& row) const {
 
 void Browser::pushMenu(const QString& path, const QString& title, const MenuPage::Pick& pick) {
     MenuPage page;
-    page.place = makePlace(path, {}, &m_calls, title);
+    page.place = makePlace(path, {}, &m_api, title);
     page.title = title;
     page.pick = pick;
     m_menu.push_back(std::move(page));

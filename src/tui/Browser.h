@@ -41,15 +41,15 @@ struct Notice {
     bool isError = false;
 };
 
-// The browse tree as somebody walks through it, with all that can be done on the way, and without a
-// screen. Made by the browse verb, on the thread of the event loop; nothing waits. What goes wrong
+// The browse tree as a person walks through it, with all that can be done on the way, and without a
+// screen. Made by main, on the thread of the event loop; nothing waits. What goes wrong
 // becomes a notice.
 class Browser : public QObject {
     Q_OBJECT
 public:
     // `paths` and `modules`: what the device has. `start`: the place to begin at, the home list
     // when it is empty.
-    Browser(ApiClient* client, const QJsonObject& paths, const QJsonArray& modules,
+    Browser(const Connection& connection, const QJsonObject& paths, const QJsonArray& modules,
             const QString& start);
     ~Browser() override;
 
@@ -93,7 +93,7 @@ Q_SIGNALS:
 private:
     friend class BrowserKeys;
 
-    void onReceived(const QString& type, const QJsonObject& data);
+    void onReceived(const DeviceEvent& event);
     void readEverythingAgain();
     void refreshPlayer(const QJsonArray& modules);
     void onOnline(bool isOnline);
@@ -126,6 +126,9 @@ private:
     void closeMenu();
     void openMenuOf(const BrowseRow& row);
     void chooseTarget(const BrowseRow& what);
+    void startAdding(const BrowseRow& what, const AddFolderJob::Target& target,
+                     AddFolderJob::Mode mode);
+    void endAdding(const QString& text, bool isError);
     void chooseMode(const BrowseRow& what, const AddFolderJob::Target& target);
     std::optional<AddFolderJob::Target> targetOf(const BrowseRow& row) const;
 
@@ -136,7 +139,7 @@ private:
 
     QJsonObject m_paths;
     QJsonArray m_modules;
-    AsyncApi m_calls;
+    AsyncApi m_api;
     PlayerModel m_player;
     EventFeed m_feed;
     HomeRows m_home;
@@ -145,7 +148,7 @@ private:
     std::vector<MenuPage> m_menu;
     std::optional<RowEdit> m_edit;
     std::optional<LineEditor> m_finding;
-    int m_foundFrom = 0; // where somebody stood when they began to look
+    int m_foundFrom = 0; // the row from which the finding began
     std::optional<Notice> m_notice;
     QString m_progress;
     std::unique_ptr<AddFolderJob> m_adding;

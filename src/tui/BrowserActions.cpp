@@ -1,6 +1,7 @@
 #include <QJsonArray>
 
 #include "Browser.h"
+#include "Names.h"
 #include "PathText.h"
 
 // What people do while they browse. Places and events stand in Browser.cpp.
@@ -102,27 +103,25 @@ void Browser::playFrom(const BrowseRow& row, int index) {
 // A text or a switch is set, an action is carried out; then what the reply says happens.
 void Browser::carryOut(const BrowseRow& row, const QJsonObject& value, bool closesEdit) {
     begunWork();
-    m_calls.post(row.path(), value,
-                 [this, path = row.path(), closesEdit](const QJsonObject& answer,
-                                                       const QString& error, int) {
-                     endedWork();
-                     if (!error.isEmpty()) {
-                         tell(error, true);
-                         return;
-                     }
-                     if (closesEdit && m_edit && m_edit->row.path() == path)
-                         m_edit.reset();
-                     const QJsonArray events = answer.value(QLatin1String("result"))
-                                                   .toObject()
-                                                   .value(QLatin1String("events"))
-                                                   .toArray();
-                     for (const QJsonValue& event : events) {
-                         const QJsonObject told = event.toObject();
-                         if (told.value(QLatin1String("rowsType")).toInt() == CloseEvent)
-                             closePlace(told.value(QLatin1String("path")).toString());
-                     }
-                     Q_EMIT changed();
-                 });
+    m_api.post(row.path(), value, [this, path = row.path(), closesEdit](const ApiAnswer& answer) {
+        endedWork();
+        if (!answer.error.isEmpty()) {
+            tell(answer.error, true);
+            return;
+        }
+        if (closesEdit && m_edit && m_edit->row.path() == path)
+            m_edit.reset();
+        const QJsonArray events = answer.body.value(QLatin1String("result"))
+                                      .toObject()
+                                      .value(QLatin1String("events"))
+                                      .toArray();
+        for (const QJsonValue& event : events) {
+            const QJsonObject told = event.toObject();
+            if (told.value(QLatin1String("rowsType")).toInt() == CloseEvent)
+                closePlace(told.value(QLatin1String("path")).toString());
+        }
+        Q_EMIT changed();
+    });
 }
 
 void Browser::beginEdit(const BrowseRow& row) {
@@ -202,12 +201,10 @@ std::optional<AddFolderJob::Target> Browser::targetOf(const BrowseRow& row) cons
     const QString command = devicePath("OrvoPlayListPlAddItemsPath");
     const QString path = row.path().section(QLatin1Char('?'), 0, 0);
     if (path == devicePath("OrvoPlayListPqGetItemsPath"))
-        return AddFolderJob::Target{command, 0, row.title()};
-    bool isNumber = false;
-    const int plid = path.section(QLatin1Char('/'), -1).toInt(&isNumber);
-    if (!isNumber || !PathText::isAtOrBelow(path, devicePath("OrvoPlayListPlGetItemsPath")))
-        return {};
-    return AddFolderJob::Target{command, plid, row.title()};
+        return AddFolderJob::Target{command, Names::QueueId, row.title()};
+    const int plid = Names::idBelow(path, devicePath("OrvoPlayListPlGetItemsPath"));
+    return plid < 0 ? std::nullopt
+                    : std::optional(AddFolderJob::Target{command, plid, row.title()});
 }
 
 void Browser::chooseMode(const BrowseRow& what, const AddFolderJob::Target& target) {
@@ -226,24 +223,52 @@ void Browser::chooseMode(const BrowseRow& what, const AddFolderJob::Target& targ
     const auto pick = [=, this](const BrowseRow& row) {
         const auto mode = AddFolderJob::Mode(row.path().section(QLatin1Char('/'), -1).toInt());
         closeMenu();
-        if (m_adding) {
-            tell(QStringLiteral("Something is being added already."), true);
-            return;
-        }
-        m_adding = std::make_unique<AddFolderJob>(&m_calls, what, target, mode);
-        connect(m_adding.get(), &AddFolderJob::progress, this, [this](const QString& text) {
-            m_progress = text;
-            Q_EMIT changed();
-        });
-        connect(m_adding.get(), &AddFolderJob::finished, this,
-                [this](const QString& text, const QString& error) {
-                    m_progress.clear();
-                    m_adding.release()->deleteLater();
-                    tell(error.isEmpty() ? text : error, !error.isEmpty());
-                });
-        m_adding->start();
+        startAdding(what, target, mode);
     };
     pushOwnMenu(QStringLiteral("Add to %1").arg(target.name), rows, pick);
+}
+
+void Browser::startAdding(const BrowseRow& what, const AddFolderJob::Target& target,
+                          AddFolderJob::Mode mode) {
+    if (m_adding) {
+        tell(QStringLiteral("Something is being added already."), true);
+        return;
+    }
+    const auto kind =
+        what.type() == BrowseRow::Audio ? AddFolderJob::Source::Track : AddFolderJob::Source::List;
+    m_adding = std::make_unique<AddFolderJob>(
+        &m_api, QVector<AddFolderJob::Source>{{what.path(), kind}}, target, mode);
+    AddFolderJob* job = m_adding.get();
+    const auto show = [this](const QString& text) {
+        m_progress = text;
+        Q_EMIT changed();
+    };
+    connect(job, &AddFolderJob::found, this,
+            [show](int tracks) { show(QStringLiteral("Looking for tracks: %1").arg(tracks)); });
+    connect(job, &AddFolderJob::adding, this, [show](int done, int total) {
+        show(QStringLiteral("Adding %1 of %2").arg(done).arg(total));
+    });
+    connect(job, &AddFolderJob::looked, this, [this, job] {
+        if (job->tracks().isEmpty())
+            endAdding(QStringLiteral("There are no tracks in it."), true);
+        else
+            job->send();
+    });
+    connect(job, &AddFolderJob::finished, this, [this, job](const QString& error) {
+        const int count = job->tracks().size();
+        const QString amount =
+            count == 1 ? QStringLiteral("1 track") : QStringLiteral("%1 tracks").arg(count);
+        endAdding(error.isEmpty() ? QStringLiteral("%1 added to %2").arg(amount, job->target().name)
+                                  : error,
+                  !error.isEmpty());
+    });
+    job->look();
+}
+
+void Browser::endAdding(const QString& text, bool isError) {
+    m_progress.clear();
+    m_adding.release()->deleteLater();
+    tell(text, isError);
 }
 
 void Browser::showHelp() {

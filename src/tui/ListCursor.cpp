@@ -3,7 +3,7 @@
 #include "ListStore.h"
 
 namespace {
-// So far away a row is still recognised as the one somebody stood on.
+// So far away a row is still recognised as the active one.
 constexpr int Reach = 200;
 } // namespace
 

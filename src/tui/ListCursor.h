@@ -4,7 +4,7 @@
 
 class ListStore;
 
-// Where somebody is in a list: the row they stand on and the rows in view. Follows its row while
+// The place in a list: the active row and the rows in view. Follows its row while
 // rows come, go and are read again; when that row is gone, its neighbour. Owned by its place, with
 // the store.
 class ListCursor : public QObject {
@@ -24,7 +24,7 @@ public:
     void home();
     void end();
     void jumpTo(int index);
-    // The row on which somebody stood may not be loaded yet: it is looked for by its path.
+    // The row to stand on may not be loaded yet: it is looked for by its path.
     void expect(int index, const QString& path);
 
 private:

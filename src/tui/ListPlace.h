@@ -8,7 +8,7 @@
 #include "ListFinder.h"
 #include "ListStore.h"
 
-// One list that somebody has gone into: its rows, where they are in it, the row that led there.
+// One list that was opened: its rows, where they are in it, the row that led there.
 // Owned by the browser, in its stack of places or in its menu.
 class ListPlace : public QObject {
     Q_OBJECT
@@ -25,7 +25,7 @@ public:
     const ListCursor& cursor() const { return m_cursor; }
     ListFinder& finder() { return m_finder; }
     const ListFinder& finder() const { return m_finder; }
-    // The row somebody stands on.
+    // The row at the cursor.
     const BrowseRow& activeRow() const { return m_store.row(m_cursor.active()); }
 
     // As its row calls it where the published title says more: "Playlist - Party" is "Party".

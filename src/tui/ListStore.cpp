@@ -99,13 +99,13 @@ void ListStore::fetch(int page) {
                 return;
             }
             self->take(from, answer);
-            // Whoever was told may have let the list go.
+            // A listener may have let the list go.
             if (self)
                 self->pump();
         });
 }
 
-// Everything is in its place before anybody is told: they may ask for more.
+// Everything is in its place before the listeners are told: they may ask for more.
 void ListStore::take(int from, const RowsAnswer& answer) {
     const Head before = head();
     takeHead(answer);
@@ -128,7 +128,7 @@ void ListStore::takeHead(const RowsAnswer& answer) {
     if (answer.count == m_count)
         return;
     if (isLoaded()) {
-        // Nobody said where: everything may have shifted.
+        // The device did not say where: everything may have shifted.
         Q_EMIT stale();
         ++m_generation;
         cancelFrom(0);

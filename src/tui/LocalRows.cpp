@@ -33,19 +33,18 @@ void HomeRows::read(const QString&, int, int, const Done& done) {
                            {QStringLiteral("path"), path},
                            {QStringLiteral("type"), int(BrowseRow::Container)}};
     };
-    m_calls->get(
-        QStringLiteral("/api/modules"), {},
-        [=, root = m_playListsRoot](const QJsonObject& body, const QString& error, int status) {
-            const QJsonArray modules = body.value(QLatin1String("modules")).toArray();
-            RowsAnswer answer;
-            answer.error = error;
-            answer.status = status;
-            answer.title = QStringLiteral("Orvo");
-            if (modules.contains(QStringLiteral("playlists")))
-                answer.rows.append(tree("Playlists", root));
-            if (modules.contains(QStringLiteral("files")))
-                answer.rows.append(tree("Music", musicPath()));
-            answer.count = answer.rows.size();
-            done(answer);
-        });
+    m_api->get(QStringLiteral("/api/modules"), {},
+               [=, root = m_playListsRoot](const ApiAnswer& found) {
+                   const QJsonArray modules = found.body.value(QLatin1String("modules")).toArray();
+                   RowsAnswer answer;
+                   answer.error = found.error;
+                   answer.status = found.status;
+                   answer.title = QStringLiteral("Orvo");
+                   if (modules.contains(QStringLiteral("playlists")))
+                       answer.rows.append(tree("Playlists", root));
+                   if (modules.contains(QStringLiteral("files")))
+                       answer.rows.append(tree("Music", musicPath()));
+                   answer.count = answer.rows.size();
+                   done(answer);
+               });
 }

@@ -23,8 +23,8 @@ private:
 // Where everything begins: the trees of the modules that the device has.
 class HomeRows : public RowReader {
 public:
-    HomeRows(AsyncApi* calls, const QString& playListsRoot)
-        : m_calls(calls), m_playListsRoot(playListsRoot) {}
+    HomeRows(AsyncApi* api, const QString& playListsRoot)
+        : m_api(api), m_playListsRoot(playListsRoot) {}
 
     void read(const QString& path, int from, int to, const Done& done) override;
 
@@ -32,6 +32,6 @@ public:
     static QString musicPath() { return QStringLiteral("files:tree"); }
 
 private:
-    AsyncApi* m_calls;
+    AsyncApi* m_api;
     QString m_playListsRoot;
 };

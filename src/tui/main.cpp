@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include "Arguments.h"
+#include "Awaited.h"
 #include "Browser.h"
 #include "BrowserPainter.h"
 #include "ClientFailure.h"
@@ -20,14 +21,22 @@ namespace {
 constexpr int TickMs = 500; // the clock of what plays
 const QString Help = QStringLiteral("help");
 
+QJsonObject ask(const Connection& connection, const QString& resource) {
+    AsyncApi api(connection);
+    const ApiAnswer answer =
+        awaited<ApiAnswer>([&](const auto& done) { api.get(resource, {}, done); });
+    if (!answer.error.isEmpty())
+        throw ClientFailure::refused(answer.status == 0 ? api.unreachable() : answer.error);
+    return answer.body;
+}
+
 // Keys and events come through one event loop; however many come at once, it is drawn once.
 void browse(const Connection& connection, const QString& start) {
     Terminal::check();
     CellText::prepareLocale();
-    ApiClient client(connection.url, connection.token);
     const QJsonArray modules =
-        client.get(QStringLiteral("/api/modules")).value(QLatin1String("modules")).toArray();
-    Browser browser(&client, client.get(QStringLiteral("/api/paths")), modules, start);
+        ask(connection, QStringLiteral("/api/modules")).value(QLatin1String("modules")).toArray();
+    Browser browser(connection, ask(connection, QStringLiteral("/api/paths")), modules, start);
 
     QEventLoop loop;
     TerminalSignals signalled;

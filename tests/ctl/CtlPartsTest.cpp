@@ -3,12 +3,12 @@
 #include <QJsonArray>
 
 #include "ClientFailure.h"
+#include "MusicSources.h"
 #include "Names.h"
 #include "PlayerStatus.h"
 #include "Positions.h"
 #include "ProgressBar.h"
 #include "TextTable.h"
-#include "TrackFinder.h"
 #include "TrackOrder.h"
 #include "Verbs.h"
 
@@ -65,11 +65,11 @@ TEST(Names, aNameOrAnIdBehindAHash) {
     }
 }
 
-TEST(TrackFinder, aLocalNameIsAPathInTheMusicFolder) {
-    EXPECT_EQ(TrackFinder::pathOf("/music/a b/c#1.flac", "/music"), "files:tree/a%20b/c%231.flac");
-    EXPECT_EQ(TrackFinder::pathOf("/music", "/music"), "files:tree");
-    EXPECT_EQ(TrackFinder::pathOf("/a", "/"), "files:tree/a");
-    EXPECT_EQ(statusOf([] { TrackFinder::pathOf("/music2/a.flac", "/music"); }),
+TEST(MusicSources, aLocalNameIsAPathInTheMusicFolder) {
+    EXPECT_EQ(MusicSources::pathOf("/music/a b/c#1.flac", "/music"), "files:tree/a%20b/c%231.flac");
+    EXPECT_EQ(MusicSources::pathOf("/music", "/music"), "files:tree");
+    EXPECT_EQ(MusicSources::pathOf("/a", "/"), "files:tree/a");
+    EXPECT_EQ(statusOf([] { MusicSources::pathOf("/music2/a.flac", "/music"); }),
               ClientFailure::Refused);
 }
 

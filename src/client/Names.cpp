@@ -6,12 +6,7 @@
 #include "ClientFailure.h"
 #include "PathText.h"
 
-namespace {
-const QStringList Roles = {QStringLiteral("title"), QStringLiteral("path")};
-
-// The number behind `list` in `path`, -1 when there is none: rows that do something else have other
-// paths.
-int idBelow(const QString& path, const QString& list) {
+int Names::idBelow(const QString& path, const QString& list) {
     const QStringList components = PathText::components(path);
     if (!path.startsWith(list + QLatin1Char('/')) ||
         components.size() != PathText::components(list).size() + 1)
@@ -20,36 +15,27 @@ int idBelow(const QString& path, const QString& list) {
     const int id = components.last().toInt(&ok);
     return ok ? id : -1;
 }
-} // namespace
 
-const QVector<Named>& Names::playlists() {
-    if (!m_playlists.isEmpty())
-        return m_playlists;
-    const QString items = m_device->path(QStringLiteral("OrvoPlayListPlGetItemsPath"));
-    m_playlists.append({QueueId, QStringLiteral("queue")});
-    for (const QJsonObject& row :
-         m_device->rows(m_device->path(QStringLiteral("OrvoPlayListPlGetlistPath")), Roles).rows) {
+QVector<Named> Names::playlists(const QVector<QJsonObject>& rows, const QString& items) {
+    QVector<Named> found = {{QueueId, QStringLiteral("queue")}};
+    for (const QJsonObject& row : rows) {
         const int id = idBelow(row.value(QStringLiteral("path")).toString(), items);
         if (id > QueueId)
-            m_playlists.append({id, row.value(QStringLiteral("title")).toString()});
+            found.append({id, row.value(QStringLiteral("title")).toString()});
     }
-    return m_playlists;
+    return found;
 }
 
-const QVector<Named>& Names::collections() {
-    if (m_collectionsRead)
-        return m_collections;
-    m_collectionsRead = true;
-    const QString items = m_device->path(QStringLiteral("OrvoPlayListClGetItemsPath"));
-    for (const QJsonObject& row :
-         m_device->rows(m_device->path(QStringLiteral("OrvoPlayListsRootPath")), Roles).rows) {
+QVector<Named> Names::collections(const QVector<QJsonObject>& rows, const QString& items) {
+    QVector<Named> found;
+    for (const QJsonObject& row : rows) {
         const QString path = row.value(QStringLiteral("path")).toString();
         bool ok = false;
         const int id = PathText::parameter(path, QStringLiteral("clid")).toInt(&ok);
         if (ok && path.section(QLatin1Char('?'), 0, 0) == items)
-            m_collections.append({id, row.value(QStringLiteral("title")).toString()});
+            found.append({id, row.value(QStringLiteral("title")).toString()});
     }
-    return m_collections;
+    return found;
 }
 
 Named Names::find(const QVector<Named>& all, const QString& text, const QString& kind) {
@@ -75,14 +61,6 @@ Named Names::find(const QVector<Named>& all, const QString& text, const QString&
     return found.first();
 }
 
-Named Names::playlist(const QString& text) {
-    return find(playlists(), text, QStringLiteral("playlist"));
-}
-
-Named Names::collection(const QString& text) {
-    return find(collections(), text, QStringLiteral("collection"));
-}
-
 QString Names::visible(const QString& name) {
     const QVector<uint> letters = name.toUcs4();
     const auto isUnseen = [](uint letter) {
@@ -92,11 +70,4 @@ QString Names::visible(const QString& name) {
     if (!letters.isEmpty() && std::all_of(letters.begin(), letters.end(), isUnseen))
         throw ClientFailure::usage(QStringLiteral("a name needs something that can be seen"));
     return name;
-}
-
-QString Names::itemsPath(const Named& playlist) {
-    return playlist.id == QueueId
-               ? m_device->path(QStringLiteral("OrvoPlayListPqGetItemsPath"))
-               : PathText::append(m_device->path(QStringLiteral("OrvoPlayListPlGetItemsPath")),
-                                  {QString::number(playlist.id)});
 }
