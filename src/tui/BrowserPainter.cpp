@@ -70,7 +70,9 @@ void BrowserPainter::paintHead(int width) {
     for (const auto& place : m_browser->places())
         way.append(place->title());
     const QString last = way.takeLast();
-    CellText text(way.isEmpty() ? QString() : way.join(Glyphs::between()) + Glyphs::between());
+    const QString between = Glyphs::of(Glyph::Between);
+    const QString behind = way.isEmpty() ? QString() : way.join(between) + between;
+    CellText text(behind);
     const int before = text.width();
     text += CellText(last);
     const int room = width - right.width() - 2;
@@ -79,16 +81,12 @@ void BrowserPainter::paintHead(int width) {
     // What lies behind is quiet, where one is stands out.
     m_terminal->put(0, 0, shown, Style::Accent);
     if (cut == 0)
-        m_terminal->put(
-            0, 0,
-            CellText(way.isEmpty() ? QString() : way.join(Glyphs::between()) + Glyphs::between())
-                .cut(before),
-            Style::Dim);
+        m_terminal->put(0, 0, CellText(behind).cut(before), Style::Dim);
     m_terminal->put(0, width - right.width(), right, Style::Dim);
 }
 
 void BrowserPainter::paintInfo(int row, int width) {
-    m_terminal->put(row, 0, Glyphs::line(width), Style::Dim);
+    m_terminal->put(row, 0, Glyphs::line(Glyph::Line, width), Style::Dim);
     if (m_browser->finding()) {
         paintFinding(row, width);
         return;
@@ -145,9 +143,9 @@ CellText BrowserPainter::playingText() const {
         return CellText(QStringLiteral("No player"));
     const BrowseRow track = player.track();
     if (!track.isThere())
-        return CellText(Glyphs::stopped() + QStringLiteral(" Nothing plays"));
-    QString text = (player.isPlaying() ? Glyphs::plays() : Glyphs::pauses()) + QLatin1Char(' ') +
-                   track.title();
+        return CellText(Glyphs::of(Glyph::Stopped) + QStringLiteral(" Nothing plays"));
+    QString text = (player.isPlaying() ? Glyphs::of(Glyph::Plays) : Glyphs::of(Glyph::Pauses)) +
+                   QLatin1Char(' ') + track.title();
     if (!track.artist().isEmpty())
         text += QStringLiteral(" – ") + track.artist();
     return CellText(text);
@@ -190,9 +188,10 @@ void BrowserPainter::paintBar(int row, int column, int columns) {
     if (cells < 2)
         return;
     const int done = player.duration() > 0 ? int(player.position() * cells / player.duration()) : 0;
-    m_terminal->put(row, column + before.width() + 1, Glyphs::barDone(done), Style::Accent);
-    m_terminal->put(row, column + before.width() + 1 + done, Glyphs::barLeft(cells - done),
-                    Style::Dim);
+    m_terminal->put(row, column + before.width() + 1, Glyphs::line(Glyph::BarDone, done),
+                    Style::Accent);
+    m_terminal->put(row, column + before.width() + 1 + done,
+                    Glyphs::line(Glyph::BarLeft, cells - done), Style::Dim);
 }
 
 void BrowserPainter::paintFrame(const QRect& frame, const CellText& title) {

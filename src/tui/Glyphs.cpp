@@ -4,52 +4,29 @@
 
 namespace {
 
-QString either(const char* sign, const char* plain) {
-    return QString::fromUtf8(CellText::isUtf8() ? sign : plain);
-}
+struct GlyphRow {
+    Glyph glyph;
+    const char* text;
+    const char* plain;
+};
+
+constexpr GlyphRow GlyphTable[] = {
+    {Glyph::Plays, "▶", ">"},   {Glyph::Pauses, "‖", "="},      {Glyph::Stopped, "■", "#"},
+    {Glyph::Opens, "›", ">"},   {Glyph::Between, " › ", " > "}, {Glyph::Waits, "…", "..."},
+    {Glyph::Thumb, "┃", "#"},   {Glyph::Track, "│", "|"},       {Glyph::Line, "─", "-"},
+    {Glyph::BarDone, "━", "="}, {Glyph::BarLeft, "─", "-"},
+};
 
 } // namespace
 
-QString Glyphs::plays() {
-    return either("▶", ">");
+QString Glyphs::of(Glyph glyph) {
+    for (const GlyphRow& row : GlyphTable) {
+        if (row.glyph == glyph)
+            return QString::fromUtf8(CellText::isUtf8() ? row.text : row.plain);
+    }
+    return {};
 }
 
-QString Glyphs::pauses() {
-    return either("‖", "=");
-}
-
-QString Glyphs::stopped() {
-    return either("■", "#");
-}
-
-QString Glyphs::opens() {
-    return either("›", ">");
-}
-
-QString Glyphs::between() {
-    return either(" › ", " > ");
-}
-
-QString Glyphs::waits() {
-    return either("…", "...");
-}
-
-QString Glyphs::thumb() {
-    return either("┃", "#");
-}
-
-QString Glyphs::track() {
-    return either("│", "|");
-}
-
-QString Glyphs::line(int columns) {
-    return either("─", "-").repeated(qMax(0, columns));
-}
-
-QString Glyphs::barDone(int columns) {
-    return either("━", "=").repeated(qMax(0, columns));
-}
-
-QString Glyphs::barLeft(int columns) {
-    return either("─", "-").repeated(qMax(0, columns));
+QString Glyphs::line(Glyph glyph, int columns) {
+    return of(glyph).repeated(qMax(0, columns));
 }

@@ -2,20 +2,25 @@
 
 #include <QString>
 
-// The signs that are drawn besides texts; plain ones where the terminal has no others.
+// What is drawn besides texts; plain characters where the terminal has no others.
+enum class Glyph {
+    Plays,
+    Pauses,
+    Stopped,
+    Opens,
+    Between, // two parts of a way: "Playlists › Party"
+    Waits,
+    Thumb,
+    Track,
+    Line,
+    BarDone, // how much of something is done, and what is left of it
+    BarLeft
+};
+
 namespace Glyphs {
 
-QString plays();
-QString pauses();
-QString stopped();
-QString opens();
-QString between(); // two parts of a way: "Playlists › Party"
-QString waits();
-QString thumb();
-QString track();
-QString line(int columns);
-// How much of something is done.
-QString barDone(int columns);
-QString barLeft(int columns);
+QString of(Glyph glyph);
+// So many of them side by side.
+QString line(Glyph glyph, int columns);
 
 } // namespace Glyphs

@@ -21,12 +21,12 @@ QString detailOf(const BrowseRow& row) {
         return row.isOn() ? QStringLiteral("on") : QStringLiteral("off");
     if (row.type() == BrowseRow::Editable)
         return row.text();
-    return row.opens() ? Glyphs::opens() : QString();
+    return row.opens() ? Glyphs::of(Glyph::Opens) : QString();
 }
 
 QString markOf(const BrowseRow& row, const PlayerModel& player) {
     if (player.isCurrent(row))
-        return player.isPlaying() ? Glyphs::plays() : Glyphs::pauses();
+        return player.isPlaying() ? Glyphs::of(Glyph::Plays) : Glyphs::of(Glyph::Pauses);
     return row.isCreate() ? QStringLiteral("+") : QString();
 }
 
@@ -71,9 +71,10 @@ void ListPainter::paintRow(const BrowseRow& row, int line, bool isActive) {
     if (isActive)
         m_terminal->put(line, m_area.left(), CellText().fitted(m_area.width()), Style::Plain, true);
     if (!row.isThere())
-        m_terminal->put(line, m_area.left() + MarkColumns, Glyphs::waits(), Style::Dim, isActive);
+        m_terminal->put(line, m_area.left() + MarkColumns, Glyphs::of(Glyph::Waits), Style::Dim,
+                        isActive);
     else if (row.type() == BrowseRow::Separator)
-        m_terminal->put(line, m_area.left(), Glyphs::line(m_area.width()), Style::Dim);
+        m_terminal->put(line, m_area.left(), Glyphs::line(Glyph::Line, m_area.width()), Style::Dim);
     else if (row.type() == BrowseRow::Header)
         paintHeading(row, line);
     else if (row.type() == BrowseRow::Audio)
@@ -86,7 +87,7 @@ void ListPainter::paintHeading(const BrowseRow& row, int line) {
     const CellText title = CellText(row.title()).cut(m_area.width());
     m_terminal->put(line, m_area.left(), title, Style::Heading);
     m_terminal->put(line, m_area.left() + title.width() + 1,
-                    Glyphs::line(m_area.width() - title.width() - 1), Style::Dim);
+                    Glyphs::line(Glyph::Line, m_area.width() - title.width() - 1), Style::Dim);
 }
 
 void ListPainter::paintTrack(const BrowseRow& row, int line, bool isActive) {
@@ -152,7 +153,7 @@ void ListPainter::paintScrollBar(const ListPlace& place) {
     for (int i = 0; i < height; ++i) {
         const bool isThumb = i >= from && i < from + size;
         m_terminal->put(m_area.top() + i, m_area.right(),
-                        isThumb ? Glyphs::thumb() : Glyphs::track(),
+                        isThumb ? Glyphs::of(Glyph::Thumb) : Glyphs::of(Glyph::Track),
                         isThumb ? Style::Plain : Style::Dim);
     }
 }
