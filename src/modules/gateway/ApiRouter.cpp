@@ -114,6 +114,10 @@ HttpResponse renderRows(const OrvoRowsRoles& answer, const QStringList& roleName
         json.name(QStringLiteral("lastPlayedIndex"));
         json.value(qint64(answer.lastPlayedIndex()));
     }
+    if (answer.containsResumeIndex()) {
+        json.name(QStringLiteral("resumeIndex"));
+        json.value(qint64(answer.resumeIndex()));
+    }
     json.name(QStringLiteral("roles"));
     json.value(answer.roles().toVariant());
     json.name(QStringLiteral("rows"));

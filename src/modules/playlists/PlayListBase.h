@@ -95,6 +95,11 @@ public:
         std::function<bool(QVariantHash& roles, const QString& id, int sequenceNumber)>;
     virtual void visitRoles(int from, int to, const VisitRoles& visit) = 0;
 
+    // Whether playback came to its end, with nothing played from it since: then one begins anew.
+    // Forgotten at a restart.
+    bool hasEnded() const { return m_hasEnded; }
+    void setEnded(bool ended) { m_hasEnded = ended; }
+
     // The follower is called once, before the first signal leaves. Null for none any more.
     void setFollower(PlayListFollower* follower) { m_follower = follower; }
     // Whoever else connects to the signals calls the follower before, which is to hear first.
@@ -128,4 +133,5 @@ protected:
 
 private:
     PlayListFollower* m_follower = nullptr;
+    bool m_hasEnded = false;
 };

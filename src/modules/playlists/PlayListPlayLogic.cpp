@@ -255,10 +255,15 @@ void PlayListPlayLogic::startPlayback(const CMPath& path, int index, CMSetDataRe
     setRepeatMode(repeatAll ? RepeatAll : RepeatOff);
 }
 
+void PlayListPlayLogic::makePosition(int seqNum) {
+    m_currentPlayList->setEnded(false);
+    m_currentPlayList->setLastSequenceNumber(seqNum);
+}
+
 void PlayListPlayLogic::playTrackRoles(OrvoRoles roles) {
     const OrvoValue position = roles.value();
     if (m_currentPlayList && position.containsI32_())
-        m_currentPlayList->setLastSequenceNumber(position.i32());
+        makePosition(position.i32());
     m_hasPlayingItem = !roles.isEmpty();
     m_cursorBeforeAnnouncement.reset();
     sendPlayCommand(roles, {});
@@ -369,7 +374,7 @@ void PlayListPlayLogic::takeOverCurrentTrack() {
     const OrvoValue position = m_currentTrackRoles.value();
     if (!m_currentPlayList || !position.containsI32_())
         return;
-    m_currentPlayList->setLastSequenceNumber(position.i32());
+    makePosition(position.i32());
     m_currentTrackRoles = OrvoRoles();
     Q_EMIT upNextChanged();
 }
@@ -429,6 +434,8 @@ void PlayListPlayLogic::tryResumePlayback() {
         playTrackRoles(roles);
     } else {
         m_hasPlayingItem = false;
+        if (m_currentPlayList && m_errorCount <= MaximumErrorCount)
+            m_currentPlayList->setEnded(true);
         playbackEnded();
         Q_EMIT upNextChanged();
     }

@@ -100,6 +100,8 @@ private:
     // Shuffle and repeat as they will be once the published mode is in force.
     bool publishedShuffle() const;
     RepeatMode publishedRepeat() const;
+    // The track is heard from here on.
+    void makePosition(int seqNum);
     // The prepared track has become the position.
     void takeOverCurrentTrack();
     // An announced item has not been heard: steps and edits count from the playing one.

@@ -98,9 +98,11 @@ public:
     ORVO_ATTRIBUTE(OrvoRoles, roles, Roles, "roles")
     ORVO_ATTRIBUTE(QVariantList, rows, Rows, "rows")
     ORVO_ATTRIBUTE(int, rowsCount, RowsCount, "rowsCount")
-    // Only of a list that has such: which state of it this is, and the row that was played last.
+    // Only of a list that has such: which state of it this is, the row that was played last, and
+    // the one to go on with.
     ORVO_ATTRIBUTE(qint64, revision, Revision, "revision")
     ORVO_ID_ATTRIBUTE(lastPlayedIndex, LastPlayedIndex, "lastPlayedIndex")
+    ORVO_ID_ATTRIBUTE(resumeIndex, ResumeIndex, "resumeIndex")
 };
 
 struct OrvoEventRowsType {

@@ -49,7 +49,7 @@ TEST_F(GatewayApi, aListsRevisionAndLastPlayedRowStandBesideItsCount) {
     ASSERT_EQ(answer.status, 200);
     EXPECT_EQ(
         answer.body.toStdString(),
-        R"({"title":"","rowsCount":0,"revision":9007199254740991,"lastPlayedIndex":-1,"roles":{},"rows":[]})");
+        R"({"title":"","rowsCount":0,"revision":9007199254740991,"lastPlayedIndex":4,"resumeIndex":4,"roles":{},"rows":[]})");
 }
 
 TEST_F(GatewayApi, withoutRolesTheDefaultSetComes) {

@@ -77,7 +77,8 @@ bool revisedRows(const CMGetRowsRequest& request) {
     OrvoRowsRoles answer;
     answer.setRowsCount(0);
     answer.setRevision((qint64(1) << 53) - 1);
-    answer.setLastPlayedIndex(-1);
+    answer.setLastPlayedIndex(4);
+    answer.setResumeIndex(4);
     request.reply().setValue(answer);
     return true;
 }

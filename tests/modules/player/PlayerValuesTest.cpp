@@ -260,9 +260,7 @@ protected:
         result.setPosition(ms);
         return result;
     }
-    QString stored() {
-        return root.values()->value(OrvoPlayerSettingsResumePointPath()).string();
-    }
+    QString stored() { return root.values()->value(OrvoPlayerSettingsResumePointPath()).string(); }
 };
 
 TEST_F(ResumePointTest, aStopKeepsWhereItWasAndAPlayRequestGoesOnThere) {

@@ -97,7 +97,7 @@ export class ListStore extends Emitter {
     this.read = read;
     this.title = null;
     this.roles = {};
-    this.lastPlayed = -1; // index of the last played track
+    this.resumeIndex = -1; // of the track to go on with
     this.count = -1;
     this.closed = false;
     this.revision = undefined; // of the list whose places the rows have that are fresh
@@ -216,10 +216,10 @@ export class ListStore extends Emitter {
 
   setTitle(answer) {
     this.roles = answer.roles ?? {};
-    const lastPlayed = answer.lastPlayedIndex ?? -1;
-    if (answer.title === this.title && lastPlayed === this.lastPlayed) return;
+    const resumeIndex = answer.resumeIndex ?? -1;
+    if (answer.title === this.title && resumeIndex === this.resumeIndex) return;
     this.title = answer.title;
-    this.lastPlayed = lastPlayed;
+    this.resumeIndex = resumeIndex;
     this.emit('title');
   }
 

@@ -190,9 +190,9 @@ export class Screen {
 
   // It was left neither in its first track nor by playing to its end, and can be gone on with.
   isLeftInside() {
-    const { lastPlayed, count } = this.store;
-    if (!this.target || this.plays || !(lastPlayed > 0 && lastPlayed < count)) return false;
-    return lastPlayed < count - 1 || this.app.player.lastStop.mediaPath === this.path;
+    const { resumeIndex, count } = this.store;
+    if (!this.target || this.plays || !(resumeIndex > 0 && resumeIndex < count)) return false;
+    return resumeIndex < count - 1 || this.app.player.lastStop.mediaPath === this.path;
   }
 
   // Its own, or those of its rows, or of what its rows hold.
@@ -318,7 +318,7 @@ export class Screen {
   // At the track that was played last, from where playback was stopped in it.
   async goOn() {
     const { player } = this.app;
-    const { lastPlayedIndex: index } = await this.store.read(this.path, 0, 0, ['path']);
+    const { resumeIndex: index = 0 } = await this.store.read(this.path, 0, 0, ['path']);
     const { rows: [track] } = await this.store.read(this.path, index, index, RowRoles);
     const { mediaPath, trackPath, position: stoppedAt } = player.lastStop;
     const isThere = mediaPath === this.path && trackPath === track.path;

@@ -56,7 +56,8 @@ TEST_F(LogLengthsTest, namesAreCut) {
             QStringList(
                 QString("Playlist id: %1, name: %2 created successfully").arg(plid).arg(name)),
             log.texts("INFO"));
-        EXPECT_EQ(QStringList({"name=" + name, "name=" + name}), enterLines(log, "::createPlayList("));
+        EXPECT_EQ(QStringList({"name=" + name, "name=" + name}),
+                  enterLines(log, "::createPlayList("));
         EXPECT_TRUE(
             log.contains("TRACE", QString("Created playlist uid=%1 name=%2").arg(plid).arg(name)));
         EXPECT_TRUE(log.lines().filter("value: ").value(0).endsWith(

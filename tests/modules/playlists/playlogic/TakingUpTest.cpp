@@ -29,9 +29,9 @@ TEST_F(TakingUpTest, itemsAddedNowToAShuffledListBeginTheNewOrder) {
     logic()->prepareNextMedia();
     player.takeCommands();
     addItems(pl->getUid(), {"x", "y"}, Position::Now);
-    EXPECT_EQ((QStringList{"next x@1", "asked to play: " + itemsPath(pl).toString() + " 1",
-                           "play x@1"}),
-              player.takeCommands());
+    EXPECT_EQ(
+        (QStringList{"next x@1", "asked to play: " + itemsPath(pl).toString() + " 1", "play x@1"}),
+        player.takeCommands());
     EXPECT_EQ(1, probe().order().value(0));
     EXPECT_TRUE(isPermutation(probe().order(), 5));
     EXPECT_TRUE(probe().currentTrackRoles().isEmpty());

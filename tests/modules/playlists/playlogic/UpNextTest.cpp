@@ -115,15 +115,23 @@ TEST_F(UpNextTest, eachChangeIsOneReset) {
         [this] { previous(); },
         [this] { player.end(); },
         [&] { pl->removeItems({4}); },
-        [&] { pl->moveItems({3, 4}, 2); },
+        [&] {
+            pl->moveItems({3, 4}, 2);
+        },
         [&] { pl->moveItem(0, 3); },
-        [&] { pl->setOrder({4, 3, 2, 1, 0}); },
+        [&] {
+            pl->setOrder({4, 3, 2, 1, 0});
+        },
         [&] { add(pl, Position::Append, "x"); },
-        [&] { pl->addItemsAt({{0, 2}, true}, itemsOf("yz")); },
+        [&] {
+            pl->addItemsAt({{0, 2}, true}, itemsOf("yz"));
+        },
         [this] { changeMode(OrvoPlayerPlayMode::RepeatAll); },
         [this] { changeMode(OrvoPlayerPlayMode::RepeatOne); },
         [this] { changeMode(OrvoPlayerPlayMode::Shuffle); },
-        [&] { pl->removeItems({pl->getLastSequenceNumber() - 1, pl->getLastSequenceNumber()}); },
+        [&] {
+            pl->removeItems({pl->getLastSequenceNumber() - 1, pl->getLastSequenceNumber()});
+        },
         [&] {
             next();
             next();

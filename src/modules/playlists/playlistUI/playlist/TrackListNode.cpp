@@ -53,7 +53,10 @@ void TrackListNode::sendTracks(PlayListBase* pl, int total, const VisitRows& vis
             return;
         }
         reply.setRevision(pl->getRevision());
-        reply.setLastPlayedIndex(pl->getLastSequenceNumber());
+        const int last = pl->getLastSequenceNumber();
+        reply.setLastPlayedIndex(last);
+        if (last >= 0 && last < pl->getSize() && !pl->hasEnded())
+            reply.setResumeIndex(last);
     }
     sendRowsReply(rows, total, title, createRolesFromPath(path(), request.roleNames()), request,
                   false, reply);
