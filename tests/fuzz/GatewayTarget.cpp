@@ -64,7 +64,7 @@ void tryRequests(World& world, const QByteArray& text) {
     {
         EventFeed feed(CMRoot()->events(), {}, CommentMs);
         const PageFiles pages(world.pageFolder());
-        const ArtworkFiles artwork(world.musicFolder());
+        const ArtworkFiles artwork(world.musicFolder(), QString());
         // With a token for some inputs: the door is tried open and closed.
         Door door({}, input.contains("Authorization: ") ? "secret-token" : QByteArray());
         ApiRouter router(&feed, &pages, &artwork, &door, world.apiLimits());

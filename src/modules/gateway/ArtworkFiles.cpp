@@ -25,16 +25,27 @@ bool isPicture(const QString& file) {
 
 } // namespace
 
+ArtworkFiles::ArtworkFiles(const QString& musicFolder, const QString& dataFolder) {
+    if (!musicFolder.isEmpty())
+        m_folders.append(musicFolder);
+    if (!dataFolder.isEmpty())
+        m_folders.append(dataFolder + QStringLiteral("/artwork"));
+}
+
 std::optional<HttpResponse> ArtworkFiles::find(const QString& uri,
                                                const QByteArray& heldTag) const {
-    const QString folder =
-        m_musicFolder.isEmpty() ? QString() : QFileInfo(m_musicFolder).canonicalFilePath();
     const QUrl url(uri, QUrl::StrictMode);
-    if (folder.isEmpty() || !url.isLocalFile() || !url.host().isEmpty())
+    if (!url.isLocalFile() || !url.host().isEmpty())
         return std::nullopt;
     // Also after links are followed: a link named like a picture may lead to something else.
     const QString file = QFileInfo(url.toLocalFile()).canonicalFilePath();
     if (!isPicture(file))
         return std::nullopt;
-    return ServedFile::answer(folder, file, MaxPicture, CacheControl, heldTag);
+    for (const QString& configured : m_folders) {
+        const QString folder = QFileInfo(configured).canonicalFilePath();
+        if (folder.isEmpty() || !file.startsWith(folder + QLatin1Char('/')))
+            continue;
+        return ServedFile::answer(folder, file, MaxPicture, CacheControl, heldTag);
+    }
+    return std::nullopt;
 }

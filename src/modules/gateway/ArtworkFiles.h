@@ -2,19 +2,20 @@
 
 #include <optional>
 
-#include <QString>
+#include <QStringList>
 
 #include "HttpMessages.h"
 
-// The pictures in the music folder, for clients that know a track's artwork by its file: URL only.
-// Serves nothing but pictures, and nothing from outside the folder. Nothing here fails: what may
+// The pictures in the music folder, and those from inside of music files, which are kept in the
+// data folder, for clients that know a track's artwork by its file: URL only. Serves nothing but
+// pictures, and nothing from outside the two folders. Nothing here fails: what may
 // not be seen is not found.
 class ArtworkFiles {
 public:
-    explicit ArtworkFiles(const QString& musicFolder) : m_musicFolder(musicFolder) {}
+    ArtworkFiles(const QString& musicFolder, const QString& dataFolder);
 
     std::optional<HttpResponse> find(const QString& uri, const QByteArray& heldTag) const;
 
 private:
-    QString m_musicFolder; // as configured: it may be a link, or come later
+    QStringList m_folders; // as configured: they may be links, or come later
 };

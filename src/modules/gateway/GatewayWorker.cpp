@@ -113,7 +113,8 @@ GatewayWorker::GatewayWorker(const QHash<QString, QVariant>& config)
       m_feed(CMRoot()->events(), historyLimits(config),
              positive(config, "gateway/commentMs", DefaultCommentMs), m_limits.eventStreams),
       m_pages(config.value(QStringLiteral("gateway/webRoot")).toString()),
-      m_artwork(config.value(QStringLiteral("musicDir")).toString()),
+      m_artwork(config.value(QStringLiteral("musicDir")).toString(),
+                config.value(QStringLiteral("dataDir")).toString()),
       m_door(makeDoor(config, &m_failure)),
       m_router(&m_feed, &m_pages, &m_artwork, &m_door, apiLimits(config)),
       m_server(

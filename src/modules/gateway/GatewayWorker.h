@@ -16,6 +16,7 @@
 //   gateway/portFile         file to write the port in use to, atomically
 //   gateway/webRoot          folder of the web page's files
 //   musicDir                 folder whose pictures are served as artwork
+//   dataDir                  its folder "artwork" has further pictures
 //   gateway/answerTimeoutMs  how long a module may take to answer; default 30000
 //   gateway/tokenFile        file with the token that every request to /api/ carries; needed for an
 //                            address that other machines reach

@@ -84,6 +84,20 @@ TEST_F(GatewayArtwork, nothingOutsideTheMusicFolderIsServed) {
         EXPECT_EQ(ask(uri).status, 404) << uri.toStdString();
 }
 
+TEST_F(GatewayArtwork, picturesFromInsideOfMusicFilesAreServedFromTheDataFolderAndNothingElse) {
+    QDir(m_folder.path()).mkpath(QStringLiteral("data/artwork"));
+    write("data/artwork/kept.png", "kept");
+    write("data/other.png", "other");
+    write("data/files.sqlite", "tags");
+    link("data/files.sqlite", "data/artwork/link.png");
+    EXPECT_EQ(ask(fileUrl("data/artwork/kept.png")).status, 404);
+    restart({{"musicDir", m_folder.filePath("music")}, {"dataDir", m_folder.filePath("data")}});
+    EXPECT_EQ(ask(fileUrl("data/artwork/kept.png")).body, "kept");
+    EXPECT_EQ(ask(fileUrl("music/A & B/cover.png")).body, "png");
+    for (const char* name : {"data/other.png", "data/files.sqlite", "data/artwork/link.png"})
+        EXPECT_EQ(ask(fileUrl(name)).status, 404) << name;
+}
+
 TEST_F(GatewayArtwork, nothingButPicturesIsServed) {
     for (const char* name :
          {"music/A & B/song.flac", "music/A & B/drawing.svg", "music/A & B",
