@@ -18,7 +18,8 @@ constexpr int MostWatches = 8192;
 FilesWorker::FilesWorker(const QHash<QString, QVariant>& config)
     : CMNodesWorker(config, QStringLiteral("Files")),
       m_tree(config.value(QStringLiteral("musicDir")).toString()),
-      m_scanner(&m_tree),
+      m_loader(&m_tree, config.value(QStringLiteral("dataDir")).toString()),
+      m_scanner(&m_tree, &m_loader),
       m_watcher(MostWatches),
       m_publisher(&m_tree, &m_scanner, subscribe()),
       m_treeNode(&m_tree, nodes(), nullptr) {
@@ -65,6 +66,7 @@ void FilesWorker::scan() {
 void FilesWorker::announce() {
     if (!std::exchange(m_announce, false))
         return;
+    m_loader.sawAll();
     LOG4CPLUS_INFO(filesLogger(), m_tree.tracksCount()
                                       << " tracks in " << m_tree.foldersCount() << " folders");
 }
@@ -108,7 +110,7 @@ void FilesWorker::prepareItems(const CMSetDataRequest& request) {
         const QString text = element.toString();
         paths.append(text.isEmpty() ? CMPath::fromQVariant(element).toString() : text);
     }
-    auto* job = new PrepareJob(&m_tree, paths, request.reply(), this);
+    auto* job = new PrepareJob(&m_tree, &m_loader, paths, request.reply(), this);
     job->start();
 }
 

@@ -5,10 +5,12 @@
 #include "FolderWatcher.h"
 #include "MusicTree.h"
 #include "Scanner.h"
+#include "TagLoader.h"
 #include "TreeNode.h"
 
 // The module's root object: makes and wires the others, and routes requests. Owned by the host, on
-// its thread. Configuration: "musicDir", the folder to publish; without one the tree is empty.
+// its thread. Configuration: "musicDir", the folder to publish; without one the tree is
+// empty. "dataDir", where tags and pictures are kept; without one they are read at each start.
 class FilesWorker : public CMNodesWorker {
     Q_OBJECT
 public:
@@ -32,6 +34,7 @@ private:
     void announce();
 
     MusicTree m_tree;
+    TagLoader m_loader;
     Scanner m_scanner;
     FolderWatcher m_watcher;
     ChangePublisher m_publisher;

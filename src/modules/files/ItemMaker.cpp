@@ -29,7 +29,6 @@ void ItemMaker::enter(const FolderPtr& folder) {
     m_path = folder->path.toString() + QLatin1Char('/');
     m_url = MusicRoles::fileUrl(folder->diskPath + QLatin1Char('/'));
     m_artworkUrl = MusicRoles::artworkUrl(*folder);
-    m_common.setArtworkUrl(m_artworkUrl);
     m_common.setServiceId(MusicRoles::serviceId());
 }
 
@@ -41,27 +40,30 @@ OrvoPlayListItem ItemMaker::item(const FolderPtr& folder, const Track& track) {
     const QString url = isPrintableAscii(track.name)
                             ? m_url + encoded(track.name, KeptInUrls)
                             : MusicRoles::fileUrl(folder->trackFile(track));
+    const QString artworkUrl = m_artworkUrl.isEmpty() ? track.tags->picture : m_artworkUrl;
     OrvoPlayListItem item = m_common;
+    item.setArtworkUrl(artworkUrl);
     item.setTitle(title);
-    item.setArtist(track.tags.artist);
-    item.setAlbum(track.tags.album);
-    item.setGenre(track.tags.genre);
-    item.setDurationSeconds(int((track.tags.durationMs + MsPerSecond / 2) / MsPerSecond));
+    item.setArtist(track.tags->artist);
+    item.setAlbum(track.tags->album);
+    item.setGenre(track.tags->genre);
+    item.setDurationSeconds(int((track.tags->durationMs + MsPerSecond / 2) / MsPerSecond));
     item.setUrl(url);
-    item.setOrvoRoles(rolesText(track, title, url));
+    item.setOrvoRoles(rolesText(track, title, url, artworkUrl));
     return item;
 }
 
 // What QJsonDocument makes of MusicRoles::track(), without the hashes in between: a large folder is
 // added several times as fast.
-QString ItemMaker::rolesText(const Track& track, const QString& title, const QString& url) {
+QString ItemMaker::rolesText(const Track& track, const QString& title, const QString& url,
+                             const QString& artworkUrl) {
     static const QString prePlayPath = MusicRoles::prePlayPath().toString();
-    const TrackTags& tags = track.tags;
+    const TrackTags& tags = *track.tags;
     m_json.clear();
     m_json << R"({"mediaData":{"metaData":{"album":)" << tags.album << R"(,"artist":)"
            << tags.artist;
-    if (!m_artworkUrl.isEmpty())
-        m_json << R"(,"artworkUrl":)" << m_artworkUrl;
+    if (!artworkUrl.isEmpty())
+        m_json << R"(,"artworkUrl":)" << artworkUrl;
     m_json << R"(,"duration":)" << tags.durationMs << R"(,"genre":)" << tags.genre
            << R"(,"prePlayPath":)" << prePlayPath << R"(,"serviceId":)" << MusicRoles::serviceId();
     if (tags.trackNumber > 0)

@@ -14,12 +14,13 @@ public:
 
 private:
     void enter(const FolderPtr& folder);
-    QString rolesText(const Track& track, const QString& title, const QString& url);
+    QString rolesText(const Track& track, const QString& title, const QString& url,
+                      const QString& artworkUrl);
 
     FolderPtr m_folder;   // of the track before
     QString m_path;       // of its tracks, up to the name
     QString m_url;        // the same
-    QString m_artworkUrl; // empty where there is none
+    QString m_artworkUrl; // the folder's, empty where there is none
     OrvoPlayListItem m_common;
     JsonText m_json;
 };

@@ -4,23 +4,23 @@
 
 namespace {
 
-OrvoMetaData metaData(const Folder& folder) {
+OrvoMetaData metaData(const QString& artworkUrl) {
     OrvoMetaData data;
     data.setServiceId(MusicRoles::serviceId());
-    if (!folder.artwork.isEmpty())
-        data.setArtworkUrl(MusicRoles::artworkUrl(folder));
+    if (!artworkUrl.isEmpty())
+        data.setArtworkUrl(artworkUrl);
     return data;
 }
 
 OrvoMediaData mediaData(const Folder& folder, const Track& track) {
-    OrvoMetaData data = metaData(folder);
+    OrvoMetaData data = metaData(MusicRoles::artworkUrl(folder, track));
     data.setPrePlayPath(MusicRoles::prePlayPath());
-    data.setArtist(track.tags.artist);
-    data.setAlbum(track.tags.album);
-    data.setGenre(track.tags.genre);
-    data.setDuration(track.tags.durationMs);
-    if (track.tags.trackNumber > 0)
-        data.setTrackNumber(track.tags.trackNumber);
+    data.setArtist(track.tags->artist);
+    data.setAlbum(track.tags->album);
+    data.setGenre(track.tags->genre);
+    data.setDuration(track.tags->durationMs);
+    if (track.tags->trackNumber > 0)
+        data.setTrackNumber(track.tags->trackNumber);
     OrvoResource resource;
     resource.setUri(MusicRoles::fileUrl(folder.trackFile(track)));
     resource.setMimeType(track.mimeType);
@@ -50,9 +50,13 @@ QString MusicRoles::artworkUrl(const Folder& folder) {
                                     : fileUrl(folder.diskPath + QLatin1Char('/') + folder.artwork);
 }
 
+QString MusicRoles::artworkUrl(const Folder& folder, const Track& track) {
+    return folder.artwork.isEmpty() ? track.tags->picture : artworkUrl(folder);
+}
+
 QString MusicRoles::title(const Track& track) {
-    if (!track.tags.title.isEmpty())
-        return track.tags.title;
+    if (!track.tags->title.isEmpty())
+        return track.tags->title;
     return track.name.left(track.name.lastIndexOf(QLatin1Char('.')));
 }
 
@@ -62,7 +66,7 @@ TrString MusicRoles::title(const Folder& folder) {
 
 OrvoRoles MusicRoles::folder(const Folder& folder) {
     OrvoMediaData media;
-    media.setMetaData(metaData(folder));
+    media.setMetaData(metaData(MusicRoles::artworkUrl(folder)));
     OrvoRoles roles;
     roles.setTitle(title(folder));
     roles.setPath(folder.path);

@@ -14,6 +14,8 @@ CMPath prePlayPath();
 QString fileUrl(const QString& file);
 // Empty where the folder has none.
 QString artworkUrl(const Folder& folder);
+// The folder's, else that of the picture inside of the file.
+QString artworkUrl(const Folder& folder, const Track& track);
 
 // What people see: the track's title, before its tags are read and where it has none the file's
 // name without suffix.

@@ -15,6 +15,11 @@ QString canonicalFolder(const QString& folder) {
 
 } // namespace
 
+const TagsPtr& Track::noTags() {
+    static const TagsPtr none = std::make_shared<const TrackTags>();
+    return none;
+}
+
 CMPath MusicTree::rootPath() {
     static const CMPath path(QStringLiteral("files:tree"));
     return path;
@@ -167,10 +172,10 @@ void MusicTree::remove(const FolderPtr& folder) {
     Q_EMIT folderRemoved(folder);
 }
 
-void MusicTree::tag(const FolderPtr& folder, const TrackPtr& track) {
+void MusicTree::setTags(const FolderPtr& folder, const TrackPtr& track, const TagsPtr& tags) {
     if (track->tagged)
         return;
-    track->tags = TagReader::read(folder->trackFile(*track));
+    track->tags = tags;
     track->tagged = true;
     if (!track->listed)
         return;

@@ -8,7 +8,7 @@
 
 #include "CMPath.h"
 #include "FolderListing.h"
-#include "TagReader.h"
+#include "TrackTags.h"
 
 struct Track {
     QString name;
@@ -17,7 +17,9 @@ struct Track {
     qint64 modified = 0;
     bool listed = true; // in the tree
     bool tagged = false;
-    TrackTags tags; // empty until tagged
+    TagsPtr tags = noTags(); // empty until tagged
+
+    static const TagsPtr& noTags();
 };
 using TrackPtr = std::shared_ptr<Track>;
 
@@ -80,8 +82,8 @@ public:
     void apply(const FolderPtr& folder, const FolderEntries& entries);
     // Reads the folder at once, unless it was read before.
     void load(const FolderPtr& folder);
-    // Reads the track's tags at once, unless they were read before.
-    void tag(const FolderPtr& folder, const TrackPtr& track);
+    // The track's tags were read.
+    void setTags(const FolderPtr& folder, const TrackPtr& track, const TagsPtr& tags);
 
 Q_SIGNALS:
     void folderAdded(const FolderPtr& folder);

@@ -1,5 +1,7 @@
 #include "PrepareJob.h"
 
+#include <utility>
+
 #include "CMConnect.h"
 #include "FilesLog.h"
 
@@ -12,16 +14,24 @@ constexpr int MostUnknownLogged = 5;
 constexpr int MostItems = 100000;
 } // namespace
 
-PrepareJob::PrepareJob(MusicTree* tree, const QStringList& paths, const CMReply<QVariant>& reply,
-                       QObject* parent)
-    : QObject(parent), m_tree(tree), m_paths(paths), m_reply(reply) {
+PrepareJob::PrepareJob(MusicTree* tree, TagLoader* loader, const QStringList& paths,
+                       const CMReply<QVariant>& reply, QObject* parent)
+    : QObject(parent), m_tree(tree), m_loader(loader), m_paths(paths), m_reply(reply) {
     m_timer.setInterval(0);
     cmConnect(&m_timer, &QTimer::timeout, this, [this] { slice(); });
+    cmConnect(m_loader, &TagLoader::progressed, this, [this] {
+        if (m_awaited && m_awaited->tagged)
+            m_timer.start();
+    });
 }
 
 void PrepareJob::slice() {
     const QDeadlineTimer deadline(PrepareSliceMs);
     while (step(deadline)) {
+        if (m_awaited) {
+            m_timer.stop();
+            return;
+        }
         if (m_items.size() > MostItems) {
             refuse();
             return;
@@ -35,6 +45,10 @@ void PrepareJob::slice() {
 }
 
 bool PrepareJob::step(const QDeadlineTimer& deadline) {
+    if (m_awaited) {
+        append(std::exchange(m_awaitedIn, nullptr), std::exchange(m_awaited, nullptr));
+        return true;
+    }
     if (m_entering) {
         enterFolder(deadline);
         return true;
@@ -80,12 +94,18 @@ void PrepareJob::enterFolder(const QDeadlineTimer& deadline) {
         m_tree->apply(m_entering, listing.entries());
     }
     m_listing.reset();
+    m_loader->want(m_entering, /*urgent=*/true);
     m_levels.push_back({m_entering, m_entering->folders, m_entering->tracks});
     m_entering.reset();
 }
 
 void PrepareJob::append(const FolderPtr& folder, const TrackPtr& track) {
-    m_tree->tag(folder, track);
+    if (!track->tagged) {
+        m_awaitedIn = folder;
+        m_awaited = track;
+        m_loader->wantNow(folder, track);
+        return;
+    }
     m_items.append(m_maker.item(folder, *track).toVariant());
 }
 

@@ -8,19 +8,19 @@
 
 #include "CMReply.h"
 #include "ItemMaker.h"
-#include "MusicTree.h"
+#include "TagLoader.h"
 
 // Answers one prepare call: for each path, in the order given, a track's item or the items of all
 // tracks in and below a folder, in the order of listing. Unknown paths give nothing but a word in
-// the log. What was not read yet is read for it. More items than any
-// library has are refused. Works in slices; a short call is answered before
-// start() returns. Deletes itself when it has answered; when its parent goes first, the caller gets
-// the platform's error for a request that nobody answers.
+// the log. What was not read yet is read for it, before the rest. More items than any
+// library has are refused. Works in slices; a short call whose tags are all there is answered
+// before start() returns. Deletes itself when it has answered; when its parent goes first, the
+// caller gets the platform's error for a request that nobody answers.
 class PrepareJob : public QObject {
     Q_OBJECT
 public:
-    PrepareJob(MusicTree* tree, const QStringList& paths, const CMReply<QVariant>& reply,
-               QObject* parent);
+    PrepareJob(MusicTree* tree, TagLoader* loader, const QStringList& paths,
+               const CMReply<QVariant>& reply, QObject* parent);
 
     void start() { slice(); }
 
@@ -39,16 +39,21 @@ private:
     bool step(const QDeadlineTimer& deadline);
     void beginPath(const QString& path);
     void enterFolder(const QDeadlineTimer& deadline);
+    // Or waits for its tags.
     void append(const FolderPtr& folder, const TrackPtr& track);
     void answer();
     void refuse();
 
     MusicTree* m_tree;
+    TagLoader* m_loader;
     QStringList m_paths;
     CMReply<QVariant> m_reply;
     int m_nextPath = 0;
     int m_unknown = 0;
     std::vector<Level> m_levels;
+    // The track whose tags are waited for, and its folder.
+    FolderPtr m_awaitedIn;
+    TrackPtr m_awaited;
     // The folder to enter next, and its listing while it is being read.
     FolderPtr m_entering;
     std::optional<FolderListing> m_listing;

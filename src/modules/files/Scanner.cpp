@@ -9,11 +9,11 @@ namespace {
 constexpr int ScanSliceMs = 5;
 } // namespace
 
-Scanner::Scanner(MusicTree* tree, QObject* parent) : QObject(parent), m_tree(tree) {
+Scanner::Scanner(MusicTree* tree, TagLoader* loader, QObject* parent)
+    : QObject(parent), m_tree(tree), m_loader(loader) {
     m_timer.setInterval(0);
     cmConnect(&m_timer, &QTimer::timeout, this, [this] { slice(); });
-    cmConnect(m_tree, &MusicTree::tagsWanted, this,
-              [this](const FolderPtr& folder) { wantTags(folder); });
+    cmConnect(m_loader, &TagLoader::progressed, this, [this] { tellProgress(); });
     cmConnect(m_tree, &MusicTree::folderAdded, this, [this](const FolderPtr& folder) {
         m_folders.push_back({folder, false, false});
         start();
@@ -37,18 +37,6 @@ void Scanner::refresh(const FolderPtr& folder) {
     start();
 }
 
-void Scanner::wantTags(const FolderPtr& folder) {
-    TagJob job{folder, {}, 0};
-    for (const TrackPtr& track : folder->tracks) {
-        if (!track->tagged)
-            job.tracks.push_back(track);
-    }
-    if (job.tracks.empty())
-        return;
-    m_tags.push_back(std::move(job));
-    start();
-}
-
 void Scanner::start() {
     if (!m_timer.isActive())
         m_timer.start();
@@ -59,13 +47,15 @@ void Scanner::slice() {
     do {
         if (!m_folders.empty())
             readFolder(deadline);
-        else if (!m_tags.empty())
-            readTag();
         else
             m_timer.stop();
     } while (m_timer.isActive() && !deadline.hasExpired());
+    tellProgress();
+}
+
+void Scanner::tellProgress() {
     Q_EMIT progressed();
-    if (!m_timer.isActive())
+    if (!isScanning())
         Q_EMIT finished();
 }
 
@@ -89,16 +79,4 @@ void Scanner::readFolder(const QDeadlineTimer& deadline) {
     const FolderListing listing = std::move(*m_listing);
     m_listing.reset();
     m_tree->apply(folder, listing.entries());
-}
-
-void Scanner::readTag() {
-    TagJob& job = m_tags.front();
-    const FolderPtr folder = job.folder.lock();
-    if (!folder || job.next == job.tracks.size()) {
-        m_tags.pop_front();
-        return;
-    }
-    const TrackPtr track = job.tracks[job.next++].lock();
-    if (track && track->listed)
-        m_tree->tag(folder, track);
 }

@@ -8,23 +8,24 @@
 #include <QTimer>
 
 #include "MusicTree.h"
+#include "TagLoader.h"
 
-// Reads the music folder in the background of the event loop: folders first, so that there is
-// something to browse soon, then tags. Works in slices of a few milliseconds and only while there
-// is something to do. Owned by the worker, on its thread; cannot fail.
+// Reads the folders of the music folder in the background of the event loop, in slices of a few
+// milliseconds and only while there is something to do. Their tracks' tags are the loader's, and
+// the scan is done when it is. Owned by the worker, on its thread; cannot fail.
 class Scanner : public QObject {
     Q_OBJECT
 public:
-    explicit Scanner(MusicTree* tree, QObject* parent = nullptr);
+    Scanner(MusicTree* tree, TagLoader* loader, QObject* parent = nullptr);
 
     // Reads everything again; tracks that did not change keep their tags.
     void scanAll();
     // Reads one folder again, and what is new in it.
     void refresh(const FolderPtr& folder);
-    bool isScanning() const { return m_timer.isActive(); }
+    bool isScanning() const { return m_timer.isActive() || m_loader->isBusy(); }
 
 Q_SIGNALS:
-    // A slice of work is done, or there is none left.
+    // Some of the work is done, or there is none left.
     void progressed();
     void finished();
 
@@ -34,22 +35,16 @@ private:
         bool again;     // although it was read before
         bool recursive; // and all folders below
     };
-    struct TagJob {
-        std::weak_ptr<Folder> folder;
-        std::vector<std::weak_ptr<Track>> tracks;
-        std::size_t next;
-    };
 
     void slice();
+    void tellProgress();
     void readFolder(const QDeadlineTimer& deadline);
-    void readTag();
-    void wantTags(const FolderPtr& folder);
     void start();
 
     MusicTree* m_tree;
+    TagLoader* m_loader;
     QTimer m_timer;
     std::deque<FolderJob> m_folders;
-    std::deque<TagJob> m_tags;
     // The listing of the first of m_folders while it is being read.
     std::optional<FolderListing> m_listing;
 };

@@ -1,21 +1,18 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
-// What a file says about itself. Texts are empty and numbers 0 where it says nothing.
-struct TrackTags {
-    QString title;
-    QString artist;
-    QString album;
-    QString genre;
-    int trackNumber = 0;
-    qint64 durationMs = 0;
-};
+#include "TrackTags.h"
 
 namespace TagReader {
 
-// Reads the file's tags and duration. Synchronous. Never fails: a file that is damaged, gone or of
-// an unknown kind has empty tags.
-TrackTags read(const QString& file);
+// Longer texts are cut: no title needs more, and every list carries them.
+constexpr int MaxTagText = 1000;
+
+// Reads the file's tags and duration, and into `picture`, where given, the bytes of the picture
+// inside, the front of the cover before others. Synchronous, from any thread. Never fails: a file
+// that is damaged, gone or of an unknown kind has empty tags. Control characters become blanks.
+TrackTags read(const QString& file, QByteArray* picture = nullptr);
 
 } // namespace TagReader

@@ -13,6 +13,7 @@ void FilesFixture::SetUpTestSuite() {
 void FilesFixture::SetUp() {
     ASSERT_TRUE(m_folder.isValid());
     ASSERT_TRUE(QDir(m_folder.path()).mkpath("music"));
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath("data"));
     m_root = std::make_unique<CMRootWorker>();
 }
 
@@ -26,8 +27,8 @@ QString FilesFixture::url(const QString& file) {
 }
 
 void FilesFixture::start() {
-    m_worker = std::make_unique<FilesWorker>(
-        QHash<QString, QVariant>{{"musicDir", m_folder.path() + "/music"}});
+    m_worker = std::make_unique<FilesWorker>(QHash<QString, QVariant>{
+        {"musicDir", m_folder.path() + "/music"}, {"dataDir", m_folder.path() + "/data"}});
 }
 
 void FilesFixture::startAndScan() {

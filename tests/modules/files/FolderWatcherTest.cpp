@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include "SoundFiles.h"
+#include "TagReader.h"
 #include "TestApp.h"
 
 namespace {

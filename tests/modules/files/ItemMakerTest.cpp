@@ -43,7 +43,7 @@ Track trackNamed(const QString& name, const TrackTags& tags) {
     Track track;
     track.name = name;
     track.mimeType = QStringLiteral("audio/x-any");
-    track.tags = tags;
+    track.tags = std::make_shared<const TrackTags>(tags);
     return track;
 }
 

@@ -57,7 +57,8 @@ TEST_F(PrepareItems, tagsThatAreNotReadYetAreReadForIt) {
     writeWav(file("A/x.wav"), {"The Title", {}, {}, {}, 0});
     start();
     const CMReply<QVariant> reply = set("files:prepareItems", QStringList{"files:tree/A/x.wav"});
-    ASSERT_TRUE(reply.isFinished()) << "a short call is answered at once";
+    ASSERT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+    EXPECT_EQ(scanValue().value("done"), 1) << "what is waited for is not read twice";
     EXPECT_EQ(OrvoPlayListItem(reply.value().toList().value(0)).title(), "The Title");
 }
 

@@ -61,7 +61,7 @@ bool SoundFiles::writeWithSox(const QString& file, const SoundTags& tags, double
         QStringLiteral("TITLE=") + tags.title, QStringLiteral("ARTIST=") + tags.artist,
         QStringLiteral("ALBUM=") + tags.album, QStringLiteral("GENRE=") + tags.genre,
         QStringLiteral("TRACKNUMBER=") + QString::number(tags.track)};
-    QStringList arguments = {"-n", "-r", "8000", "-c", "1"};
+    QStringList arguments = {"-n", "-r", "16000", "-c", "1"};
     for (const QString& comment : comments)
         arguments << QStringLiteral("--add-comment") << comment;
     arguments << file << "synth" << QString::number(seconds) << "sine"

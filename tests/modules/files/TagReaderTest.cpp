@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 
 #include "SoundFiles.h"
+#include "TaggedFiles.h"
 
 namespace {
 
@@ -38,6 +39,66 @@ TEST_F(TagReaderTest, flacAndOggTagsAndDurationsAreRead) {
         ASSERT_TRUE(SoundFiles::writeWithSox(file(name), tags, 1.5)) << "sox is needed";
         expectTags(TagReader::read(file(name)), tags, 1.5);
     }
+}
+
+TEST_F(TagReaderTest, everyKindOfFileTellsAllItsTags) {
+    const QMap<QString, QString> written = {
+        {"TITLE", "Grüße"}, {"ARTIST", "Ann"},   {"ALBUMARTIST", "Ann & Bob"},
+        {"ALBUM", "日本"},  {"GENRE", "Folk"},   {"COMPOSER", "J. S."},
+        {"DATE", "1999"},   {"DISCNUMBER", "2"}, {"TRACKNUMBER", "7"}};
+    for (const QString& suffix : TaggedFiles::suffixes()) {
+        SCOPED_TRACE(qUtf8Printable(suffix));
+        ASSERT_TRUE(TaggedFiles::write(file("x." + suffix), written)) << "sox is needed";
+        const TrackTags tags = TagReader::read(file("x." + suffix));
+        EXPECT_EQ(tags.title, "Grüße");
+        EXPECT_EQ(tags.artist, "Ann");
+        EXPECT_EQ(tags.albumArtist, "Ann & Bob");
+        EXPECT_EQ(tags.album, "日本");
+        EXPECT_EQ(tags.genre, "Folk");
+        EXPECT_EQ(tags.composer, "J. S.");
+        EXPECT_EQ(tags.date, "1999");
+        EXPECT_EQ(tags.disc, 2);
+        EXPECT_EQ(tags.trackNumber, 7);
+    }
+}
+
+TEST_F(TagReaderTest, theDiscIsTheFirstOfTwoNumbers) {
+    ASSERT_TRUE(TaggedFiles::write(file("x.flac"), {{"DISCNUMBER", "2/3"}}));
+    EXPECT_EQ(TagReader::read(file("x.flac")).disc, 2);
+    ASSERT_TRUE(TaggedFiles::write(file("y.flac"), {{"DISCNUMBER", "-1"}}));
+    EXPECT_EQ(TagReader::read(file("y.flac")).disc, 0);
+}
+
+TEST_F(TagReaderTest, picturesAreFoundInEveryKindThatHasThem) {
+    for (const char* suffix : {"flac", "mp3", "ogg", "opus", "spx", "m4a", "wma", "ape"}) {
+        SCOPED_TRACE(suffix);
+        const QString name = file(QString("x.") + suffix);
+        const QByteArray png = TaggedFiles::png(suffix);
+        ASSERT_TRUE(TaggedFiles::write(name, {{"TITLE", "T"}}));
+        QByteArray picture = "before";
+        TagReader::read(name, &picture);
+        EXPECT_EQ(picture, "");
+        ASSERT_TRUE(TaggedFiles::addPicture(name, png));
+        EXPECT_EQ(TagReader::read(name, &picture).title, "T");
+        EXPECT_EQ(picture, png);
+    }
+}
+
+TEST_F(TagReaderTest, aTagOfAMegabyteIsCut) {
+    const QString note = QString::fromUtf8("🎵");
+    const QString most = QString(TagReader::MaxTagText - 1, 'x');
+    ASSERT_TRUE(TaggedFiles::write(file("x.flac"),
+                                   {{"TITLE", QString(1 << 20, 'x')}, {"ALBUM", most + note}}));
+    const TrackTags tags = TagReader::read(file("x.flac"));
+    EXPECT_EQ(tags.title, QString(TagReader::MaxTagText, 'x'));
+    EXPECT_EQ(tags.album, most) << "no half a character is left";
+}
+
+TEST_F(TagReaderTest, controlCharactersBecomeBlanks) {
+    ASSERT_TRUE(TaggedFiles::write(file("x.flac"),
+                                   {{"TITLE", "\x1b[31mone\ntwo\x7f\t"}, {"ARTIST", "עברית"}}));
+    EXPECT_EQ(TagReader::read(file("x.flac")).title, "[31mone two");
+    EXPECT_EQ(TagReader::read(file("x.flac")).artist, "עברית");
 }
 
 TEST_F(TagReaderTest, aFileWithoutTagsHasItsDuration) {
