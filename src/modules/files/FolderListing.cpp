@@ -11,6 +11,7 @@
 
 #include "AudioFormats.h"
 #include "FilesLog.h"
+#include "NameOrder.h"
 
 namespace {
 
@@ -31,15 +32,6 @@ QByteArray canonical(const QByteArray& path) {
     return QByteArray(resolved.get());
 }
 
-QCollator listingOrder() {
-    // Named, not the environment's: the order must not change with the locale a service happens to
-    // run in.
-    QCollator collator{QLocale(QLocale::English)};
-    collator.setNumericMode(true);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    return collator;
-}
-
 bool listedBefore(const FolderEntries::Entry& a, const FolderEntries::Entry& b) {
     const int order = a.sortKey.compare(b.sortKey);
     return order != 0 ? order < 0 : a.name < b.name;
@@ -50,7 +42,7 @@ bool listedBefore(const FolderEntries::Entry& a, const FolderEntries::Entry& b) 
 FolderListing::FolderListing(const QString& folder, const QString& root)
     : m_folder(folder),
       m_root(root),
-      m_collator(listingOrder()),
+      m_collator(NameOrder::collator()),
       m_artworkRank(artworkNames().size()) {
     open();
 }
