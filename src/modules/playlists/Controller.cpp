@@ -8,6 +8,7 @@
 #include "OrvoPlayListPaths.h"
 #include "OrvoRoles.h"
 #include "PlayListBase.h"
+#include "PlayListManager.h"
 #include "TextBudget.h"
 
 // One command: its path, and its handler, whose kind says how the request is answered.
@@ -108,6 +109,24 @@ QString Controller::buildOkMsg(const QString& a, const QString& b, const QString
                        : QStringLiteral("%1 %2 (%3)").arg(a).arg(b).arg(c);
 }
 
+bool Controller::refuse(const QString& logLine) {
+    LOG4CPLUS_ERROR(moduleLog(), logLine);
+    return false;
+}
+
+bool Controller::refuse(QString& msg, const QString& logLine, const QString& prefix,
+                        const QString& reason, const QString& detail) {
+    msg = buildErrMsg(prefix, reason, detail);
+    return refuse(logLine);
+}
+
+PlayListBase* Controller::existingPlayList(int plid, const QString& prefix, QString& msg) {
+    PlayListBase* pl = m_manager->getPlayListByUid(plid);
+    if (!checkPlayList(pl, plid, prefix, msg))
+        refuse(QStringLiteral("Playlist id: %1 doesn't exist").arg(plid));
+    return pl;
+}
+
 bool Controller::checkNonemptyString(const QString& str, const QString& field,
                                      const QString& prefix, QString& msg) {
     if (!str.isEmpty())
@@ -128,26 +147,22 @@ bool Controller::checkPlayList(const PlayListBase* pl, const int& plid, const QS
                                QString& msg) {
     if (pl)
         return true;
-    LOG4CPLUS_ERROR(moduleLog(), "There is no playlist with ID : " << plid);
-    msg = buildErrMsg(prefix, CONTROLLER_TEXT("There is no playlist with this ID."),
-                      QString::number(plid));
-    return false;
+    return refuse(msg, QStringLiteral("There is no playlist with ID : %1").arg(plid), prefix,
+                  CONTROLLER_TEXT("There is no playlist with this ID."), QString::number(plid));
 }
 
 bool Controller::checkPlayListId(const int& plid, const QString& prefix, QString& msg) {
     if (plid != -1)
         return true;
-    LOG4CPLUS_ERROR(moduleLog(), "Cannot find playlist with invalid ID : " << plid);
-    msg = buildErrMsg(prefix, CONTROLLER_TEXT("Cannot find playlist with invalid ID."));
-    return false;
+    return refuse(msg, QStringLiteral("Cannot find playlist with invalid ID : %1").arg(plid),
+                  prefix, CONTROLLER_TEXT("Cannot find playlist with invalid ID."));
 }
 
 bool Controller::checkStored(bool stored, const int& plid, const QString& prefix, QString& msg) {
     if (stored)
         return true;
-    LOG4CPLUS_ERROR(moduleLog(), "Cannot store the change of playlist id: " << plid);
-    msg = buildErrMsg(prefix, CONTROLLER_TEXT("The change could not be stored."));
-    return false;
+    return refuse(msg, QStringLiteral("The change could not be stored. playlist id: %1").arg(plid),
+                  prefix, CONTROLLER_TEXT("The change could not be stored."));
 }
 
 bool Controller::checkRevision(const CMSetDataRequest& request, const PlayListBase* pl,
@@ -158,12 +173,9 @@ bool Controller::checkRevision(const CMSetDataRequest& request, const PlayListBa
     const qint64 revision = args.revision();
     if (revision == pl->getRevision())
         return true;
-    if (revision == OrvoRevision::Malformed) {
-        LOG4CPLUS_ERROR(moduleLog(), "Invalid revision for playlist id: " << pl->getUid());
-        msg =
-            buildErrMsg(prefix, CONTROLLER_TEXT("Invalid revision."), OrvoPlayListPlId::Revision());
-        return false;
-    }
+    if (revision == OrvoRevision::Malformed)
+        return refuse(msg, QStringLiteral("Invalid revision for playlist id: %1").arg(pl->getUid()),
+                      prefix, CONTROLLER_TEXT("Invalid revision."), OrvoPlayListPlId::Revision());
     LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << pl->getUid() << " has revision "
                                                  << pl->getRevision() << " instead of "
                                                  << revision);

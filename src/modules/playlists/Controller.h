@@ -60,10 +60,10 @@ public:
     // The items at these paths, in order, up to the first path that names none. Where `budget` does
     // not suffice for them it is exceeded afterwards, and the result is of no use.
     QVariantList preparePlaylistItems(const QStringList& paths, TextBudget* budget = nullptr);
-    // Validates all items, then adds them. Returns how many were added, -1 with a reason in `msg`
-    // otherwise.
+    // Validates all items, then adds them. Returns how many were added, the first of them at
+    // `first`, -1 with a reason in `msg` otherwise.
     int addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
-                           OrvoPlayListAddPosition::Enum mode, QString* msg,
+                           OrvoPlayListAddPosition::Enum mode, QString* msg, int* first,
                            const WantedPlaces& wanted = {});
     // Asks the player to play the playlist from this item on.
     void tryStartItem(const OrvoPlayListItem& item, const PlayListBase* pl, int seqIndex);
@@ -93,6 +93,14 @@ private:
         QList<int> itemsPerReply;
         std::shared_ptr<CMSetDataRequest> request;
     };
+
+    // Ends a command that fails: logs why. Always false.
+    static bool refuse(const QString& logLine);
+    // The same with the sentence for people, as buildErrMsg() makes it.
+    static bool refuse(QString& msg, const QString& logLine, const QString& prefix,
+                       const QString& reason, const QString& detail = {});
+    // Null, with the reason in `msg`, when there is none.
+    PlayListBase* existingPlayList(int plid, const QString& prefix, QString& msg);
 
     bool plCreate(CMSetDataRequest request, QString& msg, int& id);
     bool plSetName(CMSetDataRequest request, QString& msg);
@@ -128,15 +136,15 @@ private:
     PlayListBase* targetOf(const ReqGroupProperties& props) const;
     static bool isWhole(const ReqGroupProperties& props, const ItemsCheck& check);
     int addItemsFromAllReplays(const ReqGroupProperties& props, const ItemsCheck& check,
-                               QString* msg);
+                               QString* msg, int* first);
     int addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
-                        OrvoPlayListAddPosition::Enum mode, QString* msg,
+                        OrvoPlayListAddPosition::Enum mode, QString* msg, int* first,
                         const WantedPlaces& wanted);
     static bool readPlaces(const CMSetDataRequest& request, const QString& prefix,
                            WantedPlaces* wanted, QString& msg);
     static int addAtPlaces(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
                            const WantedPlaces& wanted, QString* msg);
-    bool startFirstNewItem(PlayListBase* pl, int added, const QString& failure,
+    bool startFirstNewItem(PlayListBase* pl, int first, const QString& failure,
                            const QString& prefix, QString& msg);
 
     PlayListWorker* m_worker;

@@ -49,13 +49,6 @@ QString ownPrefix() {
     return OrvoPlayListItemPath().prefix();
 }
 
-// The place that the store chose for the first of `added` new items after the last played one.
-int firstNewSequenceNumber(const PlayListBase* pl, int added) {
-    const int last = pl->getLastSequenceNumber();
-    const int sizeBefore = pl->getSize() - added;
-    return last >= 0 && last + 1 <= sizeBefore ? last + 1 : sizeBefore;
-}
-
 } // namespace
 
 void Controller::plPrepareItems(CMSetDataRequest request) {
@@ -289,8 +282,10 @@ void Controller::finishAdding(const ReqGroupProperties& props, const ItemsCheck&
         return;
     }
     QString resultMsg;
-    const int added =
-        isWhole(props, check) ? std::max(0, addItemsFromAllReplays(props, check, &resultMsg)) : 0;
+    int first = -1;
+    const int added = isWhole(props, check)
+                          ? std::max(0, addItemsFromAllReplays(props, check, &resultMsg, &first))
+                          : 0;
     LOG4CPLUS_DEBUG(moduleLog(),
                     "numItemsAdded: " << added << " addItemsResMsg: " << loggedText(resultMsg));
 
@@ -307,11 +302,11 @@ void Controller::finishAdding(const ReqGroupProperties& props, const ItemsCheck&
         if (success) {
             LOG4CPLUS_DEBUG(moduleLog(), "plsize: " << pl->getSize());
             if (pl->getSize() > 0 && props.mode == OrvoPlayListAddPosition::Now) {
-                LOG4CPLUS_DEBUG(moduleLog(), "addMode: now lastSeqNum: "
-                                                 << pl->getLastSequenceNumber() << " nextSeqNum: "
-                                                 << firstNewSequenceNumber(pl, added));
+                LOG4CPLUS_DEBUG(moduleLog(),
+                                "addMode: now lastSeqNum: " << pl->getLastSequenceNumber()
+                                                            << " nextSeqNum: " << first);
                 success = startFirstNewItem(
-                    pl, added, CONTROLLER_TEXT("Cannot get last sequence number."), prefix, msg);
+                    pl, first, CONTROLLER_TEXT("Cannot get last sequence number."), prefix, msg);
             }
         }
         if (success)
@@ -373,7 +368,7 @@ bool Controller::hasTooManyItems(const CMRequestGroup* group) {
 }
 
 int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, const ItemsCheck& check,
-                                       QString* msg) {
+                                       QString* msg, int* first) {
     PlayListBase* pl = targetOf(props);
     if (!pl) {
         LOG4CPLUS_ERROR(moduleLog(), "Cannot find playlist with plid: " << props.plid);
@@ -381,19 +376,19 @@ int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, const It
                QStringLiteral(" (%1)").arg(props.plid);
         return -1;
     }
-    return addCheckedItems(pl, check, props.mode, msg, props.wanted);
+    return addCheckedItems(pl, check, props.mode, msg, first, props.wanted);
 }
 
 int Controller::addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
-                                   OrvoPlayListAddPosition::Enum mode, QString* msg,
+                                   OrvoPlayListAddPosition::Enum mode, QString* msg, int* first,
                                    const WantedPlaces& wanted) {
     ItemsCheck check(items, m_limits);
     check.run(QDeadlineTimer(QDeadlineTimer::Forever));
-    return addCheckedItems(pl, check, mode, msg, wanted);
+    return addCheckedItems(pl, check, mode, msg, first, wanted);
 }
 
 int Controller::addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
-                                OrvoPlayListAddPosition::Enum mode, QString* msg,
+                                OrvoPlayListAddPosition::Enum mode, QString* msg, int* first,
                                 const WantedPlaces& wanted) {
     const QList<OrvoPlayListItem>& items = check.items();
     LOG4CPLUS_TRACE(moduleLog(), "itemList: (" << listText(items) << ")");
@@ -433,10 +428,9 @@ int Controller::addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
         return -1;
     }
     const int sizeBefore = pl->getSize();
-    const int first = wanted.kind == WantedPlaces::Kind::None
-                          ? pl->addItems(mode, accepted)
-                          : addAtPlaces(pl, accepted, wanted, msg);
-    const int res = first < 0 ? first : pl->getSize() - sizeBefore;
+    *first = wanted.kind == WantedPlaces::Kind::None ? pl->addItems(mode, accepted)
+                                                     : addAtPlaces(pl, accepted, wanted, msg);
+    const int res = *first < 0 ? *first : pl->getSize() - sizeBefore;
     LOG4CPLUS_DEBUG(moduleLog(), "addItems() res: " << res);
     if (res == StoreIsFull) {
         *msg = QStringLiteral("%1 %2")
@@ -487,18 +481,13 @@ bool Controller::readPlaces(const CMSetDataRequest& request, const QString& pref
     const bool areAscending = !positions.isEmpty() && positions.first() >= 0 &&
                               std::adjacent_find(positions.cbegin(), positions.cend(),
                                                  std::greater_equal<int>()) == positions.cend();
-    if (!areAscending) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot add items at invalid positions");
-        msg =
-            buildErrMsg(prefix, CONTROLLER_TEXT("Invalid position."), OrvoPlayListPlAddItems::At());
-        return false;
-    }
-    if (args.containsMode() && args.mode() != OrvoPlayListAddPosition::Append) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot add items at positions and by a mode");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Positions go with the mode append only."),
-                          OrvoPlayListPlAddItems::Mode());
-        return false;
-    }
+    if (!areAscending)
+        return refuse(msg, QStringLiteral("Cannot add items at invalid positions"), prefix,
+                      CONTROLLER_TEXT("Invalid position."), OrvoPlayListPlAddItems::At());
+    if (args.containsMode() && args.mode() != OrvoPlayListAddPosition::Append)
+        return refuse(msg, QStringLiteral("Cannot add items at positions and by a mode"), prefix,
+                      CONTROLLER_TEXT("Positions go with the mode append only."),
+                      OrvoPlayListPlAddItems::Mode());
     return true;
 }
 
@@ -510,38 +499,29 @@ bool Controller::plAddExternalItems(CMSetDataRequest request, QString& msg) {
     const OrvoPlayListAddPosition::Enum mode =
         args.containsMode() ? args.mode() : OrvoPlayListAddPosition::Append;
     const QString prefix = CONTROLLER_TEXT("Could not add external items to playlist.");
-    if (!checkPlayListId(plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot add items to invalid playlist id: " << plid);
+    if (!checkPlayListId(plid, prefix, msg))
+        return refuse(QStringLiteral("Cannot add items to invalid playlist id: %1").arg(plid));
+    if (items.isEmpty())
+        return refuse(msg, QStringLiteral("Cannot add zero items to playlist id: %1").arg(plid),
+                      prefix, CONTROLLER_TEXT("Please select one or more items to add."));
+    PlayListBase* pl = existingPlayList(plid, prefix, msg);
+    if (!pl)
         return false;
-    }
-    if (items.isEmpty()) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot add zero items to playlist id: " << plid);
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Please select one or more items to add."));
-        return false;
-    }
-    PlayListBase* pl = m_manager->getPlayListByUid(plid);
-    if (!checkPlayList(pl, plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
-        return false;
-    }
     WantedPlaces wanted;
     if (!checkRevision(request, pl, prefix, msg) || !readPlaces(request, prefix, &wanted, msg))
         return false;
     QString resultMsg;
-    const int added = addItemsToPlaylist(pl, items, mode, &resultMsg, wanted);
+    int first = -1;
+    const int added = addItemsToPlaylist(pl, items, mode, &resultMsg, &first, wanted);
     LOG4CPLUS_DEBUG(moduleLog(), "addItemsRes: " << added);
-    if (added < 1) {
-        LOG4CPLUS_ERROR(moduleLog(), "No items were added to playlist id: " << plid);
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."), resultMsg);
-        return false;
-    }
+    if (added < 1)
+        return refuse(msg, QStringLiteral("No items were added to playlist id: %1").arg(plid),
+                      prefix, CONTROLLER_TEXT("No items were added."), resultMsg);
     LOG4CPLUS_DEBUG(moduleLog(), "plsize: " << pl->getSize());
     if (pl->getSize() > 0 && mode == OrvoPlayListAddPosition::Now) {
-        LOG4CPLUS_DEBUG(moduleLog(), "mode: New nextSeqNum: " << firstNewSequenceNumber(pl, added));
-        if (!startFirstNewItem(pl, added, CONTROLLER_TEXT("Cannot get last item."), prefix, msg)) {
-            LOG4CPLUS_ERROR(moduleLog(), "Cannot get last item for playlist id: " << plid);
-            return false;
-        }
+        LOG4CPLUS_DEBUG(moduleLog(), "mode: New nextSeqNum: " << first);
+        if (!startFirstNewItem(pl, first, CONTROLLER_TEXT("Cannot get last item."), prefix, msg))
+            return refuse(QStringLiteral("Cannot get last item for playlist id: %1").arg(plid));
     }
     LOG4CPLUS_INFO(moduleLog(), "Items added successfully to playlist id: " << plid);
     msg = buildOkMsg(QString::number(added),
@@ -549,15 +529,14 @@ bool Controller::plAddExternalItems(CMSetDataRequest request, QString& msg) {
     return true;
 }
 
-bool Controller::startFirstNewItem(PlayListBase* pl, int added, const QString& failure,
+bool Controller::startFirstNewItem(PlayListBase* pl, int first, const QString& failure,
                                    const QString& prefix, QString& msg) {
-    const int next = firstNewSequenceNumber(pl, added);
-    const QList<OrvoPlayListItem> items = pl->getItems(next, next);
+    const QList<OrvoPlayListItem> items = pl->getItems(first, first);
     if (items.size() != 1) {
         msg = buildErrMsg(prefix, failure);
         return false;
     }
-    tryStartItem(items.first(), pl, next);
+    tryStartItem(items.first(), pl, first);
     return true;
 }
 

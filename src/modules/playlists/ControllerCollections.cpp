@@ -12,21 +12,15 @@ bool Controller::clCreate(CMSetDataRequest request, QString& msg, int& id) {
     CM_ENTER(moduleLog());
     const QString name = wholeText(OrvoPlayListClCreate(request.value().toHash()).name());
     const QString prefix = CONTROLLER_TEXT("Could not create collection.");
-    if (!checkNonemptyString(name, OrvoPlayListClCreate::Name(), prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot create collection with empty name");
-        return false;
-    }
-    if (!checkNameLength(name, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot create collection with a name of "
-                                         << TextBudget::bytesOf(name) << " bytes");
-        return false;
-    }
+    if (!checkNonemptyString(name, OrvoPlayListClCreate::Name(), prefix, msg))
+        return refuse(QStringLiteral("Cannot create collection with empty name"));
+    if (!checkNameLength(name, prefix, msg))
+        return refuse(QStringLiteral("Cannot create collection with a name of %1 bytes")
+                          .arg(TextBudget::bytesOf(name)));
     const CollectionBase* cl = m_manager->createCollection(name);
-    if (!cl) {
-        LOG4CPLUS_ERROR(moduleLog(), "Create collection error");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Create collection error."));
-        return false;
-    }
+    if (!cl)
+        return refuse(msg, QStringLiteral("Create collection error"), prefix,
+                      CONTROLLER_TEXT("Create collection error."));
     id = cl->getUid();
     LOG4CPLUS_INFO(moduleLog(), "Collection id: " << id << ", name: " << loggedText(cl->getName())
                                                   << " created successfully");
@@ -39,18 +33,14 @@ bool Controller::clDelete(CMSetDataRequest request, QString& msg) {
     const int clid = OrvoPlayListClId(request.value().toHash()).clid();
     const QString prefix = CONTROLLER_TEXT("Could not delete collection.");
     CollectionBase* cl = m_manager->getCollectionByUid(clid);
-    if (!cl) {
-        LOG4CPLUS_ERROR(moduleLog(), "Unable to find collection id: " << clid);
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("There is no collection with this ID."),
-                          QString::number(clid));
-        return false;
-    }
+    if (!cl)
+        return refuse(msg, QStringLiteral("Unable to find collection id: %1").arg(clid), prefix,
+                      CONTROLLER_TEXT("There is no collection with this ID."),
+                      QString::number(clid));
     const QString name = cl->getName();
-    if (!m_manager->deleteCollection(cl)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Unable to delete collection id: " << clid);
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Delete collection failed"));
-        return false;
-    }
+    if (!m_manager->deleteCollection(cl))
+        return refuse(msg, QStringLiteral("Unable to delete collection id: %1").arg(clid), prefix,
+                      CONTROLLER_TEXT("Delete collection failed"));
     LOG4CPLUS_INFO(moduleLog(), "Collection id: " << clid << " deleted successfully");
     msg = buildOkMsg(CONTROLLER_TEXT("Collection deleted successfully."), name);
     return true;
@@ -65,24 +55,21 @@ bool Controller::clAddItem(CMSetDataRequest request, QString& msg) {
     if (!checkPlayListId(plid, prefix, msg))
         return false;
     CollectionBase* cl = m_manager->getCollectionByUid(clid);
-    if (!cl) {
-        LOG4CPLUS_ERROR(moduleLog(), "Collection id: " << clid << "doesn't exist");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("There is no collection with this ID."),
-                          QString::number(clid));
-        return false;
-    }
+    if (!cl)
+        return refuse(msg, QStringLiteral("Collection id: %1doesn't exist").arg(clid), prefix,
+                      CONTROLLER_TEXT("There is no collection with this ID."),
+                      QString::number(clid));
     PlayListBase* pl = m_manager->getPlayListByUid(plid);
-    if (!checkPlayList(pl, plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Unable to add playList to collection, playlist id: "
-                                         << plid << " doesn't exist");
-        return false;
-    }
-    if (!cl->addPlayList(pl)) {
-        LOG4CPLUS_ERROR(moduleLog(),
-                        "Unable to add playList id: " << plid << " to collection id: " << clid);
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Add playlist to collection failed."));
-        return false;
-    }
+    if (!checkPlayList(pl, plid, prefix, msg))
+        return refuse(
+            QStringLiteral("Unable to add playList to collection, playlist id: %1 doesn't exist")
+                .arg(plid));
+    if (!cl->addPlayList(pl))
+        return refuse(msg,
+                      QStringLiteral("Unable to add playList id: %1 to collection id: %2")
+                          .arg(plid)
+                          .arg(clid),
+                      prefix, CONTROLLER_TEXT("Add playlist to collection failed."));
     LOG4CPLUS_INFO(moduleLog(), "Playlist id: " << plid << " added to collection id: " << clid);
     msg = buildOkMsg(CONTROLLER_TEXT("Items added successfully to collection."), cl->getName());
     return true;
@@ -97,24 +84,22 @@ bool Controller::clRemoveItem(CMSetDataRequest request, QString& msg) {
     if (!checkPlayListId(plid, prefix, msg))
         return false;
     CollectionBase* cl = m_manager->getCollectionByUid(clid);
-    if (!cl) {
-        LOG4CPLUS_ERROR(moduleLog(), "Collection id: " << clid << "doesn't exist");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("There is no collection with this ID."),
-                          QString::number(clid));
-        return false;
-    }
+    if (!cl)
+        return refuse(msg, QStringLiteral("Collection id: %1doesn't exist").arg(clid), prefix,
+                      CONTROLLER_TEXT("There is no collection with this ID."),
+                      QString::number(clid));
     PlayListBase* pl = m_manager->getPlayListByUid(plid);
-    if (!checkPlayList(pl, plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Unable to remove playList from collection, playlist id: "
-                                         << plid << " doesn't exist");
-        return false;
-    }
-    if (!cl->removePlayList(pl)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Unable to remove playList, id: "
-                                         << plid << " from collection id: " << clid);
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Remove playlist from collection failed."));
-        return false;
-    }
+    if (!checkPlayList(pl, plid, prefix, msg))
+        return refuse(
+            QStringLiteral(
+                "Unable to remove playList from collection, playlist id: %1 doesn't exist")
+                .arg(plid));
+    if (!cl->removePlayList(pl))
+        return refuse(msg,
+                      QStringLiteral("Unable to remove playList, id: %1 from collection id: %2")
+                          .arg(plid)
+                          .arg(clid),
+                      prefix, CONTROLLER_TEXT("Remove playlist from collection failed."));
     LOG4CPLUS_INFO(moduleLog(), "Playlist id: " << plid << " removed from collection id: " << clid);
     msg = buildOkMsg(CONTROLLER_TEXT("Playlist removed successfully from collection."),
                      cl->getName());

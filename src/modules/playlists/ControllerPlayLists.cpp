@@ -30,21 +30,15 @@ bool Controller::plCreate(CMSetDataRequest request, QString& msg, int& id) {
     CM_ENTER(moduleLog());
     const QString name = wholeText(OrvoPlayListPlCreate(request.value().toHash()).name());
     const QString prefix = CONTROLLER_TEXT("Could not create playlist.");
-    if (!checkNonemptyString(name, OrvoPlayListPlCreate::Name(), prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot create playlist with empty name");
-        return false;
-    }
-    if (!checkNameLength(name, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot create playlist with a name of "
-                                         << TextBudget::bytesOf(name) << " bytes");
-        return false;
-    }
+    if (!checkNonemptyString(name, OrvoPlayListPlCreate::Name(), prefix, msg))
+        return refuse(QStringLiteral("Cannot create playlist with empty name"));
+    if (!checkNameLength(name, prefix, msg))
+        return refuse(QStringLiteral("Cannot create playlist with a name of %1 bytes")
+                          .arg(TextBudget::bytesOf(name)));
     const PlayListBase* pl = m_manager->createPlayList(name);
-    if (!pl) {
-        LOG4CPLUS_ERROR(moduleLog(), "Create playlist failed");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Create playlist error."));
-        return false;
-    }
+    if (!pl)
+        return refuse(msg, QStringLiteral("Create playlist failed"), prefix,
+                      CONTROLLER_TEXT("Create playlist error."));
     id = pl->getUid();
     Q_EMIT playlistCreated(id);
     LOG4CPLUS_INFO(moduleLog(), "Playlist id: " << id << ", name: " << loggedText(pl->getName())
@@ -59,30 +53,20 @@ bool Controller::plSetName(CMSetDataRequest request, QString& msg) {
     const int plid = args.plid();
     const QString name = wholeText(args.name());
     const QString prefix = CONTROLLER_TEXT("Could not set playlist name.");
-    if (!checkPlayListId(plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot rename playlist id: " << plid);
+    if (!checkPlayListId(plid, prefix, msg))
+        return refuse(QStringLiteral("Cannot rename playlist id: %1").arg(plid));
+    if (plid == PlayListRecord::PlayQueueUid)
+        return refuse(msg, QStringLiteral("Cannot rename playqueue"), prefix,
+                      CONTROLLER_TEXT("Cannot rename PlayQueue."));
+    if (!checkNonemptyString(name, OrvoPlayListPlSetName::Name(), prefix, msg))
+        return refuse(QStringLiteral("Cannot rename playlist id:%1 to empty string").arg(plid));
+    if (!checkNameLength(name, prefix, msg))
+        return refuse(QStringLiteral("Cannot rename playlist id:%1 to a name of %2 bytes")
+                          .arg(plid)
+                          .arg(TextBudget::bytesOf(name)));
+    PlayListBase* pl = existingPlayList(plid, prefix, msg);
+    if (!pl)
         return false;
-    }
-    if (plid == PlayListRecord::PlayQueueUid) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot rename playqueue");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Cannot rename PlayQueue."));
-        return false;
-    }
-    if (!checkNonemptyString(name, OrvoPlayListPlSetName::Name(), prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot rename playlist id:" << plid << " to empty string");
-        return false;
-    }
-    if (!checkNameLength(name, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot rename playlist id:" << plid << " to a name of "
-                                                                  << TextBudget::bytesOf(name)
-                                                                  << " bytes");
-        return false;
-    }
-    PlayListBase* pl = m_manager->getPlayListByUid(plid);
-    if (!checkPlayList(pl, plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
-        return false;
-    }
     if (!checkStored(pl->setName(name), plid, prefix, msg))
         return false;
     LOG4CPLUS_INFO(moduleLog(),
@@ -99,22 +83,15 @@ bool Controller::plSetShuffle(CMSetDataRequest request, QString& msg) {
     const int plid = args.plid();
     const OrvoPlayListPlShuffleMode::Enum mode = args.mode();
     const QString prefix = CONTROLLER_TEXT("Could not set shuffle mode on playlist.");
-    if (!checkPlayListId(plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot set shuffle for invalid playlist id: " << plid);
+    if (!checkPlayListId(plid, prefix, msg))
+        return refuse(QStringLiteral("Cannot set shuffle for invalid playlist id: %1").arg(plid));
+    // A negative mode switches off, like every one that is not "on".
+    if (mode > OrvoPlayListPlShuffleMode::On)
+        return refuse(msg, QStringLiteral("Cannot set shuffle mode: %1").arg(int(mode)), prefix,
+                      CONTROLLER_TEXT("Invalid shuffle mode."), QStringLiteral("shuffle-mode"));
+    PlayListBase* pl = existingPlayList(plid, prefix, msg);
+    if (!pl)
         return false;
-    }
-    // Deliberate: no lower bound, a negative mode switches off.
-    if (mode > OrvoPlayListPlShuffleMode::On) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot set shuffle mode: " << int(mode));
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Invalid shuffle mode."),
-                          QStringLiteral("shuffle-mode"));
-        return false;
-    }
-    PlayListBase* pl = m_manager->getPlayListByUid(plid);
-    if (!checkPlayList(pl, plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
-        return false;
-    }
     if (!checkStored(pl->setShuffle(mode == OrvoPlayListPlShuffleMode::On), plid, prefix, msg))
         return false;
     LOG4CPLUS_INFO(moduleLog(), "Playlist id:" << plid << " set shuffle: " << int(mode));
@@ -130,22 +107,15 @@ bool Controller::plSetRepeat(CMSetDataRequest request, QString& msg) {
     const int plid = args.plid();
     const OrvoPlayListPlRepeatMode::Enum mode = args.mode();
     const QString prefix = CONTROLLER_TEXT("Could not set repeat mode on playlist.");
-    if (!checkPlayListId(plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot set repeat for invalid playlist id: " << plid);
+    if (!checkPlayListId(plid, prefix, msg))
+        return refuse(QStringLiteral("Cannot set repeat for invalid playlist id: %1").arg(plid));
+    // A negative mode is taken too: all but "all" is kept as "off".
+    if (mode > OrvoPlayListPlRepeatMode::Track)
+        return refuse(msg, QStringLiteral("Cannot set repeat mode: %1").arg(int(mode)), prefix,
+                      CONTROLLER_TEXT("Invalid repeat mode."), QStringLiteral("repeat-mode"));
+    PlayListBase* pl = existingPlayList(plid, prefix, msg);
+    if (!pl)
         return false;
-    }
-    // Deliberate: no lower bound, and every accepted mode but repeat-all is kept as "off".
-    if (mode > OrvoPlayListPlRepeatMode::Track) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot set repeat mode: " << int(mode));
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Invalid repeat mode."),
-                          QStringLiteral("repeat-mode"));
-        return false;
-    }
-    PlayListBase* pl = m_manager->getPlayListByUid(plid);
-    if (!checkPlayList(pl, plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
-        return false;
-    }
     if (!checkStored(pl->setRepeatAll(mode == OrvoPlayListPlRepeatMode::All), plid, prefix, msg))
         return false;
     LOG4CPLUS_INFO(moduleLog(), "Playlist id:" << plid << " set repeat all: " << int(mode));
@@ -157,28 +127,20 @@ bool Controller::plDelete(CMSetDataRequest request, QString& msg) {
     CM_ENTER(moduleLog());
     const int plid = OrvoPlayListPlId(request.value().toHash()).plid();
     const QString prefix = CONTROLLER_TEXT("Could not delete playlist.");
-    if (!checkPlayListId(plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot delete invalid playlist id: " << plid);
+    if (!checkPlayListId(plid, prefix, msg))
+        return refuse(QStringLiteral("Cannot delete invalid playlist id: %1").arg(plid));
+    if (plid == PlayListRecord::PlayQueueUid)
+        return refuse(msg, QStringLiteral("Cannot delete playqueue"), prefix,
+                      CONTROLLER_TEXT("Cannot delete PlayQueue."));
+    PlayListBase* pl = existingPlayList(plid, prefix, msg);
+    if (!pl)
         return false;
-    }
-    if (plid == PlayListRecord::PlayQueueUid) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot delete playqueue");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Cannot delete PlayQueue."));
-        return false;
-    }
-    PlayListBase* pl = m_manager->getPlayListByUid(plid);
-    if (!checkPlayList(pl, plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
-        return false;
-    }
     if (!checkRevision(request, pl, prefix, msg))
         return false;
     const QString name = pl->getName();
-    if (!m_manager->deletePlayList(pl)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Delete playlist id: " << plid << " failed");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Delete playlist error."));
-        return false;
-    }
+    if (!m_manager->deletePlayList(pl))
+        return refuse(msg, QStringLiteral("Delete playlist id: %1 failed").arg(plid), prefix,
+                      CONTROLLER_TEXT("Delete playlist error."));
     Q_EMIT playlistDeleted(plid);
     LOG4CPLUS_INFO(moduleLog(), "Playlist id: " << plid << " deleted successfully");
     msg = buildOkMsg(CONTROLLER_TEXT("Playlist deleted successfully."), name);
@@ -189,22 +151,16 @@ bool Controller::plClearItems(CMSetDataRequest request, QString& msg) {
     CM_ENTER(moduleLog());
     const int plid = OrvoPlayListPlId(request.value().toHash()).plid();
     const QString prefix = CONTROLLER_TEXT("Could not clear playlist.");
-    if (!checkPlayListId(plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot clear items from invalid playlist id: " << plid);
+    if (!checkPlayListId(plid, prefix, msg))
+        return refuse(QStringLiteral("Cannot clear items from invalid playlist id: %1").arg(plid));
+    PlayListBase* pl = existingPlayList(plid, prefix, msg);
+    if (!pl)
         return false;
-    }
-    PlayListBase* pl = m_manager->getPlayListByUid(plid);
-    if (!checkPlayList(pl, plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
-        return false;
-    }
     if (!checkRevision(request, pl, prefix, msg))
         return false;
-    if (!pl->clearItems()) {
-        LOG4CPLUS_ERROR(moduleLog(), "Clear playlist id: " << plid << " failed");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Clear playlist failed."));
-        return false;
-    }
+    if (!pl->clearItems())
+        return refuse(msg, QStringLiteral("Clear playlist id: %1 failed").arg(plid), prefix,
+                      CONTROLLER_TEXT("Clear playlist failed."));
     LOG4CPLUS_INFO(moduleLog(), "Playlist id: " << plid << " cleared successfully");
     msg = buildOkMsg(CONTROLLER_TEXT("Playlist cleared successfully."), pl->getName());
     return true;
@@ -216,29 +172,22 @@ bool Controller::plRemoveItems(CMSetDataRequest request, QString& msg) {
     const int plid = args.plid();
     const QList<int> items = args.items();
     const QString prefix = CONTROLLER_TEXT("Could not remove items from playlist.");
-    if (!checkPlayListId(plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot delete items from invalid playlist id: " << plid);
+    if (!checkPlayListId(plid, prefix, msg))
+        return refuse(QStringLiteral("Cannot delete items from invalid playlist id: %1").arg(plid));
+    if (items.isEmpty())
+        return refuse(msg,
+                      QStringLiteral("Cannot delete zero items from playlist id: %1").arg(plid),
+                      prefix, CONTROLLER_TEXT("Please select one or more items to remove."));
+    PlayListBase* pl = existingPlayList(plid, prefix, msg);
+    if (!pl)
         return false;
-    }
-    if (items.isEmpty()) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot delete zero items from playlist id: " << plid);
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Please select one or more items to remove."));
-        return false;
-    }
-    PlayListBase* pl = m_manager->getPlayListByUid(plid);
-    if (!checkPlayList(pl, plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
-        return false;
-    }
     if (!checkRevision(request, pl, prefix, msg))
         return false;
     const int numItemsChanged = pl->removeItems(items);
     LOG4CPLUS_TRACE(moduleLog(), "numItemsChanged " << numItemsChanged);
-    if (numItemsChanged <= 0) {
-        LOG4CPLUS_ERROR(moduleLog(), "Remove items from playlist id: " << plid << " failed");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Remove items failed"));
-        return false;
-    }
+    if (numItemsChanged <= 0)
+        return refuse(msg, QStringLiteral("Remove items from playlist id: %1 failed").arg(plid),
+                      prefix, CONTROLLER_TEXT("Remove items failed"));
     LOG4CPLUS_INFO(moduleLog(),
                    "Removed " << numItemsChanged << " items from playlist id: " << plid);
     msg = buildOkMsg(QString::number(numItemsChanged),
@@ -253,49 +202,42 @@ bool Controller::plMoveItems(CMSetDataRequest request, QString& msg) {
     const int to = args.to();
     const QList<int> items = args.items();
     const QString prefix = CONTROLLER_TEXT("Could not move items in playlist.");
-    if (!checkPlayListId(plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot move items in invalid playlist id: " << plid);
+    if (!checkPlayListId(plid, prefix, msg))
+        return refuse(QStringLiteral("Cannot move items in invalid playlist id: %1").arg(plid));
+    if (items.isEmpty())
+        return refuse(
+            msg,
+            QStringLiteral("Please select one or more items to move in playlist id: %1").arg(plid),
+            prefix, CONTROLLER_TEXT("Please select one or more items to move."));
+    if (to < 0)
+        return refuse(
+            msg,
+            QStringLiteral("Cannot move items to negative position in playlist id: %1").arg(plid),
+            prefix, CONTROLLER_TEXT("Cannot move items to negative position."));
+    PlayListBase* pl = existingPlayList(plid, prefix, msg);
+    if (!pl)
         return false;
-    }
-    if (items.isEmpty()) {
-        LOG4CPLUS_ERROR(moduleLog(),
-                        "Please select one or more items to move in playlist id: " << plid);
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Please select one or more items to move."));
-        return false;
-    }
-    if (to < 0) {
-        LOG4CPLUS_ERROR(moduleLog(),
-                        "Cannot move items to negative position in playlist id: " << plid);
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Cannot move items to negative position."));
-        return false;
-    }
-    PlayListBase* pl = m_manager->getPlayListByUid(plid);
-    if (!checkPlayList(pl, plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
-        return false;
-    }
     if (!checkRevision(request, pl, prefix, msg))
         return false;
-    if (to >= pl->getSize()) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot move items, sequence number is not in valid range");
-        msg = buildErrMsg(
-            prefix, CONTROLLER_TEXT("Cannot move items, sequence number is not in valid range."));
-        return false;
-    }
+    if (to >= pl->getSize())
+        return refuse(
+            msg, QStringLiteral("Cannot move items, sequence number is not in valid range"), prefix,
+            CONTROLLER_TEXT("Cannot move items, sequence number is not in valid range."));
     const auto positions = [&items] {
         const auto text = [&items](int i) { return QStringLiteral("%1,").arg(items.at(i)); };
         return loggedList(items.size(), text, QString());
     };
     LOG4CPLUS_TRACE(moduleLog(), "indicies: " << positions() << " toSeqNum " << to);
-    if (!pl->moveItems(items, to)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Unable to move items (" << positions() << ") to seqnum " << to
-                                                              << " in playlist id: " << plid);
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Move items failed"));
-        return false;
-    }
+    if (!pl->moveItems(items, to))
+        return refuse(msg,
+                      QStringLiteral("Unable to move items (%1) to seqnum %2 in playlist id: %3")
+                          .arg(positions())
+                          .arg(to)
+                          .arg(plid),
+                      prefix, CONTROLLER_TEXT("Move items failed"));
     LOG4CPLUS_INFO(moduleLog(),
                    "Items in playlist id: " << plid << " moved successfully to position: " << to);
-    // Deliberate: the sentence of the remove command.
+    // The sentence of the remove command, which clients of both show as it is.
     msg = buildOkMsg(QString::number(items.count()),
                      CONTROLLER_TEXT("Items removed successfully from playlist."), pl->getName());
     return true;
@@ -307,29 +249,22 @@ bool Controller::plSetOrder(CMSetDataRequest request, QString& msg) {
     const int plid = args.plid();
     const QList<int> order = args.order();
     const QString prefix = CONTROLLER_TEXT("Could not set order of playlist.");
-    if (!checkPlayListId(plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot set order of invalid playlist id: " << plid);
+    if (!checkPlayListId(plid, prefix, msg))
+        return refuse(QStringLiteral("Cannot set order of invalid playlist id: %1").arg(plid));
+    PlayListBase* pl = existingPlayList(plid, prefix, msg);
+    if (!pl)
         return false;
-    }
-    PlayListBase* pl = m_manager->getPlayListByUid(plid);
-    if (!checkPlayList(pl, plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
-        return false;
-    }
     if (!checkRevision(request, pl, prefix, msg))
         return false;
-    if (!args.containsOrder() || !pl->isOrder(order)) {
-        LOG4CPLUS_ERROR(moduleLog(),
-                        "Order of playlist id: " << plid << " must name every position once");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Please name every position once."),
-                          OrvoPlayListPlSetOrder::Order());
-        return false;
-    }
-    if (!pl->setOrder(order)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Set order of playlist id: " << plid << " failed");
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Set order failed"));
-        return false;
-    }
+    const bool isList = args.attribute(OrvoPlayListPlSetOrder::Order()).type() == QVariant::List;
+    if (!isList || !pl->isOrder(order))
+        return refuse(
+            msg, QStringLiteral("Order of playlist id: %1 must name every position once").arg(plid),
+            prefix, CONTROLLER_TEXT("Please name every position once."),
+            OrvoPlayListPlSetOrder::Order());
+    if (!pl->setOrder(order))
+        return refuse(msg, QStringLiteral("Set order of playlist id: %1 failed").arg(plid), prefix,
+                      CONTROLLER_TEXT("Set order failed"));
     LOG4CPLUS_INFO(moduleLog(), "Order of playlist id: " << plid << " set successfully");
     msg = buildOkMsg(CONTROLLER_TEXT("Order of playlist set successfully."), pl->getName());
     return true;
@@ -339,15 +274,11 @@ bool Controller::plPlay(CMSetDataRequest request, QString& msg) {
     CM_ENTER(moduleLog());
     const int plid = OrvoPlayListPlId(request.value().toHash()).plid();
     const QString prefix = CONTROLLER_TEXT("Could not start playback on playlist.");
-    if (!checkPlayListId(plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot play invalid playlist id: " << plid);
+    if (!checkPlayListId(plid, prefix, msg))
+        return refuse(QStringLiteral("Cannot play invalid playlist id: %1").arg(plid));
+    PlayListBase* pl = existingPlayList(plid, prefix, msg);
+    if (!pl)
         return false;
-    }
-    PlayListBase* pl = m_manager->getPlayListByUid(plid);
-    if (!checkPlayList(pl, plid, prefix, msg)) {
-        LOG4CPLUS_ERROR(moduleLog(), "Playlist id: " << plid << " doesn't exist");
-        return false;
-    }
     if (pl->getSize() == 0) {
         msg = buildErrMsg(prefix, CONTROLLER_TEXT("There are no items in the playlist."));
         return false;
