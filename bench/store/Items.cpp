@@ -88,9 +88,9 @@ Items::Items(const QList<OrvoPlayListItem>& items) {
 
 void Items::append(const OrvoPlayListItem& item) {
     m_ours.append(item);
-    m_floor.push_back({keep(item.title()), keep(item.artist()), keep(item.album()),
-                       keep(item.artworkUrl()), keep(item.genre()), item.durationSeconds(),
-                       keep(item.url()), keep(item.serviceId()), keep(item.orvoRoles())});
+    m_baseline.push_back({keep(item.title()), keep(item.artist()), keep(item.album()),
+                          keep(item.artworkUrl()), keep(item.genre()), item.durationSeconds(),
+                          keep(item.url()), keep(item.serviceId()), keep(item.orvoRoles())});
 }
 
 const Items& Items::of(int count, Order order) {
@@ -98,7 +98,7 @@ const Items& Items::of(int count, Order order) {
     return made.try_emplace({count, order}, count, order).first->second;
 }
 
-floor_text Items::keep(const QString& text) {
+std::string_view Items::keep(const QString& text) {
     m_texts.append(text.toUtf8());
-    return {m_texts.constLast().constData(), m_texts.constLast().size()};
+    return {m_texts.constLast().constData(), std::size_t(m_texts.constLast().size())};
 }

@@ -5,10 +5,10 @@
 #include <QByteArray>
 #include <QList>
 
-#include "floor.h"
+#include "Baseline.h"
 #include "OrvoPlayListItem.h"
 
-// Tracks to put into lists: the same texts for the module and for the floor, of the shape and
+// Tracks to put into lists: the same texts for the module and for the baseline, of the shape and
 // length that the local-files module gives them. Made before anything is timed.
 class Items {
 public:
@@ -23,14 +23,14 @@ public:
     static const Items& of(int count, Order order = Order::Albums);
 
     const QList<OrvoPlayListItem>& ours() const { return m_ours; }
-    const std::vector<floor_item>& forFloor() const { return m_floor; }
+    const std::vector<Baseline::Item>& forBaseline() const { return m_baseline; }
     int size() const { return m_ours.size(); }
 
 private:
     void append(const OrvoPlayListItem& item);
-    floor_text keep(const QString& text);
+    std::string_view keep(const QString& text);
 
     QList<OrvoPlayListItem> m_ours;
-    std::vector<floor_item> m_floor;
+    std::vector<Baseline::Item> m_baseline;
     QList<QByteArray> m_texts;
 };

@@ -1,33 +1,28 @@
+// The store and the model beside a baseline of plain C: prints a table and holds it against its
+// bounds. Both do a work in turns, in one process on one processor.
+
 #include <algorithm>
-#include <benchmark/benchmark.h>
 #include <climits>
-#include <cmath>
-#include <cstdio>
+#include <ctime>
 #include <log4cplus/initializer.h>
+#include <log4cplus/logger.h>
 #include <log4cplus/nullappender.h>
-#include <memory>
 #include <mimalloc.h>
 #include <sched.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 
-#include "CMLog.h"
-#include "Figures.h"
-#include "Lane.h"
+#include "Report.h"
+#include "Workload.h"
 
 namespace {
 
-struct Options {
-    bool isShort = false;
-    QString disk;
-    QString memory;
-    QString json;
-    QString filter;
-    std::vector<int> sizes;
-    double slack = 1;
+struct Storage {
+    QString name;
+    QString folder;
+    bool isDisk;
 };
 
 double median(std::vector<double> values) {
@@ -36,216 +31,75 @@ double median(std::vector<double> values) {
     return *middle;
 }
 
-int turnsOf(const Work& work, const Setting& setting, bool isShort) {
-    if (work.length == Work::Length::Short)
-        return isShort ? 101 : 201;
-    const int many = setting.size >= 100000 ? 7 : setting.size >= 10000 ? 15 : 31;
-    return isShort ? many / 2 : many;
+// In memory-backed storage nothing waits: the time of the processor is the time it takes, also when
+// others use the machine. On a disk the waiting counts.
+double microseconds(bool waitingCounts) {
+    timespec now{};
+    clock_gettime(waitingCounts ? CLOCK_MONOTONIC : CLOCK_THREAD_CPUTIME_ID, &now);
+    return double(now.tv_sec) * 1e6 + double(now.tv_nsec) / 1e3;
 }
 
-// The middle one of the turns' ratios: both of a turn meet the same machine.
-double medianRatio(const Times& times) {
-    std::vector<double> ratios;
-    for (std::size_t i = 0; i < times.base.size(); ++i)
-        ratios.push_back(times.ours[i] / times.base[i]);
-    return median(ratios);
-}
-
-// One work on one storage at all its sizes, which take turns as well: what else the machine does
-// meets all of them.
-struct Series {
-    const Work& work;
-    std::vector<Setting> settings;
-    std::vector<int> turns;   // at each setting
-    std::vector<Times> times; // empty when it failed, or is still to be measured
-    // From the first size to the last, where there are several.
-    std::optional<double> growth;
-    bool isMeasured = false;
-
-    void measure(double slack);
-};
-
-// The median of what our turns from this one on took.
-double medianSince(const Times& times, std::size_t first) {
-    return median({times.ours.begin() + std::ptrdiff_t(first), times.ours.end()});
-}
-
-// Whether a bound, with its slack, is broken by what was measured so far.
-bool isBroken(const Work& work, double slack, const std::vector<std::unique_ptr<Lane>>& lanes) {
-    return work.maxRatio && std::any_of(lanes.begin(), lanes.end(), [&](const auto& lane) {
-               return medianRatio(lane->times()) > *work.maxRatio * slack;
-           });
-}
-
-void Series::measure(double slack) {
-    constexpr int MostRounds = 40;
-    constexpr int MostTimes = 3;
-    const int rounds = std::min(MostRounds, *std::min_element(turns.begin(), turns.end()));
-    std::vector<std::unique_ptr<Lane>> lanes;
-    for (const Setting& setting : settings)
-        lanes.push_back(std::make_unique<Lane>(work, setting));
-    const double sizes = double(settings.back().size) / settings.front().size;
-    std::vector<double> exponents;
-    bool ok = true;
-    // Few turns give a rough ratio: one that would break its bound is worth as many turns again,
-    // and all of them count.
-    for (int round = 0; ok && round < rounds * MostTimes; ++round) {
-        if (round > 0 && round % rounds == 0 && !isBroken(work, slack, lanes))
-            break;
-        std::vector<double> medians;
-        for (std::size_t i = 0; ok && i < lanes.size(); ++i) {
-            const std::size_t known = lanes[i]->times().ours.size();
-            const int until = turns[i] * (round + 1) / rounds;
-            ok = lanes[i]->takeTurns(until - int(known));
-            medians.push_back(medianSince(lanes[i]->times(), known));
+// The turns of one work at one size, each side as often first as second. Nothing where one failed.
+std::optional<Figure> measure(const Work& work, const Setting& setting, int turns) {
+    const Workload workload = work.setUp(setting);
+    std::vector<double> baseline;
+    std::vector<double> module;
+    const auto time = [&](const auto& prepare, const auto& side, std::vector<double>& times) {
+        prepare();
+        const double begin = microseconds(setting.isDisk);
+        const bool ok = side();
+        times.push_back(microseconds(setting.isDisk) - begin);
+        return ok;
+    };
+    const auto takeBaseline = [&] {
+        return !workload.baseline || time(workload.prepareBaseline, workload.baseline, baseline);
+    };
+    const auto takeModule = [&] { return time(workload.prepareModule, workload.module, module); };
+    // The first turn of a short work fills the caches and is not counted.
+    const int uncounted = work.length == Work::Length::Short ? 1 : 0;
+    for (int i = 0; i < turns + uncounted; ++i) {
+        if (i == uncounted) {
+            baseline.clear();
+            module.clear();
         }
-        exponents.push_back(std::log(medians.back() / medians.front()) / std::log(sizes));
+        workload.prepare();
+        if (i % 2 == 0 ? !takeBaseline() || !takeModule() : !takeModule() || !takeBaseline())
+            return {};
     }
-    for (const std::unique_ptr<Lane>& lane : lanes)
-        times.push_back(ok ? lane->times() : Times());
-    if (ok && lanes.size() > 1)
-        growth = median(exponents);
-    isMeasured = true;
+    Figure figure{setting.size, median(module), {}};
+    // Both of a turn meet the same machine.
+    for (std::size_t i = 0; i < baseline.size(); ++i)
+        baseline[i] = module[i] / baseline[i];
+    if (!baseline.empty())
+        figure.ratio = median(baseline);
+    return figure;
 }
 
-void run(benchmark::State& state, Series& series, std::size_t which, Figures& figures) {
-    if (!series.isMeasured)
-        series.measure(figures.slack());
-    const Times& times = series.times[which];
-    if (times.ours.empty()) {
-        state.SkipWithError("it did not work");
-        return;
-    }
-    auto time = times.ours.begin();
-    for (auto _ : state)
-        state.SetIterationTime(*time++ / 1e6);
-    const Work& work = series.work;
-    const Setting& setting = series.settings[which];
-    figures.add(
-        {work.name, QStringLiteral("orvo"), setting.size, setting.storage, median(times.ours)});
-    if (which + 1 == series.settings.size() && series.growth)
-        figures.addGrowth(work.name, setting.storage, *series.growth);
-    if (!work.base.isEmpty()) {
-        const double ratio = medianRatio(times);
-        figures.add(
-            {work.name, work.base, setting.size, setting.storage, median(times.base), ratio});
-        state.counters["ratio"] = ratio;
-    }
+int turnsOf(const Work& work, int size, bool isShort) {
+    const int turns = work.length == Work::Length::Short ? 201
+                      : size >= 100000                   ? 7
+                      : size >= 10000                    ? 15
+                                                         : 31;
+    return isShort ? turns / 2 : turns;
 }
 
-// Names each benchmark as it is done, and remembers whether one failed.
-class Progress : public benchmark::BenchmarkReporter {
-public:
-    bool ReportContext(const Context&) override { return true; }
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            const auto ratio = run.counters.find("ratio");
-            if (run.error_occurred)
-                std::fprintf(stderr, "%s: %s\n", run.benchmark_name().c_str(),
-                             run.error_message.c_str());
-            else if (ratio != run.counters.end())
-                std::fprintf(stderr, "%-60s %6.2f\n", run.run_name.function_name.c_str(),
-                             double(ratio->second));
-            else
-                std::fprintf(stderr, "%s\n", run.run_name.function_name.c_str());
-            m_failed = m_failed || run.error_occurred;
-        }
-    }
-    bool failed() const { return m_failed; }
-
-private:
-    bool m_failed = false;
-};
-
-// Sizes take turns in a process each. Those of a run stay where it began: two processors that are
-// shared with other machines are not equally fast, and one size would have the better of it.
-void stayOnOneProcessor() {
-    const int here = ::sched_getcpu();
-    cpu_set_t one;
-    CPU_ZERO(&one);
-    if (here >= 0)
-        CPU_SET(here, &one);
-    if (here < 0 || ::sched_setaffinity(0, sizeof one, &one) != 0)
-        std::fprintf(stderr, "the sizes may run on different processors\n");
-}
-
-Options readOptions(const QCoreApplication& app) {
-    QCommandLineParser parser;
-    parser.addHelpOption();
-    parser.addOption({"short", "1,000 and 10,000 entries, in memory-backed storage only"});
-    parser.addOption({"disk", "a folder on a disk", "folder", "."});
-    parser.addOption({"memory", "a folder in memory-backed storage", "folder", "/dev/shm"});
-    parser.addOption({"json", "where the figures go, for programs", "file"});
-    parser.addOption({"filter", "only works whose name contains this", "text"});
-    parser.addOption({"sizes", "comma-separated numbers of entries", "n,n"});
-    parser.addOption({"no-disk", "memory-backed storage only"});
-    parser.process(app);
-    Options options;
-    options.isShort = parser.isSet("short");
-    if (!options.isShort && !parser.isSet("no-disk"))
-        options.disk = QDir(parser.value("disk")).absolutePath();
-    options.memory = QDir(parser.value("memory")).absolutePath();
-    options.json =
-        parser.isSet("json") ? QDir::current().absoluteFilePath(parser.value("json")) : QString();
-    options.filter = parser.value("filter");
-    options.sizes = {1000, 10000};
-    if (!options.isShort)
-        options.sizes.push_back(100000);
-    if (parser.isSet("sizes")) {
-        options.sizes.clear();
-        for (const QString& size : parser.value("sizes").split(','))
-            options.sizes.push_back(size.toInt());
-    }
-    constexpr double GuardSlack = 1.5;
-    options.slack = options.isShort ? GuardSlack : 1;
-    return options;
-}
-
-std::vector<Work> chosenWorks(const Options& options) {
+std::vector<Work> worksNamed(const QString& filter) {
     std::vector<Work> works;
     for (const std::vector<Work>& part : {editWorks(), folderWorks(), readWorks(), playWorks()}) {
-        for (const Work& work : part) {
-            if (work.name.contains(options.filter))
-                works.push_back(work);
-        }
+        std::copy_if(part.begin(), part.end(), std::back_inserter(works), [&](const Work& work) {
+            return QString::fromLatin1(work.name).contains(filter);
+        });
     }
     return works;
 }
 
-std::vector<std::unique_ptr<Series>> registerAll(const std::vector<Work>& works,
-                                                 const Options& options, Figures& figures) {
-    std::vector<std::unique_ptr<Series>> all;
-    for (const auto& [storage, folder] :
-         {std::pair(QStringLiteral("memory"), options.memory), {"disk", options.disk}}) {
-        if (folder.isEmpty())
-            continue;
-        for (const Work& work : works) {
-            const int most = options.isShort ? options.sizes.back() : INT_MAX;
-            const int onlySize = std::min(work.onlySize.value_or(0), most);
-            all.push_back(std::make_unique<Series>(Series{work, {}, {}, {}, {}}));
-            Series& series = *all.back();
-            for (const int size : work.onlySize ? std::vector<int>{onlySize} : options.sizes) {
-                const std::size_t which = series.settings.size();
-                series.settings.push_back({storage, folder, size});
-                series.turns.push_back(turnsOf(work, series.settings.back(), options.isShort));
-                const QString name =
-                    QStringLiteral("%1, %2, %3").arg(work.name, storage, QString::number(size));
-                benchmark::RegisterBenchmark(name.toUtf8().constData(),
-                                             [&figures, &series, which](benchmark::State& state) {
-                                                 run(state, series, which, figures);
-                                             })
-                    ->Iterations(series.turns.back())
-                    ->UseManualTime()
-                    ->Unit(benchmark::kMicrosecond);
-            }
-        }
-    }
-    return all;
-}
-
-bool writeFile(const QString& fileName, const QByteArray& text) {
-    QFile file(fileName);
-    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size();
+// Two processors that are shared with other machines are not equally fast.
+void stayOnOneProcessor() {
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(std::size_t(std::max(0, ::sched_getcpu())), &one);
+    if (::sched_setaffinity(0, sizeof one, &one) != 0)
+        std::fprintf(stderr, "the run may move between processors\n");
 }
 
 } // namespace
@@ -262,27 +116,51 @@ int main(int argc, char** argv) {
     log4cplus::Logger::getRoot().setLogLevel(log4cplus::INFO_LOG_LEVEL);
     log4cplus::Logger::getRoot().addAppender(
         log4cplus::SharedAppenderPtr(new log4cplus::NullAppender));
+
     QCoreApplication app(argc, argv);
-    stayOnOneProcessor();
-    const Options options = readOptions(app);
-    const std::vector<Work> works = chosenWorks(options);
-    if (works.empty()) {
-        std::fprintf(stderr, "there is no work whose name contains \"%s\"\n",
-                     qPrintable(options.filter));
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    parser.addOption({"short", "1,000 and 10,000 entries, in memory-backed storage, with slack"});
+    parser.addOption({"disk", "a folder on a disk", "folder", "."});
+    parser.addOption({"memory", "a folder in memory-backed storage", "folder", "/dev/shm"});
+    parser.addOption({"filter", "only works whose name contains this", "text"});
+    parser.addOption({"sizes", "comma-separated numbers of entries", "n,n", "1000,10000,100000"});
+    parser.addOption({"table", "where the table goes as well", "file"});
+    parser.process(app);
+    const bool isShort = parser.isSet("short");
+    const QString named = isShort ? QStringLiteral("1000,10000") : parser.value("sizes");
+    std::vector<int> sizes;
+    for (const QString& size : named.split(','))
+        sizes.push_back(size.toInt());
+    const std::vector<Work> works = worksNamed(parser.value("filter"));
+    constexpr int MinSize = 100; // of a list that has a page
+    if (works.empty() || *std::min_element(sizes.begin(), sizes.end()) < MinSize) {
+        std::fprintf(stderr, "there is no such work, or a size is below %d\n", MinSize);
         return 2;
     }
-    Figures figures(options.slack);
-    const auto series = registerAll(works, options, figures);
-    Progress progress;
-    benchmark::RunSpecifiedBenchmarks(&progress);
-    figures.judge(works);
 
-    std::printf("%s", figures.table().toUtf8().constData());
-    if (options.slack > 1)
-        std::printf("\nBounds with slack: ratios times %.1f, growth exponents plus %.2f.\n",
-                    options.slack, (options.slack - 1) / 2);
-    for (const QString& sentence : figures.broken())
-        std::printf("BROKEN %s\n", qPrintable(sentence));
-    const bool written = options.json.isEmpty() || writeFile(options.json, figures.json());
-    return written && !progress.failed() && figures.broken().isEmpty() ? 0 : 1;
+    stayOnOneProcessor();
+    std::vector<Storage> storages{{"memory", QDir(parser.value("memory")).absolutePath(), false}};
+    if (!isShort)
+        storages.push_back({"disk", QDir(parser.value("disk")).absolutePath(), true});
+    constexpr double GuardSlack = 1.5;
+    Report report(parser.value("table"), sizes, isShort ? GuardSlack : 1, !isShort);
+    for (const Storage& storage : storages) {
+        for (const Work& work : works) {
+            const int most = isShort ? sizes.back() : INT_MAX;
+            const std::vector<int> own{std::min(work.onlySize.value_or(0), most)};
+            std::vector<Figure> figures;
+            for (const int size : work.onlySize ? own : sizes) {
+                const auto figure = measure(work, {storage.folder, storage.isDisk, size},
+                                            turnsOf(work, size, isShort));
+                if (!figure) {
+                    figures.clear();
+                    break;
+                }
+                figures.push_back(*figure);
+            }
+            report.add(work, storage.name, figures);
+        }
+    }
+    return report.finish();
 }

@@ -1,7 +1,8 @@
-#include "floor.h"
+#include "Baseline.h"
 
-#include <cstring>
 #include <sqlite3.h>
+
+#include <QFile>
 
 #include "Items.h"
 #include "StatementTrace.h"
@@ -9,7 +10,7 @@
 
 namespace {
 
-constexpr const char* floorFile = "floor.sqlite";
+constexpr const char* baselineFile = "baseline.sqlite";
 
 // Everything that the file says: schema, rows and what is kept of the settings.
 QStringList contentsOf(const char* file) {
@@ -43,67 +44,66 @@ QStringList contentsOf(const char* file) {
 
 } // namespace
 
-// The floor is a measure only while it does the same work.
-class FloorTest : public StoreFixture {
+// The baseline is a measure only while it does the same work.
+class BaselineTest : public StoreFixture {
 protected:
     using Position = OrvoPlayListAddPosition;
 
     void SetUp() override {
         database();
-        m_floor = floor_open(floorFile);
-        ASSERT_NE(nullptr, m_floor);
-        expectTheSame("opened");
+        ASSERT_TRUE(QFile::copy(QString::fromLatin1(File), QString::fromLatin1(baselineFile)));
+        m_baseline = std::make_unique<Baseline>(baselineFile);
     }
     void TearDown() override {
-        floor_close(m_floor);
-        floor_free(&m_rows);
+        m_baseline.reset();
         StoreFixture::TearDown();
     }
 
     void createLists() {
         for (const char* name : {"one", "zwö"}) {
             database().createPlayList(QString::fromUtf8(name));
-            ASSERT_TRUE(floor_create_playlist(m_floor, {name, int(std::strlen(name))}, &m_list));
+            ASSERT_TRUE(m_baseline->createPlayList(name, &m_list));
         }
         m_list = {1, 0, -1};
+        expectTheSame("created");
     }
     void add(Position::Enum position, int count) {
         const Items& items = Items::of(count);
         PlayListRecord pl = record(1);
         pl.lastPlayedIndex = m_list.lastPlayedIndex;
         EXPECT_GE(database().addItems(pl, position, items.ours(), nullptr), 0);
-        EXPECT_TRUE(floor_add(m_floor, &m_list,
-                              position == Position::Append ? floor_append : floor_after_current,
-                              items.forFloor().data(), count));
+        const auto where = position == Position::Append ? Baseline::Position::Append
+                                                        : Baseline::Position::AfterCurrent;
+        EXPECT_TRUE(m_baseline->addItems(&m_list, where, items.forBaseline()));
         expectTheSame("added");
     }
     void move(int from, int to) {
         EXPECT_TRUE(database().moveItem(record(1), from, to));
-        EXPECT_TRUE(floor_move(m_floor, &m_list, from, to));
+        EXPECT_TRUE(m_baseline->moveItem(m_list, from, to));
         expectTheSame("moved");
     }
-    void reorder(int first, const QVector<int>& order) {
-        EXPECT_TRUE(database().reorderItems(record(1), first, order, record(1).lastPlayedIndex));
-        EXPECT_TRUE(floor_reorder(m_floor, &m_list, first, order.constData(), order.size()));
+    void reorder(int first, const std::vector<int>& order) {
+        EXPECT_TRUE(database().reorderItems(
+            record(1), first, QVector<int>(order.begin(), order.end()), record(1).lastPlayedIndex));
+        EXPECT_TRUE(m_baseline->reorderItems(m_list, first, order));
         expectTheSame("reordered");
     }
-    void remove(const QList<int>& indices) {
-        const QVector<int> array(indices.begin(), indices.end());
-        EXPECT_EQ(indices.size(), database().removeItems(record(1), indices));
-        EXPECT_TRUE(floor_remove(m_floor, &m_list, array.constData(), array.size()));
+    void remove(const std::vector<int>& indices) {
+        const QList<int> list(indices.begin(), indices.end());
+        EXPECT_EQ(list.size(), database().removeItems(record(1), list));
+        EXPECT_TRUE(m_baseline->removeItems(&m_list, indices));
         expectTheSame("removed");
     }
     void expectTheSame(const char* when) {
-        EXPECT_EQ(contentsOf(File), contentsOf(floorFile)) << when;
+        EXPECT_EQ(contentsOf(File), contentsOf(baselineFile)) << when;
         EXPECT_EQ(m_list.uid > 0 ? record(m_list.uid).size : 0, m_list.size) << when;
     }
 
-    floor_store* m_floor = nullptr;
-    floor_list m_list{};
-    floor_rows m_rows{};
+    std::unique_ptr<Baseline> m_baseline;
+    Baseline::List m_list;
 };
 
-TEST_F(FloorTest, leavesTheSameRowsAfterEveryStep) {
+TEST_F(BaselineTest, leavesTheSameRowsAfterEveryStep) {
     createLists();
     add(Position::Append, 20);
     m_list.lastPlayedIndex = 9;
@@ -117,34 +117,35 @@ TEST_F(FloorTest, leavesTheSameRowsAfterEveryStep) {
     remove({0});
     remove({0, 2, 4, 6, 8, 9, 10, 39});
     EXPECT_TRUE(database().clearItems(record(1)));
-    EXPECT_TRUE(floor_clear(m_floor, &m_list));
+    EXPECT_TRUE(m_baseline->clearItems(&m_list));
     expectTheSame("cleared");
     add(Position::Append, 5);
     EXPECT_TRUE(database().deletePlayList(record(1)));
-    EXPECT_TRUE(floor_delete_playlist(m_floor, &m_list));
+    EXPECT_TRUE(m_baseline->deletePlayList(m_list));
     m_list = {2, 0, -1};
     expectTheSame("deleted");
 }
 
 // What goes is looked for by its items where it is little of all that is stored.
-TEST_F(FloorTest, runsTheStoresStatementsOfASmallRemoval) {
+TEST_F(BaselineTest, hasTheStatementsThatTheStoreRunsForASmallRemoval) {
     createLists();
     add(Position::Append, 100);
     StatementTrace trace(database());
     remove({3, 5, 6});
-    for (int i = floor_statement_count(); i < floor_all_statement_count(); ++i)
-        EXPECT_TRUE(trace.texts().contains(floor_statement_text(i))) << floor_statement_text(i);
+    for (int i = int(StatementCount); i < Baseline::AllCount; ++i)
+        EXPECT_TRUE(trace.texts().contains(Baseline::statementText(i)))
+            << Baseline::statementText(i);
 }
 
-TEST_F(FloorTest, readsTheSameEntries) {
+TEST_F(BaselineTest, readsTheSameEntries) {
     createLists();
     add(Position::Append, 30);
     const QList<OrvoPlayListItem> items = database().getItems(record(1), 5, 24);
-    ASSERT_TRUE(floor_read(m_floor, &m_list, 5, 24, &m_rows));
-    ASSERT_EQ(items.size(), m_rows.count);
-    const auto text = [](floor_text t) { return QString::fromUtf8(t.data, t.size); };
-    for (int i = 0; i < m_rows.count; ++i) {
-        const floor_entry& entry = m_rows.entries[i];
+    const std::vector<Baseline::Entry>& entries = m_baseline->getItems(m_list, 5, 24);
+    ASSERT_EQ(std::size_t(items.size()), entries.size());
+    const auto text = [](std::string_view t) { return QString::fromUtf8(t.data(), int(t.size())); };
+    for (int i = 0; i < items.size(); ++i) {
+        const Baseline::Entry& entry = entries[std::size_t(i)];
         EXPECT_EQ(items[i].sequenceNumber(), entry.sequenceNumber);
         EXPECT_EQ(items[i].uid(), entry.uid);
         EXPECT_EQ(items[i].title(), text(entry.item.title));
@@ -159,24 +160,18 @@ TEST_F(FloorTest, readsTheSameEntries) {
     }
 }
 
-TEST_F(FloorTest, loadsTheSameLists) {
+TEST_F(BaselineTest, loadsTheSameLists) {
     createLists();
     add(Position::Append, 3);
     QList<PlayListRecord> records = {database().getPlayQueue()};
     records += database().getPlayLists();
-    ASSERT_TRUE(floor_load(m_floor, &m_rows));
-    ASSERT_EQ(records.size(), m_rows.count);
-    for (int i = 0; i < m_rows.count; ++i) {
-        const floor_playlist& list = m_rows.playlists[i];
+    const std::vector<Baseline::PlayList>& lists = m_baseline->loadPlayLists();
+    ASSERT_EQ(std::size_t(records.size()), lists.size());
+    for (int i = 0; i < records.size(); ++i) {
+        const Baseline::PlayList& list = lists[std::size_t(i)];
         EXPECT_EQ(records[i].uid, list.list.uid);
         EXPECT_EQ(records[i].size, list.list.size);
         EXPECT_EQ(records[i].lastPlayedIndex, list.list.lastPlayedIndex);
-        EXPECT_EQ(records[i].name, QString::fromUtf8(list.name.data, list.name.size));
+        EXPECT_EQ(records[i].name.toStdString(), list.name);
     }
-}
-
-TEST_F(FloorTest, runsTheStoresStatements) {
-    ASSERT_EQ(int(StatementCount), floor_statement_count());
-    for (int i = 0; i < floor_statement_count(); ++i)
-        EXPECT_STREQ(statementRow(StatementId(i)).sql, floor_statement_text(i));
 }

@@ -1,0 +1,145 @@
+#include "BenchStore.h"
+
+#include <cstdio>
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+
+#include "CMLog.h"
+#include "OrvoPlayListCommands.h"
+#include "PlayListPlayLogic.h"
+
+// The play logic's friend: the way to the lists themselves, past the commands.
+class PlayLogicProbe {
+public:
+    static PlayListManager* manager(PlayListWorker* worker) {
+        return static_cast<PlayListPlayLogic*>(worker->nodes()->find(OrvoPlayListsPlayLogicPath()))
+            ->m_manager;
+    }
+};
+
+namespace {
+
+constexpr const char* BaselineFile = "baseline.sqlite";
+constexpr const char* StoreFolder = "data-rw/playlists";
+constexpr const char* StoreFile = "data-rw/playlists/playlists.sqlite";
+
+} // namespace
+
+BenchStore::BenchStore(const Setting& setting, const Contents& contents, Parts parts,
+                       int itemsLimit)
+    : m_contents(contents),
+      m_parts(parts),
+      m_itemsLimit(itemsLimit),
+      m_isDisk(setting.isDisk),
+      m_oldFolder(QDir::currentPath()),
+      m_folder(setting.folder + QStringLiteral("/orvo-bench-XXXXXX")) {
+    CM_ASSERT(m_folder.isValid() && QDir::setCurrent(m_folder.path()) &&
+                  QDir().mkpath(QString::fromLatin1(StoreFolder)),
+              "no folder on the storage");
+    PlayLogicInterface::playerInstance()->setPlayer(this);
+    fill();
+    startOver();
+}
+
+BenchStore::~BenchStore() {
+    close();
+    PlayLogicInterface::playerInstance()->setPlayer(nullptr);
+    QDir::setCurrent(m_oldFolder);
+}
+
+void BenchStore::fill() {
+    Database(0, false); // makes the tables
+    Baseline store(StoreFile);
+    const Items& items = Items::of(m_contents.length, m_contents.order);
+    for (int i = 0; i < m_contents.lists; ++i) {
+        Baseline::List list;
+        CM_ASSERT(store.createPlayList("list " + std::to_string(i), &list) &&
+                      store.addItems(&list, Baseline::Position::Append, items.forBaseline()),
+                  "no entries to begin with");
+    }
+    QFile file(QString::fromLatin1(StoreFile));
+    CM_ASSERT(file.open(QIODevice::ReadOnly), "what was laid out cannot be read");
+    m_image = file.readAll();
+}
+
+// On a disk all of it is there before anything is timed.
+void BenchStore::copyImage(const char* to) const {
+    QFile file(QString::fromLatin1(to));
+    CM_ASSERT(file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+                  file.write(m_image) == m_image.size() && file.flush() &&
+                  (!m_isDisk || fsync(file.handle()) == 0),
+              "a store cannot be laid out");
+}
+
+void BenchStore::reopen(bool anew) {
+    close();
+    if (anew) {
+        copyImage(BaselineFile);
+        copyImage(StoreFile);
+    }
+    open();
+}
+
+void BenchStore::open() {
+    if (m_parts == Parts::Module) {
+        // All items of the longest list, prepared at once, are more than a device takes by default.
+        constexpr qint64 MaxAdditionBytes = 1 << 30;
+        m_root = std::make_unique<CMRootWorker>(QStringLiteral("settings.json"));
+        m_worker = std::make_unique<PlayListWorker>(QHash<QString, QVariant>{
+            {QStringLiteral("playlists/maxAdditionBytes"), MaxAdditionBytes}});
+        m_manager = PlayLogicProbe::manager(m_worker.get());
+    } else {
+        m_ownDatabase = std::make_unique<Database>(m_itemsLimit, false);
+        m_database = m_ownDatabase.get();
+        if (m_parts == Parts::Model)
+            m_ownManager = std::make_unique<PlayListManager>(m_database);
+        m_manager = m_ownManager.get();
+    }
+    m_baseline = std::make_unique<Baseline>(BaselineFile);
+    m_list = {1, m_contents.length, -1};
+}
+
+void BenchStore::close() {
+    m_worker.reset();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    m_root.reset();
+    m_ownManager.reset();
+    m_ownDatabase.reset();
+    m_baseline.reset();
+}
+
+bool BenchStore::send(const CMPath& path, const QVariant& value, QVariant* answer) {
+    const CMReply<QVariant> reply;
+    CMRoot()->setDataRequest(CMSetDataRequest(path, value, reply));
+    while (!reply.isFinished())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    if (reply.isError())
+        std::fprintf(stderr, "%s is refused: %s\n", qPrintable(path.toString()),
+                     qPrintable(reply.error().name()));
+    else if (answer)
+        *answer = reply.value();
+    return !reply.isError();
+}
+
+bool BenchStore::play(bool shuffled) {
+    list()->setShuffle(shuffled);
+    OrvoRoles container;
+    container.setPath(itemsPath());
+    OrvoPlayLogicPlayArgs args;
+    args.setKind(OrvoPlayLogicRequestKind::Play);
+    args.setMediaRoles(container);
+    args.setIndex(0);
+    args.setType(1);
+    return send(OrvoPlayListsPlayLogicPath(), args.toVariant());
+}
+
+void BenchStore::readThrough() {
+    constexpr int Piece = 1000;
+    for (int from = 0; from < m_contents.length; from += Piece) {
+        list()->getItems(from, from + Piece - 1);
+        m_baseline->getItems(m_list, from, from + Piece - 1);
+    }
+}
