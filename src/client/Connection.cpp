@@ -12,10 +12,11 @@ const QString UrlOption = QStringLiteral("url");
 const QString TokenFileOption = QStringLiteral("token-file");
 constexpr qint64 MaxTokenBytes = 1024;
 
-QUrl parseUrl(const QString& text) {
+// `from` says where the text stood, when that is not the command line.
+QUrl parseUrl(const QString& text, const QString& from = {}) {
     QUrl url(text);
     if (!url.isValid() || url.scheme() != QLatin1String("http") || url.host().isEmpty())
-        throw ClientFailure::usage(QStringLiteral("\"%1\" is no http URL").arg(text));
+        throw ClientFailure::usage(QStringLiteral("\"%1\"%2 is no http URL").arg(text, from));
     while (url.path().endsWith(QLatin1Char('/')))
         url.setPath(url.path().chopped(1));
     return url;
@@ -47,6 +48,9 @@ const QStringList& Connection::options() {
 }
 
 Connection Connection::of(const Arguments& arguments) {
-    const QString url = arguments.has(UrlOption) ? arguments.value(UrlOption) : DefaultUrl;
-    return {parseUrl(url), readToken(arguments)};
+    if (arguments.has(UrlOption))
+        return {parseUrl(arguments.value(UrlOption)), readToken(arguments)};
+    const QString named = qEnvironmentVariable("ORVO_URL");
+    return {named.isEmpty() ? QUrl(DefaultUrl) : parseUrl(named, QStringLiteral(" in ORVO_URL")),
+            readToken(arguments)};
 }

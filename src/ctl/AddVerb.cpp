@@ -1,3 +1,7 @@
+#include <cstdio>
+
+#include <QFile>
+
 #include "AddFolderJob.h"
 #include "Awaited.h"
 #include "ClientFailure.h"
@@ -25,6 +29,32 @@ AddFolderJob::Mode chosenMode(const Arguments& arguments) {
         chosen = &row;
     }
     return chosen ? chosen->mode : AddFolderJob::Append;
+}
+
+// Names of files may hold anything but a zero byte, which is what separates them where there is one
+// (find -print0); a line each otherwise.
+QStringList readNames() {
+    QFile input;
+    if (!input.open(stdin, QIODevice::ReadOnly))
+        return {};
+    const QByteArray bytes = input.readAll();
+    QStringList names;
+    for (const QByteArray& name : bytes.split(bytes.contains('\0') ? '\0' : '\n')) {
+        if (!name.isEmpty())
+            names.append(QFile::decodeName(name));
+    }
+    return names;
+}
+
+// "-" stands for the names on standard input.
+QStringList namesOf(const QStringList& words) {
+    const QString input = QStringLiteral("-");
+    if (words.count(input) > 1)
+        throw ClientFailure::usage(QStringLiteral("standard input is read only once"));
+    QStringList names;
+    for (const QString& word : words)
+        names += word == input ? readNames() : QStringList(word);
+    return names;
 }
 
 struct StepEnd {
@@ -71,7 +101,7 @@ void AddVerb::add(VerbContext& context) {
     const Named playlist = context.playlist();
     MusicSources music(&context.device);
     QVector<AddFolderJob::Source> sources;
-    for (const QString& word : context.arguments.positional().mid(1))
+    for (const QString& word : namesOf(context.arguments.positional().mid(1)))
         sources.append(music.of(word));
     AddFolderJob job(
         context.device.api(), sources,

@@ -90,3 +90,11 @@ void BasicVerbs::value(VerbContext& context) {
     }
     context.output.json(context.device.setValue(path, parseJson(context.arguments.at(1))));
 }
+
+void BasicVerbs::rescan(VerbContext& context) {
+    const QJsonObject answer = context.device.send(QStringLiteral("files:rescan"), QJsonObject());
+    if (context.output.isJson())
+        context.output.json(answer);
+    else
+        context.output.done(QStringLiteral("looking at the music folder again"));
+}

@@ -7,6 +7,7 @@
 
 namespace {
 
+constexpr int MaxVolume = 100;
 constexpr int PlayContainer = 1; // the type of a play request for a list
 
 // A player's command without arguments.
@@ -85,6 +86,23 @@ void goOn(VerbContext& context, const Named& playlist) {
                  {stopped.value_or(0), QStringLiteral("; --from 1 to begin")});
 }
 
+// "+5" and "-5" are steps, "5" is a value.
+struct Step {
+    int direction = 0;
+    QString amount;
+};
+
+Step stepOf(const QString& word) {
+    const int direction = word.startsWith(QLatin1Char('+'))   ? 1
+                          : word.startsWith(QLatin1Char('-')) ? -1
+                                                              : 0;
+    const QString amount = direction == 0 ? word : word.mid(1);
+    // A second sign is none of ours, and a number would take it.
+    const bool isSigned =
+        amount.startsWith(QLatin1Char('+')) || amount.startsWith(QLatin1Char('-'));
+    return {direction, direction != 0 && isSigned ? QString() : amount};
+}
+
 } // namespace
 
 void PlayerVerbs::play(VerbContext& context) {
@@ -111,6 +129,14 @@ void PlayerVerbs::resume(VerbContext& context) {
     send(context, "OrvoPlayerResumePath", "going on");
 }
 
+void PlayerVerbs::toggle(VerbContext& context) {
+    const QString state = PlayerStatus::read(context.device).state;
+    if (state == QLatin1String("playing") || state == QLatin1String("opening"))
+        pause(context);
+    else
+        resume(context);
+}
+
 void PlayerVerbs::stop(VerbContext& context) {
     send(context, "OrvoPlayerStopPath", "stopped");
 }
@@ -124,13 +150,21 @@ void PlayerVerbs::previous(VerbContext& context) {
 }
 
 void PlayerVerbs::seek(VerbContext& context) {
-    const QString text = context.arguments.at(0);
-    const std::optional<int> time = ClockText::toMilliseconds(text);
+    const Step step = stepOf(context.arguments.at(0));
+    const std::optional<int> time = ClockText::toMilliseconds(step.amount);
     if (!time)
         throw ClientFailure::usage(
-            QStringLiteral("a time is 95, 1:35 or 0:01:35, not \"%1\"").arg(text));
-    context.run(QStringLiteral("OrvoPlayerSeekTimePath"), {{QStringLiteral("time"), *time}},
-                QStringLiteral("at %1").arg(ClockText::ofTime(*time)));
+            QStringLiteral("a time is 95, 1:35 or 0:01:35, with + or - so far ahead or back, not "
+                           "\"%1\"")
+                .arg(context.arguments.at(0)));
+    int at = *time;
+    if (step.direction != 0) {
+        const PlayerStatus now = PlayerStatus::read(context.device);
+        const qint64 wanted = qMax<qint64>(0, now.position + qint64(step.direction) * *time);
+        at = int(now.duration > 0 ? qMin(wanted, now.duration) : wanted);
+    }
+    context.run(QStringLiteral("OrvoPlayerSeekTimePath"), {{QStringLiteral("time"), at}},
+                QStringLiteral("at %1").arg(ClockText::ofTime(at)));
 }
 
 void PlayerVerbs::mode(VerbContext& context) {
@@ -148,8 +182,12 @@ void PlayerVerbs::volume(VerbContext& context) {
         context.output.line(QString::number(PlayerStatus::read(context.device).volume));
         return;
     }
-    const int volume =
-        Arguments::toNumber(context.arguments.at(0), 0, QStringLiteral("the volume"));
+    const Step step = stepOf(context.arguments.at(0));
+    int volume = Arguments::toNumber(step.amount, 0, QStringLiteral("the volume"));
+    if (step.direction != 0)
+        volume = int(qBound<qint64>(
+            0, PlayerStatus::read(context.device).volume + qint64(step.direction) * volume,
+            MaxVolume));
     context.run(QStringLiteral("OrvoPlayerSetVolumePath"), {{QStringLiteral("volume"), volume}},
                 QStringLiteral("volume: %1").arg(volume));
 }

@@ -4,6 +4,7 @@
 #include <QVector>
 
 #include "Arguments.h"
+#include "ClientFailure.h"
 #include "Lists.h"
 #include "Output.h"
 
@@ -27,7 +28,8 @@ struct Verb {
     const char* words; // one or two
     const char* usage; // what follows, as shown in the help
     const char* help;
-    int least; // positional arguments
+    const char* example; // behind "orvoctl"
+    int least;           // positional arguments
     int most;
     QStringList valued;
     QStringList flags;
@@ -37,12 +39,19 @@ struct Verb {
 namespace Verbs {
 
 const QVector<Verb>& all();
-// The verb that the command line names; its words are taken off `words`. A usage failure when there
-// is none.
+QStringList wordsOf(const Verb& verb);
+// Those whose first words are these: {"collection"} gives all verbs of collections.
+QVector<Verb> beginningWith(const QStringList& words);
+// What completion scripts call, which is no verb for people.
+const Verb& completionLine();
+// The verb that a command line begins with, null when there is none.
+const Verb* find(const QStringList& words);
+// The same; its words are taken off `words`. A usage failure when there is none.
 const Verb& take(QStringList* words);
+// What to say of words that name no verb, with the one that was likely meant.
+ClientFailure unknown(const QStringList& words);
 // A usage failure when the number of arguments is not the verb's.
 void checkCount(const Verb& verb, const Arguments& arguments);
-QString help();
 
 } // namespace Verbs
 
@@ -51,6 +60,7 @@ void paths(VerbContext& context);
 void rows(VerbContext& context);
 void set(VerbContext& context);
 void value(VerbContext& context);
+void rescan(VerbContext& context);
 } // namespace BasicVerbs
 
 namespace PlaylistVerbs {
@@ -76,6 +86,7 @@ namespace PlayerVerbs {
 void play(VerbContext& context);
 void pause(VerbContext& context);
 void resume(VerbContext& context);
+void toggle(VerbContext& context);
 void stop(VerbContext& context);
 void next(VerbContext& context);
 void previous(VerbContext& context);
@@ -114,4 +125,14 @@ void watch(VerbContext& context);
 
 namespace BrowseVerb {
 void browse(VerbContext& context);
+}
+
+namespace CompletionVerb {
+void script(VerbContext& context);
+// What the script asks for at each key; not in the table of verbs that people read.
+void line(VerbContext& context);
+} // namespace CompletionVerb
+
+namespace HelpVerbs {
+void man(VerbContext& context);
 }

@@ -1,11 +1,16 @@
+#include <optional>
+
 #include <QCoreApplication>
+#include <QRegularExpression>
 
 #include "ClientFailure.h"
 #include "Connection.h"
+#include "Help.h"
 #include "Verbs.h"
 
 namespace {
 
+const QString Version = QStringLiteral("version");
 const QStringList GlobalFlags = {QStringLiteral("json"), QStringLiteral("help")};
 
 // Takes the options before the verb off `words`; they may stand behind it, too.
@@ -20,20 +25,44 @@ QStringList takeLeadingOptions(QStringList* words) {
     return options;
 }
 
+// What help is wanted for: "help play", "--help play" and "play --help" say the same.
+std::optional<QStringList> helpTopic(const Arguments& leading, const QStringList& words) {
+    const bool isVerb = !words.isEmpty() && words.first() == QLatin1String("help");
+    const QStringList options = words.mid(0, words.indexOf(QStringLiteral("--")));
+    if (!isVerb && !leading.has(QStringLiteral("help")) &&
+        !options.contains(QStringLiteral("--help")))
+        return std::nullopt;
+    static const QRegularExpression isNoOption(QStringLiteral("^[^-]"));
+    return words.mid(isVerb ? 1 : 0).filter(isNoOption);
+}
+
+void showHelp(const QStringList& topic) {
+    if (topic.isEmpty()) {
+        Output(false).text(Help::text());
+        return;
+    }
+    const Verb* verb = Verbs::find(topic);
+    const QVector<Verb> verbs = verb ? QVector<Verb>{*verb} : Verbs::beginningWith(topic);
+    if (verbs.isEmpty())
+        throw Verbs::unknown(topic);
+    Output(false).text(Help::of(verbs));
+}
+
 void run(QStringList words) {
     const QStringList leading = takeLeadingOptions(&words);
-    const Arguments before = Arguments::parse(leading, Connection::options(), GlobalFlags);
-    if (before.has(QStringLiteral("help")) || words == QStringList{QStringLiteral("help")}) {
-        Output(false).text(Verbs::help());
+    const Arguments before =
+        Arguments::parse(leading, Connection::options(), GlobalFlags + QStringList{Version});
+    if (before.has(Version)) {
+        Output(false).text(Help::version());
+        return;
+    }
+    if (const auto topic = helpTopic(before, words)) {
+        showHelp(*topic);
         return;
     }
     const Verb& verb = Verbs::take(&words);
     const Arguments arguments = Arguments::parse(
         leading + words, verb.valued + Connection::options(), verb.flags + GlobalFlags);
-    if (arguments.has(QStringLiteral("help"))) {
-        Output(false).text(Verbs::help());
-        return;
-    }
     Verbs::checkCount(verb, arguments);
     AsyncApi api(Connection::of(arguments));
     Device device(&api);

@@ -106,3 +106,29 @@ TEST_F(CtlAdd, aDeviceThatIsFullSaysHowManyWereAdded) {
     m_playLists.limit = 1001;
     EXPECT_EQ(ctl({"add", "Party", "x:a", "x:b", "--json"}).json().object().value("added"), 1);
 }
+
+TEST_F(CtlAdd, namesComeFromStandardInputOneALine) {
+    const int id = playlist("Party");
+    const QByteArray file = makeFile("A & B/1 2.flac").toUtf8();
+    const QByteArray other = makeFile("A & B/3.flac").toUtf8();
+    EXPECT_EQ(ctl({"add", "Party", "-"}, file + "\n\n" + other + "\nx:a").err.toStdString(),
+              "added 3 of 3 tracks to Party (#10)\n");
+    const QStringList expected = {"files:tree/A%20%26%20B/1%202.flac",
+                                  "files:tree/A%20%26%20B/3.flac", "x:a"};
+    EXPECT_EQ(tracks(id), expected);
+    // As find -print0 gives them; among other names, too.
+    EXPECT_EQ(ctl({"add", "Party", "x:b", "-", "x:c"}, file + '\0' + other + '\0').status, 0);
+    EXPECT_EQ(tracks(id).mid(3), (QStringList{"x:b", expected.at(0), expected.at(1), "x:c"}));
+    const CtlRun empty = ctl({"add", "Party", "-"}, "\n");
+    EXPECT_EQ(empty.status, 1);
+    EXPECT_EQ(empty.err.toStdString(), "orvoctl: there are no tracks in it\n");
+    EXPECT_EQ(ctl({"add", "Party", "-", "-"}, file).status, 2);
+    EXPECT_EQ(tracks(id).size(), 7);
+}
+
+TEST_F(CtlAdd, theMusicFolderIsLookedAtAgain) {
+    const CtlRun run = ctl({"rescan"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.err.toStdString(), "looking at the music folder again\n");
+    EXPECT_EQ(m_files.rescans, 1);
+}

@@ -9,17 +9,19 @@ CtlFixture::CtlFixture() : m_files(musicFolder()) {
     QDir().mkpath(musicFolder());
 }
 
-CtlRun CtlFixture::ctl(const QStringList& words) {
-    return runProgram(QStringList{QStringLiteral("--url"), url()} + words);
+CtlRun CtlFixture::ctl(const QStringList& words, const QByteArray& input) {
+    return runProgram(QStringList{QStringLiteral("--url"), url()} + words, input);
 }
 
-CtlRun CtlFixture::runProgram(const QStringList& words) {
+CtlRun CtlFixture::runProgram(const QStringList& words, const QByteArray& input) {
     QProcess program;
     QEventLoop loop;
     QObject::connect(&program, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &loop,
                      &QEventLoop::quit);
     QTimer::singleShot(HttpClient::PatienceMs, &loop, &QEventLoop::quit);
     program.start(QStringLiteral(ORVOCTL), words);
+    program.write(input);
+    program.closeWriteChannel();
     loop.exec();
     CtlRun run;
     if (program.state() == QProcess::NotRunning && program.exitStatus() == QProcess::NormalExit)

@@ -21,9 +21,9 @@ class CtlFixture : public GatewayFixture {
 protected:
     CtlFixture();
 
-    // Runs orvoctl with the device's address and these words.
-    CtlRun ctl(const QStringList& words);
-    static CtlRun runProgram(const QStringList& words);
+    // Runs orvoctl with the device's address, these words and this standard input.
+    CtlRun ctl(const QStringList& words, const QByteArray& input = {});
+    static CtlRun runProgram(const QStringList& words, const QByteArray& input = {});
     // A playlist with these tracks; gives its id.
     int playlist(const QString& name, const QStringList& tracks = {});
     // A file in the music folder, with its folders.

@@ -3,11 +3,13 @@
 #include <QJsonArray>
 
 #include "ClientFailure.h"
+#include "Help.h"
 #include "MusicSources.h"
 #include "Names.h"
 #include "PlayerStatus.h"
 #include "Positions.h"
 #include "ProgressBar.h"
+#include "ShellLine.h"
 #include "TextTable.h"
 #include "TrackOrder.h"
 #include "Verbs.h"
@@ -86,8 +88,12 @@ TEST(Verbs, oneOrTwoWordsNameAVerb) {
     EXPECT_EQ(words, (QStringList{"a", "b"}));
     for (QStringList unknown : {QStringList{}, {"collection"}, {"collection", "dance"}, {"dance"}})
         EXPECT_EQ(statusOf([&] { Verbs::take(&unknown); }), ClientFailure::Usage);
-    for (const Verb& verb : Verbs::all())
-        EXPECT_TRUE(Verbs::help().contains(QLatin1String(verb.words))) << verb.words;
+    for (const Verb& verb : Verbs::all()) {
+        EXPECT_TRUE(Help::text().contains(QLatin1String(verb.words))) << verb.words;
+        EXPECT_STRNE(verb.example, "") << verb.words;
+        QStringList example = QString::fromUtf8(verb.example).split(' ');
+        EXPECT_STREQ(Verbs::take(&example).words, verb.words) << "its own example";
+    }
 }
 
 TEST(PlayerStatus, theBarShowsWhereTheTrackIs) {
@@ -153,4 +159,25 @@ TEST(TrackOrder, duplicatesAreThoseOfTheSameFileAndTheFirstStays) {
         sortedRow("a", "", "", 0, 0, "1"), sortedRow("b", "", "", 0, 0, "2"),
         sortedRow("c", "", "", 0, 0, "1"), QJsonObject(), QJsonObject()};
     EXPECT_EQ(TrackOrder::duplicates(rows), QList<int>{2});
+}
+
+TEST(ShellLine, aLineIsTakenApartAsAShellDoesIt) {
+    const struct {
+        const char* line;
+        QStringList words;
+    } rows[] = {
+        {"", {""}},
+        {"a", {"a"}},
+        {"a  b ", {"a", "b", ""}},
+        {R"(a b\ c)", {"a", "b c"}},
+        {R"(a 'b "c' "d 'e")", {"a", R"(b "c)", "d 'e"}},
+        {R"(a "b\" c)", {"a", R"(b" c)"}},
+        {R"(a 'b\' c)", {"a", R"(b\)", "c"}},
+        {R"(a '' b)", {"a", "", "b"}},
+        {R"(a b\)", {"a", R"(b\)"}},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(ShellLine::parse(row.line).words, row.words) << row.line;
+    EXPECT_TRUE(ShellLine::parse("a 'b").endsInQuotes);
+    EXPECT_FALSE(ShellLine::parse("a 'b'").endsInQuotes);
 }

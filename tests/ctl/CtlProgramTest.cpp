@@ -8,15 +8,6 @@
 
 using CtlProgram = CtlFixture;
 
-TEST_F(CtlProgram, helpListsTheVerbs) {
-    for (const QStringList& words : {QStringList{"--help"}, {"help"}, {"show", "--help"}}) {
-        const CtlRun run = runProgram(words);
-        EXPECT_EQ(run.status, 0);
-        EXPECT_TRUE(run.out.contains("collection remove COLLECTION PLAYLIST"));
-        EXPECT_EQ(run.err, "");
-    }
-}
-
 TEST_F(CtlProgram, wrongUseIsStatusTwoAndSaysWhy) {
     for (const QStringList& words : {QStringList{},
                                      {"dance"},

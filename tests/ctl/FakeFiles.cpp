@@ -11,6 +11,15 @@ QVariant FakeFiles::getValue(const CMPath& path) {
                : QVariant();
 }
 
+void FakeFiles::setDataRequest(const CMSetDataRequest& request) {
+    if (request.path().toString() != QLatin1String("files:rescan")) {
+        CMNodesWorker::setDataRequest(request);
+        return;
+    }
+    ++rescans;
+    request.reply().setValue(QVariant());
+}
+
 void FakeFiles::getRowsRequest(const CMGetRowsRequest& request) {
     const QDir folder(m_folder + '/' + request.path().splitBase().mid(1).join('/'));
     if (request.path().splitBase().value(0) != QLatin1String("tree") || !folder.exists()) {

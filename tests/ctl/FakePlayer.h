@@ -2,15 +2,17 @@
 
 #include "CMWorker.h"
 
-// Stands in for the player: keeps what it was asked to play, and says where playback was stopped.
+// Stands in for the player: keeps what it was asked, and says what plays and where playback was
+// stopped.
 class FakePlayer : public CMNodesWorker {
     Q_OBJECT
 public:
     FakePlayer() : CMNodesWorker({}, QStringLiteral("Player")) {}
 
     QVariant getValue(const CMPath& path) override {
-        return path.toString() == QLatin1String("player:resumePoint") ? QVariant(resumePoint)
-                                                                      : QVariant();
+        if (path.toString() == QLatin1String("player:resumePoint"))
+            return resumePoint;
+        return values.value(path.toString());
     }
     void setDataRequest(const CMSetDataRequest& request) override {
         asked.append(request.path().toString());
@@ -21,4 +23,14 @@ public:
     QStringList asked;
     QVariantHash record; // that of the last request
     QVariantHash resumePoint;
+    // By their paths; a player that plays until a test says otherwise.
+    QHash<QString, QVariant> values = {
+        {"player:state", OrvoValue::fromString("playing").toVariant()},
+        {"player:data", QVariantHash{{"controls", QVariantHash()}}},
+        {"player:nextMedia", QVariantHash{{"title", ""}}},
+        {"player:playMode", OrvoValue::fromString("normal").toVariant()},
+        {"player:position", OrvoValue::fromI64(0).toVariant()},
+        {"player:duration", OrvoValue::fromI64(300000).toVariant()},
+        {"player:volume", OrvoValue::fromI32(50).toVariant()},
+    };
 };
