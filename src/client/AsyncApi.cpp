@@ -45,7 +45,7 @@ RowsAnswer rowsOf(const ApiAnswer& answer) {
     result.count = qMax(0, answer.body.value(QStringLiteral("rowsCount")).toInt());
     result.roles = answer.body.value(QStringLiteral("roles")).toObject();
     result.revision = qint64(answer.body.value(QStringLiteral("revision")).toDouble(-1));
-    result.lastPlayed = answer.body.value(QStringLiteral("lastPlayedIndex")).toInt(-1);
+    result.resumeIndex = answer.body.value(QStringLiteral("resumeIndex")).toInt(-1);
     const QJsonArray rows = answer.body.value(QStringLiteral("rows")).toArray();
     result.rows.reserve(rows.size());
     for (const QJsonValue& row : rows)

@@ -13,7 +13,7 @@ struct RowsAnswer {
     int count = 0; // of the whole list
     QJsonObject roles;
     qint64 revision = -1; // of a list of tracks, when reading began
-    int lastPlayed = -1;  // of a list of tracks: the index of its last played one
+    int resumeIndex = -1; // of a list of tracks: the one to go on with
     QVector<QJsonObject> rows;
 };
 

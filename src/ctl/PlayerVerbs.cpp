@@ -51,16 +51,15 @@ void playFromFirst(VerbContext& context, const Named& playlist) {
                 QStringLiteral("playing %1 from track 1").arg(playlist.label()));
 }
 
-// The milliseconds within the list's last played track at which playback was stopped.
-std::optional<int> stoppedAt(VerbContext& context, const QString& listPath, int lastPlayed) {
+// The milliseconds at which playback was stopped, if that was in this track of the list.
+std::optional<int> stoppedAt(VerbContext& context, const QString& listPath, int index) {
     const QString function = QStringLiteral("OrvoPlayerResumePointPath");
     if (!context.device.paths().contains(function))
         return std::nullopt;
     const QJsonObject point = context.device.value(context.device.path(function)).toObject();
     if (point.value(QStringLiteral("mediaPath")).toString() != listPath)
         return std::nullopt;
-    const RowsAnswer track =
-        context.device.rows(listPath, {QStringLiteral("path")}, lastPlayed, lastPlayed);
+    const RowsAnswer track = context.device.rows(listPath, {QStringLiteral("path")}, index, index);
     const QString trackPath = point.value(QStringLiteral("trackPath")).toString();
     if (track.rows.isEmpty() ||
         track.rows.first().value(QStringLiteral("path")).toString() != trackPath)
@@ -68,21 +67,21 @@ std::optional<int> stoppedAt(VerbContext& context, const QString& listPath, int 
     return point.value(QStringLiteral("position")).toInt();
 }
 
-// From the last played track on. A list that was played to its end begins at the first one: its
-// last track is the last played one, and playback was not stopped in it.
+// Where the list was left. The device forgets that one was played to its end when it restarts:
+// then its last track is the last played one, and playback was not stopped in it.
 void goOn(VerbContext& context, const Named& playlist) {
     const QString path = context.lists.itemsPath(playlist);
     const auto list = context.device.tryRows(path, {QStringLiteral("path")}, 0, 0);
-    const int last = list ? list->lastPlayed : -1;
-    if (last <= 0 || last >= list->count) {
+    const int index = list ? list->resumeIndex : -1;
+    if (index <= 0) {
         playFromFirst(context, playlist);
         return;
     }
-    const std::optional<int> stopped = stoppedAt(context, path, last);
-    if (last == list->count - 1 && !stopped)
+    const std::optional<int> stopped = stoppedAt(context, path, index);
+    if (index == list->count - 1 && !stopped)
         playFromFirst(context, playlist);
     else
-        playFrom(context, playlist, last,
+        playFrom(context, playlist, index,
                  {stopped.value_or(0), QStringLiteral("; --from 1 to begin")});
 }
 

@@ -60,6 +60,14 @@ TEST_F(CtlPlay, afterItsEndAListBeginsAtTheFirstTrack) {
     EXPECT_EQ(m_player.asked, QStringList());
 }
 
+TEST_F(CtlPlay, aShuffledListThatEndedInItsMiddleBeginsAtTheFirstTrack) {
+    lastPlayed(2);
+    m_playLists.lists[m_party].hasEnded = true;
+    EXPECT_EQ(ctl({"play", "Party"}).err.toStdString(), "playing Party (#10) from track 1\n");
+    EXPECT_EQ(m_playLists.played, m_party);
+    EXPECT_EQ(m_player.asked, QStringList());
+}
+
 TEST_F(CtlPlay, aListGoesOnWithinTheTrackInWhichItWasStopped) {
     lastPlayed(2);
     stoppedIn(m_party, 2, 42000);

@@ -136,8 +136,12 @@ void FakePlayLists::getRowsRequest(const CMGetRowsRequest& request) {
         rows.append(QVariant(CMGlobal::itemRolesToList(request.roleNames(), all.at(i))));
     answer.setRows(rows);
     const int id = listAt(request.path());
-    if (lists.contains(id))
-        answer.setLastPlayedIndex(lists.value(id).lastPlayed);
+    if (lists.contains(id)) {
+        const List& list = lists[id];
+        answer.setLastPlayedIndex(list.lastPlayed);
+        if (!list.hasEnded && list.lastPlayed >= 0 && list.lastPlayed < list.tracks.size())
+            answer.setResumeIndex(list.lastPlayed);
+    }
     request.reply().setValue(answer);
 }
 

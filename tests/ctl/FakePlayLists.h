@@ -13,6 +13,7 @@ public:
         QString name;
         QStringList tracks; // what was added, path by path
         int lastPlayed = -1;
+        bool hasEnded = false;
         int shuffle = 0;
         int repeat = 0;
     };
