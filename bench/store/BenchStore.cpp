@@ -23,25 +23,19 @@ public:
 namespace {
 
 constexpr const char* BaselineFile = "baseline.sqlite";
-constexpr const char* StoreFolder = "data-rw/playlists";
 constexpr const char* StoreFile = "data-rw/playlists/playlists.sqlite";
 
 } // namespace
 
-BenchStore::BenchStore(const Setting& setting, const Contents& contents, Parts parts,
-                       int itemsLimit)
+BenchStore::BenchStore(const QString& storage, bool isDisk, const Contents& contents)
     : m_contents(contents),
-      m_parts(parts),
-      m_itemsLimit(itemsLimit),
-      m_isDisk(setting.isDisk),
+      m_isDisk(isDisk),
       m_oldFolder(QDir::currentPath()),
-      m_folder(setting.folder + QStringLiteral("/orvo-bench-XXXXXX")) {
-    CM_ASSERT(m_folder.isValid() && QDir::setCurrent(m_folder.path()) &&
-                  QDir().mkpath(QString::fromLatin1(StoreFolder)),
-              "no folder on the storage");
+      m_folder(storage + QStringLiteral("/orvo-bench-XXXXXX")) {
+    CM_ASSERT(QDir::setCurrent(m_folder.path()), "no folder on the storage");
     PlayLogicInterface::playerInstance()->setPlayer(this);
-    fill();
-    startOver();
+    m_image = image();
+    reopen(true);
 }
 
 BenchStore::~BenchStore() {
@@ -50,7 +44,7 @@ BenchStore::~BenchStore() {
     QDir::setCurrent(m_oldFolder);
 }
 
-void BenchStore::fill() {
+QByteArray BenchStore::image() const {
     Database(0, false); // makes the tables
     Baseline store(StoreFile);
     const Items& items = Items::of(m_contents.length, m_contents.order);
@@ -62,44 +56,37 @@ void BenchStore::fill() {
     }
     QFile file(QString::fromLatin1(StoreFile));
     CM_ASSERT(file.open(QIODevice::ReadOnly), "what was laid out cannot be read");
-    m_image = file.readAll();
-}
-
-// On a disk all of it is there before anything is timed.
-void BenchStore::copyImage(const char* to) const {
-    QFile file(QString::fromLatin1(to));
-    CM_ASSERT(file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-                  file.write(m_image) == m_image.size() && file.flush() &&
-                  (!m_isDisk || fsync(file.handle()) == 0),
-              "a store cannot be laid out");
+    return file.readAll();
 }
 
 void BenchStore::reopen(bool anew) {
     close();
-    if (anew) {
-        copyImage(BaselineFile);
-        copyImage(StoreFile);
+    for (const char* name : {BaselineFile, StoreFile}) {
+        QFile file(QString::fromLatin1(name));
+        // On a disk all of it is there before anything is timed.
+        CM_ASSERT(!anew || (file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+                            file.write(m_image) == m_image.size() && file.flush() &&
+                            (!m_isDisk || fsync(file.handle()) == 0)),
+                  "a store cannot be laid out");
     }
     open();
 }
 
 void BenchStore::open() {
-    if (m_parts == Parts::Module) {
+    if (m_contents.parts == Parts::Module) {
         // All items of the longest list, prepared at once, are more than a device takes by default.
         constexpr qint64 MaxAdditionBytes = 1 << 30;
         m_root = std::make_unique<CMRootWorker>(QStringLiteral("settings.json"));
         m_worker = std::make_unique<PlayListWorker>(QHash<QString, QVariant>{
             {QStringLiteral("playlists/maxAdditionBytes"), MaxAdditionBytes}});
-        m_manager = PlayLogicProbe::manager(m_worker.get());
+        m_modulesManager = PlayLogicProbe::manager(m_worker.get());
     } else {
-        m_ownDatabase = std::make_unique<Database>(m_itemsLimit, false);
-        m_database = m_ownDatabase.get();
-        if (m_parts == Parts::Model)
-            m_ownManager = std::make_unique<PlayListManager>(m_database);
-        m_manager = m_ownManager.get();
+        m_database = std::make_unique<Database>(m_contents.itemsLimit, false);
+        if (m_contents.parts == Parts::Model)
+            makeManager();
     }
     m_baseline = std::make_unique<Baseline>(BaselineFile);
-    m_list = {1, m_contents.length, -1};
+    baselineList = {1, m_contents.length, -1};
 }
 
 void BenchStore::close() {
@@ -107,7 +94,7 @@ void BenchStore::close() {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     m_root.reset();
     m_ownManager.reset();
-    m_ownDatabase.reset();
+    m_database.reset();
     m_baseline.reset();
 }
 
@@ -124,7 +111,7 @@ bool BenchStore::send(const CMPath& path, const QVariant& value, QVariant* answe
     return !reply.isError();
 }
 
-bool BenchStore::play(bool shuffled) {
+void BenchStore::play(bool shuffled) {
     list()->setShuffle(shuffled);
     OrvoRoles container;
     container.setPath(itemsPath());
@@ -133,13 +120,13 @@ bool BenchStore::play(bool shuffled) {
     args.setMediaRoles(container);
     args.setIndex(0);
     args.setType(1);
-    return send(OrvoPlayListsPlayLogicPath(), args.toVariant());
+    send(OrvoPlayListsPlayLogicPath(), args.toVariant());
 }
 
 void BenchStore::readThrough() {
     constexpr int Piece = 1000;
     for (int from = 0; from < m_contents.length; from += Piece) {
         list()->getItems(from, from + Piece - 1);
-        m_baseline->getItems(m_list, from, from + Piece - 1);
+        m_baseline->getItems(baselineList, from, from + Piece - 1);
     }
 }

@@ -2,166 +2,161 @@
 #include <numeric>
 #include <random>
 
-#include "BenchStore.h"
-#include "Items.h"
 #include "Workload.h"
 
 namespace {
 
 using Position = OrvoPlayListAddPosition;
+using BaselinePosition = Baseline::Position;
 using Length = Work::Length;
 
-std::shared_ptr<BenchStore> storeOf(const Setting& setting, int lists, int length,
-                                    int itemsLimit = 0) {
-    return std::make_shared<BenchStore>(setting, BenchStore::Contents{lists, length},
-                                        BenchStore::Parts::Model, itemsLimit);
-}
-
 // n entries into an empty list, or into the middle of n.
-Workload addMany(const Setting& setting, bool inTheMiddle) {
-    const int before = inTheMiddle ? setting.size : 0;
-    const auto store = storeOf(setting, 1, before);
-    const Items& items = Items::of(setting.size);
-    Workload add;
-    add.prepare = [=] {
-        store->startOver();
+Workload addMany(int size, bool inTheMiddle) {
+    const int before = inTheMiddle ? size : 0;
+    const auto& items = Items::of(size);
+    const auto where = inTheMiddle ? Position::AfterCurrent : Position::Append;
+    const auto same = inTheMiddle ? BaselinePosition::AfterCurrent : BaselinePosition::Append;
+    Workload add{{1, before}, true};
+    add.prepare = [=](BenchStore& store) {
         if (!inTheMiddle)
             return;
-        store->baselineList()->lastPlayedIndex = before / 2 - 1;
-        store->baseline().updatePlayList(*store->baselineList(), "list 0");
-        store->list()->setLastSequenceNumber(before / 2 - 1);
+        store.baselineList.lastPlayedIndex = before / 2 - 1;
+        store.baseline().updatePlayList(store.baselineList, "list 0");
+        store.list()->setLastSequenceNumber(before / 2 - 1);
     };
-    add.baseline = [=, &items] {
-        const auto where =
-            inTheMiddle ? Baseline::Position::AfterCurrent : Baseline::Position::Append;
-        return store->baseline().addItems(store->baselineList(), where, items.forBaseline());
+    add.baseline = [=, &items](BenchStore& store) {
+        return store.baseline().addItems(&store.baselineList, same, items.forBaseline());
     };
-    add.module = [=, &items] {
-        const auto where = inTheMiddle ? Position::AfterCurrent : Position::Append;
-        return store->list()->addItems(where, items.ours()) == before / 2;
+    add.module = [=, &items](BenchStore& store) {
+        return store.list()->addItems(where, items.ours()) == before / 2;
     };
     return add;
 }
 
-Workload addOne(const Setting& setting, int itemsLimit) {
-    const auto store = storeOf(setting, 1, setting.size, itemsLimit);
-    const Items& item = Items::of(1);
-    Workload add;
-    add.baseline = [=, &item] {
-        return store->baseline().addItems(store->baselineList(), Baseline::Position::Append,
-                                          item.forBaseline());
+Workload addOne(int size, int itemsLimit) {
+    Workload add{{1, size}};
+    add.contents.itemsLimit = itemsLimit;
+    add.baseline = [](BenchStore& store) {
+        return store.baseline().addItems(&store.baselineList, BaselinePosition::Append,
+                                         Items::of(1).forBaseline());
     };
-    add.module = [=, &item] { return store->list()->addItems(Position::Append, item.ours()) >= 0; };
+    add.module = [](BenchStore& store) {
+        return store.list()->addItems(Position::Append, Items::of(1).ours()) >= 0;
+    };
     return add;
 }
 
 // The same move over and over: what stands at `from` is another entry each time.
-Workload moveOne(const Setting& setting, int from, int to) {
-    const auto store = storeOf(setting, 1, setting.size);
-    Workload move;
-    move.baseline = [=] { return store->baseline().moveItem(*store->baselineList(), from, to); };
-    move.module = [=] { return store->list()->moveItem(from, to); };
+Workload moveOne(int size, int from, int to) {
+    Workload move{{1, size}};
+    move.baseline = [=](BenchStore& store) {
+        return store.baseline().moveItem(store.baselineList, from, to);
+    };
+    move.module = [=](BenchStore& store) { return store.list()->moveItem(from, to); };
     return move;
 }
 
-Workload reorder(const std::shared_ptr<BenchStore>& store, const std::vector<int>& order,
-                 const std::function<bool()>& module) {
-    Workload reorder;
-    reorder.baseline = [=] {
-        return store->baseline().reorderItems(*store->baselineList(), 0, order);
+// `module` is to bring about this order.
+Workload reorder(const std::vector<int>& order, const Workload::Side& module) {
+    Workload reorder{{1, int(order.size())}};
+    reorder.baseline = [=](BenchStore& store) {
+        return store.baseline().reorderItems(store.baselineList, 0, order);
     };
     reorder.module = module;
     return reorder;
 }
 
 // Every `step`-th entry goes to the end.
-Workload moveScattered(const Setting& setting, int step) {
-    const auto store = storeOf(setting, 1, setting.size);
-    std::vector<int> moved;
-    std::vector<int> order;
-    for (int i = 0; i < setting.size; ++i) {
-        if (i % step == 0)
-            moved.push_back(i);
-        else
-            order.push_back(i);
-    }
-    order.insert(order.end(), moved.begin(), moved.end());
-    const QList<int> indices(moved.begin(), moved.end());
-    const int last = setting.size - 1;
-    return reorder(store, order, [=] { return store->list()->moveItems(indices, last); });
+Workload moveScattered(int size, int step) {
+    std::vector<int> order(static_cast<std::size_t>(size));
+    std::iota(order.begin(), order.end(), 0);
+    const auto moved = std::stable_partition(order.begin(), order.end(),
+                                             [=](int place) { return place % step != 0; });
+    const QList<int> indices(moved, order.end());
+    return reorder(order,
+                   [=](BenchStore& store) { return store.list()->moveItems(indices, size - 1); });
 }
 
-Workload setOrder(const Setting& setting) {
-    const auto store = storeOf(setting, 1, setting.size);
-    std::vector<int> order(std::size_t(setting.size));
+Workload setOrder(int size) {
+    std::vector<int> order(static_cast<std::size_t>(size));
     std::iota(order.begin(), order.end(), 0);
     std::shuffle(order.begin(), order.end(), std::mt19937(1));
     const QList<int> indices(order.begin(), order.end());
-    return reorder(store, order, [=] { return store->list()->setOrder(indices); });
+    return reorder(order, [=](BenchStore& store) { return store.list()->setOrder(indices); });
 }
 
-// These entries; the list is used up by many of them.
-Workload removeThese(const Setting& setting, const std::vector<int>& indices) {
-    const auto store = storeOf(setting, 1, setting.size);
-    const QList<int> list(indices.begin(), indices.end());
-    Workload remove;
-    if (indices.size() > 1)
-        remove.prepare = [=] { store->startOver(); };
-    remove.baseline = [=] { return store->baseline().removeItems(store->baselineList(), indices); };
-    remove.module = [=] { return store->list()->removeItems(list) == list.size(); };
-    return remove;
-}
-
-Workload removeEverySecond(const Setting& setting) {
-    std::vector<int> indices;
-    for (int i = 0; i < setting.size; i += 2)
-        indices.push_back(i);
-    return removeThese(setting, indices);
-}
-
-Workload removeLast(const Setting& setting) {
-    const auto store = storeOf(setting, 1, setting.size);
-    Workload remove;
-    remove.baseline = [=] {
-        const int last = store->baselineList()->size - 1;
-        return store->baseline().removeItems(store->baselineList(), {last});
+Workload removeFirst(int size) {
+    Workload remove{{1, size}};
+    remove.baseline = [](BenchStore& store) {
+        return store.baseline().removeItems(&store.baselineList, {0});
     };
-    remove.module = [=] { return store->list()->removeItems({store->list()->getSize() - 1}) == 1; };
+    remove.module = [](BenchStore& store) { return store.list()->removeItems({0}) == 1; };
     return remove;
 }
 
-Workload clearList(const Setting& setting) {
-    const auto store = storeOf(setting, 2, setting.size);
-    Workload clear;
-    clear.prepare = [=] { store->startOver(); };
-    clear.baseline = [=] { return store->baseline().clearItems(store->baselineList()); };
-    clear.module = [=] { return store->list()->clearItems(); };
+Workload removeLast(int size) {
+    Workload remove{{1, size}};
+    remove.baseline = [](BenchStore& store) {
+        return store.baseline().removeItems(&store.baselineList, {store.baselineList.size - 1});
+    };
+    remove.module = [](BenchStore& store) {
+        return store.list()->removeItems({store.list()->getSize() - 1}) == 1;
+    };
+    return remove;
+}
+
+Workload removeEverySecond(int size) {
+    std::vector<int> indices;
+    for (int i = 0; i < size; i += 2)
+        indices.push_back(i);
+    const QList<int> list(indices.begin(), indices.end());
+    Workload remove{{1, size}, true};
+    remove.baseline = [=](BenchStore& store) {
+        return store.baseline().removeItems(&store.baselineList, indices);
+    };
+    remove.module = [=](BenchStore& store) {
+        return store.list()->removeItems(list) == list.size();
+    };
+    return remove;
+}
+
+Workload clearList(int size) {
+    Workload clear{{2, size}, true};
+    clear.baseline = [](BenchStore& store) {
+        return store.baseline().clearItems(&store.baselineList);
+    };
+    clear.module = [](BenchStore& store) { return store.list()->clearItems(); };
     return clear;
 }
 
-Workload deleteList(const Setting& setting) {
-    const auto store = storeOf(setting, 2, setting.size);
-    Workload remove;
-    remove.prepare = [=] { store->startOver(); };
-    remove.baseline = [=] { return store->baseline().deletePlayList(*store->baselineList()); };
-    remove.module = [=] { return store->manager().deletePlayList(1); };
+Workload deleteList(int size) {
+    Workload remove{{2, size}, true};
+    remove.baseline = [](BenchStore& store) {
+        return store.baseline().deletePlayList(store.baselineList);
+    };
+    remove.module = [](BenchStore& store) { return store.manager().deletePlayList(1); };
     return remove;
 }
 
 // A list of a hundred, made for each turn, beside `lists` that hold the n others.
-Workload deleteShort(const Setting& setting, int lists) {
-    const auto store = storeOf(setting, lists, setting.size / lists);
-    const Items& items = Items::of(100);
-    const auto made = std::make_shared<Baseline::List>();
-    Workload remove;
-    remove.prepare = [=, &items] {
-        store->manager().createPlayList(QStringLiteral("short"));
-        store->baseline().createPlayList("short", made.get());
-        store->baseline().addItems(made.get(), Baseline::Position::Append, items.forBaseline());
-        store->manager().getPlayListByUid(made->uid)->addItems(Position::Append, items.ours());
+Workload deleteShort(int size, int lists) {
+    Workload remove{{lists, size / lists}};
+    remove.prepare = [](BenchStore& store) {
+        const Items& items = Items::of(100);
+        store.manager().createPlayList(QStringLiteral("short"));
+        store.baseline().createPlayList("short", &store.baselineList);
+        store.baseline().addItems(&store.baselineList, BaselinePosition::Append,
+                                  items.forBaseline());
+        store.manager()
+            .getPlayListByUid(store.baselineList.uid)
+            ->addItems(Position::Append, items.ours());
     };
-    remove.baseline = [=] { return store->baseline().deletePlayList(*made); };
-    remove.module = [=] { return store->manager().deletePlayList(made->uid); };
+    remove.baseline = [](BenchStore& store) {
+        return store.baseline().deletePlayList(store.baselineList);
+    };
+    remove.module = [](BenchStore& store) {
+        return store.manager().deletePlayList(store.baselineList.uid);
+    };
     return remove;
 }
 
@@ -170,12 +165,12 @@ Workload deleteShort(const Setting& setting, int lists) {
 std::vector<Work> editWorks() {
     const char* base = "baseline";
     const auto with = [](auto setUp, auto argument) {
-        return [=](const Setting& s) { return setUp(s, argument); };
+        return [=](int size) { return setUp(size, argument); };
     };
-    const auto toTheEnd = [](const Setting& s) { return moveOne(s, 0, s.size - 1); };
-    const auto toTheFront = [](const Setting& s) { return moveOne(s, s.size - 1, 0); };
-    const auto some = [](const Setting& s, int count) { return moveScattered(s, s.size / count); };
-    const auto byOne = [](const Setting& s) { return moveOne(s, s.size / 2, s.size / 2 + 1); };
+    const auto toTheEnd = [](int size) { return moveOne(size, 0, size - 1); };
+    const auto toTheFront = [](int size) { return moveOne(size, size - 1, 0); };
+    const auto byOne = [](int size) { return moveOne(size, size / 2, size / 2 + 1); };
+    const auto some = [](int size, int count) { return moveScattered(size, size / count); };
     return {
         {"add n to an empty list", base, 1.3, 1.3, Length::Long, {}, with(addMany, false)},
         {"add n in the middle of n", base, 1.3, 1.3, Length::Long, {}, with(addMany, true)},
@@ -195,7 +190,7 @@ std::vector<Work> editWorks() {
         {"move 1,000 to the end", base, 1.2, {}, Length::Long, 20000, with(some, 1000)},
         {"set the order", base, 1.2, {}, Length::Long, 20000, setOrder},
         {"remove last", base, 1.5, 0.2, Length::Short, {}, removeLast},
-        {"remove first", base, 1.15, 1.2, Length::Long, {}, with(removeThese, std::vector<int>{0})},
+        {"remove first", base, 1.15, 1.2, Length::Long, {}, removeFirst},
         {"remove every second", base, 1.15, 1.2, Length::Long, {}, removeEverySecond},
         {"clear n, n others stay", base, 1.15, 1.3, Length::Long, {}, clearList},
         {"delete n, n others stay", base, 1.15, 1.3, Length::Long, {}, deleteList},

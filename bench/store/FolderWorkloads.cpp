@@ -6,8 +6,7 @@
 #include <QFile>
 #include <QLibrary>
 
-#include "BenchStore.h"
-#include "Items.h"
+#include "CMLog.h"
 #include "OrvoPlayListCommands.h"
 #include "Workload.h"
 
@@ -50,70 +49,57 @@ bool writeMusic(const QString& folder, const QList<OrvoPlayListItem>& items) {
 
 // The folder's tracks, read by the files module, which is loaded as the host loads it.
 struct Music {
-    explicit Music(const Setting& setting)
-        : store(setting, {1, 0}, BenchStore::Parts::Module),
-          folder(setting.folder + QStringLiteral("/orvo-music-XXXXXX")) {}
-
-    BenchStore store;
-    QTemporaryDir folder;
     std::unique_ptr<CMAbstractWorker> files;
     std::unique_ptr<Items> items; // what the module makes of them
-
-    bool isReady() const {
-        const QVariantHash scan = files->getValue(CMPath(QStringLiteral("files:scan"))).toHash();
-        return scan.value(QStringLiteral("state")) == QLatin1String("ready");
-    }
 };
 
-QVariantList wholeTree() {
-    return {QStringLiteral("files:tree")};
-}
+const QVariantList wholeTree{QStringLiteral("files:tree")};
 
-bool load(Music& music, const Setting& setting) {
+void load(Music* music, int size) {
     using Create = CMAbstractWorker* (*)(QHash<QString, QVariant>);
     const auto create = reinterpret_cast<Create>(QLibrary::resolve(
         QCoreApplication::applicationDirPath() + QStringLiteral("/../lib/liborvo_files.so"),
         "worker_create"));
-    if (!create || !writeMusic(music.folder.path(), Items::of(setting.size).ours()))
-        return false;
-    music.files.reset(create({{QStringLiteral("musicDir"), music.folder.path()}}));
-    while (!music.isReady())
+    const QString folder = QDir::current().filePath(QStringLiteral("music"));
+    CM_ASSERT(create && writeMusic(folder, Items::of(size).ours()),
+              "no files module, or no music for it");
+    music->files.reset(create({{QStringLiteral("musicDir"), folder}}));
+    const CMPath scan(QStringLiteral("files:scan"));
+    while (music->files->getValue(scan).toHash().value(QStringLiteral("state")) !=
+           QLatin1String("ready"))
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     QVariant prepared;
-    const CMPath prepare = CMPath::fromPrefix(QStringLiteral("files")) + OrvoPlayListPrepareItems();
-    if (!BenchStore::send(prepare, wholeTree(), &prepared))
-        return false;
+    BenchStore::send(CMPath::fromPrefix(QStringLiteral("files")) + OrvoPlayListPrepareItems(),
+                     wholeTree, &prepared);
     QList<OrvoPlayListItem> items;
     for (const QVariant& item : prepared.toList())
         items.append(OrvoPlayListItem(item));
-    music.items = std::make_unique<Items>(items);
-    return music.items->size() == setting.size;
+    music->items = std::make_unique<Items>(items);
 }
 
 // A folder of n tracks by the command, from the request to its answer; the files are known and
 // their tags read. The baseline adds the items that the files module makes of them.
-Workload addFolder(const Setting& setting) {
-    const auto music = std::make_shared<Music>(setting);
-    const bool isLoaded = load(*music, setting);
-    OrvoPlayListPlAddItems args;
-    args.setPlid(1);
-    args.setMode(OrvoPlayListAddPosition::Append);
-    args.setItems(wholeTree());
-    Workload add;
-    add.prepare = [=] {
+Workload addFolder(int size) {
+    const auto music = std::make_shared<Music>();
+    Workload add{{1, 0, Items::Order::Albums, BenchStore::Parts::Module}};
+    add.begin = [=](BenchStore&) { load(music.get(), size); };
+    add.prepare = [](BenchStore& store) {
         // What the answer before has left to be done.
         QCoreApplication::processEvents();
-        music->store.list()->clearItems();
-        music->store.baseline().clearItems(music->store.baselineList());
+        store.list()->clearItems();
+        store.baseline().clearItems(&store.baselineList);
     };
-    add.baseline = [=] {
-        return isLoaded && music->store.baseline().addItems(music->store.baselineList(),
-                                                            Baseline::Position::Append,
-                                                            music->items->forBaseline());
+    add.baseline = [=](BenchStore& store) {
+        return store.baseline().addItems(&store.baselineList, Baseline::Position::Append,
+                                         music->items->forBaseline());
     };
-    add.module = [=] {
-        return isLoaded && BenchStore::send(OrvoPlayListPlAddItemsPath(), args.toVariant()) &&
-               music->store.list()->getSize() == setting.size;
+    add.module = [=](BenchStore& store) {
+        OrvoPlayListPlAddItems args;
+        args.setPlid(1);
+        args.setMode(OrvoPlayListAddPosition::Append);
+        args.setItems(wholeTree);
+        return BenchStore::send(OrvoPlayListPlAddItemsPath(), args.toVariant()) &&
+               store.list()->getSize() == size && music->items->size() == size;
     };
     return add;
 }

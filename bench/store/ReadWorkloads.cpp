@@ -1,5 +1,3 @@
-#include "BenchStore.h"
-#include "Items.h"
 #include "Workload.h"
 
 namespace {
@@ -9,95 +7,68 @@ constexpr int PageLength = 50;
 using Order = Items::Order;
 using Parts = BenchStore::Parts;
 
-std::shared_ptr<BenchStore> listOf(const Setting& setting, Parts parts,
-                                   Order order = Order::Albums) {
-    return std::make_shared<BenchStore>(setting, BenchStore::Contents{1, setting.size, order},
-                                        parts);
+bool readItems(BenchStore& store, int from) {
+    return store.list()->getItems(from, from + PageLength - 1).size() == PageLength;
 }
 
-// The start of a page somewhere in the list, another one each time, the same ones in every run.
-int nextPage(int* turn, int size) {
-    constexpr int Stride = 7919; // prime, so all of the list is visited
-    return int(qint64((*turn)++) * Stride % (size - PageLength));
-}
-
-bool readItems(BenchStore& store, int from, int to) {
-    return store.list()->getItems(from, to).size() == PageLength;
-}
-
-bool browseRows(BenchStore&, int from, int to) {
+bool browseRows(BenchStore&, int from) {
     const CMReplyData<OrvoRowsRoles> reply;
-    CMRoot()->getRowsRequest(
-        CMGetRowsRequest(BenchStore::itemsPath(), from, to, OrvoRoles::defaultNames(), reply));
+    CMRoot()->getRowsRequest(CMGetRowsRequest(BenchStore::itemsPath(), from, from + PageLength - 1,
+                                              OrvoRoles::defaultNames(), reply));
     return reply.isFinished() && reply.value().rows().size() == PageLength;
 }
 
-// A page by the model, or by the module as the tree shows it.
-Workload page(const Setting& setting, Parts parts, Order order) {
-    struct Reading {
-        std::shared_ptr<BenchStore> store;
-        int turn = 0;
-        int from = 0;
-    };
-    const auto reading = std::make_shared<Reading>();
-    reading->store = listOf(setting, parts, order);
-    reading->store->readThrough();
+// A page by the model, or by the module as the tree shows it: somewhere in the list, at another
+// place each time, at the same ones in every run.
+Workload page(int size, Parts parts, Order order) {
+    constexpr int Stride = 7919; // prime, so all of the list is visited
+    const auto from = std::make_shared<int>(0);
     const auto readPage = parts == Parts::Module ? browseRows : readItems;
-    Workload page;
-    page.prepare = [=] { reading->from = nextPage(&reading->turn, setting.size); };
-    page.baseline = [=] {
-        BenchStore& store = *reading->store;
+    Workload page{{1, size, order, parts}};
+    page.begin = [](BenchStore& store) { store.readThrough(); };
+    page.prepare = [=](BenchStore&) { *from = (*from + Stride) % (size - PageLength); };
+    page.baseline = [=](BenchStore& store) {
+        const int first = *from;
         return store.baseline()
-                   .getItems(*store.baselineList(), reading->from, reading->from + PageLength - 1)
+                   .getItems(store.baselineList, first, first + PageLength - 1)
                    .size() == PageLength;
     };
-    page.module = [=] {
-        return readPage(*reading->store, reading->from, reading->from + PageLength - 1);
-    };
+    page.module = [=](BenchStore& store) { return readPage(store, *from); };
     return page;
 }
 
 // All items of a list, asked for by their paths as another list that takes them over asks for them;
 // held against the model reading the same items where they stand.
-Workload prepareByPath(const Setting& setting) {
-    const auto store = listOf(setting, Parts::Module);
-    QStringList paths;
-    for (const OrvoPlayListItem& item : store->list()->getItems(0, setting.size))
-        paths.append((OrvoPlayListItemPath() + QString::number(item.uid())).toString());
-    Workload prepare;
-    prepare.baseline = [=] {
-        return store->list()->getItems(0, setting.size).size() == setting.size;
+Workload prepareByPath(int size) {
+    const auto paths = std::make_shared<QStringList>();
+    Workload prepare{{1, size, Order::Albums, Parts::Module}};
+    prepare.begin = [=](BenchStore& store) {
+        for (const OrvoPlayListItem& item : store.list()->getItems(0, size))
+            paths->append((OrvoPlayListItemPath() + QString::number(item.uid())).toString());
     };
-    prepare.module = [=] {
+    prepare.baseline = [=](BenchStore& store) {
+        return store.list()->getItems(0, size).size() == size;
+    };
+    prepare.module = [=](BenchStore&) {
         QVariant answer;
-        return BenchStore::send(OrvoPlayListPlPrepareItemsPath(), paths, &answer) &&
-               answer.toList().size() == setting.size;
+        return BenchStore::send(OrvoPlayListPlPrepareItemsPath(), *paths, &answer) &&
+               answer.toList().size() == size;
     };
     return prepare;
 }
 
 // What a start reads: all playlists and collections, on a connection that has read nothing yet.
-Workload load(const Setting& setting) {
+Workload load(int size) {
     constexpr int Entries = 100;
-    const int lists = setting.size / Entries;
-    struct Loading {
-        std::shared_ptr<BenchStore> store;
-        std::unique_ptr<PlayListManager> loaded;
+    const int lists = size / Entries;
+    Workload load{{lists, Entries, Order::Albums, Parts::Store}};
+    load.prepare = [](BenchStore& store) { store.reopen(false); };
+    load.baseline = [=](BenchStore& store) {
+        return store.baseline().loadPlayLists().size() == std::size_t(lists) + 1;
     };
-    const auto loading = std::make_shared<Loading>();
-    loading->store =
-        std::make_shared<BenchStore>(setting, BenchStore::Contents{lists, Entries}, Parts::Store);
-    Workload load;
-    load.prepare = [=] {
-        loading->loaded.reset();
-        loading->store->reopen(false);
-    };
-    load.baseline = [=] {
-        return loading->store->baseline().loadPlayLists().size() == std::size_t(lists) + 1;
-    };
-    load.module = [=] {
-        loading->loaded = std::make_unique<PlayListManager>(&loading->store->database());
-        return loading->loaded->getAllPlayList().size() == lists;
+    load.module = [=](BenchStore& store) {
+        store.makeManager();
+        return store.manager().getAllPlayList().size() == lists;
     };
     return load;
 }
@@ -108,7 +79,7 @@ std::vector<Work> readWorks() {
     using Length = Work::Length;
     const char* base = "baseline";
     const auto pages = [](Parts parts, Order order) {
-        return [=](const Setting& setting) { return page(setting, parts, order); };
+        return [=](int size) { return page(size, parts, order); };
     };
     const auto items = pages(Parts::Model, Order::Albums);
     const auto mixed = pages(Parts::Model, Order::Mixed);

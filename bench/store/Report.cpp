@@ -46,26 +46,6 @@ double secondsOfOthers(bool processesCount) {
            double(own.ru_utime.tv_usec + own.ru_stime.tv_usec) / 1e6;
 }
 
-QString fieldOf(const char* file, const char* name, char separator) {
-    std::ifstream lines(file);
-    for (std::string line; std::getline(lines, line);) {
-        if (line.rfind(name, 0) == 0)
-            return QString::fromStdString(line.substr(line.find(separator) + 1))
-                .remove(QLatin1Char('"'))
-                .trimmed();
-    }
-    return QStringLiteral("unknown");
-}
-
-QString machine() {
-    const double kib =
-        fieldOf("/proc/meminfo", "MemTotal", ':').section(QLatin1Char(' '), 0, 0).toDouble();
-    return QStringLiteral("%1 × %2, %3 GiB, %4")
-        .arg(sysconf(_SC_NPROCESSORS_ONLN))
-        .arg(fieldOf("/proc/cpuinfo", "model name", ':'))
-        .arg(number(kib / (1 << 20), 0), fieldOf("/etc/os-release", "PRETTY_NAME", '='));
-}
-
 // The slope of log cost against log size: 0 costs the same at any size, 1 grows with the list.
 std::optional<double> growth(const std::vector<Figure>& figures) {
     if (figures.size() < 2)
@@ -89,7 +69,6 @@ Report::Report(const QString& file, const std::vector<int>& sizes, double slack,
         names.append(QStringLiteral("n = %1").arg(size));
         rules.append(QStringLiteral("--:"));
     }
-    line(machine() + QLatin1Char('\n'));
     row(names + QStringList{QStringLiteral("at most"), QStringLiteral("growth")});
     row(rules + QStringList{QStringLiteral("---"), QStringLiteral("---")});
 }

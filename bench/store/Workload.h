@@ -4,26 +4,25 @@
 #include <optional>
 #include <vector>
 
-#include <QString>
+#include "BenchStore.h"
 
-// What a work is measured on.
-struct Setting {
-    QString folder;
-    bool isDisk = false;
-    int size = 0;
-};
-
-// One work, set up at one setting and done again and again, by the baseline and by the module in
-// turns. What is not the work itself belongs into the preparations, which are not timed. A side
-// that fails returns false.
+// One work, set up at one size and done again and again over one store, by the baseline and by the
+// module in turns. What is not the work itself belongs into the preparations, which are not timed.
+// A side that fails returns false.
 struct Workload {
-    // Before both, and right before the one.
-    std::function<void()> prepare = [] {};
-    std::function<void()> prepareBaseline = [] {};
-    std::function<void()> prepareModule = [] {};
+    using Prepare = std::function<void(BenchStore&)>;
+    using Side = std::function<bool(BenchStore&)>;
+
+    BenchStore::Contents contents;
+    bool startsOver = false; // each turn, with a file laid out anew
+    // Before all turns, before both sides of one, and right before the one.
+    Prepare begin = [](BenchStore&) {};
+    Prepare prepare = begin;
+    Prepare prepareBaseline = begin;
+    Prepare prepareModule = begin;
     // What the module is held against; empty where there is nothing.
-    std::function<bool()> baseline;
-    std::function<bool()> module;
+    Side baseline = {};
+    Side module = {};
 };
 
 // A row of the table.
@@ -36,7 +35,7 @@ struct Work {
     enum class Length { Short, Long } length;
     // Measured at this size alone, where there is one.
     std::optional<int> onlySize;
-    std::function<Workload(const Setting&)> setUp;
+    std::function<Workload(int size)> setUp;
     // Of the module's median, in microseconds.
     std::optional<double> maxUs = {};
 };

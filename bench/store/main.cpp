@@ -39,39 +39,46 @@ double microseconds(bool waitingCounts) {
     return double(now.tv_sec) * 1e6 + double(now.tv_nsec) / 1e3;
 }
 
-// The turns of one work at one size, each side as often first as second. Nothing where one failed.
-std::optional<Figure> measure(const Work& work, const Setting& setting, int turns) {
-    const Workload workload = work.setUp(setting);
+// The turns of a workload, each side as often first as second. Nothing where one failed.
+std::optional<Figure> takeTurns(const Workload& workload, BenchStore& store, bool isDisk,
+                                int uncounted, int turns) {
     std::vector<double> baseline;
     std::vector<double> module;
-    const auto time = [&](const auto& prepare, const auto& side, std::vector<double>& times) {
-        prepare();
-        const double begin = microseconds(setting.isDisk);
-        const bool ok = side();
-        times.push_back(microseconds(setting.isDisk) - begin);
+    const auto take = [&](const auto& prepare, const auto& side, std::vector<double>& times) {
+        prepare(store);
+        const double begin = microseconds(isDisk);
+        const bool ok = !side || side(store);
+        times.push_back(microseconds(isDisk) - begin);
         return ok;
     };
-    const auto takeBaseline = [&] {
-        return !workload.baseline || time(workload.prepareBaseline, workload.baseline, baseline);
-    };
-    const auto takeModule = [&] { return time(workload.prepareModule, workload.module, module); };
-    // The first turn of a short work fills the caches and is not counted.
-    const int uncounted = work.length == Work::Length::Short ? 1 : 0;
-    for (int i = 0; i < turns + uncounted; ++i) {
-        if (i == uncounted) {
-            baseline.clear();
-            module.clear();
-        }
-        workload.prepare();
-        if (i % 2 == 0 ? !takeBaseline() || !takeModule() : !takeModule() || !takeBaseline())
+    workload.begin(store);
+    for (int i = 0; i < uncounted + turns; ++i) {
+        if (workload.startsOver)
+            store.reopen(true);
+        workload.prepare(store);
+        bool ok = i % 2 == 0 || take(workload.prepareModule, workload.module, module);
+        ok = ok && take(workload.prepareBaseline, workload.baseline, baseline);
+        ok = ok && (i % 2 != 0 || take(workload.prepareModule, workload.module, module));
+        if (!ok)
             return {};
     }
-    Figure figure{setting.size, median(module), {}};
+    module.erase(module.begin(), module.begin() + uncounted);
+    std::vector<double> ratios;
     // Both of a turn meet the same machine.
-    for (std::size_t i = 0; i < baseline.size(); ++i)
-        baseline[i] = module[i] / baseline[i];
-    if (!baseline.empty())
-        figure.ratio = median(baseline);
+    for (std::size_t i = 0; workload.baseline && i < module.size(); ++i)
+        ratios.push_back(module[i] / baseline[i + std::size_t(uncounted)]);
+    return Figure{0, median(module), ratios.empty() ? std::nullopt : std::optional(median(ratios))};
+}
+
+std::optional<Figure> measure(const Work& work, const Storage& storage, int size, int turns) {
+    Workload workload = work.setUp(size);
+    BenchStore store(storage.folder, storage.isDisk, workload.contents);
+    // The first turn of a short work fills the caches and is not counted.
+    const int uncounted = work.length == Work::Length::Short ? 1 : 0;
+    std::optional<Figure> figure = takeTurns(workload, store, storage.isDisk, uncounted, turns);
+    if (figure)
+        figure->size = size;
+    workload = {}; // what it holds goes before the store that it uses
     return figure;
 }
 
@@ -128,7 +135,8 @@ int main(int argc, char** argv) {
     parser.addOption({"table", "where the table goes as well", "file"});
     parser.process(app);
     const bool isShort = parser.isSet("short");
-    const QString named = isShort ? QStringLiteral("1000,10000") : parser.value("sizes");
+    const QString named =
+        isShort && !parser.isSet("sizes") ? QStringLiteral("1000,10000") : parser.value("sizes");
     std::vector<int> sizes;
     for (const QString& size : named.split(','))
         sizes.push_back(size.toInt());
@@ -151,8 +159,7 @@ int main(int argc, char** argv) {
             const std::vector<int> own{std::min(work.onlySize.value_or(0), most)};
             std::vector<Figure> figures;
             for (const int size : work.onlySize ? own : sizes) {
-                const auto figure = measure(work, {storage.folder, storage.isDisk, size},
-                                            turnsOf(work, size, isShort));
+                const auto figure = measure(work, storage, size, turnsOf(work, size, isShort));
                 if (!figure) {
                     figures.clear();
                     break;

@@ -5,6 +5,7 @@ The daemon is a process of this script's own, asked over its line protocol. Ther
 figures are for people. Ends with 0, with 2 where something could not be measured.
 """
 
+import contextlib
 import os
 import re
 import socket
@@ -19,7 +20,6 @@ from measuring import PAGE_ROWS, BenchDevice, Table, accepted, items_path, main,
 from orvo_device import write_silence
 
 MAX_S = 60  # what takes longer is stopped
-QUEUE = "playlists:pq/items"
 LONG_TRACK = "long.wav"
 CONFIGURATION = """\
 music_directory "{music}"
@@ -41,7 +41,7 @@ audio_output {{
 
 
 class Daemon:
-    """The daemon with a configuration below `folder`. It has the same methods as OurDevice: prepare_… is not timed."""
+    """The daemon with a configuration below `folder`. Peers have the same functions for what is prepared."""
 
     def __init__(self, folder, music):
         self._saves = 0
@@ -53,8 +53,7 @@ class Daemon:
         with open(f"{folder}/mpd.log", "wb") as log:
             self._process = subprocess.Popen(["mpd", "--no-daemon", "--stderr", f"{folder}/mpd.conf"],
                                              stdout=log, stderr=log)
-        self._socket = self._connect(port)
-        self._socket.recv(1 << 16)  # the greeting
+        self._connect(port)
         self.ask("update")
         while b"updating_db" in self.ask("status"):
             time.sleep(0.1)
@@ -62,7 +61,9 @@ class Daemon:
     def _connect(self, port):
         while self._process.poll() is None:
             try:
-                return socket.create_connection(("127.0.0.1", port), MAX_S)
+                self._socket = socket.create_connection(("127.0.0.1", port), MAX_S)
+                self._socket.recv(1 << 16)  # the greeting
+                return
             except ConnectionRefusedError:
                 time.sleep(0.1)
         raise RuntimeError("mpd does not start")
@@ -74,6 +75,9 @@ class Daemon:
     def pid(self):
         return self._process.pid
 
+    def saved(self):
+        return f'"saved{self._saves}"'
+
     def ask(self, *lines):
         """Sends one command, or several as a list, and returns the answer without its last line."""
         if len(lines) > 1:
@@ -82,72 +86,47 @@ class Daemon:
         answer = bytearray()
         while not (answer == b"OK\n" or answer.endswith(b"\nOK\n")):
             answer += self._socket.recv(1 << 18)
-            refused = answer.startswith(b"ACK ") or b"\nACK " in answer
-            if refused:
+            if answer.startswith(b"ACK ") or b"\nACK " in answer:
                 raise RuntimeError(f"mpd refused: {answer[-200:].decode()}")
         return answer[:-3]
 
-    def prepare_empty(self, _=0):
-        self.ask("stop")
-        self.ask("clear")
+    def empty(self, _):
+        self.ask("stop", "clear")
 
-    def prepare_list(self, size):
-        self.prepare_empty()
-        self.add_folder(size)
+    def fill(self, size):
+        self.ask("stop", "clear", f'add "n{size}"')
 
-    def add_folder(self, size, _=0):
-        self.ask(f'add "n{size}"')
-
-    def add_in_the_middle(self, size, _=0):
-        self.ask(f'add "n{size}" {size // 2}')
-
-    def read_page(self, size, step):
-        first = size // 2 + step
-        if f"Pos: {first + PAGE_ROWS - 1}\n".encode() not in self.ask(f"playlistinfo {first}:{first + PAGE_ROWS}"):
-            raise RuntimeError("no whole page from mpd")
-
-    def remove_every_second(self, size, _=0):
-        self.ask(*(f"delete {row}" for row in range(size - 2, -1, -2)))
-
-    def clear(self, *_):
-        self.ask("clear")
-
-    def prepare_saving(self, size):
-        self.prepare_list(size)
+    def fill_to_save(self, size):
+        self.fill(size)
         if self._saves:
-            self.ask(f'rm "saved{self._saves}"')
+            self.ask(f"rm {self.saved()}")
         self._saves += 1
 
-    def save(self, *_):
-        self.ask(f'save "saved{self._saves}"')
+    def fill_and_save(self, size):
+        self.fill_to_save(size)
+        self.ask(f"save {self.saved()}", "clear")
 
-    def load(self, *_):
-        self.ask(f'load "saved{self._saves}"')
+    def play_random(self, size):
+        self.ask("stop", "clear", *[f'add "{LONG_TRACK}"'] * size, "random 1", "play 0")
 
-    def edit_saved(self, size, step):
-        row = size // 2 + step
-        self.ask(f'playlistmove "saved{self._saves}" {row} {row + 1}')
-
-    def prepare_random(self, size):
-        self.prepare_empty()
-        self.ask(*[f'add "{LONG_TRACK}"'] * size)
-        self.ask("random 1")
-        self.ask("play 0")
-
-    def next(self, *_):
-        self.ask("next")
+    def page(self, first):
+        rows = self.ask(f"playlistinfo {first}:{first + PAGE_ROWS}")
+        if f"Pos: {first + PAGE_ROWS - 1}\n".encode() not in rows:
+            raise RuntimeError("no whole page from mpd")
 
 
 class OurDevice:
     """The device over HTTP: the daemon's queue is the play queue, its stored list a playlist."""
+
+    QUEUE = "playlists:pq/items"
 
     def __init__(self, host, folder, music):
         self._device = BenchDevice(host, folder, music)
         self._device.start()
         self._client = self._device.connect()
         self._device.wait_for_scan(self._client)
-        self._saved = 0
-        self._paths = []
+        self.saved = 0
+        self.queued = []
 
     def end(self):
         self._device.end()
@@ -155,92 +134,88 @@ class OurDevice:
     def pid(self):
         return self._device.pid
 
-    def _add(self, items, mode=2, plid=0):
-        self._client.must("playlists:pl/addItems", {"plid": plid, "mode": mode, "items": items})
+    def ask(self, command, plid=0, **arguments):
+        return self._client.must(f"playlists:pl/{command}", {"plid": plid, **arguments})
+
+    def add(self, items, mode=2, plid=0):
+        self.ask("addItems", plid, mode=mode, items=items)
+
+    def next(self):
+        self._client.must("player:next", {})
 
     def _play_paused(self, index):
         self._client.must("player:playContainer", {
-            "mediaRoles": {"type": 1, "containerPlayable": True, "path": QUEUE,
+            "mediaRoles": {"type": 1, "containerPlayable": True, "path": self.QUEUE,
                            "mediaData": {"metaData": {"playLogicPath": "playlists:playlogic"}}},
             "type": 1, "startPosition": 0, "paused": True, "index": index})
 
-    def prepare_empty(self, _=0):
+    def empty(self, _):
         self._client.command("player:stop", {})  # refused where nothing plays
-        self.clear()
+        self.ask("clear")
 
-    def prepare_list(self, size):
-        self.prepare_empty()
-        self.add_folder(size)
+    def fill(self, size):
+        self.empty(size)
+        self.add([f"files:tree/n{size}"])
         self._play_paused(size // 2 - 1)
         self._client.must("player:stop", {})  # the place in the list stays
 
-    def add_folder(self, size, _=0):
-        self._add([f"files:tree/n{size}"])
+    def fill_to_save(self, size):
+        self.fill(size)
+        if self.saved:
+            self.ask("delete", self.saved)
+        self.saved = self._client.create("Saved")
+        self.queued = self.paths(self.QUEUE)
 
-    def add_in_the_middle(self, size, _=0):
-        self._add([f"files:tree/n{size}"], mode=1)
+    def fill_and_save(self, size):
+        self.fill_to_save(size)
+        self.add(self.queued, plid=self.saved)
+        self.empty(size)
 
-    def read_page(self, size, step):
-        first = size // 2 + step
-        body = accepted(self._client.exchange(self._client.page(QUEUE, first))).body
-        if f'"value":{{"i32":{first + PAGE_ROWS - 1}}}'.encode() not in body:
-            raise RuntimeError("no whole page from the device")
+    def play_random(self, size):
+        self.empty(size)
+        self.add([f"files:tree/{LONG_TRACK}"] * size)
+        self.ask("setShuffle", mode=1)
+        self._play_paused(0)
 
-    def remove_every_second(self, size, _=0):
-        self._client.must("playlists:pl/removeItems", {"plid": 0, "items": list(range(0, size, 2))})
-
-    def clear(self, *_):
-        self._client.must("playlists:pl/clear", {"plid": 0})
-
-    def _paths_of(self, path):
+    def paths(self, path):
         body = accepted(self._client.ask("GET", f"/api/rows?roles=path&path={path}")).body
         return re.findall(r'"(playlists:item/[^"]*)"', body.decode())
 
-    def prepare_saving(self, size):
-        self.prepare_list(size)
-        if self._saved:
-            self._client.must("playlists:pl/delete", {"plid": self._saved})
-        self._saved = self._client.create("Saved")
-        self._paths = self._paths_of(QUEUE)
-
-    def save(self, *_):
-        self._add(self._paths, plid=self._saved)
-
-    def load(self, *_):
-        # Asking for the paths is a part of it: a client that loads a list does not have them.
-        self._add(self._paths_of(items_path(self._saved)))
-
-    def edit_saved(self, size, step):
-        row = size // 2 + step
-        self._client.must("playlists:pl/moveItems", {"plid": self._saved, "items": [row], "to": row + 1})
-
-    def prepare_random(self, size):
-        self.prepare_empty()
-        self._add([f"files:tree/{LONG_TRACK}"] * size)
-        self._client.must("playlists:pl/setShuffle", {"plid": 0, "mode": 1})
-        self._play_paused(0)
-
-    def next(self, *_):
-        self._client.must("player:next", {})
+    def page(self, first):
+        body = accepted(self._client.exchange(self._client.page(self.QUEUE, first))).body
+        if f'"value":{{"i32":{first + PAGE_ROWS - 1}}}'.encode() not in body:
+            raise RuntimeError("no whole page from the device")
 
 
-def prepare_saved(peer, size):
-    peer.prepare_saving(size)
-    peer.save()
-    peer.prepare_empty()
+def read_page(peer, size, step):
+    peer.page(size // 2 + step)
 
 
-# Name, what is prepared for each run, the work, how often it is done in a run.
+# Name, what is prepared for each run, how often the work is done in a run, the daemon's, ours.
 WORKS = (
-    ("add n to an empty list", "prepare_empty", "add_folder", 1),
-    ("add n in the middle of n", "prepare_list", "add_in_the_middle", 1),
-    ("page of 50", "prepare_list", "read_page", 100),
-    ("remove every second", "prepare_list", "remove_every_second", 1),
-    ("clear", "prepare_list", "clear", 1),
-    ("save", "prepare_saving", "save", 1),
-    ("load", prepare_saved, "load", 1),
-    ("edit of a stored list", prepare_saved, "edit_saved", 20),
-    ("next in random mode", "prepare_random", "next", 20),
+    ("add n to an empty list", "empty", 1,
+     lambda daemon, n, _: daemon.ask(f'add "n{n}"'),
+     lambda ours, n, _: ours.add([f"files:tree/n{n}"])),
+    ("add n in the middle of n", "fill", 1,
+     lambda daemon, n, _: daemon.ask(f'add "n{n}" {n // 2}'),
+     lambda ours, n, _: ours.add([f"files:tree/n{n}"], mode=1)),
+    ("page of 50", "fill", 100, read_page, read_page),
+    ("remove every second", "fill", 1,
+     lambda daemon, n, _: daemon.ask(*(f"delete {row}" for row in range(n - 2, -1, -2))),
+     lambda ours, n, _: ours.ask("removeItems", items=list(range(0, n, 2)))),
+    ("clear", "fill", 1, lambda daemon, *_: daemon.ask("clear"), lambda ours, *_: ours.ask("clear")),
+    ("save", "fill_to_save", 1,
+     lambda daemon, *_: daemon.ask(f"save {daemon.saved()}"),
+     lambda ours, *_: ours.add(ours.queued, plid=ours.saved)),
+    # Asking for the paths is a part of it: a client that loads a list does not have them.
+    ("load", "fill_and_save", 1,
+     lambda daemon, *_: daemon.ask(f"load {daemon.saved()}"),
+     lambda ours, *_: ours.add(ours.paths(items_path(ours.saved)))),
+    ("edit of a stored list", "fill_and_save", 20,
+     lambda daemon, n, i: daemon.ask(f"playlistmove {daemon.saved()} {n // 2 + i} {n // 2 + i + 1}"),
+     lambda ours, n, i: ours.ask("moveItems", ours.saved, items=[n // 2 + i], to=n // 2 + i + 1)),
+    ("next in random mode", "play_random", 20,
+     lambda daemon, *_: daemon.ask("next"), lambda ours, *_: ours.next()),
 )
 
 
@@ -251,16 +226,15 @@ class Contestant:
         self._make = make
         self.peer = make()
 
-    def median(self, size, prepare, work, steps):
+    def median(self, size, prepare, steps, work):
         """In seconds; None when it took too long."""
-        prepare = getattr(type(self.peer), prepare) if isinstance(prepare, str) else prepare
         times = []
         try:
             for _ in range(5 if size <= 1000 else 3 if size <= 10_000 else 1):
-                prepare(self.peer, size)
+                getattr(self.peer, prepare)(size)
                 for step in range(steps):
                     begin = time.perf_counter()
-                    getattr(self.peer, work)(size, step)
+                    work(self.peer, size, step)
                     times.append(time.perf_counter() - begin)
         except socket.timeout:
             self.peer.end()
@@ -276,8 +250,7 @@ class Contestant:
 def time_text(seconds):
     if seconds is None:
         return f"> {MAX_S} s, stopped"
-    return f"{seconds:.2f} s" if seconds >= 1 else f"{seconds * 1e3:.2f} ms" if seconds >= 1e-3 \
-        else f"{seconds * 1e6:.0f} µs"
+    return f"{seconds:.2f} s" if seconds >= 1 else f"{seconds * 1e3:.2f} ms"
 
 
 def cells(figures, text):
@@ -286,36 +259,34 @@ def cells(figures, text):
         ["" if None in (theirs, figure) else f"{figure / theirs:.2f}" for figure in ours]
 
 
-def run(options):
-    folders = []
-
-    def folder(parent):
-        folders.append(temp_folder(parent))
-        return folders[-1].name
-
-    music = os.path.abspath(options.music)
-    if not os.path.exists(f"{music}/{LONG_TRACK}"):
-        write_silence(f"{music}/{LONG_TRACK}", 86400)
-    contestants = []
+def compare(options, music, folders):
+    contestants = [Contestant(lambda: Daemon(folders(options.disk), music)),
+                   Contestant(lambda: OurDevice(options.host, folders(options.memory), music)),
+                   Contestant(lambda: OurDevice(options.host, folders(options.disk), music))]
+    table = Table(options.table, ["work", "n", "daemon", "ours, memory", "ours, disk",
+                                  "memory / daemon", "disk / daemon"])
+    resident = {}
     try:
-        contestants += [Contestant(lambda: Daemon(folder(options.disk), music)),
-                        Contestant(lambda: OurDevice(options.host, folder(options.memory), music)),
-                        Contestant(lambda: OurDevice(options.host, folder(options.disk), music))]
-        table = Table(options.table, ["work", "n", "daemon", "ours, memory", "ours, disk",
-                                      "memory / daemon", "disk / daemon"])
-        resident = {}
-        for name, *work in WORKS:
+        for name, prepare, steps, daemon, ours in WORKS:
             for size in (size for size in (1000, 10_000, 100_000) if size <= options.largest):
-                table.row([name, str(size), *cells([each.median(size, *work) for each in contestants], time_text)])
-                if name == "page of 50":
+                medians = [contestant.median(size, prepare, steps, work)
+                           for contestant, work in zip(contestants, (daemon, ours, ours))]
+                table.row([name, str(size), *cells(medians, time_text)])
+                if ours is read_page:
                     resident[size] = [each.resident_mib() for each in contestants]
         for size, figures in resident.items():
-            table.row(["resident memory then", str(size), *cells(figures, lambda mib: f"{mib:.1f} MiB")])
+            table.row(["resident memory then", str(size), *cells(figures, "{:.1f} MiB".format)])
     finally:
         for contestant in contestants:
             contestant.peer.end()
-        for each in folders:
-            each.cleanup()
+
+
+def run(options):
+    music = os.path.abspath(options.music)
+    if not os.path.exists(f"{music}/{LONG_TRACK}"):
+        write_silence(f"{music}/{LONG_TRACK}", 86400)
+    with contextlib.ExitStack() as stack:
+        compare(options, music, lambda parent: stack.enter_context(temp_folder(parent)))
     return 0
 
 
