@@ -4,7 +4,7 @@
 import { join } from 'node:path';
 import { chromium } from 'playwright-core';
 import { Albums, Device } from './support/device.mjs';
-import { People } from './support/people.mjs';
+import { Page } from './support/page.mjs';
 
 const folder = process.argv[2];
 const Desktop = { viewport: { width: 1440, height: 900 } };
@@ -19,7 +19,7 @@ async function open(size, colorScheme) {
   const page = await context.newPage();
   await page.goto(device.url);
   await page.locator('#nav .row.heads').first().waitFor({ state: 'attached' });
-  return new People({ page, context, device, size: size === Phone ? 'phone' : 'desktop' });
+  return new Page({ page, context, device, size: size === Phone ? 'phone' : 'desktop' });
 }
 
 async function shoot(me, name) {

@@ -9,15 +9,11 @@ import { chromium } from 'playwright-core';
 import { Albums, Device } from './support/device.mjs';
 import { recordFrames, told } from './support/frames.mjs';
 import { Count, fill } from './support/manytracks.mjs';
-import { People } from './support/people.mjs';
-import { leastDisturbed } from './support/stolen.mjs';
+import { Page } from './support/page.mjs';
 import { Window } from './support/window.mjs';
 
 const Viewport = { width: 1440, height: 900 };
 const Openings = 10;
-// A machine that is not its own is asked more often.
-const MostOpenings = 30;
-const MostPasses = 4;
 // A new browser window goes on loading parts of its own for a while.
 const WindowsOwnMs = 1500;
 // Rarely enough that asking takes nothing from the page.
@@ -41,7 +37,6 @@ const browser = await chromium.launch({
 });
 const after = (ms) => new Promise((done) => setTimeout(done, ms));
 const say = (text) => console.log(text);
-const stolenFrom = (measured) => `at most ${Math.max(...measured.map(({ stolen }) => stolen)).toFixed(1)} % stolen`;
 const load = () => `load ${loadavg()[0].toFixed(1)} on ${cpus().length} processors`;
 
 try {
@@ -83,18 +78,18 @@ async function firstScreens(where, rest) {
     await window.close();
     return time;
   };
-  const openings = await leastDisturbed(Openings, MostOpenings, open);
-  const times = openings.map(({ figures }) => figures);
+  const times = [];
+  while (times.length < Openings) times.push(await open());
   const sorted = [...times].sort((a, b) => a - b);
   const median = (sorted[Openings / 2 - 1] + sorted[Openings / 2]) / 2;
-  say(`first screen ${where}: median ${median.toFixed(0)} ms; ${times.map((time) => time.toFixed(0)).join(', ')} ms; ${stolenFrom(openings)}; ${load()}`);
+  say(`first screen ${where}: median ${median.toFixed(0)} ms; ${times.map((time) => time.toFixed(0)).join(', ')} ms; ${load()}`);
 }
 
 async function scrolling() {
   const context = await browser.newContext({ viewport: Viewport });
   const page = await context.newPage();
   await page.goto(device.url);
-  const me = new People({ page, context, device, size: 'desktop' });
+  const me = new Page({ page, context, device, size: 'desktop' });
   await me.openList('Everything');
   await me.row('main', 'Track 0').waitFor();
   const cdp = await context.newCDPSession(page);
@@ -125,14 +120,11 @@ async function scrolling() {
   const lastIsThere = () => me.row('main', `Track ${Count - 1}`).waitFor();
 
   const measure = async (name, from, scroll) => {
-    const measured = await leastDisturbed(1, MostPasses, async () => {
-      await goTo(from);
-      const stop = await recordFrames(browser, page);
-      await scroll();
-      return stop();
-    });
-    const { asked, drawn, work, longest } = measured[0].figures;
-    say(`${name}; ${stolenFrom(measured)}; ${load()}`);
+    await goTo(from);
+    const stop = await recordFrames(browser, page);
+    await scroll();
+    const { asked, drawn, work, longest } = await stop();
+    say(`${name}; ${load()}`);
     say(`  ${told('drawn', drawn)}`);
     say(`  ${told('asked', asked)}`);
     say(`  most work in one task: ${work.toFixed(1)} ms of processor time; longest piece: ` +

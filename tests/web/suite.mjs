@@ -1,22 +1,22 @@
 // All tests of the page in one browser; every story has its own device.
-import { tellStories } from './support/story.mjs';
+import { runStories } from './support/story.mjs';
 import './units/browserless.mjs';
 import './units/rows.mjs';
 import './units/edits.mjs';
 import './units/undo.mjs';
 import './units/helpers.mjs';
-import './stories/lists.mjs';
-import './stories/adding.mjs';
-import './stories/playing.mjs';
-import './stories/upnext.mjs';
-import './stories/reordering.mjs';
-import './stories/editing.mjs';
-import './stories/undoing.mjs';
-import './stories/together.mjs';
-import './stories/collections.mjs';
-import './stories/connection.mjs';
-import './stories/access.mjs';
-import './stories/door.mjs';
-import './stories/large.mjs';
+import './e2e/lists.mjs';
+import './e2e/adding.mjs';
+import './e2e/playing.mjs';
+import './e2e/upnext.mjs';
+import './e2e/reordering.mjs';
+import './e2e/editing.mjs';
+import './e2e/undoing.mjs';
+import './e2e/together.mjs';
+import './e2e/collections.mjs';
+import './e2e/connection.mjs';
+import './e2e/access.mjs';
+import './e2e/door.mjs';
+import './e2e/large.mjs';
 
-tellStories();
+runStories();

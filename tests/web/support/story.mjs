@@ -8,7 +8,7 @@ import { join } from 'node:path';
 import { after, before, describe, test } from 'node:test';
 import { chromium } from 'playwright-core';
 import { Device, hasPlayer } from './device.mjs';
-import { People } from './people.mjs';
+import { Page } from './page.mjs';
 import { Wire } from './wire.mjs';
 
 // The browser asks nobody but the device.
@@ -57,7 +57,7 @@ class Window {
     await this.page.goto(at);
     await meet?.(this.page);
     await this.page.locator('#nav .row.heads').first().waitFor({ state: 'attached' });
-    return new People(this);
+    return new Page(this);
   }
 
   async reload() {
@@ -67,42 +67,27 @@ class Window {
   }
 }
 
-// tell(t): tells it at both sizes. t: {device, size, open(), lay(), allow(pattern)}; lay() gives a wire to the device. Told
+// run(t): runs it at both sizes. t: {device, size, open(), lay(), allow(pattern)}; lay() gives a wire to the device. Run
 // several at a time, those that watch the clock after all others and alone.
-export function story(name, tell, { player = false, device = {}, sizes = Object.keys(Sizes), alone = false } = {}) {
+export function story(name, run, { player = false, device = {}, sizes = Object.keys(Sizes), alone = false } = {}) {
   const skip = player && !hasPlayer ? 'liborvo_player.so is not built' : false;
-  for (const size of sizes) stories.push({ title: `${name} (${size})`, name, tell, device, size, skip, alone });
+  for (const size of sizes) stories.push({ title: `${name} (${size})`, name, run, device, size, skip, alone });
 }
 
 const stories = [];
 const AtOnce = Math.max(2, availableParallelism());
 
 // Called once all stories are known.
-export function tellStories() {
+export function runStories() {
   const those = (alone) => stories.filter((found) => found.alone === alone);
   for (const [group, concurrency] of [['together', AtOnce], ['alone', 1]]) {
     describe(group, { concurrency }, () => {
-      for (const found of those(group === 'alone')) test(found.title, { skip: found.skip }, () => tellTwiceAtMost(found));
+      for (const found of those(group === 'alone')) test(found.title, { skip: found.skip }, () => runStory(found));
     });
   }
 }
 
-// Browser, device and test share the machine with whatever else runs on it. A story that fails is told once more,
-// aloud; a fault of the page fails both times. No more than three in a run, so that one which shows now and then
-// fails it as well.
-let secondTries = 3;
-async function tellTwiceAtMost(found) {
-  try {
-    await tellOne(found);
-  } catch (error) {
-    if (secondTries === 0) throw error;
-    secondTries -= 1;
-    console.log(`# told once more: ${found.title}, which failed with\n${error.stack}`);
-    await tellOne(found);
-  }
-}
-
-async function tellOne({ name, tell, device: options, size }) {
+async function runStory({ name, run, device: options, size }) {
   const device = new Device(options);
   const windows = [];
   const allowed = [];
@@ -121,7 +106,7 @@ async function tellOne({ name, tell, device: options, size }) {
   await device.start();
   try {
     await device.ready();
-    await tell({ device, size, open, lay, allow: (pattern) => allowed.push(pattern) });
+    await run({ device, size, open, lay, allow: (pattern) => allowed.push(pattern) });
     const wrong = windows.flatMap((window) => window.wrong)
       .filter((text) => !allowed.some((pattern) => pattern.test(text)));
     assert.deepEqual(wrong, [], 'something went wrong behind the page');

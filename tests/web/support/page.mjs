@@ -1,11 +1,11 @@
-// What people do with the page, by what they see on it.
+// The page as a user has it: what is pressed and read on it, by its visible texts and names.
 
 // The page shows other rows with the elements of rows that are gone, while a press holds on to the element that it found:
 // so what cannot be pressed is looked for again.
 const LookAgainMs = 4000;
 const Looks = 5;
 
-export class People {
+export class Page {
   constructor(window) {
     this.window = window;
     this.page = window.page;
