@@ -1,5 +1,7 @@
 #include "PlayerTransport.h"
 
+#include <utility>
+
 #include "CMConnect.h"
 #include "CMRootWorker.h"
 #include "PlayerLog.h"
@@ -88,6 +90,8 @@ PlayerTransport::PlayerTransport(const QString& sink, const SourceRules& rules, 
     cmConnect(&m_engine, &PlayerEngine::failed, this, &PlayerTransport::onFailed);
     m_prepareTimer.setSingleShot(true);
     cmConnect(&m_prepareTimer, &QTimer::timeout, this, &PlayerTransport::armPrepare);
+    cmConnect(&m_sleepTimer, &SleepTimer::elapsed, this, &PlayerTransport::sleep);
+    cmConnect(&m_sleepTimer, &SleepTimer::changed, this, &PlayerTransport::onSleepTimerChanged);
     PlayLogicInterface::playerInstance()->setPlayer(this);
 }
 
@@ -214,6 +218,8 @@ void PlayerTransport::play(const PlayLogicCommand& command) {
 void PlayerTransport::setNextMedia(const PlayLogicCommand& command) {
     if (m_current.generation == 0)
         dropNext(); // ended meanwhile, nothing for it to follow
+    else if (m_sleepTimer.isAtEndOfTrack())
+        m_isNextHeldBack = true;
     else
         m_engine.setNext(m_next.generation, firstUri(command.roles));
 }
@@ -263,6 +269,8 @@ void PlayerTransport::silence() {
     // What is on its way was told how to start.
     m_paused = m_paused && m_playsUnderWay > 0;
     m_prepareTimer.stop();
+    if (m_sleepTimer.isAtEndOfTrack() && m_playsUnderWay == 0)
+        m_sleepTimer.stop(); // there is no track any more
     setState(OrvoPlayerState::Stopped);
 }
 
@@ -324,9 +332,22 @@ void PlayerTransport::onFinished(PlayerEngine::Generation generation) {
 }
 
 void PlayerTransport::resumeAfter(PlayerEngine::Generation generation) {
-    if (generation != m_current.generation || m_next.generation != 0 || m_decisionsUnderWay > 0 ||
-        !m_logic)
+    if (generation != m_current.generation || m_decisionsUnderWay > 0 || !m_logic)
         return;
+    const bool sleeps = m_sleepTimer.isAtEndOfTrack();
+    if (!sleeps && m_next.generation != 0)
+        return;
+    if (sleeps) {
+        m_paused = true;
+        m_isNextHeldBack = false;
+        m_sleepTimer.stop();
+    }
+    if (m_next.generation != 0) {
+        // What was held back is loaded and waits at its beginning.
+        m_engine.play(m_next.generation, firstUri(m_next.roles), 0, true);
+        setState(OrvoPlayerState::Opening);
+        return;
+    }
     m_state = OrvoPlayerState::Opening;
     m_logic->tryResumePlayback();
     Q_EMIT changed();
@@ -539,6 +560,46 @@ void PlayerTransport::setVolume(const CMSetDataRequest& request) {
         applyVolume(volume);
         request.reply().setValue({});
     });
+}
+
+void PlayerTransport::setSleepTimer(const CMSetDataRequest& request) {
+    post([this, request] {
+        const OrvoPlayerSleepTimerArgs args(request.value());
+        const int time = args.time();
+        if (args.isAtEndOfTrack() && m_state == OrvoPlayerState::Stopped) {
+            request.reply().setError(nothingPlays());
+        } else if (args.isAtEndOfTrack()) {
+            m_sleepTimer.startAtEndOfTrack();
+            request.reply().setValue({});
+        } else if (time < 0 || time > SleepTimer::MaxMs) {
+            request.reply().setError(invalid(
+                "The time must be a number of milliseconds up to 24 hours, or endOfTrack."));
+        } else {
+            m_sleepTimer.start(time);
+            request.reply().setValue({});
+        }
+    });
+}
+
+// What cannot be paused is stopped.
+void PlayerTransport::sleep() {
+    const CMReply<QVariant> paused;
+    paused.onError([self = QPointer<PlayerTransport>(this)](const CMError&) {
+        if (self)
+            self->stop(CMSetDataRequest(OrvoPlayerStopPath(), {}, {}));
+    });
+    pause(CMSetDataRequest(OrvoPlayerPausePath(), {}, paused));
+}
+
+// The engine would go on by itself to what it knows as the next one.
+void PlayerTransport::onSleepTimerChanged() {
+    if (m_sleepTimer.isAtEndOfTrack() && m_next.generation != 0) {
+        m_isNextHeldBack = true;
+        m_engine.clearNext();
+    } else if (std::exchange(m_isNextHeldBack, false) && m_next.generation != 0) {
+        m_engine.setNext(m_next.generation, firstUri(m_next.roles));
+    }
+    Q_EMIT sleepTimerChanged();
 }
 
 void PlayerTransport::setResumePoint(const OrvoPlayerResumePoint& point) {

@@ -9,6 +9,7 @@
 #include "CMRequest.h"
 #include "PlayerEngine.h"
 #include "PlayLogicInterface.h"
+#include "SleepTimer.h"
 #include "StreamerPlayLogic.h"
 
 // Plays what play logics decide: at most one of them, the active one, is in charge at a time.
@@ -32,6 +33,7 @@ public:
     void previous(const CMSetDataRequest& request);
     void setPlayMode(const CMSetDataRequest& request);
     void setVolume(const CMSetDataRequest& request);
+    void setSleepTimer(const CMSetDataRequest& request);
 
     void carryOut(const PlayLogicCommand& command) override;
 
@@ -45,6 +47,7 @@ public:
     int volume() const { return m_volume; }
     // Without a request, at start.
     void applyVolume(int volume);
+    const SleepTimer& sleepTimer() const { return m_sleepTimer; }
     // Of the last stop or, when something plays, of the one before.
     const OrvoPlayerResumePoint& resumePoint() const { return m_resumePoint; }
     void setResumePoint(const OrvoPlayerResumePoint& point);
@@ -56,6 +59,7 @@ Q_SIGNALS:
     void changed();
     // The position jumped.
     void repositioned();
+    void sleepTimerChanged();
 
 private:
     struct Item {
@@ -99,6 +103,8 @@ private:
     void armPrepare();
     void prepare();
     void setState(OrvoPlayerState::Enum state);
+    void sleep();
+    void onSleepTimerChanged();
 
     PlayerEngine m_engine;
     QPointer<StreamerPlayLogic> m_logic;
@@ -120,4 +126,6 @@ private:
     OrvoPlayerResumePoint m_resumePoint;
     int m_volume = 100;
     QTimer m_prepareTimer;
+    SleepTimer m_sleepTimer;
+    bool m_isNextHeldBack = false; // the engine does not know what is announced
 };

@@ -1,5 +1,7 @@
 #include "PlayerWorker.h"
 
+#include <utility>
+
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -15,6 +17,11 @@ constexpr int DefaultVolume = 100;
 
 OrvoValue text(const QString& value) {
     return OrvoValue::fromString(value);
+}
+
+OrvoValue sleepTimer(const SleepTimer& timer) {
+    return timer.isAtEndOfTrack() ? text(OrvoPlayerSleepTimerArgs::EndOfTrack())
+                                  : OrvoValue::fromI64(timer.leftMs());
 }
 
 // The setting is one text. What is none reads as no place.
@@ -59,6 +66,7 @@ const QList<PlayerWorker::CommandRow>& PlayerWorker::commandRows() {
         {OrvoPlayerPreviousPath(), &T::previous},
         {OrvoPlayerSetPlayModePath(), &T::setPlayMode},
         {OrvoPlayerSetVolumePath(), &T::setVolume},
+        {OrvoPlayerSleepTimerPath(), &T::setSleepTimer},
     };
     return rows;
 }
@@ -98,6 +106,8 @@ const QList<PlayerWorker::ValueRow>& PlayerWorker::valueRows() {
          false,
          nullptr,
          {}},
+        {OrvoPlayerSleepTimerPath(), [](const T& t) { return sleepTimer(t.sleepTimer()); }, true,
+         &T::setSleepTimer, OrvoPlayerSleepTimerArgs::Time()},
     };
     return rows;
 }
@@ -121,6 +131,8 @@ PlayerWorker::PlayerWorker(const QHash<QString, QVariant>& config)
         m_published.insert(row.path.base(), row.read(m_transport));
     cmConnect(&m_transport, &PlayerTransport::changed, this, &PlayerWorker::publishSoon);
     cmConnect(&m_position, &PositionPublisher::ticked, this, &PlayerWorker::publishSoon);
+    cmConnect(&m_transport, &PlayerTransport::sleepTimerChanged, this,
+              &PlayerWorker::publishSleepTimer);
     m_volumeTimer.setSingleShot(true);
     cmConnect(&m_volumeTimer, &QTimer::timeout, this, &PlayerWorker::keepVolume);
     auto* stored = new CMValueItem(this, OrvoPlayerSettingsVolumePath());
@@ -203,6 +215,14 @@ void PlayerWorker::publishSoon() {
     m_publishing = true;
     QMetaObject::invokeMethod(
         this, [this] { publish(); }, Qt::QueuedConnection);
+}
+
+// When it is set and when it is over; in between, those who watch count down themselves.
+void PlayerWorker::publishSleepTimer() {
+    const ValueRow* row = valueRow(OrvoPlayerSleepTimerPath());
+    const OrvoValue newValue = row->read(m_transport);
+    const OrvoValue oldValue = std::exchange(m_published[row->path.base()], newValue);
+    subscribe()->valueChanged(row->path, newValue, oldValue);
 }
 
 void PlayerWorker::publish() {

@@ -41,6 +41,7 @@ private:
 
     void publishSoon();
     void publish();
+    void publishSleepTimer();
     void takeVolume(const OrvoValue& stored);
     void keepVolume();
     void takeResumePoint(const OrvoValue& stored);

@@ -93,6 +93,16 @@ public:
     ORVO_ATTRIBUTE(qint64, position, Position, "position")
 };
 
+// Milliseconds, 0 for off, or the text endOfTrack.
+class OrvoPlayerSleepTimerArgs : public OrvoHash {
+public:
+    using OrvoHash::OrvoHash;
+    ORVO_ID_ATTRIBUTE(time, Time, "time")
+
+    static QString EndOfTrack() { return QStringLiteral("endOfTrack"); }
+    bool isAtEndOfTrack() const { return attribute(Time()).toString() == EndOfTrack(); }
+};
+
 // 0 (silent) to 100 (as recorded).
 class OrvoPlayerVolumeArgs : public OrvoHash {
 public:

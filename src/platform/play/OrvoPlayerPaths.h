@@ -25,7 +25,8 @@
     X(OrvoPlayerPositionPath, "player:position")                                                   \
     X(OrvoPlayerDurationPath, "player:duration")                                                   \
     X(OrvoPlayerVolumePath, "player:volume")                                                       \
-    X(OrvoPlayerResumePointPath, "player:resumePoint")
+    X(OrvoPlayerResumePointPath, "player:resumePoint")                                             \
+    X(OrvoPlayerSleepTimerPath, "player:sleepTimer")
 
 #define ORVO_DECLARE_PATH(function, path) ORVO_API_PLAY_EXPORT CMPath function();
 ORVO_PLAYER_PATHS(ORVO_DECLARE_PATH)

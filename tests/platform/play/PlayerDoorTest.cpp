@@ -63,7 +63,7 @@ TEST(PlayerDoor, withoutAPlayerEverythingIsAnsweredAndLoggedAsAnError) {
 
 TEST(PlayerPaths, noneIsTheStartOfAnotherAndEachIsListedOnce) {
     const QList<OrvoPathRow>& rows = orvoPlayerPaths();
-    EXPECT_EQ(rows.size(), 17);
+    EXPECT_EQ(rows.size(), 18);
     for (const OrvoPathRow& a : rows) {
         for (const OrvoPathRow& b : rows) {
             if (&a != &b) {
