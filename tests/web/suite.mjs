@@ -17,6 +17,9 @@ import './e2e/collections.mjs';
 import './e2e/connection.mjs';
 import './e2e/access.mjs';
 import './e2e/door.mjs';
+import './e2e/hand.mjs';
+import './e2e/back.mjs';
+import './e2e/forced.mjs';
 import './e2e/large.mjs';
 
 runStories();

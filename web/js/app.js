@@ -6,8 +6,9 @@ import { Commands } from './model/commands.js';
 import { Covers } from './model/covers.js';
 import { Lock } from './model/lock.js';
 import { Player } from './model/player.js';
+import { Settings } from './model/settings.js';
 import { RowType, allRows, isCreate, isSwitch, metaData } from './model/rows.js';
-import { attempt, el, icon, setText, tellError } from './view/dom.js';
+import { attempt, el, icon, tell, tellError, tellUnlessOffline } from './view/dom.js';
 import { wireKeys } from './view/keys.js';
 import { Address, Pane } from './view/pane.js';
 
@@ -46,6 +47,7 @@ class App {
     this.commands = new Commands(paths);
     this.covers = new Covers();
     this.player = new Player(paths);
+    this.settings = new Settings();
     this.narrow = matchMedia(Narrow);
     this.feed = new EventFeed();
     this.setModules(modules);
@@ -74,6 +76,7 @@ class App {
     document.getElementById('tab-lists').addEventListener('click', () => this.showLists());
     document.getElementById('tab-music').addEventListener('click', () => this.showSide(true));
     document.getElementById('help').addEventListener('click', () => this.showHelp());
+    document.getElementById('settings').addEventListener('click', () => this.showSettings());
     this.narrow.addEventListener('change', () => this.showHeads());
   }
 
@@ -125,6 +128,7 @@ class App {
     this.feed.on('online', (online) => {
       document.body.classList.toggle('offline', !online);
       document.getElementById('banner').hidden = online;
+      this.player.setOnline(online);
       if (online) this.retry();
     });
     this.feed.connect();
@@ -154,7 +158,7 @@ class App {
     try {
       await this.player.refresh(this.modules.has('player'));
     } catch (error) {
-      tellError(error);
+      tellUnlessOffline(error);
     }
   }
 
@@ -200,8 +204,10 @@ class App {
     this.openMenu({ path }, { anchor, head: { title: row.title, subtitle: artist, urls: own ? [own] : urls ?? [], row } });
   }
 
-  editRow(row, anchor) {
-    this.openMenu({ title: row.title, field: row, openMade: isCreate(row) }, { anchor, head: { title: row.title, urls: [] } });
+  async editRow(row, anchor) {
+    await this.parts;
+    const form = await attempt(this.menuEdits.formOf(row), anchor);
+    if (form) this.openMenu({ title: row.title, field: row, form, openMade: isCreate(row) }, { anchor, head: { title: row.title, urls: [] } });
   }
 
   async ask(what, run) {
@@ -228,6 +234,32 @@ class App {
   async openAddMenu(rows, anchor, screen) {
     const { AddMenu } = await this.parts;
     new AddMenu(this, rows, screen).open(anchor);
+  }
+
+  async openMoveMenu(rows, anchor, screen) {
+    await this.parts;
+    const title = rows.length === 1 ? rows[0].title : `${rows.length} chosen`;
+    this.openMenu(this.menuEdits.moveToPage(screen.target, rows), { anchor, head: { title, urls: [] } });
+  }
+
+  // By its menu, which says what a name may be.
+  async rename(row, anchor) {
+    if (!row.context?.path) return;
+    await this.parts;
+    const entry = (await attempt(allRows(row.context.path), anchor))?.find((one) => this.commands.isRename(one));
+    if (entry) this.editRow(entry, anchor);
+  }
+
+  // The playlists that are not in a collection yet, to be added to it.
+  async openCollectMenu(screen, anchor) {
+    const clid = this.commands.collectionOf(screen.path);
+    const held = new Set((await allRows(screen.path)).map((row) => row.path));
+    const lists = (await allRows(this.nav.top.path)).filter((row) => this.commands.targetOf(row.path ?? '')?.plid && !held.has(row.path));
+    const items = lists.map((row) => ({ title: row.title, icon: 'list', run: () => {
+      this.menu.close();
+      attempt(this.commands.addToCollection(clid, this.commands.targetOf(row.path).plid).then(() => tell(`“${row.title}” added to “${screen.title}”.`)), null);
+    } }));
+    this.openMenu({ title: `Add to ${screen.title}`, items }, { anchor, head: { title: screen.title, urls: [] } });
   }
 
   // Places.
@@ -351,7 +383,12 @@ class App {
 
   async showHelp() {
     const { showHelp } = await this.parts;
-    showHelp();
+    showHelp(this.settings);
+  }
+
+  async showSettings() {
+    const { showSettings } = await this.parts;
+    showSettings(this.settings);
   }
 }
 

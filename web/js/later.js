@@ -3,11 +3,13 @@
 export { Edits } from './model/edits.js';
 export { AddMenu } from './view/addmenu.js';
 export { Editing } from './view/editing.js';
+export { emptyText } from './view/empty.js';
 export { Finder } from './view/finder.js';
 export { showHelp } from './view/help.js';
 export { Menu } from './view/menu.js';
 export { MenuEdits } from './view/menuedits.js';
 export { PlayerBar } from './view/playerbar.js';
 export { ask } from './view/question.js';
+export { showSettings } from './view/settingscard.js';
 export { UndoBar } from './view/undobar.js';
 export { UpNext } from './view/upnext.js';

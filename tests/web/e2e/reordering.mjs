@@ -91,7 +91,7 @@ story('a track is moved by its menu, by the keys, and removed', async ({ device,
   await me.openList('Party');
   await me.menuOf('main', first);
   await me.choose('Move track');
-  await me.enter('2');
+  await me.enter('3');
   await me.sheetCloses();
   await eventually(() => device.titles(`playlists:pl/items/${plid}`), [second, third, first, fourth, fifth]);
   await me.menuOf('main', fifth);

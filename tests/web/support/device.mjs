@@ -49,7 +49,7 @@ export class Device {
   }
 
   async kill(signal = 'SIGKILL') {
-    if (this.process.exitCode !== null) return;
+    if (this.process.exitCode !== null || this.process.signalCode !== null) return;
     const ended = once(this.process, 'exit');
     this.process.kill(signal);
     await ended;

@@ -15,6 +15,9 @@ import { Wire } from './wire.mjs';
 const Flags = ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
   '--disable-component-update', '--disable-sync'];
 
+// Far longer than any story takes.
+const HangsAfter = 180000;
+
 // What comes at all comes much sooner; this is for machines that have other things to do.
 const Patience = 20000;
 
@@ -82,7 +85,7 @@ export function runStories() {
   const those = (alone) => stories.filter((found) => found.alone === alone);
   for (const [group, concurrency] of [['together', AtOnce], ['alone', 1]]) {
     describe(group, { concurrency }, () => {
-      for (const found of those(group === 'alone')) test(found.title, { skip: found.skip }, () => runStory(found));
+      for (const found of those(group === 'alone')) test(found.title, { skip: found.skip, timeout: HangsAfter }, () => runStory(found));
     });
   }
 }

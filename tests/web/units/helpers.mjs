@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import { components, isAtOrBelow, params, samePlace } from '../../../web/js/core/device.js';
-import { heading } from '../../../web/js/view/screen.js';
+import { heading } from '../../../web/js/view/hero.js';
 import { RowMetrics } from '../../../web/js/view/rowview.js';
 import { clock, duration, searchText } from '../../../web/js/model/rows.js';
 

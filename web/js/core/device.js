@@ -217,6 +217,14 @@ export class Emitter {
     return () => this.handlers.get(name).delete(handler);
   }
 
+  // The next time only.
+  once(name, handler) {
+    const end = this.on(name, (detail) => {
+      end();
+      handler(detail);
+    });
+  }
+
   emit(name, detail) {
     for (const handler of [...(this.handlers.get(name) ?? [])]) handler(detail);
   }

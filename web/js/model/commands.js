@@ -45,6 +45,11 @@ export class Commands {
     return { plid, path: plid === 0 ? queue : `${lists}/${plid}` };
   }
 
+  // The collection that a list shows, null for any other list.
+  collectionOf(listPath) {
+    return basePart(listPath) === this.paths.OrvoPlayListClGetItemsPath ? Number(params(listPath).clid) : null;
+  }
+
   // The list that a menu belongs to, null for any other menu.
   targetOfMenu(menuPath) {
     const base = basePart(menuPath);
@@ -55,6 +60,31 @@ export class Commands {
   // The playlist of a track's row, which the path of its menu names.
   targetOfTrack(row) {
     return this.listOf(Number(params(row.context.path).plid));
+  }
+
+  // What tells an entry for choosing a list from the others, whatever revision it carries.
+  keyOfChoice(row) {
+    const { action, plid, clid } = row.path ? params(row.path) : {};
+    return row.path ? `${basePart(row.path)} ${action} ${plid} ${clid}` : '';
+  }
+
+  isAppending(row) {
+    return basePart(row.path ?? '') === this.paths.OrvoPlayListPlSelectAddModePath && params(row.path).mode === String(AddMode.Append);
+  }
+
+  // An entry that makes a collection, which no track can be added to.
+  isForCollections(row) {
+    return params(row.path ?? '').action === 'createCl';
+  }
+
+  isRename(row) {
+    return params(row.path ?? '').action === 'rename';
+  }
+
+  // Where "Move track" finds its track now, null for any other entry.
+  placeToMove(row) {
+    const { action, from } = params(row.path ?? '');
+    return action === 'moveTr' ? Number(from) : null;
   }
 
   // The edit behind an entry of a menu: {kind, target, …}, null when it is none that is known here.
@@ -152,6 +182,12 @@ export class Commands {
       });
       from += portion.length;
     }
+  }
+
+  async isShuffled({ plid }) {
+    const { OrvoPlayListPqContextPath: queue, OrvoPlayListPlContextPath: lists } = this.paths;
+    const { rows } = await getRows(plid === 0 ? queue : `${lists}?plid=${plid}`, 0, AllRows, RowRoles);
+    return Boolean(rows.find((row) => row.path && params(row.path).action === 'shuffle')?.value?.bool);
   }
 
   // What a playlist is besides its tracks: {name, shuffle, repeat, collections: [{clid, title}]}.

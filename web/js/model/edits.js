@@ -220,6 +220,30 @@ export class Edits extends Emitter {
     });
   }
 
+  // Tracks go from one list to the end of another one; taken back, they stand where they stood.
+  moveToList(source, rows, into) {
+    return this.run(into, { locks: rows.map(trackKey), isPlain: true, send: () => twice(async () => {
+      const order = await Order.read(source.path);
+      const entries = order.find(rows.map((row) => ({ row })));
+      if (!entries.length) throw new Error(gone(rows.map((row) => ({ row }))));
+      const kept = await this.commands.prepare(entries.map(({ row }) => row.path));
+      const items = entries.map(({ row }) => kept.get(row.path)).filter(Boolean);
+      const around = neighboursOf(entries.map(({ index }) => index), order.size, (i) => order.rows[i]);
+      const removed = entries.map((entry, i) => ({ ...entry, item: kept.get(entry.row.path), ...around[i] }));
+      const before = await Order.read(into.path);
+      await this.commands.addBack(into.plid, items);
+      try {
+        await this.commands.removeItems(source.plid, entries.map(({ index }) => index), order.revision);
+      } catch (error) {
+        // Others were quicker: they must not stand in both lists.
+        await this.undo.takeOut(into, removed, before);
+        throw error;
+      }
+      const what = entries.length === 1 ? `“${entries[0].row.title}”` : plural(entries.length, 'track');
+      this.tell({ text: `${what} moved to “${into.title}”`, undo: this.undo.ofMoveToList(source, removed, into, before) });
+    }) });
+  }
+
   // Adding has no positions, and goes in its turn.
   add(target, paths, mode) {
     return this.inTurn(target, () => this.commands.addItems(target.plid, paths, mode));

@@ -1,7 +1,7 @@
 // What plays, as the device publishes it, and what can be asked of it.
 //
 // Emits: change (what: state, data, mode, position, duration, volume, stop or present) · failed (the text
-// of an error that has just come up).
+// of an error that has just come up) · mode (the device says which mode it has).
 
 import { Emitter, getValue, samePlace, sendData } from '../core/device.js';
 
@@ -16,6 +16,7 @@ export class Player extends Emitter {
     super();
     this.paths = paths;
     this.present = false;
+    this.online = true;
     this.state = 'stopped';
     this.data = {};
     this.mode = 0;
@@ -32,6 +33,13 @@ export class Player extends Emitter {
       [paths.OrvoPlayerResumePointPath, 'stop', (value) => (this.lastStop = value ?? {})],
       [paths.OrvoPlayerPositionPath, 'position', (value) => this.setAnchor(bare(value) ?? 0)],
     ].filter(([path]) => path);
+  }
+
+  // Nothing is known of what plays while there is no connection: the clock rests.
+  setOnline(online) {
+    if (!online) this.setAnchor(this.position);
+    this.online = online;
+    this.emit('change', 'present');
   }
 
   setAnchor(position) {
@@ -58,8 +66,13 @@ export class Player extends Emitter {
       const before = this.error;
       take(event.value);
       this.emit('change', what);
+      if (what === 'mode') this.emit('mode');
       if (this.error && this.error !== before) this.emit('failed', this.error);
     }
+  }
+
+  get isUsable() {
+    return this.present && this.online;
   }
 
   get isPlaying() {
@@ -89,7 +102,7 @@ export class Player extends Emitter {
   }
 
   get position() {
-    const gone = this.isPlaying ? performance.now() - this.anchor.at : 0;
+    const gone = this.isPlaying && this.online ? performance.now() - this.anchor.at : 0;
     const position = this.anchor.position + gone;
     return this.duration > 0 ? Math.min(position, this.duration) : position;
   }

@@ -124,23 +124,39 @@ export class Undo {
     return async () => [`“${list.name}” is back.`, ...await this.makeAgain(list, items)].join(' ');
   }
 
+  // The tracks that came to a list leave it; gives how many of them had left already. `before`: the list as it was then.
+  takeOut(into, moved, before) {
+    return twice(async () => {
+      const order = await Order.read(into.path);
+      const titles = new Map();
+      for (const { row } of moved) titles.set(row.title, (titles.get(row.title) ?? 0) + 1);
+      const came = order.rows.map((row, index) => ({ row, index })).filter(({ row }) => {
+        const open = before.indexOf(trackKey(row)) < 0 && titles.get(row.title);
+        if (open) titles.set(row.title, open - 1);
+        return open;
+      });
+      if (came.length) await this.commands.removeItems(into.plid, came.map(({ index }) => index), order.revision);
+      return moved.length - came.length;
+    });
+  }
+
+  // First they stand in their list again, then they leave the other one: none is lost on the way.
+  ofMoveToList(source, removed, into, before) {
+    const putBack = this.ofRemoval(source, removed);
+    return async () => {
+      const said = [await putBack()];
+      const left = await this.edits.run(into, { isPlain: true, send: () => this.takeOut(into, removed, before) });
+      if (left) said.push(`${Elsewhere} ${plural(left, 'track')} had left “${into.title}” already.`);
+      return said.join(' ');
+    };
+  }
+
   // First the source is made again, then its tracks leave the list that they came to: none is lost on the way.
   // `list`: what the source was, null for the play queue, which keeps its tracks.
   ofMerge(list, moved, into, before) {
     return () => this.edits.run(into, { isPlain: true, send: async () => {
       const missing = list ? await this.makeAgain(list, moved) : [];
-      const left = await twice(async () => {
-        const order = await Order.read(into.path);
-        const titles = new Map();
-        for (const { row } of moved) titles.set(row.title, (titles.get(row.title) ?? 0) + 1);
-        const came = order.rows.map((row, index) => ({ row, index })).filter(({ row }) => {
-          const open = before.indexOf(trackKey(row)) < 0 && titles.get(row.title);
-          if (open) titles.set(row.title, open - 1);
-          return open;
-        });
-        if (came.length) await this.commands.removeItems(into.plid, came.map(({ index }) => index), order.revision);
-        return moved.length - came.length;
-      });
+      const left = await this.takeOut(into, moved, before);
       if (left) missing.push(`${Elsewhere} ${plural(left, 'track')} had left “${into.title}” already.`);
       return [list ? `“${list.name}” is back.` : `${plural(moved.length - left, 'track')} left “${into.title}”.`, ...missing].join(' ');
     } });

@@ -45,6 +45,8 @@ export class AddMenu {
     const { menu, commands } = this.app;
     return {
       path,
+      offers: (row) => !commands.isForCollections(row),
+      onMade: (row) => this.add({ ...commands.targetOf(row.path), title: row.title }, AddMode.Append),
       pick: (row) => {
         const target = commands.targetOf(row.path);
         menu.push(target ? this.modePage({ ...target, title: row.title }) : this.targetPage(row.path));

@@ -69,6 +69,8 @@ const Shapes = {
   trash: S('M4.500 7h15M9.500 7V4.500h5V7M6.500 7l.8 12.500h9.400L17.500 7M10.300 10.500v5.500M13.700 10.500v5.500'),
   help: S('M9 9.200a3 3 0 1 1 4.300 2.700c-.8.5-1.300 1-1.300 2.100M12 17.300v.2'),
   cloudOff: S('M4 4l16 16M8.500 8.600A5.500 5.500 0 0 1 17.200 11h.3a3.500 3.500 0 0 1 2.300 6.100M6.200 10.500A4.300 4.300 0 0 0 7 18.500h8.500'),
+  moon: S('M19.500 14.500A8 8 0 0 1 9.500 4.500a8 8 0 1 0 10 10z'),
+  settings: S('M4 7h9M17 7h3M15 5v4M4 12h3M11 12h9M9 10v4M4 17h9M17 17h3M15 15v4'),
   clock: S('M12 4a8 8 0 1 1 0 16 8 8 0 0 1 0-16zM12 8v4.300l2.800 1.700'),
 };
 
@@ -152,7 +154,7 @@ const SpokenMs = 4000;
 
 // Inside the dialog that is open: what lies outside it can be neither read nor pressed.
 function bring(element) {
-  const home = [...document.querySelectorAll('dialog[open]')].at(-1) ?? document.getElementById('foot');
+  const home = openDialog() ?? document.getElementById('foot');
   if (element.parentElement !== home) home.append(element);
 }
 
@@ -193,11 +195,23 @@ function toast(kind, text, ms) {
 
 export const tell = (text) => toast('info', text, ShowMs);
 
-// What went wrong in the device's own words. A lost connection has its banner already.
+// What went wrong, in the device's own words.
 export function tellError(error) {
-  if (error?.isOffline) return;
   toast('error', error?.message || 'Something went wrong.', ShowErrorMs);
 }
+
+// Of what the page asked for by itself: a lost connection has its banner already.
+export function tellUnlessOffline(error) {
+  if (!error.isOffline) tellError(error);
+}
+
+// Every dialog is shown by this, so that the address can keep an entry of the history for it.
+export function showDialog(dialog) {
+  dialog.showModal();
+  document.dispatchEvent(new Event('dialogshown'));
+}
+
+export const openDialog = () => [...document.querySelectorAll('dialog[open]')].at(-1) ?? null;
 
 // Runs what the user asked for; what takes longer than a moment shows that it works.
 const BusyAfterMs = 150;

@@ -3,12 +3,40 @@
 // from.
 
 import { samePlace } from '../core/device.js';
-import { isBlank, isGrave } from '../model/commands.js';
-import { ListStore, RowType, isCreate, isSwitch, isUsable } from '../model/rows.js';
-import { Artwork, attempt, busy, clamp, el, icon, setAttribute } from './dom.js';
+import { isGrave } from '../model/commands.js';
+import { ListStore, RowType, allRows, isCreate, isSwitch, isUsable } from '../model/rows.js';
+import { Artwork, attempt, busy, clamp, el, icon, setAttribute, showDialog, tell } from './dom.js';
 
 const AllRows = 1000000;
 const Gap = 8;
+
+const isText = (row) => row.type === RowType.Editable && !isSwitch(row);
+
+// The kinds of published rows as entries, the first that fits: what it looks like, and what a press does.
+const Kinds = [
+  { is: (row) => row.type === RowType.Separator, look: () => ({ isLine: true }) },
+  { is: (row) => row.type === RowType.Header, look: () => ({ isHeading: true }) },
+  { is: (row) => row.type === RowType.Container, look: () => ({ opens: true }), run: (menu, row, page) => menu.openList(row, page) },
+  { is: isCreate, look: () => ({ icon: 'plus' }), run: (menu, row, page, button) => menu.enter(row, page, button) },
+  { is: isText, look: (row, { menuEdits }) => ({ detail: menuEdits.detailOf(row) }), run: (menu, row, page, button) => menu.enter(row, page, button) },
+  { is: isSwitch, look: (row) => ({ isOn: () => row.value.bool }), run: (menu, row, page, button) => menu.act(row, page, button) },
+  { is: () => true, run: (menu, row, page, button) => menu.act(row, page, button) },
+];
+
+// The element of an entry: {title, icon, detail, opens, isOn, isGrave, isUsable, isLine, isHeading, run(button)}.
+function entryOf({ title, icon: name, detail, opens, isOn, isGrave: grave, isUsable: usable = true, isLine, isHeading, run }) {
+  if (isLine) return el('hr.menu-line');
+  if (isHeading) return el('h3.menu-heading', {}, title);
+  const button = el(`button.menu-entry${grave ? '.grave' : ''}`, { type: 'button', disabled: !usable, onclick: () => run(button) },
+    name ? icon(name) : null, el('span.menu-text', { dir: 'auto' }, title),
+    detail ? el('span.menu-detail', { dir: 'auto' }, detail) : null, opens ? icon('forward') : null);
+  if (isOn) {
+    button.setAttribute('role', 'switch');
+    button.setAttribute('aria-checked', String(isOn()));
+    button.append(el('span.switch-face', { 'aria-hidden': 'true' }));
+  }
+  return button;
+}
 
 // The second of two presses finds the menu gone: it is none on what stands there instead.
 const SecondPressMs = 400;
@@ -92,7 +120,7 @@ export class Menu {
       return;
     }
     page.title = answer.title;
-    page.rows = answer.rows.filter((row) => this.app.commands.isOffered(row));
+    page.rows = answer.rows.filter((row) => this.app.commands.isOffered(row) && (page.offers?.(row) ?? true));
     this.show(page);
   }
 
@@ -101,7 +129,7 @@ export class Menu {
     const content = page.field ? this.fieldContent(page) : this.listContent(page);
     this.page.replaceChildren(this.header(page), content);
     this.dialog.setAttribute('aria-label', page.title ?? '');
-    if (!this.isOpen) this.dialog.showModal();
+    if (!this.isOpen) showDialog(this.dialog);
     this.position();
     const entries = this.entries();
     const input = this.page.querySelector('input');
@@ -121,101 +149,111 @@ export class Menu {
       : artwork.element;
     const title = this.head?.title ?? page.title ?? '';
     return el('header.sheet-head', {}, back,
-      el('div.sheet-texts', {}, el('h2.sheet-title', {}, title),
-        page.title && page.title !== title ? el('p.sheet-subtitle', {}, page.title) : null),
+      el('div.sheet-texts', {}, el('h2.sheet-title', { dir: 'auto' }, title),
+        page.title && page.title !== title ? el('p.sheet-subtitle', { dir: 'auto' }, page.title) : null),
       el('button.icon-button', { type: 'button', 'aria-label': 'Close', onclick: () => this.close() }, icon('close')));
   }
 
   listContent(page) {
     const content = el('div.menu-entries');
-    const rows = page.items ?? page.rows;
-    for (const row of rows) content.append(page.items ? this.ownEntry(row) : this.entry(row, page));
-    const extras = page.items ? [] : this.app.menuEdits.extrasOf(page.path).map((extra) => this.ownEntry(extra));
+    const items = page.items ?? page.rows.map((row) => this.itemOf(row, page));
+    content.append(...items.map((item) => entryOf(item)));
+    const extras = page.items ? [] : this.app.menuEdits.extrasOf(page.path, this.head?.row).map((extra) => entryOf(extra));
     const line = content.querySelector('.menu-line');
     if (line) line.before(...extras);
     else content.append(...extras);
     const isTrack = this.head?.row?.type === RowType.Audio;
-    if (!rows.length) content.append(el('p.menu-empty', {}, isTrack ? 'This track is gone already.' : 'Nothing to choose here.'));
+    if (!items.length) content.replaceChildren(el('p.menu-empty', {}, isTrack ? 'This track is gone already.' : 'Nothing to choose here.'));
     return content;
   }
 
-  ownEntry({ title, icon: name, run, opens, isOn }) {
-    const button = el('button.menu-entry', { type: 'button', onclick: run }, name ? icon(name) : null, el('span.menu-text', {}, title),
-      opens ? icon('forward') : null);
-    if (isOn) this.makeSwitch(button, isOn());
-    return button;
+  // A published row as an entry: how it looks and what it does.
+  itemOf(row, page) {
+    const { look, run } = Kinds.find(({ is }) => is(row));
+    return {
+      title: row.title ?? '',
+      isUsable: isUsable(row) && row.type !== RowType.Audio,
+      isGrave: isGrave(row),
+      ...look?.(row, this.app),
+      run: (button) => run(this, row, page, button),
+    };
   }
 
-  makeSwitch(button, isOn) {
-    button.setAttribute('role', 'switch');
-    button.setAttribute('aria-checked', String(isOn));
-    button.append(el('span.switch-face', { 'aria-hidden': 'true' }));
-  }
-
-  entry(row, page) {
-    if (row.type === RowType.Separator) return el('hr.menu-line');
-    if (row.type === RowType.Header) return el('h3.menu-heading', {}, row.title ?? '');
-    const button = el('button.menu-entry', { type: 'button', disabled: !isUsable(row) || row.type === RowType.Audio },
-      el('span.menu-text', {}, row.title ?? ''));
-    button.addEventListener('click', () => this.choose(row, page, button));
-    if (isSwitch(row)) {
-      this.makeSwitch(button, row.value.bool);
-    } else if (isCreate(row)) {
-      button.prepend(icon('plus'));
-    } else if (row.type === RowType.Editable) {
-      button.append(el('span.menu-detail', {}, row.value?.string ?? ''));
-    } else if (row.type === RowType.Container) {
-      button.append(icon('forward'));
+  openList(row, page) {
+    if (page.pick) page.pick(row);
+    else if (row.containerType) this.push({ path: row.path });
+    else {
+      this.close();
+      this.app.openList(row);
     }
-    if (isGrave(row)) button.classList.add('grave');
-    return button;
   }
 
-  async choose(row, page, button) {
-    if (row.type === RowType.Container) {
-      if (page.pick) page.pick(row);
-      else if (row.containerType) this.push({ path: row.path });
-      else {
-        this.close();
-        this.app.openList(row);
-      }
-    } else if (row.type === RowType.Editable && !isSwitch(row)) {
-      this.push({ title: row.title, field: row });
-    } else if (isGrave(row) && !this.app.menuEdits.of(row)) {
+  async enter(row, page, button) {
+    const form = await attempt(this.app.menuEdits.formOf(row), button);
+    if (form) this.push({ title: row.title, field: row, form, within: page });
+  }
+
+  async act(row, page, button) {
+    if (isGrave(row) && !this.app.menuEdits.of(row)) {
       const { title } = this.head;
       this.close();
       this.app.askFor(row, title);
-    } else {
-      await attempt(this.app.carryOut(row), button);
-    }
+    } else await attempt(this.app.carryOut(row), button);
   }
 
-  // A text to be entered or changed.
+  // A text to be entered or changed. form: {value, label, hint, inputmode, read(text)}.
   fieldContent(page) {
-    const row = page.field;
-    const input = el('input', { type: 'text', value: row.value?.string ?? '', 'aria-label': row.title, autocomplete: 'off', enterkeyhint: 'done', maxlength: '500' });
+    const { field: row, form } = page;
+    const input = el('input', { type: 'text', value: form.value, 'aria-label': form.label, inputmode: form.inputmode, autocomplete: 'off', enterkeyhint: 'done', maxlength: '500' });
     const save = el('button.pill.primary', { type: 'submit' }, isCreate(row) ? 'Create' : 'Save');
     const problem = el('p.field-problem', { id: 'field-problem', role: 'alert' });
     const send = async (event) => {
       event.preventDefault();
       try {
-        if (isBlank(input.value) && !this.app.menuEdits.of(row)) throw new Error('A name needs something that can be seen.');
-        const done = this.app.carryOut(row, { string: input.value }, { openMade: page.openMade });
+        const known = isCreate(row) && page.within ? await this.keysOf(page.within) : null;
+        const done = this.app.carryOut(row, { string: form.read(input.value) }, { openMade: page.openMade });
         if (!done) return;
         await busy(done, save);
+        // The head names what the menu belongs to, under its new name now.
+        if (this.head && this.head.title === row.value?.string) this.head.title = input.value;
+        if (this.pages.at(-1) !== page) return;
+        this.back();
+        if (known) await this.goOnWithMade(page.within, known);
       } catch (error) {
         problem.replaceChildren(error.message); // another text, even an equal one, is read out
         setAttribute(input, 'aria-invalid', 'true');
         setAttribute(input, 'aria-describedby', problem.id);
         input.select();
-        return;
       }
-      // The head names what the menu belongs to, under its new name now.
-      if (this.head && this.head.title === row.value?.string) this.head.title = input.value;
-      if (this.pages.at(-1) === page) this.back();
     };
-    return el('form.field', { onsubmit: send }, input, problem, el('div.field-buttons', {},
-      el('button.pill', { type: 'button', onclick: () => this.back() }, 'Cancel'), save));
+    return el('form.field', { onsubmit: send, novalidate: true }, form.hint ? el('p.field-hint', {}, form.hint) : null, input, problem,
+      el('div.field-buttons', {}, el('button.pill', { type: 'button', onclick: () => this.back() }, 'Cancel'), save));
+  }
+
+  async keysOf(page) {
+    const { rows } = await page.store.read(page.path, 0, AllRows);
+    return new Map(rows.map((row) => [this.app.commands.keyOfChoice(row), row]));
+  }
+
+  // What was made while choosing is chosen.
+  async goOnWithMade(page, known) {
+    for (const [key, row] of await this.keysOf(page)) {
+      if (known.has(key) || !isUsable(row)) continue;
+      if (page.onMade) page.onMade(row);
+      else await this.chooseMade(row);
+      return;
+    }
+  }
+
+  // Tracks go to its end.
+  async chooseMade(row) {
+    const { head } = this;
+    const action = row.type === RowType.Action ? row
+      : (await allRows(row.path)).find((one) => this.app.commands.isAppending(one));
+    if (!action || !await attempt(this.app.carryOut(action).then(() => true), this.dialog)) return;
+    if (!this.isOpen || this.head !== head) return; // it asks first
+    this.close();
+    tell(`“${head.title}” added to “${row.title}”.`);
   }
 
   // Beside what it belongs to, inside the window. A phone's sheet ignores it.

@@ -1,7 +1,8 @@
 // What entries of menus do to playlists. Their edits go through the queue of the list, are asked about where they change
 // much, and can be taken back; everything else is the device's own.
 
-import { plural } from '../model/rows.js';
+import { isBlank } from '../model/commands.js';
+import { RowType, plural } from '../model/rows.js';
 import { SortFields } from '../model/sorting.js';
 import { attempt, tell } from './dom.js';
 
@@ -17,6 +18,34 @@ export class MenuEdits {
   of(row) {
     const edit = this.app.commands.editOf(row);
     return edit && ((value) => this[edit.kind](edit, row, value));
+  }
+
+  // How a text is entered: {value, label, hint, inputmode, read(text)}; `read` refuses what cannot be meant.
+  async formOf(row) {
+    const from = this.app.commands.placeToMove(row);
+    if (from === null) {
+      const isOwn = Boolean(this.of(row));
+      const read = (text) => {
+        if (isBlank(text) && !isOwn) throw new Error('A name needs something that can be seen.');
+        return text;
+      };
+      return { value: row.value?.string ?? '', label: row.title, read };
+    }
+    const { target } = this.app.commands.editOf(row);
+    const { count } = await this.edits.lookAt(target);
+    const places = `1 to ${count}`;
+    const read = (text) => {
+      const place = /^\s*\d+\s*$/.test(text) ? Number(text) : 0;
+      if (place < 1 || place > count) throw new Error(`Enter a number from ${places}.`);
+      return String(place - 1);
+    };
+    return { value: String(from + 1), label: `New position, ${places}`, hint: `New position, ${places}`, inputmode: 'numeric', read };
+  }
+
+  // The page counts from 1 everywhere.
+  detailOf(row) {
+    const from = this.app.commands.placeToMove(row);
+    return from === null ? row.value?.string ?? '' : `Position ${from + 1}`;
   }
 
   // Where the list is on screen it is shown at once, as if the keys had done it.
@@ -98,15 +127,35 @@ export class MenuEdits {
     this.app.ask(what, () => attempt(run(), null));
   }
 
-  // What the page adds to the menu of a list.
-  extrasOf(path) {
-    const target = this.app.commands.targetOfMenu(path);
+  // What the page adds to the menu of a list, or of a track.
+  extrasOf(path, row) {
+    const { menu, commands } = this.app;
+    if (row?.type === RowType.Audio && menu.pages.length === 1) {
+      const source = commands.targetOfTrack(row);
+      return [{ title: 'Move to …', opens: true, run: () => menu.push(this.moveToPage(source, [row])) }];
+    }
+    const target = commands.targetOfMenu(path);
     if (!target) return [];
     return [
       ...(this.app.commands.canArrange
         ? [{ title: 'Sort by …', opens: true, run: () => this.app.menu.push(this.sortPage(target)) }] : []),
       { title: 'Remove duplicates', run: () => this.removeDuplicates(target) },
     ];
+  }
+
+  // The lists that tracks of another one can be moved to.
+  moveToPage(source, rows, path = this.app.paths.OrvoPlayListsRootPath) {
+    const { menu, commands } = this.app;
+    const moveTo = (row) => {
+      menu.close();
+      attempt(this.edits.moveToList(source, rows, { ...commands.targetOf(row.path), title: row.title }), null);
+    };
+    return {
+      path,
+      offers: (row) => row.path !== source.path && !commands.isForCollections(row),
+      pick: (row) => (commands.targetOf(row.path) ? moveTo(row) : menu.push(this.moveToPage(source, rows, row.path))),
+      onMade: moveTo,
+    };
   }
 
   sortPage(target, reverse = false) {

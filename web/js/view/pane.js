@@ -1,7 +1,7 @@
 // A place on the page that shows one list at a time and the way back: a stack of screens; and the
 // address, which says what all of them show.
 
-import { tell, tellError } from './dom.js';
+import { openDialog, tell, tellUnlessOffline } from './dom.js';
 import { Screen } from './screen.js';
 
 export class Pane {
@@ -85,7 +85,7 @@ export class Pane {
     if (this.top) this.top.show();
     else this.app.onPaneEmpty(this);
     this.app.remember();
-    if (error) tellError(error);
+    if (error) tellUnlessOffline(error);
     else if (wasShown && !this.app.edits?.ending.has(screen.path)) tell(`“${wasShown}” is gone.`); // else it is told there
   }
 
@@ -117,10 +117,46 @@ export class Pane {
 
 const Places = ['nav', 'main', 'side'];
 
+//
+// A dialog that opens has an entry of the history of its own, which "back" takes away together with the dialog. A dialog
+// that was closed otherwise leaves its entry to the next dialog or place; "back" passes over it.
+
 export class Address {
   constructor(app) {
     this.app = app;
-    window.addEventListener('popstate', () => this.apply());
+    this.entry = history.state ?? { index: 0 };
+    window.addEventListener('popstate', () => this.onPop());
+    document.addEventListener('dialogshown', () => this.ofDialog() || this.push({ isDialog: true }));
+  }
+
+  ofDialog() {
+    return Boolean(this.entry.isDialog);
+  }
+
+  push(what, text = location.hash) {
+    this.entry = { ...what, index: this.entry.index + 1 };
+    history.pushState(this.entry, '', text || location.pathname);
+  }
+
+  replace(text) {
+    this.entry = { index: this.entry.index };
+    history.replaceState(this.entry, '', text);
+  }
+
+  onPop() {
+    const from = this.entry;
+    this.entry = history.state ?? { index: 0 };
+    const dialog = openDialog();
+    if (dialog) this.closeDialog(dialog);
+    else if (from.isDialog && this.entry.index < from.index) history.back();
+    else this.apply();
+  }
+
+  // As by Escape: a menu goes back a page.
+  closeDialog(dialog) {
+    if (dialog.dispatchEvent(new Event('cancel', { cancelable: true }))) dialog.close();
+    if (openDialog()) this.push({ isDialog: true });
+    if (this.text() !== location.hash) this.apply();
   }
 
   read() {
@@ -145,7 +181,9 @@ export class Address {
 
   write() {
     const text = this.text();
-    if (text !== location.hash) history.pushState(null, '', text);
+    if (text === location.hash) return;
+    if (this.ofDialog()) this.replace(text);
+    else this.push({}, text);
   }
 
   apply(sideOpenFirst = false) {
@@ -157,6 +195,6 @@ export class Address {
     document.body.classList.toggle('side-open', place ? sideOpen : sideOpenFirst && app.hasMusic);
     if (!app.main.top && !app.isNarrow && app.nav.top.store.isLoaded) app.openFirst();
     app.setPlace(place ?? (app.main.top ? 'main' : 'nav'));
-    if (!place) history.replaceState(null, '', this.text());
+    if (!place) this.replace(this.text());
   }
 }

@@ -2,7 +2,7 @@
 
 import { artworkUrl } from '../core/device.js';
 import { metaData } from '../model/rows.js';
-import { Artwork, el, icon, setText } from './dom.js';
+import { Artwork, el, icon, setText, showDialog } from './dom.js';
 import { Transport } from './transport.js';
 
 const ClockMs = 250;
@@ -21,12 +21,13 @@ export class PlayerBar {
   constructor(element, player, { upNext, onJump }) {
     Object.assign(this, { element, player, upNext });
     this.artwork = new Artwork('div.art');
-    this.title = el('span.now-title');
-    this.line = el('span.now-line');
+    this.title = el('span.now-title', { dir: 'auto' });
+    this.line = el('span.now-line', { dir: 'auto' });
     this.transport = new Transport(player);
     this.large = new LargeView(player, { upNext, onJump });
-    this.open = el('button.now', { type: 'button', 'aria-label': 'Show what plays', onclick: () => this.large.show() },
-      this.artwork.element, el('span.now-texts', {}, this.title, this.line));
+    this.lead = el('span.unseen');
+    this.open = el('button.now', { type: 'button', onclick: () => this.large.show() },
+      this.artwork.element, el('span.now-texts', {}, this.lead, this.title, this.line));
     this.jump = el('button.icon-button', { type: 'button', 'aria-label': 'Jump to the current track', title: 'Jump to the current track', onclick: onJump }, icon('target'));
     this.coming = upNextButton('icon-button', upNext, (list) => element.append(list));
     element.append(this.open, el('div.controls', {}, this.transport.buttons, this.transport.seek),
@@ -48,11 +49,11 @@ export class PlayerBar {
     this.jump.disabled = !player.track || !player.container?.path;
     this.coming.disabled = !player.isActive;
     if (!player.isActive) this.upNext.hide();
-    this.open.setAttribute('aria-label', player.track ? `Now playing: ${title}, ${line}` : title);
+    setText(this.lead, player.track ? 'Now playing: ' : '');
   }
 
   tick() {
-    if (document.hidden || !this.player.isPlaying) return;
+    if (document.hidden || !this.player.isPlaying || !this.player.online) return;
     this.transport.showClock();
     if (this.large.dialog.open) this.large.transport.showClock();
   }
@@ -82,9 +83,9 @@ class LargeView {
     Object.assign(this, { player, upNext });
     this.artwork = new Artwork('div.art.huge');
     this.glow = new Artwork('div.art.glow');
-    this.title = el('h2.large-title');
-    this.line = el('p.large-line');
-    this.album = el('p.large-album');
+    this.title = el('h2.large-title', { dir: 'auto' });
+    this.line = el('p.large-line', { dir: 'auto' });
+    this.album = el('p.large-album', { dir: 'auto' });
     this.transport = new Transport(player);
     const close = el('button.icon-button', { type: 'button', 'aria-label': 'Close', onclick: () => this.dialog.close() }, icon('down'));
     const jump = el('button.pill', { type: 'button', onclick: () => { this.dialog.close(); onJump(); } }, icon('target'), 'Show in its list');
@@ -103,7 +104,7 @@ class LargeView {
   show() {
     this.upNext.hide();
     this.refresh(true);
-    this.dialog.showModal();
+    showDialog(this.dialog);
   }
 
   refresh(force = false) {

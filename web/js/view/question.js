@@ -1,7 +1,7 @@
 // Asks before much is changed, by a dialog of its own: what answers it stands elsewhere than what led to it, and neither
 // a second press nor the key that opened it is an answer.
 
-import { el } from './dom.js';
+import { el, showDialog } from './dom.js';
 
 const SecondPressMs = 400;
 
@@ -18,7 +18,7 @@ export function ask({ title, text, button }, run) {
     el('div.field-buttons', {}, cancel, act));
   dialog.addEventListener('close', () => dialog.remove());
   document.body.append(dialog);
-  dialog.showModal();
+  showDialog(dialog);
   cancel.focus();
   setTimeout(() => (act.disabled = false), SecondPressMs);
 }

@@ -25,10 +25,10 @@ function symbolOf(row) {
 export class RowView {
   constructor() {
     this.artwork = new Artwork();
-    this.title = el('span.row-title');
+    this.title = el('span.row-title', { dir: 'auto' });
     this.artist = el('span.row-artist');
     this.album = el('span.row-album');
-    this.subtitle = el('span.row-subtitle', {}, this.artist, this.album);
+    this.subtitle = el('span.row-subtitle', { dir: 'auto' }, this.artist, this.album);
     this.detail = el('span.row-detail');
     this.moreIcon = icon('more');
     this.more = el('button.icon-button.row-more', { type: 'button', tabindex: '-1', 'data-role': 'more' }, this.moreIcon);
@@ -67,7 +67,15 @@ export class RowView {
 
   // A mouse is above it.
   meet() {
-    this.playOffer ??= this.artwork.element.appendChild(el('span.art-play', {}, icon('play')));
+    if (!this.playOffer) {
+      this.playIcon = icon('play');
+      this.playOffer = this.artwork.element.appendChild(el('span.art-play', {}, this.playIcon));
+    }
+    this.showOffer();
+  }
+
+  showOffer() {
+    if (this.playOffer) setIcon(this.playIcon, this.plays ? 'pause' : 'play');
   }
 
   // Out of the way, until another row needs it.
@@ -107,6 +115,8 @@ export class RowView {
     setAttribute(this.element, 'aria-selected', row && look.selectable ? String(Boolean(look.selected)) : null);
     setAttribute(this.element, 'aria-current', look.opened ? 'page' : look.current ? 'true' : null);
     this.row = row;
+    this.plays = Boolean(look.current && look.playing);
+    this.showOffer();
     if (look.current) this.needBars();
     if (look.selecting) this.needMarks();
     if (!row) {

@@ -1,10 +1,11 @@
 // One list, as people see it: its head, its rows, finding, choosing and reordering. Made by a pane,
 // which owns it.
 
-import { RowRoles, artworkUrl } from '../core/device.js';
+import { RowRoles } from '../core/device.js';
 import { isGrave } from '../model/commands.js';
-import { ListStore, RowType, isMenu, isSwitch, isUsable, metaData, plural, position } from '../model/rows.js';
-import { Artwork, attempt, busy, el, icon, setText, tellError } from './dom.js';
+import { ListStore, RowType, isMenu, isSwitch, isUsable, metaData, position } from '../model/rows.js';
+import { attempt, busy, el, icon, setText, tellUnlessOffline } from './dom.js';
+import { Hero, amount, heading, ownPictures } from './hero.js';
 import { ListView } from './listview.js';
 
 const HeadAgainMs = 250;
@@ -43,6 +44,7 @@ export class Screen {
       label: this.row?.title ?? 'List',
       look: {
         selectable: pane.kind !== 'nav',
+        letterKeys: () => app.settings.letterKeys,
         current: (row) => app.isCurrent(row),
         opened: (row) => pane.kind === 'nav' && app.main.stack[0]?.path === row.path,
         playing: () => app.player.isPlaying,
@@ -52,13 +54,16 @@ export class Screen {
     });
     this.hero = new Hero({
       level: pane.kind === 'main' ? 'h1' : 'h2',
-      onPlay: () => this.playFrom(null, 0),
-      onContinue: (anchor) => attempt(this.goOn(), anchor),
-      onAdd: (anchor) => this.addRows([{ ...this.store.roles, path: this.path, title: this.title }], anchor),
-      onMusic: () => app.showSide(true),
+      on: {
+        play: (anchor) => attempt(this.playOrPause(), anchor),
+        goOn: (anchor) => attempt(this.goOn(), anchor),
+        add: (anchor) => this.addRows([{ ...this.store.roles, path: this.path, title: this.title }], anchor),
+        music: () => app.showSide(true),
+        lists: (anchor) => app.openCollectMenu(this, anchor),
+      },
     });
     this.bar = this.buildBar();
-    this.empty = el('div.empty', { hidden: true }, icon('note'), el('p', {}, 'Nothing here yet.'));
+    this.empty = el('div.empty', { hidden: true }, icon('note'), el('p'));
     this.scroller.append(this.bar, this.hero.element, this.list.body, this.empty);
     this.element = el('section.screen', { 'data-kind': pane.kind }, this.scroller);
     app.parts.then(({ Editing }) => (this.editing = new Editing(this)));
@@ -69,7 +74,7 @@ export class Screen {
       el('button.icon-button', { type: 'button', 'aria-label': label, title: label, onclick: run }, icon(name));
     const { pane } = this;
     this.backButton = button('back', 'Back', () => pane.back());
-    this.barTitle = el('span.bar-title', { 'aria-hidden': 'true' });
+    this.barTitle = el('span.bar-title', { 'aria-hidden': 'true', dir: 'auto' });
     this.menuButton = button('more', 'Menu of this list', () => this.openOwnMenu());
     this.selectButton = button('select', 'Choose several', () => this.list.selection.setMode(true));
     this.plainBar = el('div.bar-tools', {}, this.backButton, this.barTitle,
@@ -80,9 +85,10 @@ export class Screen {
     this.chosenCount = el('span.bar-title.shown', { role: 'status' });
     this.removeButton = el('button.pill.small', { type: 'button', 'aria-label': 'Remove', hidden: !this.target, onclick: () => this.editing?.removeChosen() }, icon('trash'), el('span', {}, 'Remove'));
     this.addButton = el('button.pill.small', { type: 'button', 'aria-label': 'Add to…', onclick: (event) => this.addChosen(event.currentTarget) }, icon('plus'), el('span', {}, 'Add to…'));
+    this.moveButton = el('button.pill.small', { type: 'button', 'aria-label': 'Move to…', hidden: !this.target, onclick: (event) => this.moveChosen(event.currentTarget) }, icon('forward'), el('span', {}, 'Move to…'));
     this.chooseBar = el('div.bar-tools', { hidden: true },
       button('close', 'End choosing', () => this.list.selection.clear()), this.chosenCount,
-      this.addButton, this.removeButton);
+      this.addButton, this.moveButton, this.removeButton);
     // The second click on what is gone by now is none on what stands there instead.
     for (const tools of [this.plainBar, this.chooseBar]) {
       tools.addEventListener('click', (event) => event.detail > 1 && event.stopPropagation(), { capture: true });
@@ -103,6 +109,7 @@ export class Screen {
     list.selection.on('change', () => this.showBar());
     list.on('open', (what) => this.open(what));
     list.on('menu', ({ row, index, anchor }) => this.openMenu(row, index, anchor));
+    list.on('rename', ({ row, anchor }) => app.rename(row, anchor));
     list.on('back', () => this.pane.back());
     list.on('selectAll', () => attempt(list.selection.all(), this.element));
     this.scroller.addEventListener('scroll', () => this.showBarTitle(), { passive: true });
@@ -163,10 +170,15 @@ export class Screen {
       title,
       meta: pane.kind === 'nav' ? '' : amount(store),
       urls: this.pictures(),
-      canPlay,
-      canContinue: canPlay && this.isLeftInside(),
-      canAdd: pane.kind === 'side' && pane.depth > 1 && store.count > 0,
-      canFill: Boolean(this.target) && app.hasMusic,
+      can: {
+        play: canPlay,
+        goOn: canPlay && this.isLeftInside(),
+        add: pane.kind === 'side' && pane.depth > 1 && store.count > 0,
+        music: Boolean(this.target) && app.hasMusic,
+        lists: pane.kind === 'main' && app.commands.collectionOf(this.path) !== null,
+      },
+      isPlaying: this.plays && app.player.isPlaying,
+      isLive: app.player.online,
     });
     setText(this.barTitle, title);
     this.list.body.setAttribute('aria-label', title);
@@ -175,17 +187,25 @@ export class Screen {
     this.backButton.hidden = !pane.canGoBack;
     this.menuButton.hidden = !this.row?.context?.path;
     this.selectButton.hidden = !(store.count > 0);
-    this.empty.hidden = store.count !== 0;
+    this.showEmpty();
     if (this.isTop) app.onHead(this);
+  }
+
+  // What there is to do about it.
+  async showEmpty() {
+    this.empty.hidden = this.store.count !== 0;
+    if (!this.empty.hidden) setText(this.empty.lastChild, await this.app.parts.then(({ emptyText }) => emptyText(this.app, this)));
   }
 
   // Where it was left can be read when it plays no more.
   followPlaying() {
     const plays = this.app.isCurrent({ type: RowType.Container, path: this.path });
-    if (plays === this.plays) return;
-    this.plays = plays;
-    this.showHead();
-    if (!plays && this.target) this.headSoon();
+    const stopped = this.plays && !plays;
+    if (plays || stopped) {
+      this.plays = plays;
+      this.showHead();
+    }
+    if (stopped && this.target) this.headSoon();
   }
 
   // It was left neither in its first track nor by playing to its end, and can be gone on with.
@@ -223,7 +243,7 @@ export class Screen {
     this.chooseBar.hidden = !choosing || finding;
     this.element.classList.toggle('choosing', selection.mode);
     setText(this.chosenCount, `${selection.size.toLocaleString()} chosen`);
-    this.removeButton.disabled = this.addButton.disabled = selection.size === 0;
+    this.removeButton.disabled = this.addButton.disabled = this.moveButton.disabled = selection.size === 0;
   }
 
   async find() {
@@ -266,7 +286,7 @@ export class Screen {
 
   onError(error) {
     if (error.status === 404) this.pane.remove(this, error);
-    else tellError(error);
+    else tellUnlessOffline(error);
   }
 
   // The row that led here, as it is now; gone when its list no longer has it.
@@ -300,15 +320,30 @@ export class Screen {
   }
 
   playFrom(row, index, anchor) {
-    const { app, store } = this;
+    const { app } = this;
     if (!app.player.present || !this.playLogicPath()) {
       if (row) this.openMenu(row, index, anchor);
       return;
     }
-    const container = this.asContainer();
-    const track = row ?? store.row(0);
-    const place = position(track) >= 0 ? position(track) : index;
-    attempt(app.player.playContainer(container, track, place), anchor);
+    if (row && app.isCurrent(row)) {
+      attempt(app.player.toggle(), anchor);
+      return;
+    }
+    const place = position(row) >= 0 ? position(row) : index;
+    attempt(app.player.playContainer(this.asContainer(), row, place), anchor);
+  }
+
+  // The whole list; a shuffled one begins anywhere.
+  async playOrPause() {
+    const { app, store } = this;
+    if (this.plays) {
+      await app.player.toggle();
+      return;
+    }
+    const isShuffled = this.target && await app.commands.isShuffled(this.target);
+    const index = isShuffled ? Math.floor(Math.random() * store.count) : 0;
+    const track = store.row(index) ?? (await store.read(this.path, index, index, RowRoles)).rows[0];
+    await app.player.playContainer(this.asContainer(), track, index);
   }
 
   asContainer() {
@@ -346,6 +381,11 @@ export class Screen {
     this.addRows(entries.map((entry) => entry.row), anchor);
   }
 
+  async moveChosen(anchor) {
+    const entries = await attempt(this.list.selection.resolve(), this.element);
+    if (entries?.length) this.app.openMoveMenu(entries.map(({ row }) => row), anchor, this);
+  }
+
   jumpTo(index) {
     if (this.store.isLoaded) this.list.jumpTo(index);
     else {
@@ -360,82 +400,4 @@ export class Screen {
 // The menu of a row as it was then: numbers of rows that are gone are given again.
 function atRevision(context, revision) {
   return revision === undefined ? context : { ...context, path: `${context.path}&revision=${revision}` };
-}
-
-// The head of a list: its picture, its name, how much it holds, what can be done with all of it.
-
-// What a list is called: its row's own title, with what its published title says besides above it.
-// "Playlist - Party", opened from "Party", is "Party" below "Playlist".
-export function heading(published, rowTitle, knownLead) {
-  const title = published ?? rowTitle ?? '';
-  if (knownLead && title.startsWith(knownLead)) return { lead: knownLead, title: title.slice(knownLead.length) };
-  if (rowTitle && title !== rowTitle && title.endsWith(` - ${rowTitle}`))
-    return { lead: title.slice(0, title.length - rowTitle.length), title: rowTitle };
-  if (rowTitle && title.startsWith(rowTitle)) return { lead: null, title: rowTitle };
-  return { lead: null, title };
-}
-
-function amount(store) {
-  if (!store.isLoaded) return '';
-  if (store.count === 0) return 'Empty';
-  // Long lists are told by their length alone: going through them with every page that comes would cost.
-  if (!store.isComplete) return store.rows.some((row) => row?.type === RowType.Audio) ? plural(store.count, 'track') : '';
-  let tracks = 0;
-  let milliseconds = 0;
-  for (let i = 0; i < store.count; i += 1) {
-    const row = store.row(i);
-    if (row?.type !== RowType.Audio) continue;
-    tracks += 1;
-    milliseconds += metaData(row).duration ?? 0;
-  }
-  if (!tracks) return plural(store.count, 'item');
-  const others = store.count - tracks;
-  const parts = [others ? plural(others, 'folder') : null, plural(tracks, 'track'), spelledDuration(milliseconds)];
-  return parts.filter(Boolean).join(' · ');
-}
-
-function spelledDuration(milliseconds) {
-  const minutes = Math.round(milliseconds / 60000);
-  if (milliseconds < 1000) return null;
-  if (minutes < 1) return `${Math.round(milliseconds / 1000)} s`;
-  return minutes < 60 ? `${minutes} min` : `${Math.floor(minutes / 60)} h ${minutes % 60} min`;
-}
-
-class Hero {
-  constructor({ level = 'h1', onPlay, onContinue, onAdd, onMusic }) {
-    this.artwork = new Artwork('div.art.big');
-    this.lead = el('p.hero-lead');
-    this.title = el(`${level}.hero-title`, { tabindex: '-1' });
-    this.meta = el('p.hero-meta');
-    this.play = el('button.pill.primary', { type: 'button', onclick: onPlay, hidden: true }, icon('play'), 'Play');
-    this.goOn = el('button.pill', { type: 'button', onclick: (event) => onContinue(event.currentTarget), hidden: true }, icon('clock'), 'Continue');
-    this.add = el('button.pill.primary', { type: 'button', onclick: (event) => onAdd(event.currentTarget), hidden: true }, icon('plus'), 'Add all');
-    this.music = el('button.pill.fill', { type: 'button', onclick: onMusic, hidden: true }, icon('note'), 'Add music');
-    this.buttons = el('div.hero-buttons', {}, this.play, this.goOn, this.add, this.music);
-    this.element = el('header.hero', {}, this.artwork.element,
-      el('div.hero-texts', {}, this.lead, this.title, this.meta, this.buttons));
-  }
-
-  show({ lead, title, meta, urls, canPlay, canContinue, canAdd, canFill }) {
-    setText(this.lead, (lead ?? '').replace(/ - $/, ''));
-    setText(this.title, title);
-    setText(this.meta, meta);
-    this.artwork.set({ urls, title });
-    this.play.hidden = !canPlay;
-    this.goOn.hidden = !canContinue;
-    this.add.hidden = !canAdd;
-    this.music.hidden = !canFill;
-    this.buttons.hidden = this.play.hidden && this.add.hidden && this.music.hidden;
-  }
-}
-
-function ownPictures(store) {
-  const own = artworkUrl(metaData(store.roles).artworkUrl);
-  if (own) return [own];
-  const urls = new Set();
-  for (let i = 0; i < Math.min(store.rows.length, 200) && urls.size < 4; i += 1) {
-    const url = artworkUrl(metaData(store.row(i)).artworkUrl);
-    if (url) urls.add(url);
-  }
-  return [...urls];
 }

@@ -84,14 +84,15 @@ export class Transport {
   show(what) {
     const { player } = this;
     const { controls } = player;
-    const allows = (name) => player.isActive && controls[name] !== false && Boolean(controls[name] ?? true);
-    this.play.disabled = !player.isActive || (player.isPlaying && !allows('pause'));
+    const isLive = player.isActive && player.online;
+    const allows = (name) => isLive && controls[name] !== false && Boolean(controls[name] ?? true);
+    this.play.disabled = !isLive || (player.isPlaying && !allows('pause'));
     this.next.disabled = !allows('next');
     this.previous.disabled = !allows('previous');
-    this.shuffle.disabled = !player.isActive || !player.isModePossible(!player.isShuffled, this.repeatWith(!player.isShuffled));
-    this.repeat.disabled = !player.isActive || player.nextRepeat() === player.repeat;
+    this.shuffle.disabled = !isLive || !player.isModePossible(!player.isShuffled, this.repeatWith(!player.isShuffled));
+    this.repeat.disabled = !isLive || player.nextRepeat() === player.repeat;
     this.slider.disabled = !allows('seekTime') || !(player.duration > 0);
-    this.volumeSlider.disabled = this.mute.disabled = !player.present;
+    this.volumeSlider.disabled = this.mute.disabled = !player.isUsable;
     setIcon(this.play.firstChild, player.isPlaying || player.state === 'opening' ? 'pause' : 'play');
     label(this.play, player.isPlaying ? 'Pause' : 'Play');
     setAttribute(this.shuffle, 'aria-pressed', String(player.isShuffled));

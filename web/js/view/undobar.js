@@ -84,7 +84,7 @@ export class UndoBar {
     try {
       tell(await busy(step.undo()));
     } catch (error) {
-      tellError(error.isOffline ? error : { message: `Not undone: ${step.text}. ${error.message}` });
+      tellError({ message: `Not undone: ${step.text}. ${error.message}` });
       // Others were quicker, and nothing was done: it can be tried again.
       if (isChanged(error)) this.add(step);
     }

@@ -43,6 +43,7 @@ export class UpNext {
       label: 'Up next',
       look: {
         removable: true,
+        letterKeys: () => app.settings.letterKeys,
         current: (row) => app.isCurrent(row),
         playing: () => app.player.isPlaying,
         cover: () => null,
