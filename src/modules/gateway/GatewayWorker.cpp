@@ -158,7 +158,16 @@ bool GatewayWorker::fail(const QString& reason) {
     return false;
 }
 
+// What the device is called.
+QString GatewayWorker::name() const {
+    const QString given = text("gateway/name");
+    return given.isEmpty() ? QSysInfo::machineHostName() : given;
+}
+
 QVariant GatewayWorker::getValue(const CMPath& path) {
+    static const CMPath namePath{QStringLiteral("gateway:name")};
+    if (path == namePath)
+        return OrvoValue::fromString(name()).toVariant();
     return path == portPath() ? OrvoValue::fromI32(port()).toVariant()
                               : CMNodesWorker::getValue(path);
 }

@@ -9,11 +9,13 @@
 #include "PageFiles.h"
 
 // The gateway module: builds and wires the HTTP side of the data model. Made by worker_create,
-// owned by the host, on its thread. The port in use is the value at "gateway:port".
+// owned by the host, on its thread. The port in use is the value at "gateway:port",
+// the device's name that at "gateway:name".
 //
 // Configuration, all optional:
 //   gateway/listen           ADDRESS:PORT, port 0 for any free one; default 127.0.0.1:8080
 //   gateway/portFile         file to write the port in use to, atomically
+//   gateway/name             what the device is called; default the machine's host name
 //   gateway/webRoot          folder of the web page's files
 //   musicDir                 folder whose pictures are served as artwork
 //   dataDir                  its folder "artwork" has further pictures
@@ -41,6 +43,7 @@ public:
 
 private:
     bool fail(const QString& reason);
+    QString name() const;
     QString text(const char* key) const;
     HttpServer::Admission admit(const HttpRequest& request);
 

@@ -61,6 +61,9 @@ struct HttpResponse {
     // them.
     std::shared_ptr<QFile> file = nullptr;
     qint64 fileSize = 0;
+    // The hash of a style sheet that stands in the page itself, as a content-security policy names
+    // it.
+    QByteArray ownStyle = {};
 };
 
 // The body of an answer that has no end. Belongs to the connection that reads it and is deleted

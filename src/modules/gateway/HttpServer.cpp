@@ -95,13 +95,17 @@ MHD_Result collectHeader(void* context, MHD_ValueKind, const char* name, size_t 
 
 // With every answer. Whatever is shown of this device loads nothing from outside, runs no script
 // but the page's own files, and stands in nobody's frame.
+QByteArray contentPolicy(const QByteArray& ownStyle) {
+    const QByteArray style = ownStyle.isEmpty() ? ownStyle : " '" + ownStyle + '\'';
+    return "default-src 'none'; script-src 'self'; style-src 'self'" + style +
+           "; img-src 'self'; connect-src 'self'; manifest-src 'self'; base-uri 'none'; "
+           "form-action 'none'; frame-ancestors 'none'";
+}
+
 constexpr struct {
     const char* name;
     const char* value;
 } SafetyHeaders[] = {
-    {"Content-Security-Policy",
-     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; "
-     "manifest-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'"},
     {"X-Content-Type-Options", "nosniff"},
     {"X-Frame-Options", "DENY"},
     {"Referrer-Policy", "same-origin"},
@@ -289,6 +293,8 @@ struct HttpServer::Callbacks {
             return MHD_NO;
         MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE,
                                 answer.contentType.constData());
+        MHD_add_response_header(response, "Content-Security-Policy",
+                                contentPolicy(answer.ownStyle).constData());
         for (const auto& header : SafetyHeaders)
             MHD_add_response_header(response, header.name, header.value);
         for (const auto& header : answer.headers)

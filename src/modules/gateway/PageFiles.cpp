@@ -1,5 +1,7 @@
 #include "PageFiles.h"
 
+#include <QCryptographicHash>
+#include <QFile>
 #include <QFileInfo>
 
 #include "ServedFile.h"
@@ -22,6 +24,21 @@ HttpResponse greeting() {
             {}};
 }
 
+// Of the style sheet in the page, by which its frame is shown before any other file is there.
+QByteArray ownStyle(const QString& file) {
+    static const QByteArray Begin = "<style>";
+    QFile page(file);
+    if (!page.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray text = page.read(MaxFile);
+    const int begin = text.indexOf(Begin);
+    const int end = text.indexOf("</style>", begin);
+    if (begin < 0 || end < 0)
+        return {};
+    const QByteArray style = text.mid(begin + Begin.size(), end - begin - Begin.size());
+    return "sha256-" + QCryptographicHash::hash(style, QCryptographicHash::Sha256).toBase64();
+}
+
 } // namespace
 
 PageFiles::PageFiles(const QString& folder)
@@ -31,6 +48,10 @@ std::optional<HttpResponse> PageFiles::find(const QString& path, const QByteArra
     const bool root = path == QLatin1String("/");
     if (m_folder.isEmpty())
         return root ? std::optional(greeting()) : std::nullopt;
-    return ServedFile::answer(m_folder, m_folder + (root ? QStringLiteral("/index.html") : path),
-                              MaxFile, "no-cache", heldTag);
+    const QString file = m_folder + (root ? QStringLiteral("/index.html") : path);
+    auto answer = ServedFile::answer(m_folder, file, MaxFile, "no-cache", heldTag);
+    // The policy of a page that the client holds is renewed by the answer that says so.
+    if (answer && answer->contentType.startsWith("text/html"))
+        answer->ownStyle = ownStyle(file);
+    return answer;
 }

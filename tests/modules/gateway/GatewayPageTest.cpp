@@ -1,3 +1,4 @@
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 
@@ -33,6 +34,23 @@ TEST_F(GatewayPage, filesComeWithTheirMediaType) {
     const HttpAnswer script = http.get("/assets/app.js?v=1");
     EXPECT_EQ(script.body, "run()");
     EXPECT_EQ(script.headers.value("content-type"), "text/javascript; charset=utf-8");
+}
+
+TEST_F(GatewayPage, theStyleSheetInThePageIsAllowedByItsHash) {
+    write("web/index.html", "<p>a</p><style>p { color: red; }</style><p>b</p>");
+    HttpClient http(port());
+    const HttpAnswer page = http.get("/");
+    const QByteArray hash =
+        QCryptographicHash::hash("p { color: red; }", QCryptographicHash::Sha256).toBase64();
+    const QByteArray allowed = "; style-src 'self' 'sha256-" + hash + "'; ";
+    EXPECT_TRUE(page.headers.value("content-security-policy").contains(allowed));
+    const HttpAnswer held =
+        http.send("GET", "/", {}, "If-None-Match: " + page.headers.value("etag") + "\r\n");
+    EXPECT_EQ(held.status, 304);
+    EXPECT_TRUE(held.headers.value("content-security-policy").contains(allowed));
+    EXPECT_TRUE(http.get("/assets/app.js")
+                    .headers.value("content-security-policy")
+                    .contains("; style-src 'self'; "));
 }
 
 TEST_F(GatewayPage, nothingOutsideTheFolderIsServed) {

@@ -16,6 +16,14 @@ TEST_F(GatewayWorkerTest, itSaysWhereItListens) {
               OrvoValue::fromI32(port()).toVariant());
 }
 
+TEST_F(GatewayWorkerTest, theDeviceHasTheNameThatItWasGivenElseThatOfTheMachine) {
+    const CMPath name(QStringLiteral("gateway:name"));
+    restart();
+    EXPECT_EQ(OrvoValue(CMRoot()->getValue(name)).string(), QSysInfo::machineHostName());
+    restart({{"gateway/name", QStringLiteral("Kitchen")}});
+    EXPECT_EQ(OrvoValue(CMRoot()->getValue(name)).string(), "Kitchen");
+}
+
 TEST_F(GatewayWorkerTest, thePortIsWrittenToTheFileThatWasAskedFor) {
     const QString file = m_folder.filePath(QStringLiteral("port"));
     restart({{"gateway/portFile", file}});
