@@ -17,9 +17,13 @@ import './e2e/collections.mjs';
 import './e2e/connection.mjs';
 import './e2e/access.mjs';
 import './e2e/door.mjs';
+import './e2e/axe.mjs';
 import './e2e/hand.mjs';
 import './e2e/back.mjs';
 import './e2e/forced.mjs';
+import './e2e/slow.mjs';
+import './e2e/installed.mjs';
+import './e2e/walks.mjs';
 import './e2e/large.mjs';
 
 runStories();

@@ -1,22 +1,24 @@
 // Puts the page together: what the device has, where things are shown, and what the parts ask of
 // each other.
 
-import { EventFeed, artworkUrl, getModules, getPaths, samePlace, sendData } from './core/device.js';
+import { EventFeed, artworkUrl, getModules, getPaths, getValue, samePlace, sendData } from './core/device.js';
 import { Commands } from './model/commands.js';
 import { Covers } from './model/covers.js';
 import { Lock } from './model/lock.js';
 import { Player } from './model/player.js';
 import { Settings } from './model/settings.js';
 import { RowType, allRows, isCreate, isSwitch, metaData } from './model/rows.js';
-import { attempt, el, icon, tell, tellError, tellUnlessOffline } from './view/dom.js';
+import { attempt, el, icon, setAttribute, tell, tellError, tellUnlessOffline } from './view/dom.js';
 import { wireKeys } from './view/keys.js';
 import { Address, Pane } from './view/pane.js';
 
 // Where the trees begin. A module that is not loaded has none.
 const FilesRoot = 'files:tree';
+const DeviceName = 'gateway:name';
 const Narrow = '(max-width: 47.49rem)';
 const Wide = '(min-width: 75rem)';
 const LaterStyle = '/css/later.css';
+const Landmarks = { nav: 'navigation', main: 'main', side: 'complementary' };
 const RetryMs = 1500;
 
 const after = (ms) => new Promise((done) => setTimeout(done, ms));
@@ -51,6 +53,7 @@ class App {
     this.narrow = matchMedia(Narrow);
     this.feed = new EventFeed();
     this.setModules(modules);
+    this.name = 'Orvo'; // until the device has told its own
     this.parts = new Promise((done) => (this.takeParts = done)); // what later.js has
     this.nav = new Pane(this, 'nav', document.getElementById('nav'));
     this.main = new Pane(this, 'main', document.getElementById('main'), this.nav);
@@ -77,7 +80,10 @@ class App {
     document.getElementById('tab-music').addEventListener('click', () => this.showSide(true));
     document.getElementById('help').addEventListener('click', () => this.showHelp());
     document.getElementById('settings').addEventListener('click', () => this.showSettings());
-    this.narrow.addEventListener('change', () => this.showHeads());
+    this.narrow.addEventListener('change', () => {
+      this.showLandmarks();
+      this.showHeads();
+    });
   }
 
   // The lists are on screen before anything else is begun.
@@ -86,6 +92,7 @@ class App {
     await new Promise((done) => {
       for (const name of ['rows', 'error', 'closed']) store.on(name, done);
     });
+    document.querySelector('.early')?.remove();
     requestAnimationFrame(() => performance.mark('first-rows'));
     await painted();
     const loading = Promise.all([loadParts(), addStyle(LaterStyle)]);
@@ -97,8 +104,15 @@ class App {
     this.menu = new parts.Menu(this);
     this.undoBar = new parts.UndoBar(document.getElementById('undo'), this.edits, { onLeft: () => this.shownScreen.focus() });
     this.upNext = new parts.UpNext(this);
-    this.bar = new parts.PlayerBar(document.getElementById('player'), this.player, { upNext: this.upNext, onJump: () => this.jumpToCurrent() });
+    this.bar = new parts.PlayerBar(document.getElementById('player'), this.player, { upNext: this.upNext, menu: this.menu, onJump: () => this.jumpToCurrent() });
     this.takeParts(parts);
+    this.takeName();
+    parts.keepPage();
+  }
+
+  async takeName() {
+    this.name = Object.values((await getValue(DeviceName).catch(() => null)) ?? {})[0] || this.name;
+    this.showHeads();
   }
 
   // What stands beside the lists.
@@ -283,8 +297,17 @@ class App {
       if (is) tab.setAttribute('aria-current', 'page');
       else tab.removeAttribute('aria-current');
     }
+    this.showLandmarks();
     this.showHeads();
     for (const pane of this.panes) pane.top?.list.refresh();
+  }
+
+  // A phone shows one pane, which is all of the page then.
+  showLandmarks() {
+    for (const pane of this.panes) {
+      const isAll = this.isNarrow && pane.kind === document.body.dataset.place;
+      setAttribute(pane.element, 'role', isAll ? 'main' : Landmarks[pane.kind]);
+    }
   }
 
   showNav() {
@@ -351,7 +374,7 @@ class App {
 
   // Called whenever the head of a shown list may have changed.
   onHead(screen) {
-    if (screen.pane === this.main) document.title = screen.title ? `${screen.title} – Orvo` : 'Orvo';
+    if (screen.pane === this.main) document.title = [screen.title, this.name].filter(Boolean).join(' – ');
   }
 
   async jumpToCurrent() {
@@ -397,6 +420,9 @@ async function startApp() {
     const [paths, modules] = await Promise.all([getPaths(), getModules()]);
     return new App(paths, modules);
   };
+  const banner = document.getElementById('banner');
+  const text = document.getElementById('banner-text');
+  const lost = text.textContent;
   let app = null;
   while (!app) {
     try {
@@ -409,11 +435,13 @@ async function startApp() {
         location.reload();
         return null;
       }
-      document.getElementById('banner').hidden = false;
+      text.textContent = 'Looking for the device.';
+      banner.hidden = false;
       await after(RetryMs);
     }
   }
-  document.getElementById('banner').hidden = true;
+  banner.hidden = true;
+  text.textContent = lost;
   app.start();
   return app;
 }

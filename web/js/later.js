@@ -1,5 +1,6 @@
 // What the first rows on screen do without; app.js loads it when they are there.
 
+export { keepPage } from './core/installed.js';
 export { Edits } from './model/edits.js';
 export { AddMenu } from './view/addmenu.js';
 export { Editing } from './view/editing.js';

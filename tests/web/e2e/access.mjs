@@ -1,56 +1,6 @@
 import assert from 'node:assert/strict';
-import { readFileSync } from 'node:fs';
-import { createRequire } from 'node:module';
 import { Albums, Hours, Lanterns, hasPlayer } from '../support/device.mjs';
 import { eventually, story } from '../support/story.mjs';
-
-const axeSource = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
-
-// Serious and critical findings, as readable lines.
-// Sizes and names are the same in the dark; only colours are looked at again.
-async function findings(me, runOnly) {
-  await me.page.evaluate(() => Promise.allSettled(document.getAnimations()
-    .filter((animation) => Number.isFinite(animation.effect.getComputedTiming().endTime)).map(({ finished }) => finished)));
-  // Evaluated from outside, so the page's own policy on scripts stays as it is.
-  if (!(await me.page.evaluate(() => Boolean(window.axe)))) await me.page.evaluate(axeSource);
-  return me.page.evaluate(async (options) => {
-    const { violations } = await window.axe.run(document, { resultTypes: ['violations'], ...options });
-    return violations.filter(({ impact }) => impact === 'serious' || impact === 'critical')
-      .map(({ id, help, nodes }) => `${id}: ${help}: ${nodes.slice(0, 3).map((node) => `${node.html} ${node.failureSummary}`).join(' | ')}`);
-  }, runOnly ? { runOnly } : {});
-}
-
-for (const colorScheme of ['light', 'dark']) {
-  story(`nothing serious stands in the way of anybody, ${colorScheme}`, async ({ device, open }) => {
-    await device.playlist('Party', Albums.lanterns);
-    const me = await open({ colorScheme });
-    const look = () => findings(me, colorScheme === 'dark' ? ['color-contrast'] : null);
-    assert.deepEqual(await look(), []);
-    await me.openList('Party');
-    await me.row('main', 'Paper Boats').waitFor();
-    if (hasPlayer) {
-      await me.playRow('Seven Bridges');
-      await eventually(() => me.nowTitle(), 'Seven Bridges');
-    }
-    assert.deepEqual(await look(), []);
-    await me.menuOf('main', 'Paper Boats');
-    assert.deepEqual(await look(), []);
-    await me.closeSheet();
-    await me.page.locator('#main .screen:not([hidden]) [aria-label="Choose several"]').click();
-    await me.press(me.row('main', 'Paper Boats').locator('.row-title'));
-    assert.deepEqual(await look(), []);
-    await me.page.keyboard.press('Escape');
-    await me.toMusic('Velka Torrin');
-    assert.deepEqual(await look(), []);
-    if (hasPlayer) {
-      await me.page.locator('#player .now').click();
-      assert.deepEqual(await look(), []);
-      await me.page.locator('dialog.large .upnext-button').click();
-      await me.page.locator('.upnext').getByText('Paper Boats').waitFor();
-      assert.deepEqual(await look(), []);
-    }
-  });
-}
 
 story('everything is in reach of the keyboard', async ({ device, open }) => {
   const plid = await device.playlist('Party', Albums.lanterns);

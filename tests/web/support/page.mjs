@@ -155,6 +155,11 @@ export class Page {
     await this.press((await this.controls()).locator(`button[aria-label="${name}"]`));
   }
 
+  async openSleep() {
+    await this.press((await this.controls()).locator('button[aria-label^="Sleep timer"]'));
+    await this.sheet.waitFor();
+  }
+
   nowTitle() {
     return this.page.locator('#player .now-title').textContent();
   }

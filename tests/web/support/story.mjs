@@ -40,7 +40,7 @@ class Window {
     this.wrong = [];
   }
 
-  async open({ at = this.device.url, meet = null, ...options } = {}) {
+  async open({ at = this.device.url, prepare = null, meet = null, ...options } = {}) {
     this.context = await theBrowser.newContext({ ...Sizes[this.size], ...options });
     this.page = await this.context.newPage();
     this.page.setDefaultTimeout(Patience);
@@ -57,7 +57,8 @@ class Window {
       const givenUp = errorText === 'net::ERR_ABORTED' && (this.isReloading || request.resourceType() === 'image');
       if (!givenUp && !request.url().includes('/api/events')) note(`failed: ${request.url()} ${errorText}`);
     });
-    await this.page.goto(at);
+    await prepare?.(this.page);
+    await this.page.goto(at, { waitUntil: 'commit' });
     await meet?.(this.page);
     await this.page.locator('#nav .row.heads').first().waitFor({ state: 'attached' });
     return new Page(this);

@@ -34,7 +34,7 @@ function rowsUrl(path, from, to, roles) {
   return `/api/rows?${asked}`;
 }
 
-const early = { source: openStream(), events: [] };
+const early = { source: openStream(), events: [], isSure: true };
 for (const kind of Kinds) early.source.addEventListener(kind, (event) => early.events?.push(event));
 
 const first = { '/api/paths': ask('/api/paths'), '/api/modules': ask('/api/modules') };
@@ -42,14 +42,29 @@ const first = { '/api/paths': ask('/api/paths'), '/api/modules': ask('/api/modul
 for (const promise of Object.values(first)) promise.catch(() => {});
 
 // The list of lists, once the stream stands: what changes after it was read comes as an event. The
-// list must be there when the events are gone through.
-early.source.addEventListener('open', async () => {
+// list must be there when the events are gone through. On a slow line it is asked for at once, and
+// everything is read again when the stream stands.
+const StreamSoonMs = 60;
+
+const stands = new Promise((done) => early.source.addEventListener('open', done, { once: true }));
+
+let askedEarly;
+// Resolves when the list of lists is asked for, or not to be had early.
+export const earlyAsked = new Promise((done) => (askedEarly = done));
+
+async function askEarly() {
   const paths = await first['/api/paths']?.catch(() => null);
-  if (!paths?.OrvoPlayListsRootPath || !early.source) return;
+  if (!paths?.OrvoPlayListsRootPath) return null;
+  await Promise.race([stands, new Promise((done) => setTimeout(done, StreamSoonMs))]);
+  if (!early.source) return null;
+  early.isSure = early.source.readyState === EventSource.OPEN;
   const url = rowsUrl(paths.OrvoPlayListsRootPath, 0, PageSize - 1, RowRoles);
   first[url] = ask(url);
-  first[url].catch(() => {});
-}, { once: true });
+  askedEarly();
+  return first[url].catch(() => null);
+}
+
+export const earlyRows = askEarly().finally(askedEarly);
 
 // The early answer, once.
 function takeFirst(url) {
@@ -60,11 +75,11 @@ function takeFirst(url) {
 
 // The early stream, once, with the events that it brought already. From here on early answers are old.
 function takeStream() {
-  const { source, events } = early;
+  const { source, events, isSure } = early;
   early.source = null;
   early.events = null;
   for (const url of Object.keys(first)) delete first[url];
-  return source ? { source, events } : null;
+  return source ? { source, events, isSure } : null;
 }
 
 // How a request fails, but those that were begun early: the message is what the device said.
@@ -265,7 +280,8 @@ export class EventFeed extends Emitter {
     this.source = source;
     // What was read before the stream stood may be out of date already, unless the stream goes on
     // where the last one was lost.
-    let mayHaveMissed = this.lastId === null && source.readyState !== EventSource.OPEN;
+    const stood = source.readyState === EventSource.OPEN;
+    let mayHaveMissed = this.lastId === null && !stood;
     for (const kind of Kinds) source.addEventListener(kind, (event) => this.take(event));
     source.addEventListener('open', () => {
       this.found();
@@ -279,6 +295,7 @@ export class EventFeed extends Emitter {
       probe();
     });
     for (const event of begun?.events ?? []) this.take(event);
+    if (stood && begun && !begun.isSure) this.emit('resync');
   }
 
   take(event) {

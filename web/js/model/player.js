@@ -1,6 +1,6 @@
 // What plays, as the device publishes it, and what can be asked of it.
 //
-// Emits: change (what: state, data, mode, position, duration, volume, stop or present) · failed (the text
+// Emits: change (what: state, data, mode, position, duration, volume, stop, sleep or present) · failed (the text
 // of an error that has just come up) · mode (the device says which mode it has).
 
 import { Emitter, getValue, samePlace, sendData } from '../core/device.js';
@@ -23,6 +23,8 @@ export class Player extends Emitter {
     this.duration = 0;
     this.volume = 100;
     this.anchor = { position: 0, at: performance.now() };
+    this.sleepsAtEnd = false;
+    this.sleepUntil = 0; // by the page's own clock; 0: never
     this.lastStop = {}; // {mediaPath, trackPath, position}: where playback was stopped last
     this.values = [
       [paths.OrvoPlayerStatePath, 'state', (value) => (this.state = bare(value) ?? 'stopped')],
@@ -31,6 +33,7 @@ export class Player extends Emitter {
       [paths.OrvoPlayerDurationPath, 'duration', (value) => (this.duration = bare(value) ?? 0)],
       [paths.OrvoPlayerVolumePath, 'volume', (value) => (this.volume = bare(value) ?? 100)],
       [paths.OrvoPlayerResumePointPath, 'stop', (value) => (this.lastStop = value ?? {})],
+      [paths.OrvoPlayerSleepTimerPath, 'sleep', (value) => this.takeSleep(bare(value) ?? 0)],
       [paths.OrvoPlayerPositionPath, 'position', (value) => this.setAnchor(bare(value) ?? 0)],
     ].filter(([path]) => path);
   }
@@ -69,6 +72,25 @@ export class Player extends Emitter {
       if (what === 'mode') this.emit('mode');
       if (this.error && this.error !== before) this.emit('failed', this.error);
     }
+  }
+
+  get hasSleepTimer() {
+    return this.present && Boolean(this.paths.OrvoPlayerSleepTimerPath);
+  }
+
+  // The device tells how long it still is when it is set; in between the page counts.
+  takeSleep(value) {
+    this.sleepsAtEnd = value === 'endOfTrack';
+    this.sleepUntil = value > 0 ? performance.now() + value : 0;
+  }
+
+  get sleepLeft() {
+    return this.sleepUntil ? Math.max(1, this.sleepUntil - performance.now()) : 0;
+  }
+
+  // `time`: milliseconds, 0 for off, or endOfTrack.
+  setSleepTimer(time) {
+    return sendData(this.paths.OrvoPlayerSleepTimerPath, { time });
   }
 
   get isUsable() {

@@ -3,6 +3,7 @@
 import { artworkUrl } from '../core/device.js';
 import { metaData } from '../model/rows.js';
 import { Artwork, el, icon, setText, showDialog } from './dom.js';
+import { SleepButton } from './sleep.js';
 import { Transport } from './transport.js';
 
 const ClockMs = 250;
@@ -18,20 +19,21 @@ function describe(player) {
 
 export class PlayerBar {
   // `upNext`: what comes, shown here or in the large view. `onJump`: shows the current track in its list.
-  constructor(element, player, { upNext, onJump }) {
+  constructor(element, player, { upNext, onJump, menu }) {
     Object.assign(this, { element, player, upNext });
     this.artwork = new Artwork('div.art');
     this.title = el('span.now-title', { dir: 'auto' });
     this.line = el('span.now-line', { dir: 'auto' });
     this.transport = new Transport(player);
-    this.large = new LargeView(player, { upNext, onJump });
+    this.large = new LargeView(player, { upNext, onJump, menu });
+    this.sleep = new SleepButton(player, menu);
     this.lead = el('span.unseen');
     this.open = el('button.now', { type: 'button', onclick: () => this.large.show() },
       this.artwork.element, el('span.now-texts', {}, this.lead, this.title, this.line));
     this.jump = el('button.icon-button', { type: 'button', 'aria-label': 'Jump to the current track', title: 'Jump to the current track', onclick: onJump }, icon('target'));
     this.coming = upNextButton('icon-button', upNext, (list) => element.append(list));
     element.append(this.open, el('div.controls', {}, this.transport.buttons, this.transport.seek),
-      el('div.extras', {}, this.coming, this.jump, this.transport.volume));
+      el('div.extras', {}, this.sleep.element, this.coming, this.jump, this.transport.volume));
     player.on('change', () => this.show());
     setInterval(() => this.tick(), ClockMs);
     this.show();
@@ -53,6 +55,7 @@ export class PlayerBar {
   }
 
   tick() {
+    if (!document.hidden) for (const { sleep } of [this, this.large]) sleep.show();
     if (document.hidden || !this.player.isPlaying || !this.player.online) return;
     this.transport.showClock();
     if (this.large.dialog.open) this.large.transport.showClock();
@@ -79,8 +82,9 @@ function upNextButton(look, upNext, place, text = null) {
 }
 
 class LargeView {
-  constructor(player, { upNext, onJump }) {
+  constructor(player, { upNext, onJump, menu }) {
     Object.assign(this, { player, upNext });
+    this.sleep = new SleepButton(player, menu);
     this.artwork = new Artwork('div.art.huge');
     this.glow = new Artwork('div.art.glow');
     this.title = el('h2.large-title', { dir: 'auto' });
@@ -94,7 +98,7 @@ class LargeView {
       this.transport.seek, this.transport.buttons, this.transport.volume);
     this.dialog = el('dialog.large', { 'aria-label': 'Now playing' },
       el('div.large-glow', {}, this.glow.element),
-      el('div.large-head', {}, close, el('div.large-tools', {}, coming, jump)),
+      el('div.large-head', {}, close, el('div.large-tools', {}, this.sleep.element, coming, jump)),
       el('div.large-body', {}, this.artwork.element, this.side));
     this.dialog.addEventListener('close', () => upNext.hide());
     document.body.append(this.dialog);

@@ -4,7 +4,7 @@
 import { RowRoles } from '../core/device.js';
 import { isGrave } from '../model/commands.js';
 import { ListStore, RowType, isMenu, isSwitch, isUsable, metaData, position } from '../model/rows.js';
-import { attempt, busy, el, icon, setText, tellUnlessOffline } from './dom.js';
+import { attempt, busy, el, icon, setAttribute, setText, tellUnlessOffline } from './dom.js';
 import { Hero, amount, heading, ownPictures } from './hero.js';
 import { ListView } from './listview.js';
 
@@ -181,6 +181,7 @@ export class Screen {
       isLive: app.player.online,
     });
     setText(this.barTitle, title);
+    setAttribute(this.hero.title, 'aria-level', app.isNarrow ? 1 : null);
     this.list.body.setAttribute('aria-label', title);
     this.element.setAttribute('aria-label', title);
     this.element.setAttribute('role', 'region');
