@@ -22,6 +22,7 @@ import './e2e/hand.mjs';
 import './e2e/back.mjs';
 import './e2e/forced.mjs';
 import './e2e/slow.mjs';
+import './e2e/carrying.mjs';
 import './e2e/installed.mjs';
 import './e2e/walks.mjs';
 import './e2e/large.mjs';

@@ -11,9 +11,10 @@ const FindPage = 500;
 const Portion = 250;
 
 export class Adding extends Emitter {
-  constructor({ edits, target, mode, rows, title }) {
+  // `gap`: the place in front of which they stand in the end, instead of at the end.
+  constructor({ edits, target, mode, rows, title, gap }) {
     super();
-    Object.assign(this, { edits, target, mode, rows, title });
+    Object.assign(this, { edits, target, mode, rows, title, gap });
     this.phase = 'finding';
     this.found = 0;
     this.added = 0;
@@ -35,6 +36,7 @@ export class Adding extends Emitter {
       const tracks = [];
       await this.find(this.rows, tracks);
       if (!this.stopping) await this.add(tracks);
+      if (this.gap !== undefined && this.added) await this.edits.placeLast(this.target, this.added, this.gap);
       this.enter(this.stopping ? 'stopped' : 'done');
     } catch (error) {
       this.error = error;

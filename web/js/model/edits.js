@@ -220,8 +220,18 @@ export class Edits extends Emitter {
     });
   }
 
-  // Tracks go from one list to the end of another one; taken back, they stand where they stood.
-  moveToList(source, rows, into) {
+  // The tracks at the end come to stand in front of a place. Where others were quicker they stay where they are.
+  placeLast(target, count, gap) {
+    return this.run(target, { isPlain: true, send: async () => {
+      const { rowsCount, revision } = await getRows(target.path, 0, 0, ['path']);
+      const from = rowsCount - count;
+      if (from <= gap) return;
+      await this.commands.move(target.plid, Array.from({ length: count }, (_, i) => from + i), gap, revision);
+    } });
+  }
+
+  // Tracks go from one list to a place of another one, or to its end; taken back, they stand where they stood.
+  moveToList(source, rows, into, gap = undefined) {
     return this.run(into, { locks: rows.map(trackKey), isPlain: true, send: () => twice(async () => {
       const order = await Order.read(source.path);
       const entries = order.find(rows.map((row) => ({ row })));
@@ -231,7 +241,8 @@ export class Edits extends Emitter {
       const around = neighboursOf(entries.map(({ index }) => index), order.size, (i) => order.rows[i]);
       const removed = entries.map((entry, i) => ({ ...entry, item: kept.get(entry.row.path), ...around[i] }));
       const before = await Order.read(into.path);
-      await this.commands.addBack(into.plid, items);
+      const at = gap === undefined ? null : items.map((_, i) => Math.min(gap, before.size) + i);
+      await this.commands.addBack(into.plid, items, at, at ? before.revision : undefined);
       try {
         await this.commands.removeItems(source.plid, entries.map(({ index }) => index), order.revision);
       } catch (error) {

@@ -1,4 +1,4 @@
-// Reordering by drag: with a mouse from anywhere in the row, with a finger from the grip or after a
+// Reordering, and carrying to other lists, by drag: with a mouse from anywhere in the row, with a finger from the grip or after a
 // long press. A long press that does not move opens the menu.
 
 import { rowKey } from '../model/rows.js';
@@ -10,9 +10,10 @@ const EdgeSize = 64;
 const EdgeSpeed = 14; // pixels per frame at the very edge
 
 export class Dragging {
-  // `canMove()` tells whether rows can be moved; `drop(indices, gap)` carries it out.
-  constructor(list, { canMove, drop }) {
-    Object.assign(this, { list, canMove, drop });
+  // `canMove()` tells whether rows can be moved; `drop(indices, gap)` carries it out. `dropping`: what takes rows that
+  // are dragged out of the list.
+  constructor(list, { canMove, drop, dropping }) {
+    Object.assign(this, { list, canMove, drop, dropping });
     const { body } = list;
     body.addEventListener('pointerdown', (event) => this.onDown(event));
     body.addEventListener('pointermove', (event) => this.onMove(event));
@@ -47,6 +48,7 @@ export class Dragging {
 
   onMove(event) {
     if (!this.press || event.pointerId !== this.press.id) return;
+    this.pointerX = event.clientX;
     this.pointerY = event.clientY;
     if (!this.lifted) {
       const distance = Math.hypot(event.clientX - this.press.x, event.clientY - this.press.y);
@@ -55,10 +57,10 @@ export class Dragging {
         this.cancelPress(); // the page scrolls
         return;
       }
-      if (!this.canMove() || event.buttons !== 1) return;
+      if ((!this.canMove() && !this.dropping.canCarry(this.press.view.row)) || event.buttons !== 1) return;
       this.lift();
     }
-    if (this.lifted && this.movable) this.drag();
+    if (this.lifted && (this.movable || this.carries)) this.drag();
   }
 
   lift() {
@@ -67,6 +69,7 @@ export class Dragging {
     if (!press) return;
     this.lifted = true;
     this.movable = this.canMove() && list.store.row(press.index)?.type === 3;
+    this.carries = this.dropping.canCarry(list.store.row(press.index));
     list.suppressClick = true;
     list.pinned = press.index;
     press.row = list.store.row(press.index);
@@ -92,7 +95,23 @@ export class Dragging {
       press.view.element.dataset.count = this.indices.length > 1 ? this.indices.length : '';
       this.autoScroll();
     }
-    this.aim();
+    this.place = this.carries ? this.dropping.at(this.pointerX, this.pointerY) : null;
+    this.away = Boolean(this.place) || this.dropping.isBeside(this.pointerX);
+    if (this.away || !this.movable) this.aimElsewhere();
+    else {
+      this.dropping.hide();
+      this.aim();
+    }
+  }
+
+  // The list is as it was, and what is dragged is shown beside the pointer.
+  aimElsewhere() {
+    const { store } = this.list;
+    const text = this.indices.length > 1 ? `${this.indices.length} chosen` : store.row(this.press.index)?.title ?? '';
+    this.dropping.show(this.place, this.pointerX, this.pointerY, text);
+    this.gap = this.press.index;
+    this.liftedTop = this.list.metrics.topOf(this.press.index);
+    this.list.render();
   }
 
   // Others may change the list meanwhile. An insertion carries along what is held …
@@ -143,6 +162,10 @@ export class Dragging {
 
   autoScroll() {
     if (!this.dragging) return;
+    if (this.away || !this.movable) {
+      requestAnimationFrame(() => this.autoScroll());
+      return;
+    }
     const { scroller } = this.list;
     const { top, bottom } = scroller.getBoundingClientRect();
     const near = (distance) => clamp((EdgeSize - distance) / EdgeSize, 0, 1);
@@ -169,7 +192,12 @@ export class Dragging {
 
   end(dropped) {
     if (!this.press) return;
-    const { press, list, dragging, gap, indices } = this;
+    const { press, list, dragging, gap, indices, place } = this;
+    const isHere = this.movable && !this.away;
+    const rows = dragging ? indices.map((index) => list.store.row(index)).filter(Boolean) : [];
+    this.dropping.hide();
+    this.away = false;
+    this.place = null;
     clearTimeout(this.timer);
     press.view.element.classList.remove('lifted');
     delete press.view.element.dataset.count;
@@ -181,7 +209,8 @@ export class Dragging {
     list.pinned = -1;
     list.body.classList.remove('dragging');
     list.refresh();
-    const moves = dragging && dropped && !(indices.length === 1 && (gap === indices[0] || gap === indices[0] + 1));
+    if (dragging && dropped && !isHere && place && rows.length) this.dropping.drop(place, rows);
+    const moves = dragging && dropped && isHere && !(indices.length === 1 && (gap === indices[0] || gap === indices[0] + 1));
     if (moves) this.drop(indices, gap);
   }
 }

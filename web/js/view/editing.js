@@ -6,6 +6,7 @@ import { plural, rowKey } from '../model/rows.js';
 import { showMoved, showRemoved } from '../model/shown.js';
 import { attempt } from './dom.js';
 import { Dragging } from './dragging.js';
+import { Dropping } from './dropping.js';
 
 const AskFrom = 11; // so many rows are not removed without a question
 
@@ -13,7 +14,7 @@ export class Editing {
   constructor(screen) {
     this.screen = screen;
     const { list, target } = screen;
-    new Dragging(list, { canMove: () => Boolean(target), drop: (indices, gap) => this.move(indices, gap) });
+    new Dragging(list, { canMove: () => Boolean(target), drop: (indices, gap) => this.move(indices, gap), dropping: new Dropping(screen) });
     if (!target) return;
     list.movable = true;
     list.refresh();

@@ -402,6 +402,14 @@ export class ListView extends Emitter {
     return this.metrics.indexAt(Math.max(0, y), this.store.count);
   }
 
+  // The gap between rows that is nearest to there.
+  gapAt(clientY) {
+    if (!(this.store.count > 0)) return 0;
+    const y = clientY - this.body.getBoundingClientRect().top;
+    const over = this.metrics.indexAt(Math.max(0, y), this.store.count);
+    return y > this.metrics.topOf(over) + this.metrics.heightOf(over) / 2 ? over + 1 : over;
+  }
+
   // What the user does.
   onFocusIn(event) {
     const view = this.rowOf(event.target);

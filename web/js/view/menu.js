@@ -41,14 +41,18 @@ function entryOf({ title, icon: name, detail, opens, isOn, isGrave: grave, isUsa
 // The second of two presses finds the menu gone: it is none on what stands there instead.
 const SecondPressMs = 400;
 
-function ignoreSecondPress() {
+const SamePlace = 24; // pixels; two taps of a finger are not always told as a double one
+
+function ignoreSecondPress(first) {
   const ignoring = new AbortController();
+  const isThere = ({ clientX, clientY }) => first && Math.hypot(clientX - first.x, clientY - first.y) < SamePlace;
   const ignore = (event) => {
-    if (event.detail < 2) return;
+    const isKey = event.detail === 0 && event.type !== 'pointerdown';
+    if (isKey || (event.detail < 2 && !isThere(event))) return;
     event.preventDefault();
     event.stopPropagation();
   };
-  for (const name of ['mousedown', 'click', 'dblclick'])
+  for (const name of ['pointerdown', 'mousedown', 'click', 'dblclick'])
     document.addEventListener(name, ignore, { capture: true, signal: ignoring.signal });
   setTimeout(() => ignoring.abort(), SecondPressMs);
 }
@@ -67,6 +71,7 @@ export class Menu {
       this.back();
     });
     this.dialog.addEventListener('keydown', (event) => this.onKey(event));
+    this.dialog.addEventListener('pointerdown', ({ clientX: x, clientY: y }) => (this.pressed = { x, y }));
     this.page = el('div.sheet-page');
     this.dialog.append(this.page);
     document.body.append(this.dialog);
@@ -297,7 +302,8 @@ export class Menu {
   close() {
     if (this.isOpen) {
       this.dialog.close();
-      ignoreSecondPress();
+      ignoreSecondPress(this.pressed);
+      this.pressed = null;
     }
     this.onClosed();
   }
