@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr int MaxVolume = 100;
+constexpr int MsPerSecond = 1000;
 constexpr int PlayContainer = 1; // the type of a play request for a list
 
 QJsonObject child(const QJsonObject& object, const char* name) {
@@ -197,4 +199,49 @@ void PlayerModel::next() {
 void PlayerModel::previous() {
     if (allows("previous"))
         send("OrvoPlayerPreviousPath");
+}
+
+// While a step is under way, the next one goes on from where that one leads.
+void PlayerModel::changeVolume(int by) {
+    if (!m_isPresent)
+        return;
+    const qint64 from = m_volumeSetting.isUnderWay ? m_volumeSetting.latest : m_volume;
+    m_volume = int(qBound<qint64>(0, from + by, MaxVolume));
+    set(&m_volumeSetting, m_volume);
+}
+
+void PlayerModel::seekBy(int seconds) {
+    if (!allows("seekTime"))
+        return;
+    const qint64 from = m_seekSetting.isUnderWay ? m_seekSetting.latest : position();
+    m_position = qMax<qint64>(0, from + qint64(seconds) * MsPerSecond);
+    m_clock.restart();
+    set(&m_seekSetting, position());
+}
+
+void PlayerModel::set(Setting* setting, qint64 number) {
+    setting->latest = number;
+    setting->isDue = true;
+    Q_EMIT changed();
+    if (!setting->isUnderWay)
+        sendLatest(setting);
+}
+
+void PlayerModel::sendLatest(Setting* setting) {
+    setting->isUnderWay = true;
+    setting->isDue = false;
+    m_api->post(pathOf(setting->function),
+                QJsonObject{{QLatin1String(setting->key), setting->latest}},
+                [self = QPointer<PlayerModel>(this), setting](const ApiAnswer& answer) {
+                    if (!self)
+                        return;
+                    setting->isUnderWay = false;
+                    if (!answer.error.isEmpty()) {
+                        setting->isDue = false;
+                        Q_EMIT self->failed(answer.error);
+                        self->refresh(self->m_isPresent); // what was shown already is not so
+                    } else if (setting->isDue) {
+                        self->sendLatest(setting);
+                    }
+                });
 }

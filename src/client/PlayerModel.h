@@ -49,6 +49,10 @@ public:
     void toggle();
     void next();
     void previous();
+    // From 0 to 100, and from the track's beginning to its end. Steps that come faster than the
+    // device answers are taken together.
+    void changeVolume(int by);
+    void seekBy(int seconds);
 
 Q_SIGNALS:
     void changed();
@@ -71,6 +75,16 @@ private:
     void takeDuration(const QJsonObject& value);
     void takeVolume(const QJsonObject& value);
     void takeNext(const QJsonObject& value);
+    // A number that a command sets, of which only the latest counts.
+    struct Setting {
+        const char* function;
+        const char* key;
+        qint64 latest = 0;
+        bool isUnderWay = false;
+        bool isDue = false; // the latest is still to be sent
+    };
+    void set(Setting* setting, qint64 number);
+    void sendLatest(Setting* setting);
     bool allows(const char* control) const;
     void send(const char* function, const QJsonObject& value = {});
     QString pathOf(const char* function) const;
@@ -86,4 +100,6 @@ private:
     int m_volume = 100;
     qint64 m_position = 0; // when the clock was set
     QElapsedTimer m_clock;
+    Setting m_volumeSetting = {"OrvoPlayerSetVolumePath", "volume"};
+    Setting m_seekSetting = {"OrvoPlayerSeekTimePath", "time"};
 };

@@ -27,6 +27,7 @@ Browser::Browser(const Connection& connection, const QJsonObject& paths, const Q
       m_modules(modules),
       m_api(connection),
       m_player(paths, &m_api),
+      m_editor(&m_api, paths),
       m_feed(&m_api, m_player.watched()),
       m_home(&m_api, devicePath("OrvoPlayListsRootPath")),
       m_start(start) {
@@ -51,6 +52,9 @@ Browser::Browser(const Connection& connection, const QJsonObject& paths, const Q
     connect(&m_feed, &EventFeed::onlineChanged, this, &Browser::onOnline);
     connect(&m_player, &PlayerModel::changed, this, &Browser::changed);
     connect(&m_player, &PlayerModel::failed, this, [this](const QString& why) { tell(why, true); });
+    connect(&m_editor, &TrackEditor::done, this, [this](const QString& text) { tell(text); });
+    connect(&m_editor, &TrackEditor::refused, this,
+            [this](const QString& text) { tell(text, true); });
     m_places.push_back(makePlace(HomeRows::homePath(), {}, &m_home, QStringLiteral("Orvo")));
 }
 
@@ -83,7 +87,8 @@ std::unique_ptr<ListPlace> Browser::makePlace(const QString& path, const BrowseR
     auto made = std::make_unique<ListPlace>(path, row, reader, name);
     ListPlace* place = made.get();
     connect(place, &ListPlace::changed, this, &Browser::changed);
-    connect(&place->store(), &ListStore::rowsChanged, this, [this] {
+    connect(&place->store(), &ListStore::rowsChanged, this, [this, place] {
+        m_editor.onRows(place);
         followParents();
         lookForNewRow();
         if (!m_typedAhead.isEmpty())
@@ -192,7 +197,8 @@ void Browser::onReceived(const DeviceEvent& event) {
         m_player.apply(path, data.value(QLatin1String("value")).toObject());
         return;
     }
-    ListChange change{path, event.type == "startingWith", {}};
+    ListChange change{path, event.type == "startingWith", {}, -1};
+    change.revision = qint64(data.value(QLatin1String("revision")).toDouble(-1));
     const QJsonArray changes = data.value(QLatin1String("changes")).toArray();
     for (const QJsonValue& one : changes)
         change.changes.append(one.toString());

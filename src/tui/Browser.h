@@ -17,6 +17,7 @@
 #include "ListPlace.h"
 #include "LocalRows.h"
 #include "PlayerModel.h"
+#include "TrackEditor.h"
 
 // One page of an open menu: what the device publishes for a row, or a choice of this program's own.
 struct MenuPage {
@@ -77,6 +78,12 @@ public:
     // What can be done.
     void openActive();
     void enterActive(); // opens lists and menus only
+    void escape();      // gives up a choice, otherwise goes back
+    void choose();
+    void removeChosen();
+    void moveChosen(int by);
+    void click(const QPoint& point);
+    void scroll(int rows);
     void back();
     void openMenuOfActive();
     void showHelp();
@@ -85,6 +92,8 @@ public:
     void togglePlaying() { m_player.toggle(); }
     void playNext() { m_player.next(); }
     void playPrevious() { m_player.previous(); }
+    void changeVolume(int by) { m_player.changeVolume(by); }
+    void seekBy(int seconds) { m_player.seekBy(seconds); }
 
 Q_SIGNALS:
     void changed();
@@ -125,11 +134,12 @@ private:
     void popMenu();
     void closeMenu();
     void openMenuOf(const BrowseRow& row);
-    void chooseTarget(const BrowseRow& what);
-    void startAdding(const BrowseRow& what, const AddFolderJob::Target& target,
+    bool canBeAdded(const BrowseRow& row) const;
+    void chooseTarget(const QVector<BrowseRow>& what);
+    void startAdding(const QVector<BrowseRow>& what, const AddFolderJob::Target& target,
                      AddFolderJob::Mode mode);
     void endAdding(const QString& text, bool isError);
-    void chooseMode(const BrowseRow& what, const AddFolderJob::Target& target);
+    void chooseMode(const QVector<BrowseRow>& what, const AddFolderJob::Target& target);
     std::optional<AddFolderJob::Target> targetOf(const BrowseRow& row) const;
 
     void tell(const QString& text, bool isError = false);
@@ -141,6 +151,7 @@ private:
     QJsonArray m_modules;
     AsyncApi m_api;
     PlayerModel m_player;
+    TrackEditor m_editor;
     EventFeed m_feed;
     HomeRows m_home;
     QString m_start;
@@ -158,6 +169,7 @@ private:
     QTimer m_headTimer;
     QSet<QString> m_changedModules;
     std::optional<QSet<QString>> m_knownPaths; // before something new was made
+    std::optional<Key> m_prefix;               // the first of two keys, as in dd
     QVector<Key> m_typedAhead;                 // for a list that is still on its way
     int m_working = 0;
     bool m_isBusy = false;

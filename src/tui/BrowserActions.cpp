@@ -1,7 +1,7 @@
 #include <QJsonArray>
 
 #include "Browser.h"
-#include "Names.h"
+#include "BrowserKeys.h"
 #include "PathText.h"
 
 // What people do while they browse. Places and events stand in Browser.cpp.
@@ -14,27 +14,6 @@ constexpr int MaxTypedAhead = 32;
 constexpr int CloseEvent = 1; // what a reply may ask for: close the view
 
 const QString ModePrefix = QStringLiteral("own:mode/");
-
-struct KeyNote {
-    const char* does;
-    const char* keys;
-};
-
-constexpr KeyNote KeyNotes[] = {
-    {"Move", "↑ ↓ PgUp PgDn"},
-    {"First row, last row", "Home g, End G"},
-    {"Open, play, edit, switch", "Enter"},
-    {"Open a list", "→"},
-    {"Back", "← Backspace Esc"},
-    {"Menu of the row", "m"},
-    {"Find in the list", "/"},
-    {"Play or pause", "Space"},
-    {"Next, previous track", "n p"},
-    {"Go to what plays", "j"},
-    {"Draw anew", "Ctrl-L"},
-    {"These keys", "?"},
-    {"Quit", "q"},
-};
 
 } // namespace
 
@@ -168,20 +147,70 @@ void Browser::back() {
 }
 
 void Browser::openMenuOfActive() {
-    if (m_menu.empty())
+    if (!m_menu.empty())
+        return;
+    if (place().chosenCount() == 0 || !canBeAdded(place().activeRow())) {
         openMenuOf(place().activeRow());
+        return;
+    }
+    chooseTarget(place().chosenRows());
 }
 
 // The device's own menu; music that has none can be added to a list.
 void Browser::openMenuOf(const BrowseRow& row) {
     if (!row.contextPath().isEmpty())
         pushMenu(row.contextPath(), row.title());
-    else if (PathText::isAtOrBelow(row.path(), HomeRows::musicPath()) &&
-             (row.type() == BrowseRow::Audio || row.opens()))
-        chooseTarget(row);
+    else if (canBeAdded(row))
+        chooseTarget({row});
 }
 
-void Browser::chooseTarget(const BrowseRow& what) {
+bool Browser::canBeAdded(const BrowseRow& row) const {
+    return PathText::isAtOrBelow(row.path(), HomeRows::musicPath()) &&
+           (row.type() == BrowseRow::Audio || row.opens());
+}
+
+void Browser::escape() {
+    if (m_menu.empty() && place().chosenCount() > 0)
+        place().chooseNothing();
+    else
+        back();
+}
+
+void Browser::choose() {
+    const BrowseRow& row = place().activeRow();
+    const bool isTrackOrFolder = row.type() == BrowseRow::Audio || canBeAdded(row);
+    if (!m_menu.empty() || !isTrackOrFolder)
+        return;
+    place().toggleChosen(row);
+    place().cursor().move(1);
+}
+
+void Browser::removeChosen() {
+    if (m_menu.empty())
+        m_editor.remove(&place());
+}
+
+void Browser::moveChosen(int by) {
+    if (m_menu.empty())
+        m_editor.move(&place(), by);
+}
+
+// The first click goes to a row, one on the row at the cursor does what Enter does.
+void Browser::click(const QPoint& point) {
+    const int index = shown().indexAt(point);
+    if (index < 0 || !shown().store().row(index).canBeChosen())
+        return;
+    if (index == shown().cursor().active())
+        openActive();
+    else
+        shown().cursor().jumpTo(index);
+}
+
+void Browser::scroll(int rows) {
+    shown().cursor().move(rows);
+}
+
+void Browser::chooseTarget(const QVector<BrowseRow>& what) {
     const QString title = QStringLiteral("Add to which list?");
     const MenuPage::Pick pick = [=, this](const BrowseRow& row) {
         if (const auto target = targetOf(row))
@@ -198,16 +227,13 @@ void Browser::chooseTarget(const BrowseRow& what) {
 }
 
 std::optional<AddFolderJob::Target> Browser::targetOf(const BrowseRow& row) const {
-    const QString command = devicePath("OrvoPlayListPlAddItemsPath");
-    const QString path = row.path().section(QLatin1Char('?'), 0, 0);
-    if (path == devicePath("OrvoPlayListPqGetItemsPath"))
-        return AddFolderJob::Target{command, Names::QueueId, row.title()};
-    const int plid = Names::idBelow(path, devicePath("OrvoPlayListPlGetItemsPath"));
-    return plid < 0 ? std::nullopt
-                    : std::optional(AddFolderJob::Target{command, plid, row.title()});
+    const auto plid = m_editor.playlistAt(row.path());
+    if (!plid)
+        return std::nullopt;
+    return AddFolderJob::Target{devicePath("OrvoPlayListPlAddItemsPath"), *plid, row.title()};
 }
 
-void Browser::chooseMode(const BrowseRow& what, const AddFolderJob::Target& target) {
+void Browser::chooseMode(const QVector<BrowseRow>& what, const AddFolderJob::Target& target) {
     struct ModeRow {
         const char* title;
         AddFolderJob::Mode mode;
@@ -228,16 +254,17 @@ void Browser::chooseMode(const BrowseRow& what, const AddFolderJob::Target& targ
     pushOwnMenu(QStringLiteral("Add to %1").arg(target.name), rows, pick);
 }
 
-void Browser::startAdding(const BrowseRow& what, const AddFolderJob::Target& target,
+void Browser::startAdding(const QVector<BrowseRow>& what, const AddFolderJob::Target& target,
                           AddFolderJob::Mode mode) {
     if (m_adding) {
         tell(QStringLiteral("Something is being added already."), true);
         return;
     }
-    const auto kind =
-        what.type() == BrowseRow::Audio ? AddFolderJob::Source::Track : AddFolderJob::Source::List;
-    m_adding = std::make_unique<AddFolderJob>(
-        &m_api, QVector<AddFolderJob::Source>{{what.path(), kind}}, target, mode);
+    QVector<AddFolderJob::Source> sources;
+    for (const BrowseRow& row : what)
+        sources.append({row.path(), row.type() == BrowseRow::Audio ? AddFolderJob::Source::Track
+                                                                   : AddFolderJob::Source::List});
+    m_adding = std::make_unique<AddFolderJob>(&m_api, sources, target, mode);
     AddFolderJob* job = m_adding.get();
     const auto show = [this](const QString& text) {
         m_progress = text;
@@ -268,13 +295,15 @@ void Browser::startAdding(const BrowseRow& what, const AddFolderJob::Target& tar
 void Browser::endAdding(const QString& text, bool isError) {
     m_progress.clear();
     m_adding.release()->deleteLater();
+    if (!isError)
+        place().chooseNothing();
     tell(text, isError);
 }
 
 void Browser::showHelp() {
     QVector<QJsonObject> rows;
-    for (const KeyNote& note : KeyNotes)
-        rows.append(LocalRows::note(QString::fromUtf8(note.does), QString::fromUtf8(note.keys)));
+    for (const KeyNote& note : BrowserKeys::notes())
+        rows.append(LocalRows::note(note.does, note.keys));
     pushOwnMenu(QStringLiteral("Keys"), rows, [this](const BrowseRow&) { popMenu(); });
 }
 

@@ -94,7 +94,9 @@ void BrowserPainter::paintInfo(int row, int width) {
     const ListPlace& place = m_browser->shown();
     QString where;
     if (place.store().count() > 0)
-        where = QStringLiteral(" %1 of %2 ")
+        where = (place.chosenCount() > 0 ? QStringLiteral(" %1 chosen  ").arg(place.chosenCount())
+                                         : QString()) +
+                QStringLiteral(" %1 of %2 ")
                     .arg(place.cursor().active() + 1)
                     .arg(place.store().count());
     const CellText right(where);

@@ -11,10 +11,10 @@ struct GlyphRow {
 };
 
 constexpr GlyphRow GlyphTable[] = {
-    {Glyph::Plays, "▶", ">"},   {Glyph::Pauses, "‖", "="},      {Glyph::Stopped, "■", "#"},
-    {Glyph::Opens, "›", ">"},   {Glyph::Between, " › ", " > "}, {Glyph::Waits, "…", "..."},
-    {Glyph::Thumb, "┃", "#"},   {Glyph::Track, "│", "|"},       {Glyph::Line, "─", "-"},
-    {Glyph::BarDone, "━", "="}, {Glyph::BarLeft, "─", "-"},
+    {Glyph::Plays, "▶", ">"},   {Glyph::Pauses, "‖", "="},  {Glyph::Stopped, "■", "#"},
+    {Glyph::Chosen, "✓", "*"},  {Glyph::Opens, "›", ">"},   {Glyph::Between, " › ", " > "},
+    {Glyph::Waits, "…", "..."}, {Glyph::Thumb, "┃", "#"},   {Glyph::Track, "│", "|"},
+    {Glyph::Line, "─", "-"},    {Glyph::BarDone, "━", "="}, {Glyph::BarLeft, "─", "-"},
 };
 
 } // namespace

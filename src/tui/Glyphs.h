@@ -6,6 +6,7 @@
 enum class Glyph {
     Plays,
     Pauses,
+    Chosen,
     Stopped,
     Opens,
     Between, // two parts of a way: "Playlists › Party"

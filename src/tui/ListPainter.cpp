@@ -24,13 +24,16 @@ QString detailOf(const BrowseRow& row) {
     return row.opens() ? Glyphs::of(Glyph::Opens) : QString();
 }
 
-QString markOf(const BrowseRow& row, const PlayerModel& player) {
+} // namespace
+
+QString ListPainter::markOf(const BrowseRow& row) const {
+    const PlayerModel& player = m_browser->player();
+    if (m_place->isChosen(row))
+        return Glyphs::of(Glyph::Chosen);
     if (player.isCurrent(row))
         return player.isPlaying() ? Glyphs::of(Glyph::Plays) : Glyphs::of(Glyph::Pauses);
     return row.isCreate() ? QStringLiteral("+") : QString();
 }
-
-} // namespace
 
 int ListPainter::wantedWidth(const ListPlace& place) {
     int width = 0;
@@ -45,6 +48,8 @@ int ListPainter::wantedWidth(const ListPlace& place) {
 
 void ListPainter::paint(ListPlace& place, const QRect& area) {
     m_area = area;
+    m_place = &place;
+    place.setArea(area);
     place.cursor().setHeight(area.height());
     const ListStore& store = place.store();
     m_numberColumns = QString::number(qMax(1, store.count())).size();
@@ -95,7 +100,7 @@ void ListPainter::paintTrack(const BrowseRow& row, int line, bool isActive) {
     const Style style = isCurrent ? Style::Accent : Style::Plain;
     const Style beside = isCurrent ? Style::Accent : Style::Dim;
     int at = m_area.left();
-    m_terminal->put(line, at, markOf(row, m_browser->player()), style, isActive);
+    m_terminal->put(line, at, markOf(row), style, isActive);
     at += MarkColumns;
     if (row.position() >= 0) {
         m_terminal->put(line, at,
@@ -127,7 +132,7 @@ void ListPainter::paintOther(const BrowseRow& row, int line, bool isActive) {
                         : isCurrent          ? Style::Accent
                         : !row.canBeChosen() ? Style::Dim
                                              : Style::Plain;
-    m_terminal->put(line, m_area.left(), markOf(row, m_browser->player()), style, isActive);
+    m_terminal->put(line, m_area.left(), markOf(row), style, isActive);
     const QString detail = asks ? AskAgain : detailOf(row);
     const int room = m_area.width() - MarkColumns;
     // The detail may be long, too: the title keeps at least half.

@@ -26,10 +26,12 @@ private:
     void paintHeading(const BrowseRow& row, int line);
     void paintTrack(const BrowseRow& row, int line, bool isActive);
     void paintOther(const BrowseRow& row, int line, bool isActive);
+    QString markOf(const BrowseRow& row) const;
     void paintScrollBar(const ListPlace& place);
 
     Terminal* m_terminal;
     const Browser* m_browser;
+    const ListPlace* m_place = nullptr;
     bool m_isMenu;
     QRect m_area;
     int m_numberColumns = 0;

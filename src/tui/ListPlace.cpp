@@ -14,6 +14,10 @@ QString counted(int count, const QString& what) {
                                                     count == 1 ? QString() : QStringLiteral("s"));
 }
 
+QSet<QString> pathsOf(const QHash<QString, BrowseRow>& rows) {
+    return {rows.keyBegin(), rows.keyEnd()};
+}
+
 } // namespace
 
 ListPlace::ListPlace(const QString& path, const BrowseRow& row, RowReader* reader,
@@ -80,4 +84,39 @@ bool ListPlace::followRow(const ListStore& parent) {
         }
     }
     return false;
+}
+
+void ListPlace::toggleChosen(const BrowseRow& row) {
+    if (!m_chosen.remove(row.path()))
+        m_chosen.insert(row.path(), row);
+}
+
+QVector<BrowseRow> ListPlace::chosenRows() const {
+    QVector<BrowseRow> rows;
+    QHash<QString, BrowseRow> left = m_chosen;
+    for (const int index : m_store.indicesOf(pathsOf(left)))
+        rows.append(left.take(m_store.row(index).path()));
+    for (const BrowseRow& row : qAsConst(left))
+        rows.append(row);
+    return rows;
+}
+
+QVector<int> ListPlace::chosenIndices() const {
+    if (!m_chosen.isEmpty())
+        return m_store.indicesOf(pathsOf(m_chosen));
+    return m_cursor.active() >= 0 && m_store.isFresh(m_cursor.active())
+               ? QVector<int>{m_cursor.active()}
+               : QVector<int>();
+}
+
+bool ListPlace::isSettling() const {
+    return m_store.isReading() ||
+           (m_chosen.isEmpty() && m_cursor.active() >= 0 && !m_store.isFresh(m_cursor.active()));
+}
+
+int ListPlace::indexAt(const QPoint& point) const {
+    if (!m_area.contains(point))
+        return -1;
+    const int index = m_cursor.top() + point.y() - m_area.top();
+    return index < m_store.count() ? index : -1;
 }

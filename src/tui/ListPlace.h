@@ -2,7 +2,9 @@
 
 #include <memory>
 
+#include <QHash>
 #include <QObject>
+#include <QRect>
 
 #include "ListCursor.h"
 #include "ListFinder.h"
@@ -28,6 +30,24 @@ public:
     // The row at the cursor.
     const BrowseRow& activeRow() const { return m_store.row(m_cursor.active()); }
 
+    // Rows that were chosen one by one, known by their paths.
+    void toggleChosen(const BrowseRow& row);
+    bool isChosen(const BrowseRow& row) const { return m_chosen.contains(row.path()); }
+    int chosenCount() const { return m_chosen.size(); }
+    void chooseNothing() { m_chosen.clear(); }
+    // In the order of the list, those that are far away behind the others.
+    QVector<BrowseRow> chosenRows() const;
+    // Where the chosen rows are now, as far as that is known; the row at the cursor when none is
+    // chosen.
+    QVector<int> chosenIndices() const;
+    // What is concerned is being read again.
+    bool isSettling() const;
+
+    // Where on the screen the list was drawn last, and the row that stands at a place of it; -1
+    // when none does.
+    void setArea(const QRect& area) { m_area = area; }
+    int indexAt(const QPoint& point) const;
+
     // As its row calls it where the published title says more: "Playlist - Party" is "Party".
     QString title() const;
     // "17 tracks", "3 items", "empty".
@@ -49,4 +69,6 @@ private:
     ListStore m_store;
     ListCursor m_cursor;
     ListFinder m_finder;
+    QHash<QString, BrowseRow> m_chosen; // by their paths
+    QRect m_area;
 };

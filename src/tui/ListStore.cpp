@@ -25,6 +25,15 @@ bool ListStore::isFresh(int index) const {
     return found != m_rows.end() && found->second.generation == m_generation;
 }
 
+QVector<int> ListStore::indicesOf(const QSet<QString>& paths) const {
+    QVector<int> found;
+    for (const auto& [index, slot] : m_rows) {
+        if (slot.generation == m_generation && paths.contains(slot.row.path()))
+            found.append(index);
+    }
+    return found;
+}
+
 bool ListStore::isCurrent() const {
     return isLoaded() && kept() == m_count && (m_count > 0 || m_emptyGeneration == m_generation) &&
            std::all_of(m_rows.begin(), m_rows.end(), [this](const auto& entry) {
@@ -125,6 +134,7 @@ void ListStore::take(int from, const RowsAnswer& answer) {
 void ListStore::takeHead(const RowsAnswer& answer) {
     m_roles = answer.roles;
     m_title = answer.title;
+    m_revision = answer.revision;
     if (answer.count == m_count)
         return;
     if (isLoaded()) {
@@ -156,6 +166,8 @@ void ListStore::apply(const ListChange& change) {
     if (m_closed || !(change.below ? PathText::isAtOrBelow(m_path, change.path)
                                    : PathText::isSamePlace(m_path, change.path)))
         return;
+    if (change.revision >= 0)
+        m_revision = change.revision;
     const QPointer<ListStore> self(this);
     const QVector<Run> runs = insertedRuns(change.changes);
     if (!runs.isEmpty() && !isLoaded()) {

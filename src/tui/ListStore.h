@@ -14,6 +14,7 @@ struct ListChange {
     QString path;
     bool below = false; // concerns every list at or below the path
     QStringList changes;
+    qint64 revision = -1; // that a list of tracks has then
 };
 
 // The rows of one list, however long: read by pages as they are wanted, kept while they are near,
@@ -34,10 +35,14 @@ public:
     int count() const { return m_count; }
     QString title() const { return m_title; }
     const QJsonObject& roles() const { return m_roles; }
+    // Of a list of tracks, -1 for others.
+    qint64 revision() const { return m_revision; }
     bool isClosed() const { return m_closed; }
     // An empty row when it is still on its way.
     const BrowseRow& row(int index) const;
     bool isFresh(int index) const;
+    // Those rows with one of the paths that are here, as they are now.
+    QVector<int> indicesOf(const QSet<QString>& paths) const;
     // Everything is here, as it is now.
     bool isCurrent() const;
     int kept() const { return int(m_rows.size()); }
@@ -94,6 +99,7 @@ private:
     QString m_title;
     QJsonObject m_roles;
     int m_count = -1;
+    qint64 m_revision = -1;
     bool m_closed = false;
     // Only what is kept: a list may be as long as it likes.
     std::map<int, Slot> m_rows;

@@ -72,6 +72,19 @@ Look lookOf(Style style) {
     return {A_NORMAL, 0};
 }
 
+Key readMouse() {
+    MEVENT event;
+    if (::getmouse(&event) != OK)
+        return {};
+    for (const auto& [button, name] : {std::pair<mmask_t, Key::Name>(BUTTON1_PRESSED, Key::Click),
+                                       {BUTTON4_PRESSED, Key::WheelUp},
+                                       {BUTTON5_PRESSED, Key::WheelDown}}) {
+        if (event.bstate & button)
+            return {name, 0, event.y, event.x};
+    }
+    return {};
+}
+
 } // namespace
 
 void Terminal::check() {
@@ -96,6 +109,8 @@ Terminal::Terminal() {
     ::nonl();
     ::keypad(stdscr, true);
     ::nodelay(stdscr, true);
+    ::mousemask(BUTTON1_PRESSED | BUTTON4_PRESSED | BUTTON5_PRESSED, nullptr);
+    ::mouseinterval(0); // a click is told at once, not when it is known to be no double one
     ::curs_set(0);
     if (::has_colors()) {
         ::start_color();
@@ -126,14 +141,16 @@ std::optional<Key> Terminal::readKey() {
     wint_t code = 0;
     switch (::wget_wch(stdscr, &code)) {
     case KEY_CODE_YES:
-        return Key{nameOf(FunctionKeys, code), 0};
+        if (code == KEY_MOUSE)
+            return readMouse();
+        return Key{nameOf(FunctionKeys, code)};
     case OK: {
         const Key::Name name = nameOf(CharacterKeys, code);
         if (name == Key::Redraw)
             ::clearok(curscr, true);
         if (name != Key::None)
-            return Key{name, 0};
-        return code < 0x20 ? Key{Key::None, 0} : Key{Key::Char, char32_t(code)};
+            return Key{name};
+        return code < 0x20 ? Key{} : Key{Key::Char, char32_t(code)};
     }
     default:
         return {};

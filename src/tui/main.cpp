@@ -61,10 +61,7 @@ void browse(const Connection& connection, const QString& start) {
         bool any = false;
         while (const auto key = terminal.readKey()) {
             any = true;
-            if (key->name == Key::Redraw)
-                draw();
-            else
-                browser.press(*key);
+            browser.press(*key);
         }
         if (!any && terminal.isGone())
             loop.quit();

@@ -5,6 +5,7 @@
 #include <QTcpServer>
 
 #include "Device.h"
+#include "EventLoop.h"
 #include "SoundFiles.h"
 #include "TerminalProgram.h"
 
@@ -58,6 +59,10 @@ protected:
     }
     QStringList party() { return device.titles("playlists:pl/items/1"); }
     void order(const QStringList& words) { EXPECT_EQ(device.ctl(words).status, 0); }
+
+    bool waitForVolume(const QByteArray& shown) {
+        return waitUntil([&] { return device.ctl({"volume"}).out == shown; }, 10000);
+    }
 
     Device device{{"--audio-sink", "auto", "--listen", "127.0.0.1:" + QString::number(freePort())}};
 };
@@ -217,17 +222,141 @@ TEST_F(Browse, aTrackIsPlayedMarkedAndPaused) {
     ASSERT_TRUE(screen.waitForText("▶ Long Two – Band L"));
     ASSERT_TRUE(screen.waitForBar("▶ 6  Long Two"));
     ASSERT_TRUE(screen.waitForText("━")) << "the clock runs";
-    screen.type(" ");
+    screen.type("p");
     ASSERT_TRUE(screen.waitForText("‖ Long Two"));
     EXPECT_TRUE(device.waitForValue("player:state", "paused"));
-    screen.type("p");
+    screen.type("<");
     ASSERT_TRUE(screen.waitForText("▶ Long One"));
     screen.type(Left);
     ASSERT_TRUE(screen.waitForText("2 items"));
-    screen.type("j");
+    screen.type("c");
     ASSERT_TRUE(screen.waitForBar("▶ 5  Long One")) << "jumped to what plays";
-    screen.type("n");
+    screen.type(">");
     ASSERT_TRUE(screen.waitForText("▶ 6  Long Two"));
+}
+
+TEST_F(Browse, severalTracksAreChosenAndRemoved) {
+    TerminalProgram screen(browse({"playlists:pl/items/1"}));
+    ASSERT_TRUE(screen.waitForText("Track 1.4"));
+    screen.type(" j ");
+    ASSERT_TRUE(screen.waitForText("2 chosen")) << "each choice goes on to the next row";
+    ASSERT_TRUE(screen.waitForText("✓ 1  Track 1.1"));
+    ASSERT_TRUE(screen.waitForText("✓ 3  Track 1.3"));
+    screen.type("dd");
+    ASSERT_TRUE(screen.waitForText("2 tracks removed"));
+    EXPECT_EQ(party(), (QStringList{"Track 1.2", "Track 1.4"}));
+    ASSERT_TRUE(screen.waitForNoText("chosen"));
+    screen.type("g\x1b[3~");
+    ASSERT_TRUE(screen.waitForText("1 track removed")) << "without a choice the one at the bar";
+    EXPECT_EQ(party(), QStringList{"Track 1.4"});
+    screen.type("d");
+    screen.type("g ");
+    ASSERT_TRUE(screen.waitForText("1 chosen")) << "one d alone does nothing";
+    screen.type(Escape);
+    ASSERT_TRUE(screen.waitForNoText("1 chosen"));
+    EXPECT_TRUE(screen.waitForText("1 track")) << "and the list is still open";
+    EXPECT_EQ(party().size(), 1);
+}
+
+TEST_F(Browse, tracksAreMovedStepByStep) {
+    TerminalProgram screen(browse({"playlists:pl/items/1"}));
+    ASSERT_TRUE(screen.waitForText("Track 1.4"));
+    screen.type("J");
+    ASSERT_TRUE(screen.waitForBar("2  Track 1.1"));
+    screen.type("JJ");
+    ASSERT_TRUE(screen.waitForBar("4  Track 1.1")) << "steps that come fast are all taken";
+    EXPECT_EQ(party(), (QStringList{"Track 1.2", "Track 1.3", "Track 1.4", "Track 1.1"}));
+    screen.type("J");
+    screen.type("KKKKK");
+    ASSERT_TRUE(screen.waitForBar("1  Track 1.1"));
+    screen.type("  J");
+    ASSERT_TRUE(screen.waitForText("✓ 3  Track 1.2"));
+    EXPECT_EQ(party(), (QStringList{"Track 1.3", "Track 1.1", "Track 1.2", "Track 1.4"}))
+        << "what is chosen moves together";
+}
+
+TEST_F(Browse, onlyTracksOfAPlaylistAreRemovedOrMoved) {
+    TerminalProgram screen(browse({"files:tree"}));
+    ASSERT_TRUE(screen.waitForText("Band 3"));
+    for (const char* keys : {"dd", "J"}) {
+        screen.type(keys);
+        ASSERT_TRUE(screen.waitForText("This is no track of a playlist"));
+        screen.type("k");
+        ASSERT_TRUE(screen.waitForNoText("This is no track"));
+    }
+}
+
+TEST_F(Browse, severalFoldersAreAddedTogether) {
+    TerminalProgram screen(browse({"files:tree"}));
+    ASSERT_TRUE(screen.waitForText("Band 3"));
+    screen.type("  m");
+    ASSERT_TRUE(screen.waitForText("Add to which list?"));
+    screen.type(End + "k");
+    ASSERT_TRUE(screen.waitForBar("Party"));
+    screen.type(Enter);
+    ASSERT_TRUE(screen.waitForText("Add to Party"));
+    screen.type(Enter);
+    ASSERT_TRUE(screen.waitForText("8 tracks added to Party"));
+    EXPECT_TRUE(screen.waitForNoText("2 chosen"));
+    EXPECT_EQ(party().size(), 12);
+}
+
+TEST_F(Browse, lettersMoveAsArrowsDo) {
+    TerminalProgram screen(browse());
+    ASSERT_TRUE(screen.waitForBar("Playlists"));
+    screen.type("j");
+    ASSERT_TRUE(screen.waitForBar("Music"));
+    screen.type("kl");
+    ASSERT_TRUE(screen.waitForText("Orvo › Playlists"));
+    screen.type("jj");
+    ASSERT_TRUE(screen.waitForBar("Party"));
+    screen.type("h");
+    ASSERT_TRUE(screen.waitForBar("Playlists"));
+}
+
+TEST_F(Browse, volumeAndPlaceAreChangedByKeys) {
+    order({"add", "Party", device.musicFolder() + "/Long"});
+    order({"volume", "50"});
+    TerminalProgram screen(browse({"playlists:pl/items/1"}));
+    ASSERT_TRUE(screen.waitForText("volume 50"));
+    screen.type("+++");
+    ASSERT_TRUE(screen.waitForText("volume 65"));
+    EXPECT_TRUE(waitForVolume("65\n"));
+    screen.type("-");
+    EXPECT_TRUE(waitForVolume("60\n"));
+    screen.type(QByteArray(30, '-'));
+    ASSERT_TRUE(screen.waitForText("volume 0"));
+    EXPECT_TRUE(waitForVolume("0\n"));
+    screen.type(End + Enter);
+    ASSERT_TRUE(screen.waitForText("▶ Long Two"));
+    screen.type("p");
+    EXPECT_TRUE(device.waitForValue("player:state", "paused"));
+    screen.type("fff");
+    ASSERT_TRUE(screen.waitForText("0:3"));
+    screen.type("b");
+    ASSERT_TRUE(screen.waitForText("0:2"));
+}
+
+TEST_F(Browse, theMouseGoesToRowsAndOpensThem) {
+    order({"add", "Party", device.musicFolder() + "/Long"});
+    TerminalProgram screen(browse({"playlists:pl/items/1"}));
+    ASSERT_TRUE(screen.waitForText("Long Two"));
+    ASSERT_TRUE(screen.waitForText("Nothing plays"));
+    const auto press = [&screen](int button, int line) {
+        const QByteArray at = QByteArray::number(button) + ";10;" + QByteArray::number(line + 1);
+        screen.type("\x1b[<" + at + "M\x1b[<" + at + "m");
+    };
+    press(0, 3);
+    ASSERT_TRUE(screen.waitForBar("3  Track 1.3"));
+    press(64, 3);
+    ASSERT_TRUE(screen.waitForBar("1  Track 1.1"));
+    press(65, 3);
+    ASSERT_TRUE(screen.waitForBar("4  Track 1.4"));
+    press(0, 20);
+    press(0, 6);
+    ASSERT_TRUE(screen.waitForBar("6  Long Two")) << "below the rows there is nothing";
+    press(0, 6);
+    ASSERT_TRUE(screen.waitForText("▶ Long Two –")) << "a click on the bar plays";
 }
 
 TEST_F(Browse, whatTheDeviceRefusesIsSaidInItsOwnWords) {
