@@ -22,17 +22,12 @@ MODULE, GATEWAY, FILES = "liborvo_playlists.so", "liborvo_gateway.so", "liborvo_
 
 def sizes(build, scratch, report):
     libraries = sorted(file.path for file in os.scandir(f"{build}/lib") if file.name.endswith(".so"))
-    for file in [f"{build}/bin/orvo-host", f"{build}/bin/orvoctl", *libraries]:
+    programs = sorted(file.path for file in os.scandir(f"{build}/bin") if file.name.startswith(("orvo-", "orvoctl")))
+    for file in programs + libraries:
         name = os.path.basename(file)
         subprocess.run(["strip", "--strip-all", "-o", f"{scratch}/{name}", file], check=True)
         report.add(f"{name}, stripped", os.path.getsize(f"{scratch}/{name}") / 1024, "KiB",
                    650 if name == MODULE else None)
-
-
-def make_playlists(device, count):
-    client = device.connect()
-    for i in range(count):
-        client.add_tracks(client.create(f"Playlist {i}"), 0, TRACKS_EACH)
 
 
 def ask_first(device):
@@ -51,7 +46,7 @@ def memory_of(pid):
     return kib["Rss:"] / 1024, (kib["Private_Clean:"] + kib["Private_Dirty:"]) / 1024
 
 
-def memory(host, bare, few, many, report):
+def memory(host, bare, few, report):
     def after_start(folder, modules):
         with BenchDevice(host, folder, modules=modules) as device:
             if modules == [GATEWAY]:
@@ -59,19 +54,15 @@ def memory(host, bare, few, many, report):
                 accepted(client.exchange(client.text("GET", "/api/modules")))
             else:
                 ask_first(device)
-            return memory_of(device.pid)
+            return memory_of(device.pid)[0]
 
     figures = {"bare host, the gateway only": after_start(bare, [GATEWAY]),
                "with the playlists module": after_start(few, [MODULE, GATEWAY]),
                "with all modules": after_start(few, [])}
-    for what, (resident, private) in figures.items():
+    for what, resident in figures.items():
         report.add(f"{what}, resident", resident, "MiB")
-        report.add(f"{what}, private", private, "MiB")
     without, module, _ = figures.values()
-    report.add("the module over the bare host, 1,000 playlists, resident", module[0] - without[0], "MiB", 5)
-    report.add("the module over the bare host, 1,000 playlists, private", module[1] - without[1], "MiB")
-    more = after_start(many, [MODULE, GATEWAY])
-    report.add("1,000 more playlists, private", (more[1] - module[1]) * 1024 / 4, "KiB")
+    report.add("the module over the bare host, 1,000 playlists, resident", module - without, "MiB", 5)
 
 
 def views(host, folder, report):
@@ -92,42 +83,27 @@ def start_ms(host, folder, modules):
         return (time.perf_counter() - begin) * 1000
 
 
-def drop_page_cache():
-    os.sync()
-    with open("/proc/sys/vm/drop_caches", "w", encoding="ascii") as control:
-        control.write("1\n")
-
-
 def starts(host, folder, report):
     for name, modules in (("all modules", []), ("playlists and gateway", [MODULE, GATEWAY]),
                           ("without the player", [MODULE, FILES, GATEWAY])):
         what = f"start to first answer, {name}"
         start_ms(host, folder, modules)
-        report.add(f"{what}, warm, median",
+        report.add(f"{what}, median",
                    statistics.median(start_ms(host, folder, modules) for _ in range(15)), "ms", 150)
-        cold = []
-        try:
-            for _ in range(3):
-                drop_page_cache()
-                cold.append(start_ms(host, folder, modules))
-            report.add(f"{what}, cold, median", statistics.median(cold), "ms")
-        except PermissionError:
-            report.note(f"{what}, cold: the page cache may not be dropped here.")
 
 
 def run(options):
     report = Report(options.table)
     host = f"{options.build}/bin/orvo-host"
     with temp_folder(options.memory) as scratch, temp_folder(options.disk) as disk:
-        few, many = f"{scratch}/few", f"{scratch}/many"
+        few = f"{scratch}/few"
         with BenchDevice(host, few) as device:
-            make_playlists(device, PLAYLISTS)
-        shutil.copytree(few, many)
-        with BenchDevice(host, many) as device:
-            make_playlists(device, 4 * PLAYLISTS)
+            client = device.connect()
+            for i in range(PLAYLISTS):
+                client.add_tracks(client.create(f"Playlist {i}"), 0, TRACKS_EACH)
         shutil.copytree(few, f"{disk}/few")
         sizes(options.build, scratch, report)
-        memory(host, f"{scratch}/bare", few, many, report)
+        memory(host, f"{scratch}/bare", few, report)
         views(host, few, report)
         starts(host, f"{disk}/few", report)
     return report.finish()

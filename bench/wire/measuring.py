@@ -203,18 +203,15 @@ class Report:
         self._table.row([what, f"{figure(value)} {unit}".strip(),
                          "" if bound is None else f"{bound} {unit}".strip() + " BROKEN" * broken])
 
-    def note(self, text):
-        self._table.line(text)
-
     def finish(self):
         """Call it when all processes of the run have ended. Returns the exit status."""
         seconds = time.monotonic() - self._begin[0]
         percent = 100 * max(0, self._used_by_others() - self._begin[1]) / seconds
-        self.note(f"\nTaken by others: {percent:.1f} % of a processor.")
+        self._table.line(f"\nTaken by others: {percent:.1f} % of a processor.")
         if percent > MAX_DISTURBED_PERCENT:
-            self.note(f"The machine was disturbed (more than {MAX_DISTURBED_PERCENT} %): not judged.")
+            self._table.line(f"The machine was disturbed (more than {MAX_DISTURBED_PERCENT} %): not judged.")
             return DISTURBED
-        self.note(f"{self._broken} bounds are broken." if self._broken else "Every bound was held.")
+        self._table.line(f"{self._broken} bounds are broken." if self._broken else "Every bound was held.")
         return BROKEN if self._broken else HELD
 
     def _used_by_others(self):

@@ -8,7 +8,6 @@ something could not be measured, with 4 where others took too much of the proces
 import random
 import re
 import select
-import shutil
 import statistics
 import sys
 import time
@@ -25,7 +24,7 @@ FIRST_POSITION = re.compile(rb'"value":\{"i32":(\d+)')
 
 
 class Library:
-    """The device that is asked, and its lists."""
+    """The device that is asked, in memory-backed storage, and its lists."""
 
     def __init__(self, device):
         self.device = device
@@ -87,7 +86,7 @@ def edit(text, needle, editor, listener):
     return times[editor], times[listener]
 
 
-def edits(library, storage, bounded, report):
+def edits(library, report):
     """Edits by one client, while another one listens."""
     warm_up = 10
     dice = random.Random(2)
@@ -112,9 +111,8 @@ def edits(library, storage, bounded, report):
             times = [edit(editor.post(f"playlists:pl/{command}", {"plid": plid, **arguments(n, size)}),
                           needle, editor, listener) for n in range(warm_up + count)][warm_up:]
             answered, told = (statistics.median(column) for column in zip(*times))
-            what = f"{name}, list of {size:,}, {storage}, median until"
-            report.add(f"{what} answered", answered, "µs", 1000 if bounded else None)
-            report.add(f"{what} told", told, "µs", 2000 if bounded else None)
+            report.add(f"{name}, list of {size:,}, median until answered", answered, "µs", 1000)
+            report.add(f"{name}, list of {size:,}, median until told", told, "µs", 2000)
 
 
 def pages_behind_removals(library, report):
@@ -224,7 +222,7 @@ def many_readers(library, report):
     report.add(f"{what}, errors", 0, "", 0)  # the first one would have ended the run
 
 
-def folder_added(library, storage, bounded, report):
+def folder_added(library, report):
     """A folder goes into a new list, while four clients read with a breath between two pages."""
     breath = 0.002
     editor = library.device.connect()
@@ -252,29 +250,19 @@ def folder_added(library, storage, bounded, report):
         raise RuntimeError(f"the new list has {rows} of the folder's tracks")
     editor.must("playlists:pl/delete", {"plid": new})
     times = [each for reader in readers for each in reader.times]
-    what = f"a folder of {FOLDER_TRACKS:,} tracks is added, {storage}"
+    what = f"a folder of {FOLDER_TRACKS:,} tracks is added"
     report.add(f"{what}, until answered", added, "ms")
     report.add(f"{what}, a page meanwhile, median", statistics.median(times), "ms")
-    report.add(f"{what}, a page meanwhile, longest", max(times), "ms", 100 if bounded else None)
+    report.add(f"{what}, a page meanwhile, longest", max(times), "ms", 100)
 
 
 def run(options):
     report = Report(options.table)
-    with temp_folder(options.memory) as memory, temp_folder(options.disk) as disk:
-        with BenchDevice(options.host, memory, options.music) as device:
-            device.wait_for_scan(device.connect())
-            library = Library(device)
-            pages(library, report)
-            edits(library, "memory", True, report)
-            pages_behind_removals(library, report)
-            many_listeners(library, report)
-            many_readers(library, report)
-            folder_added(library, "memory", True, report)
-        shutil.copytree(f"{memory}/device", f"{disk}/device")
-        with BenchDevice(options.host, disk, options.music) as library.device:
-            library.device.wait_for_scan(library.device.connect())
-            edits(library, "disk", False, report)
-            folder_added(library, "disk", False, report)
+    with temp_folder(options.memory) as folder, BenchDevice(options.host, folder, options.music) as device:
+        device.wait_for_scan(device.connect())
+        library = Library(device)
+        for scenario in (pages, edits, pages_behind_removals, many_listeners, many_readers, folder_added):
+            scenario(library, report)
     return report.finish()
 
 
