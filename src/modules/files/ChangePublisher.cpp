@@ -1,6 +1,10 @@
 #include "ChangePublisher.h"
 
+#include <utility>
+
 #include "CMConnect.h"
+#include "LibraryViews.h"
+#include "SearchNode.h"
 
 namespace {
 constexpr int IntervalMs = 250;
@@ -8,11 +12,12 @@ constexpr int IntervalMs = 250;
 constexpr std::size_t MostSingleResets = 50;
 } // namespace
 
-ChangePublisher::ChangePublisher(MusicTree* tree, Scanner* scanner, CMSubscribe* subscribe,
-                                 QObject* parent)
+ChangePublisher::ChangePublisher(MusicTree* tree, Scanner* scanner, LibraryIndex* index,
+                                 CMSubscribe* subscribe, QObject* parent)
     : QObject(parent),
       m_tree(tree),
       m_scanner(scanner),
+      m_index(index),
       m_subscribe(subscribe),
       m_published(scanValue()) {
     m_timer.setSingleShot(true);
@@ -23,6 +28,10 @@ ChangePublisher::ChangePublisher(MusicTree* tree, Scanner* scanner, CMSubscribe*
             m_timer.start();
     };
     cmConnect(m_scanner, &Scanner::progressed, this, publishSoon);
+    cmConnect(m_index, &LibraryIndex::changed, this, [this, publishSoon] {
+        m_libraryChanged = true;
+        publishSoon();
+    });
     cmConnect(m_tree, &MusicTree::rowsChanged, this, [this, publishSoon](const FolderPtr& folder) {
         m_changed[folder.get()] = folder;
         publishSoon();
@@ -35,7 +44,7 @@ CMPath ChangePublisher::scanPath() {
 }
 
 OrvoValue ChangePublisher::scanValue() const {
-    const bool ready = m_begun && !m_scanner->isScanning();
+    const bool ready = m_begun && !m_scanner->isScanning() && !m_index->isBehind();
     OrvoValue value;
     value.setAttribute(QStringLiteral("state"),
                        ready ? QStringLiteral("ready") : QStringLiteral("scanning"));
@@ -47,12 +56,23 @@ OrvoValue ChangePublisher::scanValue() const {
 
 void ChangePublisher::publish() {
     publishRows();
+    publishLibrary();
     const OrvoValue value = scanValue();
     if (value == m_published)
         return;
     const OrvoValue before = m_published;
     m_published = value;
     m_subscribe->valueChanged(scanPath(), value, before);
+}
+
+void ChangePublisher::publishLibrary() {
+    if (!std::exchange(m_libraryChanged, false))
+        return;
+    QList<CMPath> paths = {SearchNode::rootPath()};
+    for (const LibraryViews::View& view : LibraryViews::all())
+        paths.append(LibraryViews::pathOf(view));
+    for (const CMPath& path : paths)
+        m_subscribe->changedStartingWith(path, CMSubscribe::RowsChangeReset(), -1);
 }
 
 void ChangePublisher::publishRows() {

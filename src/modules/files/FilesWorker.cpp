@@ -20,14 +20,20 @@ FilesWorker::FilesWorker(const QHash<QString, QVariant>& config)
       m_tree(config.value(QStringLiteral("musicDir")).toString()),
       m_loader(&m_tree, config.value(QStringLiteral("dataDir")).toString()),
       m_scanner(&m_tree, &m_loader),
+      m_index(&m_tree, &m_scanner),
       m_watcher(MostWatches),
-      m_publisher(&m_tree, &m_scanner, subscribe()),
-      m_treeNode(&m_tree, nodes(), nullptr) {
+      m_publisher(&m_tree, &m_scanner, &m_index, subscribe()),
+      m_treeNode(&m_tree, nodes(), nullptr),
+      m_searches(&m_index) {
     cmConnect(&m_tree, &MusicTree::folderAdded, &m_watcher, &FolderWatcher::add);
     cmConnect(&m_tree, &MusicTree::folderRemoved, &m_watcher, &FolderWatcher::remove);
     cmConnect(&m_watcher, &FolderWatcher::changed, &m_scanner, &Scanner::refresh);
     cmConnect(&m_watcher, &FolderWatcher::overflowed, &m_scanner, &Scanner::scanAll);
     cmConnect(&m_scanner, &Scanner::finished, this, [this] { announce(); });
+    for (const LibraryViews::View& view : LibraryViews::all())
+        m_libraryNodes.push_back(std::make_unique<LibraryNode>(view, &m_index, nodes()));
+    for (const SearchNode::Part& part : SearchNode::parts())
+        m_searchNodes.push_back(std::make_unique<SearchNode>(part, &m_searches, nodes()));
     // The first turn of the event loop comes when every module is loaded: start-up never waits for
     // a disk full of music.
     QTimer::singleShot(0, this, [this] { scan(); });
@@ -110,7 +116,7 @@ void FilesWorker::prepareItems(const CMSetDataRequest& request) {
         const QString text = element.toString();
         paths.append(text.isEmpty() ? CMPath::fromQVariant(element).toString() : text);
     }
-    auto* job = new PrepareJob(&m_tree, &m_loader, paths, request.reply(), this);
+    auto* job = new PrepareJob(&m_tree, &m_loader, &m_index, paths, request.reply(), this);
     job->start();
 }
 

@@ -3,8 +3,10 @@
 #include "ChangePublisher.h"
 #include "CMWorker.h"
 #include "FolderWatcher.h"
+#include "LibraryNode.h"
 #include "MusicTree.h"
 #include "Scanner.h"
+#include "SearchNode.h"
 #include "TagLoader.h"
 #include "TreeNode.h"
 
@@ -36,8 +38,12 @@ private:
     MusicTree m_tree;
     TagLoader m_loader;
     Scanner m_scanner;
+    LibraryIndex m_index;
     FolderWatcher m_watcher;
     ChangePublisher m_publisher;
     TreeNode m_treeNode;
+    std::vector<std::unique_ptr<LibraryNode>> m_libraryNodes;
+    SearchQueue m_searches;
+    std::vector<std::unique_ptr<SearchNode>> m_searchNodes;
     bool m_announce = false; // a scan of everything is under way
 };

@@ -4,6 +4,7 @@
 
 #include "CMConnect.h"
 #include "FilesLog.h"
+#include "LibraryViews.h"
 
 namespace {
 // A person waits for this one, so its slices are longer than the scan's.
@@ -14,9 +15,14 @@ constexpr int MostUnknownLogged = 5;
 constexpr int MostItems = 100000;
 } // namespace
 
-PrepareJob::PrepareJob(MusicTree* tree, TagLoader* loader, const QStringList& paths,
-                       const CMReply<QVariant>& reply, QObject* parent)
-    : QObject(parent), m_tree(tree), m_loader(loader), m_paths(paths), m_reply(reply) {
+PrepareJob::PrepareJob(MusicTree* tree, TagLoader* loader, LibraryIndex* index,
+                       const QStringList& paths, const CMReply<QVariant>& reply, QObject* parent)
+    : QObject(parent),
+      m_tree(tree),
+      m_loader(loader),
+      m_index(index),
+      m_paths(paths),
+      m_reply(reply) {
     m_timer.setInterval(0);
     cmConnect(&m_timer, &QTimer::timeout, this, [this] { slice(); });
     cmConnect(m_loader, &TagLoader::progressed, this, [this] {
@@ -63,24 +69,39 @@ bool PrepareJob::step(const QDeadlineTimer& deadline) {
             m_levels.pop_back();
         return true;
     }
+    if (m_nextSelected < m_selected.size()) {
+        const LibraryTrack& next = m_library->track(quint32(m_selected[m_nextSelected++]));
+        append(next.folder, next.track);
+        return true;
+    }
     if (m_nextPath < m_paths.size()) {
-        beginPath(m_paths.at(m_nextPath++));
+        const QString& path = m_paths.at(m_nextPath++);
+        if (!beginPath(CMPath(path)) && ++m_unknown <= MostUnknownLogged)
+            LOG4CPLUS_WARN(filesLogger(), "nothing to prepare at " << path);
         return true;
     }
     return false;
 }
 
-void PrepareJob::beginPath(const QString& path) {
-    const MusicTree::Place place = m_tree->find(CMPath(path));
-    if (!place.folder) {
-        if (++m_unknown <= MostUnknownLogged)
-            LOG4CPLUS_WARN(filesLogger(), "nothing to prepare at " << path);
-        return;
-    }
+bool PrepareJob::beginPath(const CMPath& path) {
+    const MusicTree::Place place = m_tree->find(path);
+    if (!place.folder)
+        return beginSelection(path);
     if (place.track)
         append(place.folder, place.track);
     else
         m_entering = place.folder;
+    return true;
+}
+
+bool PrepareJob::beginSelection(const CMPath& path) {
+    const LibraryViews::View* view = LibraryViews::find(path);
+    if (!view)
+        return false;
+    m_library = m_index->library();
+    m_selected = LibraryViews::tracks(*m_library, *view, path);
+    m_nextSelected = 0;
+    return !m_selected.empty();
 }
 
 void PrepareJob::enterFolder(const QDeadlineTimer& deadline) {
