@@ -29,8 +29,9 @@ async function painted() {
   await after(0);
 }
 
+// Behind the style sheet that stands at the end of the page, whose rules it refines.
 const addStyle = (href) => new Promise((done) =>
-  document.head.append(el('link', { rel: 'stylesheet', href, onload: done, onerror: done })));
+  document.body.append(el('link', { rel: 'stylesheet', href, onload: done, onerror: done })));
 
 async function loadParts() {
   for (;;) {

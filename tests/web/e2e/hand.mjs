@@ -173,6 +173,17 @@ for (const [width, height] of [[1024, 768], [768, 1024]]) {
   }, { sizes: ['desktop'] });
 }
 
+story('the picture on the button to play is seen', async ({ device, open }) => {
+  await device.playlist('Party', Albums.lanterns);
+  const me = await open({ colorScheme: 'light' });
+  await me.openList('Party');
+  await me.playRow(Lanterns[1]);
+  await eventually(() => me.nowTitle(), Lanterns[1]);
+  const button = me.page.locator('#player .play-button');
+  await eventually(() => button.isEnabled(), true);
+  assert.equal(await button.evaluate((one) => getComputedStyle(one).color), 'rgb(255, 255, 255)');
+}, { player: true });
+
 story('names that run from right to left keep their beginning', async ({ device, open }) => {
   const name = 'רשימת השמעה ארוכה מאוד שאין לה מקום בשום מסך ובשום חלון שהוא ולכן היא נחתכת בסופה';
   await device.playlist(name, Albums.hours);
