@@ -45,7 +45,7 @@ BenchStore::~BenchStore() {
 }
 
 QByteArray BenchStore::image() const {
-    Database(0, false); // makes the tables
+    const Database tables(0, false); // makes them
     Baseline store(StoreFile);
     const Items& items = Items::of(m_contents.length, m_contents.order);
     for (int i = 0; i < m_contents.lists; ++i) {
