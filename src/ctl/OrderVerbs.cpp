@@ -1,19 +1,11 @@
-#include <QJsonArray>
-
 #include "ClientFailure.h"
+#include "Positions.h"
 #include "TrackOrder.h"
 #include "Verbs.h"
 
 namespace {
 
 const QStringList SortRoles = {QStringLiteral("title"), QStringLiteral("mediaData")};
-
-QJsonArray numbers(const QList<int>& list) {
-    QJsonArray array;
-    for (const int number : list)
-        array.append(number);
-    return array;
-}
 
 // What the verb found out holds for the list as it was read: the device refuses it for any other.
 QJsonObject record(const Named& playlist, const RowsAnswer& answer) {
@@ -34,8 +26,8 @@ void OrderVerbs::sort(VerbContext& context) {
             QStringLiteral("there are no tracks in %1").arg(playlist.label()));
     QJsonObject request = record(playlist, answer);
     request.insert(QStringLiteral("order"),
-                   numbers(TrackOrder::sorted(answer.rows, *field,
-                                              context.arguments.has(QStringLiteral("reverse")))));
+                   Positions::json(TrackOrder::sorted(
+                       answer.rows, *field, context.arguments.has(QStringLiteral("reverse")))));
     context.run(QStringLiteral("OrvoPlayListPlSetOrderPath"), request,
                 QStringLiteral("sorted %1 by %2").arg(playlist.label(), by));
 }
@@ -46,7 +38,7 @@ void OrderVerbs::dedupe(VerbContext& context) {
     const QList<int> duplicates = TrackOrder::duplicates(answer.rows);
     if (!duplicates.isEmpty()) {
         QJsonObject request = record(playlist, answer);
-        request.insert(QStringLiteral("items"), numbers(duplicates));
+        request.insert(QStringLiteral("items"), Positions::json(duplicates));
         context.device.command(QStringLiteral("OrvoPlayListPlRemoveItemsPath"), request);
     }
     if (context.output.isJson())

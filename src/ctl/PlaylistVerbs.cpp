@@ -17,13 +17,6 @@ QJsonObject record(const Named& playlist) {
     return {{Plid, playlist.id}};
 }
 
-QJsonArray numbers(const QList<int>& list) {
-    QJsonArray array;
-    for (const int number : list)
-        array.append(number);
-    return array;
-}
-
 bool onOrOff(const QString& word) {
     if (word != QLatin1String("on") && word != QLatin1String("off"))
         throw ClientFailure::usage(QStringLiteral("\"on\" or \"off\", not \"%1\"").arg(word));
@@ -123,7 +116,7 @@ void PlaylistVerbs::removeItems(VerbContext& context) {
     const QList<int> positions = Positions::parse(context.arguments.positional().mid(1));
     const Named playlist = context.playlist();
     QJsonObject request = record(playlist);
-    request.insert(Items, numbers(positions));
+    request.insert(Items, Positions::json(positions));
     context.run(QStringLiteral("OrvoPlayListPlRemoveItemsPath"), request,
                 QStringLiteral("removed %1 from %2")
                     .arg(TrackTable::plural(positions.size()), playlist.label()));
@@ -136,7 +129,7 @@ void PlaylistVerbs::moveItems(VerbContext& context) {
     const QList<int> positions = Positions::parse(context.arguments.positional().mid(1));
     const Named playlist = context.playlist();
     QJsonObject request = record(playlist);
-    request.insert(Items, numbers(positions));
+    request.insert(Items, Positions::json(positions));
     request.insert(QStringLiteral("to"), to);
     context.run(QStringLiteral("OrvoPlayListPlMoveItemspath"), request,
                 QStringLiteral("moved %1 in %2")

@@ -29,3 +29,10 @@ QList<int> Positions::parse(const QStringList& words) {
     result.erase(std::unique(result.begin(), result.end()), result.end());
     return result;
 }
+
+QJsonArray Positions::json(const QList<int>& positions) {
+    QJsonArray array;
+    for (const int position : positions)
+        array.append(position);
+    return array;
+}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonArray>
 #include <QList>
 #include <QStringList>
 
@@ -10,5 +11,7 @@ namespace Positions {
 // usage failure when a word is no position.
 QList<int> parse(const QStringList& words);
 int parseOne(const QString& word);
+// As commands take them.
+QJsonArray json(const QList<int>& positions);
 
 } // namespace Positions
