@@ -30,7 +30,7 @@ log4cplus::Logger& logger() {
     return instance;
 }
 
-// A start that fails is told to whoever started it, and to the log when that is somewhere else.
+// A start that fails is told to the terminal, and to the log when that is somewhere else.
 int fail(const LogSetup& log, int exitStatus, const QString& text) {
     std::fprintf(stderr, "orvo-host: %s\n", qUtf8Printable(text));
     if (log.writesToFile())
@@ -85,7 +85,7 @@ int run(const HostOptions& options, LogSetup& log, long maxOpenFiles,
         return 0;
     }
 
-    // Said from inside the loop: whoever waits for this line can send requests and signals.
+    // Said from inside the loop: a script that waits for this line can send requests and signals.
     QTimer::singleShot(0, qApp, [&modules] {
         LOG4CPLUS_INFO(logger(), "ready, modules: " << modules.count());
         std::puts("orvo-host is ready");

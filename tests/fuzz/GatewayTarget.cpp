@@ -4,9 +4,9 @@
 #include <QJsonDocument>
 #include <QSet>
 
+#include "AccessGuard.h"
 #include "ApiRouter.h"
 #include "ArtworkFiles.h"
-#include "Door.h"
 #include "EventFeed.h"
 #include "ExchangeProbe.h"
 #include "FuzzTarget.h"
@@ -65,9 +65,9 @@ void tryRequests(World& world, const QByteArray& text) {
         EventFeed feed(CMRoot()->events(), {}, CommentMs);
         const PageFiles pages(world.pageFolder());
         const ArtworkFiles artwork(world.musicFolder(), QString());
-        // With a token for some inputs: the door is tried open and closed.
-        Door door({}, input.contains("Authorization: ") ? "secret-token" : QByteArray());
-        ApiRouter router(&feed, &pages, &artwork, &door, world.apiLimits());
+        // With a token for some inputs: the guard is tried open and closed.
+        AccessGuard guard({}, input.contains("Authorization: ") ? "secret-token" : QByteArray());
+        ApiRouter router(&feed, &pages, &artwork, &guard, world.apiLimits());
 
         QVector<std::shared_ptr<HttpExchange>> exchanges;
         int at = 0;
@@ -77,7 +77,7 @@ void tryRequests(World& world, const QByteArray& text) {
             at = end < 0 ? -1 : end + 5;
             commands = commands || exchanges.last()->request().method == "POST";
             values = values || exchanges.last()->request().method == "PUT";
-            if (const auto refusal = door.refusal(exchanges.last()->request()))
+            if (const auto refusal = guard.refusal(exchanges.last()->request()))
                 exchanges.last()->respond(*refusal);
             else
                 router.handle(exchanges.last());

@@ -4,10 +4,10 @@
 
 #include <QSet>
 
+#include "AccessGuard.h"
 #include "ApiError.h"
 #include "ArtworkFiles.h"
 #include "CMRootWorker.h"
-#include "Door.h"
 #include "EventFeed.h"
 #include "PageFiles.h"
 #include "PathNames.h"
@@ -168,7 +168,7 @@ const QVector<ApiRouter::Route>& ApiRouter::routes() {
         {"PUT", "/api/value", &ApiRouter::putValue, false, AnySize},
         {"GET", "/api/events", &ApiRouter::getEvents, false, 0},
         {"GET", "/api/artwork", &ApiRouter::getArtwork, true, 0},
-        {"POST", Door::LoginPath, &ApiRouter::postLogin, false, MaxLoginBytes},
+        {"POST", AccessGuard::LoginPath, &ApiRouter::postLogin, false, MaxLoginBytes},
     };
     return table;
 }
@@ -376,22 +376,22 @@ void ApiRouter::postLogin(const Exchange& exchange) {
         exchange->respond(malformed(reason));
         return;
     }
-    if (!m_door->wantsToken()) {
+    if (!m_guard->wantsToken()) {
         exchange->respond(jsonResponse("{}"));
         return;
     }
     // Of many logins at once the wrong ones count before the next is looked at.
-    if (const auto refusal = m_door->refusal(exchange->request())) {
+    if (const auto refusal = m_guard->refusal(exchange->request())) {
         exchange->respond(*refusal);
         return;
     }
     const QByteArray token = body.value(QStringLiteral("token")).toString().toUtf8();
-    if (!m_door->isLogin(exchange->request(), token)) {
+    if (!m_guard->isLogin(exchange->request(), token)) {
         exchange->respond(ApiError::response(ApiError::Kind::Unauthorized,
                                              QStringLiteral("This is not the device's token.")));
         return;
     }
     HttpResponse response = jsonResponse("{}");
-    response.headers.append({"Set-Cookie", m_door->cookieHeader()});
+    response.headers.append({"Set-Cookie", m_guard->cookieHeader()});
     exchange->respond(response);
 }

@@ -8,7 +8,7 @@
 #include "JsonWriter.h"
 
 class ArtworkFiles;
-class Door;
+class AccessGuard;
 class EventFeed;
 class PageFiles;
 
@@ -24,9 +24,9 @@ struct ApiLimits {
 // here fails otherwise.
 class ApiRouter {
 public:
-    ApiRouter(EventFeed* feed, const PageFiles* pages, const ArtworkFiles* artwork, Door* door,
-              const ApiLimits& limits)
-        : m_feed(feed), m_pages(pages), m_artwork(artwork), m_door(door), m_limits(limits) {}
+    ApiRouter(EventFeed* feed, const PageFiles* pages, const ArtworkFiles* artwork,
+              AccessGuard* guard, const ApiLimits& limits)
+        : m_feed(feed), m_pages(pages), m_artwork(artwork), m_guard(guard), m_limits(limits) {}
 
     // How large a request's body may be, for all that the router cares; 0 where none is taken.
     static int maxBody(const HttpRequest& request);
@@ -58,6 +58,6 @@ private:
     EventFeed* m_feed;
     const PageFiles* m_pages;
     const ArtworkFiles* m_artwork;
-    Door* m_door;
+    AccessGuard* m_guard;
     ApiLimits m_limits;
 };

@@ -12,7 +12,7 @@ class EventFeed;
 
 // One reader of the events: a place in the feed's history and the frame that is just being sent. A
 // reader that is too slow falls out of the history and is told to read everything again; it costs
-// no memory and delays nobody. Owned by its connection; the feed knows it while it lives.
+// no memory and delays no other. Owned by its connection; the feed knows it while it lives.
 class EventStream : public HttpBodySource {
 public:
     // Goes on after `lastEventId`, or begins with what comes next. The values at `watched` count as

@@ -80,15 +80,16 @@ EventHistory::Limits historyLimits(const QHash<QString, QVariant>& config) {
     return result;
 }
 
-Door makeDoor(const QHash<QString, QVariant>& config, QString* failure) {
+AccessGuard makeGuard(const QHash<QString, QVariant>& config, QString* failure) {
     const QString tokenFile = config.value(QStringLiteral("gateway/tokenFile")).toString();
     WrongTokens::Limits limits;
     limits.attempts = positive(config, "gateway/maxWrongTokens", limits.attempts);
     limits.windowMs = positive(config, "gateway/wrongTokensMs", limits.windowMs);
-    return Door(config.value(QStringLiteral("gateway/hosts"))
-                    .toString()
-                    .split(QLatin1Char(','), Qt::SkipEmptyParts),
-                tokenFile.isEmpty() ? QByteArray() : TokenFile::read(tokenFile, failure), limits);
+    return AccessGuard(config.value(QStringLiteral("gateway/hosts"))
+                           .toString()
+                           .split(QLatin1Char(','), Qt::SkipEmptyParts),
+                       tokenFile.isEmpty() ? QByteArray() : TokenFile::read(tokenFile, failure),
+                       limits);
 }
 
 const CMPath& portPath() {
@@ -115,8 +116,8 @@ GatewayWorker::GatewayWorker(const QHash<QString, QVariant>& config)
       m_pages(config.value(QStringLiteral("gateway/webRoot")).toString()),
       m_artwork(config.value(QStringLiteral("musicDir")).toString(),
                 config.value(QStringLiteral("dataDir")).toString()),
-      m_door(makeDoor(config, &m_failure)),
-      m_router(&m_feed, &m_pages, &m_artwork, &m_door, apiLimits(config)),
+      m_guard(makeGuard(config, &m_failure)),
+      m_router(&m_feed, &m_pages, &m_artwork, &m_guard, apiLimits(config)),
       m_server(
           m_limits, [this](const HttpRequest& request) { return admit(request); },
           [this](const std::shared_ptr<HttpExchange>& exchange) {
@@ -125,7 +126,7 @@ GatewayWorker::GatewayWorker(const QHash<QString, QVariant>& config)
           }) {}
 
 HttpServer::Admission GatewayWorker::admit(const HttpRequest& request) {
-    return {m_door.refusal(request), qMin(ApiRouter::maxBody(request), m_limits.bodyBytes)};
+    return {m_guard.refusal(request), qMin(ApiRouter::maxBody(request), m_limits.bodyBytes)};
 }
 
 QString GatewayWorker::text(const char* key) const {
@@ -141,9 +142,9 @@ bool GatewayWorker::start() {
             .value(QStringLiteral("gateway/listen"), QStringLiteral("127.0.0.1:8080"))
             .toString();
     QString error;
-    if (!m_server.listen(address, !m_door.wantsToken(), &error))
+    if (!m_server.listen(address, !m_guard.wantsToken(), &error))
         return fail(QStringLiteral("cannot listen on %1: %2").arg(address, error));
-    m_door.setPort(port());
+    m_guard.setPort(port());
     const QString portFile = text("gateway/portFile");
     if (!portFile.isEmpty() && !writePort(port(), portFile, &error))
         return fail(QStringLiteral("cannot write the port to %1: %2").arg(portFile, error));

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "AccessGuard.h"
 #include "ApiRouter.h"
 #include "ArtworkFiles.h"
 #include "CMWorker.h"
-#include "Door.h"
 #include "EventFeed.h"
 #include "HttpServer.h"
 #include "PageFiles.h"
@@ -53,7 +53,7 @@ private:
     EventFeed m_feed;
     PageFiles m_pages;
     ArtworkFiles m_artwork;
-    Door m_door;
+    AccessGuard m_guard;
     ApiRouter m_router;
     HttpServer m_server;
 };

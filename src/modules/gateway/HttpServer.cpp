@@ -18,7 +18,7 @@ namespace {
 // what it knows of each header field.
 constexpr size_t SpareMemory = 32 * 1024;
 // Of a library that has nothing to wait for.
-constexpr int LongestPauseMs = 120000;
+constexpr int MaxPauseMs = 120000;
 // What is read and thrown away of a body that is not taken, so that its sender gets to read the
 // answer.
 constexpr qint64 MaxDiscarded = 64 * 1024 * 1024;
@@ -94,7 +94,7 @@ MHD_Result collectHeader(void* context, MHD_ValueKind, const char* name, size_t 
 }
 
 // With every answer. Whatever is shown of this device loads nothing from outside, runs no script
-// but the page's own files, and stands in nobody's frame.
+// but the page's own files, and stands in no other site's frame.
 QByteArray contentPolicy(const QByteArray& ownStyle) {
     const QByteArray style = ownStyle.isEmpty() ? ownStyle : " '" + ownStyle + '\'';
     return "default-src 'none'; script-src 'self'; style-src 'self'" + style +
@@ -150,7 +150,7 @@ struct HttpServer::Callbacks {
         }
     }
 
-    // A zero byte would end the address for whoever reads it as a C string.
+    // A zero byte would end the address for a reader of C strings.
     static size_t unescape(void*, MHD_Connection* connection, char* text) {
         const size_t size = MHD_http_unescape(text);
         if (std::memchr(text, 0, size))
@@ -522,7 +522,7 @@ void HttpServer::dropAnswer(HttpExchange& exchange) {
 void HttpServer::armTimer() {
     MHD_UNSIGNED_LONG_LONG milliseconds = 0;
     if (MHD_get_timeout(m_daemon, &milliseconds) == MHD_YES)
-        m_timer.start(int(qMin<quint64>(milliseconds, LongestPauseMs)));
+        m_timer.start(int(qMin<quint64>(milliseconds, MaxPauseMs)));
     else
         m_timer.stop();
 }

@@ -17,9 +17,9 @@ struct MHD_Connection;
 struct MHD_Daemon;
 class HttpServer;
 
-// One request and the answer it waits for. Shared by the server and whoever answers; either may
-// outlive the other: an answer to a connection that is gone is dropped. The first answer wins. The
-// server's thread only.
+// One request and the answer it waits for. Shared by the server and the handler that answers;
+// either may outlive the other: an answer to a connection that is gone is dropped. The first answer
+// wins. The server's thread only.
 class HttpExchange : public std::enable_shared_from_this<HttpExchange> {
 public:
     const HttpRequest& request() const { return m_request; }

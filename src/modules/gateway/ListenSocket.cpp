@@ -10,7 +10,8 @@
 
 namespace {
 
-// A crowd that comes at once waits here; whoever finds it full tries again only after a second.
+// A crowd that comes at once waits here; a client that finds it full tries again only after a
+// second.
 constexpr int Backlog = 1024;
 constexpr int SendBuffer = 256 * 1024;
 

@@ -12,7 +12,7 @@ namespace {
 
 // Shorter ones could be guessed.
 constexpr int Shortest = 16;
-constexpr int Longest = 512;
+constexpr int MaxLength = 512;
 constexpr mode_t OthersMayRead = S_IRWXG | S_IRWXO;
 
 // Closes the descriptor when it goes.
@@ -25,7 +25,7 @@ struct Opened {
 };
 
 bool isToken(const QByteArray& text) {
-    if (text.size() < Shortest || text.size() > Longest)
+    if (text.size() < Shortest || text.size() > MaxLength)
         return false;
     for (const char c : text) {
         if (c <= ' ' || c > '~')
@@ -51,16 +51,16 @@ QByteArray TokenFile::read(const QString& file, QString* error) {
     if (::fstat(opened.descriptor, &about) != 0 || !S_ISREG(about.st_mode))
         return fail(QStringLiteral("is no regular file"));
     if (about.st_uid != ::geteuid() && about.st_uid != 0)
-        return fail(QStringLiteral("belongs to somebody else"));
+        return fail(QStringLiteral("belongs to another user"));
     if (about.st_mode & OthersMayRead)
         return fail(QStringLiteral("is open to others than its owner: chmod 600 it"));
-    char bytes[Longest + 16];
+    char bytes[MaxLength + 16];
     const ssize_t count = ::read(opened.descriptor, bytes, sizeof bytes);
     const QByteArray text = QByteArray(bytes, int(qMax<ssize_t>(count, 0))).trimmed();
     if (!isToken(text))
         return fail(QStringLiteral("must hold one line of %1 to %2 printable characters without"
                                    " blanks")
                         .arg(Shortest)
-                        .arg(Longest));
+                        .arg(MaxLength));
     return text;
 }

@@ -15,7 +15,7 @@ EngineEvents::EngineEvents(std::function<void(const EngineEvent&)> receiver)
 
 EngineEvents::~EngineEvents() {
     m_notifier.setEnabled(false);
-    // Whoever pushed last is through with it.
+    // The thread that pushed last is through with it.
     const std::lock_guard lock(m_mutex);
     close(m_wakeFd);
 }

@@ -31,7 +31,7 @@ public:
     AudioFormat format() const;
     // What went wrong, empty when all is well.
     std::string error() const;
-    // In milliseconds, 0 when nobody knows.
+    // In milliseconds, 0 when unknown.
     qint64 duration() const;
     // False when this item cannot be sought in. What is pulled afterwards is from there, exactly.
     bool seek(qint64 ms);

@@ -121,7 +121,7 @@ private:
     void plPrepareItems(CMSetDataRequest request);
     void plAddItems(CMSetDataRequest request);
     bool plAddExternalItems(CMSetDataRequest request, QString& msg);
-    // The names ("Replays") are historical and kept.
+    // "Replays" are the replies of the modules that were asked; the log calls them so, too.
     static QList<OrvoPlayListItem> itemsFromAllReplays(const CMRequestGroup* group);
     // Where each item has its place, each path must have given one item.
     static bool haveOneEach(const CMRequestGroup* group, const QList<int>& itemsPerReply);

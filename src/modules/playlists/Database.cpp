@@ -102,7 +102,7 @@ constexpr const char* clearing[] = {
 // by this connection only.
 constexpr const char* cacheSize = "PRAGMA cache_size=-16384;";
 
-// For a pass over the whole store that nobody will repeat soon.
+// For a pass over the whole store that is not repeated soon.
 constexpr const char* smallCacheSize = "PRAGMA cache_size=-64;";
 
 // Drawn for each start, since a device's clock may start anew, too. With room for a million
@@ -123,7 +123,7 @@ std::string cannotUse() {
 }
 
 // A store that cannot be opened leaves the device without playlists: say so in the module's log and
-// end. Whoever started the device is told the file as well.
+// end. The terminal that the device was started from is told the file as well.
 [[noreturn]] void endUnusable(const std::string& text) {
     LOG4CPLUS_FATAL(moduleLog(), text);
     cmFatal((cannotUse() + text).c_str());
@@ -149,8 +149,8 @@ Database::Database(int itemsLimit, bool vacuumNeeded, int maxStartWaitMs)
     openFile();
     vacuum();
     execute(m_connection, "PRAGMA foreign_keys=1;");
-    // Deliberate: after the open, and whatever the result. An initialised SQLite refuses this, so
-    // its log stays where the process has routed it.
+    // After the open, and whatever the result: an initialised SQLite refuses this, so its log stays
+    // where the process has routed it.
     sqlite3_config(SQLITE_CONFIG_LOG, sqliteErrorLogCallback, nullptr);
     ensureTablesExist();
     prepareStatements();
@@ -187,8 +187,8 @@ void Database::endHeld() {
 }
 
 // Looks at the schema without running a statement: what is refused here is left as it is, while
-// ensureTablesExist would have put our tables into somebody else's file by the time that one of its
-// statements fails.
+// ensureTablesExist would have put our tables into another program's file by the time that one of
+// its statements fails.
 void Database::refuseForeignFile() {
     const auto exists = [this](const char* table) {
         const int code = sqlite3_table_column_metadata(m_connection, nullptr, table, nullptr,
@@ -246,7 +246,7 @@ int Database::rollbackTransaction() {
 }
 
 void Database::commitTransaction() {
-    // Deliberate: no limit, since another process that holds the file lets go soon, and no pause
+    // There is no limit, since another process that holds the file lets go soon, and no pause
     // but those that SQLite makes by the busy handler. Only then does a transaction outlive its
     // failed commit: after any other failure, a full disk for one, it is undone, and the next try
     // ends the loop because there is nothing to commit.

@@ -100,8 +100,7 @@ QList<OrvoPlayListItem> Database::getItems(const PlayListRecord& pl, int from, i
 constexpr int MaxTextsOfOneReading = 4 * 1024 * 1024;
 
 EntryRoles Database::getEntryRoles(const PlayListRecord& pl, int from, int to) {
-    // Deliberate: the line of getItems. Which form entries are read in is nothing to those who look
-    // for it.
+    // The line of getItems: logs are searched for it, in whatever form entries are read.
     LOG4CPLUS_TRACE(moduleLog(), "Enter QList<OrvoPlayListItem> Database::getItems(const "
                                  "PlayListRecord&, int, int): pl="
                                      << pl.uid << " from=" << from << " to=" << to);
@@ -150,7 +149,7 @@ QList<OrvoPlayListItem> Database::getItemsByUids(const QList<PlayListRecord>& pl
         if (item != found.constEnd() && !budget->take(TextBudget::bytesOf(*item)))
             return {};
     }
-    // Deliberate: the line of getItemByUid for each that is missing, and none of its own.
+    // The line of getItemByUid for each that is missing, so that one search finds both.
     AlikeLines missing(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
     QList<OrvoPlayListItem> items;
     items.reserve(uids.size());

@@ -63,7 +63,7 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
     }
     printItems(pl);
 
-    // A pass over all items, made only where somebody looks at the result.
+    // A pass over all items, made only where a limit or the log needs the result.
     const bool countWanted =
         m_itemsLimit != 0 || moduleLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL);
     int dbItemsCount = 0;
@@ -74,8 +74,9 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
         LOG4CPLUS_ERROR(moduleLog(), "Error adding items to list");
         return Failed;
     }
-    // Deliberate: where the store already holds more than the limit, the length is negative, which
-    // QList takes as "to the end", and everything is added.
+    // Where the store already holds more than the limit, the length is negative, which QList takes
+    // as "to the end", and everything is added: a limit that was lowered below the store's size is
+    // none.
     const qint64 room = qint64(m_itemsLimit) - dbItemsCount;
     const QList<OrvoPlayListItem> itemsToAdd =
         m_itemsLimit == 0 ? items : items.mid(0, int(qMax<qint64>(room, -1)));
@@ -125,7 +126,7 @@ bool Database::bringToPlaces(const PlayListRecord& pl, const QList<int>& positio
 }
 
 bool Database::offsetItemsFromTransaction(const PlayListRecord& pl, int from, int count) {
-    // By way of numbers that nobody uses: a number may never stand twice, not even halfway through
+    // By way of numbers that no entry has: a number may never stand twice, not even halfway through
     // a statement.
     Sqlite3Statement& shift = statement(StatementId::MoveItem1);
     const int away = pl.size + 1;
@@ -147,7 +148,7 @@ bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& s
         if (i + 2 < items.size())
             textsOf(i + 2).find(items.at(i + 2));
         if (i + 1 >= 0 && i + 1 < items.size())
-            textsOf(i + 1).comeCloser();
+            textsOf(i + 1).fetchAhead();
         if (i < 0)
             continue;
         const int uid = insertItem(textsOf(i), items.at(i).durationSeconds());
@@ -223,7 +224,7 @@ int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>&
         LOG4CPLUS_ERROR(moduleLog(), "Unable to clean up unused items");
         return Failed;
     }
-    // Deliberate: the first index as given, not the smallest. Callers list them in ascending order.
+    // The first index as given, not the smallest: callers list them in ascending order.
     if (!renumberFrom(pl, indices.first())) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to restore sequence numbers");
         return Failed;

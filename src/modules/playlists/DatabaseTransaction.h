@@ -41,7 +41,7 @@ private:
 
 // A transaction that is rolled back at the end of its block unless it was committed.
 // When begun() is false nothing was opened: nothing may be run, and nothing is rolled back, since
-// whatever transaction stood in the way is somebody else's.
+// the transaction that stood in the way belongs to another caller.
 class Database::Transaction {
 public:
     enum class Lock {

@@ -3,7 +3,7 @@
 #include <QList>
 
 // Where added items come to stand: one position for each, ascending, in the list as it is
-// afterwards. A value of whoever adds them.
+// afterwards. A value of the command that adds them.
 //   a b c, new x y at 1 and 3  ->  a x b y c
 struct ItemPlaces {
     QList<int> positions;

@@ -8,11 +8,11 @@
 namespace {
 
 // Deeper than any roles; what is deeper is left to the other parser, which has a limit of its own.
-constexpr int MaximumDepth = 8;
+constexpr int MaxDepth = 8;
 // As many digits always fit.
-constexpr int MaximumDigits = 15;
+constexpr int MaxDigits = 15;
 // Places at the top level that serve again; foreign names could make them any number.
-constexpr int MaximumKeptRoles = 32;
+constexpr int MaxKeptRoles = 32;
 
 bool equals(const QString& text, const QChar* begin, int length) {
     return text.size() == length &&
@@ -77,7 +77,7 @@ bool ItemRolesReader::readTopLevel(const QString& text) {
 bool ItemRolesReader::readRoles(const QString& text, bool (ItemRolesReader::*readNested)()) {
     m_at = text.constData();
     m_end = m_at + text.size();
-    if (roles.size() > MaximumKeptRoles)
+    if (roles.size() > MaxKeptRoles)
         roles.clear();
     for (QVariant& role : roles)
         role.clear();
@@ -213,7 +213,7 @@ bool ItemRolesReader::readNumber(QVariant* value) {
     const QChar* digits = m_at;
     qint64 number = 0;
     for (; m_at != m_end && m_at->unicode() >= '0' && m_at->unicode() <= '9'; ++m_at) {
-        if (m_at - digits == MaximumDigits)
+        if (m_at - digits == MaxDigits)
             return false;
         number = number * 10 + (m_at->unicode() - '0');
     }
@@ -241,7 +241,7 @@ bool ItemRolesReader::readWord(const char* word, const QVariant& meaning, QVaria
 
 bool ItemRolesReader::readValue(QVariant* value, int depth) {
     skipBlanks();
-    if (m_at == m_end || depth > MaximumDepth)
+    if (m_at == m_end || depth > MaxDepth)
         return false;
     switch (m_at->unicode()) {
     case '"':

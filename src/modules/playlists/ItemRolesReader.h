@@ -15,7 +15,7 @@
 // true the result is what that parser gives, down to the types: nested objects are maps, numbers
 // are 64 bits wide.
 //
-// On the stack of whoever needs it, for any number of texts.
+// Made on the stack, for any number of texts.
 class ItemRolesReader {
 public:
     ItemRolesReader();
@@ -26,7 +26,7 @@ public:
 
     // The top level without `mediaData`; that without `metaData`; and that. The last two are empty
     // where the text has none. The top level may hold invalid values under names of the text
-    // before: whoever makes a row of it takes them out again at once, and their places serve again.
+    // before: a row is made of valid ones only, and the places of the others serve again.
     QVariantHash roles;
     QVariantHash mediaData;
     QVariantHash metaData;

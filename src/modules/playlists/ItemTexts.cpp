@@ -34,7 +34,7 @@ void ItemTexts::find(const OrvoPlayListItem& item) {
     }
 }
 
-void ItemTexts::comeCloser() const {
+void ItemTexts::fetchAhead() const {
     for (const QString* text : m_stored) {
         if (!text)
             continue;

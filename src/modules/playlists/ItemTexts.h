@@ -10,16 +10,16 @@
 //
 // Thousands of items are more than a processor's cache holds, and a third of what adding them cost
 // was waiting for their texts. So the store looks ahead: find() asks the memory for the beginnings
-// of the texts, comeCloser() for the rest of them, and both go on without waiting. By the time an
+// of the texts, fetchAhead() for the rest of them, and both go on without waiting. By the time an
 // item is bound its texts are there.
 //
-// Owned by whoever adds; the item must stay as it is meanwhile.
+// On the stack of the addition; the item must stay as it is meanwhile.
 class ItemTexts {
 public:
     enum Text { Title, Artist, Album, ArtworkUrl, Genre, Url, ServiceId, OrvoRoles, Count };
 
     void find(const OrvoPlayListItem& item);
-    void comeCloser() const;
+    void fetchAhead() const;
 
     const QString& operator[](Text text) const {
         const QString* stored = m_stored[text];

@@ -10,8 +10,8 @@
 #include "TextBudget.h"
 
 // Which of some items a playlist takes. Parsing the roles of thousands of items takes longer than
-// other clients should wait, so the check can be made in slices. A value of whoever adds the items;
-// worker's thread; what is not acceptable is a verdict, nothing here fails.
+// other clients should wait, so the check can be made in slices. A value of the command that adds
+// them; worker's thread; what is not acceptable is a verdict, nothing here fails.
 class ItemsCheck {
 public:
     enum class Verdict : char {

@@ -10,7 +10,7 @@ class Database;
 // A playlist over the store. Its record is the authority for size and last played position, so
 // every change goes to the store first, then into the record, and is announced once the lock is
 // released. An edit whose commit failed is a failed edit: the store does not say so by its result,
-// but whoever sent the edit is told.
+// but the client that sent the edit is told.
 class PlayList : public PlayListBase {
     Q_OBJECT
 public:

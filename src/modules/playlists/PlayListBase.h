@@ -13,8 +13,8 @@
 
 class PlayListBase;
 
-// Whoever wants to be the first to hear of every playlist, and to spend nothing on those to which
-// nothing happens.
+// A view that is the first to hear of every playlist, and spends nothing on those to which nothing
+// happens: most lists never change.
 class PlayListFollower {
 public:
     // Time to connect to the signals of `pl`.
@@ -102,7 +102,7 @@ public:
 
     // The follower is called once, before the first signal leaves. Null for none any more.
     void setFollower(PlayListFollower* follower) { m_follower = follower; }
-    // Whoever else connects to the signals calls the follower before, which is to hear first.
+    // To be called before connecting to the signals: the follower is to hear first.
     void callFollower() {
         if (m_follower)
             std::exchange(m_follower, nullptr)->follow(this);

@@ -33,12 +33,12 @@ void PlayListManager::initPlayLists() {
     if (queue.uid == PlayListRecord::NoUid)
         queue = m_database->getPlayQueue();
     m_playQueue = new PlayList(m_database, queue);
-    // Deliberate: the play queue starts empty, only user playlists keep their items.
+    // The play queue is of one session: only user playlists keep their items.
     m_playQueue->clearItems();
     QList<PlayListRecord> records = m_database->getPlayLists();
     if (records.size() + 1 != m_database->countPlaylists())
         records = m_database->getPlayLists();
-    // The sizes of all lists were looked up in an index that nobody will read as a whole again
+    // The sizes of all lists were looked up in an index that is not read as a whole again
     // soon. Before the playlists are made, so that they take the room.
     m_database->releaseReadPages();
     m_playLists.reserve(records.size());
@@ -137,7 +137,8 @@ bool PlayListManager::deletePlayList(PlayListBase* pl) {
     CM_ENTER_ARGS(moduleLog(), "pl->uid=" << uid);
     // The store refuses to delete the play queue; its memberships must outlive the attempt.
     if (uid != PlayListRecord::PlayQueueUid) {
-        // Copies here and below: whoever hears of a membership may create or delete a collection.
+        // Copies here and below: a slot that hears of a membership may create or delete a
+        // collection.
         const QList<CollectionBase*> before = m_collections;
         for (CollectionBase* cl : before) {
             if (cl->getPlayLists().contains(pl) && !cl->removePlayList(pl))
@@ -150,7 +151,7 @@ bool PlayListManager::deletePlayList(PlayListBase* pl) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to delete PlayList uid=" << uid << " from database");
         return false;
     }
-    // The cascade took every membership: whoever could not be asked before lets go now.
+    // The cascade took every membership: collections whose removal failed above let go now.
     const QList<CollectionBase*> after = m_collections;
     for (CollectionBase* cl : after)
         cl->forgetPlayList(pl);

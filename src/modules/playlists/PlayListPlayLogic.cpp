@@ -11,7 +11,7 @@
 
 namespace {
 // How many tracks in a row may fail before playback is given up.
-constexpr int MaximumErrorCount = 5;
+constexpr int MaxErrorCount = 5;
 // The play request whose container is to be played from an index on.
 constexpr int PlayContainerType = 1;
 
@@ -129,7 +129,7 @@ OrvoRoles PlayListPlayLogic::getCurrentTrack() {
 OrvoRoles PlayListPlayLogic::getNextTrack() {
     if (data().streamerError().containsCode()) {
         ++m_errorCount;
-        if (m_errorCount > MaximumErrorCount) {
+        if (m_errorCount > MaxErrorCount) {
             LOG4CPLUS_ERROR(playLogicLog(), "Reached maximum error count exiting");
             return {};
         }
@@ -174,7 +174,7 @@ OrvoRoles PlayListPlayLogic::getPreviousTrack() {
         result = getTrackRelative(-1);
     }
     if (result.isEmpty() && m_currentPlayList && m_repeatMode == RepeatAll) {
-        // Deliberate: the last one of the list, also when it is shuffled.
+        // The last one of the list, also when it is shuffled: nothing was heard before the first.
         result = getTrackAbsolute(m_currentPlayList->getSize() - 1);
         if (result.isEmpty())
             LOG4CPLUS_WARN(
@@ -190,7 +190,7 @@ void PlayListPlayLogic::playInternal(const CMSetDataRequest& request,
                                      const OrvoPlayLogicPlayArgs& args) {
     CM_ENTER_ARGS(playLogicLog(), "args=" << loggedValue(args.toVariant()));
     // The members are set directly: the setters would write into the playlist that is being left.
-    // Repeat one is forgotten here, deliberately: a playlist does not keep it.
+    // Repeat one is forgotten here: a playlist does not keep it.
     setCurrentPlayList(nullptr);
     m_shuffleEnabled = false;
     m_repeatMode = RepeatOff;
@@ -434,7 +434,7 @@ void PlayListPlayLogic::tryResumePlayback() {
         playTrackRoles(roles);
     } else {
         m_hasPlayingItem = false;
-        if (m_currentPlayList && m_errorCount <= MaximumErrorCount)
+        if (m_currentPlayList && m_errorCount <= MaxErrorCount)
             m_currentPlayList->setEnded(true);
         playbackEnded();
         Q_EMIT upNextChanged();

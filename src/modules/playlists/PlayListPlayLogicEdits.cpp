@@ -58,8 +58,8 @@ void PlayListPlayLogic::on_currentPlayList_itemsAdded(const QString& positionStr
     const OrvoPlayListAddPosition::Enum position = OrvoPlayListAddPosition::fromString(positionStr);
     if (position == OrvoPlayListAddPosition::AfterCurrent &&
         m_currentTrackRoles.value().containsI32_()) {
-        // The player must hear of its new next item; deliberately before the order below is
-        // patched.
+        // The player hears of its next item before the order is patched, and once more below where
+        // the patched order leads to another.
         prepareNextMedia();
     } else {
         followCurrentTrack(
@@ -116,9 +116,10 @@ void PlayListPlayLogic::on_currentPlayList_itemsInserted(const QList<int>& posit
     announceAnew();
 }
 
-// Deliberate: several removed indices are applied one after the other as they are, although each
-// removal has already renumbered what stands behind it. So the j-th of them, from 0, takes the
-// entry that was j higher to begin with; that way one pass does for all of them.
+// Several removed indices are applied one after the other as they are, although each removal has
+// already renumbered what stands behind it: shuffle orders have always followed a removal this way.
+// So the j-th of them, from 0, takes the entry that was j higher to begin
+// with, and one pass does for all of them.
 //   order 4 2 0 3 1, indices 1 and 2: the entries 1 and 3 go, 2 1 0 are left
 void PlayListPlayLogic::removeFromShuffle(const QList<int>& indices) {
     QVector<int> taken;
@@ -202,7 +203,8 @@ void PlayListPlayLogic::on_currentPlayList_itemMoved(int from, int to) {
     CM_ENTER_ARGS(playLogicLog(), "from=" << from << " to=" << to);
     putCursorOnPlaying();
     if (m_shuffleEnabled) {
-        // Deliberate: the two numbers are exchanged, those between are not shifted.
+        // The two numbers are exchanged and those between are not shifted: the moved track and the
+        // one at its new place change turns, the turns of all others stay.
         for (int& entry : m_shuffleSeq) {
             if (entry == from)
                 entry = to;

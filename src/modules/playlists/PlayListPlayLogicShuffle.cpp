@@ -38,7 +38,7 @@ void PlayListPlayLogic::initShuffle(int startItem) {
     }
     const int size = m_currentPlayList->getSize();
     if (size <= 0) {
-        // Deliberate: order and cursor stay as they are.
+        // Nothing to order: order and cursor stay.
         LOG4CPLUS_DEBUG(playLogicLog(), "size <= 0");
         return;
     }
@@ -60,7 +60,7 @@ void PlayListPlayLogic::initShuffle(int startItem) {
 }
 
 void PlayListPlayLogic::randomizeShuffleItems(int from) {
-    // Deliberate, although the shuffle below does not draw from it.
+    // For modules of the same process that use rand(); the shuffle below does not draw from it.
     std::srand(unsigned(std::time(nullptr))); // NOLINT(cert-msc51-cpp)
     QElapsedTimer clock;
     clock.start();

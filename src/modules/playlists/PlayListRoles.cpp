@@ -63,7 +63,7 @@ OrvoRoles PlayList::itemToOrvoRoles(const OrvoPlayListItem& item) const {
 }
 
 void PlayList::visitRoles(int from, int to, const VisitRoles& visit) {
-    // Deliberate: the line of getItems, as in the store.
+    // The line of getItems, as in the store: logs are searched for it.
     LOG4CPLUS_TRACE(moduleLog(), "Enter virtual QList<OrvoPlayListItem> PlayList::getItems(int, "
                                  "int): from="
                                      << from << " to=" << to);

@@ -10,9 +10,9 @@ namespace {
 
 constexpr int FirstBytes = 1024;
 // More than this is given back after the use.
-constexpr int MostBytesKept = 64 * 1024;
+constexpr int MaxBytesKept = 64 * 1024;
 
-// Most texts are; the others are converted by somebody who knows how. False when `text` is not.
+// Most texts are ASCII; Qt converts the others. False when `text` is not.
 bool copyAscii(const QString& text, char* to) {
     // Eight at a time: two vectors that every machine has, or what the compiler makes of them.
     using Units = ushort __attribute__((vector_size(16)));
@@ -131,7 +131,7 @@ int Sqlite3Statement::step() {
 bool Sqlite3Statement::reset() {
     if (m_boundTexts.size() > 1)
         m_boundTexts.erase(m_boundTexts.begin(), m_boundTexts.end() - 1);
-    if (!m_boundTexts.isEmpty() && m_boundTexts.constLast().size() > MostBytesKept)
+    if (!m_boundTexts.isEmpty() && m_boundTexts.constLast().size() > MaxBytesKept)
         m_boundTexts.clear();
     m_boundBytes = 0;
     // SQLite calls the reset of no statement a success.

@@ -11,7 +11,7 @@ struct sqlite3_stmt;
 //
 // Each use: bind every parameter (?1 is index 1), step, read the columns (from 0) while on a row,
 // reset. Bindings do not outlive a reset. Prefer run() or a StatementScope, which cannot forget the
-// reset. Owner: whoever made it; the statement is finalised with it. Thread: that of its
+// reset. Owner: its creator; the statement is finalised with it. Thread: that of its
 // connection. Failure: by return value. One made with a null statement fails every use, so an
 // operation whose statement could not be prepared fails like one whose statement could not be run.
 class Sqlite3Statement {

@@ -4,7 +4,7 @@
 
 namespace {
 
-// Deliberate: the texts are fixed to the blank, doubled ones included.
+// The texts are fixed to the blank, doubled ones included: the log and tools compare them.
 constexpr std::array<StatementRow, StatementCount> catalogue{{
     {StatementId::GetPlayQueue, "getPlayQueue",
      "SELECT"

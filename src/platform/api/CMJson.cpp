@@ -9,7 +9,7 @@
 namespace {
 
 // Qt's parser goes no deeper, so nothing there is ever an object to it.
-constexpr std::size_t MaximumDepth = 1024;
+constexpr std::size_t MaxDepth = 1024;
 
 // Finds a name that stands twice in one object, however it is written. Says nothing about texts
 // that are no JSON beyond what it understood of them: the parser refuses those.
@@ -19,7 +19,7 @@ public:
         : m_at(text.constData()), m_end(m_at + text.size()) {}
 
     bool found() {
-        for (; m_at != m_end && m_open.size() <= MaximumDepth; ++m_at) {
+        for (; m_at != m_end && m_open.size() <= MaxDepth; ++m_at) {
             switch (*m_at) {
             case '{':
             case '[':

@@ -106,7 +106,7 @@ std::ostream& operator<<(std::ostream& out, const QStringList& texts) {
 void cmFatal(const char* text) {
     static log4cplus::Logger logger = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Platform"));
     LOG4CPLUS_FATAL(logger, text);
-    // Whoever started the process is told, wherever the log goes.
+    // The terminal is told, wherever the log goes.
     std::fprintf(stderr, "%s: %s\n", program_invocation_short_name, text);
     std::abort();
 }

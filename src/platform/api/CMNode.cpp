@@ -56,7 +56,7 @@ bool CMListRowsNode::matchRowRequest(const CMMatchRowRequest& request) {
     if (!getRowsRequest(CMGetRowsRequest(request.path(), 0, CMGetRowsRequest::LastRow,
                                          {OrvoRoles::Title()}, rowsReply)))
         return false;
-    // Not before: when nobody took the request, its answer is the worker's.
+    // Not before: when no handler took the request, its answer is the worker's.
     rowsReply.onSuccess([reply, wanted, first](const OrvoRowsRoles& answer) {
         const QVariantList rows = answer.rows();
         for (int i = first; i < rows.size(); ++i) {

@@ -9,9 +9,9 @@
 // The answer to a request, once it is there. A handle: copies share one state. The first completion
 // wins, later ones are ignored. Callbacks run once, on the worker's thread, at once when registered
 // after completion. Dropping a reply cancels nothing; when the last handle of a pending one goes,
-// nobody can answer any more and the callbacks get the error `NotAnswered`. So whoever waits
-// registers callbacks and lets go, and whoever answers keeps a copy. Everything here belongs to the
-// worker's thread; other threads post to it first.
+// it cannot be answered any more and the callbacks get the error `NotAnswered`. So the side that
+// waits registers callbacks and lets go, and the side that answers keeps a copy. Everything here
+// belongs to the worker's thread; other threads post to it first.
 class ORVO_API_EXPORT CMVoidReply {
 public:
     using Callback = std::function<void()>;

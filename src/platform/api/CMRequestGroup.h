@@ -7,8 +7,8 @@
 #include "CMReply.h"
 
 // Several invokes whose answers are wanted together. `finished()` comes exactly once, when every
-// answer is there, and never before checkAndCallCallback(). A prefix that nobody owns, and an owner
-// that drops its request, is an error among the replies, never a hang. Owned by its parent or
+// answer is there, and never before checkAndCallCallback(). A prefix that no module owns, and an
+// owner that drops its request, is an error among the replies, never a hang. Owned by its parent or
 // maker, on the worker's thread.
 class ORVO_API_EXPORT CMRequestGroup : public QObject {
     Q_OBJECT

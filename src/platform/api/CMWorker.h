@@ -8,8 +8,8 @@
 #include "CMRequest.h"
 #include "CMSubscribe.h"
 
-// Whoever answers requests: a module, or the root that routes to modules. Lives on the thread that
-// made it; the owner is whoever called its constructor (for modules the host). Failures are
+// What answers requests: a module, or the root that routes to modules. Lives on the thread that
+// made it; the owner is the caller of its constructor (for modules the host). Failures are
 // replies, never exceptions.
 class ORVO_API_EXPORT CMAbstractWorker : public QObject {
     Q_OBJECT

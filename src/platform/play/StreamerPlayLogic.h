@@ -3,10 +3,10 @@
 #include "PlayLogicBase.h"
 #include "PlayLogicInterface.h"
 
-// The frame of a play logic: whoever decides what plays, next and before, derives from it. It
-// decodes the requests at its path into the overridable calls, and sends the commands that answer
-// them to the player. An override answers its request, at once or later; a request that nobody
-// answers gets an error.
+// The frame of a play logic: the class that decides what plays, next and before, derives from it.
+// It decodes the requests at its path into the overridable calls, and sends the commands that
+// answer them to the player. An override answers its request, at once or later; a request that no
+// one answers gets an error.
 //
 //   request "play"            playInternal          sendPlayCommand(first item)
 //   request "next"            nextInternal          sendPlayCommand(next item)
@@ -50,7 +50,7 @@ public:
     // Nothing is left to play. The player stops and stays with this play logic.
     CMReply<QVariant> playbackEnded();
 
-    // The player reports. Nobody else calls these.
+    // The player reports. Only the player calls these.
     void itemStarted(const OrvoRoles& roles);
     // It failed, and the play logic finds the way on.
     void itemFailed(const OrvoRoles& roles, const OrvoError& error);

@@ -8,7 +8,7 @@
 class PlayListManager;
 
 // What all nodes of the tree share: the manager, the two visibility settings, path parameters, and
-// how rows are sent. Owned by whoever created it, worker's thread only. Never fails: what is
+// how rows are sent. Owned by its parent node, worker's thread only. Never fails: what is
 // unknown lists as empty.
 class BaseNode : public CMListRowsNode {
     Q_OBJECT

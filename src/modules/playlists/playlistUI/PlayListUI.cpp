@@ -40,7 +40,7 @@ PlayListUI::PlayListUI(QObject* parent, CMNodes* nodes, CMSubscribe* subscribe,
 
 PlayListUI::~PlayListUI() {
     disconnect(m_manager, nullptr, this, nullptr);
-    // Before the views hear that they are to close: whoever reads then finds nothing.
+    // Before the views hear that they are to close: a view that reads then finds nothing.
     qDeleteAll(findChildren<BaseNode*>(QString(), Qt::FindDirectChildrenOnly));
     delete takeWatcher(m_manager->getPlayQueue()->getUid());
     const QList<PlayListBase*> playLists = m_manager->getAllPlayList();
@@ -83,7 +83,7 @@ void PlayListUI::watchPlayList(PlayListBase* pl) {
 
 void PlayListUI::follow(PlayListBase* pl) {
     const auto watched = m_watchers.find(pl->getUid());
-    // Without the node, which is made when somebody asks for it; the list node lets go of it.
+    // Without the node, which is made when a client asks for it; the list node lets go of it.
     if (watched != m_watchers.end() && !watched->watcher)
         watched->watcher = new PlayListWatcher(this, m_subscribe, pl, nullptr);
 }
@@ -120,7 +120,7 @@ void PlayListUI::on_playlist_delete(const int& plid) {
     if (PlayListWatcher* watcher = takeWatcher(plid))
         watcher->deleteLater();
     m_listNode->deletePlaylistNode(plid);
-    // Deliberate: the playlist list is reset by creation only.
+    // Not the list of playlists: its views follow the root, and are reset by creation only.
     sendReset(OrvoPlayListsRootPath());
     sendReset(OrvoPlayListPlAddToPlaylistPath());
 }

@@ -34,7 +34,7 @@ PlayListWatcher::PlayListWatcher(QObject* parent, CMSubscribe* subscribe, PlayLi
 }
 
 PlayListWatcher::~PlayListWatcher() {
-    // Deliberate: built the same way for every id, so not the play queue's own path for 0.
+    // Built the same way for every id: the play queue's own path stays open for 0.
     m_subscribe->rowsChanged(OrvoPlayListPlGetItemsPath() + "/" + QString::number(m_plid),
                              CMSubscribe::RowsChangeClose(), -1);
     if (m_node)

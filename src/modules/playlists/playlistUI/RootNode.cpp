@@ -45,7 +45,7 @@ OrvoRoles RootNode::playListRow(const PlayListBase* pl) {
 OrvoRoles RootNode::collectionRow(const CollectionBase* cl) {
     LOG4CPLUS_DEBUG(moduleLog(), "clid: " << cl->getUid());
     LOG4CPLUS_DEBUG(moduleLog(), "clname: " << loggedText(cl->getName()));
-    // Deliberately unlike a playlist's row: one node serves all collections, told apart by a
+    // Unlike a playlist's row: one node serves all collections, told apart by a
     // parameter, and a collection has no play logic.
     OrvoRoles row;
     row.setTitle(TrString(cl->getName()));

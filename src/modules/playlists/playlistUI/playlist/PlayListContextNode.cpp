@@ -51,7 +51,7 @@ bool PlayListContextNode::getRowsRequest(const CMGetRowsRequest& request) {
         }
         entries.append(separatorRow());
         entries.append(actionRow(tr("Clear playlist"), entry("clearPl")));
-        // Upper case in "delPL" is deliberate: interfaces keep these paths.
+        // Upper case in "delPL": interfaces have stored this path.
         entries.append(actionRow(tr("Delete playlist"), entry("delPL")));
     }
     sendMenu(entries, tr("Playlist Context Menu - %1", {pl ? pl->getName() : QString()}), request);

@@ -18,7 +18,7 @@ PlayListGetListNode* PlayListGetListNode::create(CMNodes* nodes, const CMPath& p
 
 bool PlayListGetListNode::getRowsRequest(const CMGetRowsRequest& request) {
     QVariantList rows;
-    // The root creates; "new" is in lower case here, unlike there: deliberate.
+    // The root creates. Translations have "new" in lower case here, unlike there.
     CMPath createPath = OrvoPlayListsRootPath();
     createPath.setParams(request.path().params());
     rows.append(QVariant(CMGlobal::itemRolesToList(
@@ -28,7 +28,8 @@ bool PlayListGetListNode::getRowsRequest(const CMGetRowsRequest& request) {
     for (const PlayListBase* pl : playLists) {
         LOG4CPLUS_DEBUG(moduleLog(),
                         "plid:" << pl->getUid() << " plname:" << loggedText(pl->getName()));
-        // Deliberate: no container-playable flag here, unlike the root's rows.
+        // No container-playable flag, unlike the root's rows: this list is for choosing, not
+        // playing.
         OrvoRoles row;
         row.setTitle(TrString(pl->getName()));
         row.setPath(OrvoPlayListPlGetItemsPath() + toStr(pl->getUid()));

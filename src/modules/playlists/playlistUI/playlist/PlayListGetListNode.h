@@ -7,7 +7,7 @@
 class PlayListGetItemsNode;
 
 // All playlists, after an entry that creates one. Owns the items node of every playlist, which is
-// made when somebody first asks for it.
+// made when a client first asks for it.
 class PlayListGetListNode : public BaseNode, private CMNodeFamily {
     Q_OBJECT
 public:
@@ -31,6 +31,6 @@ private:
     CMNode* makeNode(const QString& lastComponent) override;
     int unmadeCount() const override;
 
-    // Null for a node that nobody has asked for.
+    // Null for a node that was not asked for yet.
     QHash<int, PlayListGetItemsNode*> m_itemsNodeMap;
 };

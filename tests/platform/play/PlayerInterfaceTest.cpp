@@ -19,7 +19,7 @@ public:
     QVariantList values;
 };
 
-TEST(PlayerDoor, playContainerIsAPlayRequestOfTypeOne) {
+TEST(PlayerInterface, playContainerIsAPlayRequestOfTypeOne) {
     CMRootWorker root;
     PlayerStub player;
     OrvoRoles container;
@@ -39,7 +39,7 @@ TEST(PlayerDoor, playContainerIsAPlayRequestOfTypeOne) {
     EXPECT_TRUE(args.paused());
 }
 
-TEST(PlayerDoor, stopCarriesItsReason) {
+TEST(PlayerInterface, stopCarriesItsReason) {
     CMRootWorker root;
     PlayerStub player;
     PlayLogicInterface::playerInstance()->stop(1);
@@ -47,7 +47,7 @@ TEST(PlayerDoor, stopCarriesItsReason) {
     EXPECT_EQ(OrvoPlayLogicStopArgs(player.values.first()).reason(), 1);
 }
 
-TEST(PlayerDoor, withoutAPlayerEverythingIsAnsweredAndLoggedAsAnError) {
+TEST(PlayerInterface, withoutAPlayerEverythingIsAnsweredAndLoggedAsAnError) {
     CMRootWorker root;
     CMNodes nodes;
     StreamerPlayLogic logic(&nodes, CMPath(QStringLiteral("source:playlogic")));

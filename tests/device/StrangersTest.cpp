@@ -12,16 +12,16 @@
 #include "HttpServer.h"
 #include "RawSocket.h"
 
-// What strangers get from the built device; the table is printed. ORVO_DOOR_CONNECTIONS says how
-// many connections the crowd opens, 1000 unless set.
+// What strangers get from the built device; the table is printed. ORVO_STRANGERS_CONNECTIONS says
+// how many connections the crowd opens, 1000 unless set.
 
 namespace {
 
 const QByteArray Token = "the-token-of-this-device";
 
-class DoorTest : public ::testing::Test {
+class StrangersTest : public ::testing::Test {
 protected:
-    DoorTest() : m_device(arguments()) {}
+    StrangersTest() : m_device(arguments()) {}
 
     void SetUp() override {
         ASSERT_TRUE(m_device.start());
@@ -94,7 +94,7 @@ protected:
 
 } // namespace
 
-TEST_F(DoorTest, whatStrangersGet) {
+TEST_F(StrangersTest, whatStrangersGet) {
     const QByteArray paths = "GET /api/paths";
     const QByteArray end = "\r\n";
     expect("the token", head(paths, admitted()) + end, "200 OK");
@@ -180,9 +180,9 @@ TEST_F(DoorTest, whatStrangersGet) {
     expect("the token, at that address", head(paths, admitted()) + end, "200 OK");
 }
 
-TEST_F(DoorTest, aCrowdThatKeepsSilentDelaysNobody) {
-    const int wanted = qEnvironmentVariableIsSet("ORVO_DOOR_CONNECTIONS")
-                           ? qEnvironmentVariableIntValue("ORVO_DOOR_CONNECTIONS")
+TEST_F(StrangersTest, aCrowdThatKeepsSilentDelaysNobody) {
+    const int wanted = qEnvironmentVariableIsSet("ORVO_STRANGERS_CONNECTIONS")
+                           ? qEnvironmentVariableIntValue("ORVO_STRANGERS_CONNECTIONS")
                            : 1000;
     rlimit files{};
     ::getrlimit(RLIMIT_NOFILE, &files);
@@ -218,7 +218,7 @@ TEST_F(DoorTest, aCrowdThatKeepsSilentDelaysNobody) {
              QByteArray::number(mostFiles) + " files open");
 }
 
-TEST_F(DoorTest, aReaderThatStopsDelaysNobody) {
+TEST_F(StrangersTest, aReaderThatStopsDelaysNobody) {
     std::vector<std::unique_ptr<RawSocket>> slow;
     for (int i = 0; i < 50; ++i) {
         slow.push_back(std::make_unique<RawSocket>(m_device.port()));
@@ -240,7 +240,7 @@ TEST_F(DoorTest, aReaderThatStopsDelaysNobody) {
          "100 pages beside them: the slowest in " + QByteArray::number(slowest) + " ms");
 }
 
-TEST_F(DoorTest, aNameNeverBreaksALogLine) {
+TEST_F(StrangersTest, aNameNeverBreaksALogLine) {
     HttpClient http(m_device.port());
     const QByteArray name = "x\\n2026-01-01 00:00:00.000 FATAL Forged - \\u001b[2J\\u2028\\u202e"
                             "\\ud800<b>";

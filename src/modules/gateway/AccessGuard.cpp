@@ -1,4 +1,4 @@
-#include "Door.h"
+#include "AccessGuard.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -98,7 +98,8 @@ HttpResponse tooManyAttempts(const IpAddress& address, int seconds) {
 
 } // namespace
 
-Door::Door(const QStringList& names, const QByteArray& token, const WrongTokens::Limits& limits)
+AccessGuard::AccessGuard(const QStringList& names, const QByteArray& token,
+                         const WrongTokens::Limits& limits)
     : m_wrongTokens(limits) {
     for (const QString& name : names)
         m_names.append(name.trimmed().toLower().toUtf8());
@@ -112,11 +113,11 @@ Door::Door(const QStringList& names, const QByteArray& token, const WrongTokens:
     setPort(0);
 }
 
-void Door::setPort(quint16 port) {
+void AccessGuard::setPort(quint16 port) {
     m_cookieName = "orvo-" + QByteArray::number(port);
 }
 
-std::optional<HttpResponse> Door::refusal(const HttpRequest& request) {
+std::optional<HttpResponse> AccessGuard::refusal(const HttpRequest& request) {
     using Kind = ApiError::Kind;
     if (request.headTooLarge)
         return ApiError::response(
@@ -137,7 +138,7 @@ std::optional<HttpResponse> Door::refusal(const HttpRequest& request) {
     return std::nullopt;
 }
 
-std::optional<HttpResponse> Door::refusalOfCredentials(const HttpRequest& request) {
+std::optional<HttpResponse> AccessGuard::refusalOfCredentials(const HttpRequest& request) {
     const int seconds = m_wrongTokens.blockedSeconds(request.client);
     if (request.path == QLatin1String(LoginPath)) {
         if (seconds > 0)
@@ -157,7 +158,7 @@ std::optional<HttpResponse> Door::refusalOfCredentials(const HttpRequest& reques
     return unauthorized(QStringLiteral("This is not the device's token."));
 }
 
-bool Door::isOwnHost(const HttpRequest& request) const {
+bool AccessGuard::isOwnHost(const HttpRequest& request) const {
     // Two of them may mean two things to two readers.
     if (request.hostCount != 1)
         return false;
@@ -166,14 +167,14 @@ bool Door::isOwnHost(const HttpRequest& request) const {
                                m_names.contains(name));
 }
 
-bool Door::hasToken(const HttpRequest& request) const {
+bool AccessGuard::hasToken(const HttpRequest& request) const {
     constexpr char Scheme[] = "bearer ";
     constexpr int SchemeSize = sizeof Scheme - 1;
     return request.authorization.left(SchemeSize).toLower() == Scheme &&
            isToken(request.authorization.mid(SchemeSize).trimmed());
 }
 
-bool Door::hasCookie(const HttpRequest& request) const {
+bool AccessGuard::hasCookie(const HttpRequest& request) const {
     const QByteArray start = m_cookieName + '=';
     for (const QByteArray& part : request.cookie.split(';')) {
         const QByteArray cookie = part.trimmed();
@@ -184,18 +185,18 @@ bool Door::hasCookie(const HttpRequest& request) const {
     return false;
 }
 
-bool Door::isLogin(const HttpRequest& request, const QByteArray& token) {
+bool AccessGuard::isLogin(const HttpRequest& request, const QByteArray& token) {
     if (isToken(token))
         return true;
     m_wrongTokens.note(request.client);
     return false;
 }
 
-bool Door::isToken(const QByteArray& text) const {
+bool AccessGuard::isToken(const QByteArray& text) const {
     return wantsToken() && isSameDigest(digestOf(text), m_tokenDigest);
 }
 
-QByteArray Door::cookieHeader() const {
+QByteArray AccessGuard::cookieHeader() const {
     return m_cookieName + '=' + m_cookieValue + "; Path=/api; Max-Age=" + CookieLife +
            "; HttpOnly; SameSite=Strict";
 }

@@ -19,12 +19,13 @@
 //   the token, for what is no file of the page: 401 Unauthorized
 //   after many wrong tokens of an address, each further one and any login: 429 TooManyAttempts.
 //     What carries the token or the cookie goes on, so that a stranger at the same address (behind
-//     one proxy) locks out nobody who is in.
-class Door {
+//     one proxy) locks out no client that is in.
+class AccessGuard {
 public:
     // `names`: by which the device may be called besides the loopback's and the address in use.
     // `token`: empty when none is wanted.
-    Door(const QStringList& names, const QByteArray& token, const WrongTokens::Limits& limits = {});
+    AccessGuard(const QStringList& names, const QByteArray& token,
+                const WrongTokens::Limits& limits = {});
 
     // The port in use, which is part of the cookie's name: a browser shares cookies between ports.
     void setPort(quint16 port);

@@ -9,7 +9,7 @@
 
 namespace {
 
-class GatewayDoor : public GatewayFixture {
+class GatewayAccess : public GatewayFixture {
 protected:
     // A request whose whole head is the test's own.
     HttpAnswer ask(const QByteArray& head) {
@@ -31,7 +31,7 @@ protected:
 
 } // namespace
 
-TEST_F(GatewayDoor, aForeignHostReadsNothing) {
+TEST_F(GatewayAccess, aForeignHostReadsNothing) {
     restart({{"gateway/hosts", "Radio.local, kitchen"}});
     const struct {
         const char* host;
@@ -76,7 +76,7 @@ TEST_F(GatewayDoor, aForeignHostReadsNothing) {
     EXPECT_EQ(ask("GET /api/paths HTTP/1.0\r\n").status, 403);
 }
 
-TEST_F(GatewayDoor, aForeignPageReadsAndWritesNothing) {
+TEST_F(GatewayAccess, aForeignPageReadsAndWritesNothing) {
     const struct {
         const char* headers;
         int api;
@@ -117,7 +117,7 @@ TEST_F(GatewayDoor, aForeignPageReadsAndWritesNothing) {
     EXPECT_EQ(http.get("/api/value?path=test:number").body.toStdString(), R"({"value":1})");
 }
 
-TEST_F(GatewayDoor, everyAnswerForbidsWhatThePageDoesNotNeed) {
+TEST_F(GatewayAccess, everyAnswerForbidsWhatThePageDoesNotNeed) {
     HttpClient http(port());
     for (const char* target : {"/", "/nothing", "/api/paths", "/api/rows"}) {
         const auto headers = http.get(target).headers;
@@ -132,7 +132,7 @@ TEST_F(GatewayDoor, everyAnswerForbidsWhatThePageDoesNotNeed) {
     }
 }
 
-TEST_F(GatewayDoor, withATokenOnlyThePagesFilesComeWithoutIt) {
+TEST_F(GatewayAccess, withATokenOnlyThePagesFilesComeWithoutIt) {
     restart({{"gateway/tokenFile", tokenFile()}});
     const QByteArray wrong = QByteArray(Token).replace("token", "tokem");
     const struct {
@@ -170,7 +170,7 @@ TEST_F(GatewayDoor, withATokenOnlyThePagesFilesComeWithoutIt) {
     EXPECT_EQ(m_module->writes(), 0);
 }
 
-TEST_F(GatewayDoor, aPageTradesTheTokenForACookie) {
+TEST_F(GatewayAccess, aPageTradesTheTokenForACookie) {
     restart({{"gateway/tokenFile", tokenFile()}});
     HttpClient http(port());
     const HttpAnswer wrong = http.post("/api/login", R"({"token":"0123456789abcdef-tokem"})");
@@ -205,14 +205,14 @@ TEST_F(GatewayDoor, aPageTradesTheTokenForACookie) {
               401);
 }
 
-TEST_F(GatewayDoor, withoutATokenLoginIsWelcome) {
+TEST_F(GatewayAccess, withoutATokenLoginIsWelcome) {
     HttpClient http(port());
     const HttpAnswer answer = http.post("/api/login", R"({"token":"x"})");
     EXPECT_EQ(answer.status, 200);
     EXPECT_FALSE(answer.headers.contains("set-cookie"));
 }
 
-TEST_F(GatewayDoor, anAddressThatOthersReachNeedsAToken) {
+TEST_F(GatewayAccess, anAddressThatOthersReachNeedsAToken) {
     for (const char* address : {"0.0.0.0:0", "[::]:0", "192.0.2.1:0", "[2001:db8::1]:0"}) {
         const QString host = QString(address).remove("[").remove("]").chopped(2);
         EXPECT_EQ(refusalToStart({{"gateway/listen", address}}),
@@ -235,7 +235,7 @@ TEST_F(GatewayDoor, anAddressThatOthersReachNeedsAToken) {
     EXPECT_EQ(ask("GET / HTTP/1.1\r\nHost: 0.0.0.0\r\n").status, 403);
 }
 
-TEST_F(GatewayDoor, aTokenFileThatOthersCouldReadOrThatHoldsNoneEndsTheStart) {
+TEST_F(GatewayAccess, aTokenFileThatOthersCouldReadOrThatHoldsNoneEndsTheStart) {
     const auto refusal = [this](const QString& file) {
         return refusalToStart({{"gateway/listen", "127.0.0.1:0"}, {"gateway/tokenFile", file}})
             .remove(0, QStringLiteral("the token file %1 ").arg(file).size());
@@ -262,7 +262,7 @@ TEST_F(GatewayDoor, aTokenFileThatOthersCouldReadOrThatHoldsNoneEndsTheStart) {
     }
 }
 
-TEST_F(GatewayDoor, aZeroByteInTheAddressIsRefused) {
+TEST_F(GatewayAccess, aZeroByteInTheAddressIsRefused) {
     HttpClient http(port());
     for (const char* target : {"/%00", "/index.html%00.js", "/api/paths%00x",
                                "/api/rows?path=test:list%00", "/api/rows?a%00b=1"}) {
