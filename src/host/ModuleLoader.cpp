@@ -26,7 +26,8 @@ struct DefaultModule {
     const char* file;
     bool optional;
 };
-// In the order of loading: the gateway comes last, so that no client asks for what is not there yet.
+// In the order of loading: the gateway comes last, so that no client asks for what is not there
+// yet.
 constexpr DefaultModule defaultList[] = {
     {"liborvo_playlists.so", false},
     {"liborvo_files.so", false},
