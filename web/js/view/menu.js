@@ -71,7 +71,9 @@ export class Menu {
       this.back();
     });
     this.dialog.addEventListener('keydown', (event) => this.onKey(event));
-    this.dialog.addEventListener('pointerdown', ({ clientX: x, clientY: y }) => (this.pressed = { x, y }));
+    this.dialog.addEventListener('pointerdown', ({ pointerType, clientX: x, clientY: y }) => {
+      this.pressed = pointerType === 'mouse' ? null : { x, y };
+    });
     this.page = el('div.sheet-page');
     this.dialog.append(this.page);
     document.body.append(this.dialog);
