@@ -5,6 +5,7 @@ import './units/rows.mjs';
 import './units/edits.mjs';
 import './units/undo.mjs';
 import './units/helpers.mjs';
+import './units/player.mjs';
 import './e2e/lists.mjs';
 import './e2e/adding.mjs';
 import './e2e/playing.mjs';

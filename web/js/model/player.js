@@ -26,6 +26,7 @@ export class Player extends Emitter {
     this.sleepsAtEnd = false;
     this.sleepUntil = 0; // by the page's own clock; 0: never
     this.lastStop = {}; // {mediaPath, trackPath, position}: where playback was stopped last
+    this.heard = new Map(); // how many events each value has had
     this.values = [
       [paths.OrvoPlayerStatePath, 'state', (value) => (this.state = bare(value) ?? 'stopped')],
       [paths.OrvoPlayerDataPath, 'data', (value) => (this.data = value ?? {})],
@@ -55,7 +56,11 @@ export class Player extends Emitter {
     this.emit('change', 'present');
     if (!this.present) return;
     await Promise.all(this.values.map(async ([path, what, take]) => {
-      take(await getValue(path));
+      const heard = this.heard.get(what);
+      const value = await getValue(path);
+      // The answer may be older than an event that came meanwhile; were it newer, its own event is on the way.
+      if (this.heard.get(what) !== heard) return;
+      take(value);
       this.emit('change', what);
     }));
   }
@@ -66,6 +71,7 @@ export class Player extends Emitter {
       if (!samePlace(path, event.path)) continue;
       // The clock runs between two positions, so it is set when it starts or stops, too.
       if (what === 'state') this.setAnchor(this.position);
+      this.heard.set(what, (this.heard.get(what) ?? 0) + 1);
       const before = this.error;
       take(event.value);
       this.emit('change', what);
