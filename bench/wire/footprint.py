@@ -14,7 +14,7 @@ import time
 
 sys.dont_write_bytecode = True
 
-from measuring import BenchDevice, Listener, Report, accepted, main, temp_folder
+from measuring import BenchDevice, Listener, Report, accepted, main, memory_of, temp_folder
 
 PLAYLISTS, TRACKS_EACH = 1000, 10
 MODULE, GATEWAY, FILES = "liborvo_playlists.so", "liborvo_gateway.so", "liborvo_files.so"
@@ -34,16 +34,6 @@ def ask_first(device):
     client = device.connect()
     accepted(client.exchange(client.page("playlists:root", 0)))
     return client
-
-
-def memory_of(pid):
-    """Resident and private memory in MiB: what the kernel says the process holds, and what it shares with none."""
-    kib = {}
-    with open(f"/proc/{pid}/smaps_rollup", encoding="ascii") as file:
-        for line in file.readlines()[1:]:
-            name, value = line.split()[:2]
-            kib[name] = int(value)
-    return kib["Rss:"] / 1024, (kib["Private_Clean:"] + kib["Private_Dirty:"]) / 1024
 
 
 def memory(host, bare, few, report):

@@ -6,6 +6,7 @@ import json
 import math
 import os
 import select
+import statistics
 import subprocess
 import sys
 import tempfile
@@ -113,6 +114,12 @@ class BenchDevice(Device):
         return Client(self.port)
 
 
+def ms_of(work):
+    begin = time.perf_counter()
+    work()
+    return (time.perf_counter() - begin) * 1000
+
+
 def accepted(answer):
     if answer.status != 200:
         raise RuntimeError(f"status {answer.status}: {answer.body[:200].decode()}")
@@ -144,6 +151,16 @@ def track(number):
 def temp_folder(parent):
     os.makedirs(parent, exist_ok=True)
     return tempfile.TemporaryDirectory(prefix="orvo-bench-", dir=os.path.abspath(parent))
+
+
+def memory_of(pid):
+    """Resident and private memory in MiB: what the kernel says the process holds, and what it shares with none."""
+    kib = {}
+    with open(f"/proc/{pid}/smaps_rollup", encoding="ascii") as file:
+        for line in file.readlines()[1:]:
+            name, value = line.split()[:2]
+            kib[name] = int(value)
+    return kib["Rss:"] / 1024, (kib["Private_Clean:"] + kib["Private_Dirty:"]) / 1024
 
 
 def percentile(values, percent):
@@ -187,11 +204,11 @@ class Table:
 
 
 class Report:
-    """Figures beside their bounds. Belongs to a run on one processor, which it chooses."""
+    """Figures beside their bounds. A run is on one processor, which this chooses, or on two."""
 
-    def __init__(self, file):
-        # Waking another processor of a virtual machine takes as long as a small answer.
-        os.sched_setaffinity(0, {max(os.sched_getaffinity(0))})
+    def __init__(self, file, processors=1):
+        # One, because waking another of a virtual machine takes as long as a small answer.
+        os.sched_setaffinity(0, sorted(os.sched_getaffinity(0))[-processors:])
         gc.disable()
         self._begin = time.monotonic(), self._used_by_others()
         self._table = Table(file, ["what", "measured", "bound"])
@@ -202,6 +219,10 @@ class Report:
         self._broken += broken
         self._table.row([what, f"{figure(value)} {unit}".strip(),
                          "" if bound is None else f"{bound} {unit}".strip() + " BROKEN" * broken])
+
+    def add_times(self, what, times, unit, median_bound=None, tail_bound=None):
+        self.add(f"{what}, median", statistics.median(times), unit, median_bound)
+        self.add(f"{what}, 99th percentile", percentile(times, 99), unit, tail_bound)
 
     def finish(self):
         """Call it when all processes of the run have ended. Returns the exit status."""

@@ -68,7 +68,7 @@ class Daemon:
                 time.sleep(0.1)
         raise RuntimeError("mpd does not start")
 
-    def end(self):
+    def close(self):
         self._process.terminate()
         self._process.wait()
 
@@ -128,7 +128,7 @@ class OurDevice:
         self.saved = 0
         self.queued = []
 
-    def end(self):
+    def close(self):
         self._device.end()
 
     def pid(self):
@@ -237,7 +237,7 @@ class Contestant:
                     work(self.peer, size, step)
                     times.append(time.perf_counter() - begin)
         except socket.timeout:
-            self.peer.end()
+            self.peer.close()
             self.peer = self._make()
             return None
         return statistics.median(times)
@@ -278,7 +278,7 @@ def compare(options, music, folders):
             table.row(["resident memory then", str(size), *cells(figures, "{:.1f} MiB".format)])
     finally:
         for contestant in contestants:
-            contestant.peer.end()
+            contestant.peer.close()
 
 
 def run(options):

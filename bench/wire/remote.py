@@ -15,7 +15,7 @@ import time
 sys.dont_write_bytecode = True
 
 from measuring import (PAGE_ROWS, BenchDevice, Listener, Report, accepted, items_path, main,
-                       percentile, temp_folder, track)
+                       temp_folder, track)
 
 PLAYLISTS = 1000
 SMALL, BIG = 100, 100_000
@@ -64,8 +64,7 @@ def pages(library, report):
             answer = client.exchange(text)
             times.append(us_since(begin))
             check_page(answer, first)
-        report.add(f"page of 50 {place}, median", statistics.median(times), "µs", 1000)
-        report.add(f"page of 50 {place}, 99th percentile", percentile(times, 99), "µs", 3000)
+        report.add_times(f"page of 50 {place}", times, "µs", 1000, 3000)
 
 
 def edit(text, needle, editor, listener):
@@ -163,8 +162,7 @@ def many_listeners(library, report):
         for listener in listeners.values():
             listener.settle(0)
     what = f"{count} event streams, all told of an edit"
-    report.add(f"{what}, median", statistics.median(times), "ms", 20)
-    report.add(f"{what}, 99th percentile", percentile(times, 99), "ms", 20)
+    report.add_times(what, times, "ms", 20, 20)
     report.add(f"{what}, longest", max(times), "ms", 20)
 
 

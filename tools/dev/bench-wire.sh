@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What ./dev bench remote, peers and footprint do: build, make the music, measure.
+# What ./dev bench remote, library, peers and footprint do: build, make the music, measure.
 # The table goes to build/bench as well.
 set -euo pipefail
 
@@ -21,6 +21,15 @@ make_music() {
     mkdir -p "$(dirname "$2")"
     rm -rf "$2.part"
     "$root/tools/demo-music" --tracks "$1" "$2.part"
+    mv "$2.part" "$2"
+}
+
+# make_library TRACKS FOLDER: tiny files with the tags of a library, without them for TRACKS below zero, made once
+make_library() {
+    if [[ -d $2 ]]; then return; fi
+    say "making ${1#-} tracks in ${2#"$root"/}"
+    rm -rf "$2.part"
+    "$root/build/release/bin/orvo_bench_music" "$1" "$2.part"
     mv "$2.part" "$2"
 }
 
@@ -63,6 +72,17 @@ peers)
     for count in 1000 10000 100000; do make_music "$count" "$music/music-peers/n$count"; done
     options+=("${host[@]}" --music "$music/music-peers")
     ;;
+library)
+    install_mpd
+    need library
+    cmake --build "$root/build/release" --target orvo_bench_music
+    make_library 20000 "$music/library-20000-tagged"
+    make_library 100000 "$music/library-100000-tagged"
+    make_library -100000 "$music/library-100000-untagged"
+    options+=("${host[@]}" --music "$music/library")
+    ;;
 footprint) options+=(--build "$root/build/release") ;;
 esac
-exec python3 "$root/bench/wire/$name.py" "${options[@]}" "$@"
+script=$root/bench/wire/$name.py
+if [[ $name == library ]]; then script=$root/bench/library/library.py; fi
+exec python3 "$script" "${options[@]}" "$@"

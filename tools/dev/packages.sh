@@ -14,6 +14,7 @@ declare -A packages=(
     [fuzz]='clang libclang-rt-dev'
     [web]='chromium'
     [peers]='mpd python3'
+    [library]='libtag1-dev python3 strace'
 )
 # Node may have come from elsewhere than Debian; its package would not go along with Debian's npm.
 if ! command -v node >/dev/null || ! command -v npm >/dev/null; then packages[web]+=' nodejs npm'; fi
