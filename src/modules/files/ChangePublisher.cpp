@@ -43,11 +43,14 @@ CMPath ChangePublisher::scanPath() {
     return path;
 }
 
+bool ChangePublisher::isReady() const {
+    return m_begun && !m_scanner->isScanning() && !m_index->isBehind();
+}
+
 OrvoValue ChangePublisher::scanValue() const {
-    const bool ready = m_begun && !m_scanner->isScanning() && !m_index->isBehind();
     OrvoValue value;
     value.setAttribute(QStringLiteral("state"),
-                       ready ? QStringLiteral("ready") : QStringLiteral("scanning"));
+                       isReady() ? QStringLiteral("ready") : QStringLiteral("scanning"));
     value.setAttribute(QStringLiteral("folders"), m_tree->foldersCount());
     value.setAttribute(QStringLiteral("tracks"), m_tree->tracksCount());
     value.setAttribute(QStringLiteral("done"), m_tree->taggedCount());

@@ -24,6 +24,8 @@ public:
     static CMPath scanPath();
     // {"state": "scanning" or "ready", "folders", "tracks", "done": tracks whose tags are read}
     OrvoValue scanValue() const;
+    // The library has all that is in the music folder.
+    bool isReady() const;
     // The first scan is about to begin: from now on the state is what the scanner does.
     void scanBegins() { m_begun = true; }
 

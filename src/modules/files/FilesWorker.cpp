@@ -24,7 +24,8 @@ FilesWorker::FilesWorker(const QHash<QString, QVariant>& config)
       m_watcher(MostWatches),
       m_publisher(&m_tree, &m_scanner, &m_index, subscribe()),
       m_treeNode(&m_tree, nodes(), nullptr),
-      m_searches(&m_index) {
+      m_searches(&m_index),
+      m_matches(&m_tree, &m_scanner, &m_index, &m_publisher) {
     cmConnect(&m_tree, &MusicTree::folderAdded, &m_watcher, &FolderWatcher::add);
     cmConnect(&m_tree, &MusicTree::folderRemoved, &m_watcher, &FolderWatcher::remove);
     cmConnect(&m_watcher, &FolderWatcher::changed, &m_scanner, &Scanner::refresh);
@@ -52,6 +53,11 @@ CMPath FilesWorker::rescanPath() {
 CMPath FilesWorker::prepareItemsPath() {
     static const CMPath path =
         CMPath::fromPrefix(QStringLiteral("files")) + OrvoPlayListPrepareItems();
+    return path;
+}
+
+CMPath FilesWorker::matchPath() {
+    static const CMPath path(QStringLiteral("files:match"));
     return path;
 }
 
@@ -92,6 +98,7 @@ void FilesWorker::setDataRequest(const CMSetDataRequest& request) {
     };
     static const Command commands[] = {
         {prepareItemsPath(), &FilesWorker::prepareItems},
+        {matchPath(), &FilesWorker::match},
         {MusicRoles::prePlayPath(), &FilesWorker::prePlay},
         {rescanPath(), &FilesWorker::rescan},
     };

@@ -4,6 +4,7 @@
 #include "CMWorker.h"
 #include "FolderWatcher.h"
 #include "LibraryNode.h"
+#include "MatchQueue.h"
 #include "MusicTree.h"
 #include "Scanner.h"
 #include "SearchNode.h"
@@ -27,9 +28,11 @@ public:
     static CMPath musicFolderPath();
     static CMPath rescanPath();
     static CMPath prepareItemsPath();
+    static CMPath matchPath();
 
 private:
     void prepareItems(const CMSetDataRequest& request);
+    void match(const CMSetDataRequest& request) { m_matches.match(request); }
     void prePlay(const CMSetDataRequest& request);
     void rescan(const CMSetDataRequest& request);
     void scan();
@@ -45,5 +48,6 @@ private:
     std::vector<std::unique_ptr<LibraryNode>> m_libraryNodes;
     SearchQueue m_searches;
     std::vector<std::unique_ptr<SearchNode>> m_searchNodes;
+    MatchQueue m_matches;
     bool m_announce = false; // a scan of everything is under way
 };
