@@ -31,6 +31,7 @@ struct DefaultModule {
 constexpr DefaultModule defaultList[] = {
     {"liborvo_playlists.so", false},
     {"liborvo_files.so", false},
+    {"liborvo_lists.so", true},
     {"liborvo_player.so", true},
     {"liborvo_gateway.so", false},
 };

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <memory>
+
+#include <QObject>
+#include <QThreadPool>
+
+#include "CMRequest.h"
+#include "ListReader.h"
+#include "OrvoPlayListItem.h"
+
+// Answers one `lists:import`: reads the file in a thread, has its tracks found by the files module
+// and added to a new playlist, in parts, so that other requests get their turns. The playlist is
+// made when the first track is found; when the playlists module refuses anything, or has room for a
+// part only, it is deleted again. That and every addition goes by the revision that the playlist
+// had before, so that what another client did with it is not undone. Owned by the worker, on the
+// event loop's thread; deletes itself when it has answered.
+class ImportJob : public QObject {
+    Q_OBJECT
+public:
+    ImportJob(const CMSetDataRequest& request, QThreadPool* pool, QObject* parent);
+
+    void start();
+
+private:
+    struct Source {
+        QString text;  // either this
+        QString bytes; // or these, in base64
+        QString suffix;
+        QString base;
+    };
+    // An entry and where it leads.
+    struct Entry {
+        ListedTrack track;
+        QString address;
+        QStringList files;
+    };
+    struct Document {
+        QString name;
+        std::vector<Entry> entries;
+        TrString refusal;
+    };
+    using DocumentPtr = std::shared_ptr<Document>;
+
+    // In the thread.
+    static DocumentPtr read(const Source& source);
+
+    void take(const DocumentPtr& document);
+    void nextPart();
+    // One for each entry of the part; empty where the files module found none.
+    void takeItems(const QVariantList& found);
+    void create(const QList<OrvoPlayListItem>& items);
+    void add(const QList<OrvoPlayListItem>& items);
+    void readRevision(const std::function<void()>& then);
+    void later(void (ImportJob::*step)());
+    void invoke(const CMPath& path, const QVariant& args,
+                const std::function<void(const QVariant&)>& then);
+    void answer();
+    void end();
+    void fail(const CMError& error);
+
+    CMSetDataRequest m_request;
+    QThreadPool* m_pool;
+    QString m_name;
+    DocumentPtr m_document;
+    std::size_t m_next = 0; // the first entry of the part
+    int m_plid = -1;
+    int m_added = 0;
+    int m_rowsCount = 0;
+    qint64 m_revision = 0;
+    QVariantList m_notFound;
+};

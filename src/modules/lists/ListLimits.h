@@ -1,0 +1,13 @@
+#pragma once
+
+// How large a playlist file may be that is read.
+namespace ListLimits {
+
+constexpr int MaxBytes = 8 * 1024 * 1024;
+constexpr int MaxEntries = 100000;
+// Of a line, and in XML of a tag or the text behind it.
+constexpr int MaxLineLength = 32768;
+// Files that are read at the same time, each of which may take several times its size.
+constexpr int MaxImports = 4;
+
+} // namespace ListLimits

@@ -1,0 +1,47 @@
+#include "ListsWorker.h"
+
+#include "ExportJob.h"
+#include "ImportJob.h"
+#include "ListLimits.h"
+
+ListsWorker::ListsWorker(const QHash<QString, QVariant>& config)
+    : CMNodesWorker(config, QStringLiteral("Lists")) {
+    m_pool.setMaxThreadCount(1);
+}
+
+ListsWorker::~ListsWorker() {
+    m_pool.waitForDone();
+}
+
+void ListsWorker::setDataRequest(const CMSetDataRequest& request) {
+    struct Command {
+        CMPath path;
+        void (ListsWorker::*handler)(const CMSetDataRequest&);
+    };
+    static const Command commands[] = {
+        {CMPath(QStringLiteral("lists:import")), &ListsWorker::importList},
+        {CMPath(QStringLiteral("lists:export")), &ListsWorker::exportList},
+    };
+    for (const Command& command : commands) {
+        if (request.path().base() == command.path.base()) {
+            (this->*command.handler)(request);
+            return;
+        }
+    }
+    CMNodesWorker::setDataRequest(request);
+}
+
+void ListsWorker::importList(const CMSetDataRequest& request) {
+    if (findChildren<ImportJob*>().size() >= ListLimits::MaxImports) {
+        request.reply().setError(
+            CMError(QStringLiteral("TooManyImports"),
+                    TrString("Lists", "Too many files are being imported. Please try again."),
+                    CMError::DefaultTitle()));
+        return;
+    }
+    (new ImportJob(request, &m_pool, this))->start();
+}
+
+void ListsWorker::exportList(const CMSetDataRequest& request) {
+    (new ExportJob(request, &m_pool, this))->start();
+}

@@ -1,0 +1,99 @@
+#include <QRegularExpression>
+#include <QXmlStreamReader>
+
+#include "ListLimits.h"
+#include "ListReader.h"
+
+namespace {
+
+// The parser compares each attribute of a tag with all before it, so a tag of megabytes would keep
+// it busy for minutes. A "<" stands nowhere but at the beginning of one.
+int tooLongTag(const QString& text) {
+    int from = 0;
+    while (true) {
+        const int next = text.indexOf(QLatin1Char('<'), from + 1);
+        if ((next < 0 ? text.size() : next) - from > ListLimits::MaxLineLength)
+            return from;
+        if (next < 0)
+            return -1;
+        from = next;
+    }
+}
+
+QString textOf(QXmlStreamReader* xml) {
+    return xml->readElementText(QXmlStreamReader::SkipChildElements).simplified();
+}
+
+ListedTrack readTrack(QXmlStreamReader* xml) {
+    ListedTrack track;
+    track.line = int(xml->lineNumber());
+    track.isUri = true;
+    while (xml->readNextStartElement()) {
+        const QString name = xml->name().toString();
+        if (name == QLatin1String("location")) {
+            const int line = int(xml->lineNumber());
+            const QString location = textOf(xml);
+            // The first that is named is the one to be taken.
+            if (track.location.isEmpty() && !location.isEmpty()) {
+                track.location = location;
+                track.line = line;
+            }
+        } else if (name == QLatin1String("title")) {
+            track.title = textOf(xml);
+        } else if (name == QLatin1String("creator")) {
+            track.artist = textOf(xml);
+        } else if (name == QLatin1String("album")) {
+            track.album = textOf(xml);
+        } else if (name == QLatin1String("image")) {
+            track.artworkUrl = textOf(xml);
+        } else if (name == QLatin1String("duration")) {
+            track.durationMs = qMax(0LL, textOf(xml).toLongLong());
+        } else {
+            xml->skipCurrentElement();
+        }
+    }
+    return track;
+}
+
+TrString readTracks(QXmlStreamReader* xml, TrackList* list) {
+    while (xml->readNextStartElement()) {
+        if (xml->name() != QLatin1String("track")) {
+            xml->skipCurrentElement();
+            continue;
+        }
+        const TrString refusal = ListReader::add(list, readTrack(xml));
+        if (!refusal.isEmpty())
+            return refusal;
+    }
+    return {};
+}
+
+} // namespace
+
+ListReader::Result ListReader::readXspf(const QString& text) {
+    // Entities of a file's own are how a few bytes become gigabytes, and no list needs them.
+    if (text.contains(QLatin1String("<!DOCTYPE"), Qt::CaseInsensitive))
+        return {{}, TrString("Lists", "This is not a playlist file: it has a document type.")};
+    if (const int at = tooLongTag(text); at >= 0)
+        return {{}, lineTooLong(1 + text.leftRef(at).count(QLatin1Char('\n')))};
+    QXmlStreamReader xml(text);
+    if (xml.readNextStartElement() && xml.name() != QLatin1String("playlist"))
+        return {{}, TrString("Lists", "This is not a playlist file.")};
+    Result result;
+    while (result.refusal.isEmpty() && xml.readNextStartElement()) {
+        if (xml.name() == QLatin1String("title"))
+            result.list.name = textOf(&xml);
+        else if (xml.name() == QLatin1String("trackList"))
+            result.refusal = readTracks(&xml, &result.list);
+        else
+            xml.skipCurrentElement();
+    }
+    while (result.refusal.isEmpty() && !xml.atEnd())
+        xml.readNext();
+    if (xml.hasError() && result.refusal.isEmpty())
+        result.refusal =
+            TrString("Lists", "The file is damaged in line %1: %2.",
+                     {QString::number(xml.lineNumber()),
+                      xml.errorString().remove(QRegularExpression(QStringLiteral("\\.$")))});
+    return result;
+}

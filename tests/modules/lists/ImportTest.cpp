@@ -1,0 +1,105 @@
+#include <QDir>
+
+#include "ListsFixture.h"
+
+namespace {
+
+class Import : public ListsFixture {};
+
+} // namespace
+
+TEST_F(Import, theNameIsTheOneGivenElseTheListsOwnElseThatOfTheFile) {
+    track("a.wav");
+    start();
+    const QString text = "#EXTM3U\n#PLAYLIST:Own\na.wav\n";
+    EXPECT_EQ(call("lists:import", {{"text", text}, {"file", "f.m3u"}, {"name", "Given"}})
+                  .value.value("name"),
+              "Given");
+    EXPECT_EQ(importText(text).value.value("name"), "Own");
+    EXPECT_EQ(importText("a.wav\n", "Summer 1.5.m3u").value.value("name"), "Summer 1.5");
+    EXPECT_EQ(call("lists:import", {{"text", "a.wav\n"}}).value.value("name"), "Imported");
+    EXPECT_EQ(playlistNames(), (QStringList{"Given", "Own", "Summer 1.5", "Imported"}));
+}
+
+TEST_F(Import, aNameThatThePlaylistsModuleRefusesLeavesNothing) {
+    track("a.wav");
+    start({{"playlists/maxNameBytes", 10}});
+    const Answer answer = call("lists:import", {{"text", "a.wav\n"}, {"name", "more than ten"}});
+    EXPECT_EQ(answer.message(), "Could not create playlist. Name is too long.");
+    EXPECT_EQ(call("lists:import", {{"text", "a.wav\n"}, {"name", ""}}).error.name().isEmpty(),
+              false);
+    EXPECT_EQ(playlistNames(), QStringList());
+}
+
+TEST_F(Import, whatIsAskedForWronglyIsRefused) {
+    start();
+    EXPECT_EQ(call("lists:import", {}).message(), "Either \"text\" or \"bytes\" is needed.");
+    EXPECT_EQ(call("lists:import", {{"text", "a"}, {"bytes", "YQ=="}}).message(),
+              "Either \"text\" or \"bytes\" is needed.");
+    EXPECT_EQ(call("lists:import", {{"bytes", "no base64!"}}).message(),
+              "\"bytes\" is not base64.");
+    EXPECT_EQ(call("lists:nothing", {}).error.name(), CMError::NoSuchNode());
+}
+
+TEST_F(Import, whatTheStoreHasNoRoomForIsNotImportedAtAll) {
+    track("a.wav");
+    setItemsLimit(300);
+    start();
+    EXPECT_EQ(importText(QString("a.wav\n").repeated(250), "fits.m3u").added(), 250);
+    // For more than there is room for, in the first part and in a later one.
+    EXPECT_EQ(importText(QString("http://a/\n").repeated(200)).error.name().isEmpty(), false);
+    EXPECT_EQ(playlistNames(), QStringList{"fits"});
+    for (const int streams : {49, 50, 51, 60, 250}) {
+        QString text;
+        for (int i = 0; i < streams; ++i)
+            text += QStringLiteral("http://example.org/%1\n").arg(i);
+        const Answer answer = importText(text);
+        EXPECT_EQ(answer.error.name().isEmpty(), streams <= 50) << streams;
+        if (answer.plid() >= 0)
+            call("playlists:pl/delete", {{"plid", answer.plid()}});
+        EXPECT_EQ(playlistNames(), QStringList{"fits"}) << streams;
+    }
+}
+
+TEST_F(Import, fiveHundredEntriesKeepTheirOrderAcrossParts) {
+    QString text;
+    QStringList expected;
+    for (int i = 0; i < 20; ++i)
+        track(QStringLiteral("%1.wav").arg(i));
+    for (int i = 0; i < 501; ++i) {
+        const bool isStream = i % 7 == 3;
+        expected.append(isStream ? QStringLiteral("http://example.org/%1").arg(i)
+                                 : QStringLiteral("%1.wav").arg(i % 20));
+        text += expected.last() + '\n';
+    }
+    start();
+    const Answer answer = importText(text);
+    EXPECT_EQ(answer.added(), 501);
+    EXPECT_EQ(tracks(answer.plid()), expected);
+}
+
+TEST_F(Import, namesThatLeadOutOfTheMusicFolderFindNothingThere) {
+    track("a.wav");
+    SoundFiles::writeWav(musicFolder() + "/../secret.wav");
+    start();
+    const Answer answer = importText("../secret.wav\n/etc/passwd\nfile:///etc/passwd\n"
+                                     "a.wav/../../secret.wav\n" +
+                                     musicFolder() + "/../secret.wav\na.wav\n");
+    EXPECT_EQ(answer.notFound().size(), 5);
+    EXPECT_EQ(tracks(answer.plid()), QStringList{"a.wav"});
+}
+
+TEST_F(Import, aFifthImportAtTheSameTimeIsRefused) {
+    track("a.wav");
+    start();
+    QVector<CMReply<QVariant>> replies(5);
+    for (const CMReply<QVariant>& reply : qAsConst(replies))
+        CMRoot()->invoke(CMPath("lists:import"), QVariantHash{{"text", "a.wav\n"}}, reply);
+    EXPECT_EQ(replies.at(4).error().name(), "TooManyImports");
+    for (int i = 0; i < 4; ++i) {
+        const CMReply<QVariant> reply = replies.at(i);
+        EXPECT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+        EXPECT_FALSE(reply.isError());
+    }
+    EXPECT_EQ(importText("a.wav\n").added(), 1);
+}
