@@ -113,6 +113,12 @@ namespace AddVerb {
 void add(VerbContext& context);
 }
 
+// Playlist files of other programs.
+namespace ListFileVerbs {
+void importFile(VerbContext& context);
+void exportFile(VerbContext& context);
+} // namespace ListFileVerbs
+
 // On a device's file instead of the device.
 namespace StoreVerbs {
 void check(VerbContext& context);
