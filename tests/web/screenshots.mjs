@@ -46,7 +46,7 @@ const rest = async (me, title) => {
 let me = await open(Desktop, 'light');
 await me.openList('Sunday Morning');
 await rest(me, 'Rain Counts to Ten');
-await me.toMusic('Velka Torrin', 'Lanterns on the Canal');
+await me.toFolders('Velka Torrin', 'Lanterns on the Canal');
 await shoot(me, 'web-desktop');
 
 me = await open(Desktop, 'dark');

@@ -8,6 +8,8 @@ import './units/helpers.mjs';
 import './units/player.mjs';
 import './e2e/lists.mjs';
 import './e2e/adding.mjs';
+import './e2e/finding.mjs';
+import './e2e/places.mjs';
 import './e2e/playing.mjs';
 import './e2e/upnext.mjs';
 import './e2e/reordering.mjs';

@@ -8,13 +8,12 @@ import { Lock } from './model/lock.js';
 import { Player } from './model/player.js';
 import { Settings } from './model/settings.js';
 import { RowType, allRows, isCreate, isSwitch, metaData } from './model/rows.js';
-import { attempt, el, icon, setAttribute, tell, tellError, tellUnlessOffline } from './view/dom.js';
+import { attempt, el, icon, setAttribute, tellError, tellUnlessOffline } from './view/dom.js';
 import { wireKeys } from './view/keys.js';
-import { Address, Pane } from './view/pane.js';
+import { Address, MusicPane, Pane } from './view/pane.js';
 
-// Where the trees begin. A module that is not loaded has none.
-const FilesRoot = 'files:tree';
 const DeviceName = 'gateway:name';
+const MusicPrefix = 'files:';
 const Narrow = '(max-width: 47.49rem)';
 const Wide = '(min-width: 75rem)';
 const LaterStyle = '/css/later.css';
@@ -58,7 +57,8 @@ class App {
     this.parts = new Promise((done) => (this.takeParts = done)); // what later.js has
     this.nav = new Pane(this, 'nav', document.getElementById('nav'));
     this.main = new Pane(this, 'main', document.getElementById('main'), this.nav);
-    this.side = new Pane(this, 'side', document.getElementById('side'));
+    this.side = new MusicPane(this, 'side', document.getElementById('side'));
+    this.music = null; // until its parts are there, and where the device has none
     this.panes = [this.nav, this.main, this.side];
     this.player.on('failed', (message) => tellError({ message }));
     this.address = new Address(this);
@@ -79,6 +79,7 @@ class App {
     for (const place of document.querySelectorAll('.tab-icon')) place.append(icon(place.dataset.icon));
     document.getElementById('tab-lists').addEventListener('click', () => this.showLists());
     document.getElementById('tab-music').addEventListener('click', () => this.showSide(true));
+    document.getElementById('tab-search').addEventListener('click', () => this.side.search());
     document.getElementById('help').addEventListener('click', () => this.showHelp());
     document.getElementById('settings').addEventListener('click', () => this.showSettings());
     this.narrow.addEventListener('change', () => {
@@ -107,6 +108,7 @@ class App {
     this.upNext = new parts.UpNext(this);
     this.bar = new parts.PlayerBar(document.getElementById('player'), this.player, { upNext: this.upNext, menu: this.menu, onJump: () => this.jumpToCurrent() });
     this.takeParts(parts);
+    this.side.beginMusic();
     this.takeName();
     parts.keepPage();
   }
@@ -119,9 +121,8 @@ class App {
   // What stands beside the lists.
   openPlaces() {
     this.isPlaced = true;
-    this.side.begin({ path: FilesRoot, title: 'Music' });
     this.nav.top.store.on('rows', () => this.followParents());
-    this.address.apply(matchMedia(Wide).matches);
+    this.address.apply({ sideOpenFirst: matchMedia(Wide).matches });
     this.followParents();
     this.refreshPlayer();
   }
@@ -135,6 +136,7 @@ class App {
     this.feed.on('event', (event) => {
       this.player.apply(event);
       this.covers.apply(event);
+      this.music?.apply(event);
       for (const pane of this.panes) pane.apply(event);
       this.menu?.apply(event);
       this.upNext?.apply(event);
@@ -159,7 +161,7 @@ class App {
     } catch {
       return; // the next connection brings another resync
     }
-    await this.refreshPlayer();
+    await Promise.all([this.refreshPlayer(), this.side.beginMusic()]);
     this.showHeads();
   }
 
@@ -251,30 +253,20 @@ class App {
     new AddMenu(this, rows, screen).open(anchor);
   }
 
-  async openMoveMenu(rows, anchor, screen) {
-    await this.parts;
-    const title = rows.length === 1 ? rows[0].title : `${rows.length} chosen`;
-    this.openMenu(this.menuEdits.moveToPage(screen.target, rows), { anchor, head: { title, urls: [] } });
+  async openMusicMenu(row, anchor, screen) {
+    const { AddMenu } = await this.parts;
+    new AddMenu(this, [row], screen).openForRow(anchor);
   }
 
-  // By its menu, which says what a name may be.
-  async rename(row, anchor) {
-    if (!row.context?.path) return;
-    await this.parts;
-    const entry = (await attempt(allRows(row.context.path), anchor))?.find((one) => this.commands.isRename(one));
-    if (entry) this.editRow(entry, anchor);
+  async playMusic(rows, mode, anchor) {
+    const { playMusic } = await this.parts;
+    playMusic(this, rows, mode, anchor);
   }
 
-  // The playlists that are not in a collection yet, to be added to it.
-  async openCollectMenu(screen, anchor) {
-    const clid = this.commands.collectionOf(screen.path);
-    const held = new Set((await allRows(screen.path)).map((row) => row.path));
-    const lists = (await allRows(this.nav.top.path)).filter((row) => this.commands.targetOf(row.path ?? '')?.plid && !held.has(row.path));
-    const items = lists.map((row) => ({ title: row.title, icon: 'list', run: () => {
-      this.menu.close();
-      attempt(this.commands.addToCollection(clid, this.commands.targetOf(row.path).plid).then(() => tell(`“${row.title}” added to “${screen.title}”.`)), null);
-    } }));
-    this.openMenu({ title: `Add to ${screen.title}`, items }, { anchor, head: { title: screen.title, urls: [] } });
+  // Menus of the page's own: what MenuEdits is asked to do.
+  async withMenus(run) {
+    await this.parts;
+    run(this.menuEdits);
   }
 
   // Places.
@@ -325,12 +317,22 @@ class App {
     this.remember();
   }
 
+  // `how`: that of the address.
+  showMusic(how) {
+    document.body.classList.add('side-open');
+    this.setPlace('side');
+    this.remember(how);
+  }
+
   showSide(shown) {
-    document.body.classList.toggle('side-open', shown);
-    if (shown) this.setPlace('side');
-    else this.setPlace(this.main.top ? 'main' : 'nav');
+    if (shown) {
+      this.showMusic();
+      this.side.top?.focus();
+      return;
+    }
+    document.body.classList.remove('side-open');
+    this.setPlace(this.main.top ? 'main' : 'nav');
     this.remember();
-    if (shown) this.side.top?.focus();
   }
 
   showHeads() {
@@ -342,7 +344,8 @@ class App {
       if (this.isNarrow) this.showNav();
       else this.openFirst();
     } else if (pane === this.side) {
-      pane.begin({ path: FilesRoot, title: 'Music' });
+      this.music = null;
+      pane.beginMusic();
     }
   }
 
@@ -368,9 +371,15 @@ class App {
   }
 
   isCurrent(row) {
-    if (row.type === RowType.Audio) return this.player.isCurrent(row);
+    if (row.type === RowType.Audio) return this.player.isCurrent(row) || this.isSounding(row);
     if (row.type !== RowType.Container) return false;
     return Boolean(this.player.track) && this.player.container?.path === row.path;
+  }
+
+  // A track of the music plays by way of a playlist, where it is another row.
+  isSounding(row) {
+    const fileOf = (track) => track?.mediaData?.resources?.[0]?.uri;
+    return row.path.startsWith(MusicPrefix) && Boolean(fileOf(row)) && fileOf(row) === fileOf(this.player.track);
   }
 
   // Called whenever the head of a shown list may have changed.
@@ -401,8 +410,8 @@ class App {
     this.workedIn = this.panes.find((pane) => pane.element.contains(target)) ?? this.workedIn;
   }
 
-  remember() {
-    this.address.write();
+  remember(how) {
+    this.address.write(how);
   }
 
   async showHelp() {

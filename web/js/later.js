@@ -2,13 +2,15 @@
 
 export { keepPage } from './core/installed.js';
 export { Edits } from './model/edits.js';
-export { AddMenu } from './view/addmenu.js';
+export { Music } from './model/music.js';
+export { AddMenu, playMusic } from './view/addmenu.js';
 export { Editing } from './view/editing.js';
 export { emptyText } from './view/empty.js';
 export { Finder } from './view/finder.js';
 export { showHelp } from './view/help.js';
 export { Menu } from './view/menu.js';
 export { MenuEdits } from './view/menuedits.js';
+export { MusicScreen } from './view/music.js';
 export { PlayerBar } from './view/playerbar.js';
 export { ask } from './view/question.js';
 export { showSettings } from './view/settingscard.js';

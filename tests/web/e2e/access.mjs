@@ -134,7 +134,7 @@ story('finding in a list goes from match to match', async ({ device, open }) => 
   await me.openList('Party');
   await me.row('main', Lanterns[0]).waitFor();
   if (me.touch) await me.press(me.page.locator('#main .screen:not([hidden]) [aria-label="Find in this list"]').first());
-  else await me.page.keyboard.press('/');
+  else await me.page.keyboard.press('f');
   await me.page.keyboard.type('UBER dem');
   await eventually(() => me.page.locator('#main .find-count').textContent(), '1 of 1');
   await eventually(() => me.page.locator('#main .row.found .row-title').textContent(), 'Über dem Maschinenraum');

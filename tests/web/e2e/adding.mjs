@@ -6,9 +6,9 @@ story('add an album from the files tree', async ({ device, open }) => {
   const plid = await device.playlist('Party', Albums.hours);
   const me = await open();
   await me.openList('Party');
-  await me.toMusic('Velka Torrin');
+  await me.toFolders('Velka Torrin');
   await me.menuOf('side', 'Lanterns on the Canal');
-  assert.equal(await me.sheet.locator('.sheet-subtitle').textContent(), 'Add to Party');
+  await me.sheet.getByRole('heading', { name: 'Add to Party' }).waitFor();
   await me.choose('Append');
   await me.toast('5 tracks added to Party.').waitFor();
   assert.deepEqual(await device.titles(`playlists:pl/items/${plid}`), [...Hours, ...Lanterns]);
@@ -21,7 +21,7 @@ story('add what is chosen, next', async ({ device, open }) => {
   const plid = await device.playlist('Party');
   const me = await open();
   await me.openList('Party');
-  await me.toMusic('Quillmarsh Ensemble', 'Tides and Clockwork');
+  await me.toFolders('Quillmarsh Ensemble', 'Tides and Clockwork');
   await me.press(me.page.locator('#side .screen:not([hidden]) [aria-label="Choose several"]'));
   for (const title of ['Ebb', 'Escapement']) await me.press(me.row('side', title).locator('.row-title'));
   await me.press(me.page.locator('#side').getByRole('button', { name: 'Add to…' }));
@@ -35,7 +35,7 @@ story('another list can be chosen while adding', async ({ device, open }) => {
   const other = await device.playlist('Chamber');
   const me = await open();
   await me.openList('Party');
-  await me.toMusic('Quillmarsh Ensemble');
+  await me.toFolders('Quillmarsh Ensemble');
   await me.menuOf('side', 'Tides and Clockwork');
   await me.choose('To another list', 'Chamber', 'Append');
   await me.toast('4 tracks added to Chamber.').waitFor();
@@ -51,7 +51,7 @@ story('adding many shows how far it is and can be stopped', async ({ device, ope
     await new Promise((done) => setTimeout(done, 250));
     await route.continue();
   });
-  await me.toMusic();
+  await me.toFolders();
   await me.menuOf('side', 'Artist 000');
   await me.choose('Append');
   const card = me.page.locator('.progress-card');
@@ -71,7 +71,7 @@ story('many added next keep their order, inside a list that was played and behin
   const plid = await device.playlist('Everything', 'Artist 000/Album 0000');
   const me = await open();
   await me.openList('Everything');
-  await me.toMusic();
+  await me.toFolders();
   await me.menuOf('side', 'Artist 001');
   await me.choose('Next');
   await me.toast('1,000 tracks added to Everything.').waitFor();

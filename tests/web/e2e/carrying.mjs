@@ -21,7 +21,7 @@ story('music is dragged into a list, to the place that is shown', async ({ devic
   const me = await open();
   await me.openList('Party');
   await me.row('main', second).waitFor();
-  await me.toMusic('Velka Torrin', 'Small Hours');
+  await me.toFolders('Velka Torrin', 'Small Hours');
   await carry(me, ['side', Hours[1]], ['main', second], { below: true });
   const line = await me.page.locator('#main .drop-line').boundingBox();
   const row = await me.row('main', second).boundingBox();
@@ -38,7 +38,7 @@ story('a folder is dragged onto a list among the lists', async ({ device, open }
   const other = await device.playlist('Other', Albums.hours);
   const me = await open();
   await me.openList('Party');
-  await me.toMusic('Quillmarsh Ensemble');
+  await me.toFolders('Quillmarsh Ensemble');
   await carry(me, ['side', 'Tides and Clockwork'], ['nav', 'Other']);
   await me.page.locator('#nav .row.drop-here').waitFor();
   await me.page.mouse.up();

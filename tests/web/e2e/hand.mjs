@@ -116,7 +116,7 @@ story('a playlist that is made while choosing where to add gets the tracks', asy
   await device.playlist('Party');
   const me = await open();
   await me.openList('Party');
-  await me.toMusic('Quillmarsh Ensemble');
+  await me.toFolders('Quillmarsh Ensemble');
   await me.menuOf('side', 'Tides and Clockwork');
   await me.choose('To another list');
   await me.entry('Create New Playlist').waitFor();
@@ -216,7 +216,7 @@ story('keys of one letter can be switched off, and stay off', async ({ device, o
   await me.row('main', Lanterns[1]).waitFor();
   await eventually(() => me.nowTitle(), Lanterns[1]);
   await me.row('main', Lanterns[1]).focus();
-  for (const key of ['n', 'p', 's', 'm', 'x', '?', '/', 'j']) await me.page.keyboard.press(key);
+  for (const key of ['n', 'p', 's', 'm', 'x', '?', '/', 'f', 'j']) await me.page.keyboard.press(key);
   await me.page.keyboard.press('ArrowDown');
   assert.equal(await me.page.locator('dialog[open]').count(), 0);
   assert.equal(await me.page.locator('#main .row.selected').count(), 0);

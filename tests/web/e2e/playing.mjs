@@ -68,7 +68,7 @@ story('insert next while shuffled and hear it next', async ({ device, open }) =>
   await me.control('Shuffle');
   await eventually(async () => (await (await me.controls()).locator('[aria-label="Shuffle"]').getAttribute('aria-pressed')), 'true');
   await me.closeControls();
-  await me.toMusic('Quillmarsh Ensemble', 'Tides and Clockwork');
+  await me.toFolders('Quillmarsh Ensemble', 'Tides and Clockwork');
   await me.menuOf('side', 'Ebb');
   await me.choose('Next');
   await me.toast('1 track added to Party.').waitFor();
@@ -82,7 +82,7 @@ story('added now sounds now', async ({ device, open }) => {
   const plid = await device.playlist('Party', Albums.hours);
   const me = await open();
   await me.openList('Party');
-  await me.toMusic('Quillmarsh Ensemble');
+  await me.toFolders('Quillmarsh Ensemble');
   await me.menuOf('side', 'Tides and Clockwork');
   await me.choose('Now');
   await eventually(() => me.nowTitle(), 'Escapement');

@@ -61,14 +61,32 @@ export class Page {
     await this.heading().filter({ hasText: title }).waitFor();
   }
 
-  async toMusic(...folders) {
+  // The places of the music, then through its lists.
+  async toMusic(...titles) {
     const side = this.page.locator('#side');
     if (this.touch || !(await side.isVisible())) await this.press(this.page.locator('#tab-music'));
     await side.waitFor();
-    for (const folder of folders) {
-      await this.press(this.row('side', folder).locator('.row-title'));
-      await this.heading('side').filter({ hasText: folder }).waitFor();
+    for (const title of titles) {
+      await this.press(this.row('side', title).locator('.row-title'));
+      await this.heading('side').filter({ hasText: title }).waitFor();
     }
+  }
+
+  get searchField() {
+    return this.page.getByRole('searchbox', { name: 'Search the music' });
+  }
+
+  // In the music, which is open.
+  async search(text) {
+    await this.searchField.fill(text);
+  }
+
+  back(pane) {
+    return this.press(this.page.locator(`#${pane} .screen:not([hidden]) [aria-label="Back"]`));
+  }
+
+  toFolders(...folders) {
+    return this.toMusic('Folders', ...folders);
   }
 
   async menuOf(pane, title) {

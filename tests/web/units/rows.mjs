@@ -150,6 +150,18 @@ test('aFailedReadIsToldAndTriedAgainWithTheNextLook', async () => {
 
 const row = (title) => ({ title, path: `x:${title}`, type: 3 });
 
+test('aReadThatFailsLateIsNotTheOneThatIsWaitedFor', async () => {
+  const list = new FakeList(numbered(10));
+  const store = new ListStore('x:one', list);
+  store.want(0, 10);
+  store.moveTo('x:other');
+  const [first] = list.asked;
+  first.reject(new Error('given up'));
+  await new Promise((done) => setImmediate(done));
+  store.want(0, 10);
+  assert.equal(list.asked.length, 2);
+});
+
 test('whatThePageShowsItselfHoldsUntilTheDeviceHasDoneIt', async () => {
   const { list, store } = await loaded(6);
   store.want(0, 6);

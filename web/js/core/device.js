@@ -141,9 +141,9 @@ async function request(url, options) {
 
 const query = (values) => new URLSearchParams(values).toString();
 
-export async function getRows(path, from, to, roles) {
+export async function getRows(path, from, to, roles, signal) {
   const url = rowsUrl(path, from, to, roles);
-  return (await takeFirst(url)?.catch(() => null)) ?? request(url);
+  return (await takeFirst(url)?.catch(() => null)) ?? request(url, { signal });
 }
 
 export async function getValue(path) {

@@ -18,6 +18,9 @@ export const isFocusable = (row) =>
 
 export const isMenu = (row) => row.type === RowType.Container && row.containerType === ContextMenu;
 
+// A row of the page's own, with an icon of its own, that leads to a list: there is nothing in it to be added or chosen.
+export const isSignpost = (row) => Boolean(row?.symbol);
+
 export const metaData = (row) => row?.mediaData?.metaData ?? {};
 
 export const isSwitch = (row) => row.type === RowType.Editable && typeof row.value?.bool === 'boolean';
@@ -178,8 +181,8 @@ export class ListStore extends Emitter {
       const answer = await this.read(this.path, from, from + PageSize - 1, RowRoles);
       if (!ticket.cancelled && !this.closed) this.take(from, answer);
     } catch (error) {
+      if (this.requests.get(page) === ticket) this.requests.delete(page);
       if (!ticket.cancelled && !this.closed) this.emit('error', error);
-      this.requests.delete(page);
       return; // asked again with the next change of view, event or reconnection
     }
     if (this.requests.get(page) === ticket) this.requests.delete(page);
@@ -289,6 +292,12 @@ export class ListStore extends Emitter {
     this.cancelFrom(0);
     this.emit('stale');
     this.pump();
+  }
+
+  // Another list is shown in its place. The rows stay until those of the other one are there.
+  moveTo(path) {
+    this.path = path;
+    this.reread();
   }
 
   // What was missed meanwhile is not known, nor whether the device counts its revisions anew.

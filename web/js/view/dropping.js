@@ -1,11 +1,10 @@
 // Rows that are dragged out of their list: into the list that is open beside it, at a place of it, or onto a list among
 // the lists, at its end. From a playlist they move, from the music they are added.
 
-import { Adding } from '../model/adder.js';
 import { AddMode } from '../model/commands.js';
-import { RowType, isMenu } from '../model/rows.js';
+import { RowType, isMenu, isSignpost } from '../model/rows.js';
+import { addMusic } from './addmenu.js';
 import { attempt, el, setText } from './dom.js';
-import { watchAdding } from './progress.js';
 
 const GhostOffset = 14; // pixels beside the pointer
 
@@ -18,7 +17,7 @@ export class Dropping {
 
   canCarry(row) {
     if (row?.type === RowType.Audio) return Boolean(this.screen.target) || this.screen.pane === this.app.side;
-    return this.screen.pane === this.app.side && row?.type === RowType.Container && !isMenu(row);
+    return this.screen.pane === this.app.side && row?.type === RowType.Container && !isMenu(row) && !isSignpost(row);
   }
 
   // Above and below it the list scrolls.
@@ -67,8 +66,6 @@ export class Dropping {
       attempt(app.edits.moveToList(screen.target, rows, target, gap), null);
       return;
     }
-    const adding = new Adding({ edits: app.edits, target, mode: AddMode.Append, rows, title: target.title, gap });
-    watchAdding(adding, document.getElementById('progress'));
-    adding.run();
+    addMusic(app, { target, mode: AddMode.Append, rows, gap });
   }
 }

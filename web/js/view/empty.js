@@ -1,6 +1,7 @@
 // What an empty list says: what there is to do about it.
 
 import { getValue } from '../core/device.js';
+import { emptyMusic } from './music.js';
 
 const MusicFolder = 'files:musicFolder';
 
@@ -18,6 +19,8 @@ function ofTracks(app) {
 export async function emptyText(app, screen) {
   if (screen.target) return ofTracks(app);
   if (app.commands.collectionOf(screen.path) !== null) return 'No playlists in this collection yet. Add some here, or by the menu of a playlist.';
-  if (screen.pane === app.side && screen.pane.stack[0] === screen) return ofMusic().catch(() => 'There is no music yet.');
-  return screen.pane === app.side ? 'There is no music in this folder.' : 'There is nothing here.';
+  if (screen.pane !== app.side) return 'There is nothing here.';
+  const text = emptyMusic(app, screen);
+  if (text) return text;
+  return app.music.isEmpty ? ofMusic().catch(() => 'There is no music yet.') : 'There is no music here.';
 }

@@ -15,11 +15,12 @@ export function heading(published, rowTitle, knownLead) {
   return { lead: null, title };
 }
 
-export function amount(store) {
+// `noun`: what a row is that is no track, where that is known.
+export function amount(store, noun) {
   if (!store.isLoaded) return '';
   if (store.count === 0) return 'Empty';
   // Long lists are told by their length alone: going through them with every page that comes would cost.
-  if (!store.isComplete) return store.rows.some((row) => row?.type === RowType.Audio) ? plural(store.count, 'track') : '';
+  if (!store.isComplete) return store.rows.some((row) => row?.type === RowType.Audio) ? plural(store.count, 'track') : noun ? plural(store.count, noun) : '';
   let tracks = 0;
   let milliseconds = 0;
   for (let i = 0; i < store.count; i += 1) {
@@ -28,9 +29,9 @@ export function amount(store) {
     tracks += 1;
     milliseconds += metaData(row).duration ?? 0;
   }
-  if (!tracks) return plural(store.count, 'item');
+  if (!tracks) return plural(store.count, noun ?? 'item');
   const others = store.count - tracks;
-  const parts = [others ? plural(others, 'folder') : null, plural(tracks, 'track'), spelledDuration(milliseconds)];
+  const parts = [others ? plural(others, noun ?? 'folder') : null, plural(tracks, 'track'), spelledDuration(milliseconds)];
   return parts.filter(Boolean).join(' · ');
 }
 
@@ -52,7 +53,7 @@ export class Hero {
     this.meta = el('p.hero-meta');
     this.play = button('.primary', 'play', 'Play', on.play);
     this.goOn = button('', 'clock', 'Continue', on.goOn);
-    this.add = button('.primary', 'plus', 'Add all', on.add);
+    this.add = button('', 'plus', 'Add all', on.add);
     this.music = button('.fill', 'note', 'Add music', on.music);
     this.lists = button('.primary', 'plus', 'Add playlists', on.lists);
     this.buttons = el('div.hero-buttons', {}, this.play, this.goOn, this.add, this.music, this.lists);

@@ -58,7 +58,8 @@ export const PageKeys = [
   { title: 'Shuffle', shown: 'S', keys: ['s'], run: (app) => pressAndTell(app, 'shuffle', (player) => `Shuffle: ${player.isShuffled ? 'on' : 'off'}`) },
   { title: 'Repeat', shown: 'R', keys: ['r'], run: (app) => pressAndTell(app, 'repeat', (player) => `Repeat: ${RepeatWords[player.repeat]}`) },
   { title: 'Jump to what plays', shown: 'J', keys: ['j'], run: (app) => attempt(app.jumpToCurrent(), null) },
-  { title: 'Find in the list', shown: '/', keys: ['/'], run: (app) => app.shownScreen.find() },
+  { title: 'Search the music', shown: '/', keys: ['/'], run: (app) => app.side.search() },
+  { title: 'Find in the list', shown: 'F', keys: ['f'], run: (app) => app.shownScreen.find() },
   { title: 'Undo', shown: 'Ctrl Z', keys: ['z'], control: true, run: (app) => app.undoBar?.undoLast() },
   { title: 'This help', shown: '?', keys: ['?'], run: (app) => app.showHelp() },
 ];

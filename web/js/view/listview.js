@@ -172,6 +172,12 @@ export class ListView extends Emitter {
     if (active) this.activeKey = rowKey(active);
   }
 
+  // Another list will be shown, from its beginning.
+  forgetPlace() {
+    this.scroller.scrollTop = 0;
+    Object.assign(this, { active: -1, activeKey: null, place: null });
+  }
+
   keepPlace() {
     const find = (key, near) => {
       for (let distance = 0; distance <= 200; distance += 1) {

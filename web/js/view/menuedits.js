@@ -2,7 +2,7 @@
 // much, and can be taken back; everything else is the device's own.
 
 import { isBlank } from '../model/commands.js';
-import { RowType, plural } from '../model/rows.js';
+import { RowType, allRows, plural } from '../model/rows.js';
 import { SortFields } from '../model/sorting.js';
 import { attempt, tell } from './dom.js';
 
@@ -141,6 +141,32 @@ export class MenuEdits {
         ? [{ title: 'Sort by …', opens: true, run: () => this.app.menu.push(this.sortPage(target)) }] : []),
       { title: 'Remove duplicates', run: () => this.removeDuplicates(target) },
     ];
+  }
+
+  // By the menu of the row, which says what a name may be.
+  async rename(row, anchor) {
+    if (!row.context?.path) return;
+    const entry = (await attempt(allRows(row.context.path), anchor))?.find((one) => this.app.commands.isRename(one));
+    if (entry) this.app.editRow(entry, anchor);
+  }
+
+  // The playlists that are not in a collection yet, to be added to it.
+  async openCollect(screen, anchor) {
+    const { app } = this;
+    const { commands } = app;
+    const clid = commands.collectionOf(screen.path);
+    const held = new Set((await allRows(screen.path)).map((row) => row.path));
+    const lists = (await allRows(app.nav.top.path)).filter((row) => commands.targetOf(row.path ?? '')?.plid && !held.has(row.path));
+    const items = lists.map((row) => ({ title: row.title, icon: 'list', run: () => {
+      app.menu.close();
+      attempt(commands.addToCollection(clid, commands.targetOf(row.path).plid).then(() => tell(`“${row.title}” added to “${screen.title}”.`)), null);
+    } }));
+    app.openMenu({ title: `Add to ${screen.title}`, items }, { anchor, head: { title: screen.title, urls: [] } });
+  }
+
+  openMove(rows, anchor, screen) {
+    const title = rows.length === 1 ? rows[0].title : `${rows.length} chosen`;
+    this.app.openMenu(this.moveToPage(screen.target, rows), { anchor, head: { title, urls: [] } });
   }
 
   // The lists that tracks of another one can be moved to.

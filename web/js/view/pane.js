@@ -46,21 +46,23 @@ export class Pane {
     this.top.focus();
   }
 
-  push(what) {
+  // `Kind`: the class of the screen.
+  push(what, Kind = Screen) {
     this.top?.hide();
-    const screen = new Screen(this.app, this, what);
+    const screen = new Kind(this.app, this, what);
     this.stack.push(screen);
     this.element.append(screen.element);
     screen.show();
     return screen;
   }
 
-  begin(row) {
+  begin(row, Kind) {
     while (this.depth) this.stack.pop().dispose();
-    this.push({ path: row.path, row });
+    this.push({ path: row.path, row }, Kind);
   }
 
   back() {
+    if (this.top.stepBack()) return;
     if (!this.canGoBack) {
       this.neighbour?.top?.focus();
       return;
@@ -76,6 +78,10 @@ export class Pane {
     this.top.show();
   }
 
+  popTo(screen) {
+    while (this.top !== screen) this.pop();
+  }
+
   // The list is gone: its screen goes, and with it everything that was opened from it.
   remove(screen, error = null) {
     const at = this.stack.indexOf(screen);
@@ -89,18 +95,16 @@ export class Pane {
     else if (wasShown && !this.app.edits?.ending.has(screen.path)) tell(`“${wasShown}” is gone.`); // else it is told there
   }
 
-  // What was opened from these rows follows them.
-  onRows(screen) {
+  // What was opened from the rows of this screen.
+  followFrom(screen) {
     this.stack[this.stack.indexOf(screen) + 1]?.followRow(screen.store);
   }
 
   // As it was when the address was written.
   restore(paths, rowOf) {
-    const wanted = paths;
-    while (this.depth && !wanted.slice(0, this.depth).every((path, i) => path === this.stack[i]?.path))
-      this.stack.pop().dispose();
+    while (!this.stack.every((screen, i) => screen.path === paths[i])) this.stack.pop().dispose();
     if (this.top) this.top.show();
-    for (const path of wanted.slice(this.depth)) this.push({ path, row: rowOf?.(path) ?? null });
+    for (const path of paths.slice(this.depth)) this.push({ path, row: rowOf?.(path) ?? null });
   }
 
   apply(event) {
@@ -112,55 +116,95 @@ export class Pane {
   }
 }
 
+// The pane of the music, whose first screen comes with the parts that are loaded later.
+export class MusicPane extends Pane {
+  asked = []; // what is to be shown then
+
+  // Whether there is music. Also asked for when a device that was lost comes back.
+  async beginMusic() {
+    const { app } = this;
+    const { Music, MusicScreen } = await app.parts;
+    if (!app.hasMusic) return false;
+    if (!app.music) {
+      app.music = new Music();
+      this.begin({}, MusicScreen);
+      this.stack[0].restore(this.asked);
+    }
+    app.music.refresh().catch(tellUnlessOffline);
+    return true;
+  }
+
+  restoreMusic(paths) {
+    this.asked = paths;
+    this.stack[0]?.restore(paths);
+  }
+
+  // What the address says of it.
+  shownPaths() {
+    return this.stack[0]?.shownPaths() ?? this.asked;
+  }
+
+  // Over all of it, from anywhere. At once, if possible: a phone shows its keys only for what a finger does.
+  async search() {
+    const { app } = this;
+    if (app.music || await this.beginMusic()) this.stack[0].ask();
+    else app.shownScreen.find();
+  }
+}
+
 // What is open stands in the address, so that the browser's own back and reload do what people
 // expect.
 
 const Places = ['nav', 'main', 'side'];
 
-//
 // A dialog that opens has an entry of the history of its own, which "back" takes away together with the dialog. A dialog
-// that was closed otherwise leaves its entry to the next dialog or place; "back" passes over it.
+// that was closed otherwise leaves a spare entry to the next dialog or place; "back" passes over it. So does a search
+// without a text; all texts of one search share an entry.
 
 export class Address {
   constructor(app) {
     this.app = app;
     this.entry = history.state ?? { index: 0 };
+    this.shown = location.hash;
     window.addEventListener('popstate', () => this.onPop());
-    document.addEventListener('dialogshown', () => this.ofDialog() || this.push({ isDialog: true }));
+    document.addEventListener('dialogshown', () => this.isSpare || this.push({ isSpare: true }));
   }
 
-  ofDialog() {
-    return Boolean(this.entry.isDialog);
+  get isSpare() {
+    return Boolean(this.entry.isSpare);
   }
 
   push(what, text = location.hash) {
     this.entry = { ...what, index: this.entry.index + 1 };
     history.pushState(this.entry, '', text || location.pathname);
+    this.shown = text;
   }
 
-  replace(text) {
-    this.entry = { index: this.entry.index };
+  replace(text, what = {}) {
+    this.entry = { ...what, index: this.entry.index };
     history.replaceState(this.entry, '', text);
+    this.shown = text;
   }
 
   onPop() {
-    const from = this.entry;
+    const from = { ...this.entry, text: this.shown };
     this.entry = history.state ?? { index: 0 };
+    this.shown = location.hash;
     const dialog = openDialog();
     if (dialog) this.closeDialog(dialog);
-    else if (from.isDialog && this.entry.index < from.index) history.back();
+    else if (from.isSpare && from.text === this.shown && this.entry.index < from.index) history.back();
     else this.apply();
   }
 
   // As by Escape: a menu goes back a page.
   closeDialog(dialog) {
     if (dialog.dispatchEvent(new Event('cancel', { cancelable: true }))) dialog.close();
-    if (openDialog()) this.push({ isDialog: true });
+    if (openDialog()) this.push({ isSpare: true });
     if (this.text() !== location.hash) this.apply();
   }
 
-  read() {
-    const query = new URLSearchParams(location.hash.slice(1));
+  read(text = location.hash) {
+    const query = new URLSearchParams(text.slice(1));
     return {
       place: Places.includes(query.get('at')) ? query.get('at') : null,
       main: query.getAll('list'),
@@ -175,23 +219,25 @@ export class Address {
     query.append('at', document.body.dataset.place);
     if (document.body.classList.contains('side-open')) query.append('beside', '1');
     for (const path of app.main.paths()) query.append('list', path);
-    for (const path of app.side.paths().slice(1)) query.append('music', path);
+    for (const path of app.side.shownPaths()) query.append('music', path);
     return `#${query}`;
   }
 
-  write() {
+  // `replaces`: in the entry of the place before. `isSpare`: in one that the next place takes over.
+  write({ replaces = false, isSpare = false } = {}) {
     const text = this.text();
     if (text === location.hash) return;
-    if (this.ofDialog()) this.replace(text);
-    else this.push({}, text);
+    if (this.isSpare || replaces) this.replace(text, { isSpare });
+    else this.push({ isSpare }, text);
   }
 
-  apply(sideOpenFirst = false) {
+  // `text`: what the address says, or said.
+  apply({ sideOpenFirst = false, text = location.hash } = {}) {
     const { app } = this;
-    const { place, main, side, sideOpen } = this.read();
+    const { place, main, side, sideOpen } = this.read(text);
     const rows = () => app.nav.top.store.rows;
-    app.main.restore(main, (path) => rows().find((row) => row?.path === path));
-    app.side.restore([app.side.stack[0].path, ...side]);
+    if (main.length) app.main.restore(main, (path) => rows().find((row) => row?.path === path));
+    app.side.restoreMusic(side);
     document.body.classList.toggle('side-open', place ? sideOpen : sideOpenFirst && app.hasMusic);
     if (!app.main.top && !app.isNarrow && app.nav.top.store.isLoaded) app.openFirst();
     app.setPlace(place ?? (app.main.top ? 'main' : 'nav'));

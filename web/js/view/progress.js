@@ -5,7 +5,8 @@ import { el, setText, tell, tellError } from './dom.js';
 
 const ShowAfterMs = 350;
 
-export function watchAdding(adding, region) {
+// `isQuiet`: that it is done shows elsewhere.
+export function watchAdding(adding, region, { isQuiet = false } = {}) {
   const text = el('p.progress-text');
   const bar = el('progress', { 'aria-label': `Adding to ${adding.title}` });
   const stop = el('button.pill.small', { type: 'button', onclick: () => adding.stop() }, 'Stop');
@@ -25,7 +26,7 @@ export function watchAdding(adding, region) {
     } else {
       clearTimeout(timer);
       card.remove();
-      finish(adding);
+      if (!isQuiet || adding.phase !== 'done' || !adding.added) finish(adding);
     }
   };
   adding.on('change', show);

@@ -2,7 +2,7 @@
 // scrolls; says nothing to the device itself. And where each row stands.
 
 import { artworkUrl } from '../core/device.js';
-import { RowType, duration, isCreate, isFocusable, isMenu, isSwitch, isUsable, metaData } from '../model/rows.js';
+import { RowType, duration, isCreate, isFocusable, isMenu, isSignpost, isSwitch, isUsable, metaData } from '../model/rows.js';
 import { Artwork, el, icon, setAttribute, setIcon, setText } from './dom.js';
 
 const ClassOf = {
@@ -15,11 +15,19 @@ const ClassOf = {
 };
 
 function symbolOf(row) {
+  if (isSignpost(row)) return row.symbol;
   if (isCreate(row)) return 'plus';
   if (row.type === RowType.Editable) return 'edit';
   if (row.type === RowType.Action) return 'forward';
   if (isMenu(row)) return 'more';
   return null;
+}
+
+// What stands below the title: of a track its artist and album, of an album its artist and year.
+function linesOf(row) {
+  const { artist = '', album = '', year = '' } = metaData(row);
+  if (row.type === RowType.Audio) return [artist, album];
+  return row.type === RowType.Container && album ? [artist, year] : ['', ''];
 }
 
 export class RowView {
@@ -131,11 +139,11 @@ export class RowView {
       return;
     }
     setText(this.title, row.title ?? '');
-    const plays = row.type === RowType.Audio ? metaData(row) : {};
-    setText(this.artist, plays.artist ?? '');
-    setText(this.album, plays.album ?? '');
+    const [first, second] = linesOf(row);
+    setText(this.artist, first);
+    setText(this.album, second);
     const text = row.type === RowType.Editable && !isSwitch(row) ? row.value?.string ?? '' : '';
-    setText(this.detail, duration(plays.duration) || text);
+    setText(this.detail, (row.type === RowType.Audio ? duration(metaData(row).duration) : '') || text);
     this.showArtwork(row, look);
     this.showControls(row, look);
   }

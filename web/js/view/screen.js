@@ -2,8 +2,8 @@
 // which owns it.
 
 import { RowRoles } from '../core/device.js';
-import { isGrave } from '../model/commands.js';
-import { ListStore, RowType, isMenu, isSwitch, isUsable, metaData, position } from '../model/rows.js';
+import { AddMode, isGrave } from '../model/commands.js';
+import { ListStore, RowType, isMenu, isSignpost, isSwitch, isUsable, metaData, position } from '../model/rows.js';
 import { attempt, busy, el, icon, setAttribute, setText, tellUnlessOffline } from './dom.js';
 import { Hero, amount, heading, ownPictures } from './hero.js';
 import { ListView } from './listview.js';
@@ -16,13 +16,17 @@ export class Screen {
   // kind: 'nav' (the root beside everything), 'main' or 'side'.
   constructor(app, pane, { path, row = null, lead = null }) {
     Object.assign(this, { app, pane, path, row, knownLead: lead });
-    this.store = new ListStore(path);
+    this.store = this.makeStore(path);
     this.target = app.commands.targetOf(path);
     this.plays = app.isCurrent({ type: RowType.Container, path });
     this.build();
     this.wire();
     this.showLoading();
     this.store.want(0, 30);
+  }
+
+  makeStore(path) {
+    return new ListStore(path);
   }
 
   // Until the first rows are there, or it is known that there are none.
@@ -49,17 +53,17 @@ export class Screen {
         opened: (row) => pane.kind === 'nav' && app.main.stack[0]?.path === row.path,
         playing: () => app.player.isPlaying,
         cover: (row, found) => this.coverOf(row, found),
-        action: (row) => (pane.kind === 'side' && !isMenu(row) && (row.type === RowType.Audio || row.type === RowType.Container) ? 'add' : null),
+        action: (row) => (pane.kind === 'side' && !isMenu(row) && !isSignpost(row) && (row.type === RowType.Audio || row.type === RowType.Container) ? 'add' : null),
       },
     });
     this.hero = new Hero({
       level: pane.kind === 'main' ? 'h1' : 'h2',
       on: {
-        play: (anchor) => attempt(this.playOrPause(), anchor),
+        play: (anchor) => this.playWhole(anchor),
         goOn: (anchor) => attempt(this.goOn(), anchor),
-        add: (anchor) => this.addRows([{ ...this.store.roles, path: this.path, title: this.title }], anchor),
+        add: (anchor) => this.addRows([this.asContainer()], anchor),
         music: () => app.showSide(true),
-        lists: (anchor) => app.openCollectMenu(this, anchor),
+        lists: (anchor) => app.withMenus((menus) => menus.openCollect(this, anchor)),
       },
     });
     this.bar = this.buildBar();
@@ -77,11 +81,14 @@ export class Screen {
     this.barTitle = el('span.bar-title', { 'aria-hidden': 'true', dir: 'auto' });
     this.menuButton = button('more', 'Menu of this list', () => this.openOwnMenu());
     this.selectButton = button('select', 'Choose several', () => this.list.selection.setMode(true));
+    this.closeButton = button('close', 'Close', () => this.app.showSide(false));
+    this.closeButton.classList.add('close-side');
+    this.closeButton.hidden = pane.kind !== 'side';
     this.plainBar = el('div.bar-tools', {}, this.backButton, this.barTitle,
       button('search', 'Find in this list', () => this.find()),
       pane.kind === 'nav' ? null : this.selectButton,
       this.menuButton,
-      pane.kind === 'side' ? el('button.icon-button.close-side', { type: 'button', 'aria-label': 'Close', title: 'Close', onclick: () => this.app.showSide(false) }, icon('close')) : null);
+      this.closeButton);
     this.chosenCount = el('span.bar-title.shown', { role: 'status' });
     this.removeButton = el('button.pill.small', { type: 'button', 'aria-label': 'Remove', hidden: !this.target, onclick: () => this.editing?.removeChosen() }, icon('trash'), el('span', {}, 'Remove'));
     this.addButton = el('button.pill.small', { type: 'button', 'aria-label': 'Add to…', onclick: (event) => this.addChosen(event.currentTarget) }, icon('plus'), el('span', {}, 'Add to…'));
@@ -102,14 +109,14 @@ export class Screen {
     store.on('count', () => this.showHead());
     store.on('rows', () => {
       this.showHead();
-      this.pane.onRows(this);
+      this.onRows();
     });
     store.on('error', (error) => this.onError(error));
     store.on('closed', () => this.pane.remove(this));
     list.selection.on('change', () => this.showBar());
     list.on('open', (what) => this.open(what));
     list.on('menu', ({ row, index, anchor }) => this.openMenu(row, index, anchor));
-    list.on('rename', ({ row, anchor }) => app.rename(row, anchor));
+    list.on('rename', ({ row, anchor }) => app.withMenus((menus) => menus.rename(row, anchor)));
     list.on('back', () => this.pane.back());
     list.on('selectAll', () => attempt(list.selection.all(), this.element));
     this.scroller.addEventListener('scroll', () => this.showBarTitle(), { passive: true });
@@ -126,6 +133,16 @@ export class Screen {
       this.followPlaying();
     });
     this.stopCovers = app.covers.on('change', () => this.list.refresh());
+  }
+
+  // What was opened from these rows follows them.
+  onRows() {
+    this.pane.followFrom(this);
+  }
+
+  // Whether "back" is something of its own here.
+  stepBack() {
+    return false;
   }
 
   dispose() {
@@ -161,25 +178,27 @@ export class Screen {
   // The head.
   showHead() {
     const { store, app, pane } = this;
-    const { lead, title } = heading(store.title, this.row?.title, this.knownLead);
+    const { lead, title } = heading(app.music?.titleOf(this.path) ?? store.title, this.row?.title, this.knownLead);
     if (lead) this.knownLead = lead;
     this.title = title;
-    const canPlay = store.count > 0 && app.player.present && Boolean(this.playLogicPath());
+    const canAdd = pane.kind === 'side' && store.count > 0 && !app.music.isPlace(this.path);
+    const canPlay = store.count > 0 && app.player.present && (canAdd || Boolean(this.playLogicPath()));
     this.hero.show({
       lead: pane.kind === 'nav' ? '' : lead,
       title,
-      meta: pane.kind === 'nav' ? '' : amount(store),
+      meta: pane.kind === 'nav' ? '' : this.metaText(),
       urls: this.pictures(),
       can: {
         play: canPlay,
         goOn: canPlay && this.isLeftInside(),
-        add: pane.kind === 'side' && pane.depth > 1 && store.count > 0,
+        add: canAdd,
         music: Boolean(this.target) && app.hasMusic,
         lists: pane.kind === 'main' && app.commands.collectionOf(this.path) !== null,
       },
       isPlaying: this.plays && app.player.isPlaying,
       isLive: app.player.online,
     });
+    this.element.classList.toggle('brief', pane.kind === 'side' && app.music.isBrief(this.path));
     setText(this.barTitle, title);
     setAttribute(this.hero.title, 'aria-level', app.isNarrow ? 1 : null);
     this.list.body.setAttribute('aria-label', title);
@@ -192,10 +211,16 @@ export class Screen {
     if (this.isTop) app.onHead(this);
   }
 
+  metaText() {
+    const { music } = this.app;
+    if (this.pane.kind !== 'side') return amount(this.store);
+    return [amount(this.store, music.nounOf(this.path)), music.progress].filter(Boolean).join(' · ');
+  }
+
   // What there is to do about it.
   async showEmpty() {
     this.empty.hidden = this.store.count !== 0;
-    if (!this.empty.hidden) setText(this.empty.lastChild, await this.app.parts.then(({ emptyText }) => emptyText(this.app, this)));
+    if (!this.empty.hidden) setText(this.empty.lastChild, await this.app.parts.then(({ emptyText }) => emptyText(this.app, this)) ?? '');
   }
 
   // Where it was left can be read when it plays no more.
@@ -258,7 +283,7 @@ export class Screen {
   }
 
   coverOf(row, found) {
-    if (!row.path || row.type !== RowType.Container || isMenu(row)) return null;
+    if (!row.path || row.type !== RowType.Container || isMenu(row) || isSignpost(row)) return null;
     return metaData(row).artworkUrl ? null : this.app.covers.of(row.path, found);
   }
 
@@ -322,7 +347,8 @@ export class Screen {
 
   playFrom(row, index, anchor) {
     const { app } = this;
-    if (!app.player.present || !this.playLogicPath()) {
+    const isMusic = this.pane.kind === 'side';
+    if (!app.player.present || !(isMusic || this.playLogicPath())) {
       if (row) this.openMenu(row, index, anchor);
       return;
     }
@@ -330,8 +356,17 @@ export class Screen {
       attempt(app.player.toggle(), anchor);
       return;
     }
+    if (isMusic) {
+      app.playMusic([row], AddMode.Now, anchor);
+      return;
+    }
     const place = position(row) >= 0 ? position(row) : index;
     attempt(app.player.playContainer(this.asContainer(), row, place), anchor);
+  }
+
+  playWhole(anchor) {
+    if (this.pane.kind === 'side') this.app.playMusic([this.asContainer()], AddMode.Now, anchor);
+    else attempt(this.playOrPause(), anchor);
   }
 
   // The whole list; a shuffled one begins anywhere.
@@ -348,7 +383,7 @@ export class Screen {
   }
 
   asContainer() {
-    return { mediaData: this.row?.mediaData, ...this.store.roles, path: this.path, type: RowType.Container };
+    return { mediaData: this.row?.mediaData, title: this.title, ...this.store.roles, path: this.path, type: RowType.Container };
   }
 
   // At the track that was played last, from where playback was stopped in it.
@@ -364,7 +399,7 @@ export class Screen {
   openMenu(row, index, anchor) {
     const revision = this.store.revisionOf([index]);
     if (row.context?.path) this.app.openPublishedMenu(atRevision(row.context, revision), anchor, row, this.coverOf(row, () => {}));
-    else if (this.pane.kind === 'side') this.addRows([row], anchor);
+    else if (this.pane.kind === 'side') this.app.openMusicMenu(row, anchor, this);
   }
 
   openOwnMenu() {
@@ -384,7 +419,7 @@ export class Screen {
 
   async moveChosen(anchor) {
     const entries = await attempt(this.list.selection.resolve(), this.element);
-    if (entries?.length) this.app.openMoveMenu(entries.map(({ row }) => row), anchor, this);
+    if (entries?.length) this.app.withMenus((menus) => menus.openMove(entries.map(({ row }) => row), anchor, this));
   }
 
   jumpTo(index) {

@@ -4,7 +4,7 @@
 // Emits: change.
 
 import { Emitter } from '../core/device.js';
-import { RowType, rowKey } from '../model/rows.js';
+import { RowType, isSignpost, rowKey } from '../model/rows.js';
 
 export class Selection extends Emitter {
   constructor(store) {
@@ -37,7 +37,7 @@ export class Selection extends Emitter {
   }
 
   static canChoose(row) {
-    return Boolean(row?.path) && (row.type === RowType.Audio || row.type === RowType.Container);
+    return Boolean(row?.path) && !isSignpost(row) && (row.type === RowType.Audio || row.type === RowType.Container);
   }
 
   setMode(mode) {
