@@ -1,10 +1,7 @@
-#include <taglib/fileref.h>
-#include <taglib/tag.h>
-
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QLibrary>
+#include <QProcess>
 
 #include "CMLog.h"
 #include "OrvoPlayListCommands.h"
@@ -12,39 +9,21 @@
 
 namespace {
 
-TagLib::String tagText(const QString& text) {
-    return TagLib::String(text.toUtf8().constData(), TagLib::String::UTF8);
-}
-
-// A tagged file of the shortest sound.
-bool writeTrack(const QString& name, const OrvoPlayListItem& item) {
-    static const QByteArray silence =
-        QByteArray::fromHex("524946462800000057415645666d7420100000000100010040"
-                            "1f0000803e00000200100064617461040000000000"
-                            "0000");
-    QFile file(name);
-    if (!file.open(QIODevice::WriteOnly) || file.write(silence) != silence.size())
-        return false;
-    file.close();
-    TagLib::FileRef tagged(QFile::encodeName(name).constData());
-    if (tagged.isNull())
-        return false;
-    tagged.tag()->setTitle(tagText(item.title()));
-    tagged.tag()->setArtist(tagText(item.artist()));
-    tagged.tag()->setAlbum(tagText(item.album()));
-    tagged.tag()->setGenre(tagText(item.genre()));
-    return tagged.save();
+// A program of the build, or what stands beside.
+QString program(const char* name) {
+    return QCoreApplication::applicationDirPath() + QLatin1Char('/') + QString::fromLatin1(name);
 }
 
 bool writeMusic(const QString& folder, const QList<OrvoPlayListItem>& items) {
-    for (int i = 0; i < items.size(); ++i) {
-        const QString album =
-            QStringLiteral("%1/%2 - %3").arg(folder, items.at(i).artist(), items.at(i).album());
-        if (!QDir().mkpath(album) ||
-            !writeTrack(QStringLiteral("%1/%2.wav").arg(album).arg(i), items.at(i)))
-            return false;
-    }
-    return true;
+    QProcess tagging;
+    tagging.start(program("orvo_bench_tag_files"), {folder});
+    for (int i = 0; i < items.size(); ++i)
+        tagging.write(QStringLiteral("%1 - %2/%3.flac\tARTIST=%1\tALBUM=%2\tTITLE=%4\tGENRE=%5\n")
+                          .arg(items.at(i).artist(), items.at(i).album(), QString::number(i),
+                               items.at(i).title(), items.at(i).genre())
+                          .toUtf8());
+    tagging.closeWriteChannel();
+    return tagging.waitForFinished(-1) && tagging.exitCode() == 0;
 }
 
 // The folder's tracks, read by the files module, which is loaded as the host loads it.
@@ -57,9 +36,8 @@ const QVariantList wholeTree{QStringLiteral("files:tree")};
 
 void load(Music* music, int size) {
     using Create = CMAbstractWorker* (*)(QHash<QString, QVariant>);
-    const auto create = reinterpret_cast<Create>(QLibrary::resolve(
-        QCoreApplication::applicationDirPath() + QStringLiteral("/../lib/liborvo_files.so"),
-        "worker_create"));
+    const auto create = reinterpret_cast<Create>(
+        QLibrary::resolve(program("../lib/liborvo_files.so"), "worker_create"));
     const QString folder = QDir::current().filePath(QStringLiteral("music"));
     CM_ASSERT(create && writeMusic(folder, Items::of(size).ours()),
               "no files module, or no music for it");
@@ -107,9 +85,9 @@ Workload addFolder(int size) {
 } // namespace
 
 std::vector<Work> folderWorks() {
-    using Length = Work::Length;
+    using enum Work::Length;
     return {
-        {"add a folder of 1,000", "baseline", 2.0, {}, Length::Long, 1000, addFolder},
-        {"add a folder of 10,000", "baseline", 2.0, {}, Length::Long, 10000, addFolder},
+        {"add a folder of 1,000", "baseline", 2.0, {}, Long, 1000, addFolder},
+        {"add a folder of 10,000", "baseline", 2.0, {}, Long, 10000, addFolder},
     };
 }

@@ -3,6 +3,7 @@
 #include <map>
 #include <utility>
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -37,40 +38,31 @@ OrvoPlayListItem makeItem(int number, Items::Order order) {
     const QString folder = QStringLiteral("file:///srv/music/%1/%2/")
                                .arg(artist, albumTitle)
                                .replace(QLatin1Char(' '), QStringLiteral("%20"));
-    const int seconds = 120 + number % 240;
-
-    OrvoMetaData metaData;
-    metaData.setServiceId(QStringLiteral("files"));
-    metaData.setPrePlayPath(CMPath(QStringLiteral("files:prePlay")));
-    metaData.setArtist(artist);
-    metaData.setAlbum(albumTitle);
-    metaData.setGenre(QStringLiteral("Alternative"));
-    metaData.setDuration(seconds * 1000LL);
-    metaData.setTrackNumber(number % TracksPerAlbum + 1);
-    metaData.setArtworkUrl(folder + QStringLiteral("cover.jpg"));
-    OrvoResource resource;
-    resource.setUri(folder + QStringLiteral("%1.flac").arg(number % TracksPerAlbum + 1));
-    resource.setMimeType(QStringLiteral("audio/flac"));
-    OrvoMediaData mediaData;
-    mediaData.setMetaData(metaData);
-    mediaData.setResources({resource});
-    OrvoRoles roles;
-    roles.setTitle(TrString(title));
-    roles.setPath(CMPath(QStringLiteral("files:music")) + artist + albumTitle);
-    roles.setType(OrvoRolesType::Audio);
-    roles.setMediaData(mediaData);
-
+    const int place = number % TracksPerAlbum + 1;
     OrvoPlayListItem item;
     item.setTitle(title);
     item.setArtist(artist);
     item.setAlbum(albumTitle);
-    item.setArtworkUrl(metaData.artworkUrl());
-    item.setGenre(metaData.genre());
-    item.setDurationSeconds(seconds);
-    item.setUrl(resource.uri());
-    item.setServiceId(metaData.serviceId());
-    item.setOrvoRoles(QString::fromUtf8(QJsonDocument(QJsonObject::fromVariantHash(roles.toHash()))
-                                            .toJson(QJsonDocument::Compact)));
+    item.setArtworkUrl(folder + QStringLiteral("cover.jpg"));
+    item.setGenre(QStringLiteral("Alternative"));
+    item.setDurationSeconds(120 + number % 240);
+    item.setUrl(folder + QStringLiteral("%1.flac").arg(place));
+    item.setServiceId(QStringLiteral("files"));
+    const QJsonObject metaData{{"album", albumTitle},
+                               {"artist", artist},
+                               {"artworkUrl", item.artworkUrl()},
+                               {"duration", item.durationSeconds() * 1000},
+                               {"genre", item.genre()},
+                               {"prePlayPath", "files:prePlay"},
+                               {"serviceId", item.serviceId()},
+                               {"trackNumber", place}};
+    const QJsonArray resources{QJsonObject{{"mimeType", "audio/flac"}, {"uri", item.url()}}};
+    const QJsonObject roles{
+        {"mediaData", QJsonObject{{"metaData", metaData}, {"resources", resources}}},
+        {"path", "files:" + folder.mid(int(qstrlen("file:///srv/"))).chopped(1)},
+        {"title", title},
+        {"type", int(OrvoRolesType::Audio)}};
+    item.setOrvoRoles(QString::fromUtf8(QJsonDocument(roles).toJson(QJsonDocument::Compact)));
     return item;
 }
 

@@ -47,18 +47,12 @@ Workload addWhilePlaying(int size) {
 } // namespace
 
 std::vector<Work> playWorks() {
-    using Length = Work::Length;
+    using enum Work::Length;
     const auto next = [](int size) { return skipShuffled(size, Kind::Next); };
     const auto previous = [](int size) { return skipShuffled(size, Kind::Previous); };
     return {
-        {"next with shuffle", "", {}, 0.05, Length::Short, {}, next},
-        {"previous with shuffle", "", {}, 0.05, Length::Short, {}, previous},
-        {"add n to a shuffled playing list",
-         "not shuffled",
-         1.1,
-         1.2,
-         Length::Long,
-         {},
-         addWhilePlaying},
+        {"next with shuffle", "", {}, 0.05, Short, {}, next},
+        {"previous with shuffle", "", {}, 0.05, Short, {}, previous},
+        {"add n to a shuffled playing list", "not shuffled", 1.1, 1.2, Long, {}, addWhilePlaying},
     };
 }

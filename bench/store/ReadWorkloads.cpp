@@ -76,21 +76,19 @@ Workload load(int size) {
 } // namespace
 
 std::vector<Work> readWorks() {
-    using Length = Work::Length;
+    using enum Work::Length;
     const char* base = "baseline";
     const auto pages = [](Parts parts, Order order) {
         return [=](int size) { return page(size, parts, order); };
     };
-    const auto items = pages(Parts::Model, Order::Albums);
-    const auto mixed = pages(Parts::Model, Order::Mixed);
     const auto rows = pages(Parts::Module, Order::Albums);
     const auto mixedRows = pages(Parts::Module, Order::Mixed);
     return {
-        {"page of 50", base, 2.5, 0.1, Length::Short, {}, items},
-        {"page of 50, mixed", base, 2.5, 0.1, Length::Short, {}, mixed},
-        {"page of 50 as browse rows", base, 6.0, 0.1, Length::Short, {}, rows},
-        {"page of 50 as browse rows, mixed", base, 6.0, 0.1, Length::Short, {}, mixedRows},
-        {"prepare n by path", "reading", 3.0, 1.2, Length::Long, {}, prepareByPath},
-        {"load 1,000 lists of 100", base, 2.0, {}, Length::Long, 100000, load},
+        {"page of 50", base, 2.5, 0.1, Short, {}, pages(Parts::Model, Order::Albums)},
+        {"page of 50, mixed", base, 2.5, 0.1, Short, {}, pages(Parts::Model, Order::Mixed)},
+        {"page of 50 as browse rows", base, 6.0, 0.1, Short, {}, rows},
+        {"page of 50 as browse rows, mixed", base, 6.0, 0.1, Short, {}, mixedRows},
+        {"prepare n by path", "reading", 3.0, 1.2, Long, {}, prepareByPath},
+        {"load 1,000 lists of 100", base, 2.0, {}, Long, 100000, load},
     };
 }

@@ -36,8 +36,9 @@ struct Work {
     // Measured at this size alone, where there is one.
     std::optional<int> onlySize;
     std::function<Workload(int size)> setUp;
-    // Of the module's median, in microseconds.
+    // Of the module's median, in microseconds, in memory-backed storage and on a disk.
     std::optional<double> maxUs = {};
+    std::optional<double> maxDiskUs = {};
 };
 
 // In the order of the table; one function per source.

@@ -1,5 +1,5 @@
-// The store and the model beside a baseline of plain C: prints a table and holds it against its
-// bounds. Both do a work in turns, in one process on one processor.
+// The store and the model beside a baseline of plain C, which do each work in turns: prints what
+// store.py makes a table of.
 
 #include <algorithm>
 #include <climits>
@@ -8,28 +8,13 @@
 #include <log4cplus/logger.h>
 #include <log4cplus/nullappender.h>
 #include <mimalloc.h>
-#include <sched.h>
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
 
-#include "Report.h"
 #include "Workload.h"
 
 namespace {
-
-struct Storage {
-    QString name;
-    QString folder;
-    bool isDisk;
-};
-
-double median(std::vector<double> values) {
-    const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
 
 // In memory-backed storage nothing waits: the time of the processor is the time it takes, also when
 // others use the machine. On a disk the waiting counts.
@@ -39,47 +24,34 @@ double microseconds(bool waitingCounts) {
     return double(now.tv_sec) * 1e6 + double(now.tv_nsec) / 1e3;
 }
 
-// The turns of a workload, each side as often first as second. Nothing where one failed.
-std::optional<Figure> takeTurns(const Workload& workload, BenchStore& store, bool isDisk,
-                                int uncounted, int turns) {
-    std::vector<double> baseline;
-    std::vector<double> module;
-    const auto take = [&](const auto& prepare, const auto& side, std::vector<double>& times) {
+// Adds the microseconds of each turn, "module:baseline", where there is no baseline those of
+// nothing. Each side is as often first as second. False where one failed.
+bool takeTurns(const Workload& workload, BenchStore& store, bool isDisk, int uncounted, int count,
+               QStringList* turns) {
+    double baselineUs = 0;
+    double moduleUs = 0;
+    const auto take = [&](const auto& prepare, const auto& side, double* us) {
         prepare(store);
         const double begin = microseconds(isDisk);
         const bool ok = !side || side(store);
-        times.push_back(microseconds(isDisk) - begin);
+        *us = microseconds(isDisk) - begin;
         return ok;
     };
     workload.begin(store);
-    for (int i = 0; i < uncounted + turns; ++i) {
+    for (int i = 0; i < uncounted + count; ++i) {
         if (workload.startsOver)
             store.reopen(true);
         workload.prepare(store);
-        bool ok = i % 2 == 0 || take(workload.prepareModule, workload.module, module);
-        ok = ok && take(workload.prepareBaseline, workload.baseline, baseline);
-        ok = ok && (i % 2 != 0 || take(workload.prepareModule, workload.module, module));
+        const bool moduleFirst = i % 2 != 0;
+        bool ok = !moduleFirst || take(workload.prepareModule, workload.module, &moduleUs);
+        ok = ok && take(workload.prepareBaseline, workload.baseline, &baselineUs);
+        ok = ok && (moduleFirst || take(workload.prepareModule, workload.module, &moduleUs));
         if (!ok)
-            return {};
+            return false;
+        if (i >= uncounted)
+            turns->append(QStringLiteral("%1:%2").arg(moduleUs).arg(baselineUs));
     }
-    module.erase(module.begin(), module.begin() + uncounted);
-    std::vector<double> ratios;
-    // Both of a turn meet the same machine.
-    for (std::size_t i = 0; workload.baseline && i < module.size(); ++i)
-        ratios.push_back(module[i] / baseline[i + std::size_t(uncounted)]);
-    return Figure{0, median(module), ratios.empty() ? std::nullopt : std::optional(median(ratios))};
-}
-
-std::optional<Figure> measure(const Work& work, const Storage& storage, int size, int turns) {
-    Workload workload = work.setUp(size);
-    BenchStore store(storage.folder, storage.isDisk, workload.contents);
-    // The first turn of a short work fills the caches and is not counted.
-    const int uncounted = work.length == Work::Length::Short ? 1 : 0;
-    std::optional<Figure> figure = takeTurns(workload, store, storage.isDisk, uncounted, turns);
-    if (figure)
-        figure->size = size;
-    workload = {}; // what it holds goes before the store that it uses
-    return figure;
+    return true;
 }
 
 int turnsOf(const Work& work, int size, bool isShort) {
@@ -88,6 +60,30 @@ int turnsOf(const Work& work, int size, bool isShort) {
                       : size >= 10000                    ? 15
                                                          : 31;
     return isShort ? turns / 2 : turns;
+}
+
+// For each size itself and its turns, with blanks between; nothing where one failed.
+QStringList measure(const Work& work, const QString& storage, bool isDisk,
+                    const std::vector<int>& sizes, bool isShort) {
+    // A disk has slow seconds: each size gets some of its turns in each of them.
+    const int rounds = isDisk ? 3 : 1;
+    // The first turn of a short work fills the caches and is not counted.
+    const int uncounted = work.length == Work::Length::Short ? 1 : 0;
+    std::vector<QStringList> turns(sizes.size());
+    for (int round = 0; round < rounds; ++round) {
+        for (std::size_t i = 0; i < sizes.size(); ++i) {
+            Workload workload = work.setUp(sizes[i]);
+            BenchStore store(storage, isDisk, workload.contents);
+            const int count = (turnsOf(work, sizes[i], isShort) + rounds - 1) / rounds;
+            if (!takeTurns(workload, store, isDisk, uncounted, count, &turns[i]))
+                return {};
+            workload = {}; // what it holds goes before the store that it uses
+        }
+    }
+    QStringList texts;
+    for (std::size_t i = 0; i < sizes.size(); ++i)
+        texts.append(QString::number(sizes[i]) + ' ' + turns[i].join(' '));
+    return texts;
 }
 
 std::vector<Work> worksNamed(const QString& filter) {
@@ -100,13 +96,8 @@ std::vector<Work> worksNamed(const QString& filter) {
     return works;
 }
 
-// Two processors that are shared with other machines are not equally fast.
-void stayOnOneProcessor() {
-    cpu_set_t one;
-    CPU_ZERO(&one);
-    CPU_SET(std::size_t(std::max(0, ::sched_getcpu())), &one);
-    if (::sched_setaffinity(0, sizeof one, &one) != 0)
-        std::fprintf(stderr, "the run may move between processors\n");
+QString boundText(const std::optional<double>& bound) {
+    return bound ? QString::number(*bound) : QStringLiteral("-");
 }
 
 } // namespace
@@ -125,49 +116,36 @@ int main(int argc, char** argv) {
         log4cplus::SharedAppenderPtr(new log4cplus::NullAppender));
 
     QCoreApplication app(argc, argv);
-    QCommandLineParser parser;
-    parser.addHelpOption();
-    parser.addOption({"short", "1,000 and 10,000 entries, in memory-backed storage, with slack"});
-    parser.addOption({"disk", "a folder on a disk", "folder", "."});
-    parser.addOption({"memory", "a folder in memory-backed storage", "folder", "/dev/shm"});
-    parser.addOption({"filter", "only works whose name contains this", "text"});
-    parser.addOption({"sizes", "comma-separated numbers of entries", "n,n", "1000,10000,100000"});
-    parser.addOption({"table", "where the table goes as well", "file"});
-    parser.process(app);
-    const bool isShort = parser.isSet("short");
-    const QString named =
-        isShort && !parser.isSet("sizes") ? QStringLiteral("1000,10000") : parser.value("sizes");
+    if (argc != 5) {
+        std::fprintf(stderr, "usage: orvo_bench memory|disk|short FOLDER SIZE,SIZE WORK\n");
+        return EXIT_FAILURE;
+    }
+    const bool isDisk = std::string_view(argv[1]) == "disk";
+    const bool isShort = std::string_view(argv[1]) == "short";
+    const QString storage = QDir(argv[2]).absolutePath();
     std::vector<int> sizes;
-    for (const QString& size : named.split(','))
+    for (const QString& size : QString(argv[3]).split(','))
         sizes.push_back(size.toInt());
-    const std::vector<Work> works = worksNamed(parser.value("filter"));
+    const std::vector<Work> works = worksNamed(argv[4]);
     constexpr int MinSize = 100; // of a list that has a page
     if (works.empty() || *std::min_element(sizes.begin(), sizes.end()) < MinSize) {
         std::fprintf(stderr, "there is no such work, or a size is below %d\n", MinSize);
-        return 2;
+        return EXIT_FAILURE;
     }
-
-    stayOnOneProcessor();
-    std::vector<Storage> storages{{"memory", QDir(parser.value("memory")).absolutePath(), false}};
-    if (!isShort)
-        storages.push_back({"disk", QDir(parser.value("disk")).absolutePath(), true});
-    constexpr double GuardSlack = 1.5;
-    Report report(parser.value("table"), sizes, isShort ? GuardSlack : 1, !isShort);
-    for (const Storage& storage : storages) {
-        for (const Work& work : works) {
-            const int most = isShort ? sizes.back() : INT_MAX;
-            const std::vector<int> own{std::min(work.onlySize.value_or(0), most)};
-            std::vector<Figure> figures;
-            for (const int size : work.onlySize ? own : sizes) {
-                const auto figure = measure(work, storage, size, turnsOf(work, size, isShort));
-                if (!figure) {
-                    figures.clear();
-                    break;
-                }
-                figures.push_back(*figure);
-            }
-            report.add(work, storage.name, figures);
+    for (const Work& work : works) {
+        const int most = isShort ? sizes.back() : INT_MAX;
+        const std::vector<int> own{std::min(work.onlySize.value_or(0), most)};
+        const QStringList turns =
+            measure(work, storage, isDisk, work.onlySize ? own : sizes, isShort);
+        if (turns.empty()) {
+            std::fprintf(stderr, "failed: %s\n", work.name);
+            return EXIT_FAILURE;
         }
+        const QStringList row{work.name, work.heldAgainst, boundText(work.maxRatio),
+                              boundText(isDisk ? work.maxDiskUs : work.maxUs),
+                              boundText(work.maxGrowth)};
+        std::printf("%s\n", (row + turns).join('\t').toUtf8().constData());
+        std::fflush(stdout);
     }
-    return report.finish();
+    return EXIT_SUCCESS;
 }

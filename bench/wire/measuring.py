@@ -5,6 +5,7 @@ import gc
 import json
 import math
 import os
+import platform
 import select
 import statistics
 import subprocess
@@ -46,9 +47,7 @@ class Client(Connection):
 
     def exchange(self, text):
         self._socket.sendall(text)
-        while not (answer := self.read()):
-            pass
-        return answer
+        return self.receive()
 
     def must(self, path, value):
         """A command that has to succeed; returns what it answered."""
@@ -174,24 +173,21 @@ def figure(value):
     return f"{value:.0f}" if value >= 100 else f"{value:.1f}" if value >= 10 else f"{value:.2f}"
 
 
-def machine():
-    """The line above a table: its processors, memory and system."""
-    def field(file, name, separator):
-        with open(file, encoding="utf-8") as lines:
-            return next((line.split(separator)[1].strip().strip('"') for line in lines
-                         if line.startswith(name)), "unknown")
-    gib = int(field("/proc/meminfo", "MemTotal", ":").split()[0]) / (1 << 20)
-    return (f"{os.cpu_count()} × {field('/proc/cpuinfo', 'model name', ':')}, {gib:.0f} GiB, "
-            f"{field('/etc/os-release', 'PRETTY_NAME', '=')}")
+class Report:
+    """Rows of Markdown, printed as they come and kept in a file, and how many break their bounds. A
+    run is on one processor, which this chooses, or on more. Where waiting does not count
+    (`counts_processes`) it is disturbed by the hypervisor alone."""
 
-
-class Table:
-    """Rows of Markdown, printed as they come and kept in a file."""
-
-    def __init__(self, file, columns):
+    def __init__(self, file, columns=("what", "measured", "bound"), processors=1, counts_processes=True):
+        # One, because waking another of a virtual machine takes as long as a small answer.
+        os.sched_setaffinity(0, sorted(os.sched_getaffinity(0))[-processors:])
+        gc.disable()
+        self._counts_processes = counts_processes
+        self._begin = time.monotonic(), self._used_by_others()
+        self._broken = 0
         os.makedirs(os.path.dirname(file), exist_ok=True)
         self._file = open(file, "w", encoding="utf-8")
-        self.line(machine() + "\n")
+        self.line(f"{os.cpu_count()} processors, {platform.platform()}\n")
         self.row(columns)
         self.row(["---"] + ["--:"] * (len(columns) - 1))
 
@@ -202,23 +198,15 @@ class Table:
     def row(self, cells):
         self.line(f"| {' | '.join(cells)} |")
 
-
-class Report:
-    """Figures beside their bounds. A run is on one processor, which this chooses, or on two."""
-
-    def __init__(self, file, processors=1):
-        # One, because waking another of a virtual machine takes as long as a small answer.
-        os.sched_setaffinity(0, sorted(os.sched_getaffinity(0))[-processors:])
-        gc.disable()
-        self._begin = time.monotonic(), self._used_by_others()
-        self._table = Table(file, ["what", "measured", "bound"])
-        self._broken = 0
-
-    def add(self, what, value, unit, bound=None):
+    def judged(self, value, bound):
+        """What is printed behind the value."""
         broken = bound is not None and value > bound
         self._broken += broken
-        self._table.row([what, f"{figure(value)} {unit}".strip(),
-                         "" if bound is None else f"{bound} {unit}".strip() + " BROKEN" * broken])
+        return " BROKEN" * broken
+
+    def add(self, what, value, unit, bound=None):
+        limit = "" if bound is None else f"{bound} {unit}".strip()
+        self.row([what, f"{figure(value)} {unit}".strip(), limit + self.judged(value, bound)])
 
     def add_times(self, what, times, unit, median_bound=None, tail_bound=None):
         self.add(f"{what}, median", statistics.median(times), unit, median_bound)
@@ -228,19 +216,19 @@ class Report:
         """Call it when all processes of the run have ended. Returns the exit status."""
         seconds = time.monotonic() - self._begin[0]
         percent = 100 * max(0, self._used_by_others() - self._begin[1]) / seconds
-        self._table.line(f"\nTaken by others: {percent:.1f} % of a processor.")
+        self.line(f"\nTaken by others: {percent:.1f} % of a processor.")
         if percent > MAX_DISTURBED_PERCENT:
-            self._table.line(f"The machine was disturbed (more than {MAX_DISTURBED_PERCENT} %): not judged.")
+            self.line(f"The machine was disturbed (more than {MAX_DISTURBED_PERCENT} %): not judged.")
             return DISTURBED
-        self._table.line(f"{self._broken} bounds are broken." if self._broken else "Every bound was held.")
+        self.line(f"{self._broken} bounds are broken." if self._broken else "Every bound was held.")
         return BROKEN if self._broken else HELD
 
     def _used_by_others(self):
         """Seconds of all processors that were stolen or that neither this process nor its ended children had."""
         with open("/proc/stat", encoding="ascii") as file:
             ticks = file.readline().split()[1:]
-        user, nice, system, _, _, _, _, stolen = map(int, ticks[:8])
-        return (user + nice + system + stolen) / os.sysconf("SC_CLK_TCK") - sum(os.times()[:4])
+        user, nice, system, _, _, _, _, stolen = (int(tick) / os.sysconf("SC_CLK_TCK") for tick in ticks[:8])
+        return stolen + (user + nice + system - sum(os.times()[:4])) * self._counts_processes
 
 
 def main(run, *names, **defaults):
@@ -250,7 +238,8 @@ def main(run, *names, **defaults):
     for name in (*names, "memory", "disk", "table"):  # folders on the two storages, a file
         parser.add_argument(f"--{name}", required=True)
     for name, default in defaults.items():
-        parser.add_argument(f"--{name}", type=type(default), default=default)
+        kind = {"action": "store_true"} if default is False else {"type": type(default), "default": default}
+        parser.add_argument(f"--{name}", **kind)
     try:
         return run(parser.parse_args())
     except (OSError, RuntimeError, DeviceError, subprocess.CalledProcessError) as problem:

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What ./dev bench remote, library, peers and footprint do: build, make the music, measure.
+# What ./dev bench does: build, make the music, measure.
 # The table goes to build/bench as well.
 set -euo pipefail
 
@@ -24,13 +24,16 @@ make_music() {
     mv "$2.part" "$2"
 }
 
-# make_library TRACKS FOLDER: tiny files with the tags of a library, without them for TRACKS below zero, made once
+# make_library TRACKS KIND: tiny files, tagged or untagged, made once
 make_library() {
-    if [[ -d $2 ]]; then return; fi
-    say "making ${1#-} tracks in ${2#"$root"/}"
-    rm -rf "$2.part"
-    "$root/build/release/bin/orvo_bench_music" "$1" "$2.part"
-    mv "$2.part" "$2"
+    local folder=$music/library-$1-$2 kind=()
+    if [[ -d $folder ]]; then return; fi
+    if [[ $2 == untagged ]]; then kind=(untagged); fi
+    say "making $1 tracks in ${folder#"$root"/}"
+    rm -rf "$folder.part"
+    python3 "$root/bench/library/music.py" "$1" "${kind[@]}" |
+        "$root/build/release/bin/orvo_bench_tag_files" "$folder.part"
+    mv "$folder.part" "$folder"
 }
 
 # The daemon, without the service that comes with its package: a machine that had none keeps none.
@@ -59,10 +62,19 @@ if [[ ! -d $memory ]]; then
     options[1]=$root/build/bench
 fi
 need build test
-cmake -S "$root" --preset release >/dev/null
-cmake --build "$root/build/release" --parallel "$jobs" \
-    --target orvo-host orvoctl orvo_playlists orvo_files orvo_player orvo_gateway
+targets=(orvo-host orvoctl orvo_playlists orvo_files orvo_player orvo_gateway)
 case $name in
+store) targets=(orvo_bench) ;;
+library) targets+=(orvo_bench_tag_files) ;;
+esac
+cmake -S "$root" --preset release >/dev/null
+cmake --build "$root/build/release" --parallel "$jobs" --target "${targets[@]}" >&2
+folder=wire
+case $name in
+store)
+    folder=store
+    options+=(--program "$root/build/release/bin/orvo_bench")
+    ;;
 remote)
     make_music 10000 "$music/music-10000"
     options+=("${host[@]}" --music "$music/music-10000")
@@ -73,16 +85,14 @@ peers)
     options+=("${host[@]}" --music "$music/music-peers")
     ;;
 library)
+    folder=library
     install_mpd
     need library
-    cmake --build "$root/build/release" --target orvo_bench_music
-    make_library 20000 "$music/library-20000-tagged"
-    make_library 100000 "$music/library-100000-tagged"
-    make_library -100000 "$music/library-100000-untagged"
+    make_library 20000 tagged
+    make_library 100000 tagged
+    make_library 100000 untagged
     options+=("${host[@]}" --music "$music/library")
     ;;
 footprint) options+=(--build "$root/build/release") ;;
 esac
-script=$root/bench/wire/$name.py
-if [[ $name == library ]]; then script=$root/bench/library/library.py; fi
-exec python3 "$script" "${options[@]}" "$@"
+exec python3 "$root/bench/$folder/$name.py" "${options[@]}" "$@"
