@@ -43,16 +43,6 @@ bool same(const QVariant& a, const QVariant& b) {
     return equal;
 }
 
-// The reader keeps the places of the text before, without values.
-QVariantHash valid(const QVariantHash& hash) {
-    QVariantHash result;
-    for (auto it = hash.begin(); it != hash.end(); ++it) {
-        if (it->isValid())
-            result.insert(it.key(), *it);
-    }
-    return result;
-}
-
 } // namespace
 
 // The role map of an item as it is sent and stored: the quick reader says what the platform's
@@ -75,15 +65,15 @@ void Fuzz::roles(const QByteArray& input) {
     }();
 
     ItemRolesReader reader;
-    require(reader.read(QStringLiteral(
+    require(reader.read(QByteArrayLiteral(
                 R"({"title":"Before","type":3,"x":[1],"mediaData":{"metaData":{"album":"A"}}})")),
             "the text before");
-    if (reader.read(text)) {
+    if (reader.read(text.toUtf8())) {
         require(error.error == QJsonParseError::NoError && document.isObject(),
                 "the quick reader takes what is no object: " + text);
         QVariantHash mediaData = all.take(OrvoRoles::MediaData()).toHash();
         const QVariantHash metaData = mediaData.take(OrvoMediaData::MetaData()).toHash();
-        require(same(all, valid(reader.roles)) && same(mediaData, reader.mediaData) &&
+        require(same(all, reader.roles) && same(mediaData, reader.mediaData) &&
                     same(metaData, reader.metaData),
                 "the quick reader differs: " + text);
     }

@@ -34,18 +34,18 @@ constexpr qint64 BytesOfMany = 1024;
 ItemsCheck::Verdict ItemsCheck::judgeRoles(const QString& text) {
     if (text.isEmpty())
         return Verdict::NoRoles;
-    // All read the same out of a text that the reader takes. Most items have a title, and then
-    // their media data does not matter.
+    // Most items have a title, and then their media data does not matter.
+    const QByteArray utf8 = text.toUtf8();
     OrvoRoles roles;
-    if (m_reader.readTopLevel(text) && !OrvoRoles(m_reader.roles).title().isEmpty()) {
+    if (m_reader.read(utf8, false) && !OrvoRoles(m_reader.roles).title().isEmpty()) {
         roles = OrvoRoles(m_reader.roles);
-    } else if (m_reader.read(text)) {
+    } else if (m_reader.read(utf8)) {
         roles = OrvoRoles(m_reader.roles);
         OrvoMediaData mediaData(m_reader.mediaData);
         mediaData.setMetaData(OrvoMetaData(m_reader.metaData));
         roles.setMediaData(mediaData);
     } else {
-        const QJsonObject json = cmReadJson(text.toUtf8()).object();
+        const QJsonObject json = cmReadJson(utf8).object();
         for (const QString& name : {OrvoRoles::Type(), OrvoRoles::Title(), OrvoRoles::MediaData()})
             roles.setAttribute(name, json.value(name).toVariant());
     }

@@ -1,7 +1,5 @@
 // PlayList's entries as the roles of rows and of what plays.
 
-#include <algorithm>
-
 #include <QJsonObject>
 #include <QMutexLocker>
 
@@ -17,9 +15,9 @@
 namespace {
 
 // The whole JSON language, and the reason where it is none.
-void parseRoles(const QString& text, ItemRolesReader& parts, AlikeLines& errors) {
+void parseRoles(const QByteArray& utf8, ItemRolesReader& parts, AlikeLines& errors) {
     QJsonParseError parseError;
-    const QJsonDocument document = cmReadJson(text.toUtf8(), &parseError);
+    const QJsonDocument document = cmReadJson(utf8, &parseError);
     if (parseError.error != QJsonParseError::NoError && errors.next())
         LOG4CPLUS_ERROR(moduleLog(), "Failed to parse data, error: " << parseError.errorString());
     parts.roles = document.object().toVariantHash();
@@ -27,21 +25,12 @@ void parseRoles(const QString& text, ItemRolesReader& parts, AlikeLines& errors)
     parts.metaData = parts.mediaData.take(OrvoMediaData::MetaData()).toHash();
 }
 
-// The text into `text`, whose memory serves again.
-void decode(const char* utf8, int size, QString* text) {
-    const bool isAscii = std::all_of(utf8, utf8 + size, [](char c) { return (c & 0x80) == 0; });
-    if (isAscii)
-        *text = QLatin1String(utf8, size);
-    else
-        *text = QString::fromUtf8(utf8, size);
-}
-
-void completeRoles(const QString& text, const QString& id, int sequenceNumber,
+void completeRoles(const QByteArray& utf8, const QString& id, int sequenceNumber,
                    ItemRolesReader& parts, AlikeLines& errors) {
     static const QString itemPath = OrvoPlayListItemPath().toString() + QLatin1Char('/');
     static const QVariant playLogicPath = OrvoPlayListsPlayLogicPath().toQVariant();
-    if (!parts.read(text))
-        parseRoles(text, parts, errors);
+    if (!parts.read(utf8))
+        parseRoles(utf8, parts, errors);
     parts.metaData.insert(OrvoMetaData::PlayLogicPath(), playLogicPath);
     parts.mediaData.insert(OrvoMediaData::MetaData(), parts.metaData);
 
@@ -57,8 +46,8 @@ void completeRoles(const QString& text, const QString& id, int sequenceNumber,
 OrvoRoles PlayList::itemToOrvoRoles(const OrvoPlayListItem& item) const {
     ItemRolesReader parts;
     AlikeLines errors(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
-    completeRoles(item.orvoRoles(), QString::number(item.uid()), item.sequenceNumber(), parts,
-                  errors);
+    completeRoles(item.orvoRoles().toUtf8(), QString::number(item.uid()), item.sequenceNumber(),
+                  parts, errors);
     return OrvoRoles(parts.roles);
 }
 
@@ -69,7 +58,6 @@ void PlayList::visitRoles(int from, int to, const VisitRoles& visit) {
                                      << from << " to=" << to);
     ItemRolesReader parts;
     AlikeLines errors(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
-    QString text;
     EntryRoles found;
     found.next = from;
     do {
@@ -80,10 +68,11 @@ void PlayList::visitRoles(int from, int to, const VisitRoles& visit) {
         }
         int begin = 0;
         for (const EntryRoles::Entry& entry : std::as_const(found.entries)) {
-            decode(found.texts.constData() + begin, entry.end - begin, &text);
+            const auto utf8 =
+                QByteArray::fromRawData(found.texts.constData() + begin, entry.end - begin);
             begin = entry.end;
             const QString id = QString::number(entry.uid);
-            completeRoles(text, id, entry.sequenceNumber, parts, errors);
+            completeRoles(utf8, id, entry.sequenceNumber, parts, errors);
             if (!visit(parts.roles, id, entry.sequenceNumber))
                 return;
         }

