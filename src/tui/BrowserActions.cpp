@@ -165,8 +165,7 @@ void Browser::openMenuOf(const BrowseRow& row) {
 }
 
 bool Browser::canBeAdded(const BrowseRow& row) const {
-    return PathText::isAtOrBelow(row.path(), HomeRows::musicPath()) &&
-           (row.type() == BrowseRow::Audio || row.opens());
+    return HomeRows::isMusic(row.path()) && (row.type() == BrowseRow::Audio || row.opens());
 }
 
 void Browser::escape() {

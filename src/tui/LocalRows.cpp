@@ -6,6 +6,19 @@
 #include "AsyncApi.h"
 #include "BrowseRow.h"
 
+namespace {
+
+struct MusicRow {
+    const char* title;
+    const char* path;
+};
+constexpr MusicRow MusicRows[] = {
+    {"Music", "files:tree"},    {"Artists", "files:artists"},       {"Albums", "files:albums"},
+    {"Genres", "files:genres"}, {"Recently added", "files:recent"},
+};
+
+} // namespace
+
 void LocalRows::read(const QString&, int from, int to, const Done& done) {
     RowsAnswer answer;
     answer.title = m_title;
@@ -42,9 +55,15 @@ void HomeRows::read(const QString&, int, int, const Done& done) {
                    answer.title = QStringLiteral("Orvo");
                    if (modules.contains(QStringLiteral("playlists")))
                        answer.rows.append(tree("Playlists", root));
-                   if (modules.contains(QStringLiteral("files")))
-                       answer.rows.append(tree("Music", musicPath()));
+                   if (modules.contains(QStringLiteral("files"))) {
+                       for (const MusicRow& row : MusicRows)
+                           answer.rows.append(tree(row.title, QLatin1String(row.path)));
+                   }
                    answer.count = answer.rows.size();
                    done(answer);
                });
+}
+
+bool HomeRows::isMusic(const QString& path) {
+    return path.startsWith(QLatin1String("files:"));
 }

@@ -29,7 +29,8 @@ public:
     void read(const QString& path, int from, int to, const Done& done) override;
 
     static QString homePath() { return QStringLiteral("home:"); }
-    static QString musicPath() { return QStringLiteral("files:tree"); }
+    // A folder, a list of the library, or a track in one of them.
+    static bool isMusic(const QString& path);
 
 private:
     AsyncApi* m_api;

@@ -124,7 +124,7 @@ TEST_F(Browse, whatOthersDoAppearsWithoutAKey) {
     ASSERT_TRUE(screen.waitForText("Late party"));
     order({"delete", "Late party"});
     ASSERT_TRUE(screen.waitForText("is gone."));
-    ASSERT_TRUE(screen.waitForText("2 items")) << "the view that led there";
+    ASSERT_TRUE(screen.waitForText("6 items")) << "the view that led there";
 }
 
 TEST_F(Browse, aListIsRenamedAndOneIsMadeByTypingTheirNames) {
@@ -228,7 +228,7 @@ TEST_F(Browse, aTrackIsPlayedMarkedAndPaused) {
     screen.type("<");
     ASSERT_TRUE(screen.waitForText("▶ Long One"));
     screen.type(Left);
-    ASSERT_TRUE(screen.waitForText("2 items"));
+    ASSERT_TRUE(screen.waitForText("6 items"));
     screen.type("c");
     ASSERT_TRUE(screen.waitForBar("▶ 5  Long One")) << "jumped to what plays";
     screen.type(">");
@@ -312,6 +312,33 @@ TEST_F(Browse, lettersMoveAsArrowsDo) {
     ASSERT_TRUE(screen.waitForBar("Party"));
     screen.type("h");
     ASSERT_TRUE(screen.waitForBar("Playlists"));
+}
+
+TEST_F(Browse, artistsAndAlbumsStandBesideTheMusicFolderAndAreAddedToAList) {
+    TerminalProgram screen(browse());
+    ASSERT_TRUE(screen.waitForText("Recently added"));
+    screen.type(Down + Down);
+    ASSERT_TRUE(screen.waitForBar("Artists"));
+    screen.type("l");
+    ASSERT_TRUE(screen.waitForText("Orvo › Artists"));
+    screen.type(Down);
+    ASSERT_TRUE(screen.waitForBar("Band 2"));
+    screen.type("l");
+    ASSERT_TRUE(screen.waitForText("Orvo › Artists › Band 2"));
+    ASSERT_TRUE(screen.waitForBar("Album 2"));
+    screen.type("l");
+    ASSERT_TRUE(screen.waitForText("Track 2.4"));
+    screen.type("h");
+    ASSERT_TRUE(screen.waitForBar("Album 2"));
+    screen.type("m");
+    ASSERT_TRUE(screen.waitForText("Add to which list?"));
+    screen.type(End + Up);
+    ASSERT_TRUE(screen.waitForBar("Party"));
+    screen.type(Enter);
+    ASSERT_TRUE(screen.waitForText("Add to Party"));
+    screen.type(Enter);
+    ASSERT_TRUE(screen.waitForText("4 tracks added to Party"));
+    EXPECT_EQ(party().mid(4), (QStringList{"Track 2.1", "Track 2.2", "Track 2.3", "Track 2.4"}));
 }
 
 TEST_F(Browse, volumeAndPlaceAreChangedByKeys) {
