@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int RowsPerPart = 200;
+constexpr int RowsPerPart = 100;
 constexpr int PlayQueueId = 0;
 
 struct PathsRow {
