@@ -2,7 +2,6 @@
 
 #include <QFile>
 
-#include "AddFolderJob.h"
 #include "Awaited.h"
 #include "ClientFailure.h"
 #include "MusicSources.h"
@@ -103,6 +102,11 @@ void AddVerb::add(VerbContext& context) {
     QVector<AddFolderJob::Source> sources;
     for (const QString& word : namesOf(context.arguments.positional().mid(1)))
         sources.append(music.of(word));
+    addSources(context, sources, playlist, mode);
+}
+
+void AddVerb::addSources(VerbContext& context, const QVector<AddFolderJob::Source>& sources,
+                         const Named& playlist, AddFolderJob::Mode mode) {
     AddFolderJob job(
         context.device.api(), sources,
         {context.device.path(QStringLiteral("OrvoPlayListPlAddItemsPath")), playlist.id, {}}, mode);

@@ -30,11 +30,10 @@ QStringList positionalsOf(const Verb& verb) {
         .split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
-// "title|artist", the values that the usage gives an option; empty where it gives a placeholder.
-QStringList valuesOf(const Verb& verb, const QString& option) {
-    const QRegularExpression values(QStringLiteral("--%1 ([a-z]+(?:\\|[a-z]+)+)").arg(option));
-    const QString found = values.match(QString::fromLatin1(verb.usage)).captured(1);
-    return found.split(QLatin1Char('|'), Qt::SkipEmptyParts);
+// The word of the usage text for an option's value: "title|artist", or a kind such as PLAYLIST.
+QString valueOf(const Verb& verb, const QString& option) {
+    const QRegularExpression value(QStringLiteral("--%1 ([A-Za-z|]+)").arg(option));
+    return value.match(QString::fromLatin1(verb.usage)).captured(1);
 }
 
 // A name that two lists have, or that a terminal cannot show, is given by its id.
@@ -89,7 +88,7 @@ QStringList Completion::argumentsOf(const Verb& verb, const QStringList& words) 
     const QString previous = words.value(words.size() - 2);
     const QString option = previous.mid(2);
     if (previous.startsWith(QLatin1String("--")) && verb.valued.contains(option))
-        return valuesOf(verb, option);
+        return ofKind(valueOf(verb, option), begun);
     if (isOptionWord(begun)) {
         QStringList options;
         for (const QString& name : verb.valued + verb.flags)

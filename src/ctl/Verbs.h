@@ -3,6 +3,7 @@
 #include <QStringList>
 #include <QVector>
 
+#include "AddFolderJob.h"
 #include "Arguments.h"
 #include "ClientFailure.h"
 #include "Lists.h"
@@ -111,7 +112,17 @@ void show(VerbContext& context);
 
 namespace AddVerb {
 void add(VerbContext& context);
-}
+// Adds tracks, and all tracks of lists, and says how many.
+void addSources(VerbContext& context, const QVector<AddFolderJob::Source>& sources,
+                const Named& playlist, AddFolderJob::Mode mode);
+} // namespace AddVerb
+
+// The music by what its tags say.
+namespace LibraryVerbs {
+void artists(VerbContext& context);
+void albums(VerbContext& context);
+void search(VerbContext& context);
+} // namespace LibraryVerbs
 
 // Playlist files of other programs.
 namespace ListFileVerbs {

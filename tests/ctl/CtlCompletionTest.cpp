@@ -26,6 +26,8 @@ TEST_F(CtlCompletion, verbsAndTheirOptionsAreOffered) {
               (QStringList{"create", "delete", "add", "remove", "show"}));
     EXPECT_EQ(at("orvoctl sort Party --r"), QStringList{"--reverse"});
     EXPECT_EQ(at("orvoctl sort Party --by a"), (QStringList{"artist", "album"}));
+    EXPECT_EQ(at("orvoctl export Party x.m3u8 --paths "),
+              (QStringList{"relative", "absolute", "url"}));
     EXPECT_EQ(at("orvoctl shuffle Party o"), (QStringList{"on", "off"}));
     EXPECT_EQ(at("orvoctl mode shuffleR"), (QStringList{"shuffleRepeatOne", "shuffleRepeatAll"}));
     EXPECT_EQ(at("orvoctl completion "), (QStringList{"bash", "zsh"}));
@@ -43,6 +45,8 @@ TEST_F(CtlCompletion, listsAreOfferedByTheirNames) {
     EXPECT_EQ(at("orvoctl show Sunday\\ m"), QStringList{"Sunday morning"});
     EXPECT_EQ(at("orvoctl show 'Sunday m"), QStringList{"Sunday morning"});
     EXPECT_EQ(at("orvoctl merge Party \"Sun"), QStringList{"Sunday morning"});
+    EXPECT_EQ(at("orvoctl search night train --add P"), QStringList{"Party"});
+    EXPECT_EQ(at("orvoctl search night P"), QStringList()) << "words are anything";
     EXPECT_EQ(at("orvoctl show #3"), (QStringList{"#30"}));
     EXPECT_EQ(at("orvoctl show "),
               (QStringList{"queue", "Party", "Sunday morning", "#30", "#40", "#50"}));
