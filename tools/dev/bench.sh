@@ -62,7 +62,7 @@ if [[ ! -d $memory ]]; then
     options[1]=$root/build/bench
 fi
 need build test
-targets=(orvo-host orvoctl orvo_playlists orvo_files orvo_player orvo_gateway)
+targets=(orvo-host orvoctl orvo_playlists orvo_files orvo_lists orvo_player orvo_gateway)
 case $name in
 store) targets=(orvo_bench) ;;
 library) targets+=(orvo_bench_tag_files) ;;
