@@ -32,7 +32,7 @@ struct Music {
     std::unique_ptr<Items> items; // what the module makes of them
 };
 
-const QVariantList wholeTree{QStringLiteral("files:tree")};
+const QVariantList WholeTree{QStringLiteral("files:tree")};
 
 void load(Music* music, int size) {
     using Create = CMAbstractWorker* (*)(QHash<QString, QVariant>);
@@ -48,7 +48,7 @@ void load(Music* music, int size) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     QVariant prepared;
     BenchStore::send(CMPath::fromPrefix(QStringLiteral("files")) + OrvoPlayListPrepareItems(),
-                     wholeTree, &prepared);
+                     WholeTree, &prepared);
     QList<OrvoPlayListItem> items;
     for (const QVariant& item : prepared.toList())
         items.append(OrvoPlayListItem(item));
@@ -75,7 +75,7 @@ Workload addFolder(int size) {
         OrvoPlayListPlAddItems args;
         args.setPlid(1);
         args.setMode(OrvoPlayListAddPosition::Append);
-        args.setItems(wholeTree);
+        args.setItems(WholeTree);
         return BenchStore::send(OrvoPlayListPlAddItemsPath(), args.toVariant()) &&
                store.list()->getSize() == size && music->items->size() == size;
     };

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr const char* baselineFile = "baseline.sqlite";
+constexpr const char* BaselineFile = "baseline.sqlite";
 
 // Everything that the file says: schema, rows and what is kept of the settings.
 QStringList contentsOf(const char* file) {
@@ -51,8 +51,8 @@ protected:
 
     void SetUp() override {
         database();
-        ASSERT_TRUE(QFile::copy(QString::fromLatin1(File), QString::fromLatin1(baselineFile)));
-        m_baseline = std::make_unique<Baseline>(baselineFile);
+        ASSERT_TRUE(QFile::copy(QString::fromLatin1(File), QString::fromLatin1(BaselineFile)));
+        m_baseline = std::make_unique<Baseline>(BaselineFile);
     }
     void TearDown() override {
         m_baseline.reset();
@@ -95,7 +95,7 @@ protected:
         expectTheSame("removed");
     }
     void expectTheSame(const char* when) {
-        EXPECT_EQ(contentsOf(File), contentsOf(baselineFile)) << when;
+        EXPECT_EQ(contentsOf(File), contentsOf(BaselineFile)) << when;
         EXPECT_EQ(m_list.uid > 0 ? record(m_list.uid).size : 0, m_list.size) << when;
     }
 

@@ -110,7 +110,7 @@ TEST_F(Playing, aShuffledAlbumSoundsEndToEndInTheOrderThatIsTold) {
     writeAlbum("flac");
     makeParty("Noise");
     ASSERT_EQ(device.ctl({"shuffle", "Party", "on"}).status, 0);
-    // Whoever watches sees each track as it starts.
+    // A client that watches sees each track as it starts.
     QProcess watcher;
     watcher.start(QStringLiteral(ORVOCTL), {"--url", device.url(), "--json", "watch"});
     ASSERT_TRUE(watcher.waitForStarted());

@@ -236,7 +236,7 @@ TEST_F(StrangersTest, aReaderThatStopsDelaysNobody) {
         slowest = qMax(slowest, clock.elapsed());
     }
     EXPECT_LT(slowest, 1000);
-    tell("50 streams and 50 pipelines that nobody reads",
+    tell("50 streams and 50 pipelines that are not read",
          "100 pages beside them: the slowest in " + QByteArray::number(slowest) + " ms");
 }
 

@@ -37,7 +37,7 @@ const Large Bodies[] = {
      post("playlists:pl/removeItems", R"({"plid":1,"items":[0)"), ",7654321", "]}}"},
     {"positions to move", post("playlists:pl/moveItems", R"({"plid":1,"to":1,"items":[0)"), ",2",
      "]}}"},
-    {"items that nobody has", post("playlists:pl/addItems", R"({"plid":1,"items":["n:x")"),
+    {"items that no module has", post("playlists:pl/addItems", R"({"plid":1,"items":["n:x")"),
      R"(,"n:x")", "]}}"},
     {"items of empty paths", post("playlists:pl/addItems", R"({"plid":1,"items":[0)"), ",0", "]}}"},
     {"items to prepare", post("playlists:prepareItems", R"(["playlists:item/1")"),

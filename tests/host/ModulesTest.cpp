@@ -75,7 +75,7 @@ TEST_F(Modules, loadedBeforeOneThatFailsAreDestroyed) {
     EXPECT_EQ(host.end(), 1);
     EXPECT_EQ(probeLog().constFirst(), "create probe");
     EXPECT_EQ(probeLog().constLast(), "destroy probe");
-    // Said to whoever started it, and to the log where that is somewhere else.
+    // Said to the caller that started it, and to the log where that is somewhere else.
     const QString message = "cannot load module " + path("gone.so") + ": there is no such file\n";
     EXPECT_EQ(host.errors(), "orvo-host: " + message);
     EXPECT_TRUE(read(path("the.log")).endsWith("ERROR Host - " + message));

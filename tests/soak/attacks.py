@@ -54,7 +54,7 @@ ATTACKS = (
     Attack("8 MiB of tiny values", request.tiny_values, ("400 Malformed",)),
     Attack("600,000 and 20,000 made-up modules", request.made_up_modules, ("400 Malformed", "422 Error")),
     Attack("a name of 8 MB", command("playlists:pl/create", {"name": "n" * 8_000_000}), ("422 Error",)),
-    Attack("300 pictures of 16 MiB that nobody reads", request.unread_pictures, ("HTTP/1.1 200 OK", "HTTP/1.1 503 Service Unavailable?")),
+    Attack("300 pictures of 16 MiB that are not read", request.unread_pictures, ("HTTP/1.1 200 OK", "HTTP/1.1 503 Service Unavailable?")),
     Attack("lengths and hosts with two readings", request.broken_heads, ("400 Malformed", "400?")),
     Attack("3,000 guessed tokens", request.guessed_tokens, ("401 Unauthorized", "429 TooManyAttempts"), TOKEN),
     Attack("2,000 plays of sounds that were cut off", surroundings.cut_sounds, ("fails", "ends")),

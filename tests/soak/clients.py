@@ -6,7 +6,7 @@ import time
 
 from orvo_device import external_item
 
-# A command's refusal; a list that somebody else has just deleted.
+# A command's refusal; a list that another client has just deleted.
 REFUSED = (422, 404)
 # The store must not grow, or memory would grow with it.
 MOST_TRACKS = 300

@@ -31,7 +31,7 @@ music() {
     "$here/../../tools/demo-music" "$@" "$folder.part"
     mv "$folder.part" "$folder"
 }
-# Tunes that do not end while somebody looks at them: what plays changes only when a story says so.
+# Tunes that do not end while a story looks at them: what plays changes only when a story says so.
 music tunes --rest 60
 music many-tracks --tracks 3000
 

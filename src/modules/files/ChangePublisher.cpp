@@ -8,8 +8,8 @@
 
 namespace {
 constexpr int IntervalMs = 250;
-// Above this number of changed folders one reset of the tree is cheaper for everybody.
-constexpr std::size_t MostSingleResets = 50;
+// Above this number of changed folders one reset of the tree is cheaper for every reader.
+constexpr std::size_t MaxSingleResets = 50;
 } // namespace
 
 ChangePublisher::ChangePublisher(MusicTree* tree, Scanner* scanner, LibraryIndex* index,
@@ -81,7 +81,7 @@ void ChangePublisher::publishLibrary() {
 void ChangePublisher::publishRows() {
     const auto changed = std::move(m_changed);
     m_changed.clear();
-    if (changed.size() > MostSingleResets) {
+    if (changed.size() > MaxSingleResets) {
         m_subscribe->changedStartingWith(MusicTree::rootPath(), CMSubscribe::RowsChangeReset(), -1);
         return;
     }

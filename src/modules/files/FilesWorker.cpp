@@ -12,7 +12,7 @@
 
 namespace {
 // Well below what a system grants a user, and more folders than most collections have.
-constexpr int MostWatches = 8192;
+constexpr int MaxWatches = 8192;
 } // namespace
 
 FilesWorker::FilesWorker(const QHash<QString, QVariant>& config)
@@ -21,7 +21,7 @@ FilesWorker::FilesWorker(const QHash<QString, QVariant>& config)
       m_loader(&m_tree, config.value(QStringLiteral("dataDir")).toString()),
       m_scanner(&m_tree, &m_loader),
       m_index(&m_tree, &m_scanner),
-      m_watcher(MostWatches),
+      m_watcher(MaxWatches),
       m_publisher(&m_tree, &m_scanner, &m_index, subscribe()),
       m_treeNode(&m_tree, nodes(), nullptr),
       m_searches(&m_index),

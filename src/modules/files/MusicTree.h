@@ -26,8 +26,8 @@ using TrackPtr = std::shared_ptr<Track>;
 struct Folder;
 using FolderPtr = std::shared_ptr<Folder>;
 
-// One folder as it was last read. Whoever holds one across a turn of the event loop may find it out
-// of the tree.
+// One folder as it was last read. A job that holds one across a turn of the event loop may find it
+// out of the tree.
 struct Folder {
     QString name; // empty for the root
     CMPath path;

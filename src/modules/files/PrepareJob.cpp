@@ -10,9 +10,9 @@ namespace {
 // A person waits for this one, so its slices are longer than the scan's.
 constexpr int PrepareSliceMs = 8;
 // A call with thousands of unknown paths must not fill the log.
-constexpr int MostUnknownLogged = 5;
+constexpr int MaxUnknownLogged = 5;
 // One short request can name the same large folder a hundred thousand times.
-constexpr int MostItems = 100000;
+constexpr int MaxItems = 100000;
 } // namespace
 
 PrepareJob::PrepareJob(MusicTree* tree, TagLoader* loader, LibraryIndex* index,
@@ -38,7 +38,7 @@ void PrepareJob::slice() {
             m_timer.stop();
             return;
         }
-        if (m_items.size() > MostItems) {
+        if (m_items.size() > MaxItems) {
             refuse();
             return;
         }
@@ -76,7 +76,7 @@ bool PrepareJob::step(const QDeadlineTimer& deadline) {
     }
     if (m_nextPath < m_paths.size()) {
         const QString& path = m_paths.at(m_nextPath++);
-        if (!beginPath(CMPath(path)) && ++m_unknown <= MostUnknownLogged)
+        if (!beginPath(CMPath(path)) && ++m_unknown <= MaxUnknownLogged)
             LOG4CPLUS_WARN(filesLogger(), "nothing to prepare at " << path);
         return true;
     }
@@ -132,17 +132,17 @@ void PrepareJob::append(const FolderPtr& folder, const TrackPtr& track) {
 
 void PrepareJob::refuse() {
     m_timer.stop();
-    LOG4CPLUS_ERROR(filesLogger(), "more than " << MostItems << " items in one call");
+    LOG4CPLUS_ERROR(filesLogger(), "more than " << MaxItems << " items in one call");
     deleteLater();
-    m_reply.setError(CMError(CMError::InvalidValue(),
-                             TrString("Files", "More than %1 tracks at once are too many.",
-                                      {QString::number(MostItems)}),
-                             CMError::DefaultTitle()));
+    m_reply.setError(CMError(
+        CMError::InvalidValue(),
+        TrString("Files", "More than %1 tracks at once are too many.", {QString::number(MaxItems)}),
+        CMError::DefaultTitle()));
 }
 
 void PrepareJob::answer() {
     m_timer.stop();
-    if (m_unknown > MostUnknownLogged)
+    if (m_unknown > MaxUnknownLogged)
         LOG4CPLUS_WARN(filesLogger(), "nothing to prepare at " << m_unknown << " paths in all");
     LOG4CPLUS_DEBUG(filesLogger(), "prepared " << m_items.size() << " items");
     deleteLater();

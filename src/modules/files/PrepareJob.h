@@ -13,11 +13,10 @@
 
 // Answers one prepare call: for each path, in the order given, a track's item or the items of all
 // tracks in and below a folder, in the order of listing, or those that a list of the library
-// selects. Unknown paths give nothing but a word in
-// the log. What was not read yet is read for it, before the rest. More items than any
-// library has are refused. Works in slices; a short call whose tags are all there is answered
-// before start() returns. Deletes itself when it has answered; when its parent goes first, the
-// caller gets the platform's error for a request that nobody answers.
+// selects. Unknown paths give nothing but a word in the log. What was not read yet is read for it,
+// before the rest. More items than any library has are refused. Works in slices; a short call whose
+// tags are all there is answered before start() returns. Deletes itself when it has answered; when
+// its parent goes first, the caller gets the platform's error for a request that was not answered.
 class PrepareJob : public QObject {
     Q_OBJECT
 public:

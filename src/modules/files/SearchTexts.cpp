@@ -5,7 +5,7 @@
 
 namespace {
 
-// Longer rows of parts are dates and numbers: nobody leaves out all their punctuation.
+// Longer rows of parts are dates and numbers: a person who types them keeps their punctuation.
 constexpr int MaxJoinedParts = 4;
 
 // Letters, digits and blanks, the rest as line feeds.

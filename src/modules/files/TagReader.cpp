@@ -56,7 +56,7 @@ void readProperties(const TagLib::PropertyMap& properties, TrackTags* tags) {
 TrackTags readTags(const QString& file, QByteArray* picture) {
     TrackTags tags;
     // Read-only: opened as the library would, for writing too, closing it looks like a change to
-    // whoever watches.
+    // the folder's watch.
     TagLib::FileStream stream(file.toUtf8().constData(), /*openReadOnly=*/true);
     if (!stream.isOpen())
         return tags;

@@ -37,8 +37,8 @@ public:
     void put(const Key& key, const TrackTags& tags, bool pictureSought);
     // Writes what was put since the last time.
     void commit();
-    // Forgets files that nobody asked for since the start, when they are more than those that were.
-    // Not before: a disk that is not plugged in today is back tomorrow.
+    // Forgets files that the loader has not asked for since the start, when they are more than
+    // those that were. Not before: a disk that is not plugged in today is back tomorrow.
     void forgetUnseen();
 
 private:

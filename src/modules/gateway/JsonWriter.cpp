@@ -22,11 +22,11 @@ void JsonWriter::value(const QString& text) {
 }
 
 void JsonWriter::value(double number) {
-    constexpr double exactLimit =
+    constexpr double MaxExact =
         9007199254740992.0; // 2^53: up to it a whole double is written as a whole number
     if (!std::isfinite(number)) {
         m_json.Null();
-    } else if (std::trunc(number) == number && std::fabs(number) <= exactLimit) {
+    } else if (std::trunc(number) == number && std::fabs(number) <= MaxExact) {
         m_json.Int64(qint64(number));
     } else {
         const QString text = QString::number(number, 'g', QLocale::FloatingPointShortest);

@@ -19,7 +19,7 @@ public:
     explicit PendingAnswer(const std::shared_ptr<HttpExchange>& exchange) : m_exchange(exchange) {}
 
     // Sends with `send` and answers with `render` of what comes back, or with the error. `send`
-    // gets the reply to pass on; nobody else keeps it, so that a dropped request is noticed at
+    // gets the reply to pass on and alone keeps it, so that a dropped request is noticed at
     // once.
     template <typename Reply, typename Send, typename Render>
     static void request(const std::shared_ptr<HttpExchange>& exchange, int timeoutMs, Send send,

@@ -3,8 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
-// The file that holds the token: regular, its reader's own (or root's), and readable by nobody
-// else; one line of 16 to 512 printable characters without a blank.
+// The file that holds the token: regular, its reader's own (or root's), and readable by no
+// other user; one line of 16 to 512 printable characters without a blank.
 namespace TokenFile {
 
 // Empty when the file cannot be used; `error` says why and names it.

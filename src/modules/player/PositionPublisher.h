@@ -8,7 +8,7 @@
 
 class PlayerTransport;
 
-// Publishes where playback stands, at most twice a second and only while somebody watches that
+// Publishes where playback stands, at most twice a second and only while a client watches that
 // value. Owned by the worker, on its thread.
 class PositionPublisher : public QObject {
     Q_OBJECT

@@ -34,7 +34,7 @@ int hexDigit(char c) {
     return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
 }
 
-// Paths come from anybody: an escape that is none stays as it is. (QUrl would turn "%zz" into some
+// Paths come from clients: an escape that is none stays as it is. (QUrl would turn "%zz" into some
 // byte, and end the text at a zero.)
 QString decode(const QString& text) {
     if (!text.contains(QLatin1Char('%')))

@@ -18,11 +18,11 @@ qint64 OrvoHash::toInt64(const QVariant& value, qint64 fallback) {
                    ? fallback
                    : value.toLongLong();
     case QMetaType::Double: {
-        constexpr double exactLimit =
+        constexpr double MaxExact =
             9007199254740992.0; // 2^53: beyond it a double is no exact integer
         const double number = value.toDouble();
-        return std::trunc(number) == number && std::fabs(number) <= exactLimit ? qint64(number)
-                                                                               : fallback;
+        return std::trunc(number) == number && std::fabs(number) <= MaxExact ? qint64(number)
+                                                                             : fallback;
     }
     case QMetaType::QString:
     case QMetaType::QByteArray: {

@@ -23,7 +23,7 @@ Q_SIGNALS:
     void playModeChanged();
 
 protected:
-    // Changes the data without telling anybody: the next setData() does.
+    // Changes the data without telling the player: the next setData() does.
     void stageData(const OrvoPlayLogicData& data);
     // The mode was changed to another one.
     virtual void playModePublished() {}

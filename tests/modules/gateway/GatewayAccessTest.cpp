@@ -231,7 +231,7 @@ TEST_F(GatewayAccess, anAddressThatOthersReachNeedsAToken) {
         ask("GET /api/paths HTTP/1.1\r\nHost: 127.0.0.1\r\nAuthorization: Bearer " + Token + "\r\n")
             .status,
         200);
-    // The address that it listens on is not one that anybody reached.
+    // The address that it listens on is not one that a client can reach.
     EXPECT_EQ(ask("GET / HTTP/1.1\r\nHost: 0.0.0.0\r\n").status, 403);
 }
 

@@ -144,7 +144,7 @@ TEST_F(GatewayApi, aModuleThatKeepsSilentCostsATimeout) {
     const HttpAnswer answer = client.post("/api/data", R"({"path":"test:silent","value":{}})");
     EXPECT_EQ(answer.status, 504);
     EXPECT_EQ(answer.errorName(), "Timeout");
-    // The late answer finds nobody, and the connection goes on.
+    // The late answer finds no request, and the connection goes on.
     ASSERT_EQ(m_module->kept().size(), 1);
     m_module->kept().takeFirst().reply().setValue(1);
     EXPECT_EQ(client.get("/api/paths").status, 200);

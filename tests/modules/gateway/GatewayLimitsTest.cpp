@@ -9,7 +9,7 @@ namespace {
 
 class GatewayLimits : public GatewayFixture {
 protected:
-    // How long one request of somebody else takes.
+    // How long one request of another client takes.
     qint64 askedIn(int* status = nullptr) {
         QElapsedTimer clock;
         clock.start();
@@ -212,7 +212,7 @@ TEST_F(GatewayLimits, aSlowHeadIsCutWhenItsTimeIsOver) {
     runFor(100);
     quick.write("\r\n");
     EXPECT_TRUE(waitFor([&] { return quick.read().contains("200 OK"); }));
-    // A byte now and then keeps nobody in.
+    // A byte now and then keeps no connection open.
     while (!slow.isClosed() && clock.elapsed() < 5000) {
         slow.write("G");
         runFor(20);

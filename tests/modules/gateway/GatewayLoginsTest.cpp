@@ -3,7 +3,7 @@
 #include "TestApp.h"
 #include "WrongTokens.h"
 
-// What wrong tokens lead to, for the address that they come from and for nobody else.
+// What wrong tokens lead to, for the address that they come from and for no other.
 
 namespace {
 

@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int TimeoutMs = 500;
-// What a call on the worker's thread may take at most: nobody else is served meanwhile.
+// What a call on the worker's thread may take at most: no other request is served meanwhile.
 constexpr int LongestCallMs = 300;
 
 // An engine whose network may be slow for half a second.

@@ -244,7 +244,7 @@ TEST_F(PlayerEngineTest, anyFileNameIsPlayed) {
     files.wav("plain name.wav", a);
     engine.play(++generation, "file://" + files.fileName("plain name.wav"), 0, false);
     EXPECT_TRUE(listener.waitForLast(QStringLiteral("finished %1").arg(generation)))
-        << "an address that nobody encoded";
+        << "an address that was not encoded";
 }
 
 TEST_F(PlayerEngineTest, aBrokenNextItemFailsOnlyWhenItsTurnComes) {
@@ -332,7 +332,7 @@ TEST_F(PlayerEngineTest, anEndFromBeforeASeekIsNotTold) {
     engine.play(1, files.wav("a.wav", SoundFiles::pcm(4410, 1)), 0, true);
     ASSERT_TRUE(listener.waitForLast("started 1"));
     engine.setPaused(false);
-    QThread::msleep(150); // it runs to its end, which nobody has looked at yet
+    QThread::msleep(150); // it runs to its end, which the engine has not looked at yet
     EXPECT_EQ(engine.position(), 100);
     ASSERT_TRUE(engine.seek(0));
     ASSERT_TRUE(listener.waitForLast("finished 1"));

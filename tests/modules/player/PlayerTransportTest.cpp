@@ -297,7 +297,7 @@ TEST_F(PlayerTransportTest, stopReachesThePlayLogicWithItsReason) {
     EXPECT_EQ(state(), "stopped");
     EXPECT_TRUE(CMRoot()->getValue(OrvoPlayerDataPath()).toHash().isEmpty());
     waitFor(20);
-    EXPECT_TRUE(done(OrvoPlayerNextPath()).isError()) << "nobody is in charge after a stop";
+    EXPECT_TRUE(done(OrvoPlayerNextPath()).isError()) << "no play logic is in charge after a stop";
 }
 
 TEST_F(PlayerTransportTest, aStopInTheSameTurnAsPlayOrNextHolds) {
@@ -331,7 +331,7 @@ TEST_F(PlayerTransportTest, aStopInTheSameTurnAsPlayOrNextHolds) {
     EXPECT_TRUE(stopped.isFinished() && !stopped.isError());
     EXPECT_EQ(logic.calls, QStringList{"stop"});
     EXPECT_EQ(other.calls, (QStringList{"play", "stop"}));
-    EXPECT_TRUE(done(OrvoPlayerNextPath()).isError()) << "nobody is in charge";
+    EXPECT_TRUE(done(OrvoPlayerNextPath()).isError()) << "no play logic is in charge";
 
     invoke(OrvoPlayerStopPath());
     play(logic);

@@ -178,7 +178,7 @@ TEST_F(PlayerValuesTest, thePositionIsPublishedOnlyWhileWatchedAndAtMostTwiceASe
     play(logic);
     ASSERT_TRUE(waitForState("playing"));
     waitFor(700);
-    EXPECT_TRUE(watcher.of(OrvoPlayerPositionPath()).isEmpty()) << "nobody watches";
+    EXPECT_TRUE(watcher.of(OrvoPlayerPositionPath()).isEmpty()) << "no client watches";
 
     auto item = std::make_unique<CMValueItem>(nullptr, OrvoPlayerPositionPath());
     QElapsedTimer timer;

@@ -75,7 +75,8 @@ TEST_F(SoundDeviceTest, aBusyWorkerAtTheChangeOfItemsIsNotHeard) {
     engine.play(1, uri, 0, false);
     engine.setNext(2, uri);
     ASSERT_TRUE(waitUntil([&] { return engine.position() > 400; }));
-    // Everything of the first item is handed over at half time; nobody answers for a while.
+    // Everything of the first item is handed over at half time; the worker does not answer for a
+    // while.
     QThread::msleep(400);
     ASSERT_TRUE(waitUntil([&] { return finished; }));
     EXPECT_TRUE(waitForPlayed(SoundFiles::joined({a, a})));

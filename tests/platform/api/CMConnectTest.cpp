@@ -8,7 +8,7 @@
 #include "FatalToStderr.h"
 #include "Printing.h"
 
-// A type that no queued connection can carry: nobody declared it.
+// A type that no queued connection can carry: it is not declared.
 struct UndeclaredType {
     int number = 0;
 };

@@ -140,9 +140,9 @@ TEST(CMPath, aPathInAParameterInAParameterComesBackWhole) {
 }
 
 TEST(CMPath, randomPathsComeBackWhole) {
-    constexpr unsigned seed = 20240117;
-    SCOPED_TRACE(seed);
-    std::mt19937 random(seed);
+    constexpr unsigned Seed = 20240117;
+    SCOPED_TRACE(Seed);
+    std::mt19937 random(Seed);
     const QString alphabet =
         QStringLiteral("ab0%/?&=:+ #\\\"äß日\n%%2F") + QChar(0) + QChar(0xFEFF);
     const auto text = [&](bool component) {
@@ -167,9 +167,9 @@ TEST(CMPath, randomPathsComeBackWhole) {
 }
 
 TEST(CMPath, malformedTextIsReadWithoutHarmAndItsTextFormIsStable) {
-    constexpr unsigned seed = 77;
-    SCOPED_TRACE(seed);
-    std::mt19937 random(seed);
+    constexpr unsigned Seed = 77;
+    SCOPED_TRACE(Seed);
+    std::mt19937 random(Seed);
     const QString alphabet = QStringLiteral("pl:?&=%/%0AfFzZ: é`") + QChar(0) + QChar(0xD800);
     for (int round = 0; round < 20000; ++round) {
         QString text;

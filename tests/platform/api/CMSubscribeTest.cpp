@@ -167,7 +167,7 @@ TEST_F(CMValueItemTest, aValueIsWatchedFromItsFirstWatcherToItsLast) {
     second.reset();
     EXPECT_EQ(seen.last(), "player:position no");
     root.removeValueWatcher(path);
-    EXPECT_EQ(seen.size(), 3) << "nobody watches, so nobody leaves";
+    EXPECT_EQ(seen.size(), 3) << "no client watches, so none leaves";
 }
 
 TEST(CMValueItem, itMayOutliveTheRoot) {

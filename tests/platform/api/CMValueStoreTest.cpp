@@ -173,7 +173,8 @@ TEST_F(CMValueStoreTest, eachChangeIsWrittenBeforeItCounts) {
 TEST_F(CMValueStoreTest, theFileIsReplacedNotRewritten) {
     CMValueStore store(file);
     set(store, limit, 1);
-    // Whoever has the old file open reads it to its end: a write in place would show through.
+    // A process that has the old file open reads it to its end: a write in place would show
+    // through.
     QFile old(file);
     ASSERT_TRUE(old.open(QIODevice::ReadOnly));
     set(store, limit, 2);

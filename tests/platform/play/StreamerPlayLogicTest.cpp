@@ -210,7 +210,7 @@ TEST_F(StreamerPlayLogicTest, aPlayCommandIsRequestedWhileARequestForSoundIsNotA
     slow.waiting.clear();
     slow.playTrack(0);
     EXPECT_EQ(requested(), (QList<bool>{true, false, false}))
-        << "as long as the last one is open; one that nobody answers any more is over, too";
+        << "as long as the last one is open; one that is not answered any more is over, too";
 }
 
 TEST_F(StreamerPlayLogicTest, aRequestThatIsAnsweredAfterItsPlayLogicWentDoesNoHarm) {

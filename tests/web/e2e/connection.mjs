@@ -19,7 +19,7 @@ story('kill and restart the host: the page recovers', async ({ device, open, all
   await device.start();
   await device.send('playlists:pl/removeItems', { plid, items: [0] });
   await banner.waitFor({ state: 'hidden' });
-  // What changed while nobody listened is there, and what changes now comes at once.
+  // What changed while the page did not listen is there, and what changes now comes at once.
   await eventually(() => me.titles('main'), Hours.slice(1));
   await device.send('playlists:pl/setName', { plid, name: 'After Party' });
   await eventually(() => me.heading().textContent(), 'After Party');

@@ -251,7 +251,7 @@ story('texts of every kind are searched for as they are', async ({ device, open,
 });
 
 story('an older answer never replaces a newer one', async ({ open, allow }) => {
-  allow(/ERR_ABORTED/); // nobody waits for it any more
+  allow(/ERR_ABORTED/); // the page does not wait for it any more
   const me = await open();
   await me.toMusic();
   let release;

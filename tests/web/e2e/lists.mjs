@@ -22,7 +22,7 @@ story('create a playlist and rename it', async ({ device, open, size }) => {
   if (size === 'desktop') await eventually(() => me.heading().textContent(), 'Summer Party');
 });
 
-story('a list that somebody else makes is not taken for the one thought better of', async ({ device, open, size }) => {
+story('a list that another client makes is not taken for the one thought better of', async ({ device, open, size }) => {
   await device.playlist('Quiet');
   const me = await open();
   await me.openList('Quiet');
@@ -142,7 +142,7 @@ story('merge two playlists', async ({ device, open }) => {
   await eventually(() => me.titles('main'), [...Hours, ...Lanterns]);
 });
 
-story('a switch in a menu shows what holds, whoever changes it', async ({ device, open }) => {
+story('a switch in a menu shows what holds, also after another client's change', async ({ device, open }) => {
   const plid = await device.playlist('Party', Albums.hours);
   const me = await open();
   await me.toLists();

@@ -223,7 +223,7 @@ story('two people edit one list on slow wires', async ({ device, open, lay, allo
     for (const editor of editors) console.log(`# ${editor.done.slice(-30).join(' · ')}\n# ${(await editor.said()).slice(-12).map(({ text }) => text).join(' · ')}`);
     throw error;
   }
-  // Nobody takes away what is another's to remove.
+  // Neither takes away what is the other's to remove.
   const errors = (await Promise.all(editors.map((editor) => editor.said()))).flat().filter(({ urgent }) => urgent);
   assert.deepEqual(errors.filter(({ text }) => !text.endsWith('The playlist has changed meanwhile.')), []);
 }, { sizes: ['desktop'], device: { music: 'many-tracks' }, alone: true });

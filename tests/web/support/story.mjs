@@ -11,7 +11,7 @@ import { Device, hasPlayer } from './device.mjs';
 import { Page } from './page.mjs';
 import { Wire } from './wire.mjs';
 
-// The browser asks nobody but the device.
+// The browser asks the device alone.
 const Flags = ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
   '--disable-component-update', '--disable-sync'];
 

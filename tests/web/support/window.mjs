@@ -1,4 +1,4 @@
-// A window that nobody looks into while it loads: the test library follows every request of its own pages, which takes
+// A window without an observer while it loads: the test library follows every request of its own pages, which takes
 // processor time that a person's browser has for the page. This one gets a script before the page, an address, and is
 // asked when it is done.
 

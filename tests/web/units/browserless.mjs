@@ -1,4 +1,4 @@
-// The page opens its stream of events as it is loaded; here nobody sends any.
+// The page opens its stream of events as it is loaded; here none come.
 globalThis.EventSource = class {
   addEventListener() {}
 };

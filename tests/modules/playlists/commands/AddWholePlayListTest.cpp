@@ -112,7 +112,7 @@ TEST_F(AddWholePlayListTest, aSourceThatCannotBeDeletedIsLoggedAndTheAddStands) 
 }
 
 TEST_F(AddWholePlayListTest, anItemThatIsNotAcceptableKeepsTheWholePlaylistWhereItIs) {
-    // Such an entry can only come from a file that somebody else wrote.
+    // Such an entry can only come from a file that another program wrote.
     restartAfter("UPDATE items SET orvoRoles = '{\"type\":1,\"title\":\"b\"}' WHERE title = 'b'");
     EXPECT_EQ(QString("Could not add items to playlist. No items were added."
                       " (Missing title or type==audio or [resource uri and prePlayPath])"),

@@ -48,7 +48,7 @@ const QList<ModeRow> noModes = {
     {"4294967298", Outcome::Refused},
 };
 
-// Deliberate: no lower bound.
+// No lower bound: a number below zero switches the mode off.
 const QList<ModeRow> negativeModes = {
     {-1, Outcome::Off},
     {"-1", Outcome::Off},

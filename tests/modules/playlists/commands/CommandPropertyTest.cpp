@@ -343,7 +343,7 @@ private:
 
     int birthOf(int plid) const { return m_model.playLists.value(plid).birth; }
 
-    // Items of this module, of a source that answers now or later, and of nobody.
+    // Items of this module, of a source that answers now or later, and of no module.
     void addPaths() {
         const Id id = playListId();
         const Id mode = addMode();

@@ -203,7 +203,7 @@ TEST_F(DispatchTest, successesNameTheirObjectInParentheses) {
 }
 
 TEST_F(DispatchTest, argumentsAreFilledInOneAfterTheOther) {
-    // Deliberate: a text with a place marker of its own takes the next argument.
+    // For callers that pass texts with a place marker of their own: it takes the next argument.
     EXPECT_EQ(QString("[B] B (C)"), Controller::buildErrMsg("[%2]", "B", "C"));
     EXPECT_EQ(QString("A (%1)"), Controller::buildOkMsg("A", "%1"));
     EXPECT_EQ(QString("A B (%3)"), Controller::buildErrMsg("A", "B", "%3"));

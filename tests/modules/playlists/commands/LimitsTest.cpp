@@ -22,7 +22,7 @@ OrvoPlayListItem itemOf(int bytes, OrvoPlayListItem item) {
     return item;
 }
 
-// How large items, additions and names may be. Whoever asks, and however.
+// How large items, additions and names may be. For every caller and every way.
 class LimitsTest : public CommandFixture {
 protected:
     QString addExternal(const QList<OrvoPlayListItem>& items) {

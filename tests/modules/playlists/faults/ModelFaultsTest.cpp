@@ -168,7 +168,8 @@ TEST_F(ModelFaultsTest, ordering) {
 }
 
 TEST_F(ModelFaultsTest, clearing) {
-    // Without their items, and without a signal: deliberate.
+    // The store removes the items after the entries, outside of their transaction: an error there
+    // leaves the list empty, without a signal.
     sweepEdit(
         "PlayList::clearItems", [this] { return pl().clearItems(); },
         {done("true|itemsCleared"), refused("false|"),

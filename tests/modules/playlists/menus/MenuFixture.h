@@ -28,7 +28,7 @@ protected:
     static RowText answerText(const Answer& answer);
     // A menu's title, path, count and rows as a whole.
     void expectMenu(const QString& path, const QString& title, const QList<QJsonObject>& rows);
-    // Whether every one of these requests is refused as unknown, and nothing is told to anybody.
+    // Whether every one of these requests is refused as unknown, and no client is told anything.
     void expectNotTaken(const QStringList& paths);
     // A number that SQLite gave to the track.
     QString itemId(int plid, int place);

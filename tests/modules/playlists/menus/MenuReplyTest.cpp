@@ -69,7 +69,7 @@ void expectRefusal(const CMReply<QVariant>& reply, const char* path) {
     EXPECT_TRUE(reply.value().isNull()) << path;
 }
 
-// The reply of the first request; one that nobody waits for when there is none.
+// The reply of the first request; one that no caller waits for when there is none.
 CMReply<QVariant> takeReply(QList<CMSetDataRequest>& requests) {
     EXPECT_FALSE(requests.isEmpty()) << "nothing was asked";
     return requests.isEmpty() ? CMReply<QVariant>() : requests.takeFirst().reply();

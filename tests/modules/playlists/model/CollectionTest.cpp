@@ -3,7 +3,7 @@
 // One collection.
 class CollectionTest : public ModelFixture {
 protected:
-    // Of which nobody but the test knows.
+    // Of which only the test knows.
     std::unique_ptr<Collection> lone(const QString& name) {
         return std::make_unique<Collection>(&database(), database().createCollection(name),
                                             QList<PlayListBase*>());

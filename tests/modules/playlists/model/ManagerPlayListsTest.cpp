@@ -90,7 +90,7 @@ TEST_F(ManagerPlayListsTest, deletingTakesItFromStoreAndListThenAnnounces) {
         EXPECT_EQ(uid, deleted);
         EXPECT_EQ(nullptr, manager().getPlayListByUid(uid));
         EXPECT_EQ(QList<PlayListBase*>({&b}), manager().getAllPlayList());
-        // Whoever listens may still look at it.
+        // A listener may still look at it.
         ASSERT_FALSE(object.isNull());
         EXPECT_EQ("list", object->getName());
         expectInStep();

@@ -11,7 +11,7 @@
 struct TimingRow {
     const char* name;
     std::function<void(PlayListBase&)> change;
-    // What the list looks like to anybody, from inside the slot on.
+    // What the list looks like to a listener, from inside the slot on.
     const char* letters;
     int last;
     const char* rest; // name, shuffle, repeat

@@ -81,7 +81,7 @@ TEST_F(AddedItemsTest, appendingBehindTheLastOfTheOrderMixesTheNewOnly) {
 }
 
 TEST_F(AddedItemsTest, anUnknownPositionOnlyLogs) {
-    // Only an empty list takes items at a position that nobody knows.
+    // Only an empty list takes items at a position that is none.
     PlayListBase* pl = listOf("");
     pl->setShuffle(true);
     play(pl, 0);

@@ -192,7 +192,7 @@ TEST_F(MediaTest, aStartTakesTheErrorsAwayAndLeavesTheRest) {
     EXPECT_EQ(4711, result.attribute("mine").toInt());
     EXPECT_EQ("a@0", text(result.trackRoles()));
     EXPECT_TRUE(result.containsControls());
-    // It is returned, not published: whoever asked does that.
+    // It is returned, not published: the caller does that.
     EXPECT_EQ(data, logic()->data());
 }
 

@@ -273,8 +273,8 @@ TEST_F(PlayListUIPartsTest, itsEndClosesEveryListInTheirOrder) {
     events.clear();
     ui.reset();
     EXPECT_EQ(takeEvents(), QStringList({closed(0), closed(b), closed(a), closed(c)}));
-    manager.getPlayListByUid(a)->setName("nobody is left");
-    manager.getPlayListByUid(c)->setName("nobody is left");
+    manager.getPlayListByUid(a)->setName("no view is left");
+    manager.getPlayListByUid(c)->setName("no view is left");
     EXPECT_EQ(takeEvents(), QStringList());
 }
 

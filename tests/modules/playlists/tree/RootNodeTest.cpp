@@ -242,7 +242,8 @@ TEST_F(RootNodeTest, whatIsHiddenIsNotLogged) {
 
 namespace {
 
-// The node alone, with somebody else in the module's place who only writes down what it is asked.
+// The node alone, with a worker of the test in the module's place that only writes down what it is
+// asked.
 class RootNodeAloneTest : public ModuleFixture {
 protected:
     RecordingWorker module{"PlayLists"};
