@@ -10,6 +10,7 @@ import './e2e/lists.mjs';
 import './e2e/adding.mjs';
 import './e2e/finding.mjs';
 import './e2e/places.mjs';
+import './e2e/files.mjs';
 import './e2e/playing.mjs';
 import './e2e/upnext.mjs';
 import './e2e/reordering.mjs';

@@ -104,6 +104,7 @@ class App {
     this.edits.on('ended', (path) => this.closePlace(path));
     this.menuEdits = new parts.MenuEdits(this);
     this.menu = new parts.Menu(this);
+    this.files = new parts.PlaylistFiles(this);
     this.undoBar = new parts.UndoBar(document.getElementById('undo'), this.edits, { onLeft: () => this.shownScreen.focus() });
     this.upNext = new parts.UpNext(this);
     this.bar = new parts.PlayerBar(document.getElementById('player'), this.player, { upNext: this.upNext, menu: this.menu, onJump: () => this.jumpToCurrent() });

@@ -12,6 +12,7 @@ export { Menu } from './view/menu.js';
 export { MenuEdits } from './view/menuedits.js';
 export { MusicScreen } from './view/music.js';
 export { PlayerBar } from './view/playerbar.js';
+export { PlaylistFiles } from './view/playlistfiles.js';
 export { ask } from './view/question.js';
 export { showSettings } from './view/settingscard.js';
 export { UndoBar } from './view/undobar.js';

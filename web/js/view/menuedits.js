@@ -140,6 +140,7 @@ export class MenuEdits {
       ...(this.app.commands.canArrange
         ? [{ title: 'Sort by …', opens: true, run: () => this.app.menu.push(this.sortPage(target)) }] : []),
       { title: 'Remove duplicates', run: () => this.removeDuplicates(target) },
+      ...(this.app.files.isPossible ? [{ title: 'Export', run: () => this.export(target) }] : []),
     ];
   }
 
@@ -199,6 +200,13 @@ export class MenuEdits {
       menu.show(page);
     } });
     return page;
+  }
+
+  async export(target) {
+    const { menu, files } = this.app;
+    const { head } = menu;
+    await attempt(files.save(target), null);
+    menu.closeFor(head);
   }
 
   async removeDuplicates(target) {

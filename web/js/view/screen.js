@@ -76,17 +76,20 @@ export class Screen {
   buildBar() {
     const button = (name, label, run) =>
       el('button.icon-button', { type: 'button', 'aria-label': label, title: label, onclick: run }, icon(name));
-    const { pane } = this;
+    const { app, pane } = this;
     this.backButton = button('back', 'Back', () => pane.back());
     this.barTitle = el('span.bar-title', { 'aria-hidden': 'true', dir: 'auto' });
     this.menuButton = button('more', 'Menu of this list', () => this.openOwnMenu());
     this.selectButton = button('select', 'Choose several', () => this.list.selection.setMode(true));
+    this.importButton = button('import', 'Import playlist files', () => app.files.choose(this.importButton));
+    this.importButton.hidden = true;
+    app.parts.then(() => (this.importButton.hidden = !app.files.isPossible));
     this.closeButton = button('close', 'Close', () => this.app.showSide(false));
     this.closeButton.classList.add('close-side');
     this.closeButton.hidden = pane.kind !== 'side';
     this.plainBar = el('div.bar-tools', {}, this.backButton, this.barTitle,
       button('search', 'Find in this list', () => this.find()),
-      pane.kind === 'nav' ? null : this.selectButton,
+      pane.kind === 'nav' ? this.importButton : this.selectButton,
       this.menuButton,
       this.closeButton);
     this.chosenCount = el('span.bar-title.shown', { role: 'status' });
