@@ -6,7 +6,7 @@ declare -A packages=(
     [build]='g++ cmake ninja-build pkg-config qtbase5-dev libsqlite3-dev liblog4cplus-dev libtag1-dev
         libmicrohttpd-dev rapidjson-dev libncurses-dev libmimalloc-dev libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
         gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-alsa'
-    [test]='libgtest-dev libgmock-dev sqlite3 curl jq sox libsox-fmt-mp3 python3 libvterm-dev'
+    [test]='libgtest-dev libgmock-dev sqlite3 curl jq sox libsox-fmt-mp3 python3 libvterm-dev libtotem-plparser-dev'
     [demo]='sox python3'
     [fmt]='clang-format'
     [lint]='clang clang-tidy shellcheck'
