@@ -7,6 +7,8 @@ constexpr int MaxBytes = 8 * 1024 * 1024;
 constexpr int MaxEntries = 100000;
 // Of a line, and in XML of a tag or the text behind it.
 constexpr int MaxLineLength = 32768;
+// Of a tag in XML.
+constexpr int MaxAttributes = 256;
 // Files that are read at the same time, each of which may take several times its size.
 constexpr int MaxImports = 4;
 

@@ -17,7 +17,7 @@ struct Pending {
 // and behind the first comma outside of quotation marks what to show.
 void readInf(const QString& value, Pending* pending) {
     static const QRegularExpression form(
-        QStringLiteral("^\\s*(-?[0-9.]*)((?:[^\",]|\"[^\"]*\")*),(.*)$"));
+        QStringLiteral("^\\s*+(-?[0-9.]*+)(?:[^\",]++|\"[^\"]*+\")*+,(.*)$"));
     const QRegularExpressionMatch match = form.match(value);
     if (!match.hasMatch()) {
         pending->display = value.section(QLatin1Char(','), 1).trimmed();
@@ -27,7 +27,7 @@ void readInf(const QString& value, Pending* pending) {
     constexpr double MsPerSecond = 1000;
     const double seconds = match.captured(1).toDouble();
     pending->durationMs = seconds > 0 && seconds < MaxSeconds ? qint64(seconds * MsPerSecond) : 0;
-    pending->display = match.captured(3).trimmed();
+    pending->display = match.captured(2).trimmed();
 }
 
 ListedTrack trackOf(const Pending& pending, const QString& location, int line) {

@@ -6,18 +6,23 @@
 
 namespace {
 
-// The parser compares each attribute of a tag with all before it, so a tag of megabytes would keep
-// it busy for minutes. A "<" stands nowhere but at the beginning of one.
-int tooLongTag(const QString& text) {
-    int from = 0;
-    while (true) {
+// The parser compares each attribute of a tag with all before it, so a tag of many thousand would
+// keep it busy for long. A "<" stands nowhere but at the beginning of a tag, and each attribute has
+// a "=". Empty when all tags are fine.
+TrString checkTags(const QString& text) {
+    int line = 1;
+    for (int from = 0; from < text.size();) {
         const int next = text.indexOf(QLatin1Char('<'), from + 1);
-        if ((next < 0 ? text.size() : next) - from > ListLimits::MaxLineLength)
-            return from;
-        if (next < 0)
-            return -1;
-        from = next;
+        const QStringRef tag = text.midRef(from, next < 0 ? -1 : next - from);
+        if (tag.size() > ListLimits::MaxLineLength)
+            return ListReader::lineTooLong(line);
+        if (tag.count(QLatin1Char('=')) > ListLimits::MaxAttributes)
+            return TrString("Lists", "A tag in line %1 has more than %2 attributes.",
+                            {QString::number(line), QString::number(ListLimits::MaxAttributes)});
+        line += tag.count(QLatin1Char('\n'));
+        from = next < 0 ? text.size() : next;
     }
+    return {};
 }
 
 QString textOf(QXmlStreamReader* xml) {
@@ -74,8 +79,8 @@ ListReader::Result ListReader::readXspf(const QString& text) {
     // Entities of a file's own are how a few bytes become gigabytes, and no list needs them.
     if (text.contains(QLatin1String("<!DOCTYPE"), Qt::CaseInsensitive))
         return {{}, TrString("Lists", "This is not a playlist file: it has a document type.")};
-    if (const int at = tooLongTag(text); at >= 0)
-        return {{}, lineTooLong(1 + text.leftRef(at).count(QLatin1Char('\n')))};
+    if (const TrString refusal = checkTags(text); !refusal.isEmpty())
+        return {{}, refusal};
     QXmlStreamReader xml(text);
     if (xml.readNextStartElement() && xml.name() != QLatin1String("playlist"))
         return {{}, TrString("Lists", "This is not a playlist file.")};

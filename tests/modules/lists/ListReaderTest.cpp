@@ -104,10 +104,15 @@ TEST(ListReader, entitiesOfAFilesOwnAreNotRead) {
 }
 
 TEST(ListReader, aTagOfManyAttributesIsRefusedBeforeItIsParsed) {
-    QString tag = "<playlist";
-    for (int i = 0; i < 300000; ++i)
-        tag += QStringLiteral(" a%1=\"\"").arg(i);
-    EXPECT_EQ(refusal(tag + "/>"), "Line 1 is longer than 32768 characters.");
+    const auto tag = [](int attributes) {
+        QString text = "<playlist>\n<trackList><track";
+        for (int i = 0; i < attributes; ++i)
+            text += QStringLiteral(" a%1=\"\"").arg(i);
+        return text + "/></trackList></playlist>";
+    };
+    EXPECT_EQ(refusal(tag(256)), "");
+    EXPECT_EQ(refusal(tag(257)), "A tag in line 2 has more than 256 attributes.");
+    EXPECT_EQ(refusal(tag(300000)), "Line 2 is longer than 32768 characters.");
 }
 
 TEST(ListText, isReadByItsMarkElseAsUtf8ElseAsCp1252) {
