@@ -6,7 +6,7 @@
 const QVector<FuzzTarget>& FuzzTarget::all() {
     static const QVector<FuzzTarget> rows = {
         {"gateway", Fuzz::gateway}, {"path", Fuzz::path},         {"roles", Fuzz::roles},
-        {"numbers", Fuzz::numbers}, {"commands", Fuzz::commands},
+        {"numbers", Fuzz::numbers}, {"commands", Fuzz::commands}, {"lists", Fuzz::lists},
     };
     return rows;
 }

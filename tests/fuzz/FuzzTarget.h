@@ -22,6 +22,7 @@ void path(const QByteArray& input);
 void roles(const QByteArray& input);
 void numbers(const QByteArray& input);
 void commands(const QByteArray& input);
+void lists(const QByteArray& input);
 
 // Ends the process with the reason when a promise does not hold.
 void require(bool holds, const QString& reason);

@@ -62,7 +62,7 @@ main() {
         *) targets+=("$1") && shift ;;
         esac
     done
-    if ((!${#targets[@]})); then targets=(gateway commands roles path numbers); fi
+    if ((!${#targets[@]})); then targets=(gateway commands roles path numbers lists); fi
     for target in "${targets[@]}"; do
         if [[ ! -x $bin/fuzz_$target ]]; then
             printf 'there is no %s: ./dev build fuzz makes it\n' "build/fuzz/bin/fuzz_$target"
