@@ -1,4 +1,3 @@
-#include <array>
 #include <optional>
 #include <utility>
 
@@ -136,22 +135,13 @@ bool Database::offsetItemsFromTransaction(const PlayListRecord& pl, int from, in
 
 bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& sequenceNumber,
                                           const QList<OrvoPlayListItem>& items) {
-    constexpr int Ahead = 2;
     constexpr int Many = 100;
     std::optional<ForeignKeysSuspended> unchecked;
-    std::array<ItemTexts, Ahead + 1> texts;
-    const auto textsOf = [&texts](int i) -> ItemTexts& {
-        return texts[std::size_t(i) % texts.size()];
-    };
+    ItemTexts texts;
     AlikeLines inserted(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
-    for (int i = -Ahead; i < items.size(); ++i) {
-        if (i + 2 < items.size())
-            textsOf(i + 2).find(items.at(i + 2));
-        if (i + 1 >= 0 && i + 1 < items.size())
-            textsOf(i + 1).fetchAhead();
-        if (i < 0)
-            continue;
-        const int uid = insertItem(textsOf(i), items.at(i).durationSeconds());
+    for (int i = 0; i < items.size(); ++i) {
+        texts.find(items.at(i));
+        const int uid = insertItem(texts, items.at(i).durationSeconds());
         if (uid < 0) {
             inserted.end();
             LOG4CPLUS_ERROR(moduleLog(), "Error inserting item into DB");

@@ -8,18 +8,12 @@
 
 // The texts of an item that is about to be stored, where they lie in the item: nothing is copied.
 //
-// Thousands of items are more than a processor's cache holds, and a third of what adding them cost
-// was waiting for their texts. So the store looks ahead: find() asks the memory for the beginnings
-// of the texts, fetchAhead() for the rest of them, and both go on without waiting. By the time an
-// item is bound its texts are there.
-//
 // On the stack of the addition; the item must stay as it is meanwhile.
 class ItemTexts {
 public:
     enum Text { Title, Artist, Album, ArtworkUrl, Genre, Url, ServiceId, OrvoRoles, Count };
 
     void find(const OrvoPlayListItem& item);
-    void fetchAhead() const;
 
     const QString& operator[](Text text) const {
         const QString* stored = m_stored[text];
