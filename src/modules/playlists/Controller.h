@@ -130,7 +130,6 @@ private:
     // Finishes at once for a few items; many are checked between other requests.
     void checkInSlices(const ReqGroupProperties& props, const std::shared_ptr<ItemsCheck>& check,
                        bool areMany = false);
-    void releaseInSlices(const std::shared_ptr<ItemsCheck>& check);
     void finishAdding(const ReqGroupProperties& props, const ItemsCheck& check);
     // Null when it was deleted.
     PlayListBase* targetOf(const ReqGroupProperties& props) const;

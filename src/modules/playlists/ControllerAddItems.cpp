@@ -257,19 +257,11 @@ void Controller::checkInSlices(const ReqGroupProperties& props,
     if (!check->run(deadline)) {
         QTimer::singleShot(0, this, [this, props, check] { checkInSlices(props, check, true); });
     } else if (areMany) {
-        // The transaction takes long enough without a slice in front of it and one behind it.
-        QTimer::singleShot(0, this, [this, props, check] {
-            finishAdding(props, *check);
-            QTimer::singleShot(0, this, [this, check] { releaseInSlices(check); });
-        });
+        // The transaction takes long enough without a slice in front of it.
+        QTimer::singleShot(0, this, [this, props, check] { finishAdding(props, *check); });
     } else {
         finishAdding(props, *check);
     }
-}
-
-void Controller::releaseInSlices(const std::shared_ptr<ItemsCheck>& check) {
-    if (!check->release(QDeadlineTimer(SliceMs)))
-        QTimer::singleShot(0, this, [this, check] { releaseInSlices(check); });
 }
 
 void Controller::finishAdding(const ReqGroupProperties& props, const ItemsCheck& check) {

@@ -79,13 +79,3 @@ bool ItemsCheck::run(const QDeadlineTimer& deadline) {
     }
     return true;
 }
-
-bool ItemsCheck::release(const QDeadlineTimer& deadline) {
-    m_verdicts.clear();
-    while (!m_items.isEmpty()) {
-        m_items.removeLast();
-        if (m_items.size() % BetweenLooks == 0 && deadline.hasExpired())
-            return m_items.isEmpty();
-    }
-    return true;
-}

@@ -29,10 +29,6 @@ public:
     // whose verdict decides about all.
     bool run(const QDeadlineTimer& deadline);
 
-    // Lets go of the items until the time is over, which takes a good part of what the check takes.
-    // True when none is left.
-    bool release(const QDeadlineTimer& deadline);
-
     const QList<OrvoPlayListItem>& items() const { return m_items; }
     // Of the items up to the one that ended the check.
     Verdict verdict(int index) const { return m_verdicts.at(index); }
