@@ -155,7 +155,7 @@ bool PlayList::setName(const QString& name) {
         if (!writeRecord(changed))
             return false;
     }
-    tell(&PlayList::nameChanged, name);
+    Q_EMIT nameChanged(name);
     return true;
 }
 
@@ -170,7 +170,7 @@ bool PlayList::setShuffle(bool shuffle) {
         if (!writeRecord(changed))
             return false;
     }
-    tell(&PlayList::shuffleChanged, shuffle);
+    Q_EMIT shuffleChanged(shuffle);
     return true;
 }
 
@@ -185,7 +185,7 @@ bool PlayList::setRepeatAll(bool repeatAll) {
         if (!writeRecord(changed))
             return false;
     }
-    tell(&PlayList::repeatAllChanged, repeatAll);
+    Q_EMIT repeatAllChanged(repeatAll);
     return true;
 }
 
@@ -229,7 +229,7 @@ int PlayList::addItems(OrvoPlayListAddPosition::Enum position,
         if (!isCommitted(m_record.size + added))
             return Database::Failed;
     }
-    tell(&PlayList::itemsAdded, OrvoPlayListAddPosition::toString(position), first, added);
+    Q_EMIT itemsAdded(OrvoPlayListAddPosition::toString(position), first, added);
     return first;
 }
 
@@ -255,7 +255,7 @@ int PlayList::addItemsAt(const ItemPlaces& places, const QList<OrvoPlayListItem>
         if (last >= 0 && last < size)
             takeLastPlayed(ItemPlaces::afterAdding(positions, last));
     }
-    tell(&PlayList::itemsInserted, positions);
+    Q_EMIT itemsInserted(positions);
     return positions.first();
 }
 
@@ -280,7 +280,7 @@ int PlayList::removeItems(const QList<int>& indices) {
         if (before > 0)
             setLastSequenceNumber(lastPlayed - before);
     }
-    tell(&PlayList::itemsRemoved, sorted, lastPlayed);
+    Q_EMIT itemsRemoved(sorted, lastPlayed);
     return removed;
 }
 
@@ -305,8 +305,8 @@ bool PlayList::moveItem(int from, int to) {
             return false;
         followMovedItem(from, to);
     }
-    tell(&PlayList::itemMoved, from, to);
-    tell(&PlayList::itemsMoved);
+    Q_EMIT itemMoved(from, to);
+    Q_EMIT itemsMoved();
     return true;
 }
 
@@ -353,8 +353,8 @@ bool PlayList::moveItems(QList<int> indices, int to) {
     if (indices.size() == 1)
         return moveItem(moves.constFirst().from, moves.constFirst().to);
     for (const ItemMove& move : std::as_const(moves))
-        tell(&PlayList::itemMoved, move.from, move.to);
-    tell(&PlayList::itemsMoved);
+        Q_EMIT itemMoved(move.from, move.to);
+    Q_EMIT itemsMoved();
     return true;
 }
 
@@ -385,7 +385,7 @@ bool PlayList::setOrder(const QList<int>& order) {
         if (!reorder(0, order.toVector(), played >= 0 ? played : m_record.lastPlayedIndex))
             return false;
     }
-    tell(&PlayList::itemsReordered, order);
+    Q_EMIT itemsReordered(order);
     return true;
 }
 
@@ -408,6 +408,6 @@ bool PlayList::clearItems() {
         }
         m_record.size = 0;
     }
-    tell(&PlayList::itemsCleared);
+    Q_EMIT itemsCleared();
     return true;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <utility>
 
 #include <QList>
 #include <QObject>
@@ -10,19 +9,6 @@
 #include "OrvoPlayListEnums.h"
 #include "OrvoPlayListItem.h"
 #include "OrvoRoles.h"
-
-class PlayListBase;
-
-// A view that is the first to hear of every playlist, and spends nothing on those to which nothing
-// happens: most lists never change.
-class PlayListFollower {
-public:
-    // Time to connect to the signals of `pl`.
-    virtual void follow(PlayListBase* pl) = 0;
-
-protected:
-    ~PlayListFollower() = default;
-};
 
 // A playlist as the rest of the module sees it. Owned by the manager. Positions are sequence
 // numbers: 0 to size - 1, without gaps. Nothing throws; failures are false, -1, or -2 where the
@@ -100,14 +86,6 @@ public:
     bool hasEnded() const { return m_hasEnded; }
     void setEnded(bool ended) { m_hasEnded = ended; }
 
-    // The follower is called once, before the first signal leaves. Null for none any more.
-    void setFollower(PlayListFollower* follower) { m_follower = follower; }
-    // To be called before connecting to the signals: the follower is to hear first.
-    void callFollower() {
-        if (m_follower)
-            std::exchange(m_follower, nullptr)->follow(this);
-    }
-
 Q_SIGNALS:
     void itemsAdded(const QString& positionEnum, int firstSeqNum, int count);
     void itemsRemoved(const QList<int>& indices, int lastSeqNumBeforeRemove);
@@ -123,15 +101,6 @@ Q_SIGNALS:
     // After the last itemMoved of a call.
     void itemsMoved();
 
-protected:
-    // How every signal leaves.
-    template <typename Signal, typename... Values>
-    void tell(Signal signal, const Values&... values) {
-        callFollower();
-        Q_EMIT(this->*signal)(values...);
-    }
-
 private:
-    PlayListFollower* m_follower = nullptr;
     bool m_hasEnded = false;
 };

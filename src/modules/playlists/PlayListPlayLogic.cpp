@@ -42,7 +42,6 @@ PlayListPlayLogic::PlayListPlayLogic(PlayListWorker* worker, PlayListManager* ma
 // --- the current playlist and its tracks ---
 
 void PlayListPlayLogic::connectCurrentPlayList() {
-    m_currentPlayList->callFollower();
     cmConnect(m_currentPlayList, &PlayListBase::itemsCleared, this,
               &PlayListPlayLogic::on_currentPlayList_cleared);
     cmConnect(m_currentPlayList, &PlayListBase::itemMoved, this,

@@ -3,6 +3,7 @@
 #include "../CollectionBase.h"
 #include "../PlayListBase.h"
 #include "../PlayListManager.h"
+#include "../PlayListRecord.h"
 #include "CMConnect.h"
 #include "collection/CollectionAddToClNode.h"
 #include "collection/CollectionContextNode.h"
@@ -42,10 +43,10 @@ PlayListUI::~PlayListUI() {
     disconnect(m_manager, nullptr, this, nullptr);
     // Before the views hear that they are to close: a view that reads then finds nothing.
     qDeleteAll(findChildren<BaseNode*>(QString(), Qt::FindDirectChildrenOnly));
-    delete takeWatcher(m_manager->getPlayQueue()->getUid());
+    delete m_watchers.take(PlayListRecord::PlayQueueUid);
     const QList<PlayListBase*> playLists = m_manager->getAllPlayList();
     for (const PlayListBase* pl : playLists)
-        delete takeWatcher(pl->getUid());
+        delete m_watchers.take(pl->getUid());
 }
 
 void PlayListUI::createFixedNodes() {
@@ -70,33 +71,14 @@ void PlayListUI::watchPlayQueue() {
     auto* node = PlayQueueGetItemsNode::create(m_nodes, OrvoPlayListPqGetItemsPath(), m_manager);
     node->setParent(this);
     PlayListBase* queue = m_manager->getPlayQueue();
-    m_watchers.insert(queue->getUid(),
-                      {queue, new PlayListWatcher(this, m_subscribe, queue, node)});
+    m_watchers.insert(queue->getUid(), new PlayListWatcher(this, m_subscribe, queue, node));
 }
 
 void PlayListUI::watchPlayList(PlayListBase* pl) {
     const int plid = pl->getUid();
     m_listNode->createPlaylistNode(plid);
-    m_watchers.insert(plid, {pl, nullptr});
-    pl->setFollower(this);
-}
-
-void PlayListUI::follow(PlayListBase* pl) {
-    const auto watched = m_watchers.find(pl->getUid());
-    // Without the node, which is made when a client asks for it; the list node lets go of it.
-    if (watched != m_watchers.end() && !watched->watcher)
-        watched->watcher = new PlayListWatcher(this, m_subscribe, pl, nullptr);
-}
-
-PlayListWatcher* PlayListUI::takeWatcher(int plid) {
-    const auto watched = m_watchers.find(plid);
-    if (watched == m_watchers.end())
-        return nullptr;
-    // Its end is what closes the views, also of a list to which nothing has happened.
-    watched->playlist->callFollower();
-    PlayListWatcher* watcher = watched->watcher;
-    m_watchers.erase(watched);
-    return watcher;
+    m_watchers.insert(plid,
+                      new PlayListWatcher(this, m_subscribe, pl, m_listNode->playlistNode(plid)));
 }
 
 void PlayListUI::watchCollection(CollectionBase* cl) {
@@ -117,7 +99,7 @@ void PlayListUI::on_playlist_create(const int& plid) {
 }
 
 void PlayListUI::on_playlist_delete(const int& plid) {
-    if (PlayListWatcher* watcher = takeWatcher(plid))
+    if (PlayListWatcher* watcher = m_watchers.take(plid))
         watcher->deleteLater();
     m_listNode->deletePlaylistNode(plid);
     // Not the list of playlists: its views follow the root, and are reset by creation only.

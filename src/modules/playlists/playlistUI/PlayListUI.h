@@ -4,21 +4,20 @@
 #include <QList>
 #include <QObject>
 
-#include "../PlayListBase.h"
 #include "CMNodes.h"
 #include "CMSubscribe.h"
 
 class BaseNode;
 class CollectionBase;
+class PlayListBase;
 class PlayListGetListNode;
 class PlayListManager;
 class PlayListWatcher;
 
 // Publishes the browse tree and keeps it current: the fixed nodes, one items node and watcher per
-// playlist, and the notifications of what came and went. A playlist's watcher is made when there is
-// something to watch. Made once by the worker, goes before the manager, owns its nodes and
-// watchers.
-class PlayListUI : public QObject, private PlayListFollower {
+// playlist, and the notifications of what came and went. Made once by the worker, goes before the
+// manager, owns its nodes and watchers.
+class PlayListUI : public QObject {
     Q_OBJECT
 public:
     PlayListUI(QObject* parent, CMNodes* nodes, CMSubscribe* subscribe, PlayListManager* manager);
@@ -33,15 +32,6 @@ private Q_SLOTS:
     void on_collection_changed();
 
 private:
-    struct Watched {
-        PlayListBase* playlist;
-        PlayListWatcher* watcher; // null while nothing has happened to the playlist
-    };
-
-    void follow(PlayListBase* pl) override;
-    // Null when the playlist is not watched.
-    PlayListWatcher* takeWatcher(int plid);
-
     void createFixedNodes();
     void watchPlayQueue();
     void watchPlayList(PlayListBase* pl);
@@ -53,5 +43,5 @@ private:
     PlayListManager* m_manager;
     QList<BaseNode*> m_nodeList;
     PlayListGetListNode* m_listNode = nullptr;
-    QHash<int, Watched> m_watchers;
+    QHash<int, PlayListWatcher*> m_watchers;
 };

@@ -16,21 +16,19 @@ PlayListWatcher::PlayListWatcher(QObject* parent, CMSubscribe* subscribe, PlayLi
       m_playlist(playlist),
       m_plid(playlist->getUid()),
       m_node(node) {
-    // The last signal of the class first: the table of a sender's connections grows by what it is
-    // connected to, and each growth leaves the smaller one behind, of every playlist.
+    cmConnect(m_playlist, &PlayListBase::itemsAdded, this, &PlayListWatcher::on_items_added);
     cmConnect(m_playlist, &PlayListBase::itemsInserted, this, &PlayListWatcher::on_items_inserted);
+    cmConnect(m_playlist, &PlayListBase::itemsRemoved, this, &PlayListWatcher::on_items_removed);
+    cmConnect(m_playlist, &PlayListBase::itemMoved, this, &PlayListWatcher::on_items_moved);
     cmConnect(m_playlist, &PlayListBase::itemsReordered, this,
               &PlayListWatcher::on_items_reordered);
-    cmConnect(m_playlist, &PlayListBase::nameChanged, this,
-              &PlayListWatcher::on_playlistName_changed);
-    cmConnect(m_playlist, &PlayListBase::repeatAllChanged, this,
-              &PlayListWatcher::on_playlist_changed);
+    cmConnect(m_playlist, &PlayListBase::itemsCleared, this, &PlayListWatcher::on_items_cleared);
     cmConnect(m_playlist, &PlayListBase::shuffleChanged, this,
               &PlayListWatcher::on_playlist_changed);
-    cmConnect(m_playlist, &PlayListBase::itemsCleared, this, &PlayListWatcher::on_items_cleared);
-    cmConnect(m_playlist, &PlayListBase::itemMoved, this, &PlayListWatcher::on_items_moved);
-    cmConnect(m_playlist, &PlayListBase::itemsRemoved, this, &PlayListWatcher::on_items_removed);
-    cmConnect(m_playlist, &PlayListBase::itemsAdded, this, &PlayListWatcher::on_items_added);
+    cmConnect(m_playlist, &PlayListBase::repeatAllChanged, this,
+              &PlayListWatcher::on_playlist_changed);
+    cmConnect(m_playlist, &PlayListBase::nameChanged, this,
+              &PlayListWatcher::on_playlistName_changed);
 }
 
 PlayListWatcher::~PlayListWatcher() {

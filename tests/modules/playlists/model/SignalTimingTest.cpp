@@ -142,28 +142,6 @@ INSTANTIATE_TEST_SUITE_P(
                   "list 0 1"}),
     [](const auto& row) { return std::string(row.param.name); });
 
-TEST_P(SignalTimingTest, aFollowerIsCalledOnceBeforeTheSignalAndHearsIt) {
-    struct Follower : PlayListFollower {
-        virtual ~Follower() = default;
-        void follow(PlayListBase* pl) override {
-            ++calls;
-            onAnySignal(*pl, [this] { ++heard; });
-        }
-        int calls = 0;
-        int heard = 0;
-    } follower;
-    const TimingRow& row = GetParam();
-    PlayListBase& pl = playList("abcdef", 3);
-    pl.setFollower(&follower);
-    EXPECT_EQ(0, follower.calls);
-    row.change(pl);
-    EXPECT_EQ(1, follower.calls);
-    EXPECT_EQ(1, follower.heard);
-    pl.setName("other");
-    EXPECT_EQ(1, follower.calls);
-    EXPECT_EQ(2, follower.heard);
-}
-
 class SignalStepsTest : public ModelFixture {};
 
 TEST_F(SignalStepsTest, theFirstOfSeveralMovesIsAnnouncedWhenAllAreStored) {

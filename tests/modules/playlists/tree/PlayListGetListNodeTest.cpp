@@ -108,20 +108,6 @@ TEST_F(ItemsNodeMapTest, aNodeIsMadeOncePerPlaylist) {
     EXPECT_EQ(nodes.count(), 2);
 }
 
-TEST_F(ItemsNodeMapTest, aNodeIsNotMadeBeforeSomethingArrivesForIt) {
-    list->createPlaylistNode(5);
-    list->createPlaylistNode(50);
-    EXPECT_EQ(nodes.count(), 3);
-    EXPECT_TRUE(list->findChildren<PlayListGetItemsNode*>().isEmpty());
-    CMNode* node = nodes.find(itemsPath(5));
-    EXPECT_EQ(list->findChildren<PlayListGetItemsNode*>().size(), 1);
-    EXPECT_EQ(node, list->playlistNode(5));
-    EXPECT_EQ(nodes.count(), 3);
-    list->deletePlaylistNode(50);
-    EXPECT_EQ(nodes.find(itemsPath(50)), nullptr);
-    EXPECT_EQ(nodes.count(), 2);
-}
-
 TEST_F(ItemsNodeMapTest, onlyThePathAsItIsWrittenIsAPlaylists) {
     list->createPlaylistNode(5);
     for (const char* path :

@@ -1,7 +1,5 @@
 #include "PlayListGetListNode.h"
 
-#include <algorithm>
-
 #include "../../AlikeLines.h"
 #include "../../ModuleLog.h"
 #include "../../PlayListBase.h"
@@ -11,9 +9,7 @@
 
 PlayListGetListNode* PlayListGetListNode::create(CMNodes* nodes, const CMPath& path,
                                                  PlayListManager* manager) {
-    auto* node = createNode<PlayListGetListNode>(nodes, path, manager);
-    node->addTo(nodes, OrvoPlayListPlGetItemsPath());
-    return node;
+    return createNode<PlayListGetListNode>(nodes, path, manager);
 }
 
 bool PlayListGetListNode::getRowsRequest(const CMGetRowsRequest& request) {
@@ -46,38 +42,20 @@ bool PlayListGetListNode::getRowsRequest(const CMGetRowsRequest& request) {
 }
 
 void PlayListGetListNode::createPlaylistNode(const int& plid) {
-    if (!m_itemsNodeMap.contains(plid))
-        m_itemsNodeMap.insert(plid, nullptr);
+    if (!m_itemsNodeMap.contains(plid)) {
+        PlayListGetItemsNode* node = PlayListGetItemsNode::create(
+            nodes(), OrvoPlayListPlGetItemsPath() + "/" + QString::number(plid), manager());
+        node->setParent(this);
+        m_itemsNodeMap.insert(plid, node);
+    }
     debugPlaylistNodes();
 }
 
-PlayListGetItemsNode* PlayListGetListNode::playlistNode(int plid) {
-    const auto found = m_itemsNodeMap.find(plid);
-    if (found == m_itemsNodeMap.end())
-        return nullptr;
-    if (!*found) {
-        *found = PlayListGetItemsNode::create(
-            nodes(), OrvoPlayListPlGetItemsPath() + "/" + QString::number(plid), manager());
-        (*found)->setParent(this);
-    }
-    return *found;
-}
-
-CMNode* PlayListGetListNode::makeNode(const QString& lastComponent) {
-    const int plid = toInt(lastComponent, -1);
-    // "05" is a number, but no playlist's path.
-    return lastComponent == toStr(plid) ? playlistNode(plid) : nullptr;
-}
-
-int PlayListGetListNode::unmadeCount() const {
-    return int(std::count(m_itemsNodeMap.cbegin(), m_itemsNodeMap.cend(), nullptr));
-}
-
 void PlayListGetListNode::deletePlaylistNode(const int& plid) {
-    if (!m_itemsNodeMap.contains(plid))
-        LOG4CPLUS_DEBUG(moduleLog(), "no items node for playlist " << plid);
-    else if (PlayListGetItemsNode* node = m_itemsNodeMap.take(plid))
+    if (PlayListGetItemsNode* node = m_itemsNodeMap.take(plid))
         node->deleteLater();
+    else
+        LOG4CPLUS_DEBUG(moduleLog(), "no items node for playlist " << plid);
     debugPlaylistNodes();
 }
 

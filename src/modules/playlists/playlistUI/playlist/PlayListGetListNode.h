@@ -6,9 +6,8 @@
 
 class PlayListGetItemsNode;
 
-// All playlists, after an entry that creates one. Owns the items node of every playlist, which is
-// made when a client first asks for it.
-class PlayListGetListNode : public BaseNode, private CMNodeFamily {
+// All playlists, after an entry that creates one. Owns the items node of every playlist.
+class PlayListGetListNode : public BaseNode {
     Q_OBJECT
 public:
     using BaseNode::BaseNode;
@@ -18,19 +17,14 @@ public:
 
     bool getRowsRequest(const CMGetRowsRequest& request) override;
 
-    // The playlist has an items node from here on.
     void createPlaylistNode(const int& plid);
     // The node leaves the registry at once and goes with the next turn of the event loop.
     void deletePlaylistNode(const int& plid);
     void createPlaylistNodes();
     void debugPlaylistNodes() const;
     // Null when the playlist has no node.
-    PlayListGetItemsNode* playlistNode(int plid);
+    PlayListGetItemsNode* playlistNode(int plid) const { return m_itemsNodeMap.value(plid); }
 
 private:
-    CMNode* makeNode(const QString& lastComponent) override;
-    int unmadeCount() const override;
-
-    // Null for a node that was not asked for yet.
     QHash<int, PlayListGetItemsNode*> m_itemsNodeMap;
 };
