@@ -217,38 +217,65 @@ def many_readers(library, report):
     report.add(f"{what}, errors", 0, "", 0)  # the first one would have ended the run
 
 
-def folder_added(library, report):
-    """A folder goes into a new list, while four clients read with a breath between two pages."""
+def answered_among_readers(library, client, request):
+    """Sends the request while four clients read with a breath between two pages: its answer, how long
+    that took, and how long the pages took, in milliseconds."""
     breath = 0.002
-    editor = library.device.connect()
-    new = editor.create("A folder")
     dice = random.Random(4)
     readers = [Reader(library, dice) for _ in range(4)]
-    addition = editor.post("playlists:pl/addItems", {"plid": new, "mode": 2, "items": ["files:tree"]})
     begin = time.perf_counter()
-    editor.send_text(addition)
-    added = None
-    while added is None or any(reader.waits for reader in readers):
+    client.send_text(request)
+    answer = None
+    while answer is None or any(reader.waits for reader in readers):
         for reader in readers:
-            if not reader.waits and added is None and time.perf_counter() >= reader.due:
+            if not reader.waits and answer is None and time.perf_counter() >= reader.due:
                 reader.ask()
-        waiting = [reader for reader in readers if reader.waits] + ([editor] if added is None else [])
+        waiting = [reader for reader in readers if reader.waits] + ([client] if answer is None else [])
         for ready in select.select(waiting, [], [], 0.001)[0]:
-            answer = ready.read()
-            if answer and ready is editor:
-                added = us_since(begin) / 1000
-                accepted(answer)
-            elif answer:
+            read = ready.read()
+            if read and ready is client:
+                took = us_since(begin) / 1000
+                answer = accepted(read)
+            elif read:
                 ready.due = time.perf_counter() + breath
+    return answer, took, [each for reader in readers for each in reader.times]
+
+
+def add_among_readers(report, what, took, times, longest, answered=None):
+    report.add(f"{what}, until answered", took, "ms", answered)
+    report.add(f"{what}, a page meanwhile, median", statistics.median(times), "ms")
+    report.add(f"{what}, a page meanwhile, longest", max(times), "ms", longest)
+
+
+def folder_added(library, report):
+    """A folder goes into a new list."""
+    editor = library.device.connect()
+    new = editor.create("A folder")
+    addition = editor.post("playlists:pl/addItems", {"plid": new, "mode": 2, "items": ["files:tree"]})
+    _, took, times = answered_among_readers(library, editor, addition)
     rows = accepted(editor.exchange(editor.page(items_path(new), 0))).json()["rowsCount"]
     if rows != FOLDER_TRACKS:
         raise RuntimeError(f"the new list has {rows} of the folder's tracks")
     editor.must("playlists:pl/delete", {"plid": new})
-    times = [each for reader in readers for each in reader.times]
-    what = f"a folder of {FOLDER_TRACKS:,} tracks is added"
-    report.add(f"{what}, until answered", added, "ms")
-    report.add(f"{what}, a page meanwhile, median", statistics.median(times), "ms")
-    report.add(f"{what}, a page meanwhile, longest", max(times), "ms", 100)
+    add_among_readers(report, f"a folder of {FOLDER_TRACKS:,} tracks is added", took, times, 100)
+
+
+def list_imported(library, report):
+    """A playlist file of another machine comes in, a line for each track of the folder."""
+    editor = library.device.connect()
+    everything = editor.create("Everything there is")
+    editor.must("playlists:pl/addItems", {"plid": everything, "mode": 2, "items": ["files:tree"]})
+    exported = accepted(editor.exchange(editor.post("lists:export", {"plid": everything}))).json()["result"]
+    names = exported["text"].splitlines()
+    text = "\n".join(name if name.startswith("#") else f"D:\\Music\\{name}" for name in names)
+    answer, took, times = answered_among_readers(
+        library, editor, editor.post("lists:import", {"text": text, "file": "theirs.m3u8"}))
+    result = answer.json()["result"]
+    if result["added"] != FOLDER_TRACKS:
+        raise RuntimeError(f"{result['added']} tracks of the file were found")
+    for plid in (everything, result["plid"]):
+        editor.must("playlists:pl/delete", {"plid": plid})
+    add_among_readers(report, f"a playlist file of {FOLDER_TRACKS:,} tracks is imported", took, times, 20, 2000)
 
 
 def run(options):
@@ -256,7 +283,8 @@ def run(options):
     with temp_folder(options.memory) as folder, BenchDevice(options.host, folder, options.music) as device:
         device.wait_for_scan(device.connect())
         library = Library(device)
-        for scenario in (pages, edits, pages_behind_removals, many_listeners, many_readers, folder_added):
+        for scenario in (pages, edits, pages_behind_removals, many_listeners, many_readers, folder_added,
+                         list_imported):
             scenario(library, report)
     return report.finish()
 
