@@ -60,6 +60,10 @@ await shoot(me, 'web-desktop-playing');
 
 me = await open(Phone, 'light');
 await shoot(me, 'web-phone-lists');
+await me.toMusic();
+await me.search('s');
+await me.row('side', 'Small Hours').waitFor();
+await shoot(me, 'web-phone-search');
 await me.toLists();
 await me.menuOf('nav', 'Sunday Morning');
 await shoot(me, 'web-phone-menu');

@@ -67,6 +67,13 @@ const States = [
     await me.sheetCloses();
     await me.closeControls();
   } },
+  { name: 'what was imported', go: async (me) => {
+    await me.toLists();
+    const chooser = me.page.waitForEvent('filechooser');
+    await me.press(me.page.getByRole('button', { name: 'Import playlist files' }));
+    await (await chooser).setFiles({ name: 'Sunday.m3u', mimeType: 'audio/x-mpegurl', buffer: Buffer.from('#EXTM3U\nno/such.flac\n') });
+    await me.page.locator('dialog.report').waitFor();
+  }, end: (me) => me.page.keyboard.press('Escape') },
   { name: 'the settings', go: async (me) => { await me.page.evaluate(() => document.getElementById('settings').click()); await me.page.locator('dialog.settings').waitFor(); }, end: (me) => me.page.keyboard.press('Escape') },
   { name: 'the keys', go: async (me) => { await me.page.evaluate(() => document.getElementById('help').click()); await me.page.locator('dialog.help').waitFor(); }, end: (me) => me.page.keyboard.press('Escape') },
 ];

@@ -298,6 +298,21 @@ story('on a slow line what is typed quickly is found after one more round trip',
   assert.ok(took < 2.5 * ThereAndBack, `found after ${took} ms`);
 }, { alone: true });
 
+story('what is searched for while the device is away is found when it is back', async ({ open, lay, allow }) => {
+  allow(/ERR_/);
+  const wire = await lay();
+  const me = await open({ at: wire.url });
+  await me.toMusic();
+  await me.search('ebb');
+  await eventually(() => me.titles('side'), ['Tracks · 1', 'Ebb']);
+  wire.cut();
+  await me.page.locator('#banner').waitFor();
+  await me.search('kettles');
+  await eventually(() => me.meta('side').textContent(), 'Searching …');
+  wire.mend();
+  await eventually(() => me.titles('side'), ['Tracks · 1', 'Two Kettles']);
+});
+
 story('two windows search by themselves, and see what plays and what is new', async ({ device, open }) => {
   await withMusic(device, 'Album/One song', 'Album/Other song');
   const me = await open();

@@ -27,7 +27,7 @@ const Groups = [
 ];
 
 // The device takes no longer text.
-export const MostLetters = 200;
+export const MaxLetters = 200;
 
 // A text as it was typed → the path of what is found, of the places without one. Halves of letters are left out.
 export function searchPath(typed) {

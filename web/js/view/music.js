@@ -1,7 +1,7 @@
 // The first screen of the music: its places, with a field above them that searches all of it. What is found takes the
 // place of the places.
 
-import { MostLetters, MusicPath, isSearch, searchPath, searchedText } from '../model/music.js';
+import { MaxLetters, MusicPath, isSearch, searchPath, searchedText } from '../model/music.js';
 import { ListStore, plural } from '../model/rows.js';
 import { announce, el, icon } from './dom.js';
 import { Screen } from './screen.js';
@@ -29,7 +29,7 @@ export class MusicScreen extends Screen {
 
   buildBar() {
     const bar = super.buildBar();
-    this.input = el('input.find-input', { type: 'search', placeholder: Label, 'aria-label': Label, autocomplete: 'off', spellcheck: 'false', enterkeyhint: 'search', maxlength: MostLetters });
+    this.input = el('input.find-input', { type: 'search', placeholder: Label, 'aria-label': Label, autocomplete: 'off', spellcheck: 'false', enterkeyhint: 'search', maxlength: MaxLetters });
     this.input.addEventListener('input', () => this.onInput());
     this.clearButton = el('button.icon-button', { type: 'button', 'aria-label': 'Clear the search', hidden: true, onclick: () => this.clear() }, icon('close'));
     this.field = el('div.find', { role: 'search', 'aria-label': 'Music' }, icon('search'), this.input, this.clearButton);
