@@ -142,7 +142,7 @@ story('merge two playlists', async ({ device, open }) => {
   await eventually(() => me.titles('main'), [...Hours, ...Lanterns]);
 });
 
-story('a switch in a menu shows what holds, also after another client's change', async ({ device, open }) => {
+story("a switch in a menu shows what holds, also after another client's change", async ({ device, open }) => {
   const plid = await device.playlist('Party', Albums.hours);
   const me = await open();
   await me.toLists();
