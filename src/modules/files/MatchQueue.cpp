@@ -11,7 +11,7 @@ namespace {
 constexpr int MaxHints = 500;
 constexpr std::size_t MaxMatches = 64;
 constexpr int ScanPatienceMs = 10000;
-constexpr int KeepMatcherMs = 30000;
+constexpr int KeepMatcherMs = 5000;
 
 CMError matchRefusal(const QString& name, const char* text, const QStringList& arguments = {}) {
     return CMError(name, TrString("Files", text, arguments), CMError::DefaultTitle());

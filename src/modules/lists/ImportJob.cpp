@@ -13,7 +13,6 @@
 #include "NetworkItem.h"
 #include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
-#include "TrackPlace.h"
 
 namespace {
 
@@ -50,72 +49,63 @@ void ImportJob::start() {
     const auto text = [&args](const char* name) {
         return args.value(QString::fromLatin1(name)).toString();
     };
-    Source source{text("text"), text("bytes"), text("format"), text("base")};
-    if (source.text.isEmpty() == source.bytes.isEmpty()) {
+    if (args.contains(QStringLiteral("text")) == args.contains(QStringLiteral("bytes"))) {
         fail(importRefusal(TrString("Lists", "Either \"text\" or \"bytes\" is needed.")));
         return;
     }
-    const QFileInfo file(text("file"));
+    m_name = text("name");
+    m_fileName = QFileInfo(text("file")).completeBaseName();
+    m_base = text("base");
+    Source source{text("text"), text("bytes"), text("format")};
     if (source.suffix.isEmpty())
-        source.suffix = file.suffix();
-    m_name = args.contains(QStringLiteral("name")) ? text("name") : QString();
-    const QString fallback = file.completeBaseName();
-    m_pool->start([this, source, fallback] {
-        const DocumentPtr document = read(source);
-        if (document->name.isEmpty())
-            document->name = fallback;
-        QMetaObject::invokeMethod(this, [this, document] { take(document); });
+        source.suffix = QFileInfo(text("file")).suffix();
+    m_pool->start([this, source] {
+        const auto result = std::make_shared<const ListReader::Result>(read(source));
+        QMetaObject::invokeMethod(this, [this, result] { take(result); });
     });
 }
 
-ImportJob::DocumentPtr ImportJob::read(const Source& source) {
-    auto document = std::make_shared<Document>();
-    QString text = source.text;
-    if (!source.bytes.isEmpty()) {
-        const auto bytes = QByteArray::fromBase64Encoding(source.bytes.toLatin1(),
-                                                          QByteArray::AbortOnBase64DecodingErrors);
-        if (!bytes) {
-            document->refusal = TrString("Lists", "\"bytes\" is not base64.");
-            return document;
-        }
-        text = ListText::decoded(*bytes);
-    }
-    ListReader::Result result = ListReader::read(text, source.suffix);
-    document->refusal = result.refusal;
-    document->name = result.list.name;
-    for (ListedTrack& track : result.list.tracks) {
-        TrackPlace place = TrackPlace::of(track.location, track.isUri, source.base);
-        document->entries.push_back({std::move(track), place.address, place.files});
-    }
-    return document;
+ListReader::Result ImportJob::read(const Source& source) {
+    if (source.bytes.isEmpty())
+        return ListReader::read(source.text, source.suffix);
+    const auto bytes = QByteArray::fromBase64Encoding(source.bytes.toLatin1(),
+                                                      QByteArray::AbortOnBase64DecodingErrors);
+    if (!bytes)
+        return {{}, TrString("Lists", "\"bytes\" is not base64.")};
+    return ListReader::read(ListText::decoded(*bytes), source.suffix);
 }
 
-void ImportJob::take(const DocumentPtr& document) {
-    m_document = document;
-    if (!document->refusal.isEmpty()) {
-        fail(importRefusal(document->refusal));
+void ImportJob::take(const ResultPtr& result) {
+    m_file = result;
+    if (!m_file->refusal.isEmpty()) {
+        fail(importRefusal(m_file->refusal));
         return;
     }
-    if (m_name.isEmpty() && !m_request.value().toHash().contains(QStringLiteral("name")))
-        m_name =
-            document->name.isEmpty() ? TrString("Lists", "Imported").toString() : document->name;
-    if (document->entries.empty())
+    if (!m_request.value().toHash().contains(QStringLiteral("name"))) {
+        const QStringList names = {m_file->list.name, m_fileName,
+                                   TrString("Lists", "Imported").toString()};
+        m_name = *std::find_if(names.begin(), names.end(),
+                               [](const QString& name) { return !name.isEmpty(); });
+    }
+    if (m_file->list.tracks.empty())
         create({});
     else
         nextPart();
 }
 
 void ImportJob::nextPart() {
-    if (m_next >= m_document->entries.size()) {
+    const std::vector<ListedTrack>& tracks = m_file->list.tracks;
+    if (m_next >= tracks.size()) {
         answer();
         return;
     }
+    m_places.clear();
     QVariantList hints;
-    const std::size_t end = std::min(m_next + EntriesPerPart, m_document->entries.size());
-    for (std::size_t at = m_next; at < end; ++at) {
-        const Entry& entry = m_document->entries[at];
-        if (entry.address.isEmpty())
-            hints.append(hintOf(entry.track, entry.files));
+    for (std::size_t at = m_next; at < std::min(m_next + EntriesPerPart, tracks.size()); ++at) {
+        const ListedTrack& track = tracks[at];
+        m_places.push_back(TrackPlace::of(track.location, track.isUri, m_base));
+        if (m_places.back().address.isEmpty())
+            hints.append(hintOf(track, m_places.back().files));
     }
     if (hints.isEmpty())
         takeItems({});
@@ -127,19 +117,18 @@ void ImportJob::nextPart() {
 void ImportJob::takeItems(const QVariantList& found) {
     QList<OrvoPlayListItem> items;
     int nextFound = 0;
-    const std::size_t end = std::min(m_next + EntriesPerPart, m_document->entries.size());
-    for (; m_next < end; ++m_next) {
-        const Entry& entry = m_document->entries[m_next];
-        if (!entry.address.isEmpty()) {
-            items.append(NetworkItem::of(entry.track, entry.address));
+    for (const TrackPlace& place : m_places) {
+        const ListedTrack& track = m_file->list.tracks[m_next++];
+        if (!place.address.isEmpty()) {
+            items.append(NetworkItem::of(track, place.address));
             continue;
         }
         const OrvoPlayListItem item(found.value(nextFound++));
         if (!item.isEmpty())
             items.append(item);
         else
-            m_notFound.append(QVariantHash{{QStringLiteral("line"), entry.track.line},
-                                           {QStringLiteral("text"), shownText(entry.track)}});
+            m_notFound.append(QVariantHash{{QStringLiteral("line"), track.line},
+                                           {QStringLiteral("text"), shownText(track)}});
     }
     if (items.isEmpty())
         later(&ImportJob::nextPart);
@@ -243,6 +232,6 @@ void ImportJob::fail(const CMError& error) {
 
 // Letting go of many thousand entries takes too long for the event loop.
 void ImportJob::end() {
-    m_pool->start([document = std::move(m_document)]() mutable { document.reset(); });
+    m_pool->start([file = std::move(m_file)]() mutable { file.reset(); });
     deleteLater();
 }

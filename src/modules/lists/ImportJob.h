@@ -8,6 +8,7 @@
 #include "CMRequest.h"
 #include "ListReader.h"
 #include "OrvoPlayListItem.h"
+#include "TrackPlace.h"
 
 // Answers one `lists:import`: reads the file in a thread, has its tracks found by the files module
 // and added to a new playlist, in parts, so that other requests get their turns. The playlist is
@@ -27,27 +28,15 @@ private:
         QString text;  // either this
         QString bytes; // or these, in base64
         QString suffix;
-        QString base;
     };
-    // An entry and where it leads.
-    struct Entry {
-        ListedTrack track;
-        QString address;
-        QStringList files;
-    };
-    struct Document {
-        QString name;
-        std::vector<Entry> entries;
-        TrString refusal;
-    };
-    using DocumentPtr = std::shared_ptr<Document>;
+    using ResultPtr = std::shared_ptr<const ListReader::Result>;
 
     // In the thread.
-    static DocumentPtr read(const Source& source);
+    static ListReader::Result read(const Source& source);
 
-    void take(const DocumentPtr& document);
+    void take(const ResultPtr& result);
     void nextPart();
-    // One for each entry of the part; empty where the files module found none.
+    // One for each file of the part; empty where the files module found none.
     void takeItems(const QVariantList& found);
     void create(const QList<OrvoPlayListItem>& items);
     void add(const QList<OrvoPlayListItem>& items);
@@ -61,9 +50,12 @@ private:
 
     CMSetDataRequest m_request;
     QThreadPool* m_pool;
-    QString m_name;
-    DocumentPtr m_document;
-    std::size_t m_next = 0; // the first entry of the part
+    QString m_name; // as asked for
+    QString m_fileName;
+    QString m_base;
+    ResultPtr m_file;
+    std::size_t m_next = 0;           // the first entry of the part
+    std::vector<TrackPlace> m_places; // where those of the part lead
     int m_plid = -1;
     int m_added = 0;
     int m_rowsCount = 0;

@@ -9,7 +9,8 @@ constexpr int MaxEntries = 100000;
 constexpr int MaxLineLength = 32768;
 // Of a tag in XML.
 constexpr int MaxAttributes = 256;
-// Files that are read at the same time, each of which may take several times its size.
-constexpr int MaxImports = 4;
+// Files that are read, and that are written, at the same time. Each may take several times its
+// size.
+constexpr int MaxJobs = 4;
 
 } // namespace ListLimits

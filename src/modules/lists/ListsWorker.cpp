@@ -32,16 +32,18 @@ void ListsWorker::setDataRequest(const CMSetDataRequest& request) {
 }
 
 void ListsWorker::importList(const CMSetDataRequest& request) {
-    if (findChildren<ImportJob*>().size() >= ListLimits::MaxImports) {
-        request.reply().setError(
-            CMError(QStringLiteral("TooManyImports"),
-                    TrString("Lists", "Too many files are being imported. Please try again."),
-                    CMError::DefaultTitle()));
-        return;
-    }
-    (new ImportJob(request, &m_pool, this))->start();
+    start<ImportJob>(request, "Too many files are being imported. Please try again.");
 }
 
 void ListsWorker::exportList(const CMSetDataRequest& request) {
-    (new ExportJob(request, &m_pool, this))->start();
+    start<ExportJob>(request, "Too many files are being exported. Please try again.");
+}
+
+template <typename Job>
+void ListsWorker::start(const CMSetDataRequest& request, const char* tooMany) {
+    if (findChildren<Job*>().size() >= ListLimits::MaxJobs)
+        request.reply().setError(CMError(QStringLiteral("TooManyFiles"), TrString("Lists", tooMany),
+                                         CMError::DefaultTitle()));
+    else
+        (new Job(request, &m_pool, this))->start();
 }

@@ -18,6 +18,8 @@ public:
 private:
     void importList(const CMSetDataRequest& request);
     void exportList(const CMSetDataRequest& request);
+    template <typename Job>
+    void start(const CMSetDataRequest& request, const char* tooMany);
 
     QThreadPool m_pool;
 };

@@ -1,4 +1,4 @@
-#include <QDir>
+#include <QCoreApplication>
 
 #include "ListsFixture.h"
 
@@ -36,6 +36,7 @@ TEST_F(Import, whatIsAskedForWronglyIsRefused) {
     EXPECT_EQ(call("lists:import", {}).message(), "Either \"text\" or \"bytes\" is needed.");
     EXPECT_EQ(call("lists:import", {{"text", "a"}, {"bytes", "YQ=="}}).message(),
               "Either \"text\" or \"bytes\" is needed.");
+    EXPECT_EQ(call("lists:import", {{"bytes", ""}}).message(), "The file is empty.");
     EXPECT_EQ(call("lists:import", {{"bytes", "no base64!"}}).message(),
               "\"bytes\" is not base64.");
     EXPECT_EQ(call("lists:nothing", {}).error.name(), CMError::NoSuchNode());
@@ -89,17 +90,60 @@ TEST_F(Import, namesThatLeadOutOfTheMusicFolderFindNothingThere) {
     EXPECT_EQ(tracks(answer.plid()), QStringList{"a.wav"});
 }
 
-TEST_F(Import, aFifthImportAtTheSameTimeIsRefused) {
+TEST_F(Import, aFifthImportOrExportAtTheSameTimeIsRefused) {
     track("a.wav");
     start();
-    QVector<CMReply<QVariant>> replies(5);
-    for (const CMReply<QVariant>& reply : qAsConst(replies))
-        CMRoot()->invoke(CMPath("lists:import"), QVariantHash{{"text", "a.wav\n"}}, reply);
-    EXPECT_EQ(replies.at(4).error().name(), "TooManyImports");
-    for (int i = 0; i < 4; ++i) {
-        const CMReply<QVariant> reply = replies.at(i);
-        EXPECT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
-        EXPECT_FALSE(reply.isError());
+    const int plid = importText("a.wav\n").plid();
+    const struct {
+        const char* path;
+        QVariantHash args;
+        const char* refusal;
+    } kinds[] = {
+        {"lists:import",
+         {{"text", "a.wav\n"}},
+         "Too many files are being imported. Please try again."},
+        {"lists:export", {{"plid", plid}}, "Too many files are being exported. Please try again."},
+    };
+    for (const auto& kind : kinds) {
+        QVector<CMReply<QVariant>> replies(5);
+        for (CMReply<QVariant>& reply : replies) {
+            reply = CMReply<QVariant>();
+            CMRoot()->invoke(CMPath(kind.path), kind.args, reply);
+        }
+        EXPECT_EQ(replies.at(4).error().name(), "TooManyFiles");
+        EXPECT_EQ(replies.at(4).error().message().toString(), kind.refusal);
+        for (int i = 0; i < 4; ++i) {
+            EXPECT_TRUE(waitFor([&] { return replies.at(i).isFinished(); }));
+            EXPECT_FALSE(replies.at(i).isError());
+        }
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EXPECT_EQ(call(kind.path, kind.args).error.name(), "");
     }
-    EXPECT_EQ(importText("a.wav\n").added(), 1);
+}
+
+TEST_F(Import, whatAnotherClientDoesWithThePlaylistMeanwhileStays) {
+    track("a.wav");
+    start();
+    const QVariantHash args = {{"text", QString("a.wav\n").repeated(2000)}, {"name", "Long"}};
+    // Another client removes a track; deletes the playlist; and makes one that gets its number.
+    const QStringList edits = {"playlists:pl/removeItems", "playlists:pl/delete"};
+    for (const QString& edit : edits) {
+        const CMReply<QVariant> reply;
+        CMRoot()->invoke(CMPath("lists:import"), args, reply);
+        ASSERT_TRUE(waitFor([] { return playlistNames() == QStringList{"Long"}; }));
+        ASSERT_TRUE(waitFor([] { return rows(1).size() > 1; }));
+        EXPECT_EQ(call(edit, {{"plid", 1}, {"items", QVariantList{0}}}).error.name(), "");
+        if (playlistNames().isEmpty())
+            call("playlists:pl/create", {{"name", "Other"}});
+        ASSERT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+        EXPECT_TRUE(reply.isError());
+        if (edit == edits.last()) {
+            EXPECT_EQ(playlistNames(), QStringList{"Other"});
+        } else {
+            EXPECT_EQ(reply.error().name(), "Conflict");
+            EXPECT_EQ(playlistNames(), QStringList{"Long"});
+            EXPECT_LT(rows(1).size(), 2000);
+            call("playlists:pl/delete", {{"plid", 1}});
+        }
+    }
 }
