@@ -22,6 +22,26 @@ function(orvo_common target)
   target_compile_definitions(${target} PRIVATE QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_DEPRECATED_WARNINGS)
 endfunction()
 
+# Sets `result` to the files that match the patterns, without those behind EXCEPT; paths are seen from the caller's
+# folder. All targets name their sources so: a file that comes is built. A pattern that matches nothing is a mistake.
+function(orvo_sources result)
+  cmake_parse_arguments(S "" "" "EXCEPT" ${ARGN})
+  set(sources)
+  foreach(pattern IN LISTS S_UNPARSED_ARGUMENTS)
+    file(GLOB matched CONFIGURE_DEPENDS ${pattern})
+    if(NOT matched)
+      message(FATAL_ERROR "no source matches ${pattern} in ${CMAKE_CURRENT_SOURCE_DIR}")
+    endif()
+    list(APPEND sources ${matched})
+  endforeach()
+  list(REMOVE_DUPLICATES sources)
+  foreach(pattern IN LISTS S_EXCEPT)
+    file(GLOB matched CONFIGURE_DEPENDS ${pattern})
+    list(REMOVE_ITEM sources ${matched})
+  endforeach()
+  set(${result} ${sources} PARENT_SCOPE)
+endfunction()
+
 # What nearly every file includes, parsed once: a build from nothing takes less than half the time. Not where a compiler
 # cache does better, so that a file which forgets one of these includes is found by those who have one.
 if(CCACHE)
@@ -57,9 +77,11 @@ function(orvo_use_precompiled target kind)
   endif()
 endfunction()
 
-# A shared library of the platform. `name` is the file's stem, `alias` the target other parts link to.
+# A shared library of the platform, of all sources in its folder. `name` is the file's stem, `alias` the target other
+# parts link to.
 function(orvo_platform_library name alias)
-  add_library(${name} SHARED ${ARGN})
+  orvo_sources(sources *.cpp *.h)
+  add_library(${name} SHARED ${sources})
   add_library(Orvo::${alias} ALIAS ${name})
   orvo_common(${name})
   orvo_use_precompiled(${name} code)
@@ -74,9 +96,10 @@ function(orvo_platform_library name alias)
 endfunction()
 
 # A module that the host loads: an object library with all its classes, which the unit tests link as well, and the
-# shared library made of it, whose only visible symbol is worker_create.
+# shared library made of it, whose only visible symbol is worker_create. The further arguments are patterns of sources.
 function(orvo_module name)
-  add_library(${name}_objects OBJECT ${ARGN})
+  orvo_sources(sources ${ARGN})
+  add_library(${name}_objects OBJECT ${sources})
   # Several modules in one program, as the fuzz targets have them, leave it out.
   set_source_files_properties(worker_create.cpp PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   add_library(Orvo::${name} ALIAS ${name}_objects)
@@ -99,7 +122,8 @@ endfunction()
 # case.
 function(orvo_test name)
   cmake_parse_arguments(T "" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
-  add_executable(${name} ${T_SOURCES})
+  orvo_sources(sources ${T_SOURCES})
+  add_executable(${name} ${sources})
   orvo_common(${name})
   orvo_use_precompiled(${name} test)
   target_link_libraries(${name} PRIVATE ${T_LIBS} GTest::gtest Qt5::Test Orvo::testsupport)
