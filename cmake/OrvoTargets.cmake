@@ -3,10 +3,6 @@
 function(orvo_common target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
                                            -Wcast-align)
-  if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # A source that is read by another one is no header, and may keep its names to itself.
-    target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage>)
-  endif()
   if(ORVO_WERROR)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
@@ -100,8 +96,6 @@ endfunction()
 function(orvo_module name)
   orvo_sources(sources ${ARGN})
   add_library(${name}_objects OBJECT ${sources})
-  # Several modules in one program, as the fuzz targets have them, leave it out.
-  set_source_files_properties(worker_create.cpp PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   add_library(Orvo::${name} ALIAS ${name}_objects)
   orvo_common(${name}_objects)
   orvo_use_precompiled(${name}_objects code)
