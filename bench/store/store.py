@@ -1,8 +1,7 @@
 #!/usr/bin/env python3
 """The store and the model beside SQLite alone: runs orvo_bench and holds its figures against their bounds.
 
-With --short 1,000 and 10,000 entries, in memory-backed storage, with slack. Ends as the other
-measurements do: see docs/performance.md.
+With --short 1,000 and 10,000 entries, in memory-backed storage, with slack.
 """
 
 import math

@@ -1,8 +1,7 @@
 #!/usr/bin/env python3
 """What the device takes: file sizes, memory, and the time until its first answer.
 
-Ends with 0, with 1 where a goal is missed, with 2 where something could not be measured, with 4
-where others took too much of the processor.
+docs/performance.md says how it ends.
 """
 
 import os

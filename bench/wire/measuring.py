@@ -3,7 +3,6 @@
 import argparse
 import gc
 import json
-import math
 import os
 import platform
 import select
@@ -162,11 +161,6 @@ def memory_of(pid):
     return kib["Rss:"] / 1024, (kib["Private_Clean:"] + kib["Private_Dirty:"]) / 1024
 
 
-def percentile(values, percent):
-    """The smallest value that so many percent of all do not exceed."""
-    return sorted(values)[max(1, math.ceil(percent / 100 * len(values))) - 1]
-
-
 def figure(value):
     if value == int(value):
         return str(int(value))
@@ -210,7 +204,7 @@ class Report:
 
     def add_times(self, what, times, unit, median_bound=None, tail_bound=None):
         self.add(f"{what}, median", statistics.median(times), unit, median_bound)
-        self.add(f"{what}, 99th percentile", percentile(times, 99), unit, tail_bound)
+        self.add(f"{what}, 99th percentile", statistics.quantiles(times, n=100)[-1], unit, tail_bound)
 
     def finish(self):
         """Call it when all processes of the run have ended. Returns the exit status."""

@@ -1,8 +1,7 @@
 #!/usr/bin/env python3
 """The same work by Debian's Music Player Daemon and by the device: prints a table with the ratios.
 
-The daemon is a process of this script's own, asked over its line protocol. There are no bounds: the
-figures are for people. Ends with 0, with 2 where something could not be measured.
+The daemon is a process of this script's own, asked over its line protocol. There are no bounds.
 """
 
 import os
@@ -16,7 +15,7 @@ from contextlib import ExitStack, closing, suppress
 
 sys.dont_write_bytecode = True
 
-from measuring import PAGE_ROWS, BenchDevice, Report, accepted, items_path, main, memory_of, ms_of, temp_folder
+from measuring import PAGE_ROWS, BenchDevice, Report, accepted, items_path, main, ms_of, temp_folder
 
 MAX_S = 60  # what takes longer has failed
 CONFIGURATION = """\
@@ -68,10 +67,6 @@ class Daemon:
     def close(self):
         self._process.terminate()
         self._process.wait()
-
-    @property
-    def pid(self):
-        return self._process.pid
 
     def ask(self, *lines):
         """Sends one command, or several as a list, and returns the answer without its last line."""
@@ -197,12 +192,7 @@ def time_text(ms):
     return f"{ms / 1000:.2f} s" if ms >= 1000 else f"{ms:.2f} ms"
 
 
-def cells(figures, text):
-    return [text(figure) for figure in figures] + [f"{figure / figures[0]:.2f}" for figure in figures[1:]]
-
-
 def run(options):
-    resident = {}
     with ExitStack() as stack:
         def started(peer, parent, *arguments):
             folder = stack.enter_context(temp_folder(parent))
@@ -215,11 +205,8 @@ def run(options):
             for size in (size for size in (1000, 10_000, 100_000) if size <= options.largest):
                 medians = [median(peer, size, prepare, steps, work)
                            for peer, work in zip(peers, (daemon, ours, ours))]
-                table.row([name, str(size), *cells(medians, time_text)])
-                if name == "page of 50":
-                    resident[size] = [memory_of(peer.pid)[0] for peer in peers]
-        for size, figures in resident.items():
-            table.row(["resident memory then", str(size), *cells(figures, "{:.1f} MiB".format)])
+                ratios = [f"{ours_ms / medians[0]:.2f}" for ours_ms in medians[1:]]
+                table.row([name, str(size), *map(time_text, medians), *ratios])
     return 0
 
 

@@ -1,8 +1,7 @@
 #!/usr/bin/env python3
 """The device end to end over HTTP on this machine: prints a table and holds it against its bounds.
 
-Device and clients share one processor. Ends with 0, with 1 where a bound is broken, with 2 where
-something could not be measured, with 4 where others took too much of the processor.
+Device and clients share one processor. docs/performance.md says how it ends.
 """
 
 import random
