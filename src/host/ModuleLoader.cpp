@@ -29,11 +29,8 @@ struct DefaultModule {
 // In the order of loading: the gateway comes last, so that no client asks for what is not there
 // yet.
 constexpr DefaultModule defaultList[] = {
-    {"liborvo_playlists.so", false},
-    {"liborvo_files.so", false},
-    {"liborvo_lists.so", true},
-    {"liborvo_player.so", true},
-    {"liborvo_gateway.so", false},
+    {"liborvo_playlists.so", false}, {"liborvo_files.so", false},   {"liborvo_lists.so", true},
+    {"liborvo_player.so", true},     {"liborvo_gateway.so", false},
 };
 
 } // namespace
