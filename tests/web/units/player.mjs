@@ -4,17 +4,17 @@ import { Player } from '../../../web/js/model/player.js';
 
 const Volume = 'player:volume';
 
-// A device whose answers wait until they are let go.
-function slowDevice() {
+// A device whose answers wait until they are let go; for the time of one test, since the stories use the real one.
+function slowDevice(t) {
   const waiting = [];
-  globalThis.fetch = () => new Promise((answer) => waiting.push(answer));
+  t.mock.method(globalThis, 'fetch', () => new Promise((answer) => waiting.push(answer)));
   return (value) => {
     for (const answer of waiting.splice(0)) answer(Response.json({ value }));
   };
 }
 
-test('anAnswerThatIsOlderThanAnEventDoesNotReplaceIt', async () => {
-  const answer = slowDevice();
+test('anAnswerThatIsOlderThanAnEventDoesNotReplaceIt', async (t) => {
+  const answer = slowDevice(t);
   const player = new Player({ OrvoPlayerVolumePath: Volume });
   const read = player.refresh(true);
   player.apply({ kind: 'value', path: Volume, value: { i32: 70 } });
@@ -23,8 +23,8 @@ test('anAnswerThatIsOlderThanAnEventDoesNotReplaceIt', async () => {
   assert.equal(player.volume, 70);
 });
 
-test('anAnswerCountsAgainWhenNoEventCameMeanwhile', async () => {
-  const answer = slowDevice();
+test('anAnswerCountsAgainWhenNoEventCameMeanwhile', async (t) => {
+  const answer = slowDevice(t);
   const player = new Player({ OrvoPlayerVolumePath: Volume });
   player.apply({ kind: 'value', path: Volume, value: { i32: 70 } });
   const read = player.refresh(true);
