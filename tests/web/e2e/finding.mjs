@@ -87,6 +87,22 @@ story('nothing found says so, and what to do', async ({ open }) => {
   assert.equal(await me.searchField.evaluate((input) => input === document.activeElement), true);
 });
 
+story('what is not answered yet is not said to be missing', async ({ open }) => {
+  const me = await open();
+  await me.toMusic();
+  let release;
+  const released = new Promise((done) => (release = done));
+  await me.page.route((url) => /\?text=xyz$/.test(url.searchParams.get('path') ?? ''), (route) => released.then(() => route.continue()));
+  const nothing = (text) => `Nothing found for “${text}”. Try fewer words, or only the beginning of one.`;
+  await me.search('xy');
+  await eventually(() => empty(me), nothing('xy'));
+  await me.search('xyz');
+  await eventually(() => me.meta('side').textContent(), 'Searching …');
+  assert.equal(await empty(me), nothing('xy'));
+  release();
+  await eventually(() => empty(me), nothing('xyz'));
+}, { sizes: ['desktop'] });
+
 story('from a fresh phone page a known song is heard after two taps and typing', async ({ device, open }) => {
   const me = await open({ prepare: (page) => page.addInitScript(() => {
     window.taps = 0;

@@ -198,12 +198,12 @@ export class MusicScreen extends Screen {
 
 // What an empty list of the music says, when it is known.
 export function emptyMusic({ music }, screen) {
-  const { problem } = screen.store.roles.found ?? {};
-  if (problem) return problem;
+  const { path, found } = screen.store.roles;
+  if (found?.problem) return found.problem;
   const reading = music.isScanning ? `Not all music is known yet: ${music.progress}. What is new appears here by itself.` : '';
-  if (isSearch(screen.path)) {
+  if (isSearch(path)) {
     const advice = reading || 'Try fewer words, or only the beginning of one.';
-    return `Nothing found for “${searchedText(screen.path)}”. ${advice}`;
+    return `Nothing found for “${searchedText(path)}”. ${advice}`;
   }
   return reading;
 }
