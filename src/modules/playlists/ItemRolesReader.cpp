@@ -34,12 +34,16 @@ public:
     bool Double(double) { return false; }
     bool RawNumber(const char*, rapidjson::SizeType, bool) { return false; }
     bool String(const char* utf8, rapidjson::SizeType size, bool) {
-        return m_passed > 0 || add(textOf(utf8, size));
+        if (m_passed > 0)
+            return true;
+        const QString text = textOf(utf8, size);
+        return isWhole(text) && add(text);
     }
     bool Key(const char* utf8, rapidjson::SizeType size, bool) {
-        if (m_passed == 0)
-            m_open.back().name = textOf(utf8, size);
-        return true;
+        if (m_passed > 0)
+            return true;
+        m_open.back().name = textOf(utf8, size);
+        return isWhole(m_open.back().name);
     }
     bool StartObject() { return open(false); }
     bool EndObject(rapidjson::SizeType) { return close(); }
@@ -60,6 +64,11 @@ private:
 
     static QString textOf(const char* utf8, rapidjson::SizeType size) {
         return QString::fromUtf8(utf8, int(size));
+    }
+
+    // Half of a surrogate pair is for the other parser to judge.
+    static bool isWhole(const QString& text) {
+        return !text.contains(QChar(QChar::ReplacementCharacter));
     }
 
     // Where the value that comes next goes as an object of its own, null elsewhere.

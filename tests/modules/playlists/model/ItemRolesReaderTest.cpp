@@ -133,6 +133,7 @@ TEST_F(ItemRolesReaderTest, leavesToTheParserWhatIsDamagedOrUnusual) {
                              "{\"a\":1e3}",
                              "{\"a\":9223372036854775808}",
                              "{\"a\":-9223372036854775809}",
+                             "{\"\\udfb5\":1}",
                              "{\"a\":\"\\x\"}",
                              "{\"a\":\"\\\"}",
                              "{\"a\":\"\\",
@@ -165,7 +166,8 @@ TEST_F(ItemRolesReaderTest, noPlaceInATextIsLeftOut) {
                 EXPECT_TRUE(takes(begin + escaped + end)) << before << ' ' << escaped;
             EXPECT_TRUE(takes(begin + QString::fromUtf8("🎵") + end)) << before;
             EXPECT_TRUE(takes(begin + "\\u000a" + end)) << before;
-            EXPECT_FALSE(takes(begin + "\\ud83c" + end)) << before;
+            for (const char* half : {"\\ud83c", "\\udfb5"})
+                EXPECT_FALSE(takes(begin + half + end)) << before << ' ' << half;
             for (const ushort unit : {0, 0x22})
                 EXPECT_FALSE(takes(begin + QChar(unit) + end)) << before << ' ' << unit;
             takes(begin + QChar(0x1f) + end); // by one of them or the other
