@@ -1,7 +1,9 @@
 #include "ItemRolesReader.h"
 
+#include <algorithm>
 #include <limits>
 #include <rapidjson/reader.h>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -34,14 +36,14 @@ public:
     bool Double(double) { return false; }
     bool RawNumber(const char*, rapidjson::SizeType, bool) { return false; }
     bool String(const char* utf8, rapidjson::SizeType size, bool) {
-        if (m_passed > 0)
+        if (isPassing())
             return true;
         const QString text = textOf(utf8, size);
         return isWhole(text) && add(text);
     }
     bool Key(const char* utf8, rapidjson::SizeType size, bool) {
-        if (m_passed > 0)
-            return true;
+        if (isPassing())
+            return passName({utf8, size});
         m_open.back().name = textOf(utf8, size);
         return isWhole(m_open.back().name);
     }
@@ -83,23 +85,44 @@ private:
         return nullptr;
     }
 
+    // Inside of what is not kept.
+    bool isPassing() const { return !m_passed.empty(); }
+
+    bool pass() {
+        m_passed.push_back(m_names.size());
+        return int(m_open.size() + m_passed.size()) <= MaxDepth;
+    }
+
+    // A name that stands twice makes a text damaged, also there. One that may hold half of a
+    // surrogate pair is for the other parser to judge.
+    bool passName(std::string_view name) {
+        constexpr char FirstByteOfHalves = '\xED';
+        const auto begin = m_names.cbegin() + std::ptrdiff_t(m_passed.back());
+        if (name.find(FirstByteOfHalves) != name.npos ||
+            std::find(begin, m_names.cend(), name) != m_names.cend())
+            return false;
+        m_names.push_back(name);
+        return true;
+    }
+
     bool open(bool isList) {
-        if (m_passed > 0)
-            return int(m_open.size()) + ++m_passed <= MaxDepth;
+        if (isPassing())
+            return pass();
         QVariantHash* hash = nextHash();
         if (int(m_open.size()) == MaxDepth || (hash && isList))
             return false;
         if (hash && !m_open.empty() && std::exchange(m_open.back().hasNextHash, true))
             return false;
-        m_passed = hash == &m_result.mediaData && !m_withMediaData ? 1 : 0;
-        if (m_passed == 0)
-            m_open.push_back({hash, isList, false, {}, {}, {}});
+        if (hash == &m_result.mediaData && !m_withMediaData)
+            return pass();
+        m_open.push_back({hash, isList, false, {}, {}, {}});
         return true;
     }
 
     bool close() {
-        if (m_passed > 0) {
-            --m_passed;
+        if (isPassing()) {
+            m_names.resize(m_passed.back());
+            m_passed.pop_back();
             return true;
         }
         const Level level = std::move(m_open.back());
@@ -110,7 +133,7 @@ private:
     }
 
     bool add(const QVariant& value) {
-        if (m_passed > 0)
+        if (isPassing())
             return true;
         if (nextHash())
             return false; // only an object may stand here
@@ -128,8 +151,10 @@ private:
 
     ItemRolesReader& m_result;
     bool m_withMediaData;
-    int m_passed = 0;          // objects and lists that are open in what is not kept
     std::vector<Level> m_open; // the outermost first
+    // Of each object or list that is open in what is not kept: where its names begin.
+    std::vector<std::size_t> m_passed;
+    std::vector<std::string_view> m_names;
 };
 
 } // namespace

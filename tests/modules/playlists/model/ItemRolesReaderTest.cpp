@@ -212,6 +212,20 @@ TEST_F(ItemRolesReaderTest, neverDisagreesWithTheParserOnDamagedTexts) {
     EXPECT_LT(taken, 19000);
 }
 
+// What is passed over must be in order, too: an item whose roles cannot be read is not accepted.
+TEST_F(ItemRolesReaderTest, aNameThatStandsTwiceIsFoundInWhatIsPassedOver) {
+    ItemRolesReader reader;
+    const QByteArray text = R"({"title":"A","mediaData":{"x":{"y":1,"z":{"y":2}},"y":[{"y":3}]}})";
+    EXPECT_TRUE(reader.read(text, false));
+    for (const char* twice : {R"("x":4,"x":5)", R"("w":{"v":1,"v":2})", R"("w":[{"v":{},"v":1}])",
+                              R"("x":4,"\u0078":5)", R"("\udc00":4,"\udc01":5)"}) {
+        const QByteArray damaged =
+            QByteArray(text).replace("\"x\":{", QByteArray(twice) + ",\"q\":{");
+        EXPECT_FALSE(reader.read(damaged, false)) << twice;
+        EXPECT_FALSE(reader.read(damaged)) << twice;
+    }
+}
+
 TEST_F(ItemRolesReaderTest, nothingOfATextIsLeftForTheNext) {
     ItemRolesReader reader;
     ASSERT_TRUE(reader.read(R"({"title":"A","type":3,"mediaData":{"x":1,"metaData":{"y":2}}})"));
