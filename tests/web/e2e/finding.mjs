@@ -109,7 +109,7 @@ story('from a fresh phone page a known song is heard after two taps and typing',
     document.addEventListener('pointerdown', () => (window.taps += 1), true);
   }) });
   await me.page.getByRole('button', { name: 'Search', exact: true }).tap();
-  await me.page.keyboard.type('paper b');
+  await me.typeSearch('paper b');
   await me.row('side', 'Paper Boats').locator('.row-title').tap();
   await eventually(() => playing(device), 'Paper Boats');
   await eventually(() => device.value('player:state').then((state) => state.string), 'playing');
@@ -200,7 +200,7 @@ story('the music is searched and played by the keyboard alone', async ({ device,
   await me.openList('Party');
   await me.row('main', Lanterns[1]).focus();
   await keyboard.press('/');
-  await keyboard.type('small');
+  await me.typeSearch('small');
   await keyboard.press('Enter');
   await eventually(focused, 'Small Hours');
   await keyboard.press('ArrowUp');
@@ -230,7 +230,7 @@ story('a search that was asked for from inside the music leads back there', asyn
   await me.page.keyboard.press('Escape');
   await eventually(() => me.titles('side'), ['Lanterns on the Canal', 'Small Hours']);
   await me.page.keyboard.press('/');
-  await me.page.keyboard.type('ebb');
+  await me.typeSearch('ebb');
   await me.row('side', 'Ebb').waitFor();
   await goBack(me);
   await eventually(() => me.titles('side'), ['Lanterns on the Canal', 'Small Hours']);

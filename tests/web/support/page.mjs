@@ -76,6 +76,12 @@ export class Page {
     return this.page.getByRole('searchbox', { name: 'Search the music' });
   }
 
+  // By the keys, once the field that was asked for has them.
+  async typeSearch(text) {
+    await this.page.locator('[aria-label="Search the music"]:focus').waitFor();
+    await this.page.keyboard.type(text);
+  }
+
   // In the music, which is open.
   async search(text) {
     await this.searchField.fill(text);
