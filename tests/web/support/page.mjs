@@ -270,6 +270,9 @@ export class Page {
       await row.click({ button: 'right' });
       return;
     }
+    // What hears it comes with the player's bar, after the lists.
+    await this.page.locator('#player .transport').first().waitFor({ state: 'attached' });
+    await row.tap({ trial: true }); // where it is stays
     const box = await row.boundingBox();
     const pointer = await this.pointer();
     await pointer.down({ x: box.x + 20, y: box.y + box.height / 2 });
