@@ -46,9 +46,13 @@ story('adding many shows how far it is and can be stopped', async ({ device, ope
   const plid = await device.playlist('Everything');
   const me = await open();
   await me.openList('Everything');
-  // Slowly enough for a person to change their mind.
+  // From the second portion on the line waits until a person has changed their mind.
+  let portions = 0;
+  let goOn;
+  const stopped = new Promise((done) => (goOn = done));
   await me.page.route('**/api/data', async (route) => {
-    await new Promise((done) => setTimeout(done, 250));
+    if (/pl.add/.test(route.request().postDataJSON().path)) portions += 1;
+    if (portions > 1) await stopped;
     await route.continue();
   });
   await me.toFolders();
@@ -58,6 +62,7 @@ story('adding many shows how far it is and can be stopped', async ({ device, ope
   await card.locator('.progress-text', { hasText: /^Adding to Everything: \d/ }).waitFor();
   await eventually(() => card.locator('progress').evaluate((bar) => bar.value > 0 && bar.value < bar.max), true);
   await me.press(card.getByRole('button', { name: 'Stop' }));
+  goOn();
   await me.toast(/^Stopped: [\d,]+ tracks of 1,000 added to Everything\.$/).waitFor();
   const said = await me.toast('Stopped').locator('p').textContent();
   const { rowsCount } = await device.rows(`playlists:pl/items/${plid}`, 0, 0);
