@@ -38,7 +38,7 @@ public:
     // Writes what was put since the last time.
     void commit();
     // Forgets files that the loader has not asked for since the start, when they are more than
-    // those that were. Not before: a disk that is not plugged in today is back tomorrow.
+    // those that were. Not before: a disk that is missing for a while need not be read again.
     void forgetUnseen();
 
 private:
