@@ -18,16 +18,9 @@ async function slowly({ device, open, lay }, thereAndBack, ...items) {
 }
 
 story('"Remove" pressed twice removes what was chosen, once', async (t) => {
-  const { size } = t;
   const { me, order } = await slowly(t, 150, Albums.lanterns, Albums.hours);
   await me.chooseRows('main', second, third, fourth);
-  const remove = me.page.locator('#main').getByRole('button', { name: 'Remove' });
-  const box = await remove.boundingBox();
-  const at = [box.x + box.width / 2, box.y + box.height / 2];
-  if (size === 'phone') {
-    await me.page.touchscreen.tap(...at);
-    await me.page.touchscreen.tap(...at);
-  } else await me.page.mouse.dblclick(...at);
+  await me.pressTwice(me.page.locator('#main').getByRole('button', { name: 'Remove' }));
   const left = [first, fifth, ...Hours];
   await eventually(order, left);
   await eventually(() => me.titles('main'), left);
@@ -87,15 +80,9 @@ story('a track that is removed by its menu leaves at once, as by its key', async
 });
 
 story('the second of two presses on "Remove track" is none on what is beneath', async (t) => {
-  const { size } = t;
   const { me, order } = await slowly(t, 300, Albums.lanterns, Albums.hours);
   await me.menuOf('main', second);
-  const box = await me.entry('Remove track').boundingBox();
-  const at = [box.x + box.width / 2, box.y + box.height / 2];
-  if (size === 'phone') {
-    await me.page.touchscreen.tap(...at);
-    await me.page.touchscreen.tap(...at);
-  } else await me.page.mouse.dblclick(...at);
+  await me.pressTwice(me.entry('Remove track'));
   const left = [first, third, fourth, fifth, ...Hours];
   await eventually(order, left);
   await eventually(() => me.titles('main'), left);
