@@ -113,9 +113,9 @@ function(orvo_module name)
 endfunction()
 
 # One test program per file group and one ctest entry per program: starting a process per case costs more than the
-# case.
+# case. LABEL: ctest's, and LABEL_tests builds all programs that have it.
 function(orvo_test name)
-  cmake_parse_arguments(T "" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(T "" "TIMEOUT;LABEL" "SOURCES;LIBS" ${ARGN})
   orvo_sources(sources ${T_SOURCES})
   add_executable(${name} ${sources})
   orvo_common(${name})
@@ -129,6 +129,13 @@ function(orvo_test name)
     math(EXPR T_TIMEOUT "3 * ${T_TIMEOUT}")
   endif()
   set_tests_properties(${name} PROPERTIES TIMEOUT ${T_TIMEOUT})
+  if(T_LABEL)
+    set_tests_properties(${name} PROPERTIES LABELS ${T_LABEL})
+    if(NOT TARGET ${T_LABEL}_tests)
+      add_custom_target(${T_LABEL}_tests)
+    endif()
+    add_dependencies(${T_LABEL}_tests ${name})
+  endif()
   # Every store that a test makes is synced; in memory-backed storage that costs nothing. What must outlive a kill is
   # outlived there too: only a power cut would tell the difference.
   if(IS_DIRECTORY /dev/shm)

@@ -7,7 +7,7 @@
 #include <QJsonDocument>
 #include <QProcess>
 
-#include "../device/Device.h"
+#include "Device.h"
 
 namespace {
 

@@ -117,7 +117,7 @@ TEST_F(CMLogDeathTest, aFailedAssertionIsLoggedAsFatalAndEndsTheProcess) {
             fatalToStderr();
             CM_ASSERT(false, "the text");
         },
-        "FATAL <the text>(.|\n)*test_platform_api: the text\n");
+        "FATAL <the text>(.|\n)*api_test: the text\n");
     EXPECT_NO_FATAL_FAILURE(CM_ASSERT(true, "not this one"));
 }
 

@@ -1,8 +1,8 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { Edits } from '../../../web/js/model/edits.js';
-import { Lock } from '../../../web/js/model/lock.js';
-import { Order, trackKey } from '../../../web/js/model/order.js';
+import { Edits } from '../../../../web/js/model/edits.js';
+import { Lock } from '../../../../web/js/model/lock.js';
+import { Order, trackKey } from '../../../../web/js/model/order.js';
 
 const target = { plid: 5, path: 'playlists:pl/items/5' };
 const row = (title) => ({ path: `playlists:item/${title}`, title });

@@ -1,6 +1,6 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { Player } from '../../../web/js/model/player.js';
+import { Player } from '../../../../web/js/model/player.js';
 
 const Volume = 'player:volume';
 

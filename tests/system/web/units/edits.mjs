@@ -1,10 +1,10 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { EditQueue } from '../../../web/js/model/editQueue.js';
-import { Lock } from '../../../web/js/model/lock.js';
-import { Order } from '../../../web/js/model/order.js';
-import { duplicates, sorted } from '../../../web/js/model/sorting.js';
-import { isBlank } from '../../../web/js/model/commands.js';
+import { EditQueue } from '../../../../web/js/model/editQueue.js';
+import { Lock } from '../../../../web/js/model/lock.js';
+import { Order } from '../../../../web/js/model/order.js';
+import { duplicates, sorted } from '../../../../web/js/model/sorting.js';
+import { isBlank } from '../../../../web/js/model/commands.js';
 
 const changed = () => Object.assign(new Error('changed'), { status: 409 });
 

@@ -11,7 +11,7 @@ import tempfile
 import time
 
 sys.dont_write_bytecode = True
-sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
+sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../support"))
 
 import model
 import store_file

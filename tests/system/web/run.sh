@@ -28,7 +28,7 @@ music() {
     shift
     [[ -d $folder ]] && return
     rm -rf "$folder.part"
-    "$here/../../tools/demo-music" "$@" "$folder.part"
+    "$here/../../../tools/demo-music" "$@" "$folder.part"
     mv "$folder.part" "$folder"
 }
 # Tunes that do not end while a story looks at them: what plays changes only when a story says so.

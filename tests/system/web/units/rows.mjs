@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { ListStore, insertedRuns } from '../../../web/js/model/rows.js';
-import { showMoved, showRemoved } from '../../../web/js/model/shown.js';
+import { ListStore, insertedRuns } from '../../../../web/js/model/rows.js';
+import { showMoved, showRemoved } from '../../../../web/js/model/shown.js';
 
 // A list that answers when it is told to.
 class FakeList {

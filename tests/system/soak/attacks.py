@@ -11,7 +11,7 @@ import traceback
 from typing import Callable, NamedTuple
 
 sys.dont_write_bytecode = True
-sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
+sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../support"))
 
 import attacks_by_request as request
 import attacks_by_surroundings as surroundings
@@ -125,7 +125,7 @@ def main():
         if options.sanitized:
             os.environ["ASAN_OPTIONS"] = os.environ["UBSAN_OPTIONS"] = f"log_path={folder}/report"
             # What the libraries keep for good is told by its whole stack.
-            known = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "lsan.supp")
+            known = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "lsan.supp")
             os.environ["LSAN_OPTIONS"] = (
                 f"suppressions={known}:fast_unwind_on_malloc=0:print_suppressions=0")
         device = attacked(attack, options, folder)

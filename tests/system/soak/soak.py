@@ -12,7 +12,7 @@ import threading
 import time
 
 sys.dont_write_bytecode = True
-sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
+sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../support"))
 
 from clients import Client
 from measures import Samples, percentile, slope

@@ -1,9 +1,9 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { components, isAtOrBelow, params, samePlace } from '../../../web/js/core/device.js';
-import { heading } from '../../../web/js/view/hero.js';
-import { RowMetrics } from '../../../web/js/view/rowview.js';
-import { clock, duration, searchText } from '../../../web/js/model/rows.js';
+import { components, isAtOrBelow, params, samePlace } from '../../../../web/js/core/device.js';
+import { heading } from '../../../../web/js/view/hero.js';
+import { RowMetrics } from '../../../../web/js/view/rowview.js';
+import { clock, duration, searchText } from '../../../../web/js/model/rows.js';
 
 test('pathsAreComparedByWholeComponentsWithoutParameters', () => {
   assert.ok(isAtOrBelow('playlists:pl/items/1', 'playlists:pl/items'));
