@@ -257,8 +257,12 @@ void Controller::checkInSlices(const ReqGroupProperties& props,
     if (!check->run(deadline)) {
         QTimer::singleShot(0, this, [this, props, check] { checkInSlices(props, check, true); });
     } else if (areMany) {
-        // The transaction takes long enough without a slice in front of it.
-        QTimer::singleShot(0, this, [this, props, check] { finishAdding(props, *check); });
+        // The transaction takes long enough without a slice in front of it, or the items' release
+        // behind it: that is left to a turn of the event loop of its own.
+        QTimer::singleShot(0, this, [this, props, check] {
+            finishAdding(props, *check);
+            QTimer::singleShot(0, this, [check] {});
+        });
     } else {
         finishAdding(props, *check);
     }
