@@ -154,7 +154,10 @@ bool JsonReader::readObject(const QByteArray& given, QVariantHash* object, QStri
     using Utf8 = rapidjson::UTF8<>;
     rapidjson::MemoryStream bytes(text.constData(), std::size_t(text.size()));
     rapidjson::EncodedInputStream<Utf8, rapidjson::MemoryStream> input(bytes);
-    rapidjson::GenericReader<Utf8, QtTextEncoding> parser;
+    // Room for the longest text at once: one that grows with it, copy by copy, takes as long as
+    // reading does.
+    const std::size_t longestText = std::size_t(text.size()) * sizeof(ushort);
+    rapidjson::GenericReader<Utf8, QtTextEncoding> parser(nullptr, longestText);
     RecordBuilder builder(maxValues);
     const rapidjson::ParseResult result =
         parser.Parse<rapidjson::kParseValidateEncodingFlag | rapidjson::kParseFullPrecisionFlag>(
