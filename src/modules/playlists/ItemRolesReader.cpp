@@ -14,6 +14,9 @@ namespace {
 // Deeper than any roles.
 constexpr int MaxDepth = 8;
 
+// More than any object in roles has: names that are passed over are compared one by one.
+constexpr std::size_t MaxPassedNames = 64;
+
 // Fills the reader's hashes from what RapidJSON finds, in the form that it calls. Each function
 // returns whether to go on.
 class RolesBuilder {
@@ -38,14 +41,13 @@ public:
     bool String(const char* utf8, rapidjson::SizeType size, bool) {
         if (isPassing())
             return true;
-        const QString text = textOf(utf8, size);
-        return isWhole(text) && add(text);
+        QString text;
+        return readText({utf8, size}, &text) && add(text);
     }
     bool Key(const char* utf8, rapidjson::SizeType size, bool) {
         if (isPassing())
             return passName({utf8, size});
-        m_open.back().name = textOf(utf8, size);
-        return isWhole(m_open.back().name);
+        return readText({utf8, size}, &m_open.back().name);
     }
     bool StartObject() { return open(false); }
     bool EndObject(rapidjson::SizeType) { return close(); }
@@ -64,13 +66,16 @@ private:
         QVariantList list;
     };
 
-    static QString textOf(const char* utf8, rapidjson::SizeType size) {
-        return QString::fromUtf8(utf8, int(size));
+    // Half of a surrogate pair is for the other parser to judge, and so is a byte-order mark, which
+    // Qt drops at the beginning of some texts.
+    static bool readText(std::string_view utf8, QString* text) {
+        *text = QString::fromUtf8(utf8.data(), int(utf8.size()));
+        return !startsWithMark(utf8) && !text->contains(QChar(QChar::ReplacementCharacter));
     }
 
-    // Half of a surrogate pair is for the other parser to judge.
-    static bool isWhole(const QString& text) {
-        return !text.contains(QChar(QChar::ReplacementCharacter));
+    static bool startsWithMark(std::string_view utf8) {
+        constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+        return utf8.substr(0, ByteOrderMark.size()) == ByteOrderMark;
     }
 
     // Where the value that comes next goes as an object of its own, null elsewhere.
@@ -93,12 +98,13 @@ private:
         return int(m_open.size() + m_passed.size()) <= MaxDepth;
     }
 
-    // A name that stands twice makes a text damaged, also there. One that may hold half of a
-    // surrogate pair is for the other parser to judge.
+    // A name that stands twice makes a text damaged, also there. What readText() leaves to the
+    // other parser is left to it here, too.
     bool passName(std::string_view name) {
         constexpr char FirstByteOfHalves = '\xED';
         const auto begin = m_names.cbegin() + std::ptrdiff_t(m_passed.back());
-        if (name.find(FirstByteOfHalves) != name.npos ||
+        if (m_names.size() - m_passed.back() == MaxPassedNames || startsWithMark(name) ||
+            name.find(FirstByteOfHalves) != name.npos ||
             std::find(begin, m_names.cend(), name) != m_names.cend())
             return false;
         m_names.push_back(name);

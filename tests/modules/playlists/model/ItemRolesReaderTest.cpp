@@ -153,6 +153,16 @@ TEST_F(ItemRolesReaderTest, leavesToTheParserWhatIsDamagedOrUnusual) {
     EXPECT_FALSE(takes(QChar(0xFEFF) + QStringLiteral("{}")));
 }
 
+TEST_F(ItemRolesReaderTest, leavesAByteOrderMarkToTheParser) {
+    for (const char* text :
+         {R"({"title":"\ufeffA"})", R"({"title":"\ufeff"})", R"({"\ufefftitle":"A"})",
+          "{\"title\":\"\uFEFFA\\n\"}", "{\"title\":\"\uFEFFA\"}",
+          R"({"mediaData":{"metaData":{"artist":"\ufeffA"}}})"}) {
+        EXPECT_FALSE(takes(QString::fromUtf8(text))) << text;
+    }
+    EXPECT_TRUE(takes(R"({"title":"A\ufeff"})"));
+}
+
 // Many units are taken at a step: the end of a text, and what is for the parser, is seen
 // everywhere.
 TEST_F(ItemRolesReaderTest, noPlaceInATextIsLeftOut) {
@@ -224,6 +234,22 @@ TEST_F(ItemRolesReaderTest, aNameThatStandsTwiceIsFoundInWhatIsPassedOver) {
         EXPECT_FALSE(reader.read(damaged, false)) << twice;
         EXPECT_FALSE(reader.read(damaged)) << twice;
     }
+}
+
+// They are compared one by one: tens of thousands would hold everybody up.
+TEST_F(ItemRolesReaderTest, manyNamesInWhatIsPassedOverAreLeftToTheParser) {
+    const auto withNames = [](int count) {
+        QStringList members;
+        for (int i = 0; i < count; ++i)
+            members.append(QStringLiteral("\"%1\":%1").arg(i));
+        return QStringLiteral(R"({"title":"A","mediaData":{"x":[{%1}]}})")
+            .arg(members.join(','))
+            .toUtf8();
+    };
+    ItemRolesReader reader;
+    EXPECT_TRUE(reader.read(withNames(64), false));
+    EXPECT_FALSE(reader.read(withNames(65), false));
+    EXPECT_TRUE(reader.read(withNames(65)));
 }
 
 TEST_F(ItemRolesReaderTest, nothingOfATextIsLeftForTheNext) {
