@@ -117,9 +117,9 @@ void PlayListPlayLogic::on_currentPlayList_itemsInserted(const QList<int>& posit
 }
 
 // Several removed indices are applied one after the other as they are, although each removal has
-// already renumbered what stands behind it: shuffle orders have always followed a removal this way.
-// So the j-th of them, from 0, takes the entry that was j higher to begin
-// with, and one pass does for all of them.
+// already renumbered what stands behind it ("Order under shuffle" in docs/commands.md). So the j-th
+// of them, from 0, takes the entry that was j higher to begin with, and one pass does for all of
+// them.
 //   order 4 2 0 3 1, indices 1 and 2: the entries 1 and 3 go, 2 1 0 are left
 void PlayListPlayLogic::removeFromShuffle(const QList<int>& indices) {
     QVector<int> taken;
@@ -203,8 +203,8 @@ void PlayListPlayLogic::on_currentPlayList_itemMoved(int from, int to) {
     CM_ENTER_ARGS(playLogicLog(), "from=" << from << " to=" << to);
     putCursorOnPlaying();
     if (m_shuffleEnabled) {
-        // The two numbers are exchanged and those between are not shifted: the moved track and the
-        // one at its new place change turns, the turns of all others stay.
+        // The two numbers are exchanged and those between are not shifted, though their tracks are:
+        // "Order under shuffle" in docs/commands.md.
         for (int& entry : m_shuffleSeq) {
             if (entry == from)
                 entry = to;
