@@ -10,7 +10,6 @@ namespace {
 // The items of one answer are made in one turn of the event loop.
 constexpr int MaxHints = 500;
 constexpr std::size_t MaxMatches = 64;
-constexpr int ScanPatienceMs = 10000;
 constexpr int KeepMatcherMs = 5000;
 
 CMError matchRefusal(const QString& name, const char* text, const QStringList& arguments = {}) {

@@ -25,6 +25,10 @@ public:
 
     void match(const CMSetDataRequest& request);
 
+    // How long a request waits for a scan, unless this says otherwise.
+    static constexpr int ScanPatienceMs = 10000;
+    void setScanPatience(int milliseconds) { m_patience.setInterval(milliseconds); }
+
 private:
     using MatcherPtr = std::shared_ptr<const TrackMatcher>;
     struct Found {

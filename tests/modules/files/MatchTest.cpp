@@ -1,4 +1,5 @@
 #include "FilesFixture.h"
+#include "MatchQueue.h"
 #include "Printing.h"
 
 using SoundFiles::writeWav;
@@ -131,4 +132,27 @@ TEST_F(Match, wrongRequestsAreRefused) {
     EXPECT_EQ(match({1, "a", QVariantHash{{"files", 3}, {"duration", "x"}}, QVariant()}),
               (QStringList{"-", "-", "-", "-"}));
     EXPECT_EQ(match({}), QStringList());
+}
+
+TEST_F(Match, beforeTheFirstScanHasEndedARequestIsRefusedAfterAWhile) {
+    MusicTree tree(file({}));
+    TagLoader loader(&tree, {});
+    Scanner scanner(&tree, &loader);
+    LibraryIndex index(&tree, &scanner);
+    // The scan never begins, so there is nothing to publish.
+    ChangePublisher publisher(&tree, &scanner, &index, nullptr);
+    MatchQueue queue(&tree, &scanner, &index, &publisher);
+    queue.setScanPatience(20);
+    std::vector<CMReply<QVariant>> replies(2);
+    for (CMReply<QVariant>& reply : replies) {
+        reply = CMReply<QVariant>();
+        queue.match(CMSetDataRequest(CMPath("files:match"), QVariantList{named("a.wav")}, reply));
+        EXPECT_FALSE(reply.isFinished());
+    }
+    for (const CMReply<QVariant>& reply : replies) {
+        ASSERT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+        EXPECT_EQ(reply.error().name(), "Scanning");
+        EXPECT_EQ(reply.error().message().toString(),
+                  "The music folder is still being looked through. Please try again later.");
+    }
 }
