@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include <QPointer>
 #include <QRegularExpression>
 #include <QTimer>
 
@@ -30,10 +29,6 @@ constexpr PathsRow KindsOfPaths[] = {
 CMPath itemsPath(int plid) {
     return plid == PlayQueueId ? OrvoPlayListPqGetItemsPath()
                                : OrvoPlayListPlGetItemsPath() + QString::number(plid);
-}
-
-CMError exportRefusal(const TrString& why) {
-    return CMError(CMError::InvalidValue(), why, CMError::DefaultTitle());
 }
 
 ListedTrack trackOf(const QVariantList& row) {
@@ -64,9 +59,6 @@ QString fileNameOf(const QString& name, const QString& suffix) {
 
 } // namespace
 
-ExportJob::ExportJob(const CMSetDataRequest& request, QThreadPool* pool, QObject* parent)
-    : QObject(parent), m_request(request), m_pool(pool) {}
-
 void ExportJob::start() {
     if (readArguments())
         findName();
@@ -80,7 +72,7 @@ bool ExportJob::readArguments() {
     m_plid = OrvoPlayListPlId(args).plid();
     m_format = ListFormats::ofSuffix(text("format", "m3u8"));
     if (!m_format || !m_format->write) {
-        fail(exportRefusal(TrString("Lists", "The format must be m3u8 or xspf.")));
+        fail(refusal(TrString("Lists", "The format must be m3u8 or xspf.")));
         return false;
     }
     const QString wanted = text("paths", "relative");
@@ -88,7 +80,7 @@ bool ExportJob::readArguments() {
         std::begin(KindsOfPaths), std::end(KindsOfPaths),
         [&wanted](const PathsRow& each) { return wanted == QLatin1String(each.name); });
     if (row == std::end(KindsOfPaths)) {
-        fail(exportRefusal(TrString("Lists", "The paths must be relative, absolute or url.")));
+        fail(refusal(TrString("Lists", "The paths must be relative, absolute or url.")));
         return false;
     }
     m_paths = row->paths;
@@ -103,46 +95,30 @@ void ExportJob::findName() {
         nextPart();
         return;
     }
-    const CMReplyData<OrvoRowsRoles> reply;
-    CMRoot()->getRowsRequest(CMGetRowsRequest(OrvoPlayListPlGetlistPath(), 0,
-                                              CMGetRowsRequest::LastRow,
-                                              {OrvoRoles::Title(), OrvoRoles::Path()}, reply));
-    const QPointer<ExportJob> alive(this);
-    reply.onError([alive](const CMError& error) {
-        if (alive)
-            alive->fail(error);
+    readRows(OrvoPlayListPlGetlistPath(), 0, CMGetRowsRequest::LastRow,
+             {OrvoRoles::Title(), OrvoRoles::Path()},
+             [this](const OrvoRowsRoles& lists) { takeName(lists); });
+}
+
+void ExportJob::takeName(const OrvoRowsRoles& lists) {
+    const CMPath wanted = itemsPath(m_plid);
+    const QVariantList rows = lists.rows();
+    const auto found = std::find_if(rows.cbegin(), rows.cend(), [&wanted](const QVariant& row) {
+        return CMPath::fromQVariant(row.toList().value(1)) == wanted;
     });
-    reply.onSuccess([alive](const OrvoRowsRoles& lists) {
-        if (!alive)
-            return;
-        const CMPath wanted = itemsPath(alive->m_plid);
-        const QVariantList rows = lists.rows();
-        const auto found = std::find_if(rows.cbegin(), rows.cend(), [&wanted](const QVariant& row) {
-            return CMPath::fromQVariant(row.toList().value(1)) == wanted;
-        });
-        if (found == rows.cend()) {
-            alive->fail(exportRefusal(TrString("Lists", "There is no playlist with this ID.")));
-            return;
-        }
-        alive->m_list.name = TrString::fromVariant(found->toList().value(0)).toString();
-        alive->nextPart();
-    });
+    if (found == rows.cend()) {
+        fail(refusal(TrString("Lists", "There is no playlist with this ID.")));
+        return;
+    }
+    m_list.name = TrString::fromVariant(found->toList().value(0)).toString();
+    nextPart();
 }
 
 void ExportJob::nextPart() {
     const int from = int(m_list.tracks.size());
-    const CMReplyData<OrvoRowsRoles> reply;
-    CMRoot()->getRowsRequest(CMGetRowsRequest(itemsPath(m_plid), from, from + RowsPerPart - 1,
-                                              {OrvoRoles::Title(), OrvoRoles::MediaData()}, reply));
-    const QPointer<ExportJob> alive(this);
-    reply.onError([alive](const CMError& error) {
-        if (alive)
-            alive->fail(error);
-    });
-    reply.onSuccess([alive](const OrvoRowsRoles& rows) {
-        if (alive)
-            alive->takeRows(rows);
-    });
+    readRows(itemsPath(m_plid), from, from + RowsPerPart - 1,
+             {OrvoRoles::Title(), OrvoRoles::MediaData()},
+             [this](const OrvoRowsRoles& rows) { takeRows(rows); });
 }
 
 void ExportJob::takeRows(const OrvoRowsRoles& rows) {

@@ -3,10 +3,8 @@
 #include <algorithm>
 
 #include <QFileInfo>
-#include <QPointer>
 #include <QTimer>
 
-#include "CMRootWorker.h"
 #include "ListLimits.h"
 #include "ListsLog.h"
 #include "ListText.h"
@@ -19,8 +17,9 @@ namespace {
 // Adding so many takes a few milliseconds, which is what other requests wait.
 constexpr std::size_t EntriesPerPart = 64;
 
-CMError importRefusal(const TrString& why) {
-    return CMError(CMError::InvalidValue(), why, CMError::DefaultTitle());
+// In the name of a playlist that has a part of its tracks.
+QString unfinishedMark() {
+    return TrString("Lists", "(import unfinished)").toString();
 }
 
 QVariant hintOf(const ListedTrack& track, const QStringList& files) {
@@ -41,16 +40,13 @@ QString shownText(const ListedTrack& track) {
 
 } // namespace
 
-ImportJob::ImportJob(const CMSetDataRequest& request, QThreadPool* pool, QObject* parent)
-    : QObject(parent), m_request(request), m_pool(pool) {}
-
 void ImportJob::start() {
     const QVariantHash args = m_request.value().toHash();
     const auto text = [&args](const char* name) {
         return args.value(QString::fromLatin1(name)).toString();
     };
     if (args.contains(QStringLiteral("text")) == args.contains(QStringLiteral("bytes"))) {
-        fail(importRefusal(TrString("Lists", "Either \"text\" or \"bytes\" is needed.")));
+        fail(refusal(TrString("Lists", "Either \"text\" or \"bytes\" is needed.")));
         return;
     }
     m_name = text("name");
@@ -78,7 +74,7 @@ ListReader::Result ImportJob::read(const Source& source) {
 void ImportJob::take(const ResultPtr& result) {
     m_file = result;
     if (!m_file->refusal.isEmpty()) {
-        fail(importRefusal(m_file->refusal));
+        fail(refusal(m_file->refusal));
         return;
     }
     if (!m_request.value().toHash().contains(QStringLiteral("name"))) {
@@ -88,7 +84,7 @@ void ImportJob::take(const ResultPtr& result) {
                                [](const QString& name) { return !name.isEmpty(); });
     }
     if (m_file->list.tracks.empty())
-        create({});
+        create(m_name, [this] { answer(); });
     else
         nextPart();
 }
@@ -96,7 +92,7 @@ void ImportJob::take(const ResultPtr& result) {
 void ImportJob::nextPart() {
     const std::vector<ListedTrack>& tracks = m_file->list.tracks;
     if (m_next >= tracks.size()) {
-        answer();
+        finish();
         return;
     }
     m_places.clear();
@@ -133,23 +129,33 @@ void ImportJob::takeItems(const QVariantList& found) {
     if (items.isEmpty())
         later(&ImportJob::nextPart);
     else if (m_plid < 0)
-        create(items);
+        begin(items);
     else
         add(items);
 }
 
-void ImportJob::create(const QList<OrvoPlayListItem>& items) {
+void ImportJob::begin(const QList<OrvoPlayListItem>& items) {
+    const auto addFirst = [this, items] {
+        readRevision([this, items](const auto&) { add(items); });
+    };
+    if (m_name.isEmpty()) {
+        create(m_name, addFirst);
+        return;
+    }
+    // A name that leaves no room for the mark does without.
+    create(m_name + QLatin1Char(' ') + unfinishedMark(), addFirst,
+           [this, addFirst](const CMError&) { create(m_name, addFirst); });
+}
+
+void ImportJob::create(const QString& name, const std::function<void()>& then,
+                       const OnError& otherwise) {
     OrvoPlayListPlCreate args;
-    args.setName(m_name);
-    invoke(OrvoPlayListPlCreatePath(), args.toVariant(), [this, items](const QVariant& result) {
+    args.setName(name);
+    const auto take = [this, then](const QVariant& result) {
         m_plid = OrvoActionReply(result).result().value().i32();
-        readRevision([this, items] {
-            if (items.isEmpty())
-                answer();
-            else
-                add(items);
-        });
-    });
+        then();
+    };
+    invoke(OrvoPlayListPlCreatePath(), args.toVariant(), take, otherwise);
 }
 
 void ImportJob::add(const QList<OrvoPlayListItem>& items) {
@@ -159,9 +165,9 @@ void ImportJob::add(const QList<OrvoPlayListItem>& items) {
     args.setRevision(m_revision);
     m_added += items.size();
     invoke(OrvoPlayListPlAddExternalItemsPath(), args.toVariant(), [this](const QVariant&) {
-        readRevision([this] {
+        readRevision([this](const auto&) {
             if (m_rowsCount < m_added)
-                fail(importRefusal(
+                fail(refusal(
                     TrString("Lists", "The device has no room for all tracks of the list.")));
             else
                 later(&ImportJob::nextPart);
@@ -169,40 +175,35 @@ void ImportJob::add(const QList<OrvoPlayListItem>& items) {
     });
 }
 
-void ImportJob::readRevision(const std::function<void()>& then) {
-    const CMReplyData<OrvoRowsRoles> reply;
-    CMRoot()->getRowsRequest(
-        CMGetRowsRequest(OrvoPlayListPlGetItemsPath() + QString::number(m_plid), 0, 0, {}, reply));
-    const QPointer<ImportJob> alive(this);
-    reply.onError([alive](const CMError& error) {
-        if (alive)
-            alive->fail(error);
-    });
-    reply.onSuccess([alive, then](const OrvoRowsRoles& rows) {
-        if (!alive)
-            return;
-        alive->m_revision = rows.revision();
-        alive->m_rowsCount = rows.rowsCount();
-        then();
-    });
+void ImportJob::readRevision(const std::function<void(const OrvoRowsRoles&)>& then) {
+    readRows(OrvoPlayListPlGetItemsPath() + QString::number(m_plid), 0, 0, {},
+             [this, then](const OrvoRowsRoles& rows) {
+                 m_revision = rows.revision();
+                 m_rowsCount = rows.rowsCount();
+                 then(rows);
+             });
 }
 
 void ImportJob::later(void (ImportJob::*step)()) {
     QTimer::singleShot(0, this, [this, step] { (this->*step)(); });
 }
 
-void ImportJob::invoke(const CMPath& path, const QVariant& args,
-                       const std::function<void(const QVariant&)>& then) {
-    const CMReply<QVariant> reply;
-    CMRoot()->invoke(path, args, reply);
-    const QPointer<ImportJob> alive(this);
-    reply.onError([alive](const CMError& error) {
-        if (alive)
-            alive->fail(error);
-    });
-    reply.onSuccess([alive, then](const QVariant& value) {
-        if (alive)
-            then(value);
+void ImportJob::finish() {
+    if (m_plid < 0) {
+        answer();
+        return;
+    }
+    readRevision([this](const OrvoRowsRoles& rows) {
+        // A name that another client gave it stays.
+        if (!rows.roles().title().toString().contains(unfinishedMark())) {
+            answer();
+            return;
+        }
+        OrvoPlayListPlSetName args;
+        args.setPlid(m_plid);
+        args.setName(m_name);
+        invoke(OrvoPlayListPlSetNamePath(), args.toVariant(),
+               [this](const QVariant&) { answer(); });
     });
 }
 
@@ -220,12 +221,26 @@ void ImportJob::answer() {
 
 void ImportJob::fail(const CMError& error) {
     LOG4CPLUS_WARN(listsLogger(), "cannot import: " << error.message().toString());
-    if (m_plid >= 0) {
-        OrvoPlayListPlId args;
-        args.setPlid(m_plid);
-        args.setRevision(m_revision);
-        CMRoot()->invoke(OrvoPlayListPlDeletePath(), args.toVariant(), {});
+    if (m_plid < 0) {
+        refuse(error);
+        return;
     }
+    OrvoPlayListPlId args;
+    args.setPlid(m_plid);
+    args.setRevision(m_revision);
+    // It stays where another client has changed it, and where the store takes nothing more.
+    const auto tellWhatStays = [this, error](const CMError&) {
+        refuse(CMError(error.name(),
+                       TrString("Lists", "%1 Tracks added until then: %2.",
+                                {error.message().toString(), QString::number(m_rowsCount)}),
+                       error.title()));
+    };
+    invoke(
+        OrvoPlayListPlDeletePath(), args.toVariant(),
+        [this, error](const QVariant&) { refuse(error); }, tellWhatStays);
+}
+
+void ImportJob::refuse(const CMError& error) {
     end();
     m_request.reply().setError(error);
 }

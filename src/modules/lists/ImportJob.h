@@ -2,26 +2,23 @@
 
 #include <memory>
 
-#include <QObject>
-#include <QThreadPool>
-
-#include "CMRequest.h"
+#include "ListJob.h"
 #include "ListReader.h"
 #include "OrvoPlayListItem.h"
 #include "TrackPlace.h"
 
 // Answers one `lists:import`: reads the file in a thread, has its tracks found by the files module
 // and added to a new playlist, in parts, so that other requests get their turns. The playlist is
-// made when the first track is found; when the playlists module refuses anything, or has room for a
-// part only, it is deleted again. That and every addition goes by the revision that the playlist
-// had before, so that what another client did with it is not undone. Owned by the worker, on the
-// event loop's thread; deletes itself when it has answered.
-class ImportJob : public QObject {
+// made when the first track is found, and until the last one is in it its name says so, which is
+// what a crash leaves. When the playlists module refuses anything, or has room for a part only, it
+// is deleted again. That and every addition goes by the revision that the playlist had before, so
+// that what another client did with it is not undone.
+class ImportJob : public ListJob {
     Q_OBJECT
 public:
-    ImportJob(const CMSetDataRequest& request, QThreadPool* pool, QObject* parent);
+    using ListJob::ListJob;
 
-    void start();
+    void start() override;
 
 private:
     struct Source {
@@ -38,18 +35,21 @@ private:
     void nextPart();
     // One for each file of the part; empty where the files module found none.
     void takeItems(const QVariantList& found);
-    void create(const QList<OrvoPlayListItem>& items);
+    void begin(const QList<OrvoPlayListItem>& items);
+    void create(const QString& name, const std::function<void()>& then,
+                const OnError& otherwise = {});
     void add(const QList<OrvoPlayListItem>& items);
-    void readRevision(const std::function<void()>& then);
+    void readRevision(const std::function<void(const OrvoRowsRoles&)>& then);
     void later(void (ImportJob::*step)());
-    void invoke(const CMPath& path, const QVariant& args,
-                const std::function<void(const QVariant&)>& then);
+    // All that was found is added.
+    void finish();
     void answer();
+    // Lets go of everything but itself.
     void end();
-    void fail(const CMError& error);
+    // Undoes what was done.
+    void fail(const CMError& error) override;
+    void refuse(const CMError& error);
 
-    CMSetDataRequest m_request;
-    QThreadPool* m_pool;
     QString m_name; // as asked for
     QString m_fileName;
     QString m_base;

@@ -1,3 +1,6 @@
+#include <csignal>
+#include <sys/resource.h>
+
 #include <QCoreApplication>
 
 #include "ListsFixture.h"
@@ -5,6 +8,31 @@
 namespace {
 
 class Import : public ListsFixture {};
+
+// A files module whose first scan takes too long.
+class ScanningFiles : public CMNodesWorker {
+public:
+    ScanningFiles() : CMNodesWorker({}, QStringLiteral("Files")) {}
+
+    void setDataRequest(const CMSetDataRequest& request) override {
+        request.reply().setError(CMError("Scanning", TrString("Still looking."), TrString()));
+    }
+};
+
+// While it is there no file can be written.
+class FullDisk {
+public:
+    FullDisk() {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit = {1, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
+
+private:
+    rlimit m_before = {};
+};
 
 } // namespace
 
@@ -130,20 +158,94 @@ TEST_F(Import, whatAnotherClientDoesWithThePlaylistMeanwhileStays) {
     for (const QString& edit : edits) {
         const CMReply<QVariant> reply;
         CMRoot()->invoke(CMPath("lists:import"), args, reply);
-        ASSERT_TRUE(waitFor([] { return playlistNames() == QStringList{"Long"}; }));
-        ASSERT_TRUE(waitFor([] { return rows(1).size() > 1; }));
+        ASSERT_TRUE(waitFor([] { return !playlistNames().isEmpty() && rows(1).size() > 1; }));
+        EXPECT_EQ(playlistNames(), QStringList{"Long (import unfinished)"});
+        const int size = rows(1).size();
         EXPECT_EQ(call(edit, {{"plid", 1}, {"items", QVariantList{0}}}).error.name(), "");
         if (playlistNames().isEmpty())
             call("playlists:pl/create", {{"name", "Other"}});
         ASSERT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
         EXPECT_TRUE(reply.isError());
+        EXPECT_TRUE(reply.error().message().toString().endsWith(
+            QStringLiteral(" Tracks added until then: %1.").arg(size)));
         if (edit == edits.last()) {
             EXPECT_EQ(playlistNames(), QStringList{"Other"});
         } else {
             EXPECT_EQ(reply.error().name(), "Conflict");
-            EXPECT_EQ(playlistNames(), QStringList{"Long"});
-            EXPECT_LT(rows(1).size(), 2000);
+            EXPECT_EQ(playlistNames(), QStringList{"Long (import unfinished)"});
+            EXPECT_EQ(rows(1).size(), size - 1);
             call("playlists:pl/delete", {{"plid", 1}});
         }
     }
+}
+
+TEST_F(Import, untilTheLastTrackIsThereTheNameSaysSoAlsoAfterARestart) {
+    track("a.wav");
+    start();
+    const QVariantHash args = {{"text", QString("a.wav\n").repeated(500)}, {"name", "Long"}};
+    const CMReply<QVariant> reply;
+    CMRoot()->invoke(CMPath("lists:import"), args, reply);
+    ASSERT_TRUE(waitFor([] { return !playlistNames().isEmpty() && rows(1).size() > 1; }));
+    const int size = rows(1).size();
+    ASSERT_LT(size, 500);
+    restart();
+    EXPECT_EQ(playlistNames(), QStringList{"Long (import unfinished)"});
+    EXPECT_EQ(rows(1).size(), size);
+    EXPECT_EQ(call("lists:import", args).added(), 500);
+    EXPECT_EQ(playlistNames(), (QStringList{"Long (import unfinished)", "Long"}));
+}
+
+TEST_F(Import, aNameThatAnotherClientGivesItMeanwhileStays) {
+    track("a.wav");
+    start();
+    const CMReply<QVariant> reply;
+    CMRoot()->invoke(CMPath("lists:import"),
+                     QVariantHash{{"text", QString("a.wav\n").repeated(500)}, {"name", "Long"}},
+                     reply);
+    ASSERT_TRUE(waitFor([] { return !playlistNames().isEmpty(); }));
+    call("playlists:pl/setName", {{"plid", 1}, {"name", "Mine"}});
+    ASSERT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+    EXPECT_FALSE(reply.isError());
+    EXPECT_EQ(playlistNames(), QStringList{"Mine"});
+    EXPECT_EQ(rows(1).size(), 500);
+}
+
+TEST_F(Import, aNameThatLeavesNoRoomForTheMarkIsTakenAsItIs) {
+    track("a.wav");
+    start({{"playlists/maxNameBytes", 10}});
+    const Answer answer = call("lists:import", {{"text", "a.wav\n"}, {"name", "ten bytes!"}});
+    EXPECT_EQ(answer.added(), 1);
+    EXPECT_EQ(playlistNames(), QStringList{"ten bytes!"});
+}
+
+TEST_F(Import, beforeTheFirstScanHasEndedTheRefusalIsPassedOnAndNothingIsMade) {
+    start();
+    unloadFiles();
+    const ScanningFiles files;
+    const Answer answer = importText("a.wav\n");
+    EXPECT_EQ(answer.error.name(), "Scanning");
+    EXPECT_EQ(answer.message(), "Still looking.");
+    EXPECT_EQ(playlistNames(), QStringList());
+}
+
+TEST_F(Import, whereTheDiskIsFullSoThatNothingCanBeUndoneTheAnswerSaysWhatStays) {
+    track("a.wav");
+    start();
+    const CMReply<QVariant> reply;
+    CMRoot()->invoke(CMPath("lists:import"),
+                     QVariantHash{{"text", QString("a.wav\n").repeated(2000)}, {"name", "Long"}},
+                     reply);
+    ASSERT_TRUE(waitFor([] { return !playlistNames().isEmpty() && rows(1).size() > 1; }));
+    const int size = rows(1).size();
+    ASSERT_LT(size, 2000);
+    {
+        const FullDisk full;
+        ASSERT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+    }
+    EXPECT_EQ(reply.error().message().toString(),
+              QStringLiteral("Could not add external items to playlist. No items were added. "
+                             "Tracks added until then: %1.")
+                  .arg(size));
+    EXPECT_EQ(playlistNames(), QStringList{"Long (import unfinished)"});
+    EXPECT_EQ(rows(1).size(), size);
 }

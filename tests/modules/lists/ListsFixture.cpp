@@ -20,8 +20,7 @@ ListsFixture::ListsFixture() : m_folderBefore(QDir::currentPath()) {
 }
 
 ListsFixture::~ListsFixture() {
-    while (!m_modules.empty())
-        m_modules.pop_back();
+    unload();
     m_root.reset();
     QDir::setCurrent(m_folderBefore);
 }
@@ -44,7 +43,22 @@ void ListsFixture::load(const char* module, const QHash<QString, QVariant>& conf
     m_modules.emplace_back(create(config));
 }
 
+void ListsFixture::unload() {
+    while (!m_modules.empty())
+        m_modules.pop_back();
+}
+
+void ListsFixture::unloadFiles() {
+    m_modules.erase(m_modules.begin() + 1);
+}
+
+void ListsFixture::restart() {
+    unload();
+    start(m_config);
+}
+
 void ListsFixture::start(const QHash<QString, QVariant>& config) {
+    m_config = config;
     QHash<QString, QVariant> all = config;
     all.insert("musicDir", musicFolder());
     all.insert("dataDir", m_folder.path() + "/data");

@@ -28,6 +28,11 @@ protected:
     // Loads the modules and waits until the library is known.
     void start(const QHash<QString, QVariant>& config = {});
 
+    // Ends the modules where they are, and loads them again.
+    void restart();
+    // Another one may take its place.
+    void unloadFiles();
+
     // What was answered. An error has a name.
     struct Answer {
         CMError error;
@@ -55,10 +60,12 @@ protected:
     static bool waitFor(const std::function<bool()>& condition);
 
 private:
+    void unload();
     void load(const char* module, const QHash<QString, QVariant>& config);
 
     QTemporaryDir m_folder;
     QString m_folderBefore;
     std::unique_ptr<CMRootWorker> m_root;
+    QHash<QString, QVariant> m_config;
     std::vector<std::unique_ptr<CMAbstractWorker>> m_modules;
 };
