@@ -27,14 +27,14 @@ public:
     bool serve(const std::shared_ptr<HttpExchange>& exchange, std::optional<quint64> lastEventId,
                const QVector<CMPath>& watched = {});
 
+    // Called by a stream that ends.
+    void remove(EventStream* stream);
+
     const EventHistory& history() const { return m_history; }
     int streams() const { return m_streams.size(); }
     int maxStreams() const { return m_maxStreams; }
 
 private:
-    friend class EventStream;
-    void remove(EventStream* stream);
-
     void onChanged(const CMChange& change);
     void sendComments();
     void wakeAll();

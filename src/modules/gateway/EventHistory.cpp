@@ -2,6 +2,8 @@
 
 #include <QRandomGenerator>
 
+#include "EventFrame.h"
+
 namespace {
 // Room for a million events between the bases of two runs that happen to be neighbours.
 constexpr int EventBits = 20;
@@ -17,8 +19,7 @@ EventHistory::EventHistory(const Limits& limits, quint64 base)
     : m_limits(limits), m_firstId(base + 1) {}
 
 void EventHistory::append(const QByteArray& type, const QByteArray& json) {
-    const QByteArray frame =
-        "id: " + QByteArray::number(lastId() + 1) + "\nevent: " + type + "\ndata: " + json + "\n\n";
+    const QByteArray frame = EventFrame::event(lastId() + 1, type, json);
     m_frames.push_back(frame);
     m_bytes += frame.size();
     while (m_frames.size() > size_t(m_limits.events) || m_bytes > m_limits.bytes) {

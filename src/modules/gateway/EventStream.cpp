@@ -4,6 +4,7 @@
 
 #include "CMRootWorker.h"
 #include "EventFeed.h"
+#include "EventFrame.h"
 
 namespace {
 // How long a browser waits before it connects again, in milliseconds.
@@ -17,12 +18,13 @@ EventStream::EventStream(EventFeed* feed, std::optional<quint64> lastEventId,
         CMRoot()->addValueWatcher(path);
     const EventHistory& history = feed->history();
     m_position = lastEventId.value_or(history.lastId());
-    m_frame = "retry: " + QByteArray::number(RetryMs) + '\n';
-    if (!history.reaches(m_position))
+    // A reader that loses its connection before the first event can name the place, too.
+    std::optional<quint64> place = m_position;
+    if (!history.reaches(m_position)) {
         m_position = EventHistory::NoId;
-    else // a reader that loses its connection before the first event can name the place, too
-        m_frame += "id: " + QByteArray::number(m_position) + '\n';
-    m_frame += '\n';
+        place.reset();
+    }
+    m_frame = EventFrame::greeting(RetryMs, place);
 }
 
 EventStream::~EventStream() {
@@ -54,11 +56,11 @@ bool EventStream::nextFrame() {
     m_sent = 0;
     if (!history.reaches(m_position)) {
         m_position = history.lastId();
-        m_frame = "id: " + QByteArray::number(m_position) + "\nevent: resync\ndata: {}\n\n";
+        m_frame = EventFrame::resync(m_position);
     } else if (m_position != history.lastId()) {
         m_frame = history.frameAfter(m_position++);
     } else if (m_commentDue) {
-        m_frame = ": still here\n\n";
+        m_frame = EventFrame::comment();
     } else {
         m_frame.clear();
         return false;
