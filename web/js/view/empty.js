@@ -13,7 +13,7 @@ async function ofMusic() {
 
 function ofTracks(app) {
   if (!app.hasMusic) return 'No tracks yet.';
-  return 'No tracks yet. In Music, press + beside a track or folder, or drag it here.';
+  return `No tracks yet. In Music, press + beside a track or folder${app.isNarrow ? '' : ', or drag it here'}.`;
 }
 
 export async function emptyText(app, screen) {

@@ -84,7 +84,7 @@ export class Menu {
   }
 
   // page: {path, pick?} for a published menu, {title, items: [{title, icon, run}]} for the page's
-  // own. head: {title, subtitle, urls, row}; the row that a published menu belongs to.
+  // own. head: {title, subtitle, urls, symbol, row}; the row that a published menu belongs to.
   open(page, { anchor, head }) {
     this.close();
     this.head = head;
@@ -150,14 +150,16 @@ export class Menu {
 
   header(page) {
     const artwork = new Artwork('div.art.small');
-    artwork.set({ urls: this.head?.urls ?? [], title: this.head?.title ?? '' });
+    artwork.set({ urls: this.head?.urls ?? [], title: this.head?.title ?? '', symbol: this.head?.symbol ?? null });
     const back = this.pages.length > 1
       ? el('button.icon-button', { type: 'button', 'aria-label': 'Back', onclick: () => this.back() }, icon('back'))
       : artwork.element;
     const title = this.head?.title ?? page.title ?? '';
+    // What a published menu is called says no more than that it is one.
+    const subtitle = page.path && this.pages.length === 1 ? this.head?.subtitle : page.title;
     return el('header.sheet-head', {}, back,
       el('div.sheet-texts', {}, el('h2.sheet-title', { dir: 'auto' }, title),
-        page.title && page.title !== title ? el('p.sheet-subtitle', { dir: 'auto' }, page.title) : null),
+        subtitle && subtitle !== title ? el('p.sheet-subtitle', { dir: 'auto' }, subtitle) : null),
       el('button.icon-button', { type: 'button', 'aria-label': 'Close', onclick: () => this.close() }, icon('close')));
   }
 

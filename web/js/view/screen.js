@@ -216,7 +216,7 @@ export class Screen {
 
   metaText() {
     const { music } = this.app;
-    if (this.pane.kind !== 'side') return amount(this.store);
+    if (this.pane.kind !== 'side') return amount(this.store, this.app.commands.collectionOf(this.path) === null ? undefined : 'playlist');
     return [amount(this.store, music.nounOf(this.path)), music.progress].filter(Boolean).join(' · ');
   }
 

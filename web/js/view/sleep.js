@@ -40,7 +40,7 @@ export class SleepButton {
       ...(player.isActive ? [entry('At the end of this track', 'endOfTrack', 'Playback pauses at the end of this track.')] : []),
       ...Minutes.map((minutes) => entry(`${minutes} minutes`, minutes * MinuteMs, `Playback pauses in ${minutes} minutes.`)),
     ];
-    this.menu.open({ title: isOn ? `Playback pauses ${left(player)}` : 'Playback pauses by itself', items }, { anchor: this.element, head: { title: 'Sleep timer', urls: [] } });
+    this.menu.open({ title: isOn ? `Playback pauses ${left(player)}` : 'Playback pauses by itself', items }, { anchor: this.element, head: { title: 'Sleep timer', urls: [], symbol: 'moon' } });
   }
 
   set(time, said) {

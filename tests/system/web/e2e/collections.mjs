@@ -14,6 +14,7 @@ story('make a collection, add and remove a playlist', async ({ device, open }) =
   await me.choose('Add to collection', 'Weekend');
   await me.sheetCloses();
   await other.row('main', 'Party').waitFor();
+  await eventually(() => other.meta().textContent(), '1 playlist');
   assert.deepEqual(await device.titles('playlists:cl/items?clid=1'), ['Party']);
 
   await me.openList('Weekend');

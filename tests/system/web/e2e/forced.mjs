@@ -63,3 +63,15 @@ story('in forced colours a switch shows whether it is on, and a menu where it en
   const border = await me.sheet.evaluate((sheet) => getComputedStyle(sheet).borderTopWidth);
   assert.equal(border, '1px');
 });
+
+story('in forced colours no picture lies behind what plays', async ({ device, open }) => {
+  await device.playlist('Party', Albums.lanterns);
+  const me = await open(forced);
+  await me.openList('Party');
+  await me.playRow(Lanterns[0]);
+  await eventually(() => me.nowTitle(), Lanterns[0]);
+  await me.page.locator('#player .now').click();
+  const large = me.page.locator('dialog.large[open]');
+  await large.waitFor();
+  assert.equal(await large.locator('.glow').isVisible(), false);
+}, { player: true });

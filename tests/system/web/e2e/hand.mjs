@@ -91,7 +91,9 @@ story('an empty list says what there is to do about it', async ({ device, open }
   const { i32: clid } = await device.send('playlists:cl/create', { name: 'Weekend' });
   const me = await open();
   await me.openList('Party');
-  await eventually(() => empty(me).textContent(), 'No tracks yet. In Music, press + beside a track or folder, or drag it here.');
+  // A phone shows one of the two at a time.
+  const dragging = me.touch ? '' : ', or drag it here';
+  await eventually(() => empty(me).textContent(), `No tracks yet. In Music, press + beside a track or folder${dragging}.`);
   await me.openList('Weekend');
   await eventually(() => empty(me).textContent(), 'No playlists in this collection yet. Add some here, or by the menu of a playlist.');
   await me.press(head(me).getByRole('button', { name: 'Add playlists' }));
@@ -172,6 +174,51 @@ for (const [width, height] of [[1024, 768], [768, 1024]]) {
     await me.row('main', Lanterns[0]).waitFor();
   }, { sizes: ['desktop'] });
 }
+
+story('on a tablet what plays is named in full, the volume can be set and a menu is seen whole', async ({ device, open }) => {
+  await device.playlist('Party', Albums.hours);
+  const me = await open({ viewport: { width: 1024, height: 768 }, hasTouch: true });
+  await me.openList('Party');
+  await me.toMusic();
+  await me.playRow(Hours[2]);
+  await eventually(() => me.nowTitle(), Hours[2]);
+  const isCut = (name) => me.page.locator(name).evaluate((one) => one.scrollWidth > one.clientWidth || one.scrollHeight > one.clientHeight);
+  assert.deepEqual([await isCut('#player .now-title'), await isCut('#player .now-line')], [false, false]);
+  assert.ok((await me.page.locator('#player .volume .range').boundingBox()).width > 60);
+  await me.menuOf('nav', 'Party');
+  await me.entry('Delete playlist').waitFor();
+  assert.equal(await isCut('dialog.sheet .menu-entries'), false);
+}, { player: true, sizes: ['desktop'] });
+
+for (const [width, height] of [[1440, 900], [1024, 768]]) {
+  story(`the title above the lists stands in the line of its tools at ${width} × ${height}`, async ({ open }) => {
+    const me = await open({ viewport: { width, height } });
+    await me.toMusic();
+    const middle = async (locator) => {
+      const box = await locator.boundingBox();
+      return box.y + box.height / 2;
+    };
+    const tools = await middle(me.page.locator('#nav [aria-label="Find in this list"]'));
+    assert.ok(Math.abs(await middle(me.heading('nav')) - tools) < 2);
+  }, { sizes: ['desktop'] });
+}
+
+story('a menu is headed by what it belongs to', async ({ device, open }) => {
+  await device.playlist('Party', Albums.lanterns);
+  const me = await open();
+  const head = () => me.sheet.locator('.sheet-texts > *').allTextContents();
+  await me.toLists();
+  await me.menuOf('nav', 'Party');
+  await me.entry('Rename').waitFor();
+  assert.deepEqual(await head(), ['Party']);
+  await me.choose('Rename');
+  await eventually(head, ['Party', 'Rename']);
+  await me.closeSheet();
+  await me.openList('Party');
+  await me.menuOf('main', Lanterns[1]);
+  await me.entry('Remove track').waitFor();
+  assert.deepEqual(await head(), [Lanterns[1], 'Velka Torrin']);
+});
 
 story('the picture on the button to play is seen', async ({ device, open }) => {
   await device.playlist('Party', Albums.lanterns);
