@@ -62,7 +62,16 @@ story('in forced colours a switch shows whether it is on, and a menu where it en
   assert.notDeepEqual(await face(shuffle), await face(repeat));
   const border = await me.sheet.evaluate((sheet) => getComputedStyle(sheet).borderTopWidth);
   assert.equal(border, '1px');
+  const line = me.sheet.locator('.menu-line').first();
+  assert.notDeepEqual((await pixelsOf(line))[0][20], (await pixelsOf(me.entry('Rename')))[1][1]);
 });
+
+story('in forced colours the lists end where the open one begins', async ({ device, open }) => {
+  await device.playlist('Party', Albums.lanterns);
+  const me = await open(forced);
+  await me.openList('Party');
+  assert.equal(await me.page.locator('#nav').evaluate((nav) => getComputedStyle(nav).borderInlineEndWidth), '1px');
+}, { sizes: ['desktop'] });
 
 story('in forced colours no picture lies behind what plays', async ({ device, open }) => {
   await device.playlist('Party', Albums.lanterns);
