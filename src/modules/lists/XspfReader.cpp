@@ -1,4 +1,5 @@
 #include <QRegularExpression>
+#include <QUrl>
 #include <QXmlStreamReader>
 
 #include "ListLimits.h"
@@ -29,18 +30,34 @@ QString textOf(QXmlStreamReader* xml) {
     return xml->readElementText(QXmlStreamReader::SkipChildElements).simplified();
 }
 
-ListedTrack readTrack(QXmlStreamReader* xml) {
+// Where relative addresses inside of this element start: what it says itself, else what the
+// elements around it do. Empty when none does.
+QUrl baseOf(const QXmlStreamReader& xml, const QUrl& around) {
+    const QStringRef own = xml.attributes().value(QLatin1String("xml:base"));
+    return own.isEmpty() ? around : around.resolved(QUrl(own.toString()));
+}
+
+QString addressFrom(const QUrl& base, const QString& location) {
+    const QUrl address(location);
+    return base.isEmpty() || !address.isValid() || !address.isRelative()
+               ? location
+               : base.resolved(address).toString(QUrl::FullyEncoded);
+}
+
+ListedTrack readTrack(QXmlStreamReader* xml, const QUrl& around) {
     ListedTrack track;
+    const QUrl base = baseOf(*xml, around);
     track.line = int(xml->lineNumber());
     track.isUri = true;
     while (xml->readNextStartElement()) {
         const QString name = xml->name().toString();
         if (name == QLatin1String("location")) {
             const int line = int(xml->lineNumber());
+            const QUrl ownBase = baseOf(*xml, base);
             const QString location = textOf(xml);
             // The first that is named is the one to be taken.
             if (track.location.isEmpty() && !location.isEmpty()) {
-                track.location = location;
+                track.location = addressFrom(ownBase, location);
                 track.line = line;
             }
         } else if (name == QLatin1String("title")) {
@@ -60,13 +77,14 @@ ListedTrack readTrack(QXmlStreamReader* xml) {
     return track;
 }
 
-TrString readTracks(QXmlStreamReader* xml, TrackList* list) {
+TrString readTracks(QXmlStreamReader* xml, const QUrl& around, TrackList* list) {
+    const QUrl base = baseOf(*xml, around);
     while (xml->readNextStartElement()) {
         if (xml->name() != QLatin1String("track")) {
             xml->skipCurrentElement();
             continue;
         }
-        const TrString refusal = ListReader::add(list, readTrack(xml));
+        const TrString refusal = ListReader::add(list, readTrack(xml, base));
         if (!refusal.isEmpty())
             return refusal;
     }
@@ -84,12 +102,13 @@ ListReader::Result ListReader::readXspf(const QString& text) {
     QXmlStreamReader xml(text);
     if (xml.readNextStartElement() && xml.name() != QLatin1String("playlist"))
         return {{}, TrString("Lists", "This is not a playlist file.")};
+    const QUrl base = baseOf(xml, {});
     Result result;
     while (result.refusal.isEmpty() && xml.readNextStartElement()) {
         if (xml.name() == QLatin1String("title"))
             result.list.name = textOf(&xml);
         else if (xml.name() == QLatin1String("trackList"))
-            result.refusal = readTracks(&xml, &result.list);
+            result.refusal = readTracks(&xml, base, &result.list);
         else
             xml.skipCurrentElement();
     }

@@ -53,13 +53,6 @@ TEST_F(OrvoctlMusic, aPlaylistFileIsImportedAndWhatIsMissingToldByLine) {
                   .object());
 }
 
-TEST_F(OrvoctlMusic, namesStartFromTheFolderOfTheFile) {
-    const QString list = device.musicFolder() + "/Band 1/Lists/mine.m3u";
-    SoundFiles::writeBytes(list, "../Album 1/02 track.wav\n");
-    EXPECT_EQ(device.ctl({"import", list}).status, 0);
-    EXPECT_EQ(device.titles("playlists:pl/items/1"), QStringList{"Track 1.2"});
-}
-
 TEST_F(OrvoctlMusic, anImportThatFindsNothingMakesNoPlaylist) {
     Device::Ctl run = device.ctl({"import", write("x.m3u", "gone.mp3\n")});
     EXPECT_EQ(run.status, 1);
