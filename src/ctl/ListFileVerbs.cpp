@@ -7,12 +7,21 @@
 
 namespace {
 
+// In base64 no more fits into a request.
+constexpr int MaxMegabytes = 6;
+constexpr int BytesPerMegabyte = 1000 * 1000;
+
 QByteArray readFile(const QString& name) {
     QFile file(name);
     if (!file.open(QIODevice::ReadOnly))
         throw ClientFailure::usage(
             QStringLiteral("cannot read %1: %2").arg(name, file.errorString()));
-    return file.readAll();
+    // What stands for a device has no size, and no end either.
+    QByteArray bytes = file.read(MaxMegabytes * BytesPerMegabyte + 1);
+    if (bytes.size() > MaxMegabytes * BytesPerMegabyte)
+        throw ClientFailure::refused(
+            QStringLiteral("%1 is larger than %2 MB").arg(name).arg(MaxMegabytes));
+    return bytes;
 }
 
 void writeFile(const QString& name, const QByteArray& bytes) {
