@@ -16,10 +16,10 @@
 namespace {
 
 // Relative to the working directory, which the host makes the device's writable storage.
-const char* const directory = "data-rw/playlists/";
-const char* const file = "data-rw/playlists/playlists.sqlite";
+const char* const Directory = "data-rw/playlists/";
+const char* const File = "data-rw/playlists/playlists.sqlite";
 
-constexpr qint64 smallestPage = 512;
+constexpr qint64 SmallestPage = 512;
 
 struct TableRow {
     const char* name;
@@ -100,25 +100,34 @@ constexpr const char* clearing[] = {
 // In KiB. Room for the entries of a long list and for the index that counting all items goes
 // through; SQLite's own 2 MiB would read them again and again. Taken only as it is used, and seen
 // by this connection only.
-constexpr const char* cacheSize = "PRAGMA cache_size=-16384;";
+constexpr const char* CacheSize = "PRAGMA cache_size=-16384;";
 
 // For a pass over the whole store that is not repeated soon.
-constexpr const char* smallCacheSize = "PRAGMA cache_size=-64;";
+constexpr const char* SmallCacheSize = "PRAGMA cache_size=-64;";
 
 // Drawn for each start, since a device's clock may start anew, too. With room for a million
 // revisions between the bases of two starts that happen to be neighbours, and below 2^53, whole in
 // every client's numbers.
 qint64 randomRevisionBase() {
-    constexpr int changeBits = 20;
-    return qint64(QRandomGenerator::system()->generate()) << changeBits;
+    constexpr int ChangeBits = 20;
+    return qint64(QRandomGenerator::system()->generate()) << ChangeBits;
 }
 
 int execute(sqlite3* connection, const char* sql) {
     return sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
 }
 
+// Sets `found` when the query has a row.
+int lookForRow(sqlite3* connection, const char* sql, bool* found) {
+    const auto onRow = [](void* into, int, char**, char**) {
+        *static_cast<bool*>(into) = true;
+        return 0;
+    };
+    return sqlite3_exec(connection, sql, onRow, found, nullptr);
+}
+
 std::string cannotUse() {
-    const QString name = QFileInfo(QString::fromLatin1(file)).absoluteFilePath();
+    const QString name = QFileInfo(QString::fromLatin1(File)).absoluteFilePath();
     return "cannot use the playlists in " + name.toStdString() + " (left as it is): ";
 }
 
@@ -154,7 +163,7 @@ Database::Database(int itemsLimit, bool vacuumNeeded, int maxStartWaitMs)
     sqlite3_config(SQLITE_CONFIG_LOG, sqliteErrorLogCallback, nullptr);
     ensureTablesExist();
     prepareStatements();
-    execute(m_connection, cacheSize);
+    execute(m_connection, CacheSize);
     m_busyHandler.startIsOver();
 }
 
@@ -166,10 +175,10 @@ Database::~Database() {
 }
 
 void Database::openFile() {
-    const QDir dir(QString::fromLatin1(directory));
+    const QDir dir(QString::fromLatin1(Directory));
     if (!dir.exists() && !dir.mkpath(QStringLiteral(".")))
         endUnusable("Unable to create directory for PlayList database file");
-    const int code = sqlite3_open(file, &m_connection);
+    const int code = sqlite3_open(File, &m_connection);
     if (code != SQLITE_OK || !m_connection)
         endUnopened(code);
     m_busyHandler.attachTo(m_connection);
@@ -209,10 +218,10 @@ void Database::refuseForeignFile() {
         }
     }
     // Looked at after the first reading, which has made good what a cut-off transaction left.
-    const qint64 size = QFileInfo(QString::fromLatin1(file)).size();
+    const qint64 size = QFileInfo(QString::fromLatin1(File)).size();
     if (exists(tables[0].table)) {
         // SQLite would read the rest of the last page as zeros.
-        if (size % smallestPage != 0)
+        if (size % SmallestPage != 0)
             endUnopened(SQLITE_CORRUPT);
         return;
     }
@@ -220,13 +229,8 @@ void Database::refuseForeignFile() {
         return;
     // The first table that a start makes is not there: a file with any other is not ours. Nor is
     // one that is shorter than any page, which SQLite takes for an empty one.
-    bool hasOther = size < smallestPage;
-    const auto note = [](void* into, int, char**, char**) {
-        *static_cast<bool*>(into) = true;
-        return 0;
-    };
-    const int code =
-        sqlite3_exec(m_connection, "SELECT 1 FROM sqlite_master LIMIT 1", note, &hasOther, nullptr);
+    bool hasOther = size < SmallestPage;
+    const int code = lookForRow(m_connection, "SELECT 1 FROM sqlite_master LIMIT 1", &hasOther);
     if (code == SQLITE_BUSY)
         endHeld();
     if (hasOther)
@@ -364,16 +368,12 @@ bool Database::cleanUnusedItems() {
 void Database::removeStrayItems() {
     // Every entry has its own item. Comparing the numbers costs next to nothing, the clean-up a
     // pass over the whole store.
-    constexpr const char* moreItemsThanEntries =
+    constexpr const char* MoreItemsThanEntries =
         "SELECT 1 WHERE (SELECT Count(*) FROM items) > (SELECT Count(*) FROM playlists_items)";
     bool found = false;
-    const auto note = [](void* into, int, char**, char**) {
-        *static_cast<bool*>(into) = true;
-        return 0;
-    };
-    execute(m_connection, smallCacheSize);
-    const int counted = sqlite3_exec(m_connection, moreItemsThanEntries, note, &found, nullptr);
-    execute(m_connection, cacheSize);
+    execute(m_connection, SmallCacheSize);
+    const int counted = lookForRow(m_connection, MoreItemsThanEntries, &found);
+    execute(m_connection, CacheSize);
     const bool cleaned = found && cleanUnusedItems();
     m_mayHoldStrays = counted != SQLITE_OK || found != cleaned;
     if (!cleaned)

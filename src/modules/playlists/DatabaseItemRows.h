@@ -8,7 +8,7 @@
 
 // What reading items and changing them have in common.
 
-constexpr int lastPossibleNumber = std::numeric_limits<int>::max();
+constexpr int LastPossibleNumber = std::numeric_limits<int>::max();
 
 // The columns of an item row, as both item statements give them.
 enum ItemColumn {

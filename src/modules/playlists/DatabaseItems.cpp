@@ -14,7 +14,7 @@
 namespace {
 
 // Up to here a search per item is cheaper than a walk through a playlist.
-constexpr int fewUids = 4;
+constexpr int FewUids = 4;
 
 // An item with all its keys and no values, and the columns that belong to the values in the order
 // of the hash, which every copy has.
@@ -141,7 +141,7 @@ QList<OrvoPlayListItem> Database::getItemsByUids(const QList<PlayListRecord>& pl
     if (!budget)
         budget = &unlimited;
     // What is read counts once, what is answered as often as it was asked for.
-    const QHash<int, OrvoPlayListItem> found = uids.size() <= fewUids
+    const QHash<int, OrvoPlayListItem> found = uids.size() <= FewUids
                                                    ? searchItems(uids, *budget)
                                                    : collectItems(playlists, uids, *budget);
     for (int uid : uids) {
@@ -180,7 +180,7 @@ QHash<int, OrvoPlayListItem> Database::searchItems(const QList<int>& uids, TextB
 // mostly come from one playlist, or two: find out from which, and walk these first.
 QHash<int, OrvoPlayListItem> Database::collectItems(const QList<PlayListRecord>& playlists,
                                                     const QList<int>& uids, TextBudget budget) {
-    constexpr int discoveries = 2;
+    constexpr int MaxDiscoveries = 2;
     QHash<int, OrvoPlayListItem> found;
     found.reserve(uids.size());
     QSet<int> missing(uids.begin(), uids.end());
@@ -194,7 +194,7 @@ QHash<int, OrvoPlayListItem> Database::collectItems(const QList<PlayListRecord>&
             missing.clear();
     };
     const auto walk = [&](const PlayListRecord& pl) {
-        visitItems(pl.uid, 0, lastPossibleNumber, [&](const Sqlite3Statement& row) {
+        visitItems(pl.uid, 0, LastPossibleNumber, [&](const Sqlite3Statement& row) {
             const int uid = row.columnInt(UidColumn);
             if (missing.remove(uid))
                 keep(uid, makeItem(row));
@@ -203,7 +203,7 @@ QHash<int, OrvoPlayListItem> Database::collectItems(const QList<PlayListRecord>&
     };
 
     auto next = uids.begin();
-    for (int i = 0; i < discoveries && !missing.isEmpty(); ++i) {
+    for (int i = 0; i < MaxDiscoveries && !missing.isEmpty(); ++i) {
         next =
             std::find_if(next, uids.end(), [&missing](int uid) { return missing.contains(uid); });
         missing.remove(*next);

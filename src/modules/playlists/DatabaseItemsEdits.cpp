@@ -130,7 +130,7 @@ bool Database::offsetItemsFromTransaction(const PlayListRecord& pl, int from, in
     Sqlite3Statement& shift = statement(StatementId::MoveItem1);
     const int away = pl.size + 1;
     return shift.run(pl.uid, from, pl.size, count + away) &&
-           shift.run(pl.uid, pl.size, lastPossibleNumber, -away);
+           shift.run(pl.uid, pl.size, LastPossibleNumber, -away);
 }
 
 bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& sequenceNumber,
@@ -332,8 +332,8 @@ bool Database::reorderItemsTransaction(const PlayListRecord& pl, int first,
 bool Database::clearItems(const PlayListRecord& pl) {
     CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid);
     LeftItems left(*this, pl.size);
-    left.note(pl.uid, 0, lastPossibleNumber);
-    if (removeItemsHelper(pl, 0, lastPossibleNumber) < 0) {
+    left.note(pl.uid, 0, LastPossibleNumber);
+    if (removeItemsHelper(pl, 0, LastPossibleNumber) < 0) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to clear playList " << pl.uid);
         return false;
     }

@@ -10,20 +10,20 @@ namespace {
 
 // Whether fewer items than a sixth of all are to be noted, and found again: one costs about what
 // six cost the statement over all items. No more entries are counted than that takes.
-const QString fewToNote = QStringLiteral("SELECT 1 FROM playlists_items LIMIT 1 OFFSET ?1 * 6");
+const QString FewToNote = QStringLiteral("SELECT 1 FROM playlists_items LIMIT 1 OFFSET ?1 * 6");
 
 // The same for looking for ?1 runs of them in all playlists, where a look costs about what one item
 // costs that statement.
-const QString fewToLookFor = QStringLiteral(
+const QString FewToLookFor = QStringLiteral(
     "SELECT 1 FROM playlists_items LIMIT 1 OFFSET ?1 * (SELECT Count(*) FROM playlists)");
 
-const QString itemsOfEntries =
+const QString ItemsOfEntries =
     QStringLiteral("SELECT item FROM playlists_items"
                    " WHERE playlist = ?1 AND sequenceNumber >= ?2 AND sequenceNumber <= ?3");
 
 // ?1 is a list of runs "[[3,7],[9,9]]". Entries are found by their primary key, which begins with
 // the playlist: there is no index from an item to its entries.
-const QString deleteUnused =
+const QString DeleteUnused =
     QStringLiteral("WITH runs AS MATERIALIZED (SELECT json_extract(value, '$[0]') AS first,"
                    " json_extract(value, '$[1]') AS last FROM json_each(?1))"
                    " DELETE FROM items WHERE uid IN ("
@@ -32,7 +32,7 @@ const QString deleteUnused =
                    " ON playlist = playlists.uid AND item >= first AND item <= last)");
 
 // What the log calls them, like the statement that they stand for.
-const QString statementName = QStringLiteral("cleanUnusedItems");
+const QString CleanUpName = QStringLiteral("cleanUnusedItems");
 
 QString runsAsJson(const QVector<NumberRun>& runs) {
     QStringList texts;
@@ -45,11 +45,11 @@ QString runsAsJson(const QVector<NumberRun>& runs) {
 } // namespace
 
 Database::LeftItems::LeftItems(Database& database, int count)
-    : m_database(database), m_areFew(!database.m_mayHoldStrays && holds(fewToNote, count)) {}
+    : m_database(database), m_areFew(!database.m_mayHoldStrays && holds(FewToNote, count)) {}
 
 bool Database::LeftItems::holds(const QString& enough, int count) {
     const std::unique_ptr<Sqlite3Statement> query(
-        Sqlite3Statement::create(m_database.m_connection, enough, statementName));
+        Sqlite3Statement::create(m_database.m_connection, enough, CleanUpName));
     return query && query->bindInt(1, count) && query->step_row();
 }
 
@@ -58,7 +58,7 @@ void Database::LeftItems::note(int playlistUid, int from, int to) {
         return;
     if (!m_items)
         m_items.reset(
-            Sqlite3Statement::create(m_database.m_connection, itemsOfEntries, statementName));
+            Sqlite3Statement::create(m_database.m_connection, ItemsOfEntries, CleanUpName));
     m_areFew = m_items && m_items->bindInt(1, playlistUid) && m_items->bindInt(2, from) &&
                m_items->bindInt(3, to);
     while (m_areFew && m_items->step_row())
@@ -69,11 +69,11 @@ void Database::LeftItems::note(int playlistUid, int from, int to) {
 bool Database::LeftItems::remove() {
     m_items.reset();
     const QVector<NumberRun> runs = runsOf(m_uids);
-    if (!m_areFew || !holds(fewToLookFor, runs.size()))
+    if (!m_areFew || !holds(FewToLookFor, runs.size()))
         return m_database.cleanUnusedItems();
     // As in cleanUnusedItems().
     const ForeignKeysSuspended suspended(m_database.m_connection);
     const std::unique_ptr<Sqlite3Statement> deleting(
-        Sqlite3Statement::create(m_database.m_connection, deleteUnused, statementName));
+        Sqlite3Statement::create(m_database.m_connection, DeleteUnused, CleanUpName));
     return deleting && deleting->run(runsAsJson(runs));
 }

@@ -10,9 +10,9 @@ namespace {
 
 // Changes nothing. Only the first statement of a transaction waits for another process that writes,
 // and a deletion reads before it deletes.
-const QString lockForWriting = QStringLiteral("UPDATE playlists SET uid = uid WHERE uid = ?1");
+const QString LockForWriting = QStringLiteral("UPDATE playlists SET uid = uid WHERE uid = ?1");
 // What the log calls it, like the statement that it precedes.
-const QString lockName = QStringLiteral("deletePlayList");
+const QString LockName = QStringLiteral("deletePlayList");
 
 // The row of either playlist statement.
 PlayListRecord playListFromRow(const Sqlite3Statement& row) {
@@ -95,10 +95,10 @@ bool Database::deletePlayList(const PlayListRecord& pl) {
 
 bool Database::deletePlayListTransaction(const PlayListRecord& pl) {
     const std::unique_ptr<Sqlite3Statement> locking(
-        Sqlite3Statement::create(m_connection, lockForWriting, lockName));
+        Sqlite3Statement::create(m_connection, LockForWriting, LockName));
     const bool locked = locking && locking->run(pl.uid);
     LeftItems left(*this, pl.size);
-    left.note(pl.uid, 0, lastPossibleNumber);
+    left.note(pl.uid, 0, LastPossibleNumber);
     // A read that failed may have ended the transaction.
     if (!locked || sqlite3_get_autocommit(m_connection) ||
         !statement(StatementId::DeletePlayList).run(pl.uid)) {

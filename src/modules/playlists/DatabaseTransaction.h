@@ -4,8 +4,8 @@
 
 #include "Database.h"
 
-// The connection's own mutex, which SQLite's every call takes: held throughout, taking it again is
-// next to nothing.
+// One lock for a whole transaction. Every call of SQLite locks the connection's mutex, which costs
+// next to nothing while this thread holds it already.
 class ConnectionLock {
 public:
     explicit ConnectionLock(sqlite3* connection) : m_mutex(sqlite3_db_mutex(connection)) {

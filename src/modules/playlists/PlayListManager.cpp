@@ -28,7 +28,7 @@ void PlayListManager::append(PlayListBase* pl) {
 void PlayListManager::initPlayLists() {
     CM_ENTER(moduleLog());
     // What is not read here is missing until the next start, so a read that failed is made once
-    // more, here and below. Nothing else will come to know of it.
+    // more, here and below.
     PlayListRecord queue = m_database->getPlayQueue();
     if (queue.uid == PlayListRecord::NoUid)
         queue = m_database->getPlayQueue();
@@ -39,7 +39,7 @@ void PlayListManager::initPlayLists() {
     if (records.size() + 1 != m_database->countPlaylists())
         records = m_database->getPlayLists();
     // The sizes of all lists were looked up in an index that is not read as a whole again
-    // soon. Before the playlists are made, so that they take the room.
+    // soon. Its memory goes before the playlists are made, so that they can have it.
     m_database->releaseReadPages();
     m_playLists.reserve(records.size());
     m_playListsByUid.reserve(records.size());

@@ -34,8 +34,8 @@ PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config)
     const bool vacuumNeeded = readSetting(OrvoPlayListSettingsDataBaseVacuumPath()).bool_();
     m_database = new Database(itemsLimit, vacuumNeeded, maxStartWaitMs(config));
     cmConnect(m_database, &Database::vacuumNeeded, this, &PlayListWorker::on_databaseVacuum_needed);
-    // The store has vacuumed before it could be listened to; what it owes from here on is owed
-    // anew.
+    // The store has vacuumed in its constructor, before anything listened to its signal: the
+    // setting is taken back here.
     if (vacuumNeeded)
         on_databaseVacuum_needed(false);
     m_manager = new PlayListManager(m_database);
