@@ -194,14 +194,36 @@ for (const [width, height] of [[1440, 900], [1024, 768]]) {
   story(`the title above the lists stands in the line of its tools at ${width} × ${height}`, async ({ open }) => {
     const me = await open({ viewport: { width, height } });
     await me.toMusic();
-    const middle = async (locator) => {
-      const box = await locator.boundingBox();
+    const middle = (locator) => locator.evaluate((element) => {
+      const range = document.createRange();
+      range.selectNodeContents(element);
+      const box = range.getBoundingClientRect();
       return box.y + box.height / 2;
-    };
+    });
     const tools = await middle(me.page.locator('#nav [aria-label="Find in this list"]'));
     assert.ok(Math.abs(await middle(me.heading('nav')) - tools) < 2);
   }, { sizes: ['desktop'] });
 }
+
+story('capital letters keep their accents in titles', async ({ device, open }) => {
+  await device.playlist('Årstider', Albums.ferry);
+  const me = await open();
+  await me.openList('Årstider');
+  // Nothing of a title lies where it is cut off.
+  const isWhole = async (texts, title) => {
+    await me.still();
+    const [cut, whole] = [await texts.screenshot(), await title.evaluate((one) => (one.style.overflow = 'visible')).then(() => texts.screenshot())];
+    return cut.equals(whole);
+  };
+  assert.equal(await isWhole(head(me).locator('.hero-texts'), me.heading()), true);
+  await me.playRow('Über dem Maschinenraum');
+  await eventually(() => me.nowTitle(), 'Über dem Maschinenraum');
+  await device.send('player:pause', {});
+  await me.page.locator('#player .now').click();
+  const large = me.page.locator('dialog.large[open]');
+  await large.waitFor();
+  assert.equal(await isWhole(large.locator('.large-texts'), large.locator('.large-title')), true);
+}, { player: true });
 
 story('a menu is headed by what it belongs to', async ({ device, open }) => {
   await device.playlist('Party', Albums.lanterns);
