@@ -54,9 +54,12 @@ export function clock(milliseconds) {
   return duration(milliseconds) || '0:00';
 }
 
+// Letters that are no others with an accent, as people type them who have them not on their keys.
+const Typed = { æ: 'ae', đ: 'd', ð: 'd', ł: 'l', ø: 'o', œ: 'oe', ß: 'ss', þ: 'th' };
+
 // Letters without accents and case, for finding.
 export const searchText = (text) =>
-  text.normalize('NFD').replace(/\p{Mn}/gu, '').toLocaleLowerCase();
+  text.normalize('NFD').replace(/\p{Mn}/gu, '').toLocaleLowerCase().replace(/[æđðłøœßþ]/g, (letter) => Typed[letter]);
 
 // The rows of one list, however long: read by pages as they come into view, kept while they are
 // near, and brought up to date by the device's events without losing the place.

@@ -46,4 +46,5 @@ test('durationsAreToldAsPeopleReadThem', () => {
 
 test('findingKnowsNoAccents', () => {
   assert.equal(searchText('Über Ångström'), 'uber angstrom');
+  assert.equal(searchText('Søren Łukasz Đorđe Cœur Ærø Straße'), 'soren lukasz dorde coeur aero strasse');
 });
