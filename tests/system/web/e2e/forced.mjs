@@ -70,7 +70,8 @@ story('in forced colours the lists end where the open one begins', async ({ devi
   await device.playlist('Party', Albums.lanterns);
   const me = await open(forced);
   await me.openList('Party');
-  assert.equal(await me.page.locator('#nav').evaluate((nav) => getComputedStyle(nav).borderInlineEndWidth), '1px');
+  for (const part of ['#nav', '#tabs'])
+    assert.equal(await me.page.locator(part).evaluate((one) => getComputedStyle(one).borderInlineEndWidth), '1px', part);
 }, { sizes: ['desktop'] });
 
 story('in forced colours no picture lies behind what plays', async ({ device, open }) => {
