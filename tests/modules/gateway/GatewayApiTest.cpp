@@ -109,7 +109,7 @@ TEST_F(GatewayApi, aSlowCommandHoldsUpNobodyElse) {
     HttpClient slow(port());
     slow.write("POST /api/data HTTP/1.1\r\nHost: localhost\r\nContent-Length: 38\r\n\r\n"
                R"({"path":"test:silent","value":{"x":1}})");
-    ASSERT_TRUE(waitFor([this] { return m_module->kept().size() == 1; }));
+    ASSERT_TRUE(waitUntil([this] { return m_module->kept().size() == 1; }));
     EXPECT_EQ(http.get("/api/paths").status, 200);
     m_module->kept().takeFirst().reply().setValue(QStringLiteral("done"));
     EXPECT_EQ(slow.readAnswer().body.toStdString(), R"({"result":"done"})");
@@ -155,18 +155,18 @@ TEST_F(GatewayApi, aClientThatWentAwayIsNotMissed) {
         HttpClient gone(port());
         gone.write("POST /api/data HTTP/1.1\r\nHost: localhost\r\nContent-Length: 38\r\n\r\n"
                    R"({"path":"test:silent","value":{"x":1}})");
-        ASSERT_TRUE(waitFor([this] { return m_module->kept().size() == 1; }));
+        ASSERT_TRUE(waitUntil([this] { return m_module->kept().size() == 1; }));
         gone.socket().abort();
     }
     m_module->kept().takeFirst().reply().setValue(1);
-    runFor(20);
+    waitFor(20);
     EXPECT_EQ(http.get("/api/paths").status, 200);
 }
 
 TEST_F(GatewayApi, anAnswerAfterTheGatewayIsGoneIsDropped) {
     http.write("POST /api/data HTTP/1.1\r\nHost: localhost\r\nContent-Length: 38\r\n\r\n"
                R"({"path":"test:silent","value":{"x":1}})");
-    ASSERT_TRUE(waitFor([this] { return m_module->kept().size() == 1; }));
+    ASSERT_TRUE(waitUntil([this] { return m_module->kept().size() == 1; }));
     m_gateway.reset();
     m_module->kept().takeFirst().reply().setValue(1);
     m_module->kept().clear();

@@ -47,7 +47,7 @@ protected:
         auto socket = std::make_unique<RawSocket>(port());
         socket->write("GET /api/artwork?uri=" + fileUrl(name).toPercentEncoding() +
                       " HTTP/1.1\r\nHost: localhost\r\n\r\n");
-        EXPECT_TRUE(waitFor([&] { return socket->hasBytes(); }));
+        EXPECT_TRUE(waitUntil([&] { return socket->hasBytes(); }));
         return socket;
     }
     QByteArray fileUrl(const char* name) {
@@ -156,7 +156,7 @@ TEST_F(GatewayArtwork, aPictureThatGrowsMeanwhileHasTheSizeItHadAtFirst) {
     file.close();
     client->write("GET /api/paths HTTP/1.1\r\nHost: localhost\r\n\r\n");
     QByteArray got;
-    EXPECT_TRUE(waitFor([&] {
+    EXPECT_TRUE(waitUntil([&] {
         got = client->read();
         return got.endsWith('}');
     }));
@@ -171,7 +171,7 @@ TEST_F(GatewayArtwork, aPictureThatShrinksMeanwhileEndsItsConnectionAndNoOther) 
               0);
     ASSERT_TRUE(QFile::remove(m_folder.filePath("music/large.png")));
     QByteArray got;
-    EXPECT_TRUE(waitFor([&] {
+    EXPECT_TRUE(waitUntil([&] {
         got = client->read();
         return client->isClosed();
     }));
@@ -198,5 +198,5 @@ TEST_F(GatewayArtwork, onlySoManyFilesAreSentAtATime) {
     // What needs no file is answered, and a place that is given back is taken.
     EXPECT_EQ(HttpClient(port()).get("/api/paths").status, 200);
     first.reset();
-    EXPECT_TRUE(waitFor([&] { return ask(fileUrl("music/A & B/cover.png")).status == 200; }));
+    EXPECT_TRUE(waitUntil([&] { return ask(fileUrl("music/A & B/cover.png")).status == 200; }));
 }

@@ -13,7 +13,7 @@ protected:
         auto socket = std::make_unique<RawSocket>(port());
         socket->write(line + " HTTP/1.1\r\nHost: localhost\r\n" + fields +
                       "Content-Length: " + QByteArray::number(size) + "\r\n\r\n ");
-        runFor(20);
+        waitFor(20);
         return socket;
     }
 
@@ -28,7 +28,7 @@ protected:
     }
 
     static bool isClosed(RawSocket& socket) {
-        return waitFor([&] { return socket.isClosed(); }, 3000);
+        return waitUntil([&] { return socket.isClosed(); }, 3000);
     }
 };
 
@@ -110,12 +110,12 @@ TEST_F(GatewayBodies, allBodiesUnderWayHaveASum) {
     EXPECT_EQ(HttpClient(port()).get("/api/paths").status, 200);
     // Its place is free when it has been read, and when it is broken off.
     first->write(body(599));
-    EXPECT_TRUE(waitFor([&] { return first->read().contains("200 OK"); }));
+    EXPECT_TRUE(waitUntil([&] { return first->read().contains("200 OK"); }));
     EXPECT_EQ(post(1000).status, 200);
     auto second = announce("POST /api/data", 600);
     EXPECT_EQ(post(401).status, 503);
     second.reset();
-    EXPECT_TRUE(waitFor([&] { return post(1000).status == 200; }));
+    EXPECT_TRUE(waitUntil([&] { return post(1000).status == 200; }));
 }
 
 TEST_F(GatewayBodies, aBodyOfTheLargestSizeFitsWhereNothingElseIsUnderWay) {

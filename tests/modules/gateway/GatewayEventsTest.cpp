@@ -78,7 +78,7 @@ TEST_F(GatewayEvents, aValueIsWatchedWhileAReaderThatAsksForItIsConnected) {
         Reader reader(port(), "?watch=test:number&watch=test:position");
         EXPECT_TRUE(m_root.isValueWatched(position));
     }
-    EXPECT_TRUE(waitFor([&] { return !m_root.isValueWatched(position); }));
+    EXPECT_TRUE(waitUntil([&] { return !m_root.isValueWatched(position); }));
 }
 
 TEST_F(GatewayEvents, whatCannotBeWatchedIsRefused) {
@@ -228,7 +228,7 @@ TEST_F(GatewayEvents, aReaderThatTakesNothingDelaysNobodyAndIsToldToReadAgain) {
     EXPECT_TRUE(text.contains("event: resync"));
     EXPECT_LT(idsOf(text).size(), 300);
     // It may have fallen behind more than once; now that it reads it catches up with what comes.
-    EXPECT_TRUE(waitFor([&] {
+    EXPECT_TRUE(waitUntil([&] {
         change(6);
         return slow.http.readUntil("\"+6\"", 50).contains("\"+6\"");
     }));
@@ -243,7 +243,7 @@ TEST_F(GatewayEvents, readersThatGoAwayAreForgotten) {
     HttpClient http(port());
     EXPECT_EQ(http.get("/api/paths").status, 200);
     change(1);
-    EXPECT_TRUE(waitFor([this] { return m_gateway->openStreams() == 0; }));
+    EXPECT_TRUE(waitUntil([this] { return m_gateway->openStreams() == 0; }));
 }
 
 TEST_F(GatewayEvents, tooManyReadersAreSentAway) {
@@ -252,7 +252,8 @@ TEST_F(GatewayEvents, tooManyReadersAreSentAway) {
         readers.push_back(std::make_unique<HttpClient>(port()));
         readers.back()->write("GET /api/events HTTP/1.1\r\nHost: localhost\r\n\r\n");
     }
-    ASSERT_TRUE(waitFor([this] { return m_gateway->openStreams() == HttpLimits().eventStreams; }));
+    ASSERT_TRUE(
+        waitUntil([this] { return m_gateway->openStreams() == HttpLimits().eventStreams; }));
     HttpClient http(port());
     const HttpAnswer answer = http.get("/api/events");
     EXPECT_EQ(answer.status, 503);

@@ -2,10 +2,7 @@
 
 #include <sys/stat.h>
 
-#include <QElapsedTimer>
-#include <QEventLoop>
 #include <QFile>
-#include <QTimer>
 
 const QByteArray GatewayFixture::Token = "0123456789abcdef-token";
 
@@ -31,21 +28,4 @@ QString GatewayFixture::tokenFile(const QByteArray& text, mode_t mode) {
     file.close();
     EXPECT_EQ(::chmod(QFile::encodeName(name).constData(), mode), 0);
     return name;
-}
-
-void GatewayFixture::runFor(int milliseconds) {
-    QEventLoop loop;
-    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-bool GatewayFixture::waitFor(const std::function<bool()>& condition, int patienceMs) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition()) {
-        if (clock.elapsed() > patienceMs)
-            return false;
-        runFor(2);
-    }
-    return true;
 }

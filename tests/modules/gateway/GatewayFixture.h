@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 
 #include "CMRootWorker.h"
+#include "EventLoop.h"
 #include "GatewayWorker.h"
 #include "HttpClient.h"
 #include "TestModule.h"
@@ -26,10 +27,6 @@ protected:
     QString tokenFile(const QByteArray& text = Token + '\n', mode_t mode = 0600);
     quint16 port() const { return m_gateway->port(); }
     CMSubscribe& events() { return *m_module->subscribe(); }
-    // Runs the event loop until the condition holds; false when patience is over first.
-    static bool waitFor(const std::function<bool()>& condition,
-                        int patienceMs = HttpClient::PatienceMs);
-    static void runFor(int milliseconds);
 
     QTemporaryDir m_folder;
     CMRootWorker m_root;

@@ -14,7 +14,7 @@ protected:
     QByteArray answersTo(const QByteArray& bytes, bool* isClosed) {
         RawSocket socket(port());
         socket.write(bytes);
-        *isClosed = waitFor([&] { return socket.read(), socket.isClosed(); }, 1000);
+        *isClosed = waitUntil([&] { return socket.read(), socket.isClosed(); }, 1000);
         return socket.read();
     }
 };
@@ -126,7 +126,7 @@ TEST_F(GatewayHead, everyWayToWriteAPlainHeadIsTaken) {
         RawSocket socket(port());
         // Those behind it are read, too, so that the buffer is used again.
         socket.write((bytes + Next).repeated(3));
-        EXPECT_TRUE(waitFor([&] { return socket.read().count("HTTP/1.1 200 OK") == 6; }, 3000))
+        EXPECT_TRUE(waitUntil([&] { return socket.read().count("HTTP/1.1 200 OK") == 6; }, 3000))
             << bytes.left(80).data() << socket.read().constData();
         EXPECT_FALSE(socket.isClosed()) << bytes.left(80).data();
     }
@@ -139,9 +139,9 @@ TEST_F(GatewayHead, aHeadThatComesByteByByteIsTaken) {
     RawSocket socket(port());
     for (const char byte : get("X: y\r\n") + put(length())) {
         socket.write(QByteArray(1, byte));
-        runFor(0);
+        turnEventLoop();
     }
-    EXPECT_TRUE(waitFor([&] { return socket.read().count("HTTP/1.1 200 OK") == 2; }, 3000));
+    EXPECT_TRUE(waitUntil([&] { return socket.read().count("HTTP/1.1 200 OK") == 2; }, 3000));
 }
 
 TEST_F(GatewayHead, nothingBehindABodyInChunksIsRead) {

@@ -197,10 +197,10 @@ TEST_F(GatewayInput, aRequestThatIsBrokenOffIsForgotten) {
         HttpClient http(port());
         http.write(part);
         http.socket().flush();
-        runFor(10);
+        waitFor(10);
         http.socket().abort();
     }
-    runFor(20);
+    waitFor(20);
     HttpClient http(port());
     EXPECT_EQ(http.get("/api/paths").status, 200);
     EXPECT_EQ(m_module->writes(), 0);

@@ -23,7 +23,7 @@ protected:
     }
 
     static bool isClosed(RawSocket& socket) {
-        return waitFor([&] { return socket.isClosed(); }, 3000);
+        return waitUntil([&] { return socket.isClosed(); }, 3000);
     }
 
     static const QByteArray Request;
@@ -131,14 +131,14 @@ TEST_F(GatewayLimits, answersThatAreNotTakenHaveASum) {
     // A single one always fits.
     auto slow = std::make_unique<RawSocket>(port());
     slow->write("GET /api/rows?path=test:big HTTP/1.1\r\nHost: localhost\r\n\r\n");
-    ASSERT_TRUE(waitFor([&] { return slow->hasBytes(); }));
+    ASSERT_TRUE(waitUntil([&] { return slow->hasBytes(); }));
     HttpClient http(port());
     const HttpAnswer refused = http.get("/api/rows?path=test:list");
     EXPECT_EQ(refused.status, 503);
     EXPECT_EQ(refused.headers.value("retry-after"), "1");
     EXPECT_EQ(refused.errorName(), "TooManyAnswers");
     slow.reset();
-    EXPECT_TRUE(waitFor([&] { return http.get("/api/rows?path=test:list").status == 200; }));
+    EXPECT_TRUE(waitUntil([&] { return http.get("/api/rows?path=test:list").status == 200; }));
 }
 
 TEST_F(GatewayLimits, theNumberOfEventStreamsIsAKey) {
@@ -166,9 +166,9 @@ TEST_F(GatewayLimits, oneAddressHasOnlySoManyConnections) {
     // Another address is served all the while, and so is this one when a place is free.
     RawSocket other(port(), "127.0.0.2");
     other.write(Request + "\r\n");
-    EXPECT_TRUE(waitFor([&] { return other.read().contains("200 OK"); }));
+    EXPECT_TRUE(waitUntil([&] { return other.read().contains("200 OK"); }));
     clients.pop_back();
-    EXPECT_TRUE(waitFor([&] {
+    EXPECT_TRUE(waitUntil([&] {
         askedIn(&status);
         return status == 200;
     }));
@@ -177,9 +177,9 @@ TEST_F(GatewayLimits, oneAddressHasOnlySoManyConnections) {
 TEST_F(GatewayLimits, oneConnectionTooManyTakesThePlaceOfTheOneThatWaitedLongest) {
     restart({{"gateway/maxConnections", 3}});
     RawSocket first(port());
-    runFor(20);
+    waitFor(20);
     RawSocket second(port());
-    runFor(20);
+    waitFor(20);
     HttpClient third(port());
     EXPECT_EQ(third.get("/api/paths").status, 200);
     EXPECT_FALSE(first.isClosed());
@@ -209,13 +209,13 @@ TEST_F(GatewayLimits, aSlowHeadIsCutWhenItsTimeIsOver) {
     QElapsedTimer clock;
     clock.start();
     quick.write(Request);
-    runFor(100);
+    waitFor(100);
     quick.write("\r\n");
-    EXPECT_TRUE(waitFor([&] { return quick.read().contains("200 OK"); }));
+    EXPECT_TRUE(waitUntil([&] { return quick.read().contains("200 OK"); }));
     // A byte now and then keeps no connection open.
     while (!slow.isClosed() && clock.elapsed() < 5000) {
         slow.write("G");
-        runFor(20);
+        waitFor(20);
     }
     EXPECT_TRUE(slow.isClosed());
     EXPECT_GE(clock.elapsed(), 390);
@@ -230,7 +230,7 @@ TEST_F(GatewayLimits, aSlowBodyIsCutWhenItsTimeIsOver) {
     clock.start();
     while (!slow.isClosed() && clock.elapsed() < 5000) {
         slow.write(" ");
-        runFor(20);
+        waitFor(20);
     }
     EXPECT_TRUE(slow.isClosed());
     EXPECT_GE(clock.elapsed(), 290);
@@ -241,11 +241,11 @@ TEST_F(GatewayLimits, aKeptConnectionIsClosedAfterItsIdleTime) {
     restart({{"gateway/requestTimeoutMs", 60000}, {"gateway/idleTimeoutMs", 300}});
     HttpClient http(port());
     EXPECT_EQ(http.get("/api/paths").status, 200);
-    runFor(150);
+    waitFor(150);
     EXPECT_EQ(http.get("/api/paths").status, 200);
     EXPECT_EQ(http.socket().state(), QAbstractSocket::ConnectedState);
-    EXPECT_TRUE(
-        waitFor([&] { return http.socket().state() == QAbstractSocket::UnconnectedState; }, 3000));
+    EXPECT_TRUE(waitUntil(
+        [&] { return http.socket().state() == QAbstractSocket::UnconnectedState; }, 3000));
 }
 
 TEST_F(GatewayLimits, anAnswerThatIsNotTakenIsCut) {
@@ -253,11 +253,11 @@ TEST_F(GatewayLimits, anAnswerThatIsNotTakenIsCut) {
     RawSocket slow(port());
     slow.write("GET /api/rows?path=test:big HTTP/1.1\r\nHost: localhost\r\n\r\n");
     // The time counts from here: a slow machine makes the answer first.
-    ASSERT_TRUE(waitFor([&] { return slow.hasBytes(); }));
-    runFor(900);
+    ASSERT_TRUE(waitUntil([&] { return slow.hasBytes(); }));
+    waitFor(900);
     // What is on its way still arrives, but not the whole.
     QByteArray got;
-    EXPECT_TRUE(waitFor([&] {
+    EXPECT_TRUE(waitUntil([&] {
         got = slow.read();
         return slow.isClosed();
     }));
@@ -270,7 +270,7 @@ TEST_F(GatewayLimits, aStreamWhoseReaderStopsIsCutAndAReaderThatListensIsNot) {
     stopped.write("GET /api/events HTTP/1.1\r\nHost: localhost\r\n\r\n");
     HttpClient reader(port());
     reader.write("GET /api/events HTTP/1.1\r\nHost: localhost\r\n\r\n");
-    ASSERT_TRUE(waitFor([&] { return m_gateway->openStreams() == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return m_gateway->openStreams() == 2; }));
     // More than the sockets hold, in parts that the one who reads keeps up with.
     const QStringList large{QString(100000, QLatin1Char('x'))};
     QElapsedTimer clock;
@@ -282,7 +282,7 @@ TEST_F(GatewayLimits, aStreamWhoseReaderStopsIsCutAndAReaderThatListensIsNot) {
     }
     EXPECT_EQ(m_gateway->openStreams(), 1);
     // It stays although nothing but comments comes.
-    runFor(900);
+    waitFor(900);
     EXPECT_EQ(m_gateway->openStreams(), 1);
 }
 
@@ -299,9 +299,9 @@ TEST_F(GatewayLimits, manySilentAndSlowClientsDelayNobody) {
             crowd.push_back(std::make_unique<RawSocket>(port()));
             crowd.back()->write(part);
         }
-        runFor(1);
+        waitFor(1);
     }
-    runFor(200);
+    waitFor(200);
     // The big answers are being made and wait to be taken: ten requests take no longer for it.
     askedIn();
     QElapsedTimer clock;

@@ -66,12 +66,12 @@ TEST_F(GatewayLogins, ofManyAtOnceTenAreLookedAt) {
         sockets.back()->write("POST /api/login HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: " +
                               QByteArray::number(body.size()) + "\r\n\r\n" + body.chopped(1));
     }
-    waitFor([] { return false; }, 100); // their heads are read
+    waitFor(100); // their heads are read
     QMap<QByteArray, int> answers;
     for (const auto& socket : sockets) {
         socket->write(body.right(1));
         QByteArray text;
-        EXPECT_TRUE(waitFor([&] {
+        EXPECT_TRUE(waitUntil([&] {
             text = socket->read();
             return text.contains("\r\n");
         }));
@@ -99,7 +99,7 @@ TEST_F(GatewayLogins, anAddressTriesAgainWhenItsMinuteIsOver) {
     const HttpAnswer answer = login(Token);
     EXPECT_EQ(answer.status, 429);
     EXPECT_EQ(answer.headers.value("retry-after"), "1");
-    runFor(310);
+    waitFor(310);
     EXPECT_EQ(login(Token).status, 200);
     EXPECT_EQ(login("wrong").status, 401);
 }

@@ -100,7 +100,7 @@ TEST_F(GatewayProxy, anAddressBehindTheProxyHasOnlySoManyRequestsUnderWay) {
     const auto read = [&](const QByteArray& address) {
         readers.push_back(std::make_unique<RawSocket>(port()));
         readers.back()->write(events + address + "\r\n\r\n");
-        EXPECT_TRUE(waitFor([&] { return readers.back()->read().contains("\r\n\r\n"); }));
+        EXPECT_TRUE(waitUntil([&] { return readers.back()->read().contains("\r\n\r\n"); }));
         return readers.back()->read().mid(9, 3).toInt();
     };
     EXPECT_EQ(read("192.0.2.1"), 200);
@@ -111,5 +111,5 @@ TEST_F(GatewayProxy, anAddressBehindTheProxyHasOnlySoManyRequestsUnderWay) {
     // The proxy's own connections are not counted.
     EXPECT_EQ(read("192.0.2.2"), 200);
     readers.erase(readers.begin());
-    EXPECT_TRUE(waitFor([&] { return read("192.0.2.1") == 200; }));
+    EXPECT_TRUE(waitUntil([&] { return read("192.0.2.1") == 200; }));
 }
