@@ -88,3 +88,13 @@ protected:
     TestPlayLogic other{source.nodes(), CMPath(QStringLiteral("source:other"))};
     std::unique_ptr<PlayerWorker> player;
 };
+
+// What is heard goes into a file.
+class PlayerRecordingFixture : public PlayerFixture {
+protected:
+    PlayerRecordingFixture() { startPlayer("wav=" + files.fileName("out.wav")); }
+    Pcm recorded() {
+        player.reset();
+        return SoundFiles::readWav(files.fileName("out.wav")).samples();
+    }
+};
