@@ -244,37 +244,11 @@ void CommandSequence::vacuum(const Numbers&) {
 }
 
 void CommandSequence::compare(bool thorough) {
-    m_world.requireSoundStore(thorough);
-    QStringList expected;
-    for (auto pl = m_model.playLists.cbegin(); pl != m_model.playLists.cend(); ++pl)
-        expected.append(QStringLiteral("%1|%2|%3|%4|")
-                            .arg(pl.key())
-                            .arg(pl->shuffle)
-                            .arg(pl->repeatAll)
-                            .arg(pl->lastPlayed) +
-                        pl->name + '|' + pl->titles.join(' '));
-    const QStringList stored = m_world.query(QStringLiteral(
-        "SELECT p.uid || '|' || shuffle || '|' || repeatAll || '|' || lastPlayedIndex || '|' ||"
-        " name || '|' || coalesce((SELECT group_concat(title, ' ') FROM (SELECT title FROM"
-        " playlists_items JOIN items ON item = items.uid WHERE playlist = p.uid"
-        " ORDER BY sequenceNumber)), '') FROM playlists AS p ORDER BY p.uid"));
+    m_world.requireInvariants(thorough);
+    const QStringList expected = m_model.lines();
+    const QStringList stored = PropertyModel::linesOf(m_world);
     Fuzz::require(stored == expected, "after" + m_done + "\nthe store has " + stored.join('\n') +
                                           "\nand should have " + expected.join('\n'));
-    expected.clear();
-    for (auto cl = m_model.collections.cbegin(); cl != m_model.collections.cend(); ++cl) {
-        QList<int> members = cl->members.values();
-        std::sort(members.begin(), members.end());
-        QStringList texts;
-        for (int plid : qAsConst(members))
-            texts.append(QString::number(plid));
-        expected.append(QString::number(cl.key()) + '|' + cl->name + '|' + texts.join(','));
-    }
-    const QStringList kept = m_world.query(QStringLiteral(
-        "SELECT uid || '|' || name || '|' || coalesce((SELECT group_concat(playlist) FROM (SELECT"
-        " playlist FROM collections_playlists WHERE collection = uid ORDER BY playlist)), '')"
-        " FROM collections ORDER BY uid"));
-    Fuzz::require(kept == expected, "after" + m_done + "\nthe store has " + kept.join('\n') +
-                                        "\nand should have " + expected.join('\n'));
 }
 
 // What user interfaces see: from memory as far as the device keeps it there.

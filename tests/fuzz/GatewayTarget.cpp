@@ -101,7 +101,7 @@ void tryRequests(World& world, const QByteArray& text) {
     }
     if (!commands && !values)
         return;
-    world.requireSoundStore(false);
+    world.requireInvariants(false);
     world.requireSameFiles();
     world.reset(0, values);
 }

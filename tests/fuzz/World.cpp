@@ -28,8 +28,6 @@ QHash<QString, QVariant> smallLimits() {
             {"playlists/maxNameBytes", 60}};
 }
 
-constexpr char StoreFile[] = "data-rw/playlists/playlists.sqlite";
-
 void write(const QString& name, const QByteArray& bytes) {
     QFile file(name);
     Fuzz::require(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size(),
@@ -84,7 +82,7 @@ World::World() : m_secret(QUuid::createUuid().toByteArray()) {
     send(OrvoPlayListClCreatePath(), QVariantHash{{"name", "Box"}});
     send(OrvoPlayListClAddItemPath(), QVariantHash{{"clid", 1}, {"plid", 2}});
     stop();
-    QFile store(StoreFile);
+    QFile store(QString::fromLatin1(File));
     Fuzz::require(store.open(QIODevice::ReadOnly), "there is no store");
     m_emptyStore = store.readAll();
     start();
@@ -120,8 +118,7 @@ void World::start() {
 }
 
 void World::stop() {
-    sqlite3_close(m_raw);
-    m_raw = nullptr;
+    disconnect();
     m_playLists.reset();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
@@ -133,8 +130,8 @@ void World::reset(int itemsLimit, bool settingsWritten) {
         startOthers();
     }
     m_itemsLimit = itemsLimit;
-    QFile::remove(QString::fromLatin1(StoreFile) + "-journal");
-    write(StoreFile, m_emptyStore);
+    QFile::remove(QString::fromLatin1(File) + "-journal");
+    write(QString::fromLatin1(File), m_emptyStore);
     start();
 }
 
@@ -170,57 +167,9 @@ void World::settle() {
     handleEvents();
 }
 
-QStringList World::query(const QString& sql) {
-    if (!m_raw)
-        Fuzz::require(sqlite3_open(StoreFile, &m_raw) == SQLITE_OK, "the store cannot be opened");
-    QStringList texts;
-    sqlite3_stmt* statement = nullptr;
-    const int prepared =
-        sqlite3_prepare_v2(m_raw, sql.toUtf8().constData(), -1, &statement, nullptr);
-    Fuzz::require(prepared == SQLITE_OK, "the store cannot be read: " + sql);
-    int code = SQLITE_OK;
-    while ((code = sqlite3_step(statement)) == SQLITE_ROW)
-        texts.append(
-            QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement, 0)),
-                              sqlite3_column_bytes(statement, 0)));
-    Fuzz::require(code == SQLITE_DONE, "the store cannot be read on: " + sql);
-    sqlite3_finalize(statement);
-    return texts;
-}
-
-void World::run(const QString& sql) {
-    query(sql);
-}
-
-void World::requireSoundStore(bool thorough) {
-    struct Rule {
-        const char* broken;
-        const char* sql;
-        bool thorough;
-    };
-    static const Rule rules[] = {
-        {"numbers that are not dense",
-         "SELECT playlist || ': ' || group_concat(sequenceNumber) FROM playlists_items"
-         " GROUP BY playlist HAVING min(sequenceNumber) <> 0"
-         " OR max(sequenceNumber) <> count(*) - 1",
-         false},
-        {"items without exactly one entry",
-         "SELECT uid FROM items LEFT JOIN playlists_items ON item = uid GROUP BY uid"
-         " HAVING count(item) <> 1",
-         false},
-        {"no play queue", "SELECT 'none' WHERE NOT EXISTS (SELECT 1 FROM playlists WHERE uid = 0)",
-         false},
-        {"a foreign key that leads nowhere", "PRAGMA foreign_key_check", true},
-        {"a damaged file", "SELECT * FROM pragma_integrity_check WHERE integrity_check <> 'ok'",
-         true},
-    };
-    for (const Rule& rule : rules) {
-        if (rule.thorough && !thorough)
-            continue;
-        const QStringList found = query(QString::fromLatin1(rule.sql));
-        Fuzz::require(found.isEmpty(),
-                      QString::fromLatin1(rule.broken) + ": " + found.join(QStringLiteral(" | ")));
-    }
+void World::requireInvariants(bool thorough) {
+    const QStringList broken = brokenRules(thorough);
+    Fuzz::require(broken.isEmpty(), broken.join(QStringLiteral(" | ")));
 }
 
 QStringList World::files() const {

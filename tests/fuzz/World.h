@@ -6,11 +6,11 @@
 
 #include "ApiRouter.h"
 #include "CMRootWorker.h"
+#include "StoreFile.h"
 
 class FilesWorker;
 class LateWorker;
 class PlayListWorker;
-struct sqlite3;
 
 // A device without its sockets and its sound: a root, the real playlists and files modules, a
 // player that takes every command, and a source "attic" that answers late or never. Everything lies
@@ -23,10 +23,10 @@ struct sqlite3;
 //
 // The store begins with the playlists 1 "Party" (a b c) and 2 "Quiet" (none), and the collection 1
 // "Box" with 2 in it. Made once per process by instance(); what fails here ends the process.
-class World {
+class World : public StoreFile {
 public:
     static World& instance();
-    ~World();
+    ~World() override;
 
     // The playlists module anew over a store as it was at the beginning. The others stay, because
     // to let go of a watched folder takes the system longer than all the rest, unless settings
@@ -47,12 +47,8 @@ public:
     QString musicFolder() const { return m_folder.filePath(QStringLiteral("music")); }
     const QByteArray& secret() const { return m_secret; }
 
-    // The first column of what a query past the store gives.
-    QStringList query(const QString& sql);
-    void run(const QString& sql);
-    // Numbers dense, no orphans, foreign keys kept, the file whole. With `thorough` SQLite's own
-    // checks, too.
-    void requireSoundStore(bool thorough);
+    // Every rule of a store kept, with SQLite's own checks where they are asked for.
+    void requireInvariants(bool thorough);
     // Nothing has come or gone beside the store.
     void requireSameFiles();
 
@@ -78,5 +74,4 @@ private:
     std::unique_ptr<FilesWorker> m_filesModule;
     std::unique_ptr<LateWorker> m_attic;
     std::unique_ptr<LateWorker> m_player;
-    sqlite3* m_raw = nullptr;
 };

@@ -44,7 +44,7 @@ TEST_F(AddAtTest, onePositionIsThatOfTheFirstOfThem) {
     EXPECT_EQ("a x y b c z", stored(1));
     EXPECT_FALSE(addAt({"w"}, "0", {{"mode", "append"}}).failed);
     EXPECT_EQ("w a x y b c z", stored(1));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(AddAtTest, aListHasTheFinalPositionOfEach) {
@@ -52,7 +52,7 @@ TEST_F(AddAtTest, aListHasTheFinalPositionOfEach) {
     EXPECT_EQ("x a y b c z", stored(1));
     EXPECT_FALSE(addAt({"q"}, QVariantList{0}, {{"plid", 0}}).failed);
     EXPECT_EQ("q", stored(0));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(AddAtTest, additionsByPathTakePlaces) {
@@ -66,7 +66,7 @@ TEST_F(AddAtTest, additionsByPathTakePlaces) {
     EXPECT_FALSE(
         addPathsAt({"files:y", c, a, "files:x"}, QVariantList{0, 1, 2, 3}, {{"plid", 2}}).failed);
     EXPECT_EQ("y c a x", stored(2));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(AddAtTest, aWholePlaylistMovesToItsPlaces) {
@@ -78,7 +78,7 @@ TEST_F(AddAtTest, aWholePlaylistMovesToItsPlaces) {
                QVariantHash{{"plid", 1}, {"fromPlid", 2}, {"at", QVariantList{0, 4}}});
     EXPECT_EQ("d a b c e", stored(1));
     EXPECT_EQ(QStringList(), query("SELECT uid FROM playlists WHERE uid = 2"));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(AddAtTest, malformedPositionsAreRefused) {
@@ -172,7 +172,7 @@ TEST_F(AddAtTest, theLimitCutsARunShortAndRefusesAList) {
     EXPECT_EQ("a b c", stored(1));
     EXPECT_FALSE(addAt({"x", "y", "z"}, 1).failed);
     EXPECT_EQ("a x y b c", stored(1));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(AddAtTest, positionsAreJudgedByTheListAsItIsWhenTheItemsAreThere) {

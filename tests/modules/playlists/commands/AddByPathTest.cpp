@@ -173,7 +173,7 @@ TEST_F(AddByPathTest, pendingGroupsAreToldApart) {
     // A second answer changes nothing.
     prepareReply(others.files, 0).setValue(itemHashes({"x"}));
     EXPECT_EQ(QString("a b c d"), stored(1));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(AddByPathTest, aTargetThatIsDeletedMeanwhileIsAnError) {
@@ -204,7 +204,7 @@ TEST_F(AddByPathTest, aNewPlaylistWithTheNumberOfTheTargetGetsNothing) {
         waiting->message());
     EXPECT_EQ(QStringList("Cannot find playlist with plid: 2"), log.errors());
     EXPECT_EQ(QString(), stored(2));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(AddByPathTest, aSourcePlaylistThatIsDeletedMeanwhileHasGivenItsItems) {
@@ -217,7 +217,7 @@ TEST_F(AddByPathTest, aSourcePlaylistThatIsDeletedMeanwhileHasGivenItsItems) {
     EXPECT_FALSE(waiting->failed);
     EXPECT_EQ(QString("b d"), stored(2));
     EXPECT_EQ(QStringList({"0", "2"}), query("SELECT uid FROM playlists ORDER BY uid"));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(AddByPathTest, theFromPlaylistOfSingleItemsStays) {

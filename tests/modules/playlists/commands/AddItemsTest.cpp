@@ -2,8 +2,6 @@
 
 namespace {
 
-using Path = CMPath (*)();
-
 const char* const notAcceptable =
     "(Missing title or type==audio or [resource uri and prePlayPath])";
 
@@ -114,7 +112,7 @@ TEST_F(AddItemsTest, audioWithATitleOrAWayToPlayItIsAccepted) {
     }
     EXPECT_EQ(QStringList("15"),
               query("SELECT count(*) FROM playlists_items")); // three, and six rows twice
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(AddItemsTest, rolesThatAreNoJsonAreNotAcceptable) {
@@ -220,7 +218,7 @@ TEST_F(LimitedAddTest, whatStillFitsIsAddedAndCounted) {
             .filter("res: 1 msg: 2 Items added successfully to playlist. (Party) 2 items added.")
             .isEmpty());
     EXPECT_TRUE(log.contains("DEBUG", "Add items finished, num added: 2"));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(LimitedAddTest, aFullStoreIsAnError) {

@@ -40,14 +40,6 @@ protected:
         reply.setValue(items);
         return answer;
     }
-    static void waitFor(const LateAnswer& answer) {
-        constexpr int PatienceMs = 30'000;
-        QElapsedTimer clock;
-        clock.start();
-        while (!answer->answered && clock.elapsed() < PatienceMs)
-            QCoreApplication::processEvents();
-        ASSERT_TRUE(answer->answered);
-    }
 
     FakeModules others;
 };
@@ -58,12 +50,12 @@ TEST_F(AddManyTest, othersAreAnsweredWhileManyItemsAreChecked) {
     EXPECT_EQ(QStringList({"a", "b", "c"}), titles(1));
     expectDone(OrvoPlayListPlSetNamePath(), QVariantHash{{"plid", 1}, {"name", "Feast"}});
     EXPECT_EQ(QString(), stored(2));
-    waitFor(answer);
+    ASSERT_TRUE(waitUntil([&] { return answer->answered; }));
     EXPECT_FALSE(answer->failed);
     EXPECT_EQ(QStringList(QString::number(Many + 3)), query("SELECT count(*) FROM items"));
     EXPECT_EQ(QStringList(), query("SELECT title FROM items JOIN playlists_items ON uid = item "
                                    "WHERE playlist = 2 AND title <> sequenceNumber"));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(AddManyTest, manyItemsAreAddedAndLoggedAsThoseOfOneCall) {
@@ -80,7 +72,7 @@ TEST_F(AddManyTest, manyItemsAreAddedAndLoggedAsThoseOfOneCall) {
     };
     {
         const LogCapture log("PlayLists");
-        waitFor(addByPath(2, items));
+        ASSERT_TRUE(waitUntil([answer = addByPath(2, items)] { return answer->answered; }));
         EXPECT_EQ(warnings, log.texts("WARN"));
         EXPECT_EQ(QStringList({"requestPrefix: files call: prepareItems", "addItems() res: 19998",
                                "added 19998 items",
@@ -110,15 +102,8 @@ TEST_F(AddManyTest, whatWasAddedIsLetGoAfterwards) {
     const LateAnswer answer = addByPath(2, items);
     items.clear();
     EXPECT_FALSE(album.isDetached());
-    waitFor(answer);
-    constexpr int PatienceMs = 30'000;
-    QElapsedTimer clock;
-    clock.start();
-    while (!album.isDetached() && clock.elapsed() < PatienceMs) {
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-    EXPECT_TRUE(album.isDetached());
+    ASSERT_TRUE(waitUntil([&] { return answer->answered; }));
+    EXPECT_TRUE(waitUntil([&] { return album.isDetached(); }));
 }
 
 TEST_F(AddManyTest, oneThatIsNotAcceptableRejectsAllOfMany) {
@@ -129,14 +114,14 @@ TEST_F(AddManyTest, oneThatIsNotAcceptableRejectsAllOfMany) {
     items[OtherBareOne] = wrong.toHash();
     const LogCapture log("PlayLists");
     const LateAnswer answer = addByPath(1, items);
-    waitFor(answer);
+    ASSERT_TRUE(waitUntil([&] { return answer->answered; }));
     EXPECT_EQ(QString("Could not add items to playlist. No items were added. (Missing title or "
                       "type==audio or [resource uri and prePlayPath])"),
               answer->message());
     EXPECT_EQ(QStringList(QString("Invalid file, missing roles: file:///bare%1").arg(BareOne)),
               log.texts("WARN"));
     EXPECT_EQ(QString("a b c"), stored(1));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(AddManyTest, aTargetThatIsDeletedWhileItemsAreCheckedIsAnError) {
@@ -144,7 +129,7 @@ TEST_F(AddManyTest, aTargetThatIsDeletedWhileItemsAreCheckedIsAnError) {
     ASSERT_FALSE(answer->answered);
     expectDone(OrvoPlayListPlDeletePath(), QVariantHash{{"plid", 2}});
     const LogCapture log("PlayLists");
-    waitFor(answer);
+    ASSERT_TRUE(waitUntil([&] { return answer->answered; }));
     EXPECT_EQ(QString("Could not add items to playlist. No items were added. (There is no playlist "
                       "with this ID. (2))"),
               answer->message());

@@ -4,8 +4,6 @@
 
 namespace {
 
-using Path = CMPath (*)();
-
 class ArgumentsTest : public CommandFixture {
 protected:
     void SetUp() override { makeParty(); }
@@ -343,7 +341,7 @@ TEST_F(ArgumentsTest, namesOfEveryKindComeBackWhole) {
     expectDone(OrvoPlayListPlSetNamePath(), QVariantHash{{"plid", 1}, {"name", names.at(1)}});
     EXPECT_EQ(QStringList("10"),
               query("SELECT length(CAST(name AS BLOB)) FROM playlists WHERE uid = 1"));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(ArgumentsTest, aNameThatIsANumberIsItsText) {
@@ -372,7 +370,7 @@ TEST_F(ArgumentsTest, whatIsNoPositionIsNoEntry) {
             << qPrintable(noPosition.toString());
     }
     EXPECT_EQ(QString("a b c"), stored(1));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(ArgumentsTest, positionsAreTakenAsNumbersAndAsDecimalText) {

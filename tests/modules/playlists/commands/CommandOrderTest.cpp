@@ -2,51 +2,43 @@
 
 namespace {
 
-using Path = CMPath (*)();
-
-// One request that fails several checks at once: the first of them is what the caller hears of.
-struct Row {
-    Path path;
-    const char* fails; // the checks, by their place in the command's order
-    QVariantHash args;
-    const char* message;
-};
-
 const QVariantList none;
 const QVariantList first{0};
 const QVariantList beyond{9};
 
+// Requests that fail several checks at once, named by their places in the command's order: the
+// first of them is what the caller hears of.
 class CommandOrderTest : public CommandFixture {
 protected:
     void SetUp() override { makeParty(); }
 
-    void expectMessages(const QList<Row>& rows) {
-        for (const Row& row : rows) {
+    void expectMessages(const QList<CommandRow>& rows) {
+        for (const CommandRow& row : rows) {
             EXPECT_EQ(QString(row.message), refusal(row.path(), row.args))
-                << qPrintable(row.path().toString()) << " fails " << row.fails;
+                << qPrintable(row.path().toString()) << " fails " << row.what;
         }
         EXPECT_EQ(QString("a b c"), stored(1));
-        expectSoundStore();
+        expectInvariants();
     }
 };
 
 TEST_F(CommandOrderTest, renaming) {
     // 1 id, 2 queue, 3 name, 4 playlist
     expectMessages({
-        {OrvoPlayListPlSetNamePath,
-         "1 3 4",
+        {"1 3 4",
+         OrvoPlayListPlSetNamePath,
          {{"plid", -1}, {"name", ""}},
          "Could not set playlist name. Cannot find playlist with invalid ID."},
-        {OrvoPlayListPlSetNamePath,
-         "1 4",
+        {"1 4",
+         OrvoPlayListPlSetNamePath,
          {{"plid", -1}, {"name", "x"}},
          "Could not set playlist name. Cannot find playlist with invalid ID."},
-        {OrvoPlayListPlSetNamePath,
-         "2 3",
+        {"2 3",
+         OrvoPlayListPlSetNamePath,
          {{"plid", 0}, {"name", ""}},
          "Could not set playlist name. Cannot rename PlayQueue."},
-        {OrvoPlayListPlSetNamePath,
-         "3 4",
+        {"3 4",
+         OrvoPlayListPlSetNamePath,
          {{"plid", 77}, {"name", ""}},
          "Could not set playlist name. Please provide a non-empty string as field. (name)"},
     });
@@ -55,76 +47,76 @@ TEST_F(CommandOrderTest, renaming) {
 TEST_F(CommandOrderTest, settingModes) {
     // 1 id, 2 mode, 3 playlist
     expectMessages({
-        {OrvoPlayListPlSetShufflePath,
-         "1 2 3",
+        {"1 2 3",
+         OrvoPlayListPlSetShufflePath,
          {{"plid", -1}, {"mode", 2}},
          "Could not set shuffle mode on playlist. Cannot find playlist with invalid ID."},
-        {OrvoPlayListPlSetShufflePath,
-         "1 3",
+        {"1 3",
+         OrvoPlayListPlSetShufflePath,
          {{"plid", -1}, {"mode", 1}},
          "Could not set shuffle mode on playlist. Cannot find playlist with invalid ID."},
-        {OrvoPlayListPlSetShufflePath,
-         "2 3",
+        {"2 3",
+         OrvoPlayListPlSetShufflePath,
          {{"plid", 77}, {"mode", 2}},
          "Could not set shuffle mode on playlist. Invalid shuffle mode. (shuffle-mode)"},
-        {OrvoPlayListPlSetRepeatPath,
-         "1 2 3",
+        {"1 2 3",
+         OrvoPlayListPlSetRepeatPath,
          {{"plid", -1}, {"mode", 4}},
          "Could not set repeat mode on playlist. Cannot find playlist with invalid ID."},
-        {OrvoPlayListPlSetRepeatPath,
-         "1 3",
+        {"1 3",
+         OrvoPlayListPlSetRepeatPath,
          {{"plid", -1}, {"mode", 1}},
          "Could not set repeat mode on playlist. Cannot find playlist with invalid ID."},
-        {OrvoPlayListPlSetRepeatPath,
-         "2 3",
+        {"2 3",
+         OrvoPlayListPlSetRepeatPath,
          {{"plid", 77}, {"mode", 4}},
          "Could not set repeat mode on playlist. Invalid repeat mode. (repeat-mode)"},
     });
 }
 
 TEST_F(CommandOrderTest, deleting) {
-    forbid("DELETE", "playlists");
-    forbid("DELETE", "collections");
+    forbid("DELETE ON playlists");
+    forbid("DELETE ON collections");
     // 1 id, 2 queue, 3 playlist, 4 store
     expectMessages({
-        {OrvoPlayListPlDeletePath,
-         "1 3",
+        {"1 3",
+         OrvoPlayListPlDeletePath,
          {{"plid", -1}},
          "Could not delete playlist. Cannot find playlist with invalid ID."},
-        {OrvoPlayListPlDeletePath,
-         "2 4",
+        {"2 4",
+         OrvoPlayListPlDeletePath,
          {{"plid", 0}},
          "Could not delete playlist. Cannot delete PlayQueue."},
-        {OrvoPlayListPlDeletePath,
-         "3 4",
+        {"3 4",
+         OrvoPlayListPlDeletePath,
          {{"plid", 77}},
          "Could not delete playlist. There is no playlist with this ID. (77)"},
-        {OrvoPlayListClDeletePath,
-         "1 2",
+        {"1 2",
+         OrvoPlayListClDeletePath,
          {{"clid", 9}},
          "Could not delete collection. There is no collection with this ID. (9)"},
     });
 }
 
 TEST_F(CommandOrderTest, creating) {
-    forbid("INSERT", "playlists");
-    forbid("INSERT", "collections");
+    forbid("INSERT ON playlists");
+    forbid("INSERT ON collections");
     // 1 name, 2 store
     expectMessages({
-        {OrvoPlayListPlCreatePath,
-         "1 2",
+        {"1 2",
+         OrvoPlayListPlCreatePath,
          {{"name", ""}},
          "Could not create playlist. Please provide a non-empty string as field. (name)"},
-        {OrvoPlayListClCreatePath,
-         "1 2",
+        {"1 2",
+         OrvoPlayListClCreatePath,
          {{"name", ""}},
          "Could not create collection. Please provide a non-empty string as field. (name)"},
     });
 }
 
 TEST_F(CommandOrderTest, collectionMembers) {
-    forbid("INSERT", "collections_playlists");
-    forbid("DELETE", "collections_playlists");
+    forbid("INSERT ON collections_playlists");
+    forbid("DELETE ON collections_playlists");
     // 1 id, 2 collection, 3 playlist, 4 store
     const QList<QPair<Path, QByteArray>> commands = {
         {OrvoPlayListClAddItemPath, "Could not add items to collection."},
@@ -134,25 +126,25 @@ TEST_F(CommandOrderTest, collectionMembers) {
         const QByteArray noCollection = prefix + " There is no collection with this ID. (9)";
         const QByteArray noPlayList = prefix + " There is no playlist with this ID. (77)";
         expectMessages({
-            {path, "1 2 3 4", {{"plid", -1}, {"clid", 9}}, invalid},
-            {path, "1 3 4", {{"plid", -1}, {"clid", 1}}, invalid},
-            {path, "2 3 4", {{"plid", 77}, {"clid", 9}}, noCollection},
-            {path, "2 4", {{"plid", 2}, {"clid", 9}}, noCollection},
-            {path, "3 4", {{"plid", 77}, {"clid", 1}}, noPlayList},
+            {"1 2 3 4", path, {{"plid", -1}, {"clid", 9}}, invalid},
+            {"1 3 4", path, {{"plid", -1}, {"clid", 1}}, invalid},
+            {"2 3 4", path, {{"plid", 77}, {"clid", 9}}, noCollection},
+            {"2 4", path, {{"plid", 2}, {"clid", 9}}, noCollection},
+            {"3 4", path, {{"plid", 77}, {"clid", 1}}, noPlayList},
         });
     }
 }
 
 TEST_F(CommandOrderTest, clearing) {
-    forbid("DELETE", "playlists_items");
+    forbid("DELETE ON playlists_items");
     // 1 id, 2 playlist, 3 store
     expectMessages({
-        {OrvoPlayListPlClearPath,
-         "1 2 3",
+        {"1 2 3",
+         OrvoPlayListPlClearPath,
          {{"plid", -1}},
          "Could not clear playlist. Cannot find playlist with invalid ID."},
-        {OrvoPlayListPlClearPath,
-         "2 3",
+        {"2 3",
+         OrvoPlayListPlClearPath,
          {{"plid", 77}},
          "Could not clear playlist. There is no playlist with this ID. (77)"},
     });
@@ -161,20 +153,20 @@ TEST_F(CommandOrderTest, clearing) {
 TEST_F(CommandOrderTest, removing) {
     // 1 id, 2 items, 3 playlist, 4 store
     expectMessages({
-        {OrvoPlayListPlRemoveItemsPath,
-         "1 2 3",
+        {"1 2 3",
+         OrvoPlayListPlRemoveItemsPath,
          {{"plid", -1}, {"items", none}},
          "Could not remove items from playlist. Cannot find playlist with invalid ID."},
-        {OrvoPlayListPlRemoveItemsPath,
-         "1 3 4",
+        {"1 3 4",
+         OrvoPlayListPlRemoveItemsPath,
          {{"plid", -1}, {"items", beyond}},
          "Could not remove items from playlist. Cannot find playlist with invalid ID."},
-        {OrvoPlayListPlRemoveItemsPath,
-         "2 3",
+        {"2 3",
+         OrvoPlayListPlRemoveItemsPath,
          {{"plid", 77}, {"items", none}},
          "Could not remove items from playlist. Please select one or more items to remove."},
-        {OrvoPlayListPlRemoveItemsPath,
-         "3 4",
+        {"3 4",
+         OrvoPlayListPlRemoveItemsPath,
          {{"plid", 77}, {"items", beyond}},
          "Could not remove items from playlist. There is no playlist with this ID. (77)"},
     });
@@ -193,39 +185,39 @@ TEST_F(CommandOrderTest, moving) {
         "Could not move items in playlist. Cannot move items, sequence number is not in valid range.";
     // 1 id, 2 items, 3 negative target, 4 playlist, 5 target beyond, 6 store
     expectMessages({
-        {OrvoPlayListPlMoveItemspath,
-         "1 2 3 4",
+        {"1 2 3 4",
+         OrvoPlayListPlMoveItemspath,
          {{"plid", -1}, {"to", -1}, {"items", none}},
          invalid},
-        {OrvoPlayListPlMoveItemspath, "1 2 4", {{"plid", -1}, {"to", 0}, {"items", none}}, invalid},
-        {OrvoPlayListPlMoveItemspath,
-         "1 3 4",
+        {"1 2 4", OrvoPlayListPlMoveItemspath, {{"plid", -1}, {"to", 0}, {"items", none}}, invalid},
+        {"1 3 4",
+         OrvoPlayListPlMoveItemspath,
          {{"plid", -1}, {"to", -1}, {"items", first}},
          invalid},
-        {OrvoPlayListPlMoveItemspath,
-         "1 4 5",
+        {"1 4 5",
+         OrvoPlayListPlMoveItemspath,
          {{"plid", -1}, {"to", 3}, {"items", first}},
          invalid},
-        {OrvoPlayListPlMoveItemspath,
-         "1 4 6",
+        {"1 4 6",
+         OrvoPlayListPlMoveItemspath,
          {{"plid", -1}, {"to", 0}, {"items", beyond}},
          invalid},
-        {OrvoPlayListPlMoveItemspath, "2 3", {{"plid", 1}, {"to", -1}, {"items", none}}, nothing},
-        {OrvoPlayListPlMoveItemspath, "2 4", {{"plid", 77}, {"to", 0}, {"items", none}}, nothing},
-        {OrvoPlayListPlMoveItemspath, "2 5", {{"plid", 1}, {"to", 3}, {"items", none}}, nothing},
-        {OrvoPlayListPlMoveItemspath,
-         "3 4",
+        {"2 3", OrvoPlayListPlMoveItemspath, {{"plid", 1}, {"to", -1}, {"items", none}}, nothing},
+        {"2 4", OrvoPlayListPlMoveItemspath, {{"plid", 77}, {"to", 0}, {"items", none}}, nothing},
+        {"2 5", OrvoPlayListPlMoveItemspath, {{"plid", 1}, {"to", 3}, {"items", none}}, nothing},
+        {"3 4",
+         OrvoPlayListPlMoveItemspath,
          {{"plid", 77}, {"to", -1}, {"items", first}},
          negative},
-        {OrvoPlayListPlMoveItemspath,
-         "3 6",
+        {"3 6",
+         OrvoPlayListPlMoveItemspath,
          {{"plid", 1}, {"to", -1}, {"items", beyond}},
          negative},
-        {OrvoPlayListPlMoveItemspath, "4 5", {{"plid", 77}, {"to", 3}, {"items", first}}, unknown},
-        {OrvoPlayListPlMoveItemspath, "4 6", {{"plid", 77}, {"to", 0}, {"items", beyond}}, unknown},
-        {OrvoPlayListPlMoveItemspath, "5 6", {{"plid", 1}, {"to", 3}, {"items", beyond}}, range},
-        {OrvoPlayListPlMoveItemspath,
-         "5 on an empty one",
+        {"4 5", OrvoPlayListPlMoveItemspath, {{"plid", 77}, {"to", 3}, {"items", first}}, unknown},
+        {"4 6", OrvoPlayListPlMoveItemspath, {{"plid", 77}, {"to", 0}, {"items", beyond}}, unknown},
+        {"5 6", OrvoPlayListPlMoveItemspath, {{"plid", 1}, {"to", 3}, {"items", beyond}}, range},
+        {"5 on an empty one",
+         OrvoPlayListPlMoveItemspath,
          {{"plid", 2}, {"to", 0}, {"items", first}},
          range},
     });
@@ -251,20 +243,20 @@ TEST_F(CommandOrderTest, addingCompleteItems) {
     const QVariantList bad{itemWithRoles(untitled).toHash()};
     // 1 id, 2 items, 3 playlist, 4 item
     expectMessages({
-        {OrvoPlayListPlAddExternalItemsPath,
-         "1 2 3",
+        {"1 2 3",
+         OrvoPlayListPlAddExternalItemsPath,
          {{"plid", -1}, {"items", none}},
          "Could not add external items to playlist. Cannot find playlist with invalid ID."},
-        {OrvoPlayListPlAddExternalItemsPath,
-         "1 3 4",
+        {"1 3 4",
+         OrvoPlayListPlAddExternalItemsPath,
          {{"plid", -1}, {"items", bad}},
          "Could not add external items to playlist. Cannot find playlist with invalid ID."},
-        {OrvoPlayListPlAddExternalItemsPath,
-         "2 3",
+        {"2 3",
+         OrvoPlayListPlAddExternalItemsPath,
          {{"plid", 77}, {"items", none}},
          "Could not add external items to playlist. Please select one or more items to add."},
-        {OrvoPlayListPlAddExternalItemsPath,
-         "3 4",
+        {"3 4",
+         OrvoPlayListPlAddExternalItemsPath,
          {{"plid", 77}, {"items", bad}},
          "Could not add external items to playlist. There is no playlist with this ID. (77)"},
     });
@@ -274,17 +266,17 @@ TEST_F(CommandOrderTest, addingPaths) {
     FakeModules others;
     // 1 id, 2 items, 3 playlist
     expectMessages({
-        {OrvoPlayListPlAddItemsPath,
-         "1 2 3",
+        {"1 2 3",
+         OrvoPlayListPlAddItemsPath,
          {{"plid", -1}, {"fromPlid", 2}},
          "Could not add items to playlist. Cannot find playlist with invalid ID."},
-        {OrvoPlayListPlAddItemsPath,
-         "2 3",
+        {"2 3",
+         OrvoPlayListPlAddItemsPath,
          {{"plid", 77}, {"fromPlid", 2}},
          "Could not add items to playlist. Please select one or more items to add."},
         // Here the items are gathered first: the target may come and go meanwhile.
-        {OrvoPlayListPlAddItemsPath,
-         "3 and nothing gathered",
+        {"3 and nothing gathered",
+         OrvoPlayListPlAddItemsPath,
          {{"plid", 77}, {"items", QVariantList{"files:x"}}},
          "Could not add items to playlist. No items were added. (There is no playlist with this ID. (77))"},
     });

@@ -1,8 +1,8 @@
-#include <random>
 
 #include "CommandFixture.h"
 #include "PlayLogicInterface.h"
 #include "PropertyModel.h"
+#include "Random.h"
 
 namespace {
 
@@ -83,7 +83,7 @@ private:
         return all;
     }
 
-    int below(int bound) { return int(m_random() % unsigned(bound)); }
+    int below(int bound) { return m_random.below(bound); }
     bool oneIn(int chances) { return below(chances) == 0; }
     template <typename T>
     T pick(const QVector<T>& values) {
@@ -464,38 +464,8 @@ private:
     }
 
     void compare() {
-        QStringList expected;
-        for (auto pl = m_model.playLists.cbegin(); pl != m_model.playLists.cend(); ++pl) {
-            expected.append(QString("%1|%2|%3|%4|")
-                                .arg(pl.key())
-                                .arg(pl->shuffle)
-                                .arg(pl->repeatAll)
-                                .arg(pl->lastPlayed) +
-                            pl->name + '|' + pl->titles.join(' '));
-        }
-        EXPECT_EQ(
-            expected,
-            query(
-                "SELECT p.uid || '|' || shuffle || '|' || repeatAll || '|' || lastPlayedIndex || '|' || name ||"
-                " '|' || coalesce((SELECT group_concat(title, ' ') FROM (SELECT title FROM playlists_items"
-                " JOIN items ON item = items.uid WHERE playlist = p.uid ORDER BY sequenceNumber)), '')"
-                " FROM playlists AS p ORDER BY p.uid"));
-        expected.clear();
-        for (auto cl = m_model.collections.cbegin(); cl != m_model.collections.cend(); ++cl) {
-            QList<int> members = cl->members.values();
-            std::sort(members.begin(), members.end());
-            QStringList texts;
-            for (int plid : qAsConst(members))
-                texts.append(QString::number(plid));
-            expected.append(QString::number(cl.key()) + '|' + cl->name + '|' + texts.join(','));
-        }
-        EXPECT_EQ(
-            expected,
-            query(
-                "SELECT uid || '|' || name || '|' || coalesce((SELECT group_concat(playlist) FROM (SELECT playlist"
-                " FROM collections_playlists WHERE collection = uid ORDER BY playlist)), '')"
-                " FROM collections ORDER BY uid"));
-        expectSoundStore();
+        EXPECT_EQ(m_model.lines(), PropertyModel::linesOf(*this));
+        expectInvariants();
     }
 
     // What user interfaces see is what is stored.
@@ -504,7 +474,7 @@ private:
             EXPECT_EQ(pl->titles, titles(pl.key()));
     }
 
-    std::mt19937 m_random;
+    Random m_random;
     PropertyModel m_model;
     FakeModules others;
     QList<Pending> m_pending;
@@ -514,16 +484,13 @@ private:
 
 TEST(CommandPropertyTest, randomSequencesLeaveWhatTheModelHolds) {
     constexpr int steps = 60;
-    const QByteArray replay = qgetenv("ORVO_COMMAND_SEED");
-    const QByteArray wanted = qgetenv("ORVO_COMMAND_SEQUENCES");
-    const int sequences = !replay.isEmpty() ? 1 : wanted.isEmpty() ? 100 : wanted.toInt();
-    const unsigned first = replay.isEmpty() ? std::random_device()() : replay.toUInt();
-    std::printf("first seed %u, %d sequences\n", first, sequences);
-    for (int i = 0; i < sequences && !HasFailure(); ++i) {
+    const unsigned first = Random::firstSeed();
+    const int rounds = Random::rounds(100);
+    for (int i = 0; i < rounds && !HasFailure(); ++i) {
         const unsigned seed = first + unsigned(i);
         Sequence(seed).run(steps);
         if (HasFailure())
-            std::printf("replay with ORVO_COMMAND_SEED=%u\n", seed);
+            std::printf("run it again with ORVO_SEED=%u ORVO_ROUNDS=1\n", seed);
     }
 }
 

@@ -2,17 +2,7 @@
 
 namespace {
 
-using Path = CMPath (*)();
-
-// A command that is refused by a check: the caller's text, whole, and every error line in order.
-struct Refusal {
-    const char* what;
-    Path path;
-    QVariantHash args;
-    const char* message;
-    QStringList errors;
-};
-
+// Commands that are refused by a check: every error line in order.
 class CommandRefusalsTest : public CommandFixture {
 protected:
     void SetUp() override { makeParty(); }
@@ -29,7 +19,7 @@ const QStringList unknown77 = unknown77And("Playlist id: 77 doesn't exist");
 TEST_F(CommandRefusalsTest, refusalsAreAnsweredAndLogged) {
     const QVariantList first{0};
     const QVariantList item = itemHashes({"d"});
-    const QList<Refusal> rows = {
+    const QList<CommandRow> rows = {
         {"create",
          OrvoPlayListPlCreatePath,
          {{"name", ""}},
@@ -319,10 +309,10 @@ TEST_F(CommandRefusalsTest, refusalsAreAnsweredAndLogged) {
          "Could not add items to playlist. No items were added. (There is no playlist with this ID. (77))",
          {"Cannot find playlist with plid: 77"}},
     };
-    for (const Refusal& row : rows) {
+    for (const CommandRow& row : rows) {
         const LogCapture log("PlayLists");
         EXPECT_EQ(QString(row.message), refusal(row.path(), row.args)) << row.what;
-        EXPECT_EQ(row.errors, log.errors()) << row.what;
+        EXPECT_EQ(row.lines, log.errors()) << row.what;
         EXPECT_EQ(QStringList(), log.texts("INFO")) << row.what;
     }
     EXPECT_EQ(QString("a b c"), stored(1));
@@ -331,7 +321,7 @@ TEST_F(CommandRefusalsTest, refusalsAreAnsweredAndLogged) {
     EXPECT_EQ(QStringList("Box"), query("SELECT name FROM collections"));
     EXPECT_EQ(QStringList("1/2"),
               query("SELECT collection || '/' || playlist FROM collections_playlists"));
-    expectSoundStore();
+    expectInvariants();
 }
 
 } // namespace

@@ -2,18 +2,7 @@
 
 namespace {
 
-using Path = CMPath (*)();
-
-// A command that succeeds: its text, which only the log ever sees, and its line for people who read
-// logs.
-struct Success {
-    const char* what;
-    Path path;
-    QVariantHash args;
-    const char* message;
-    QStringList info;
-};
-
+// Commands that succeed: a text that only the log ever sees, and the line for people who read logs.
 class CommandTextsTest : public CommandFixture {
 protected:
     void SetUp() override { makeParty(); }
@@ -22,7 +11,7 @@ protected:
 TEST_F(CommandTextsTest, successesAreTracedAndLogged) {
     FakeModules others;
     const QVariantList item = itemHashes({"d"});
-    const QList<Success> rows = {
+    const QList<CommandRow> rows = {
         {"create",
          OrvoPlayListPlCreatePath,
          {{"name", "New"}},
@@ -119,10 +108,10 @@ TEST_F(CommandTextsTest, successesAreTracedAndLogged) {
          "msg: Playlist deleted successfully. (Party)",
          {"Deleted PlayList uid=1", "Playlist id: 1 deleted successfully"}},
     };
-    for (const Success& row : rows) {
+    for (const CommandRow& row : rows) {
         const LogCapture log("PlayLists");
         expectDone(row.path(), row.args);
-        EXPECT_EQ(row.info, log.texts("INFO")) << row.what;
+        EXPECT_EQ(row.lines, log.texts("INFO")) << row.what;
         EXPECT_EQ(QStringList(), log.errors()) << row.what;
         EXPECT_EQ(QStringList(), log.texts("WARN")) << row.what;
         const QStringList replies =
@@ -130,7 +119,7 @@ TEST_F(CommandTextsTest, successesAreTracedAndLogged) {
         ASSERT_EQ(1, replies.size()) << row.what;
         EXPECT_TRUE(replies.first().endsWith(QString("res: 1 ") + row.message))
             << qPrintable(replies.first());
-        expectSoundStore();
+        expectInvariants();
     }
 }
 

@@ -62,7 +62,7 @@ TEST_F(LimitsTest, anItemMayHaveAQuarterOfAMebibyteOfTexts) {
     EXPECT_EQ(addExternalPrefix + tooLarge, addExternal({larger}));
     EXPECT_EQ(addPrefix + tooLarge, addPrepared({larger}));
     EXPECT_EQ(before, stored(1));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(LimitsTest, everyTextOfAnItemCounts) {
@@ -149,7 +149,7 @@ TEST_F(LimitsTest, theItemsOfOneAdditionHaveALimitTogether) {
     EXPECT_EQ(addExternalPrefix + tooMany, addExternal(items));
     EXPECT_EQ(addPrefix + tooMany, addPrepared(items));
     EXPECT_EQ(before, stored(1));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(LimitsTest, theItemsOfSeveralSourcesCountTogether) {
@@ -175,7 +175,7 @@ TEST_F(LimitsTest, oneStoredItemIsNotCopiedAThousandTimes) {
     EXPECT_EQ(addPrefix + tooMany, addPaths(paths));
     EXPECT_EQ(QStringList("replay error: TooManyItems"), log.errors());
     EXPECT_EQ(QStringList("4"), query("SELECT count(*) FROM items"));
-    expectSoundStore();
+    expectInvariants();
 }
 
 // An item may be older than the limit.
@@ -241,7 +241,7 @@ TEST_F(LimitsTest, aWholePlaylistIsMovedWithinTheLimitOnly) {
     EXPECT_EQ(QString("done"),
               outcome(OrvoPlayListPlAddItemsPath(), QVariantHash{{"plid", 2}, {"fromPlid", 1}}));
     EXPECT_EQ(QStringList("200"), query("SELECT count(*) FROM playlists_items WHERE playlist = 2"));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(LimitsTest, aNameHasAtMostFourKibibytes) {

@@ -84,7 +84,7 @@ TEST_F(LogLengthsTest, namesAreCut) {
 }
 
 TEST_F(LogLengthsTest, aNameThatCannotBeStoredIsCut) {
-    forbid("INSERT", "playlists");
+    forbid("INSERT ON playlists");
     const LogCapture log("PlayLists");
     send(OrvoPlayListPlCreatePath(), QVariantHash{{"name", letters(300)}});
     EXPECT_TRUE(log.contains("ERROR", "Unable to create PlayList " + shown(300) + " in database"));

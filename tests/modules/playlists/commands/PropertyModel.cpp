@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "StoreFile.h"
+
 namespace {
 template <typename Map>
 int nextId(const Map& map) {
@@ -207,4 +209,36 @@ int PropertyModel::merge(int from, int plid, int mode) {
     if (added > 0 && from != plid)
         deletePlayList(from);
     return added;
+}
+
+QStringList PropertyModel::lines() const {
+    QStringList lines;
+    for (auto pl = playLists.cbegin(); pl != playLists.cend(); ++pl)
+        lines.append(QStringLiteral("%1|%2|%3|%4|")
+                         .arg(pl.key())
+                         .arg(pl->shuffle)
+                         .arg(pl->repeatAll)
+                         .arg(pl->lastPlayed) +
+                     pl->name + '|' + pl->titles.join(' '));
+    for (auto cl = collections.cbegin(); cl != collections.cend(); ++cl) {
+        QList<int> members = cl->members.values();
+        std::sort(members.begin(), members.end());
+        QStringList texts;
+        for (int plid : qAsConst(members))
+            texts.append(QString::number(plid));
+        lines.append(QString::number(cl.key()) + '|' + cl->name + '|' + texts.join(','));
+    }
+    return lines;
+}
+
+QStringList PropertyModel::linesOf(StoreFile& file) {
+    return file.query(QStringLiteral(
+               "SELECT p.uid, shuffle, repeatAll, lastPlayedIndex, name,"
+               " coalesce((SELECT group_concat(title, ' ') FROM (SELECT title FROM playlists_items"
+               " JOIN items ON item = items.uid WHERE playlist = p.uid ORDER BY sequenceNumber)),"
+               " '') FROM playlists AS p ORDER BY p.uid")) +
+           file.query(QStringLiteral(
+               "SELECT uid, name, coalesce((SELECT group_concat(playlist) FROM (SELECT playlist"
+               " FROM collections_playlists WHERE collection = uid ORDER BY playlist)), '')"
+               " FROM collections ORDER BY uid"));
 }

@@ -7,6 +7,8 @@
 #include <QSet>
 #include <QStringList>
 
+class StoreFile;
+
 // What the module should hold, as plain lists: playlists of titles and collections of playlists.
 // Each function does what the command of its name should do and says whether the command should
 // succeed.
@@ -59,6 +61,10 @@ public:
     int merge(int from, int plid, int mode);
     // The queue is emptied at every start.
     void restart() { playLists[0].titles.clear(); }
+
+    // Every playlist and collection as a line each, and those of a file.
+    QStringList lines() const;
+    static QStringList linesOf(StoreFile& file);
 
     int limit;        // 0: none
     int addedAt = -1; // where the items that were added last begin

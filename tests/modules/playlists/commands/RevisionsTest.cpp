@@ -118,7 +118,7 @@ TEST_F(RevisionsTest, whatLeavesTheEntriesAsTheyAreLeavesTheRevision) {
                QVariantHash{{"plid", 1}, {"items", QVariantList{1}}, {"to", 1}});
     refusal(OrvoPlayListPlRemoveItemsPath(),
             QVariantHash{{"plid", 1}, {"items", QVariantList{0, 3}}});
-    forbid("UPDATE", "playlists_items");
+    forbid("UPDATE ON playlists_items");
     refusal(OrvoPlayListPlMoveItemspath(),
             QVariantHash{{"plid", 1}, {"items", QVariantList{0}}, {"to", 2}});
     allowAll();
@@ -155,7 +155,7 @@ TEST_F(RevisionsTest, anEditThatWasMadeForAnotherRevisionDoesNothing) {
     }
     EXPECT_TRUE(others.files.requests.isEmpty());
     EXPECT_EQ(present, revision(1));
-    expectSoundStore();
+    expectInvariants();
 }
 
 TEST_F(RevisionsTest, anEditWithTheListsRevisionIsDone) {

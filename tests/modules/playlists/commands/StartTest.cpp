@@ -115,7 +115,7 @@ void StartTest::expectFirstNewItem(int lastPlayed, int sizeBefore, const QString
         for (int i = 0; i < added.size(); ++i)
             expected.insert(index + i, added.at(i));
         EXPECT_EQ(expected.join(' '), stored(2));
-        expectSoundStore();
+        expectInvariants();
     }
 }
 

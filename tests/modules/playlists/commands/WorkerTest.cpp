@@ -1,4 +1,3 @@
-#include <sqlite3.h>
 
 #include <QCoreApplication>
 
@@ -83,24 +82,14 @@ TEST_F(WorkerTest, clearingTheQueueAtTheStartOwesAVacuumAnew) {
 TEST_F(WorkerTest, aStartRemovesTheItemsOfAClearThatWasCutOffAsSoonAsTheDeviceRuns) {
     makeParty();
     addItems(2, {"d", "e"});
-    sqlite3* file = storeWatch.openUnwatched(folder.filePath("data-rw/playlists/playlists.sqlite"));
-    const auto items = [file] {
-        int count = -1;
-        const auto note = [](void* into, int, char** columns, char**) {
-            *static_cast<int*>(into) = atoi(columns[0]);
-            return 0;
-        };
-        sqlite3_exec(file, "SELECT Count(*) FROM items", note, &count, nullptr);
-        return count;
-    };
+    const auto items = [this] { return queryInt("SELECT count(*) FROM items"); };
     ASSERT_EQ(5, items());
-    sqlite3_exec(file, "DELETE FROM playlists_items WHERE playlist = 1", nullptr, nullptr, nullptr);
+    run("DELETE FROM playlists_items WHERE playlist = 1");
     restart();
     EXPECT_EQ(5, items());
     QCoreApplication::processEvents();
     EXPECT_EQ(2, items());
     EXPECT_EQ(QString("d e"), stored(2));
-    sqlite3_close(file);
 }
 
 TEST_F(WorkerTest, whatRemovesItemsOwesAVacuum) {
@@ -162,7 +151,7 @@ TEST_F(WorkerTest, everyRequestIsAnnouncedOnceAndRoutedAtOnce) {
     int received = 0;
     QObject::connect(worker(), &PlayListWorker::setDataReceived, [&received] { ++received; });
     const LogCapture log("PlayLists");
-    const LateAnswer answer = sendLate(OrvoPlayListPlCreatePath(), {{"name", "Party"}});
+    const LateAnswer answer = sendLate(OrvoPlayListPlCreatePath(), QVariantHash{{"name", "Party"}});
     EXPECT_EQ(1, received);
     EXPECT_TRUE(answer->answered);
     const QStringList routed = log.texts("TRACE").filter(
@@ -203,7 +192,7 @@ TEST_F(WorkerTest, theModuleStartsAnewOverItsFiles) {
     // The membership survives as well: adding it again fails.
     EXPECT_EQ(QString("Could not add items to collection. Add playlist to collection failed."),
               refusal(OrvoPlayListClAddItemPath(), QVariantHash{{"clid", 1}, {"plid", 2}}));
-    expectSoundStore();
+    expectInvariants();
 }
 
 } // namespace

@@ -63,8 +63,8 @@ protected:
     // A whole store, as the operation wants it.
     void restore(const Operation& operation);
     // Playlists and collections as the model has them, and as the file has them.
-    QStringList memory();
-    QStringList stored();
+    QStringList inMemory();
+    QStringList inFile();
     QString stateErrors(bool strays);
     static const QList<Fault>& faults();
 

@@ -88,7 +88,7 @@ TEST_F(ModelFaultsTest, startingShowsWhatIsThere) {
             restore(operation);
             dropManager();
             // Full again, as before a start.
-            ASSERT_TRUE(rawRun("UPDATE playlists SET lastPlayedIndex = 3 WHERE uid = 1"));
+            run("UPDATE playlists SET lastPlayedIndex = 3 WHERE uid = 1");
             sqlite3_db_release_memory(StoreProbe::connection(database()));
             FaultVfs::set(fault, nth);
             manager();
@@ -96,21 +96,21 @@ TEST_F(ModelFaultsTest, startingShowsWhatIsThere) {
             database().removeStrayItems();
             FaultVfs::clear();
             if (FaultVfs::failures() == 0) {
-                EXPECT_EQ(stored(), memory());
+                EXPECT_EQ(inFile(), inMemory());
                 break;
             }
             ++row.points;
             // While it lasts, what cannot be read cannot be shown, nor what is left over removed;
             // the next start does both.
-            const bool same = stored() == memory() && stateErrors(false).isEmpty();
+            const bool same = inFile() == inMemory() && stateErrors(false).isEmpty();
             if (fault.lasting) {
                 dropManager();
                 manager();
                 database().removeStrayItems();
             }
-            const bool asStated = stored() == memory() && stateErrors(false).isEmpty();
-            EXPECT_TRUE(asStated) << qPrintable(memory().join(", ")) << " and "
-                                  << qPrintable(stored().join(", "));
+            const bool asStated = inFile() == inMemory() && stateErrors(false).isEmpty();
+            EXPECT_TRUE(asStated) << qPrintable(inMemory().join(", ")) << " and "
+                                  << qPrintable(inFile().join(", "));
             row.asStated += asStated ? 1 : 0;
             ++(same ? row.done : row.partly);
         }

@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include "KeepingWorker.h"
 #include "TreeFixture.h"
 
 // What menus are made of.
@@ -34,15 +35,6 @@ protected:
     QString itemId(int plid, int place);
 };
 
-// Stands for the module and answers nothing by itself.
-class KeepingWorker : public CMNodesWorker {
-public:
-    KeepingWorker() : CMNodesWorker({}, QStringLiteral("PlayLists")) {}
-    void setDataRequest(const CMSetDataRequest& request) override { requests.append(request); }
-
-    QList<CMSetDataRequest> requests;
-};
-
 // The seven nodes without the module's worker.
 class MenuAloneFixture : public PartsFixture {
 protected:
@@ -55,7 +47,7 @@ protected:
     QString sent(const QString& path, const QVariant& value = QVariantHash());
     void destroyNodes() { m_made.clear(); }
 
-    KeepingWorker module;
+    KeepingWorker module{QStringLiteral("PlayLists")};
 
 private:
     std::vector<std::unique_ptr<CMNode>> m_made;

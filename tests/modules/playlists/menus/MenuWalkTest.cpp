@@ -40,7 +40,7 @@ protected:
         return menuOf(row(root(), list).path(), track);
     }
     // Opens an entry that leads on.
-    CMPath open(const CMPath& menu, const QString& entry) { return row(menu, entry).path(); }
+    CMPath pathOf(const CMPath& menu, const QString& entry) { return row(menu, entry).path(); }
     // Uses an entry; the path that is closed then, the error's text when it is refused.
     QString use(const CMPath& menu, const QString& entry, const QVariantHash& value = {}) {
         return useEntry(row(menu, entry).path(), value);
@@ -99,22 +99,22 @@ TEST_F(MenuWalkTest, aPlaylistIsPlayedClearedAndDeleted) {
 }
 
 TEST_F(MenuWalkTest, aPlaylistIsMergedWithAnother) {
-    const CMPath modes = open(open(menuOf("Other"), "Merge with playlist"), "Mix");
+    const CMPath modes = pathOf(pathOf(menuOf("Other"), "Merge with playlist"), "Mix");
     EXPECT_EQ(use(modes, "Append"), AddModeMenu);
     EXPECT_EQ(titles(1), QStringList({"a", "b", "c", "x", "y"}));
     EXPECT_EQ(playLists(), QStringList("Mix"));
 }
 
 TEST_F(MenuWalkTest, aPlaylistIsMergedWithOneMadeOnTheWay) {
-    const CMPath targets = open(menuOf("Other"), "Merge with playlist");
+    const CMPath targets = pathOf(menuOf("Other"), "Merge with playlist");
     EXPECT_EQ(use(targets, "Create new playlist", {{"string", "Third"}}), "");
-    EXPECT_EQ(use(open(targets, "Third"), "After current"), AddModeMenu);
+    EXPECT_EQ(use(pathOf(targets, "Third"), "After current"), AddModeMenu);
     EXPECT_EQ(playLists(), QStringList({"Mix", "Third"}));
     EXPECT_EQ(titles(3), QStringList({"x", "y"}));
 }
 
 TEST_F(MenuWalkTest, aPlaylistGoesIntoACollectionAndOutAgain) {
-    const CMPath collections = open(menuOf("Mix"), "Add to collection");
+    const CMPath collections = pathOf(menuOf("Mix"), "Add to collection");
     EXPECT_EQ(use(collections, "Create new collection", {{"string", "Jazz"}}), "");
     EXPECT_EQ(use(collections, "Jazz"), "playlists:cl/addToCollection");
     EXPECT_EQ(use(collections, "Rock"), "playlists:cl/addToCollection");
@@ -127,7 +127,7 @@ TEST_F(MenuWalkTest, aPlaylistGoesIntoACollectionAndOutAgain) {
 }
 
 TEST_F(MenuWalkTest, aPlaylistIsWholeInTheMenuThatACollectionOpens) {
-    use(open(menuOf("Mix"), "Add to collection"), "Rock");
+    use(pathOf(menuOf("Mix"), "Add to collection"), "Rock");
     const CMPath rock = row(root(), "Rock").path();
     EXPECT_EQ(use(menuOf(rock, "Mix"), "Rename", {{"string", "New"}}), "");
     EXPECT_EQ(use(menuOf(rock, "New"), "Delete playlist"), PlayListMenu);
@@ -136,7 +136,7 @@ TEST_F(MenuWalkTest, aPlaylistIsWholeInTheMenuThatACollectionOpens) {
 }
 
 TEST_F(MenuWalkTest, aCollectionIsDeletedAndItsPlaylistsStay) {
-    use(open(menuOf("Mix"), "Add to collection"), "Rock");
+    use(pathOf(menuOf("Mix"), "Add to collection"), "Rock");
     EXPECT_EQ(use(menuOf("Rock"), "Delete collection"), "playlists:cl/context");
     EXPECT_EQ(playLists(), QStringList({"Mix", "Other"}));
     EXPECT_FALSE(namesAt(root()).contains("Rock"));
@@ -196,7 +196,7 @@ TEST_F(MenuWalkTest, aNumberThatWasGivenAgainIsAnotherTrack) {
     const CMPath menu = trackMenu("PlayQueue", "r");
     const QList<CMPath> entries = {
         row(menu, "Remove track").path(), row(menu, "Move track").path(),
-        row(open(open(menu, "Add to playlist"), "Mix"), "Append").path()};
+        row(pathOf(pathOf(menu, "Add to playlist"), "Mix"), "Append").path()};
     const QString number = menu.param("itemid");
     EXPECT_EQ(useEntry(entries.at(0)), TrackMenu);
     addItems(0, {"s"});
@@ -214,7 +214,7 @@ TEST_F(MenuWalkTest, aNumberThatWasGivenAgainIsAnotherTrack) {
 }
 
 TEST_F(MenuWalkTest, aListThatHasTheNumberOfTheChosenOneIsNotAddedTo) {
-    const CMPath targets = open(trackMenu("Mix", "b"), "Add to playlist");
+    const CMPath targets = pathOf(trackMenu("Mix", "b"), "Add to playlist");
     const CMPath modes = row(targets, "Other").path();
     const CMPath append = row(modes, "Append").path();
     addItems(2, {"z"});
@@ -232,7 +232,7 @@ TEST_F(MenuWalkTest, aListThatHasTheNumberOfTheChosenOneIsNotAddedTo) {
     const QString another = "Another playlist by now: 2";
     EXPECT_EQ(log.errors().filter("playlist"), QStringList({another, another}));
     EXPECT_EQ(titles(2), QStringList());
-    EXPECT_EQ(use(open(targets, "Others"), "Append"), AddModeMenu);
+    EXPECT_EQ(use(pathOf(targets, "Others"), "Append"), AddModeMenu);
     EXPECT_EQ(titles(2), QStringList("b"));
 }
 
@@ -256,25 +256,25 @@ TEST_F(MenuWalkTest, entriesFromBeforeARestartAreRefused) {
 
 TEST_F(MenuWalkTest, aTrackGoesToThePlayQueue) {
     RecordingWorker player("Player");
-    EXPECT_EQ(use(open(trackMenu("Mix", "b"), "Add to playqueue"), "Append"), AddModeMenu);
+    EXPECT_EQ(use(pathOf(trackMenu("Mix", "b"), "Add to playqueue"), "Append"), AddModeMenu);
     EXPECT_EQ(titles(0), QStringList({"q", "r", "b"}));
     EXPECT_TRUE(player.requests.isEmpty());
-    EXPECT_EQ(use(open(trackMenu("Mix", "c"), "Add to playqueue"), "Now"), AddModeMenu);
+    EXPECT_EQ(use(pathOf(trackMenu("Mix", "c"), "Add to playqueue"), "Now"), AddModeMenu);
     EXPECT_EQ(titles(0).size(), 4);
     EXPECT_EQ(player.requests.size(), 1);
     EXPECT_EQ(titles(1), QStringList({"a", "b", "c"}));
 }
 
 TEST_F(MenuWalkTest, aTrackGoesToAnotherPlaylist) {
-    EXPECT_EQ(use(open(open(trackMenu("Mix", "b"), "Add to playlist"), "Other"), "Append"),
+    EXPECT_EQ(use(pathOf(pathOf(trackMenu("Mix", "b"), "Add to playlist"), "Other"), "Append"),
               AddModeMenu);
     EXPECT_EQ(titles(2), QStringList({"x", "y", "b"}));
-    EXPECT_EQ(use(open(open(trackMenu("Mix", "b"), "Add to playlist"), "Mix"), "Append"),
+    EXPECT_EQ(use(pathOf(pathOf(trackMenu("Mix", "b"), "Add to playlist"), "Mix"), "Append"),
               AddModeMenu);
     EXPECT_EQ(titles(1), QStringList({"a", "b", "c", "b"}));
-    const CMPath targets = open(trackMenu("Other", "y"), "Add to playlist");
+    const CMPath targets = pathOf(trackMenu("Other", "y"), "Add to playlist");
     EXPECT_EQ(use(targets, "Create new playlist", {{"string", "Third"}}), "");
-    EXPECT_EQ(use(open(targets, "Third"), "Append"), AddModeMenu);
+    EXPECT_EQ(use(pathOf(targets, "Third"), "Append"), AddModeMenu);
     EXPECT_EQ(titles(3), QStringList("y"));
     EXPECT_EQ(playLists(), QStringList({"Mix", "Other", "Third"}));
 }
@@ -283,7 +283,7 @@ TEST_F(MenuWalkTest, aTrackOfThePlayQueueMovesGoesAndIsKeptElsewhere) {
     EXPECT_FALSE(namesAt(trackMenu("PlayQueue", "q")).contains("Add to playqueue"));
     EXPECT_EQ(use(trackMenu("PlayQueue", "q"), "Move track", {{"string", "1"}}), TrackMenu);
     EXPECT_EQ(titles(0), QStringList({"r", "q"}));
-    EXPECT_EQ(use(open(open(trackMenu("PlayQueue", "q"), "Add to playlist"), "Mix"), "Append"),
+    EXPECT_EQ(use(pathOf(pathOf(trackMenu("PlayQueue", "q"), "Add to playlist"), "Mix"), "Append"),
               AddModeMenu);
     EXPECT_EQ(titles(1), QStringList({"a", "b", "c", "q"}));
     EXPECT_EQ(use(trackMenu("PlayQueue", "q"), "Remove track"), TrackMenu);
@@ -295,7 +295,7 @@ TEST_F(MenuWalkTest, thePlayQueueIsPlayedKeptAsAPlaylistAndCleared) {
     const CMPath menu = menuOf("PlayQueue");
     EXPECT_EQ(use(menu, "Play"), "playlists:pq/context");
     EXPECT_EQ(player.requests.size(), 1);
-    EXPECT_EQ(use(open(open(menu, "Merge with playlist"), "Mix"), "Append"), AddModeMenu);
+    EXPECT_EQ(use(pathOf(pathOf(menu, "Merge with playlist"), "Mix"), "Append"), AddModeMenu);
     EXPECT_EQ(titles(1), QStringList({"a", "b", "c", "q", "r"}));
     EXPECT_EQ(titles(0), QStringList({"q", "r"}));
     EXPECT_EQ(use(menu, "Clear"), "playlists:pq/context");
@@ -307,9 +307,9 @@ TEST_F(MenuWalkTest, everyMenuIsSentByRangeWithItsFullCount) {
                                  trackMenu("Mix", "a"),
                                  menuOf("PlayQueue"),
                                  menuOf("Rock"),
-                                 open(menuOf("Mix"), "Merge with playlist"),
-                                 open(trackMenu("Mix", "a"), "Add to playqueue"),
-                                 open(menuOf("Mix"), "Add to collection")};
+                                 pathOf(menuOf("Mix"), "Merge with playlist"),
+                                 pathOf(trackMenu("Mix", "a"), "Add to playqueue"),
+                                 pathOf(menuOf("Mix"), "Add to collection")};
     QList<int> counts;
     for (const CMPath& menu : menus) {
         const QList<RowText> all = rowTexts(rows(menu));

@@ -122,11 +122,11 @@ TEST_F(CollectionTest, aStoreThatFailsLeavesTheMembers) {
     CollectionBase& cl = collection("group", {&a});
     SignalLog signalLog;
     signalLog.watch(&cl);
-    ASSERT_TRUE(rawRun("BEGIN EXCLUSIVE"));
+    run("BEGIN EXCLUSIVE");
     EXPECT_FALSE(cl.addPlayList(&b));
     EXPECT_FALSE(cl.removePlayList(&a));
     EXPECT_FALSE(cl.remove());
-    ASSERT_TRUE(rawRun("ROLLBACK"));
+    run("ROLLBACK");
     EXPECT_EQ(QList<PlayListBase*>({&a}), cl.getPlayLists());
     EXPECT_EQ(QStringList(), signalLog.take());
     expectInStep();
@@ -154,8 +154,8 @@ TEST_F(CollectionTest, removeTakesTheMembershipsAndLeavesThePlayLists) {
     SignalLog signalLog;
     signalLog.watch(cl.get());
     EXPECT_TRUE(cl->remove());
-    EXPECT_EQ(0, rawInt("SELECT COUNT(*) FROM collections"));
-    EXPECT_EQ(0, rawInt("SELECT COUNT(*) FROM collections_playlists"));
+    EXPECT_EQ(0, queryInt("SELECT COUNT(*) FROM collections"));
+    EXPECT_EQ(0, queryInt("SELECT COUNT(*) FROM collections_playlists"));
     EXPECT_EQ("ab", letters(a));
     EXPECT_EQ(QStringList(), signalLog.take());
     EXPECT_FALSE(cl->remove());

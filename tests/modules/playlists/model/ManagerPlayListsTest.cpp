@@ -152,7 +152,7 @@ TEST_F(ManagerPlayListsTest, aMembershipThatCouldNotBeRemovedDoesNotOutliveThePl
     CollectionBase& one = collection("one", {&a, &b});
     CollectionBase& two = collection("two", {&a});
     // Its row is gone already, so that removing it fails.
-    ASSERT_TRUE(rawRun("DELETE FROM collections_playlists WHERE collection = 1 AND playlist = 1"));
+    run("DELETE FROM collections_playlists WHERE collection = 1 AND playlist = 1");
     SignalLog signalLog;
     signalLog.watch(&manager());
     signalLog.watch(&one, "one");
@@ -200,13 +200,13 @@ TEST_F(ManagerPlayListsTest, aLockedStoreKeepsPlayListAndMembership) {
     SignalLog signalLog;
     signalLog.watch(&manager());
     signalLog.watch(&cl, "group");
-    ASSERT_TRUE(rawRun("BEGIN EXCLUSIVE"));
+    run("BEGIN EXCLUSIVE");
     const LogCapture log("PlayLists");
     EXPECT_FALSE(manager().deletePlayList(&a));
     EXPECT_TRUE(log.contains("ERROR", "Unable to remove pl=1 from collection=1 in database"));
     EXPECT_TRUE(log.contains("ERROR", "Unable to remove playlist (1) from collection (1)"));
     EXPECT_TRUE(log.contains("ERROR", "Unable to delete PlayList uid=1 from database"));
-    ASSERT_TRUE(rawRun("ROLLBACK"));
+    run("ROLLBACK");
     EXPECT_EQ(QStringList(), signalLog.take());
     EXPECT_EQ(QList<PlayListBase*>({&a}), cl.getPlayLists());
     expectInStep();

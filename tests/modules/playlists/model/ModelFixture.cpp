@@ -61,15 +61,15 @@ QList<OrvoPlayListItem> ModelFixture::letterItems(const QString& letters) {
 }
 
 QString ModelFixture::letters(const PlayListBase& pl) {
-    return titles(pl.getUid()).remove(QLatin1Char(' '));
+    return stored(pl.getUid()).remove(QLatin1Char(' '));
 }
 
 QList<int> ModelFixture::membersInFile(const CollectionBase& cl) {
     QList<int> uids;
     const QStringList texts =
-        rawTexts(QStringLiteral("SELECT playlist FROM collections_playlists WHERE collection = %1"
-                                " ORDER BY playlist")
-                     .arg(cl.getUid()));
+        query(QStringLiteral("SELECT playlist FROM collections_playlists WHERE collection = %1"
+                             " ORDER BY playlist")
+                  .arg(cl.getUid()));
     for (const QString& uid : texts)
         uids.append(uid.toInt());
     return uids;
@@ -83,14 +83,13 @@ void ModelFixture::expectInStep() {
         expectInStep(*pl);
         EXPECT_EQ(pl, manager().getPlayListByUid(pl->getUid()));
     }
-    EXPECT_EQ(playlists.size(), rawInt(QStringLiteral("SELECT COUNT(*) FROM playlists")) - 1);
+    EXPECT_EQ(playlists.size(), queryInt(QStringLiteral("SELECT COUNT(*) FROM playlists")) - 1);
 
     const QList<CollectionBase*> collections = manager().getAllCollection();
     for (CollectionBase* cl : collections) {
         EXPECT_EQ(
             QStringList(cl->getName()),
-            rawTexts(
-                QStringLiteral("SELECT name FROM collections WHERE uid = %1").arg(cl->getUid())));
+            query(QStringLiteral("SELECT name FROM collections WHERE uid = %1").arg(cl->getUid())));
         QList<int> members;
         const QList<PlayListBase*> objects = cl->getPlayLists();
         for (PlayListBase* pl : objects)
@@ -98,7 +97,7 @@ void ModelFixture::expectInStep() {
         std::sort(members.begin(), members.end());
         EXPECT_EQ(membersInFile(*cl), members);
     }
-    EXPECT_EQ(collections.size(), rawInt(QStringLiteral("SELECT COUNT(*) FROM collections")));
+    EXPECT_EQ(collections.size(), queryInt(QStringLiteral("SELECT COUNT(*) FROM collections")));
 }
 
 void ModelFixture::expectInStep(PlayListBase& pl) {
@@ -109,23 +108,11 @@ void ModelFixture::expectInStep(PlayListBase& pl) {
                                .arg(pl.getLastSequenceNumber())
                                .arg(pl.getSize());
     EXPECT_EQ(QStringList(memory),
-              rawTexts(QStringLiteral(
-                           "SELECT name || ' shuffle ' || shuffle || ' repeat ' || repeatAll ||"
-                           " ' last ' || lastPlayedIndex || ' size ' ||"
-                           " (SELECT COUNT(*) FROM playlists_items WHERE playlist = playlists.uid)"
-                           " FROM playlists WHERE uid = %1")
-                           .arg(pl.getUid())))
+              query(QStringLiteral(
+                        "SELECT name || ' shuffle ' || shuffle || ' repeat ' || repeatAll ||"
+                        " ' last ' || lastPlayedIndex || ' size ' ||"
+                        " (SELECT COUNT(*) FROM playlists_items WHERE playlist = playlists.uid)"
+                        " FROM playlists WHERE uid = %1")
+                        .arg(pl.getUid())))
         << "playlist " << pl.getUid();
-}
-
-void ModelFixture::forbid(const QString& when) {
-    ASSERT_TRUE(rawRun(QStringLiteral("CREATE TRIGGER forbidden%1 BEFORE %2"
-                                      " BEGIN SELECT RAISE(ABORT, 'forbidden'); END")
-                           .arg(m_triggers++)
-                           .arg(when)));
-}
-
-void ModelFixture::allowAll() {
-    while (m_triggers > 0)
-        ASSERT_TRUE(rawRun(QStringLiteral("DROP TRIGGER forbidden%1").arg(--m_triggers)));
 }

@@ -41,11 +41,6 @@ protected:
     void expectInStep();
     void expectInStep(PlayListBase& pl);
 
-    // Makes every `when` ("UPDATE ON playlists") fail until allowAll().
-    void forbid(const QString& when);
-    void allowAll();
-
 private:
     std::unique_ptr<PlayListManager> m_manager;
-    int m_triggers = 0;
 };

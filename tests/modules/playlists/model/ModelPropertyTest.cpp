@@ -2,10 +2,10 @@
 #include <functional>
 #include <iostream>
 #include <iterator>
-#include <random>
 
 #include "ModelFixture.h"
 #include "PlainModel.h"
+#include "Random.h"
 
 // Random commands to the model and to plain lists: after each both say the same, and so does the
 // file.
@@ -43,9 +43,7 @@ private:
     void restartModel();
 
     // A number from `lowest` to `highest`.
-    int pick(int lowest, int highest) {
-        return lowest + int(m_random() % unsigned(highest - lowest + 1));
-    }
+    int pick(int lowest, int highest) { return lowest + m_random.below(highest - lowest + 1); }
     bool oneIn(int n) { return pick(1, n) == 1; }
     QList<int> pickIndices(int size);
     QString newTitle() { return QStringLiteral("i%1").arg(m_nextTitle++); }
@@ -59,7 +57,7 @@ private:
     void expectSame();
     void watchAll();
 
-    std::mt19937 m_random;
+    Random m_random;
     PlainModel m_plain;
     SignalLog m_signals;
     QStringList m_notes;
@@ -405,22 +403,13 @@ void ModelPropertyTest::runSequence(unsigned seed) {
         std::cout << "seed " << seed << ", limit " << m_plain.itemsLimit << ":\n";
         for (const QString& text : qAsConst(m_notes))
             std::cout << "  " << text.toStdString() << '\n';
-        std::cout << "run it again with ORVO_MODEL_SEED=" << seed << std::endl;
+        std::cout << "run it again with ORVO_SEED=" << seed << " ORVO_ROUNDS=1" << std::endl;
     }
 }
 
 TEST_F(ModelPropertyTest, anySequenceOfCommandsKeepsModelAndFileRight) {
-    bool given = false;
-    const unsigned seed = qEnvironmentVariable("ORVO_MODEL_SEED").toUInt(&given);
-    if (given) {
-        runSequence(seed);
-        return;
-    }
-    bool counted = false;
-    const int wanted = qEnvironmentVariableIntValue("ORVO_MODEL_SEQUENCES", &counted);
-    const int sequences = counted ? wanted : 300;
-    const unsigned first = std::random_device()();
-    std::cout << "seeds " << first << " and the " << sequences - 1 << " after it" << std::endl;
-    for (int i = 0; i < sequences && !HasFailure(); ++i)
+    const unsigned first = Random::firstSeed();
+    const int rounds = Random::rounds(300);
+    for (int i = 0; i < rounds && !HasFailure(); ++i)
         runSequence(first + unsigned(i));
 }

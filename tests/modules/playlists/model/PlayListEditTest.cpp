@@ -173,11 +173,11 @@ TEST_F(PlayListEditTest, removingWhatIsNotThereRemovesNothing) {
 TEST_F(PlayListEditTest, removingWithoutIndicesTouchesNothing) {
     PlayListBase& pl = watched(playList("abcd", 2));
     // No transaction could be begun while another one writes.
-    ASSERT_TRUE(rawRun("BEGIN EXCLUSIVE"));
+    run("BEGIN EXCLUSIVE");
     const LogCapture log("PlayLists");
     EXPECT_EQ(0, pl.removeItems({}));
     EXPECT_EQ(QStringList(), log.errors());
-    ASSERT_TRUE(rawRun("ROLLBACK"));
+    run("ROLLBACK");
     EXPECT_EQ(QStringList(), heard());
     expectInStep();
 }
@@ -206,12 +206,12 @@ TEST_F(PlayListEditTest, clearingRemovesEverythingAndKeepsTheLastPlayedPosition)
 
 TEST_F(PlayListEditTest, clearingAnEmptyListDoesNotTouchTheStore) {
     PlayListBase& pl = watched(playList(""));
-    ASSERT_TRUE(rawRun("BEGIN EXCLUSIVE"));
+    run("BEGIN EXCLUSIVE");
     const LogCapture log("PlayLists");
     EXPECT_TRUE(pl.clearItems());
     EXPECT_EQ(1, log.lines().size());
     EXPECT_TRUE(log.lines().value(0).endsWith("PlayList::clearItems()"));
-    ASSERT_TRUE(rawRun("ROLLBACK"));
+    run("ROLLBACK");
     EXPECT_EQ(QStringList(), heard());
 }
 

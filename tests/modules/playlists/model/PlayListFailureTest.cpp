@@ -27,7 +27,7 @@ TEST_P(PlayListFailureTest, nothingChangesAndNothingIsAnnounced) {
     signalLog.watch(&pl);
     const bool locked = !*row.forbidden;
     if (locked) {
-        ASSERT_TRUE(rawRun("BEGIN EXCLUSIVE"));
+        run("BEGIN EXCLUSIVE");
     } else {
         forbid(row.forbidden);
     }
@@ -43,7 +43,7 @@ TEST_P(PlayListFailureTest, nothingChangesAndNothingIsAnnounced) {
         EXPECT_EQ(row.errors, errors);
     }
     if (locked) {
-        ASSERT_TRUE(rawRun("ROLLBACK"));
+        run("ROLLBACK");
     } else {
         allowAll();
     }
@@ -137,12 +137,12 @@ TEST_F(StoreFailsTest, aClearThatCannotReadTheSizeKeepsTheOldOne) {
     PlayListBase& pl = playList("abcdef", 3);
     SignalLog signalLog;
     signalLog.watch(&pl);
-    ASSERT_TRUE(rawRun("BEGIN EXCLUSIVE"));
+    run("BEGIN EXCLUSIVE");
     const LogCapture log("PlayLists");
     EXPECT_FALSE(pl.clearItems());
     EXPECT_TRUE(log.contains("ERROR", "Unable to clear playList 1"));
     EXPECT_TRUE(log.contains("ERROR", "Error fetching the next sequenceNumber"));
-    ASSERT_TRUE(rawRun("ROLLBACK"));
+    run("ROLLBACK");
     EXPECT_EQ(6, pl.getSize());
     EXPECT_EQ(QStringList(), signalLog.take());
     expectInStep();
@@ -170,7 +170,7 @@ TEST_F(StoreFailsTest, aMissingTableFailsEveryChange) {
     PlayListBase& pl = playList("abcdef", 3);
     SignalLog signalLog;
     signalLog.watch(&pl);
-    ASSERT_TRUE(rawRun("DROP TABLE playlists_items"));
+    run("DROP TABLE playlists_items");
     EXPECT_EQ(-1, add(pl, Position::Append, "x"));
     EXPECT_EQ(-1, pl.removeItems({1}));
     EXPECT_FALSE(pl.moveItem(1, 2));
@@ -222,7 +222,7 @@ TEST_F(StoreFailsTest, aCommitThatHasToWaitIsAnnouncedWhenItIsThrough) {
     for (const Row& row : rows) {
         sqlite3_stmt* reader = nullptr;
         ASSERT_EQ(SQLITE_OK,
-                  sqlite3_prepare_v2(raw(), "SELECT uid FROM items", -1, &reader, nullptr));
+                  sqlite3_prepare_v2(connection(), "SELECT uid FROM items", -1, &reader, nullptr));
         ASSERT_EQ(SQLITE_ROW, sqlite3_step(reader));
         int commits = 0;
         {

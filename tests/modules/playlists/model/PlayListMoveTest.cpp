@@ -136,7 +136,7 @@ TEST_F(PlayListMoveTest, whatDoesNotMoveDoesNotReachTheStore) {
         {5, 6, true},   {5, 9, true},  {-1, -1, true}, {-1, 2, false},
         {2, -1, false}, {6, 2, false}, {9, 0, false},  {-1, 9, false},
     };
-    ASSERT_TRUE(rawRun("BEGIN EXCLUSIVE"));
+    run("BEGIN EXCLUSIVE");
     for (const Row& row : rows) {
         SCOPED_TRACE(QString("%1 to %2").arg(row.from).arg(row.to).toStdString());
         const LogCapture log("PlayLists");
@@ -144,7 +144,7 @@ TEST_F(PlayListMoveTest, whatDoesNotMoveDoesNotReachTheStore) {
         EXPECT_EQ(QStringList(), log.errors());
         EXPECT_EQ(QStringList(), signalLog.take());
     }
-    ASSERT_TRUE(rawRun("ROLLBACK"));
+    run("ROLLBACK");
     EXPECT_EQ("abcdef", letters(pl));
     EXPECT_EQ(2, pl.getLastSequenceNumber());
 }

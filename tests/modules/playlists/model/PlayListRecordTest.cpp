@@ -117,8 +117,8 @@ TEST_F(PlayListRecordTest, theLastPlayedPositionIsStoredWithoutASignal) {
 
 TEST_F(PlayListRecordTest, updateDatabaseWritesTheRecordAsItIs) {
     PlayListBase& pl = playList("ab", 1, "kept");
-    ASSERT_TRUE(rawRun("UPDATE playlists SET name = 'other', shuffle = 1, lastPlayedIndex = 9"
-                       " WHERE uid > 0"));
+    run("UPDATE playlists SET name = 'other', shuffle = 1, lastPlayedIndex = 9"
+        " WHERE uid > 0");
     EXPECT_TRUE(pl.updateDatabase());
     expectInStep();
 }
@@ -138,8 +138,8 @@ TEST_F(PlayListRecordTest, removeDeletesTheRowsAndLeavesTheObject) {
     SignalLog signalLog;
     signalLog.watch(&pl);
     EXPECT_TRUE(pl.remove());
-    EXPECT_EQ(0, rawInt("SELECT COUNT(*) FROM playlists WHERE uid > 0"));
-    EXPECT_EQ(0, rawInt("SELECT COUNT(*) FROM items"));
+    EXPECT_EQ(0, queryInt("SELECT COUNT(*) FROM playlists WHERE uid > 0"));
+    EXPECT_EQ(0, queryInt("SELECT COUNT(*) FROM items"));
     EXPECT_EQ(record.uid, pl.getUid());
     EXPECT_EQ(QStringList(), signalLog.take());
     EXPECT_FALSE(pl.remove());

@@ -61,9 +61,8 @@ TEST_F(RestartTest, itemsOfAClearThatWasCutOffAreRemoved) {
     const int clearedUid = cleared.getUid();
     const int keptUid = kept.getUid();
     dropManager();
-    ASSERT_TRUE(
-        rawRun(QStringLiteral("DELETE FROM playlists_items WHERE playlist = %1").arg(clearedUid)));
-    closeRaw();
+    run(QStringLiteral("DELETE FROM playlists_items WHERE playlist = %1").arg(clearedUid));
+    disconnect();
     const LogCapture log("PlayLists");
     restart();
     database().removeStrayItems();
@@ -133,17 +132,16 @@ TEST_F(RestartTest, aMemberThatNoLongerExistsIsLeftOut) {
     PlayListBase& a = playList("a");
     collection("group", {&a});
     dropManager();
-    ASSERT_TRUE(
-        rawRun("PRAGMA foreign_keys=0;"
-               "INSERT INTO collections_playlists(collection, playlist) VALUES(1, 70), (1, 71);"
-               "PRAGMA foreign_keys=1"));
+    run("PRAGMA foreign_keys=0;"
+        "INSERT INTO collections_playlists(collection, playlist) VALUES(1, 70), (1, 71);"
+        "PRAGMA foreign_keys=1");
     const LogCapture log("PlayLists");
     CollectionBase* cl = manager().getCollectionByUid(1);
     EXPECT_EQ(QStringList({"Unknown playlist in collection", "Unknown playlist in collection"}),
               log.errors());
     ASSERT_NE(nullptr, cl);
     ASSERT_EQ(QList<PlayListBase*>({manager().getPlayListByUid(1)}), cl->getPlayLists());
-    ASSERT_TRUE(rawRun("DELETE FROM collections_playlists WHERE playlist >= 70"));
+    run("DELETE FROM collections_playlists WHERE playlist >= 70");
     expectInStep();
 }
 

@@ -78,22 +78,27 @@ void ModuleFixture::setSetting(const CMPath& path, const QVariant& value) {
     ASSERT_FALSE(reply.isError());
 }
 
-Answer ModuleFixture::send(const CMPath& path, const QVariant& value) {
+LateAnswer ModuleFixture::sendLate(const CMPath& path, const QVariant& value) {
     worker();
     const auto answer = std::make_shared<Answer>();
-    {
-        const CMReply<QVariant> reply;
-        reply.onSuccess([answer](const QVariant& result) {
-            answer->answered = true;
-            answer->value = result;
-        });
-        reply.onError([answer](const CMError& error) {
-            answer->answered = true;
-            answer->failed = true;
-            answer->error = error;
-        });
-        m_root->setDataRequest(CMSetDataRequest(path, value, reply));
-    }
+    const CMReply<QVariant> reply;
+    reply.onSuccess([answer](const QVariant& result) {
+        EXPECT_FALSE(answer->answered);
+        answer->answered = true;
+        answer->value = result;
+    });
+    reply.onError([answer](const CMError& error) {
+        EXPECT_FALSE(answer->answered);
+        answer->answered = true;
+        answer->failed = true;
+        answer->error = error;
+    });
+    m_root->setDataRequest(CMSetDataRequest(path, value, reply));
+    return answer;
+}
+
+Answer ModuleFixture::send(const CMPath& path, const QVariant& value) {
+    const LateAnswer answer = sendLate(path, value);
     if (!answer->answered)
         QCoreApplication::processEvents();
     return *answer;
@@ -177,4 +182,9 @@ QStringList ModuleFixture::titles(int plid) {
     for (const QVariant& row : all)
         result.append(TrString::fromVariant(row.toList().value(0)).toString());
     return result;
+}
+
+void ModuleFixture::expectInvariants() {
+    EXPECT_EQ(QStringList(), brokenRules());
+    EXPECT_EQ(QStringList("PlayQueue"), query("SELECT name FROM playlists WHERE uid = 0"));
 }

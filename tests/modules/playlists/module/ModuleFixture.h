@@ -7,7 +7,10 @@
 #include <QTemporaryDir>
 
 #include "CMRootWorker.h"
+#include "EventLoop.h"
 #include "OrvoPlayListItem.h"
+#include "Printing.h"
+#include "StoreFile.h"
 #include "TestApp.h"
 
 class PlayListWorker;
@@ -25,6 +28,9 @@ struct Answer {
     QString message() const { return failed ? error.message().toString() : QString(); }
 };
 
+// The answer of a request, filled in whenever it comes.
+using LateAnswer = std::shared_ptr<const Answer>;
+
 // A worker of another module, with what reached it. It answers prepare calls with the items given
 // for the paths, or keeps the requests for the test to answer, and everything else with success.
 class RecordingWorker : public CMNodesWorker {
@@ -40,7 +46,7 @@ public:
 
 // The whole module over a real store in a temporary folder, as the host builds it: root, settings,
 // worker.
-class ModuleFixture : public ::testing::Test {
+class ModuleFixture : public ::testing::Test, public StoreFile {
 protected:
     ModuleFixture();
     ~ModuleFixture() override;
@@ -52,7 +58,12 @@ protected:
     void setSetting(const CMPath& path, const QVariant& value);
     QVariant setting(const CMPath& path) { return m_root->getValue(path); }
 
-    // Set-data, with the events of one turn of the loop handled when the answer is late.
+    // Sends a set-data request without waiting.
+    LateAnswer sendLate(const CMPath& path, const QVariant& value);
+    LateAnswer sendLate(const CMPath& path, const QVariantHash& args) {
+        return sendLate(path, QVariant(args));
+    }
+    // With the events of one turn of the loop handled when the answer is late.
     Answer send(const CMPath& path, const QVariant& value);
     Answer send(const CMPath& path, const OrvoHash& record) {
         return send(path, record.toVariant());
@@ -71,6 +82,8 @@ protected:
     void addItems(int plid, const QStringList& titles, int mode = 2);
     // The titles of a playlist, in order.
     QStringList titles(int plid);
+    // What no command breaks: every rule of a store, and the queue's name.
+    void expectInvariants();
 
     // Everything user interfaces were told since the last clear: "StartingWith playlists:root reset
     // -1" and "Rows playlists:pl/items/7 +4,+5 0 -1".

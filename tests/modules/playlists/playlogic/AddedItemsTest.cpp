@@ -32,7 +32,7 @@ TEST_F(AddedItemsTest, insertedItemsPlayNextInTheirOwnOrder) {
         // e plays, then a; d and c have played.
         PlayListBase* pl = playingShuffled("abcde", {3, 2, 1, 0, 4}, 2);
         add(pl, position, "xyz");
-        EXPECT_EQ("abxyzcde", titlesOf(pl));
+        EXPECT_EQ("abxyzcde", letters(pl));
         EXPECT_EQ((QVector<int>{6, 5, 1, 2, 3, 4, 0, 7}), probe().order());
         EXPECT_EQ(2, probe().cursor());
         for (int i = 0; i < 4; ++i)
@@ -46,7 +46,7 @@ TEST_F(AddedItemsTest, withoutACursorInsertedItemsComeFirst) {
     PlayListBase* pl = playingShuffled("abc", {2, 0, 1}, 0);
     probe().cursor() = -1;
     add(pl, Position::AfterCurrent, "x");
-    EXPECT_EQ("abcx", titlesOf(pl));
+    EXPECT_EQ("abcx", letters(pl));
     EXPECT_EQ((QVector<int>{3, 2, 0, 1}), probe().order());
 }
 
@@ -82,22 +82,22 @@ TEST_F(AddedItemsTest, appendingBehindTheLastOfTheOrderMixesTheNewOnly) {
 
 TEST_F(AddedItemsTest, anUnknownPositionOnlyLogs) {
     // Only an empty list takes items at a position that is none.
-    PlayListBase* pl = listOf("");
+    PlayListBase* pl = playList("");
     pl->setShuffle(true);
     play(pl, 0);
     player.commands.clear();
     const LogCapture log("PlayListsPlayLogic");
-    EXPECT_EQ(0, pl->addItems(Position::Enum(7), itemsOf("abc")));
+    EXPECT_EQ(0, pl->addItems(Position::Enum(7), letterItems("abc")));
     EXPECT_EQ((QStringList{"DEBUG pos=7 lastSeq=-1", "DEBUG Unknown position specifier: 7"}),
               log.lines());
     EXPECT_EQ(QVector<int>(), probe().order());
 }
 
 TEST_F(AddedItemsTest, anUnknownPositionIsNotLookedAtUnshuffled) {
-    PlayListBase* pl = listOf("");
+    PlayListBase* pl = playList("");
     play(pl, 0);
     const LogCapture log("PlayListsPlayLogic");
-    pl->addItems(Position::Enum(7), itemsOf("abc"));
+    pl->addItems(Position::Enum(7), letterItems("abc"));
     EXPECT_EQ(QStringList{"DEBUG pos=7 lastSeq=-1"}, log.lines());
 }
 
@@ -143,7 +143,7 @@ TEST_F(AddedItemsTest, underShuffleAddedNextIsHeardBetweenThePlayingAndTheAnnoun
     EXPECT_EQ(QStringList{"next c@2"}, player.takeCommands());
     EXPECT_EQ(1, probe().cursor());
     add(pl, Position::AfterCurrent, "x");
-    EXPECT_EQ("axbcd", titlesOf(pl));
+    EXPECT_EQ("axbcd", letters(pl));
     // The player hears of what stands at the announced number by now, then, from the patched order,
     // of the new item.
     EXPECT_EQ((QStringList{"next b@2", "next x@1"}), player.takeCommands());
@@ -163,7 +163,7 @@ TEST_F(AddedItemsTest, underShuffleWhatTheStepAnnouncedIsNotAnnouncedTwice) {
     logic()->prepareNextMedia();
     EXPECT_EQ(QStringList{"next b@1"}, player.takeCommands());
     add(pl, Position::AfterCurrent, "xy");
-    EXPECT_EQ("axybc", titlesOf(pl));
+    EXPECT_EQ("axybc", letters(pl));
     EXPECT_EQ(QStringList{"next x@1"}, player.takeCommands());
     EXPECT_EQ((QVector<int>{0, 1, 2, 3, 4}), probe().order());
     EXPECT_EQ(1, probe().cursor());
@@ -195,7 +195,7 @@ TEST_F(AddedItemsTest, clearingStopsThePlayerAndTheListStaysCurrent) {
 }
 
 TEST_F(AddedItemsTest, viewsHearOfTheFirstEditBeforeThePlayerDoes) {
-    const int uid = listOf("abc")->getUid();
+    const int uid = playList("abc")->getUid();
     restart(); // nothing has happened to the list yet
     PlayListBase* pl = manager()->getPlayListByUid(uid);
     EXPECT_FALSE(play(pl, 0).failed);

@@ -1,26 +1,12 @@
 #include <cstdlib>
 #include <ctime>
-#include <sqlite3.h>
 
 #include "PlayLogicFixture.h"
+#include "StoreWatch.h"
 
 namespace {
 int randomizations = 0;
 unsigned lastCSeed = 0;
-sqlite3* store = nullptr;
-
-int rememberStore(sqlite3* connection, const char**, const sqlite3_api_routines*) {
-    store = connection;
-    return SQLITE_OK;
-}
-
-// Steps of SQLite's virtual machine since the last call, over all statements of the store.
-qint64 takeSteps() {
-    qint64 steps = 0;
-    for (sqlite3_stmt* s = sqlite3_next_stmt(store, nullptr); s; s = sqlite3_next_stmt(store, s))
-        steps += sqlite3_stmt_status(s, SQLITE_STMTSTATUS_VM_STEP, 1);
-    return steps;
-}
 } // namespace
 
 // Stands in for the C library's: each shuffle seeds it once, so it counts them.
@@ -32,13 +18,10 @@ extern "C" void srand(unsigned seed) noexcept {
 // What things cost, in operations, never in time.
 class CostTest : public PlayLogicFixture {
 protected:
-    CostTest() { sqlite3_auto_extension(reinterpret_cast<void (*)()>(rememberStore)); }
-    ~CostTest() override {
-        sqlite3_cancel_auto_extension(reinterpret_cast<void (*)()>(rememberStore));
-    }
+    StoreWatch storeWatch;
 
     PlayListBase* listOfSize(int size) {
-        PlayListBase* pl = listOf("");
+        PlayListBase* pl = playList("");
         const OrvoPlayListItem item = makeItem("a");
         QList<OrvoPlayListItem> items;
         for (int i = 0; i < size; ++i)
@@ -91,12 +74,12 @@ TEST_F(CostTest, nextOnALongListCostsWhatItCostsOnAShortOne) {
             pl->setShuffle(shuffle);
             play(pl, 5);
             player.start();
-            takeSteps();
+            storeWatch.takeSteps();
             next();
             player.start();
             logic()->prepareNextMedia();
             previous();
-            costs[at++] = takeSteps();
+            costs[at++] = storeWatch.takeSteps();
         }
         EXPECT_GT(costs[0], 0);
         // Reading the last entry of a list takes a step less than reading another.

@@ -12,7 +12,7 @@ protected:
 };
 
 TEST_F(GoingOnTest, aListThatNeverPlayedBeginsWithItsFirst) {
-    EXPECT_EQ(FromTheFirst, resumeIndex(listOf("abc")));
+    EXPECT_EQ(FromTheFirst, resumeIndex(playList("abc")));
 }
 
 TEST_F(GoingOnTest, aListThatWasLeftInsideGoesOnThere) {

@@ -1,11 +1,10 @@
 #include <algorithm>
-#include <iostream>
-#include <random>
 
 #include <QCoreApplication>
 #include <QSet>
 
 #include "PlayLogicFixture.h"
+#include "Random.h"
 #include "TestClock.h"
 
 // What is heard of a list that is edited and steered at random while it plays to its end, repeat
@@ -13,13 +12,9 @@
 // tracks added to play next as the next, and each as "playlists:upnext" said before. Left out is
 // what hears tracks again on purpose: previous, another drawing of the order, several removals at
 // once and moves under shuffle, and a removed playing item whose replacement was heard.
-//
-// Every round has a seed of its own. ORVO_SEED names the first, ORVO_ROUNDS how many there are.
 class HeardTracksPropertyTest : public PlayLogicFixture {
 protected:
-    static constexpr int UsualRounds = 150;
-
-    void playOneRound(int seed);
+    void playOneRound(unsigned seed);
 
     // --- steps ---
 
@@ -139,7 +134,7 @@ protected:
 
     // --- what they are made of ---
 
-    int below(int bound) { return std::uniform_int_distribution<int>(0, bound - 1)(m_random); }
+    int below(int bound) { return m_random.below(bound); }
     int shuffledHalf() const { return m_isShuffled ? 1 : 0; }
 
     QStringList titles() {
@@ -197,11 +192,11 @@ protected:
     bool m_isShuffled = false;
     QStringList m_heard;
     int m_lastTitle = 0;
-    std::mt19937 m_random;
+    Random m_random;
     TestClock m_clock{1};
 };
 
-void HeardTracksPropertyTest::playOneRound(int seed) {
+void HeardTracksPropertyTest::playOneRound(unsigned seed) {
     struct Step {
         const char* name;
         void (HeardTracksPropertyTest::*call)();
@@ -226,12 +221,12 @@ void HeardTracksPropertyTest::playOneRound(int seed) {
         {"end", &T::end},
     };
 
-    m_random.seed(unsigned(seed));
+    m_random.seed(seed);
     m_heard.clear();
     if (m_list)
         manager()->deletePlayList(m_list);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    m_list = listOf("");
+    m_list = playList("");
     for (int i = below(4); i >= 0; --i)
         addSome(Position::Append);
     m_isShuffled = below(2) == 0;
@@ -265,15 +260,9 @@ void HeardTracksPropertyTest::playOneRound(int seed) {
 }
 
 TEST_F(HeardTracksPropertyTest, everyTrackThatStaysIsHeardOnceAsUpNextSaid) {
-    bool isGiven = false;
-    int first = qEnvironmentVariableIntValue("ORVO_SEED", &isGiven);
-    if (!isGiven)
-        first = int(std::random_device()() & 0x3FFFFFFF);
-    int rounds = qEnvironmentVariableIntValue("ORVO_ROUNDS", &isGiven);
-    if (!isGiven)
-        rounds = UsualRounds;
-    std::cout << "ORVO_SEED=" << first << " ORVO_ROUNDS=" << rounds << std::endl;
-    for (int seed = first; seed < first + rounds; ++seed) {
+    const unsigned first = Random::firstSeed();
+    const unsigned end = first + unsigned(Random::rounds(150));
+    for (unsigned seed = first; seed < end; ++seed) {
         SCOPED_TRACE(testing::Message() << "ORVO_SEED=" << seed << " ORVO_ROUNDS=1");
         ASSERT_NO_FATAL_FAILURE(playOneRound(seed));
         ASSERT_FALSE(HasFailure());

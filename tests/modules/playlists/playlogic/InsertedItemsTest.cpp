@@ -4,7 +4,7 @@
 class InsertedItemsTest : public PlayLogicFixture {
 protected:
     static int insert(PlayListBase* pl, const QList<int>& positions, const QString& titles) {
-        return pl->addItemsAt({positions, true}, itemsOf(titles));
+        return pl->addItemsAt({positions, true}, letterItems(titles));
     }
 };
 
@@ -33,7 +33,7 @@ TEST_F(InsertedItemsTest, underShuffleTheAnnouncedOneIsMixedWithAllThatIsToCome)
     insert(pl, {0}, "x");
     EXPECT_EQ((QVector<int>{5, 3}), probe().order().mid(0, 2));
     EXPECT_EQ(2, probe().cursor());
-    const QString next = titlesOf(pl).mid(probe().order().at(2), 1);
+    const QString next = letters(pl).mid(probe().order().at(2), 1);
     EXPECT_EQ(next, player.announced.title().toString());
     player.end();
     EXPECT_EQ(QString("%1@%2").arg(next).arg(probe().order().at(2)), published());

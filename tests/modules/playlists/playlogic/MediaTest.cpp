@@ -1,4 +1,3 @@
-#include <sqlite3.h>
 
 #include <QSignalSpy>
 
@@ -81,13 +80,11 @@ TEST_F(MediaTest, preparingAgainUnderShuffleAnnouncesTheSameItem) {
 
 TEST_F(MediaTest, underShuffleATrackThatCannotBeReadAtTheMomentIsNotSkipped) {
     playingShuffled("abc", {0, 1, 2}, 0);
-    sqlite3* other = nullptr;
-    ASSERT_EQ(SQLITE_OK, sqlite3_open("data-rw/playlists/playlists.sqlite", &other));
-    ASSERT_EQ(SQLITE_OK, sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr));
+    run("BEGIN EXCLUSIVE");
     logic()->prepareNextMedia();
     next();
     EXPECT_EQ(QStringList{"no next"}, player.takeCommands());
-    sqlite3_close(other);
+    disconnect();
     player.end();
     EXPECT_EQ(QStringList{"play b@1"}, player.takeCommands());
 }

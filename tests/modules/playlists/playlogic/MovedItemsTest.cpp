@@ -47,7 +47,7 @@ TEST_F(MovedItemsTest, thePlayingItemIsPublishedWithItsNewNumber) {
         EXPECT_EQ(row.changes, changes.count());
         EXPECT_EQ(QStringList(), player.commands);
         // The next one is what follows in the list now.
-        const QString titles = titlesOf(pl);
+        const QString titles = letters(pl);
         const int place = titles.indexOf('c');
         next();
         EXPECT_EQ(

@@ -33,7 +33,7 @@ TEST_F(NavigationTest, startsWithoutAPlayListAndWithEmptyMembers) {
 }
 
 TEST_F(NavigationTest, withoutAPlayListThereIsNoTrack) {
-    listOf("abc");
+    playList("abc");
     for (const bool shuffle : {false, true}) {
         probe().shuffle() = shuffle;
         logic()->setRepeatMode(PlayListPlayLogic::RepeatAll);
@@ -158,7 +158,7 @@ TEST_F(NavigationTest, repeatOneDoesNotHoldNextAndPrevious) {
 
 TEST_F(NavigationTest, repeatAllOnAnEmptyListWarns) {
     for (const bool shuffle : {false, true}) {
-        PlayListBase* pl = listOf("");
+        PlayListBase* pl = playList("");
         pl->setRepeatAll(true);
         pl->setShuffle(shuffle);
         play(pl, 0);
@@ -282,7 +282,7 @@ TEST_F(NavigationTest, previousCountsNoFailures) {
 }
 
 TEST_F(NavigationTest, sixBrokenTracksInARowEndPlayback) {
-    PlayListBase* pl = listOf("abcdefgh");
+    PlayListBase* pl = playList("abcdefgh");
     play(pl, 0);
     player.commands.clear();
     const LogCapture log("PlayListsPlayLogic");
@@ -306,7 +306,7 @@ TEST_F(NavigationTest, theRepeatModeIsKeptByTheListOnlyWhenItRepeatsAll) {
 
 TEST_F(NavigationTest, theListThatWasLeftIsNotFollowed) {
     PlayListBase* left = playing("abc");
-    PlayListBase* now = listOf("xyz");
+    PlayListBase* now = playList("xyz");
     logic()->setCurrentPlayList(now);
     logic()->setCurrentPlayList(now); // not heard twice
     left->clearItems();
@@ -325,7 +325,7 @@ TEST_F(NavigationTest, theListThatWasLeftIsNotFollowed) {
 TEST_F(NavigationTest, deletingThePlayingListStops) {
     for (const bool stopsAtOnce : {false, true}) {
         player.stopsThePlayLogic = stopsAtOnce;
-        PlayListBase* other = listOf("xyz");
+        PlayListBase* other = playList("xyz");
         PlayListBase* pl = playing("abc");
         EXPECT_TRUE(manager()->deletePlayList(other));
         EXPECT_EQ(QStringList(), player.takeCommands());
@@ -340,7 +340,7 @@ TEST_F(NavigationTest, deletingThePlayingListStops) {
 }
 
 TEST_F(NavigationTest, withoutAPlayListADeletionStopsNothing) {
-    EXPECT_TRUE(manager()->deletePlayList(listOf("abc")));
+    EXPECT_TRUE(manager()->deletePlayList(playList("abc")));
     EXPECT_EQ(QStringList(), player.commands);
 }
 

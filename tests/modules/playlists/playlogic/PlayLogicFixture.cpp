@@ -11,7 +11,7 @@ PlayListPlayLogic* PlayLogicFixture::logic() {
     return found;
 }
 
-QList<OrvoPlayListItem> PlayLogicFixture::itemsOf(const QString& titles) {
+QList<OrvoPlayListItem> PlayLogicFixture::letterItems(const QString& titles) {
     QList<OrvoPlayListItem> items;
     for (const QChar title : titles)
         items.append(makeItem(QString(title)));
@@ -19,10 +19,10 @@ QList<OrvoPlayListItem> PlayLogicFixture::itemsOf(const QString& titles) {
 }
 
 int PlayLogicFixture::add(PlayListBase* pl, Position::Enum position, const QString& titles) {
-    return pl->addItems(position, itemsOf(titles));
+    return pl->addItems(position, letterItems(titles));
 }
 
-PlayListBase* PlayLogicFixture::listOf(const QString& titles) {
+PlayListBase* PlayLogicFixture::playList(const QString& titles) {
     PlayListBase* pl = manager()->getPlayListByUid(createPlayList(QStringLiteral("list")));
     if (!titles.isEmpty()) {
         EXPECT_EQ(0, add(pl, Position::Append, titles));
@@ -36,7 +36,7 @@ PlayListBase* PlayLogicFixture::queueOf(const QString& titles) {
     return pl;
 }
 
-QString PlayLogicFixture::titlesOf(PlayListBase* pl) {
+QString PlayLogicFixture::letters(PlayListBase* pl) {
     QString result;
     for (const OrvoPlayListItem& item : pl->getItems(0, pl->getSize()))
         result += item.title();
@@ -74,7 +74,7 @@ Answer PlayLogicFixture::changeMode(int mode) {
 }
 
 PlayListBase* PlayLogicFixture::playing(const QString& titles, int index) {
-    PlayListBase* pl = listOf(titles);
+    PlayListBase* pl = playList(titles);
     EXPECT_FALSE(play(pl, index).failed);
     player.start();
     player.commands.clear();
@@ -105,22 +105,4 @@ bool isPermutation(const QVector<int>& order, int size) {
             return false;
     }
     return true;
-}
-
-void PrintTo(const QString& text, std::ostream* out) {
-    *out << '"' << text.toStdString() << '"';
-}
-
-void PrintTo(const QStringList& texts, std::ostream* out) {
-    *out << "[\n";
-    for (const QString& text : texts)
-        *out << "  " << text.toStdString() << '\n';
-    *out << ']';
-}
-
-void PrintTo(const QVector<int>& numbers, std::ostream* out) {
-    *out << '{';
-    for (int number : numbers)
-        *out << ' ' << number;
-    *out << " }";
 }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <ostream>
-
 #include <QVector>
 
 #include "ModuleFixture.h"
@@ -9,27 +7,8 @@
 #include "OrvoPlayListPaths.h"
 #include "PlayListBase.h"
 #include "PlayListManager.h"
-#include "PlayListPlayLogic.h"
+#include "PlayLogicProbe.h"
 #include "RecordingPlayer.h"
-
-// The tests' look at what the play logic keeps to itself; a test may lay it out by hand.
-class PlayLogicProbe {
-public:
-    explicit PlayLogicProbe(PlayListPlayLogic* logic) : m(logic) {}
-
-    PlayListManager* manager() { return m->m_manager; }
-    PlayListBase* current() { return m->m_currentPlayList; }
-    bool& shuffle() { return m->m_shuffleEnabled; }
-    PlayListPlayLogic::RepeatMode& repeat() { return m->m_repeatMode; }
-    QVector<int>& order() { return m->m_shuffleSeq; }
-    int& cursor() { return m->m_shuffleCurIndex; }
-    OrvoRoles& currentTrackRoles() { return m->m_currentTrackRoles; }
-    int& errorCount() { return m->m_errorCount; }
-    bool& nextMediaPrepared() { return m->m_nextMediaPrepared; }
-
-private:
-    PlayListPlayLogic* m;
-};
 
 // The module's play logic over real playlists, and the recording player.
 class PlayLogicFixture : public ModuleFixture {
@@ -41,11 +20,11 @@ protected:
     PlayListManager* manager() { return probe().manager(); }
 
     // "abc": a new playlist with the items "a", "b", "c".
-    PlayListBase* listOf(const QString& titles);
+    PlayListBase* playList(const QString& titles);
     PlayListBase* queueOf(const QString& titles);
-    static QList<OrvoPlayListItem> itemsOf(const QString& titles);
+    static QList<OrvoPlayListItem> letterItems(const QString& titles);
     static int add(PlayListBase* pl, Position::Enum position, const QString& titles);
-    static QString titlesOf(PlayListBase* pl);
+    static QString letters(PlayListBase* pl);
     static CMPath itemsPath(PlayListBase* pl);
 
     // Requests at the play-logic path.
@@ -69,8 +48,3 @@ protected:
 };
 
 bool isPermutation(const QVector<int>& order, int size);
-
-// Qt values in test messages.
-void PrintTo(const QString& text, std::ostream* out);
-void PrintTo(const QStringList& texts, std::ostream* out);
-void PrintTo(const QVector<int>& numbers, std::ostream* out);

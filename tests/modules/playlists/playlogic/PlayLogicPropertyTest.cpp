@@ -1,25 +1,14 @@
 #include <algorithm>
-#include <iostream>
-#include <random>
 
 #include <QCoreApplication>
 
 #include "PlayLogicFixture.h"
+#include "Random.h"
 #include "TestClock.h"
 
-// A list that plays, edited and steered at random. The seed is printed; ORVO_SEED repeats a run.
+// A list that plays, edited and steered at random.
 class PlayLogicPropertyTest : public PlayLogicFixture {
 public:
-    void SetUp() override {
-        bool given = false;
-        m_seed = qEnvironmentVariableIntValue("ORVO_SEED", &given);
-        if (!given)
-            m_seed = int(std::random_device()() & 0x7FFFFFFF);
-        m_random.seed(unsigned(m_seed));
-        std::cout << "ORVO_SEED=" << m_seed << std::endl;
-        RecordProperty("ORVO_SEED", m_seed);
-    }
-
     // --- steps ---
 
     void addNow() { addSome(Position::Now); }
@@ -107,7 +96,7 @@ protected:
         Step step;
     };
 
-    int below(int bound) { return std::uniform_int_distribution<int>(0, bound - 1)(m_random); }
+    int below(int bound) { return m_random.below(bound); }
 
     // By titles they are told apart: the uid of a removed item may be given to the next one.
     QList<OrvoPlayListItem> fewItems() {
@@ -161,7 +150,7 @@ protected:
         if (m_list)
             manager()->deletePlayList(m_list);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        m_list = listOf("");
+        m_list = playList("");
         m_list->addItems(Position::Append, fewItems());
         m_list->setShuffle(below(2) == 0);
         m_list->setRepeatAll(below(2) == 0);
@@ -171,8 +160,7 @@ protected:
     PlayListBase* m_list = nullptr;
     QString m_playing;
     int m_lastTitle = 0;
-    int m_seed = 0;
-    std::mt19937 m_random;
+    Random m_random{Random::firstSeed()};
     // The orders are drawn from it: standing, it lets a seed repeat them.
     TestClock m_clock{1};
 };

@@ -84,7 +84,7 @@ TEST_F(PlayModeCommandsTest, repeatAndThenShuffleInOneTurnBothTakeEffect) {
 
 TEST_F(PlayModeCommandsTest, commandsOnAnotherListPublishNothing) {
     playing("abcd");
-    PlayListBase* other = listOf("xyz");
+    PlayListBase* other = playList("xyz");
     const QSignalSpy modes(logic(), &PlayLogicBase::playModeChanged);
     sendShuffle(other, true);
     sendRepeat(other, true);

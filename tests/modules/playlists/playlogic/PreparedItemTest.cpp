@@ -16,7 +16,7 @@ protected:
         const OrvoValue value = probe().currentTrackRoles().value();
         return value.containsI32_() ? value.i32() : -1;
     }
-    static QString at(PlayListBase* pl, int number) { return titlesOf(pl).mid(number, 1); }
+    static QString at(PlayListBase* pl, int number) { return letters(pl).mid(number, 1); }
 };
 
 TEST_F(PreparedItemTest, itsNumberFollowsAMoveAndWhatCameBetweenIsAnnouncedInstead) {
@@ -123,8 +123,8 @@ TEST_F(PreparedItemTest, itIsForgottenWhenThePlayingItemIsRemovedFromTheEnd) {
 
 TEST_F(PreparedItemTest, itsNumberFollowsItemsInsertedBefore) {
     PlayListBase* pl = prepared();
-    pl->addItemsAt({{0, 1}, true}, itemsOf("xy"));
-    EXPECT_EQ("xyabcdef", titlesOf(pl));
+    pl->addItemsAt({{0, 1}, true}, letterItems("xy"));
+    EXPECT_EQ("xyabcdef", letters(pl));
     EXPECT_EQ(QStringList(), player.takeCommands());
     EXPECT_EQ(4, announcedNumber());
     player.end();
@@ -221,7 +221,7 @@ TEST_F(PreparedItemTest, aModeChangedBeforeAnItemHasStartedMovesNothing) {
 }
 
 TEST_F(PreparedItemTest, anItemRenumberedBeforeItHasStartedIsPublishedWithItsNewNumber) {
-    PlayListBase* pl = listOf("abcdef");
+    PlayListBase* pl = playList("abcdef");
     play(pl, 3);
     pl->removeItems({0, 1});
     player.start();

@@ -88,7 +88,7 @@ TEST_F(RemovedItemsTest, whatReplacesThePlayingItemFollowsWhatHasPlayedInTheOrde
         PlayListBase* pl =
             playingShuffled(QString("abcde").left(row.order.size()), row.order, row.cursor);
         const int removed = row.order.at(row.cursor);
-        const QString replacement = titlesOf(pl).mid(removed + 1, 1);
+        const QString replacement = letters(pl).mid(removed + 1, 1);
         pl->removeItems({removed});
         EXPECT_EQ((QStringList{QString("play %1@%2").arg(replacement).arg(removed)}),
                   player.takeCommands());
@@ -131,7 +131,7 @@ TEST_F(RemovedItemsTest, afterTooManyFailuresARemovalPlaysNothing) {
 }
 
 TEST_F(RemovedItemsTest, beforeAnythingPlaysARemovalPlaysNothing) {
-    PlayListBase* pl = listOf("abc");
+    PlayListBase* pl = playList("abc");
     pl->setLastSequenceNumber(1);
     play(pl, 7);
     EXPECT_EQ(QStringList{"play nothing"}, player.takeCommands());
@@ -140,7 +140,7 @@ TEST_F(RemovedItemsTest, beforeAnythingPlaysARemovalPlaysNothing) {
 }
 
 TEST_F(RemovedItemsTest, anItemOnItsWayCountsAsPlaying) {
-    PlayListBase* pl = listOf("abc");
+    PlayListBase* pl = playList("abc");
     play(pl, 1);
     pl->removeItems({1});
     EXPECT_EQ((QStringList{"play b@1", "play c@1"}), player.takeCommands());
@@ -224,7 +224,7 @@ TEST_F(RemovedItemsTest, whatMovesIntoThePlaceOfThePlayingItemPlays) {
 TEST_F(RemovedItemsTest, removedItemsBeforeThePlayingOneAreCounted) {
     PlayListBase* pl = playing("abcdef", 3);
     pl->removeItems({0, 3, 2, 4});
-    EXPECT_EQ("bf", titlesOf(pl));
+    EXPECT_EQ("bf", letters(pl));
     EXPECT_EQ(QStringList{"play f@1"}, player.takeCommands());
     EXPECT_EQ(1, pl->getLastSequenceNumber());
 }

@@ -126,7 +126,7 @@ TEST_F(ShuffleOrderTest, anItemThatTheListLacksLeavesTheDrawnOrder) {
 }
 
 TEST_F(ShuffleOrderTest, anEmptyListKeepsTheOrderThereWas) {
-    logic()->setCurrentPlayList(listOf(""));
+    logic()->setCurrentPlayList(playList(""));
     probe().order() = {2, 0, 1};
     probe().cursor() = 1;
     const LogCapture log("PlayListsPlayLogic");

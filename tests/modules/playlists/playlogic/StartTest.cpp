@@ -39,7 +39,7 @@ protected:
 };
 
 TEST_F(StartTest, aListPlaysFromTheIndexAndKeepsThePosition) {
-    PlayListBase* pl = listOf("abcde");
+    PlayListBase* pl = playList("abcde");
     EXPECT_EQ(-1, pl->getLastSequenceNumber());
     const Answer answer = play(pl, 2);
     EXPECT_TRUE(answer.answered);
@@ -55,7 +55,7 @@ TEST_F(StartTest, aListPlaysFromTheIndexAndKeepsThePosition) {
 }
 
 TEST_F(StartTest, theWayOfAStartIsLogged) {
-    PlayListBase* pl = listOf("abcde");
+    PlayListBase* pl = playList("abcde");
     const LogCapture log("PlayListsPlayLogic");
     play(pl, 2);
     const QString path = itemsPath(pl).toString();
@@ -73,7 +73,7 @@ TEST_F(StartTest, theWayOfAStartIsLogged) {
 TEST_F(StartTest, thePlayModeComesFromTheListsFlags) {
     for (const bool shuffle : {false, true}) {
         for (const bool repeatAll : {false, true}) {
-            PlayListBase* pl = listOf("abcde");
+            PlayListBase* pl = playList("abcde");
             pl->setShuffle(shuffle);
             pl->setRepeatAll(repeatAll);
             changeMode(OrvoPlayerPlayMode::RepeatOne);
@@ -89,7 +89,7 @@ TEST_F(StartTest, thePlayModeComesFromTheListsFlags) {
 }
 
 TEST_F(StartTest, aShuffledListBeginsItsOrderWithTheIndex) {
-    PlayListBase* pl = listOf("abcdefgh");
+    PlayListBase* pl = playList("abcdefgh");
     pl->setShuffle(true);
     for (int index = 0; index < 8; ++index) {
         play(pl, index);
@@ -102,21 +102,21 @@ TEST_F(StartTest, aShuffledListBeginsItsOrderWithTheIndex) {
 TEST_F(StartTest, aStartForgetsWhatWasBefore) {
     playing("ab");
     makeEverythingDirty();
-    play(listOf("xyz"), 0);
+    play(playList("xyz"), 0);
     expectEverythingReset();
 }
 
 TEST_F(StartTest, theListThatIsLeftKeepsItsModes) {
     PlayListBase* left = playing("abcd", 1);
     changeMode(OrvoPlayerPlayMode::ShuffleRepeatAll);
-    play(listOf("xyz"), 0);
+    play(playList("xyz"), 0);
     EXPECT_TRUE(left->getShuffle());
     EXPECT_TRUE(left->getRepeatAll());
     EXPECT_EQ(1, left->getLastSequenceNumber());
 }
 
 TEST_F(StartTest, theSameListStartedAgainIsHeardOnce) {
-    PlayListBase* pl = listOf("abc");
+    PlayListBase* pl = playList("abc");
     pl->setShuffle(true);
     play(pl, 0);
     play(pl, 1);
@@ -145,7 +145,7 @@ TEST_F(StartTest, aTrackWithoutAContainerPlaysAlone) {
 }
 
 TEST_F(StartTest, aContainerOfAnotherKindOfRequestPlaysFromTheBeginning) {
-    PlayListBase* pl = listOf("abc");
+    PlayListBase* pl = playList("abc");
     EXPECT_FALSE(playAs(2, OrvoRolesType::Container, itemsPath(pl), 2).failed);
     EXPECT_EQ(QStringList{"play a@0"}, player.takeCommands());
     EXPECT_EQ(pl, probe().current());
@@ -163,7 +163,7 @@ TEST_F(StartTest, whatIsNoContainerIsAnsweredAndForgetsWhatPlayed) {
 }
 
 TEST_F(StartTest, aContainerThatIsNoPlayListIsRefused) {
-    listOf("abc");
+    playList("abc");
     const CMPath items = OrvoPlayListPlGetItemsPath();
     for (const CMPath& path :
          {items, items + "abc", items + "0", items + "3/tracks", items + "99999999999"}) {
@@ -184,7 +184,7 @@ TEST_F(StartTest, aContainerThatIsNoPlayListIsRefused) {
 }
 
 TEST_F(StartTest, aPlayListThatIsNotThereIsSilentlyNothing) {
-    listOf("abc");
+    playList("abc");
     for (const char* uid : {"4711", "-1"}) {
         const LogCapture log("PlayListsPlayLogic");
         const Answer answer = play(OrvoPlayListPlGetItemsPath() + uid, 0);
@@ -213,7 +213,7 @@ TEST_F(StartTest, thePlayQueuePlays) {
 }
 
 TEST_F(StartTest, anIndexThatTheListLacksPlaysEmptyRoles) {
-    PlayListBase* pl = listOf("abc");
+    PlayListBase* pl = playList("abc");
     pl->setShuffle(true);
     pl->setLastSequenceNumber(1);
     for (const int index : {3, -1}) {

@@ -4,7 +4,7 @@
 class TakingUpTest : public PlayLogicFixture {};
 
 TEST_F(TakingUpTest, thePlayCommandPlaysTheListFromItsFirstItem) {
-    PlayListBase* pl = listOf("abc");
+    PlayListBase* pl = playList("abc");
     pl->setLastSequenceNumber(2);
     OrvoPlayListPlId args;
     args.setPlid(pl->getUid());
@@ -17,7 +17,7 @@ TEST_F(TakingUpTest, thePlayCommandPlaysTheListFromItsFirstItem) {
 TEST_F(TakingUpTest, itemsAddedNowPlayFromTheFirstOfThem) {
     PlayListBase* pl = playing("abc", 0);
     addItems(pl->getUid(), {"x", "y"}, Position::Now);
-    EXPECT_EQ("axybc", titlesOf(pl));
+    EXPECT_EQ("axybc", letters(pl));
     EXPECT_EQ((QStringList{"asked to play: " + itemsPath(pl).toString() + " 1", "play x@1"}),
               player.commands);
     player.start();

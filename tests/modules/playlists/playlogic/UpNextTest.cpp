@@ -24,7 +24,7 @@ protected:
 };
 
 TEST_F(UpNextTest, nothingPlaysNothingComes) {
-    PlayListBase* pl = listOf("abc");
+    PlayListBase* pl = playList("abc");
     EXPECT_EQ(QStringList(), upNext());
     EXPECT_EQ(0, rows(path()).rowsCount());
     EXPECT_FALSE(rows(path()).containsRevision());
@@ -124,7 +124,7 @@ TEST_F(UpNextTest, eachChangeIsOneReset) {
         },
         [&] { add(pl, Position::Append, "x"); },
         [&] {
-            pl->addItemsAt({{0, 2}, true}, itemsOf("yz"));
+            pl->addItemsAt({{0, 2}, true}, letterItems("yz"));
         },
         [this] { changeMode(OrvoPlayerPlayMode::RepeatAll); },
         [this] { changeMode(OrvoPlayerPlayMode::RepeatOne); },
@@ -150,7 +150,7 @@ TEST_F(UpNextTest, eachChangeIsOneReset) {
 
 TEST_F(UpNextTest, whatChangesNothingIsNoReset) {
     PlayListBase* pl = playing("abcdef", 1);
-    PlayListBase* other = listOf("xyz");
+    PlayListBase* other = playList("xyz");
     resets();
     logic()->prepareNextMedia();
     EXPECT_EQ(0, resets());

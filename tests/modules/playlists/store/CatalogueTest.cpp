@@ -90,14 +90,14 @@ TEST_F(CatalogueTest, theFileHoldsExactlyFiveTablesAndOneIndex) {
             expected.append(asKept(sql));
     }
     ASSERT_EQ(6, expected.size());
-    EXPECT_EQ(expected, rawTexts(QStringLiteral(
+    EXPECT_EQ(expected, query(QStringLiteral(
                             "SELECT sql FROM sqlite_master WHERE sql IS NOT NULL ORDER BY rowid")));
     EXPECT_EQ(QStringList({QStringLiteral("playlists"), QStringLiteral("items"),
                            QStringLiteral("collections"), QStringLiteral("playlists_items"),
                            QStringLiteral("collections_playlists")}),
-              rawTexts(QStringLiteral(
+              query(QStringLiteral(
                   "SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY rowid")));
     EXPECT_EQ(QStringList(QStringLiteral("itemUrlIndex")),
-              rawTexts(QStringLiteral(
+              query(QStringLiteral(
                   "SELECT name FROM sqlite_master WHERE type = 'index' AND sql IS NOT NULL")));
 }

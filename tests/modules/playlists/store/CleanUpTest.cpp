@@ -1,7 +1,6 @@
-#include <iostream>
-#include <random>
 #include <sqlite3.h>
 
+#include "Random.h"
 #include "StatementTrace.h"
 #include "StoreFixture.h"
 
@@ -16,11 +15,11 @@ class CleanUpTest : public StoreFixture {
 protected:
     // The same item once more, at the end of the playlist.
     void share(int item, int playlistUid) {
-        ASSERT_TRUE(rawRun(QStringLiteral("INSERT INTO playlists_items SELECT %1, %2, coalesce("
-                                          "MAX(sequenceNumber), -1) + 1 FROM playlists_items WHERE"
-                                          " playlist = %1")
-                               .arg(playlistUid)
-                               .arg(item)));
+        run(QStringLiteral("INSERT INTO playlists_items SELECT %1, %2, coalesce("
+                           "MAX(sequenceNumber), -1) + 1 FROM playlists_items WHERE"
+                           " playlist = %1")
+                .arg(playlistUid)
+                .arg(item));
     }
     QList<int> uidsOf(int playlistUid) {
         QList<int> uids;
@@ -39,9 +38,9 @@ protected:
         EXPECT_EQ(1, deletions.size());
         EXPECT_EQ(deletions, trace.withoutForeignKeys());
         EXPECT_TRUE(StoreProbe::foreignKeysOn(StoreProbe::connection(database())));
-        EXPECT_TRUE(rawRun(overAll));
-        EXPECT_EQ(0, sqlite3_changes(raw())) << "items were left behind";
-        EXPECT_EQ(QStringList(), rawTexts(QStringLiteral("PRAGMA foreign_key_check")))
+        run(overAll);
+        EXPECT_EQ(0, sqlite3_changes(connection())) << "items were left behind";
+        EXPECT_EQ(QStringList(), query(QStringLiteral("PRAGMA foreign_key_check")))
             << "items went that entries refer to";
         return deletions.value(0) != overAll;
     }
@@ -73,19 +72,18 @@ TEST_F(CleanUpTest, anItemThatAnotherEntryRefersToStays) {
     EXPECT_TRUE(cleansOneByOne([&] {
         EXPECT_EQ(3, database().removeItems(record(first.uid), {0, 1, 2}));
     }));
-    EXPECT_EQ(QStringLiteral("c"), titles(first.uid));
-    EXPECT_EQ(QStringLiteral("d e b"), titles(second.uid));
+    EXPECT_EQ(QStringLiteral("c"), stored(first.uid));
+    EXPECT_EQ(QStringLiteral("d e b"), stored(second.uid));
     EXPECT_TRUE(cleansOneByOne([&] { EXPECT_TRUE(database().clearItems(record(second.uid))); }));
-    EXPECT_EQ(101, rawInt(QStringLiteral("SELECT COUNT(*) FROM items")));
+    EXPECT_EQ(101, queryInt(QStringLiteral("SELECT COUNT(*) FROM items")));
 }
 
 TEST_F(CleanUpTest, whatAFailedClearLeavesGoesWithTheNextRemoval) {
     const PlayListRecord large = playListOf(items(100));
     const PlayListRecord cleared = playListOf("abc");
-    ASSERT_TRUE(rawRun(QStringLiteral("CREATE TRIGGER no BEFORE DELETE ON items"
-                                      " BEGIN SELECT RAISE(ABORT, 'no'); END")));
+    forbid("DELETE ON items");
     EXPECT_FALSE(database().clearItems(cleared));
-    ASSERT_TRUE(rawRun(QStringLiteral("DROP TRIGGER no")));
+    allowAll();
     EXPECT_FALSE(cleansOneByOne([&] { EXPECT_EQ(1, database().removeItems(large, {3})); }));
     EXPECT_FALSE(cleansOneByOne([&] { EXPECT_TRUE(database().clearItems(cleared)); }));
     EXPECT_TRUE(
@@ -93,18 +91,10 @@ TEST_F(CleanUpTest, whatAFailedClearLeavesGoesWithTheNextRemoval) {
     expectInvariants();
 }
 
-// Random stores with items that several entries refer to, written by hand. The seed is printed;
-// ORVO_SEED repeats a run.
+// Random stores with items that several entries refer to, written by hand.
 TEST_F(CleanUpTest, bothWaysLeaveTheSameRows) {
-    bool given = false;
-    unsigned seed = unsigned(qEnvironmentVariableIntValue("ORVO_SEED", &given));
-    if (!given)
-        seed = std::random_device()() & 0x7FFFFFFF;
-    std::cout << "ORVO_SEED=" << seed << std::endl;
-    std::mt19937 random(seed);
-    const auto below = [&random](int bound) {
-        return std::uniform_int_distribution<int>(0, bound - 1)(random);
-    };
+    Random random(Random::firstSeed());
+    const auto below = [&random](int bound) { return random.below(bound); };
     int oneByOne = 0;
     int overAllItems = 0;
     for (int round = 0; round < 60; ++round) {
@@ -113,7 +103,7 @@ TEST_F(CleanUpTest, bothWaysLeaveTheSameRows) {
         QList<int> lists = {0};
         for (int i = 1 + below(4); i > 0; --i)
             lists.append(playListOf(items(below(12))).uid);
-        const QStringList uids = rawTexts(QStringLiteral("SELECT uid FROM items"));
+        const QStringList uids = query(QStringLiteral("SELECT uid FROM items"));
         for (int i = uids.isEmpty() ? 0 : below(10); i > 0; --i)
             share(uids.at(below(uids.size())).toInt(), lists.at(below(lists.size())));
         for (int edit = 0; edit < 6 && lists.size() > 1; ++edit) {

@@ -69,7 +69,7 @@ TEST_F(CollectionRowsTest, strangersCannotBeAdded) {
     const CollectionRecord cl = database().createCollection(QStringLiteral("c"));
     EXPECT_FALSE(database().addToCollection(cl, 4711));
     EXPECT_FALSE(database().addToCollection(CollectionRecord(), p));
-    EXPECT_EQ(0, rawInt(QStringLiteral("SELECT COUNT(*) FROM collections_playlists")));
+    EXPECT_EQ(0, queryInt(QStringLiteral("SELECT COUNT(*) FROM collections_playlists")));
     expectInvariants();
 }
 
@@ -100,8 +100,8 @@ TEST_F(CollectionRowsTest, deletingACollectionKeepsItsPlaylists) {
     ASSERT_TRUE(database().addToCollection(cl, pl.uid));
     EXPECT_TRUE(database().deleteCollection(cl));
     EXPECT_TRUE(database().getCollections().isEmpty());
-    EXPECT_EQ(0, rawInt(QStringLiteral("SELECT COUNT(*) FROM collections_playlists")));
-    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    EXPECT_EQ(0, queryInt(QStringLiteral("SELECT COUNT(*) FROM collections_playlists")));
+    EXPECT_EQ(QStringLiteral("a b c"), stored(pl.uid));
     LogCapture log(QStringLiteral("PlayLists"));
     EXPECT_FALSE(database().deleteCollection(cl));
     EXPECT_EQ(

@@ -38,9 +38,9 @@ int traceNewConnection(sqlite3* connection, const char**, const void*) {
 TEST_F(FileTest, aFreshFolderGetsAnEmptyStoreWithThePlayQueue) {
     database();
     EXPECT_TRUE(QFileInfo::exists(QString::fromLatin1(File)));
-    EXPECT_EQ(freshQueue, rawTexts(queueRow()));
+    EXPECT_EQ(freshQueue, query(queueRow()));
     for (const char* table : {"items", "collections", "playlists_items", "collections_playlists"})
-        EXPECT_EQ(0, rawInt(QStringLiteral("SELECT COUNT(*) FROM %1").arg(QLatin1String(table))))
+        EXPECT_EQ(0, queryInt(QStringLiteral("SELECT COUNT(*) FROM %1").arg(QLatin1String(table))))
             << table;
     expectInvariants();
 }
@@ -53,12 +53,12 @@ TEST_F(FileTest, anExistingFolderIsUsed) {
 
 TEST_F(FileTest, aFileThatHasHadTablesAndHasNoneIsUsed) {
     ASSERT_TRUE(QDir().mkpath(QStringLiteral("data-rw/playlists")));
-    ASSERT_TRUE(rawRun(QStringLiteral("CREATE TABLE passing(x)")));
-    ASSERT_TRUE(rawRun(QStringLiteral("DROP TABLE passing")));
+    run(QStringLiteral("CREATE TABLE passing(x)"));
+    run(QStringLiteral("DROP TABLE passing"));
     ASSERT_LT(0, QFileInfo(QString::fromLatin1(File)).size());
-    closeRaw();
+    disconnect();
     database();
-    EXPECT_EQ(freshQueue, rawTexts(queueRow()));
+    EXPECT_EQ(freshQueue, query(queueRow()));
     expectInvariants();
 }
 
@@ -66,10 +66,9 @@ TEST_F(FileTest, existingRowsSurviveARestart) {
     const PlayListRecord pl = playListOf("abc");
     const CollectionRecord cl = database().createCollection(QStringLiteral("shelf"));
     ASSERT_TRUE(database().addToCollection(cl, pl.uid));
-    ASSERT_TRUE(rawRun(
-        QStringLiteral("UPDATE playlists SET lastPlayedIndex = 7, name = 'Q' WHERE uid = 0")));
+    run(QStringLiteral("UPDATE playlists SET lastPlayedIndex = 7, name = 'Q' WHERE uid = 0"));
     reopen();
-    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    EXPECT_EQ(QStringLiteral("a b c"), stored(pl.uid));
     EXPECT_EQ(QStringLiteral("list"), record(pl.uid).name);
     EXPECT_EQ(QList<int>{pl.uid}, database().getCollections().value(0).playlists);
     EXPECT_EQ(7, database().getPlayQueue().lastPlayedIndex);
@@ -79,10 +78,10 @@ TEST_F(FileTest, existingRowsSurviveARestart) {
 
 TEST_F(FileTest, aDeletedPlayQueueComesBackAtTheNextStart) {
     database();
-    ASSERT_TRUE(rawRun(QStringLiteral("DELETE FROM playlists")));
+    run(QStringLiteral("DELETE FROM playlists"));
     EXPECT_EQ(-1, database().getPlayQueue().uid);
     reopen();
-    EXPECT_EQ(freshQueue, rawTexts(queueRow()));
+    EXPECT_EQ(freshQueue, query(queueRow()));
 }
 
 TEST_F(FileTest, startRunsItsStepsInOrder) {
@@ -169,12 +168,12 @@ TEST_F(FileTest, clearDatabaseLeavesOnlyThePlayQueue) {
                      QStringLiteral("DELETE FROM playlists_items"),
                      QStringLiteral("DELETE FROM collections_playlists")}),
         run.mid(0, 5));
-    EXPECT_EQ(freshQueue, rawTexts(queueRow()));
+    EXPECT_EQ(freshQueue, query(queueRow()));
     EXPECT_EQ(1, database().countPlaylists());
     EXPECT_EQ(0, database().countPlaylistsItems());
     EXPECT_EQ(0, database().countCollections());
-    EXPECT_EQ(0, rawInt(QStringLiteral("SELECT COUNT(*) FROM playlists_items")));
-    EXPECT_EQ(0, rawInt(QStringLiteral("SELECT COUNT(*) FROM collections_playlists")));
+    EXPECT_EQ(0, queryInt(QStringLiteral("SELECT COUNT(*) FROM playlists_items")));
+    EXPECT_EQ(0, queryInt(QStringLiteral("SELECT COUNT(*) FROM collections_playlists")));
     expectInvariants();
 }
 
@@ -232,7 +231,7 @@ TEST_F(FileTest, aFileThatAnotherProcessHoldsIsNotOpened) {
     close();
     for (const char* lock :
          {"BEGIN; SELECT count(*) FROM items", "BEGIN IMMEDIATE", "BEGIN EXCLUSIVE"}) {
-        ASSERT_TRUE(rawRun(QString::fromLatin1(lock)));
+        run(QString::fromLatin1(lock));
         const LogCapture log(QStringLiteral("PlayLists"));
         EXPECT_THROW(Database(0, true, 50), std::runtime_error) << lock;
         EXPECT_EQ(QStringList(QStringLiteral("Another process holds the PlayList database file, "
@@ -243,22 +242,22 @@ TEST_F(FileTest, aFileThatAnotherProcessHoldsIsNotOpened) {
                       QStringLiteral("Unable to open PlayList database file: database is locked")),
                   log.texts(QStringLiteral("FATAL")))
             << lock;
-        ASSERT_TRUE(rawRun(QStringLiteral("ROLLBACK")));
+        run(QStringLiteral("ROLLBACK"));
     }
     reopen();
-    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    EXPECT_EQ(QStringLiteral("a b c"), stored(pl.uid));
     expectInvariants();
 }
 
 TEST_F(FileTest, aVacuumThatFailsIsOwedNoLonger) {
     database().setVacuumNeeded();
     QSignalSpy spy(&database(), &Database::vacuumNeeded);
-    ASSERT_TRUE(rawRun(QStringLiteral("BEGIN EXCLUSIVE")));
+    run(QStringLiteral("BEGIN EXCLUSIVE"));
     LogCapture log(QStringLiteral("PlayLists"));
     StatementTrace trace(database());
     database().vacuum();
     database().vacuum();
-    ASSERT_TRUE(rawRun(QStringLiteral("ROLLBACK")));
+    run(QStringLiteral("ROLLBACK"));
     EXPECT_EQ(QStringList(QStringLiteral("VACUUM;")), trace.texts());
     EXPECT_EQ(1, log.texts(QStringLiteral("INFO")).size());
     ASSERT_EQ(1, spy.size());

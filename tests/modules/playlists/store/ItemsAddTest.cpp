@@ -49,7 +49,7 @@ TEST_F(ItemsAddTest, everyPositionHasItsPlace) {
                                  pl, Position::Enum(row.position),
                                  {item(QStringLiteral("x")), item(QStringLiteral("y"))}, &added));
         EXPECT_EQ(2, added);
-        EXPECT_EQ(QString::fromLatin1(row.after), titles(pl.uid));
+        EXPECT_EQ(QString::fromLatin1(row.after), stored(pl.uid));
         expectInvariants();
     }
 }
@@ -64,7 +64,7 @@ TEST_F(ItemsAddTest, unknownPositionsInAListThatIsNotEmptyFail) {
         EXPECT_EQ(-1, database().addItems(pl, Position::Enum(position), items(2), &added));
         EXPECT_EQ(2, added);
         EXPECT_EQ(QStringList(QStringLiteral("Error adding items to list")), log.errors());
-        EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+        EXPECT_EQ(QStringLiteral("a b c"), stored(pl.uid));
         expectInvariants();
     }
 }
@@ -73,7 +73,7 @@ TEST_F(ItemsAddTest, addingAfterTheFourthOfTenShiftsTheSixBehindIt) {
     PlayListRecord pl = playListOf("0123456789");
     pl.lastPlayedIndex = 3;
     EXPECT_EQ(4, database().addItems(pl, Position::Now, items(3, QStringLiteral("n")), nullptr));
-    EXPECT_EQ(QStringLiteral("0 1 2 3 n0 n1 n2 4 5 6 7 8 9"), titles(pl.uid));
+    EXPECT_EQ(QStringLiteral("0 1 2 3 n0 n1 n2 4 5 6 7 8 9"), stored(pl.uid));
     EXPECT_EQ(13, record(pl.uid).size);
     expectInvariants();
 }
@@ -82,7 +82,7 @@ TEST_F(ItemsAddTest, addingMoreThanTheListHoldsShiftsWithoutCollision) {
     PlayListRecord pl = playListOf("ab");
     pl.lastPlayedIndex = 0;
     EXPECT_EQ(1, database().addItems(pl, Position::AfterCurrent, items(50, QString()), nullptr));
-    const QString all = titles(pl.uid);
+    const QString all = stored(pl.uid);
     EXPECT_TRUE(all.startsWith(QStringLiteral("a 0 1 2 "))) << all.toStdString();
     EXPECT_TRUE(all.endsWith(QStringLiteral(" 48 49 b"))) << all.toStdString();
     expectInvariants();
@@ -98,7 +98,7 @@ TEST_F(ItemsAddTest, everyFieldIsKept) {
     const QList<OrvoPlayListItem> read = database().getItems(pl, 0, 1);
     ASSERT_EQ(2, read.size());
     EXPECT_EQ(0, read[0].sequenceNumber());
-    EXPECT_EQ(rawInt(QStringLiteral("SELECT MIN(uid) FROM items")), read[0].uid());
+    EXPECT_EQ(queryInt(QStringLiteral("SELECT MIN(uid) FROM items")), read[0].uid());
     EXPECT_EQ(full.title(), read[0].title());
     EXPECT_EQ(full.artist(), read[0].artist());
     EXPECT_EQ(full.album(), read[0].album());
@@ -113,7 +113,7 @@ TEST_F(ItemsAddTest, everyFieldIsKept) {
     EXPECT_EQ(0, read[1].durationSeconds());
     EXPECT_EQ(1, read[1].sequenceNumber());
     EXPECT_EQ(QStringList(QStringLiteral("0")),
-              rawTexts(QStringLiteral("SELECT SUM(artist IS NULL) FROM items")));
+              query(QStringLiteral("SELECT SUM(artist IS NULL) FROM items")));
     expectInvariants();
 }
 
@@ -122,7 +122,7 @@ TEST_F(ItemsAddTest, columnsLandWhereTheyBelong) {
     EXPECT_EQ(
         QStringList(QStringLiteral(
             "a,artist of a,album of a,art:a,genre of a,101,file:///a,files,{\"title\":\"a\"}")),
-        rawTexts(QStringLiteral(
+        query(QStringLiteral(
             "SELECT title || ',' || artist || ',' || album || ',' || artworkUrl || ',' || genre"
             " || ',' || durationSeconds || ',' || url || ',' || serviceId || ',' || orvoRoles"
             " FROM items")));
@@ -130,7 +130,7 @@ TEST_F(ItemsAddTest, columnsLandWhereTheyBelong) {
 
 TEST_F(ItemsAddTest, aNullColumnReadsAsAnEmptyText) {
     const PlayListRecord pl = playListOf("a");
-    ASSERT_TRUE(rawRun(QStringLiteral("UPDATE items SET artist = NULL, durationSeconds = NULL")));
+    run(QStringLiteral("UPDATE items SET artist = NULL, durationSeconds = NULL"));
     const OrvoPlayListItem read = database().getItems(pl, 0, 0).value(0);
     EXPECT_EQ(QString(), read.artist());
     EXPECT_EQ(0, read.durationSeconds());
@@ -140,7 +140,7 @@ TEST_F(ItemsAddTest, aNullColumnReadsAsAnEmptyText) {
 TEST_F(ItemsAddTest, theSameTrackTwiceIsTwoItems) {
     const PlayListRecord pl = playListOf({item(QStringLiteral("a")), item(QStringLiteral("a"))});
     EXPECT_EQ(2, database().countPlaylistsItems());
-    EXPECT_EQ(QStringLiteral("a a"), titles(pl.uid));
+    EXPECT_EQ(QStringLiteral("a a"), stored(pl.uid));
     expectInvariants();
 }
 
@@ -172,7 +172,7 @@ TEST_F(ItemsAddTest, nextNumberIsOneBeyondTheHighest) {
 TEST_F(ItemsAddTest, theQueueTakesItemsLikeAnyList) {
     EXPECT_EQ(0, database().addItems(database().getPlayQueue(), Position::Now, items(2), nullptr));
     EXPECT_EQ(2, database().addItems(database().getPlayQueue(), Position::Now, items(1), nullptr));
-    EXPECT_EQ(QStringLiteral("t0 t1 t0"), titles(0));
+    EXPECT_EQ(QStringLiteral("t0 t1 t0"), stored(0));
     EXPECT_EQ(3, database().getPlayQueue().size);
     expectInvariants();
 }
@@ -187,7 +187,7 @@ TEST_F(ItemsAddTest, whatStillFitsBelowTheLimitIsAdded) {
     int added = -5;
     EXPECT_EQ(2, database().addItems(pl, Position::Now, items(5, QStringLiteral("n")), &added));
     EXPECT_EQ(2, added);
-    EXPECT_EQ(QStringLiteral("e0 e1 n0 n1 e2 e3 e4 e5 e6 e7"), titles(pl.uid));
+    EXPECT_EQ(QStringLiteral("e0 e1 n0 n1 e2 e3 e4 e5 e6 e7"), stored(pl.uid));
     EXPECT_EQ(100, database().countPlaylistsItems());
 
     LogCapture log(QStringLiteral("PlayLists"));
@@ -238,7 +238,7 @@ TEST_F(ItemsAddTest, noItemsAreTreatedLikeAFullStore) {
     EXPECT_EQ(0, added);
     EXPECT_EQ(QStringList(QStringLiteral("Error adding playlist items: database reached limit!")),
               log.errors());
-    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    EXPECT_EQ(QStringLiteral("a b c"), stored(pl.uid));
     expectInvariants();
 }
 
@@ -270,7 +270,7 @@ TEST_F(ItemsAddTest, fieldsThatAreNoTextsAreStoredAsTheirText) {
     EXPECT_EQ(QStringList({QStringLiteral("42 file:///b / text text text"),
                            QStringLiteral("t0 file:///t0 genre of t0/ text text text"),
                            QStringLiteral("t2 file:///t2 genre of t2/ text text text")}),
-              rawTexts(QStringLiteral("SELECT title || ' ' || url || ' ' || genre || '/ ' ||"
-                                      " typeof(artist) || ' ' || typeof(genre) || ' ' ||"
-                                      " typeof(orvoRoles) FROM items ORDER BY title")));
+              query(QStringLiteral("SELECT title || ' ' || url || ' ' || genre || '/ ' ||"
+                                   " typeof(artist) || ' ' || typeof(genre) || ' ' ||"
+                                   " typeof(orvoRoles) FROM items ORDER BY title")));
 }

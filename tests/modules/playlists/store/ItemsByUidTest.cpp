@@ -6,7 +6,7 @@ class ItemsByUidTest : public StoreFixture {
 protected:
     QList<int> uidsOf(int playlistUid) {
         QList<int> uids;
-        for (const QString& text : rawTexts(
+        for (const QString& text : query(
                  QStringLiteral(
                      "SELECT item FROM playlists_items WHERE playlist = %1 ORDER BY sequenceNumber")
                      .arg(playlistUid)))

@@ -10,14 +10,14 @@ protected:
         const PlayListRecord pl = playListOf(entries);
         EXPECT_TRUE(database().moveItem(pl, from, to));
         expectInvariants();
-        return titles(pl.uid);
+        return stored(pl.uid);
     }
 
     QString afterRemoval(const char* entries, const QList<int>& indices) {
         const PlayListRecord pl = playListOf(entries);
         EXPECT_EQ(indices.size(), database().removeItems(pl, indices));
         expectInvariants();
-        return titles(pl.uid);
+        return stored(pl.uid);
     }
 };
 
@@ -52,7 +52,7 @@ TEST_F(ItemsEditTest, movingKeepsTheItemsAndTheOtherLists) {
     const int uid = database().getItems(pl, 0, 0).value(0).uid();
     ASSERT_TRUE(database().moveItem(pl, 0, 2));
     EXPECT_EQ(uid, database().getItems(pl, 2, 2).value(0).uid());
-    EXPECT_EQ(QStringLiteral("x y z"), titles(other.uid));
+    EXPECT_EQ(QStringLiteral("x y z"), stored(other.uid));
     expectInvariants();
 }
 
@@ -64,7 +64,7 @@ TEST_F(ItemsEditTest, openingAGapShiftsTheTail) {
             " WHERE playlist = %1 ORDER BY sequenceNumber")
             .arg(pl.uid);
     ASSERT_TRUE(database().offsetItemsFromTransaction(pl, 1, 2));
-    EXPECT_EQ(QStringLiteral("0a 3b 4c 5d"), rawTexts(numbers).join(QLatin1Char(' ')));
+    EXPECT_EQ(QStringLiteral("0a 3b 4c 5d"), query(numbers).join(QLatin1Char(' ')));
 }
 
 TEST_F(ItemsEditTest, shiftsGoByWayOfNumbersBeyondTheList) {
@@ -88,7 +88,7 @@ TEST_F(ItemsEditTest, shiftsGoByWayOfNumbersBeyondTheList) {
               shiftsOf([&] { database().moveItem(pl, 2, 5); }));
     EXPECT_EQ(QStringList({shift(uid, 2, 5, 10), shift(uid, 15, 15, -13), shift(uid, 12, 15, -9)}),
               shiftsOf([&] { database().moveItem(pl, 5, 2); }));
-    EXPECT_EQ(QStringLiteral("0 1 2 3 4 5 6 7 8 9"), titles(uid));
+    EXPECT_EQ(QStringLiteral("0 1 2 3 4 5 6 7 8 9"), stored(uid));
     pl.lastPlayedIndex = 3;
     EXPECT_EQ(QStringList({shift(uid, 4, 10, 14), shift(uid, 10, 0x7FFFFFFF, -11)}), shiftsOf([&] {
                   database().addItems(pl, OrvoPlayListAddPosition::Now, items(3), nullptr);
@@ -114,7 +114,7 @@ TEST_F(ItemsEditTest, removedItemsAreGoneAndOthersKeepTheirUids) {
     EXPECT_EQ(2, database().removeItems(pl, {0, 2}));
     EXPECT_EQ(last, database().getItems(pl, 1, 1).value(0).uid());
     EXPECT_EQ(5, database().countPlaylistsItems());
-    EXPECT_EQ(QStringLiteral("x y z"), titles(other.uid));
+    EXPECT_EQ(QStringLiteral("x y z"), stored(other.uid));
     EXPECT_EQ(2, record(pl.uid).size);
     expectInvariants();
 }
@@ -130,7 +130,7 @@ TEST_F(ItemsEditTest, anIndexThatDoesNotExistRemovesNothing) {
         EXPECT_EQ(QStringList({QStringLiteral("Unable to remove all item indices"),
                                QStringLiteral("Error removing items from list")}),
                   log.errors());
-        EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+        EXPECT_EQ(QStringLiteral("a b c"), stored(pl.uid));
         expectInvariants();
     }
     EXPECT_EQ(0, spy.size());
@@ -142,15 +142,15 @@ TEST_F(ItemsEditTest, indicesOutOfOrderAreRenumberedFromTheFirstOneGiven) {
     EXPECT_EQ(2, database().removeItems(pl, {5, 1}));
     EXPECT_EQ(QStringList({QStringLiteral("0a"), QStringLiteral("2c"), QStringLiteral("3d"),
                            QStringLiteral("4e"), QStringLiteral("5g")}),
-              rawTexts(QStringLiteral("SELECT sequenceNumber || title FROM playlists_items"
-                                      " JOIN items ON item = uid ORDER BY sequenceNumber")));
+              query(QStringLiteral("SELECT sequenceNumber || title FROM playlists_items"
+                                   " JOIN items ON item = uid ORDER BY sequenceNumber")));
 }
 
 TEST_F(ItemsEditTest, removingOwesAVacuumOnceCommitted) {
     const PlayListRecord pl = playListOf("abc");
     bool committed = false;
     QObject::connect(&database(), &Database::vacuumNeeded, [this, &committed] {
-        committed = rawInt(QStringLiteral("SELECT COUNT(*) FROM items")) == 2;
+        committed = queryInt(QStringLiteral("SELECT COUNT(*) FROM items")) == 2;
     });
     QSignalSpy spy(&database(), &Database::vacuumNeeded);
     EXPECT_EQ(1, database().removeItems(pl, {0}));
@@ -163,21 +163,21 @@ TEST_F(ItemsEditTest, removingNothingIsNothing) {
     const PlayListRecord pl = playListOf("abc");
     QSignalSpy spy(&database(), &Database::vacuumNeeded);
     // Not even a transaction: it works while another connection holds the lock.
-    ASSERT_TRUE(rawRun(QStringLiteral("BEGIN EXCLUSIVE")));
+    run(QStringLiteral("BEGIN EXCLUSIVE"));
     LogCapture log(QStringLiteral("PlayLists"));
     EXPECT_EQ(0, database().removeItems(pl, {}));
     EXPECT_EQ(QStringList(), log.errors());
     EXPECT_EQ(0, spy.size());
-    ASSERT_TRUE(rawRun(QStringLiteral("ROLLBACK")));
+    run(QStringLiteral("ROLLBACK"));
 }
 
 TEST_F(ItemsEditTest, removingARunLeavesItsGap) {
     const PlayListRecord pl = playListOf("abcd");
     EXPECT_EQ(2, database().removeItemsHelper(pl, 1, 2));
     EXPECT_EQ(0, database().removeItemsHelper(pl, 7, 9));
-    EXPECT_EQ(QStringLiteral("0,3"),
-              rawTexts(QStringLiteral("SELECT GROUP_CONCAT(sequenceNumber) FROM playlists_items"))
-                  .value(0));
+    EXPECT_EQ(
+        QStringLiteral("0,3"),
+        query(QStringLiteral("SELECT GROUP_CONCAT(sequenceNumber) FROM playlists_items")).value(0));
 }
 
 TEST_F(ItemsEditTest, clearingRemovesTheItemsOfThisListOnly) {
@@ -185,8 +185,8 @@ TEST_F(ItemsEditTest, clearingRemovesTheItemsOfThisListOnly) {
     const PlayListRecord pl = playListOf("abc");
     QSignalSpy spy(&database(), &Database::vacuumNeeded);
     EXPECT_TRUE(database().clearItems(pl));
-    EXPECT_EQ(QString(), titles(pl.uid));
-    EXPECT_EQ(QStringLiteral("x y z"), titles(other.uid));
+    EXPECT_EQ(QString(), stored(pl.uid));
+    EXPECT_EQ(QStringLiteral("x y z"), stored(other.uid));
     EXPECT_EQ(3, database().countPlaylistsItems());
     EXPECT_EQ(0, record(pl.uid).size);
     EXPECT_EQ(1, spy.size());
@@ -203,7 +203,7 @@ TEST_F(ItemsEditTest, editsSurviveARestart) {
     ASSERT_TRUE(database().moveItem(pl, 0, 5));
     ASSERT_EQ(2, database().removeItems(pl, {1, 2}));
     reopen();
-    EXPECT_EQ(QStringLiteral("b e f a"), titles(pl.uid));
+    EXPECT_EQ(QStringLiteral("b e f a"), stored(pl.uid));
     EXPECT_EQ(4, record(pl.uid).size);
     expectInvariants();
 }

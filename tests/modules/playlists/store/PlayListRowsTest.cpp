@@ -56,12 +56,10 @@ TEST_F(PlayListRowsTest, sizesAreCounts) {
 
 TEST_F(PlayListRowsTest, flagsAreSetOnlyByOne) {
     const PlayListRecord pl = playListOf("");
-    ASSERT_TRUE(
-        rawRun(QStringLiteral("UPDATE playlists SET shuffle = 2, repeatAll = 1 WHERE uid > 0")));
+    run(QStringLiteral("UPDATE playlists SET shuffle = 2, repeatAll = 1 WHERE uid > 0"));
     EXPECT_FALSE(record(pl.uid).shuffle);
     EXPECT_TRUE(record(pl.uid).repeatAll);
-    ASSERT_TRUE(
-        rawRun(QStringLiteral("UPDATE playlists SET shuffle = 1, repeatAll = -1 WHERE uid > 0")));
+    run(QStringLiteral("UPDATE playlists SET shuffle = 1, repeatAll = -1 WHERE uid > 0"));
     EXPECT_TRUE(record(pl.uid).shuffle);
     EXPECT_FALSE(record(pl.uid).repeatAll);
 }
@@ -79,7 +77,7 @@ TEST_F(PlayListRowsTest, theQueueIsARecordLikeAnyOther) {
 
 TEST_F(PlayListRowsTest, aMissingQueueIsNoPlaylist) {
     database();
-    ASSERT_TRUE(rawRun(QStringLiteral("DELETE FROM playlists WHERE uid = 0")));
+    run(QStringLiteral("DELETE FROM playlists WHERE uid = 0"));
     EXPECT_EQ(-1, database().getPlayQueue().uid);
 }
 
@@ -133,7 +131,7 @@ TEST_F(PlayListRowsTest, deletingTakesEntriesItemsAndMemberships) {
     EXPECT_TRUE(database().deletePlayList(pl));
     EXPECT_EQ(-1, record(pl.uid).uid);
     EXPECT_EQ(3, database().countPlaylistsItems());
-    EXPECT_EQ(QStringLiteral("x y z"), titles(other.uid));
+    EXPECT_EQ(QStringLiteral("x y z"), stored(other.uid));
     EXPECT_EQ(QList<int>(), database().getCollections().value(0).playlists);
     EXPECT_EQ(QList<int>{other.uid}, database().getCollections().value(1).playlists);
     ASSERT_EQ(1, spy.size());
@@ -145,7 +143,7 @@ TEST_F(PlayListRowsTest, deletingOwesAVacuumOnceCommitted) {
     const PlayListRecord pl = playListOf("abc");
     bool committed = false;
     QObject::connect(&database(), &Database::vacuumNeeded, [this, &committed] {
-        committed = rawInt(QStringLiteral("SELECT COUNT(*) FROM playlists WHERE uid > 0")) == 0;
+        committed = queryInt(QStringLiteral("SELECT COUNT(*) FROM playlists WHERE uid > 0")) == 0;
     });
     EXPECT_TRUE(database().deletePlayList(pl));
     EXPECT_TRUE(committed);
@@ -160,7 +158,7 @@ TEST_F(PlayListRowsTest, theQueueCannotBeDeleted) {
     EXPECT_EQ(QStringList({QStringLiteral("Error deleting PlayList: no such list in DB"),
                            QStringLiteral("Error deleting PlayList")}),
               log.errors());
-    EXPECT_EQ(QStringLiteral("t0 t1"), titles(0));
+    EXPECT_EQ(QStringLiteral("t0 t1"), stored(0));
     EXPECT_EQ(0, spy.size());
     expectInvariants();
 }

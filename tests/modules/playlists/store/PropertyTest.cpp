@@ -1,11 +1,10 @@
 #include <algorithm>
-#include <iostream>
 #include <numeric>
-#include <random>
 
 #include <QHash>
 #include <QVector>
 
+#include "Random.h"
 #include "StoreFixture.h"
 
 namespace {
@@ -18,19 +17,10 @@ struct Model {
 
 } // namespace
 
-// Random edits against a list of texts. The seed is printed; ORVO_SEED repeats a run.
+// Random edits against a list of texts.
 class PropertyTest : public StoreFixture {
 public:
-    void SetUp() override {
-        bool given = false;
-        m_seed = qEnvironmentVariableIntValue("ORVO_SEED", &given);
-        if (!given)
-            m_seed = int(std::random_device()() & 0x7FFFFFFF);
-        m_random.seed(unsigned(m_seed));
-        std::cout << "ORVO_SEED=" << m_seed << std::endl;
-    }
-
-    int below(int bound) { return std::uniform_int_distribution<int>(0, bound - 1)(m_random); }
+    int below(int bound) { return m_random.below(bound); }
 
     int anyPlayList() {
         const QList<int> uids = m_model.keys();
@@ -187,8 +177,7 @@ public:
     }
 
 private:
-    int m_seed = 0;
-    std::mt19937 m_random;
+    Random m_random{Random::firstSeed()};
     QHash<int, Model> m_model;
     int m_limit = 0;
     int m_nextTitle = 0;

@@ -56,14 +56,14 @@ TEST_F(StartDeathTest, aFileThatIsNoDatabase) {
 TEST_F(StartDeathTest, aTableThatCannotBeMade) {
     QDir().mkpath(QStringLiteral("data-rw/playlists"));
     // The index of the items needs a column that this table does not have.
-    ASSERT_TRUE(rawRun(QStringLiteral("CREATE TABLE items (uid INTEGER PRIMARY KEY)")));
+    run(QStringLiteral("CREATE TABLE items (uid INTEGER PRIMARY KEY)"));
     EXPECT_EXIT(startLoudly(), testing::KilledBySignal(SIGABRT),
                 "FATAL PlayLists Unable to create table items: no such column: url\n");
 }
 
 TEST_F(StartDeathTest, aPlayQueueThatCannotBeMade) {
     QDir().mkpath(QStringLiteral("data-rw/playlists"));
-    ASSERT_TRUE(rawRun(QStringLiteral("CREATE TABLE playlists (uid INTEGER PRIMARY KEY)")));
+    run(QStringLiteral("CREATE TABLE playlists (uid INTEGER PRIMARY KEY)"));
     EXPECT_EXIT(
         startLoudly(), testing::KilledBySignal(SIGABRT),
         "FATAL PlayLists Unable to create table createplayqueue: table playlists has no column named name\n");
@@ -86,18 +86,18 @@ TEST_F(StartDeathTest, aCommitThatIsBusyIsGivenUpWhenTheProcessIsToEnd) {
         {
             startLoudly();
             const PlayListRecord pl = playListOf("abc");
-            rawRun(QStringLiteral("BEGIN"));
-            rawInt(QStringLiteral("SELECT count(*) FROM items"));
+            run(QStringLiteral("BEGIN"));
+            queryInt(QStringLiteral("SELECT count(*) FROM items"));
             cmRequestEnd();
             database().moveItem(pl, 0, 2);
             const bool failed = database().lastCommitFailed();
-            rawRun(QStringLiteral("COMMIT"));
-            const bool whole = titles(pl.uid) == QLatin1String("a b c") &&
+            run(QStringLiteral("COMMIT"));
+            const bool whole = stored(pl.uid) == QLatin1String("a b c") &&
                                database().beginTransaction() == 0 &&
                                database().rollbackTransaction() == 0;
             // What meets no lock is done as ever.
             database().moveItem(pl, 0, 2);
-            std::_Exit(failed && whole && titles(pl.uid) == QLatin1String("b c a") ? 0 : 1);
+            std::_Exit(failed && whole && stored(pl.uid) == QLatin1String("b c a") ? 0 : 1);
         },
         testing::ExitedWithCode(0), "ERROR PlayLists Commit transaction failed\n");
 }

@@ -39,11 +39,11 @@ TEST_F(TransactionTest, resultCodesComeBackUnchanged) {
     EXPECT_EQ(SQLITE_ERROR, store.beginImmediateTransaction());
     EXPECT_EQ(SQLITE_OK, store.rollbackTransaction());
     EXPECT_EQ(SQLITE_ERROR, store.rollbackTransaction());
-    ASSERT_TRUE(rawRun(QStringLiteral("BEGIN IMMEDIATE")));
+    run(QStringLiteral("BEGIN IMMEDIATE"));
     EXPECT_EQ(SQLITE_BUSY, store.beginImmediateTransaction());
     EXPECT_EQ(SQLITE_OK, store.beginTransaction());
     EXPECT_EQ(SQLITE_OK, store.rollbackTransaction());
-    ASSERT_TRUE(rawRun(QStringLiteral("ROLLBACK")));
+    run(QStringLiteral("ROLLBACK"));
 }
 
 TEST_F(TransactionTest, theStatementsAreTheseFour) {
@@ -82,8 +82,7 @@ TEST_F(TransactionTest, failedOperationsEndInRollback) {
                   database().addItems(pl, OrvoPlayListAddPosition::Append, {}, nullptr);
               }));
     EXPECT_EQ(QStringLiteral("BEGIN; ROLLBACK;"), frame([&] { database().deletePlayList(queue); }));
-    ASSERT_TRUE(rawRun(QStringLiteral("CREATE TRIGGER no BEFORE UPDATE ON playlists_items"
-                                      " BEGIN SELECT RAISE(ABORT, 'no'); END")));
+    forbid("UPDATE ON playlists_items");
     EXPECT_EQ(QStringLiteral("BEGIN; ROLLBACK;"), frame([&] { database().moveItem(pl, 0, 2); }));
     EXPECT_EQ(QStringLiteral("BEGIN IMMEDIATE; ROLLBACK;"), frame([&] {
                   database().reorderItems(pl, 0, {2, 0, 3, 1}, 1);
@@ -140,8 +139,7 @@ TEST_F(TransactionTest, foreignKeysAreSuspendedForTheCleanUpOnly) {
 
 TEST_F(TransactionTest, foreignKeysComeBackAfterAFailedCleanUp) {
     const PlayListRecord pl = playListOf("abcd");
-    ASSERT_TRUE(rawRun(QStringLiteral("CREATE TRIGGER no BEFORE DELETE ON items"
-                                      " BEGIN SELECT RAISE(ABORT, 'no'); END")));
+    forbid("DELETE ON items");
     EXPECT_EQ(-1, database().removeItems(pl, {1}));
     expectInvariants();
     EXPECT_FALSE(database().deletePlayList(pl));
@@ -186,7 +184,7 @@ TEST_F(TransactionTest, manyAddedAtOnceAreWhatTheyAreAddedAFewAtATime) {
     }
     EXPECT_EQ(3 * Many + 3, record(atOnce.uid).size);
     const auto rows = [this](int uid) {
-        return rawTexts(
+        return query(
             QStringLiteral("SELECT quote(sequenceNumber) || quote(title) || quote(artist) ||"
                            " quote(album) || quote(url) || quote(serviceId) || quote(orvoRoles)"
                            " FROM playlists_items JOIN items ON item = uid WHERE playlist = %1"
@@ -199,11 +197,9 @@ TEST_F(TransactionTest, manyAddedAtOnceAreWhatTheyAreAddedAFewAtATime) {
 
 TEST_F(TransactionTest, manyThatFailHalfwayLeaveNothingAndForeignKeysOn) {
     const PlayListRecord pl = playListOf("abc");
-    ASSERT_TRUE(rawRun(QStringLiteral(
-        "CREATE TRIGGER no BEFORE INSERT ON playlists_items WHEN new.sequenceNumber = 60"
-        " BEGIN SELECT RAISE(ABORT, 'no'); END")));
+    forbid("INSERT ON playlists_items WHEN new.sequenceNumber = 60");
     EXPECT_EQ(-1, database().addItems(pl, OrvoPlayListAddPosition::Append, items(Many), nullptr));
-    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    EXPECT_EQ(QStringLiteral("a b c"), stored(pl.uid));
     expectInvariants();
 }
 
@@ -251,12 +247,12 @@ TEST_F(TransactionTest, theConnectionsMutexIsFreeBetweenTwoCalls) {
 
 TEST_F(TransactionTest, manyAreNotAddedToAListThatIsGone) {
     const PlayListRecord pl = playListOf("abc");
-    ASSERT_TRUE(rawRun(QStringLiteral("DELETE FROM playlists WHERE uid = %1").arg(pl.uid)));
-    ASSERT_TRUE(rawRun(QStringLiteral("DELETE FROM items")));
+    run(QStringLiteral("DELETE FROM playlists WHERE uid = %1").arg(pl.uid));
+    run(QStringLiteral("DELETE FROM items"));
     LogCapture log(QStringLiteral("PlayLists"));
     EXPECT_EQ(-1, database().addItems(pl, OrvoPlayListAddPosition::Append, items(Many), nullptr));
     EXPECT_TRUE(log.errors().contains(QStringLiteral("Error inserting item into playlist DB")));
-    EXPECT_EQ(0, rawInt(QStringLiteral("SELECT COUNT(*) FROM items")));
+    EXPECT_EQ(0, queryInt(QStringLiteral("SELECT COUNT(*) FROM items")));
     expectInvariants();
 }
 
@@ -264,7 +260,7 @@ TEST_F(TransactionTest, manyAreNotAddedToAListThatIsGone) {
 
 TEST_F(TransactionTest, withoutALockNothingIsAddedOrRemoved) {
     const PlayListRecord pl = playListOf("abc");
-    ASSERT_TRUE(rawRun(QStringLiteral("BEGIN IMMEDIATE")));
+    run(QStringLiteral("BEGIN IMMEDIATE"));
     {
         LogCapture log(QStringLiteral("PlayLists"));
         StatementTrace trace(database());
@@ -279,8 +275,8 @@ TEST_F(TransactionTest, withoutALockNothingIsAddedOrRemoved) {
         EXPECT_EQ(QStringList(QStringLiteral("Error removing items from list")), log.errors());
         EXPECT_EQ(QStringList(QStringLiteral("BEGIN IMMEDIATE;")), trace.texts());
     }
-    ASSERT_TRUE(rawRun(QStringLiteral("ROLLBACK")));
-    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    run(QStringLiteral("ROLLBACK"));
+    EXPECT_EQ(QStringLiteral("a b c"), stored(pl.uid));
     expectInvariants();
 }
 
@@ -305,7 +301,7 @@ TEST_F(TransactionTest, withinAnotherTransactionOperationsFailAndLeaveItOpen) {
               trace.texts().filter(QRegularExpression(QStringLiteral("^(?!BEGIN)"))));
     store.commitTransaction();
     EXPECT_EQ(QStringLiteral("inside"), record(inside.uid).name);
-    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    EXPECT_EQ(QStringLiteral("a b c"), stored(pl.uid));
     expectInvariants();
 }
 
@@ -314,7 +310,8 @@ TEST_F(TransactionTest, withinAnotherTransactionOperationsFailAndLeaveItOpen) {
 TEST_F(TransactionTest, commitIsTriedUntilTheReaderLetsGo) {
     const PlayListRecord pl = playListOf("abc");
     sqlite3_stmt* reader = nullptr;
-    ASSERT_EQ(SQLITE_OK, sqlite3_prepare_v2(raw(), "SELECT uid FROM items", -1, &reader, nullptr));
+    ASSERT_EQ(SQLITE_OK,
+              sqlite3_prepare_v2(connection(), "SELECT uid FROM items", -1, &reader, nullptr));
     ASSERT_EQ(SQLITE_ROW, sqlite3_step(reader));
     int commits = 0;
     LogCapture log(QStringLiteral("PlayLists"));
@@ -326,7 +323,7 @@ TEST_F(TransactionTest, commitIsTriedUntilTheReaderLetsGo) {
     sqlite3_finalize(reader);
     EXPECT_EQ(5, commits);
     EXPECT_EQ(QStringList(), log.errors());
-    EXPECT_EQ(QStringLiteral("b c a"), titles(pl.uid));
+    EXPECT_EQ(QStringLiteral("b c a"), stored(pl.uid));
     expectInvariants();
 }
 
@@ -349,7 +346,7 @@ TEST_F(TransactionTest, aCommitIsTriedAgainWhateverStoodInItsWay) {
     // A refused commit is not a busy one, and SQLite has undone everything by the second.
     EXPECT_EQ(2, trace.texts().count(QStringLiteral("COMMIT;")));
     EXPECT_EQ(QStringList(QStringLiteral("Commit transaction failed")), log.errors());
-    EXPECT_EQ(QStringLiteral("a b c"), titles(pl.uid));
+    EXPECT_EQ(QStringLiteral("a b c"), stored(pl.uid));
     sqlite3_commit_hook(StoreProbe::connection(database()), nullptr, nullptr);
     expectInvariants();
 }

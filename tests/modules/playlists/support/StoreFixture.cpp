@@ -73,7 +73,7 @@ StoreFixture::~StoreFixture() {
 }
 
 void StoreFixture::TearDown() {
-    closeRaw();
+    disconnect();
     close();
     if (HasFailure()) {
         m_folder.setAutoRemove(false);
@@ -145,90 +145,10 @@ PlayListRecord StoreFixture::record(int uid) {
     return found == all.end() ? PlayListRecord() : *found;
 }
 
-QString StoreFixture::titles(int playlistUid) {
-    return rawTexts(
-               QStringLiteral(
-                   "SELECT title FROM playlists_items JOIN items ON item = uid WHERE playlist = %1"
-                   " ORDER BY sequenceNumber")
-                   .arg(playlistUid))
-        .join(QLatin1Char(' '));
-}
-
 void StoreFixture::expectInvariants() {
     Database& store = database();
     EXPECT_EQ(QStringList(), StoreProbe::busyTexts(store)) << "statements left active";
     EXPECT_TRUE(sqlite3_get_autocommit(StoreProbe::connection(store))) << "a transaction left open";
     EXPECT_TRUE(StoreProbe::foreignKeysOn(StoreProbe::connection(store)));
-    EXPECT_EQ(QStringList(),
-              rawTexts(QStringLiteral(
-                  "SELECT 'playlist ' || playlist || ': ' || COUNT(*) || ' entries numbered ' ||"
-                  " MIN(sequenceNumber) || ' to ' || MAX(sequenceNumber) FROM playlists_items"
-                  " GROUP BY playlist HAVING MIN(sequenceNumber) <> 0"
-                  " OR MAX(sequenceNumber) <> COUNT(*) - 1")))
-        << "numbers that are not dense";
-    EXPECT_EQ(QStringList(), rawTexts(QStringLiteral(
-                                 "SELECT title FROM items LEFT JOIN playlists_items ON item = uid"
-                                 " GROUP BY uid HAVING COUNT(item) <> 1")))
-        << "items that do not have exactly one entry";
-    EXPECT_EQ(1, rawInt(QStringLiteral("SELECT COUNT(*) FROM playlists WHERE uid = 0")));
-    EXPECT_EQ(QStringList(QStringLiteral("ok")),
-              rawTexts(QStringLiteral("PRAGMA integrity_check")));
-    EXPECT_EQ(QStringList(), rawTexts(QStringLiteral("PRAGMA foreign_key_check")));
-}
-
-sqlite3* StoreFixture::raw() {
-    if (!m_raw) {
-        EXPECT_EQ(SQLITE_OK, sqlite3_open(File, &m_raw));
-        // As the store has it: a raw deletion must not leave what the store could never leave.
-        sqlite3_exec(m_raw, "PRAGMA foreign_keys=1; PRAGMA synchronous=OFF;", nullptr, nullptr,
-                     nullptr);
-    }
-    return m_raw;
-}
-
-void StoreFixture::closeRaw() {
-    sqlite3_close(m_raw);
-    m_raw = nullptr;
-}
-
-bool StoreFixture::rawRun(const QString& sql) {
-    return sqlite3_exec(raw(), sql.toUtf8().constData(), nullptr, nullptr, nullptr) == SQLITE_OK;
-}
-
-int StoreFixture::rawInt(const QString& sql) {
-    const QStringList texts = rawTexts(sql);
-    EXPECT_EQ(1, texts.size()) << sql.toStdString();
-    return texts.value(0, QStringLiteral("-999")).toInt();
-}
-
-QStringList StoreFixture::rawTexts(const QString& sql) {
-    QStringList texts;
-    sqlite3_stmt* statement = nullptr;
-    const int prepared =
-        sqlite3_prepare_v2(raw(), sql.toUtf8().constData(), -1, &statement, nullptr);
-    EXPECT_EQ(SQLITE_OK, prepared) << sql.toStdString();
-    int code = SQLITE_OK;
-    while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
-        texts.append(
-            QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement, 0)),
-                              sqlite3_column_bytes(statement, 0)));
-    }
-    EXPECT_EQ(SQLITE_DONE, code) << sql.toStdString();
-    sqlite3_finalize(statement);
-    return texts;
-}
-
-void PrintTo(const QString& text, std::ostream* out) {
-    *out << '"' << text.toStdString() << '"';
-}
-
-void PrintTo(const QStringList& texts, std::ostream* out) {
-    *out << '[' << texts.join(QStringLiteral(" | ")).toStdString() << ']';
-}
-
-void PrintTo(const QList<int>& numbers, std::ostream* out) {
-    *out << '[';
-    for (int number : numbers)
-        *out << ' ' << number;
-    *out << " ]";
+    EXPECT_EQ(QStringList(), brokenRules());
 }

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <memory>
-#include <ostream>
 
 #include <QList>
 #include <QString>
@@ -10,9 +9,9 @@
 #include <QTemporaryDir>
 
 #include "Database.h"
+#include "Printing.h"
+#include "StoreFile.h"
 #include "TestApp.h"
-
-struct sqlite3;
 
 // The tests' look behind the store.
 class StoreProbe {
@@ -31,10 +30,7 @@ public:
 };
 
 // A real store in a temporary folder; see README.md.
-class StoreFixture : public ::testing::Test {
-public:
-    static constexpr const char* File = "data-rw/playlists/playlists.sqlite";
-
+class StoreFixture : public ::testing::Test, public StoreFile {
 protected:
     StoreFixture();
     ~StoreFixture() override;
@@ -56,26 +52,11 @@ protected:
     PlayListRecord playListOf(const char* titles);
     // The record as the store has it now; uid -1 when there is none.
     PlayListRecord record(int uid);
-    // "a b c": the titles of all entries in order.
-    QString titles(int playlistUid);
 
     void expectInvariants();
-
-    // Past the store, through a second connection.
-    bool rawRun(const QString& sql);
-    int rawInt(const QString& sql);
-    QStringList rawTexts(const QString& sql);
-    sqlite3* raw();
-    void closeRaw();
 
 private:
     QString m_oldFolder;
     QTemporaryDir m_folder;
     std::unique_ptr<Database> m_database;
-    sqlite3* m_raw = nullptr;
 };
-
-// Qt values in test messages.
-void PrintTo(const QString& text, std::ostream* out);
-void PrintTo(const QStringList& texts, std::ostream* out);
-void PrintTo(const QList<int>& numbers, std::ostream* out);

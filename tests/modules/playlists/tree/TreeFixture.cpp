@@ -1,6 +1,5 @@
 #include "TreeFixture.h"
 
-#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -63,11 +62,6 @@ QJsonObject Expected::entry(const QString& title, const QString& path) {
             {"type", 101},
             {"value", QJsonObject{{"string", ""}}},
             {"modifiable", true}};
-}
-
-void turnEventLoop() {
-    QCoreApplication::processEvents();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 namespace {

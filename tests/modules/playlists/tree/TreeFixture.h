@@ -7,7 +7,6 @@
 #include "Database.h"
 #include "ModuleFixture.h"
 #include "PlayListManager.h"
-#include "Printing.h"
 
 // A row, or other roles, as JSON text: equal when every role is. See README.md for titles.
 class RowText : public QString {
@@ -27,9 +26,6 @@ QJsonObject header(const QString& title);
 // A text to be entered.
 QJsonObject entry(const QString& title, const QString& path);
 } // namespace Expected
-
-// Runs what was left for the next turn of the event loop.
-void turnEventLoop();
 
 // The rows of a reply, one object each.
 QList<RowText> rowTexts(const OrvoRowsRoles& reply);

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "PlayListPlayLogic.h"
+
+// The tests' look at what the play logic keeps to itself; a test may lay it out by hand.
+class PlayLogicProbe {
+public:
+    explicit PlayLogicProbe(PlayListPlayLogic* logic) : m(logic) {}
+
+    PlayListManager* manager() { return m->m_manager; }
+    PlayListBase* current() { return m->m_currentPlayList; }
+    bool& shuffle() { return m->m_shuffleEnabled; }
+    PlayListPlayLogic::RepeatMode& repeat() { return m->m_repeatMode; }
+    QVector<int>& order() { return m->m_shuffleSeq; }
+    int& cursor() { return m->m_shuffleCurIndex; }
+    OrvoRoles& currentTrackRoles() { return m->m_currentTrackRoles; }
+    int& errorCount() { return m->m_errorCount; }
+    bool& nextMediaPrepared() { return m->m_nextMediaPrepared; }
+
+private:
+    PlayListPlayLogic* m;
+};
