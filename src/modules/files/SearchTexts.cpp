@@ -2,11 +2,37 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace {
 
 // Longer rows of parts are dates and numbers: a person who types them keeps their punctuation.
 constexpr int MaxJoinedParts = 4;
+
+// Letters that are no others with an accent, as people type them who have them not on their keys.
+struct TypedRow {
+    char16_t letter;
+    const char* typed;
+};
+constexpr TypedRow TypedLetters[] = {{u'æ', "ae"}, {u'đ', "d"},  {u'ð', "d"}, {u'ł', "l"},
+                                     {u'ø', "o"},  {u'œ', "oe"}, {u'þ', "th"}};
+
+QString typedText(const QString& folded) {
+    QString typed;
+    typed.reserve(folded.size());
+    for (const QChar each : folded) {
+        const auto row =
+            each.unicode() < 0x80
+                ? std::end(TypedLetters)
+                : std::find_if(std::begin(TypedLetters), std::end(TypedLetters),
+                               [each](const TypedRow& known) { return each == known.letter; });
+        if (row == std::end(TypedLetters))
+            typed += each;
+        else
+            typed += QLatin1String(row->typed);
+    }
+    return typed;
+}
 
 // Letters, digits and blanks, the rest as line feeds.
 QString foldedText(const QString& text) {
@@ -20,7 +46,7 @@ QString foldedText(const QString& text) {
             folded += QLatin1Char('\n');
     }
     // By way of upper case, where "ß" is "SS".
-    return folded.toUpper().toCaseFolded();
+    return typedText(folded.toUpper().toCaseFolded());
 }
 
 QStringList foldedWords(const QString& text, bool withWhole) {

@@ -8,6 +8,8 @@ namespace {
 
 TEST(SearchTextsTest, wordsAreWithoutCaseAccentsAndPunctuation) {
     EXPECT_EQ(SearchTexts::words("Björk – Jóga (live!)"), (QStringList{"bjork", "joga", "live"}));
+    EXPECT_EQ(SearchTexts::words("Søren Łukasz Ægir Œuvre Þór Đorđe Straße"),
+              (QStringList{"soren", "lukasz", "aegir", "oeuvre", "thor", "dorde", "strasse"}));
     EXPECT_EQ(SearchTexts::words("AC/DC don't"),
               (QStringList{"ac", "dc", "acdc", "don", "t", "dont"}));
     EXPECT_EQ(SearchTexts::typedWords("AC/DC"), (QStringList{"ac", "dc"}));
