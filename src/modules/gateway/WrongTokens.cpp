@@ -4,6 +4,9 @@
 
 namespace {
 
+constexpr qint64 NsPerMs = 1000 * 1000;
+constexpr qint64 NsPerSecond = 1000 * NsPerMs;
+
 log4cplus::Logger& logger() {
     static log4cplus::Logger instance = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Gateway"));
     return instance;
@@ -16,7 +19,12 @@ WrongTokens::WrongTokens(const Limits& limits) : m_limits(limits) {
 }
 
 bool WrongTokens::isOver(const Window& window) const {
-    return m_clock.elapsed() - window.since >= m_limits.windowMs;
+    return leftNs(window) <= 0;
+}
+
+// Of the window's time. In nanoseconds, so that of many addresses it is told whose began first.
+qint64 WrongTokens::leftNs(const Window& window) const {
+    return window.since + m_limits.windowMs * NsPerMs - m_clock.nsecsElapsed();
 }
 
 void WrongTokens::note(const IpAddress& address) {
@@ -24,7 +32,7 @@ void WrongTokens::note(const IpAddress& address) {
         makePlace();
     Window& window = m_windows[address];
     if (window.count == 0 || isOver(window))
-        window = {m_clock.elapsed(), 0};
+        window = {m_clock.nsecsElapsed(), 0};
     ++window.count;
     log(address, window.count);
 }
@@ -33,8 +41,7 @@ int WrongTokens::blockedSeconds(const IpAddress& address) const {
     const auto window = m_windows.find(address);
     if (window == m_windows.end() || window->count < m_limits.attempts || isOver(*window))
         return 0;
-    const qint64 left = window->since + m_limits.windowMs - m_clock.elapsed();
-    return int((left + 999) / 1000);
+    return int((leftNs(*window) + NsPerSecond - 1) / NsPerSecond);
 }
 
 void WrongTokens::makePlace() {
@@ -53,7 +60,7 @@ void WrongTokens::log(const IpAddress& address, int count) {
         if (m_logged.count > MaxLogged)
             LOG4CPLUS_WARN(logger(),
                            m_logged.count - MaxLogged << " more wrong tokens were not logged");
-        m_logged = {m_clock.elapsed(), 0};
+        m_logged = {m_clock.nsecsElapsed(), 0};
     }
     if (++m_logged.count > MaxLogged)
         return;

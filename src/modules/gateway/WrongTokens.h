@@ -28,10 +28,11 @@ public:
 
 private:
     struct Window {
-        qint64 since = 0;
+        qint64 since = 0; // in nanoseconds of the clock
         int count = 0;
     };
     bool isOver(const Window& window) const;
+    qint64 leftNs(const Window& window) const;
     void makePlace();
     void log(const IpAddress& address, int count);
 
