@@ -269,8 +269,7 @@ story('texts of every kind are searched for as they are', async ({ device, open,
   await me.row('side', 'Folders').waitFor(); // that is no text
 });
 
-story('an older answer never replaces a newer one', async ({ open, allow }) => {
-  allow(/ERR_ABORTED/); // the page does not wait for it any more
+story('an older answer never replaces a newer one', async ({ open }) => {
   const me = await open();
   await me.toMusic();
   let release;
@@ -298,7 +297,6 @@ story('an older answer never replaces a newer one', async ({ open, allow }) => {
 });
 
 story('on a slow line what is typed quickly is found after one more round trip', async ({ open, lay, allow }) => {
-  allow(/ERR_ABORTED/);
   allow(/Service Worker registration blocked/);
   const wire = await lay();
   const me = await open({ at: wire.url, serviceWorkers: 'block' }); // which would fetch the page's own files meanwhile

@@ -33,6 +33,8 @@ before(async () => {
 });
 after(() => theBrowser?.close());
 
+const isSearch = (request) => (new URL(request.url()).searchParams.get('path') ?? '').startsWith('files:search');
+
 class Window {
   constructor(device, size) {
     this.device = device;
@@ -51,10 +53,11 @@ class Window {
     this.page.on('pageerror', (error) => note(`exception: ${error.stack}`));
     this.page.on('response', (response) => response.status() >= 400 && note(`status ${response.status()}: ${response.url()}`));
     this.page.on('requestfailed', (request) => {
-      // Closing a stream is how the page ends it; a picture is given up when its row shows another one, and
-      // everything under way when a story loads the page again.
+      // Closing a stream is how the page ends it; a picture is given up when its row shows another one, a search when
+      // another text is searched for, and everything under way when a story loads the page again.
       const { errorText } = request.failure() ?? {};
-      const givenUp = errorText === 'net::ERR_ABORTED' && (this.isReloading || request.resourceType() === 'image');
+      const canBeGivenUp = this.isReloading || request.resourceType() === 'image' || isSearch(request);
+      const givenUp = errorText === 'net::ERR_ABORTED' && canBeGivenUp;
       if (!givenUp && !request.url().includes('/api/events')) note(`failed: ${request.url()} ${errorText}`);
     });
     await prepare?.(this.page);
