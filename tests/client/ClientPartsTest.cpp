@@ -1,26 +1,11 @@
 #include <gtest/gtest.h>
 
 #include "Arguments.h"
-#include "ClientFailure.h"
 #include "ClockText.h"
 #include "EventParser.h"
 #include "PathText.h"
 #include "SafeText.h"
-
-namespace {
-
-template <typename Call>
-int statusOf(Call call) {
-    try {
-        call();
-    } catch (const ClientFailure& failure) {
-        EXPECT_FALSE(failure.message.isEmpty());
-        return failure.status;
-    }
-    return 0;
-}
-
-} // namespace
+#include "StatusOf.h"
 
 TEST(SafeText, whatMovesTheCursorOrTurnsTheTextIsShownAsAnEscape) {
     EXPECT_EQ(SafeText::forTerminal(QString::fromUtf8("a\x1b[2Jb\nc\rd\te\x7f")),

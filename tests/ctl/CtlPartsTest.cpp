@@ -2,7 +2,6 @@
 
 #include <QJsonArray>
 
-#include "ClientFailure.h"
 #include "Help.h"
 #include "MusicSources.h"
 #include "Names.h"
@@ -10,24 +9,10 @@
 #include "Positions.h"
 #include "ProgressBar.h"
 #include "ShellLine.h"
+#include "StatusOf.h"
 #include "TextTable.h"
 #include "TrackOrder.h"
 #include "Verbs.h"
-
-namespace {
-
-template <typename Call>
-int statusOf(Call call) {
-    try {
-        call();
-    } catch (const ClientFailure& failure) {
-        EXPECT_FALSE(failure.message.isEmpty());
-        return failure.status;
-    }
-    return 0;
-}
-
-} // namespace
 
 TEST(TextTable, columnsAreAsWideAsTheirWidestCellOnTheScreen) {
     TextTable table({">ID", "NAME", ">N"});
