@@ -6,18 +6,10 @@
 #include <QSignalSpy>
 
 #include "CMRootWorker.h"
+#include "KeepingWorker.h"
 #include "Printing.h"
 
 namespace {
-
-// A module that keeps what reached it until the test answers.
-class KeepingWorker : public CMNodesWorker {
-public:
-    explicit KeepingWorker(const QString& name) : CMNodesWorker({}, name) {}
-    void setDataRequest(const CMSetDataRequest& request) override { requests.append(request); }
-
-    QList<CMSetDataRequest> requests;
-};
 
 class CMRequestGroupTest : public ::testing::Test {
 protected:

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QSignalSpy>
 
 #include "CMRootWorker.h"
+#include "EventLoop.h"
 #include "TestApp.h"
 #include "TestPlayLogic.h"
 
@@ -11,10 +11,10 @@ namespace {
 
 using Kind = PlayLogicCommand::Kind;
 
-class RecordingPlayer : public PlayerCommands {
+class CommandLog : public PlayerCommands {
 public:
-    RecordingPlayer() { PlayLogicInterface::playerInstance()->setPlayer(this); }
-    ~RecordingPlayer() override { PlayLogicInterface::playerInstance()->setPlayer(nullptr); }
+    CommandLog() { PlayLogicInterface::playerInstance()->setPlayer(this); }
+    ~CommandLog() override { PlayLogicInterface::playerInstance()->setPlayer(nullptr); }
     void carryOut(const PlayLogicCommand& command) override { commands.append(command); }
 
     QList<Kind> kinds() const {
@@ -45,10 +45,9 @@ protected:
         CMRoot()->invoke(logic.path(), args.toVariant(), reply);
         return reply;
     }
-    static void settle() { QCoreApplication::processEvents(); }
 
     CMRootWorker root;
-    RecordingPlayer player;
+    CommandLog player;
     CMNodesWorker worker{{}, QStringLiteral("Source")};
     TestPlayLogic logic{worker.nodes(), CMPath(QStringLiteral("source:playlogic"))};
 };
@@ -290,16 +289,16 @@ TEST_F(StreamerPlayLogicTest, aModePublishedByTheWayBecomesAQueuedRequest) {
     logic.setPlayMode(OrvoPlayerPlayMode::Shuffle);
     EXPECT_EQ(spy.count(), 1);
     EXPECT_TRUE(logic.calls.isEmpty()) << "not before the event loop";
-    settle();
+    turnEventLoop();
     EXPECT_EQ(logic.calls, QStringList{"mode:shuffle"});
-    settle();
+    turnEventLoop();
     EXPECT_EQ(logic.calls.size(), 1) << "the request does not breed another one";
     EXPECT_EQ(spy.count(), 1);
 }
 
 TEST_F(StreamerPlayLogicTest, aModeSetWithinAPlayOrModeRequestStaysThere) {
     mode(logic, OrvoPlayerPlayMode::RepeatAll);
-    settle();
+    turnEventLoop();
     EXPECT_EQ(logic.calls, QStringList{"mode:repeatAll"});
 
     class ModalLogic : public TestPlayLogic {
@@ -314,7 +313,7 @@ TEST_F(StreamerPlayLogicTest, aModeSetWithinAPlayOrModeRequestStaysThere) {
     OrvoPlayLogicRequest args;
     args.setKind(OrvoPlayLogicRequestKind::Play);
     CMRoot()->invoke(modal.path(), args.toVariant(), {});
-    settle();
+    turnEventLoop();
     EXPECT_EQ(modal.calls, QStringList{"play"});
     EXPECT_EQ(modal.playMode(), OrvoPlayerPlayMode::ShuffleRepeatAll);
 }
@@ -322,26 +321,26 @@ TEST_F(StreamerPlayLogicTest, aModeSetWithinAPlayOrModeRequestStaysThere) {
 TEST_F(StreamerPlayLogicTest, aQueuedModeIsDroppedWhenSomethingNewerDecided) {
     logic.setPlayMode(OrvoPlayerPlayMode::Shuffle);
     mode(logic, OrvoPlayerPlayMode::RepeatAll);
-    settle();
+    turnEventLoop();
     EXPECT_EQ(logic.calls, QStringList{"mode:repeatAll"});
 
     logic.calls.clear();
     logic.setPlayMode(OrvoPlayerPlayMode::Shuffle);
     request(OrvoPlayLogicRequestKind::Play);
-    settle();
+    turnEventLoop();
     EXPECT_EQ(logic.calls, QStringList{"play"}) << "the new list has a mode of its own";
 
     logic.calls.clear();
     logic.setPlayMode(OrvoPlayerPlayMode::Normal);
     logic.setPlayMode(OrvoPlayerPlayMode::RepeatAll);
-    settle();
+    turnEventLoop();
     EXPECT_EQ(logic.calls, QStringList{"mode:repeatAll"}) << "of two, the last one";
 }
 
 TEST_F(StreamerPlayLogicTest, theModeThatHoldsAlreadyTellsNobody) {
     const QSignalSpy spy(&logic, &PlayLogicBase::playModeChanged);
     logic.setPlayMode(OrvoPlayerPlayMode::Normal);
-    settle();
+    turnEventLoop();
     EXPECT_EQ(spy.count(), 0);
     EXPECT_TRUE(logic.calls.isEmpty());
 }
@@ -351,7 +350,7 @@ TEST_F(StreamerPlayLogicTest, aDestroyedPlayLogicLeavesNothingBehind) {
         TestPlayLogic gone(worker.nodes(), CMPath(QStringLiteral("source:gone")));
         gone.setPlayMode(OrvoPlayerPlayMode::Shuffle);
     }
-    settle();
+    turnEventLoop();
     EXPECT_EQ(worker.nodes()->find(CMPath(QStringLiteral("source:gone"))), nullptr);
 }
 
