@@ -18,7 +18,7 @@ CtlRun CtlFixture::runProgram(const QStringList& words, const QByteArray& input)
     QEventLoop loop;
     QObject::connect(&program, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &loop,
                      &QEventLoop::quit);
-    QTimer::singleShot(HttpClient::PatienceMs, &loop, &QEventLoop::quit);
+    QTimer::singleShot(PatienceMs, &loop, &QEventLoop::quit);
     program.start(QStringLiteral(ORVOCTL), words);
     program.write(input);
     program.closeWriteChannel();

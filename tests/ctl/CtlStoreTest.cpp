@@ -1,4 +1,3 @@
-#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include <QDir>
@@ -126,7 +125,8 @@ TEST_F(CtlStore, eachBrokenRuleIsAFindingWithAnAdvice) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.damage);
         write(whole);
-        device.query(row.damage);
+        // Foreign keys off: the rows that they refuse are damage, too.
+        StoreFile(file).run(QStringLiteral("PRAGMA foreign_keys=0;") + row.damage);
         const Device::Ctl result = check();
         EXPECT_EQ(result.status, 1) << qPrintable(result.out);
         EXPECT_TRUE(result.out.contains(row.finding)) << qPrintable(result.out);
@@ -181,11 +181,7 @@ TEST_F(CtlStore, whatCannotBeReadIsStatusTwo) {
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "orvoctl: cannot read " + folder.path() +
                               ": it is a folder without data-rw/playlists/playlists.sqlite\n");
-    sqlite3* other = nullptr;
-    ASSERT_EQ(sqlite3_open(file.toUtf8(), &other), SQLITE_OK);
-    sqlite3_exec(other, "PRAGMA page_size=1024; CREATE TABLE bookmarks (id)", nullptr, nullptr,
-                 nullptr);
-    sqlite3_close(other);
+    StoreFile(file).run("PRAGMA page_size=1024; CREATE TABLE bookmarks (id)");
     result = check();
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err,
@@ -214,19 +210,15 @@ TEST_F(CtlStore, anEditThatWasCutOffIsLeftOutAndTheFileNotTouched) {
     // A writer that has spilled half of its transaction into the file is killed: what it left is
     // kept as a copy, and the writer ends in order.
     const QByteArray whole = contents(file);
-    sqlite3* writer = nullptr;
-    ASSERT_EQ(sqlite3_open(file.toUtf8(), &writer), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(writer,
-                           "PRAGMA cache_size=1; PRAGMA cache_spill=1; BEGIN;"
-                           "UPDATE playlists SET name = 'half';"
-                           "UPDATE items SET title = printf('%.3000c', 'x');"
-                           "UPDATE items SET album = printf('%.9000c', 'x')",
-                           nullptr, nullptr, nullptr),
-              SQLITE_OK);
+    StoreFile writer(file);
+    writer.run("PRAGMA cache_size=1; PRAGMA cache_spill=1; BEGIN;"
+               "UPDATE playlists SET name = 'half';"
+               "UPDATE items SET title = printf('%.3000c', 'x');"
+               "UPDATE items SET album = printf('%.9000c', 'x')");
     const QByteArray half = contents(file);
     const QByteArray journal = contents(file + "-journal");
-    sqlite3_exec(writer, "ROLLBACK", nullptr, nullptr, nullptr);
-    sqlite3_close(writer);
+    writer.run("ROLLBACK");
+    writer.disconnect();
     ASSERT_TRUE(half != whole);
     write(half);
     QFile out(file + "-journal");

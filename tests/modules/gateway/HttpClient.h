@@ -5,6 +5,8 @@
 #include <QJsonObject>
 #include <QTcpSocket>
 
+#include "EventLoop.h"
+
 // One answer as it came over the wire. `status` 0: there was none.
 struct HttpAnswer {
     int status = 0;
@@ -21,8 +23,6 @@ struct HttpAnswer {
 // live in this process.
 class HttpClient {
 public:
-    static constexpr int PatienceMs = 30000;
-
     explicit HttpClient(quint16 port);
 
     HttpAnswer get(const QByteArray& target) { return send("GET", target); }

@@ -1,4 +1,3 @@
-#include <sqlite3.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 
@@ -40,10 +39,7 @@ protected:
     }
     void run(const char* sql) {
         QDir().mkpath(folder());
-        sqlite3* connection = nullptr;
-        ASSERT_EQ(sqlite3_open(device.databaseFile().toUtf8(), &connection), SQLITE_OK);
-        EXPECT_EQ(sqlite3_exec(connection, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sql;
-        sqlite3_close(connection);
+        StoreFile(device.databaseFile()).run(sql);
     }
 
     // `reason` is the module's own line at fatal level.

@@ -1,38 +1,20 @@
 #include "Device.h"
 
 #include <csignal>
-#include <sqlite3.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 
-#include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
-#include <QThread>
 
 #include "SoundFiles.h"
 
 namespace {
-constexpr int PatienceMs = 30000;
 constexpr int EndPatienceMs = 10000;
 
 QByteArray fileText(const QString& name) {
     QFile file(name);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-template <typename Condition>
-bool waitFor(Condition condition) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (timer.elapsed() > PatienceMs)
-            return false;
-        QCoreApplication::processEvents();
-        QThread::msleep(10);
-    }
-    return true;
 }
 } // namespace
 
@@ -99,7 +81,7 @@ bool Device::launch() {
 
 bool Device::waitUntilReady() {
     QByteArray output;
-    const bool ready = waitFor([&] {
+    const bool ready = waitUntil([&] {
         output += m_process.readAllStandardOutput();
         return output.contains("orvo-host is ready") || m_process.state() == QProcess::NotRunning;
     });
@@ -113,7 +95,7 @@ bool Device::waitUntilReady() {
 }
 
 bool Device::waitForLog(const QString& text, int times) {
-    return waitFor([&] { return log().count(text) >= times; });
+    return waitUntil([&] { return log().count(text) >= times; });
 }
 
 int Device::end() {
@@ -148,7 +130,7 @@ void Device::kill() {
 }
 
 void Device::waitForScan() {
-    const bool scanned = waitFor([this] {
+    const bool scanned = waitUntil([this] {
         return m_client->get("/api/value?path=files:scan")
                    .json()
                    .value("value")
@@ -168,7 +150,7 @@ QString Device::stringValue(const QByteArray& path) {
 }
 
 bool Device::waitForValue(const QByteArray& path, const QString& value) {
-    return waitFor([&] { return stringValue(path) == value; });
+    return waitUntil([&] { return stringValue(path) == value; });
 }
 
 HttpAnswer Device::command(const QByteArray& path, const QByteArray& value) {
@@ -203,29 +185,6 @@ QString Device::log() const {
     return QString::fromUtf8(fileText(m_folder.filePath("device.log")));
 }
 
-QStringList Device::query(const char* sql) const {
-    QStringList rows;
-    sqlite3* connection = nullptr;
-    EXPECT_EQ(sqlite3_open_v2(databaseFile().toUtf8(), &connection, SQLITE_OPEN_READWRITE, nullptr),
-              SQLITE_OK);
-    const auto collect = [](void* into, int count, char** values, char**) {
-        QStringList columns;
-        for (int i = 0; i < count; ++i)
-            columns.append(QString::fromUtf8(values[i]));
-        static_cast<QStringList*>(into)->append(columns.join(QLatin1Char('|')));
-        return 0;
-    };
-    EXPECT_EQ(sqlite3_exec(connection, sql, collect, &rows, nullptr), SQLITE_OK) << sql;
-    sqlite3_close(connection);
-    return rows;
-}
-
 void Device::expectInvariants() const {
-    EXPECT_EQ(query("PRAGMA integrity_check"), QStringList{"ok"});
-    EXPECT_EQ(query("PRAGMA foreign_key_check"), QStringList());
-    EXPECT_EQ(query("SELECT playlist FROM playlists_items GROUP BY playlist"
-                    " HAVING min(sequenceNumber) <> 0 OR max(sequenceNumber) <> count(*) - 1"),
-              QStringList());
-    EXPECT_EQ(query("SELECT uid FROM items WHERE uid NOT IN (SELECT item FROM playlists_items)"),
-              QStringList());
+    EXPECT_EQ(StoreFile(databaseFile()).brokenRules(), QStringList());
 }

@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 
 #include "HttpClient.h"
+#include "StoreFile.h"
 
 // A process as a user without privileges has it: a file that is read-only is read-only for root,
 // too.
@@ -75,9 +76,7 @@ public:
     }
     QString log() const;
 
-    // What every row of a query on the file holds, the columns of a row joined by '|'.
-    QStringList query(const char* sql) const;
-    // Dense numbers, no orphan items, both checks of SQLite.
+    QStringList query(const char* sql) const { return StoreFile(databaseFile()).query(sql); }
     void expectInvariants() const;
 
 private:

@@ -1,5 +1,4 @@
 #include <csignal>
-#include <sqlite3.h>
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -15,27 +14,6 @@ const QByteArray track =
 const QByteArray addOne = R"({"plid":1,"items":[)" + track + "]}";
 
 constexpr int MaxEndMs = 2000;
-
-// Another process that holds the store's file: this one.
-class Holder {
-public:
-    // `sql` takes the lock.
-    Holder(const QString& file, const char* sql) {
-        EXPECT_EQ(sqlite3_open(file.toUtf8(), &m_connection), SQLITE_OK);
-        EXPECT_EQ(sqlite3_exec(m_connection, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sql;
-    }
-    ~Holder() { release(); }
-    Holder(const Holder&) = delete;
-    Holder& operator=(const Holder&) = delete;
-
-    void release() {
-        sqlite3_close(m_connection);
-        m_connection = nullptr;
-    }
-
-private:
-    sqlite3* m_connection = nullptr;
-};
 
 const char* const Reading = "BEGIN; SELECT count(*) FROM items;";
 const char* const Writing = "BEGIN IMMEDIATE;";
@@ -73,6 +51,8 @@ protected:
     }
 
     Device device{{"--audio-sink", "null", "--config", "playlists/startWaitMs=1000"}};
+    // Another process that holds the file: this one. A lock stays until it disconnects.
+    StoreFile other{device.databaseFile()};
     std::unique_ptr<HttpClient> client;
 };
 
@@ -80,10 +60,10 @@ protected:
 
 TEST_F(HeldStore, anAdditionWaitsForAReaderToFinish) {
     startWithParty();
-    Holder reader(device.databaseFile(), Reading);
+    other.run(Reading);
     begin("playlists:pl/addExternalItems", addOne);
     EXPECT_EQ(client->socket().bytesAvailable(), 0) << "it waits";
-    reader.release();
+    other.disconnect();
     EXPECT_EQ(client->readAnswer().status, 200);
     EXPECT_EQ(stored(), QStringList("A"));
     device.expectInvariants();
@@ -104,7 +84,7 @@ TEST_F(HeldStore, aDeviceThatIsToldToEndGivesUpTheCommit) {
                                     " UNION ALL SELECT uid, name, shuffle FROM playlists";
         const QStringList before = device.query(content);
 
-        Holder reader(device.databaseFile(), Reading);
+        other.run(Reading);
         begin(path, plid + R"("to":0,"items":[)" +
                         (QByteArray(path).endsWith("ExternalItems") ? track : QByteArray("1")) +
                         "]}");
@@ -112,7 +92,7 @@ TEST_F(HeldStore, aDeviceThatIsToldToEndGivesUpTheCommit) {
         EXPECT_LT(endMs(&status), MaxEndMs);
         EXPECT_EQ(status, 0) << "an ordinary end";
         EXPECT_TRUE(device.log().contains("ERROR PlayLists - Commit transaction failed\n"));
-        reader.release();
+        other.disconnect();
         EXPECT_EQ(device.query(content), before) << "rolled back";
         device.expectInvariants();
     }
@@ -120,7 +100,7 @@ TEST_F(HeldStore, aDeviceThatIsToldToEndGivesUpTheCommit) {
 
 TEST_F(HeldStore, anEditThatIsGivenUpIsRefusedWithItsOwnText) {
     startWithParty();
-    const Holder reader(device.databaseFile(), Reading);
+    other.run(Reading);
     begin("playlists:pl/addExternalItems", addOne);
     int status = -1;
     EXPECT_LT(endMs(&status), MaxEndMs);
@@ -131,7 +111,7 @@ TEST_F(HeldStore, anEditThatIsGivenUpIsRefusedWithItsOwnText) {
 
 TEST_F(HeldStore, anEditThatGetsNoLockIsRefusedSoon) {
     startWithParty();
-    const Holder writer(device.databaseFile(), Writing);
+    other.run(Writing);
     QElapsedTimer clock;
     clock.start();
     EXPECT_EQ(device.command("playlists:pl/addExternalItems", addOne).errorMessage(),
@@ -150,7 +130,7 @@ TEST_F(HeldStore, aStartThatWaitsInVainSaysSoAndEnds) {
     const QByteArray before = read();
     for (const char* lock : {Reading, Writing, Alone}) {
         SCOPED_TRACE(lock);
-        const Holder holder(device.databaseFile(), lock);
+        other.run(lock);
         const Device::Ctl ending = device.failingStart();
         EXPECT_EQ(ending.status, 1);
         EXPECT_FALSE(ending.out.contains("ready"));
@@ -166,13 +146,14 @@ TEST_F(HeldStore, aStartThatWaitsInVainSaysSoAndEnds) {
                            "holds it\n")
                 .arg(device.databaseFile())))
             << qPrintable(ending.err);
+        other.disconnect();
     }
     EXPECT_TRUE(read() == before) << "the file has changed";
 }
 
 TEST_F(HeldStore, theVeryFirstStartWaitsToo) {
     QDir().mkpath(QFileInfo(device.databaseFile()).path());
-    const Holder holder(device.databaseFile(), Alone);
+    other.run(Alone);
     EXPECT_EQ(device.failingStart().status, 1);
 }
 
@@ -182,10 +163,10 @@ TEST_F(HeldStore, aStartGoesOnWhenTheFileIsLetGo) {
     int starts = 0;
     for (const char* lock : {Reading, Writing, Alone}) {
         SCOPED_TRACE(lock);
-        Holder holder(device.databaseFile(), lock);
+        other.run(lock);
         ASSERT_TRUE(device.launch());
         ASSERT_TRUE(device.waitForLog("waiting for it for up to 1000 ms", ++starts));
-        holder.release();
+        other.disconnect();
         ASSERT_TRUE(device.waitUntilReady());
         EXPECT_EQ(device.titles("playlists:pl/list").last(), "Party");
         device.kill();
@@ -195,7 +176,8 @@ TEST_F(HeldStore, aStartGoesOnWhenTheFileIsLetGo) {
 TEST_F(HeldStore, aStartThatWaitsEndsWhenItIsTold) {
     Device patient;
     QDir().mkpath(QFileInfo(patient.databaseFile()).path());
-    const Holder holder(patient.databaseFile(), Alone);
+    StoreFile held(patient.databaseFile());
+    held.run(Alone);
     ASSERT_TRUE(patient.launch());
     ASSERT_TRUE(patient.waitForLog("waiting for it for up to 10000 ms"));
     QElapsedTimer clock;
