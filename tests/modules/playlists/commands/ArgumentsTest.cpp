@@ -217,20 +217,6 @@ TEST_F(ArgumentsTest, addModes) {
 
 TEST_F(ArgumentsTest, whatIsNoIdNeverReachesAnything) {
     addItems(0, {"q", "r"});
-    const QList<QPair<Path, QVariantHash>> commands = {
-        {OrvoPlayListPlPlayPath, {}},
-        {OrvoPlayListPlClearPath, {}},
-        {OrvoPlayListPlSetNamePath, {{"name", "x"}}},
-        {OrvoPlayListPlSetShufflePath, {{"mode", 1}}},
-        {OrvoPlayListPlSetRepeatPath, {{"mode", 2}}},
-        {OrvoPlayListPlDeletePath, {}},
-        {OrvoPlayListPlRemoveItemsPath, {{"items", QVariantList{0}}}},
-        {OrvoPlayListPlAddItemsPath, {{"fromPlid", 1}}},
-        {OrvoPlayListPlAddExternalItemsPath, {{"items", itemHashes({"d"})}}},
-        {OrvoPlayListPlMoveItemspath, {{"items", QVariantList{0}}, {"to", 1}}},
-        {OrvoPlayListClAddItemPath, {{"clid", 1}}},
-        {OrvoPlayListClRemoveItemPath, {{"clid", 1}}},
-    };
     const QVariantList noIds = {QVariant(),
                                 "",
                                 "abc",
@@ -247,17 +233,22 @@ TEST_F(ArgumentsTest, whatIsNoIdNeverReachesAnything) {
                                 QVariantHash{{"plid", 0}},
                                 1e300};
     FakeModules others;
-    for (const auto& [path, args] : commands) {
-        EXPECT_TRUE(refusal(path(), args).endsWith(" Cannot find playlist with invalid ID."))
-            << qPrintable(path().toString()) << " without an id";
+    int withId = 0;
+    for (const Command& command : commands()) {
+        if (!command.args.contains("plid"))
+            continue;
+        ++withId;
+        const QString invalid = QString(command.prefix) + " Cannot find playlist with invalid ID.";
+        QVariantHash args = command.args;
+        args.remove("plid");
+        EXPECT_EQ(invalid, refusal(command.path(), args)) << command.handler << " without an id";
         for (const QVariant& noId : noIds) {
-            QVariantHash withId = args;
-            withId.insert("plid", noId);
-            EXPECT_TRUE(refusal(path(), withId).endsWith(" Cannot find playlist with invalid ID."))
-                << qPrintable(path().toString()) << ' ' << noId.typeName() << ' '
-                << qPrintable(noId.toString());
+            args.insert("plid", noId);
+            EXPECT_EQ(invalid, refusal(command.path(), args))
+                << command.handler << ' ' << noId.typeName() << ' ' << qPrintable(noId.toString());
         }
     }
+    EXPECT_EQ(13, withId);
     EXPECT_EQ(QString("q r"), stored(0));
     EXPECT_EQ(QString("a b c"), stored(1));
     EXPECT_EQ(QStringList("0/0"),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 
 #include <QRegularExpression>
@@ -11,7 +12,16 @@
 
 using Path = CMPath (*)();
 
-// A command and what comes of it: the text that its caller or the trace has, whole, and its lines
+// A command as the tests know it that say something of every one.
+struct Command {
+    Path path;
+    const char* handler; // its name in the trace
+    const char* prefix;  // the first sentence of its errors, "" where it has none
+    QVariantHash args;   // what it can do to playlist 1 and collection 1 of makeParty()
+    bool takesRevision = false;
+};
+
+// A request and what comes of it: the text that its caller or the trace has, whole, and its lines
 // in the log.
 struct CommandRow {
     const char* what;
@@ -35,6 +45,12 @@ protected:
     // Two playlists and a collection: 1 "Party" with a b c, 2 "Quiet" with none, collection 1 "Box"
     // with 2 in it.
     void makeParty();
+    // All commands of the module. One after the other, those that take a revision leave something
+    // to do for the next.
+    static const QList<Command>& commands();
+    // The handlers of the commands that no row is about.
+    template <typename Row>
+    static QStringList handlersWithout(const QList<Row>& rows);
 
     // The error of a refused command; fails the test when it succeeded or is unanswered.
     QString refusal(const CMPath& path, const QVariant& args);
@@ -57,3 +73,14 @@ protected:
 private:
     sqlite3* open(const QString& name) override;
 };
+
+template <typename Row>
+QStringList CommandFixture::handlersWithout(const QList<Row>& rows) {
+    QStringList handlers;
+    for (const Command& command : commands()) {
+        const auto isAboutIt = [&](const Row& row) { return row.path == command.path; };
+        if (std::none_of(rows.begin(), rows.end(), isAboutIt))
+            handlers.append(command.handler);
+    }
+    return handlers;
+}

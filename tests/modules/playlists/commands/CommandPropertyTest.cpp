@@ -154,16 +154,13 @@ private:
     // An edit that is made for the list as it is, or before that for another state of it, which
     // changes nothing. What takes no revision ignores it.
     QVariantHash withRevision(const CMPath& path, QVariantHash args) {
-        static const QList<CMPath> edits = {
-            OrvoPlayListPlDeletePath(),           OrvoPlayListPlClearPath(),
-            OrvoPlayListPlRemoveItemsPath(),      OrvoPlayListPlMoveItemspath(),
-            OrvoPlayListPlSetOrderPath(),         OrvoPlayListPlAddItemsPath(),
-            OrvoPlayListPlAddExternalItemsPath(),
-        };
         if (!oneIn(3))
             return args;
         const qint64 revision = revisionOf(args.value("plid").toInt());
-        if (edits.contains(path) && oneIn(2)) {
+        const auto takesRevision = [&path](const Command& command) {
+            return command.path() == path && command.takesRevision;
+        };
+        if (std::any_of(commands().begin(), commands().end(), takesRevision) && oneIn(2)) {
             args.insert("revision", revision - 1 - below(3));
             const Answer answer = sent(path, args);
             EXPECT_EQ("Conflict", answer.error.name()) << qPrintable(path.toString());

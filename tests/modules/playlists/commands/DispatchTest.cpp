@@ -9,21 +9,6 @@
 
 namespace {
 
-const QList<CMPath (*)()>& commandPaths() {
-    static const QList<CMPath (*)()> all = {
-        OrvoPlayListPlPrepareItemsPath,     OrvoPlayListPlPlayPath,
-        OrvoPlayListPlCreatePath,           OrvoPlayListPlClearPath,
-        OrvoPlayListPlSetNamePath,          OrvoPlayListPlSetShufflePath,
-        OrvoPlayListPlSetRepeatPath,        OrvoPlayListPlDeletePath,
-        OrvoPlayListPlRemoveItemsPath,      OrvoPlayListPlAddItemsPath,
-        OrvoPlayListPlAddExternalItemsPath, OrvoPlayListPlMoveItemspath,
-        OrvoPlayListClCreatePath,           OrvoPlayListClAddItemPath,
-        OrvoPlayListClRemoveItemPath,       OrvoPlayListClDeletePath,
-        OrvoPlayListPlSetOrderPath,
-    };
-    return all;
-}
-
 // The controller alone over a real store, to see what it leaves unanswered.
 class DispatchTest : public CommandFixture {
 protected:
@@ -43,8 +28,9 @@ protected:
 };
 
 TEST_F(DispatchTest, seventeenPathsAreCommandsAndAnswerEvenToNothing) {
-    ASSERT_EQ(17, commandPaths().size());
-    for (const auto path : commandPaths()) {
+    ASSERT_EQ(17, commands().size());
+    for (const Command& command : commands()) {
+        const Path path = command.path;
         for (const QVariant& value :
              {QVariant(), QVariant("text"), QVariant(5), QVariant(QVariantList{1, "x"}),
               QVariant(QVariantHash{
@@ -62,13 +48,13 @@ TEST_F(DispatchTest, seventeenPathsAreCommandsAndAnswerEvenToNothing) {
 }
 
 TEST_F(DispatchTest, everyOtherPathIsLeftUnanswered) {
-    QStringList commands;
-    for (const auto path : commandPaths())
-        commands.append(path().toString());
-    ASSERT_EQ(17, QSet<QString>(commands.begin(), commands.end()).size());
+    QSet<QString> paths;
+    for (const Command& command : commands())
+        paths.insert(command.path().toString());
+    ASSERT_EQ(commands().size(), paths.size());
     int others = 0;
     for (const OrvoPathRow& row : orvoPlayListPaths()) {
-        if (commands.contains(row.path))
+        if (paths.contains(row.path))
             continue;
         ++others;
         const Handled handled =
@@ -76,19 +62,19 @@ TEST_F(DispatchTest, everyOtherPathIsLeftUnanswered) {
         EXPECT_FALSE(handled.accepted) << row.function;
         EXPECT_FALSE(handled.reply.isFinished()) << row.function;
     }
-    EXPECT_EQ(orvoPlayListPaths().size() - 17, others);
+    EXPECT_EQ(orvoPlayListPaths().size() - paths.size(), others);
     for (const char* path :
          {"playlists:pl/items/1", "playlists:pl", "playlists:", "files:pl/create", "", "pl/create"})
         EXPECT_FALSE(handle(CMPath(QString(path)), QVariantHash{{"name", "x"}}).accepted) << path;
 }
 
 TEST_F(DispatchTest, aPathIsACommandOnlyWholeAndWithoutParameters) {
-    for (const auto path : commandPaths()) {
-        CMPath withParameter = path();
+    for (const Command& command : commands()) {
+        CMPath withParameter = command.path();
         withParameter.addParam("plid", "1");
         EXPECT_FALSE(handle(withParameter, QVariant()).accepted)
             << qPrintable(withParameter.toString());
-        EXPECT_FALSE(handle(path() + QString("1"), QVariant()).accepted);
+        EXPECT_FALSE(handle(command.path() + QString("1"), QVariant()).accepted);
     }
 }
 

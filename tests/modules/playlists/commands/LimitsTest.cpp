@@ -249,28 +249,21 @@ TEST_F(LimitsTest, aNameHasAtMostFourKibibytes) {
     const QString longest(MaxNameBytes, QLatin1Char('n'));
     const QString longestOfThrees = QString(MaxNameBytes / 3, QChar(0x3042)) + "n";
     ASSERT_EQ(MaxNameBytes, longestOfThrees.toUtf8().size());
-    struct Row {
-        CMPath (*path)();
-        QVariantHash args;
-        QString prefix;
-    };
-    const QList<Row> rows = {
-        {OrvoPlayListPlCreatePath, {}, "Could not create playlist. "},
-        {OrvoPlayListPlSetNamePath, {{"plid", 2}}, "Could not set playlist name. "},
-        {OrvoPlayListClCreatePath, {}, "Could not create collection. "},
-    };
-    for (const Row& row : rows) {
+    for (const Command& command : commands()) {
+        if (!command.args.contains("name"))
+            continue;
         for (const QString& name : {longest, longestOfThrees}) {
-            QVariantHash args = row.args;
+            QVariantHash args = command.args;
             args.insert("name", name);
-            EXPECT_EQ(QString("done"), outcome(row.path(), args));
+            EXPECT_EQ(QString("done"), outcome(command.path(), args));
             args.insert("name", name + "n");
-            EXPECT_EQ(row.prefix + "Name is too long.", outcome(row.path(), args));
+            EXPECT_EQ(QString(command.prefix) + " Name is too long.",
+                      outcome(command.path(), args));
         }
     }
     EXPECT_EQ(QStringList({"5", "3"}), query("SELECT count(*) FROM playlists UNION ALL "
                                              "SELECT count(*) FROM collections"));
-    EXPECT_EQ(QStringList(longestOfThrees), query("SELECT name FROM playlists WHERE uid = 2"));
+    EXPECT_EQ(QStringList(longestOfThrees), query("SELECT name FROM playlists WHERE uid = 1"));
 }
 
 TEST_F(LimitsTest, aNameThatIsTooLongComesAfterTheQueueAndBeforeThePlaylist) {

@@ -6,15 +6,6 @@
 
 namespace {
 
-// Each edit of a playlist by its command, and what it is refused with when the playlist has changed
-// since.
-struct Edit {
-    const char* what;
-    CMPath (*path)();
-    QVariantHash args;
-    const char* prefix;
-};
-
 class RevisionsTest : public CommandFixture {
 protected:
     void SetUp() override { makeParty(); }
@@ -28,32 +19,15 @@ protected:
         EXPECT_TRUE(reply.containsRevision());
         return reply.revision();
     }
-    static QList<Edit> edits(int plid) {
-        const QVariantList first{0};
-        return {
-            {"order",
-             OrvoPlayListPlSetOrderPath,
-             {{"plid", plid}, {"order", QVariantList{2, 0, 1}}},
-             "Could not set order of playlist."},
-            {"add",
-             OrvoPlayListPlAddExternalItemsPath,
-             {{"plid", plid}, {"items", itemHashes({"d"})}},
-             "Could not add external items to playlist."},
-            {"add by path",
-             OrvoPlayListPlAddItemsPath,
-             {{"plid", plid}, {"items", QVariantList{"files:x"}}},
-             "Could not add items to playlist."},
-            {"move",
-             OrvoPlayListPlMoveItemspath,
-             {{"plid", plid}, {"items", first}, {"to", 2}},
-             "Could not move items in playlist."},
-            {"remove",
-             OrvoPlayListPlRemoveItemsPath,
-             {{"plid", plid}, {"items", first}},
-             "Could not remove items from playlist."},
-            {"clear", OrvoPlayListPlClearPath, {{"plid", plid}}, "Could not clear playlist."},
-            {"delete", OrvoPlayListPlDeletePath, {{"plid", plid}}, "Could not delete playlist."},
-        };
+    // The commands that edit a playlist, for this one.
+    static QList<Command> edits(int plid) {
+        QList<Command> edits;
+        for (Command command : commands()) {
+            command.args.insert("plid", plid);
+            if (command.takesRevision)
+                edits.append(command);
+        }
+        return edits;
     }
     static QVariantHash with(QVariantHash args, const QVariant& revision) {
         args.insert("revision", revision);
@@ -96,8 +70,9 @@ TEST_F(RevisionsTest, eachEditRaisesTheRevisionOfItsListAlone) {
     offer(others.files, "files:x", "x");
     qint64 before = revision(1);
     const qint64 other = revision(2);
-    for (const Edit& edit : edits(1)) {
-        SCOPED_TRACE(edit.what);
+    ASSERT_EQ(7, edits(1).size());
+    for (const Command& edit : edits(1)) {
+        SCOPED_TRACE(edit.handler);
         expectDone(edit.path(), edit.args);
         if (edit.path == OrvoPlayListPlDeletePath)
             continue;
@@ -134,8 +109,8 @@ TEST_F(RevisionsTest, anEditThatWasMadeForAnotherRevisionDoesNothing) {
                QVariantHash{{"plid", 1}, {"items", QVariantList{0}}, {"to", 2}});
     const qint64 present = revision(1);
     offer(others.files, "files:x", "x");
-    for (const Edit& edit : edits(1)) {
-        SCOPED_TRACE(edit.what);
+    for (const Command& edit : edits(1)) {
+        SCOPED_TRACE(edit.handler);
         for (qint64 outdated : {seen, present + 1, qint64(0), revision(2)}) {
             events.clear();
             const LogCapture log("PlayLists");
@@ -160,8 +135,8 @@ TEST_F(RevisionsTest, anEditThatWasMadeForAnotherRevisionDoesNothing) {
 
 TEST_F(RevisionsTest, anEditWithTheListsRevisionIsDone) {
     offer(others.files, "files:x", "x");
-    for (const Edit& edit : edits(1)) {
-        SCOPED_TRACE(edit.what);
+    for (const Command& edit : edits(1)) {
+        SCOPED_TRACE(edit.handler);
         expectDone(edit.path(), with(edit.args, revision(1)));
     }
     EXPECT_EQ(QStringList("2"), query("SELECT uid FROM playlists WHERE uid > 0"));
@@ -193,8 +168,8 @@ TEST_F(RevisionsTest, aMalformedRevisionIsRefused) {
                                     QVariantList{revision(1)},
                                     QVariantHash{{"i32", 1}},
                                     QString::number(revision(1)) + "x"};
-    for (const Edit& edit : edits(1)) {
-        SCOPED_TRACE(edit.what);
+    for (const Command& edit : edits(1)) {
+        SCOPED_TRACE(edit.handler);
         for (const QVariant& revision : malformed) {
             const LogCapture log("PlayLists");
             const Answer answer = send(edit.path(), with(edit.args, revision));
@@ -208,8 +183,8 @@ TEST_F(RevisionsTest, aMalformedRevisionIsRefused) {
 }
 
 TEST_F(RevisionsTest, aMissingListComesBeforeItsRevision) {
-    for (const Edit& edit : edits(77)) {
-        SCOPED_TRACE(edit.what);
+    for (const Command& edit : edits(77)) {
+        SCOPED_TRACE(edit.handler);
         const Answer answer = send(edit.path(), with(edit.args, 1));
         EXPECT_EQ("Error", answer.error.name());
         EXPECT_TRUE(answer.message().contains("There is no playlist with this ID."))
@@ -282,8 +257,8 @@ TEST_F(RevisionsTest, eventsOfTheListCarryTheRevisionThatTheyLeadTo) {
     for (int plid : {1, 0}) {
         if (plid == 0)
             addItems(0, {"a", "b", "c"});
-        for (const Edit& edit : edits(plid)) {
-            SCOPED_TRACE(edit.what);
+        for (const Command& edit : edits(plid)) {
+            SCOPED_TRACE(edit.handler);
             if (edit.path == OrvoPlayListPlDeletePath)
                 continue;
             const QStringList told =
