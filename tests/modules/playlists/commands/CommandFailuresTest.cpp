@@ -112,6 +112,12 @@ const QList<CommandRow>& failures() {
          "Could not move items in playlist. Move items failed",
          {"Unable to move items (0,) to seqnum 2 in playlist id: 1"},
          "UPDATE ON playlists_items"},
+        {"order",
+         OrvoPlayListPlSetOrderPath,
+         {{"plid", 1}, {"order", QVariantList{2, 1, 0}}},
+         "Could not set order of playlist. Set order failed",
+         {"Set order of playlist id: 1 failed"},
+         "UPDATE ON playlists_items"},
         {"add",
          OrvoPlayListPlAddExternalItemsPath,
          {{"plid", 1}},
@@ -142,6 +148,8 @@ QVariantHash completed(const CommandRow& row, const QVariantList& items) {
 }
 
 TEST_F(CommandFailuresTest, whatTheStoreRefusesIsAnsweredLoggedAndUndone) {
+    // Neither stores anything.
+    EXPECT_EQ(QStringList({"plPrepareItems", "plPlay"}), handlersWithout(failures()));
     const QStringList before = contents();
     for (const CommandRow& row : failures()) {
         forbid(row.forbidden);
@@ -161,11 +169,12 @@ TEST_F(CommandFailuresTest, whatTheStoreRefusesIsAnsweredLoggedAndUndone) {
 TEST_F(CommandFailuresTest, everyCommandWorksAgainAfterItFailed) {
     addItems(1, {"e", "f", "g", "h"});
     for (const CommandRow& row : failures()) {
+        const bool needsTheList = row.path == OrvoPlayListPlSetOrderPath;
         const bool deletes =
             row.path == OrvoPlayListPlDeletePath || row.path == OrvoPlayListClDeletePath ||
             row.path == OrvoPlayListPlClearPath || row.path == OrvoPlayListPlAddItemsPath;
-        if (deletes)
-            continue; // would take away what later rows need
+        if (deletes || needsTheList)
+            continue; // the others change what these are about, and need what those take away
         forbid(row.forbidden);
         refusal(row.path(), completed(row, itemHashes({"d"})));
         allowAll();
