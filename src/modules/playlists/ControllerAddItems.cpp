@@ -16,11 +16,10 @@
 #include "PlayListManager.h"
 #include "PlayListRecord.h"
 #include "PlayLogicInterface.h"
+#include "StoreResult.h"
 #include "TextBudget.h"
 
 namespace {
-
-constexpr int StoreIsFull = -2;
 
 // How long other clients wait at most for one part of the work on a great many items.
 constexpr int SliceMs = 8;
@@ -428,7 +427,7 @@ int Controller::addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
                                                      : addAtPlaces(pl, accepted, wanted, msg);
     const int res = *first < 0 ? *first : pl->getSize() - sizeBefore;
     LOG4CPLUS_DEBUG(moduleLog(), "addItems() res: " << res);
-    if (res == StoreIsFull) {
+    if (res == StoreResult::LimitReached) {
         *msg = QStringLiteral("%1 %2")
                    .arg(CONTROLLER_TEXT("Unable to add more items to the playlist."))
                    .arg(CONTROLLER_TEXT("Items reached limit."));

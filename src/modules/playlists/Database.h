@@ -17,6 +17,7 @@
 #include "OrvoPlayListItem.h"
 #include "PlayListRecord.h"
 #include "StatementCatalogue.h"
+#include "StoreResult.h"
 
 struct sqlite3;
 class AlikeLines;
@@ -31,8 +32,8 @@ class TextBudget;
 // Owner: the worker, for the life of the process. Thread: the worker's; nothing here is locked.
 // Failure: a store that cannot be opened ends the process; one that another process does not let go
 // of is an exception (std::runtime_error) of the constructor. After that nothing throws: an
-// operation logs its error and returns false, -1 or a record with uid -1, and the rows are as they
-// were before (see clearItems for the exception).
+// operation logs its error and returns false, a StoreResult or a record with uid -1, and the rows
+// are as they were before (see clearItems for the exception).
 //
 // Entries of a playlist are numbered 0 to size-1 without gaps, and the number is the entry's index.
 // Operations that take a PlayListRecord trust its `uid`, `size` and `lastPlayedIndex`: the caller
@@ -41,10 +42,6 @@ class Database : public QObject {
     Q_OBJECT
 
 public:
-    // What addItems returns when the store may hold no further item.
-    static constexpr int LimitReached = -2;
-    static constexpr int Failed = -1;
-
     // itemsLimit: greatest number of items in the whole store, 0 for no limit.
     // vacuumNeeded: a VACUUM is owed from an earlier run and is made up for before this returns.
     // maxStartWaitMs: how long this waits for another process that holds the file.

@@ -17,7 +17,7 @@ int Database::getNextSequenceNumber(const PlayListRecord& pl) {
     StatementScope query(statement(StatementId::GetNextSequenceNumber));
     if (!query->bindInt(1, pl.uid) || !query->step_row()) {
         LOG4CPLUS_ERROR(moduleLog(), "Error fetching the next sequenceNumber");
-        return Failed;
+        return StoreResult::Failed;
     }
     const int number = query->columnInt(0);
     if (!query.reset())
@@ -46,7 +46,7 @@ int Database::addItemsNextSequenceNumber(const PlayListRecord& pl,
     case OrvoPlayListAddPosition::Append:
         return getNextSequenceNumber(pl);
     }
-    return Failed;
+    return StoreResult::Failed;
 }
 
 int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum position,
@@ -58,7 +58,7 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
                                       << " items.size(): " << items.size());
     if (!transaction.begun()) {
         LOG4CPLUS_ERROR(moduleLog(), "Error adding items to list");
-        return Failed;
+        return StoreResult::Failed;
     }
     printItems(pl);
 
@@ -71,7 +71,7 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
     // that what follows would be there for good, piece by piece.
     if (!counted || sqlite3_get_autocommit(m_connection)) {
         LOG4CPLUS_ERROR(moduleLog(), "Error adding items to list");
-        return Failed;
+        return StoreResult::Failed;
     }
     // Where the store already holds more than the limit, the length is negative, which QList takes
     // as "to the end", and everything is added: a limit that was lowered below the store's size is
@@ -86,19 +86,19 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
                                                   << ", limit: " << m_itemsLimit);
     if (count == 0 || (places.wholeOnly && count < items.size())) {
         LOG4CPLUS_ERROR(moduleLog(), "Error adding playlist items: database reached limit!");
-        return LimitReached;
+        return StoreResult::LimitReached;
     }
 
     int first = addItemsNextSequenceNumber(pl, position);
     if (first >= 0 && pl.size > first && !offsetItemsFromTransaction(pl, first, count)) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to move item block before adding items");
-        first = Failed;
+        first = StoreResult::Failed;
     }
     const QList<int> positions = places.positions.mid(0, count);
     if (first < 0 || !addItemsFromSequenceNumber(pl, first, itemsToAdd) ||
         !bringToPlaces(pl, positions)) {
         LOG4CPLUS_ERROR(moduleLog(), "Error adding items to list");
-        return Failed;
+        return StoreResult::Failed;
     }
     transaction.commit();
     return positions.isEmpty() ? first : positions.first();
@@ -171,7 +171,7 @@ int Database::insertItem(const ItemTexts& item, int durationSeconds) {
                               .run(item[Text::Title], item[Text::Artist], item[Text::Album],
                                    item[Text::ArtworkUrl], item[Text::Genre], durationSeconds,
                                    item[Text::Url], item[Text::ServiceId], item[Text::OrvoRoles]);
-    return inserted ? int(sqlite3_last_insert_rowid(m_connection)) : Failed;
+    return inserted ? int(sqlite3_last_insert_rowid(m_connection)) : StoreResult::Failed;
 }
 
 int Database::removeItems(const PlayListRecord& pl, const QList<int>& indices) {
@@ -179,10 +179,11 @@ int Database::removeItems(const PlayListRecord& pl, const QList<int>& indices) {
     if (indices.isEmpty())
         return 0;
     Transaction transaction(*this, Transaction::Lock::AtOnce);
-    const int removed = transaction.begun() ? removeItemsTransaction(pl, indices) : Failed;
-    if (removed == Failed) {
+    const int removed =
+        transaction.begun() ? removeItemsTransaction(pl, indices) : StoreResult::Failed;
+    if (removed == StoreResult::Failed) {
         LOG4CPLUS_ERROR(moduleLog(), "Error removing items from list");
-        return Failed;
+        return StoreResult::Failed;
     }
     transaction.commit();
     setVacuumNeeded();
@@ -208,16 +209,16 @@ int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>&
     lines.end();
     if (removed != indices.size()) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to remove all item indices");
-        return Failed;
+        return StoreResult::Failed;
     }
     if (!left.remove()) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to clean up unused items");
-        return Failed;
+        return StoreResult::Failed;
     }
     // The first index as given, not the smallest: callers list them in ascending order.
     if (!renumberFrom(pl, indices.first())) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to restore sequence numbers");
-        return Failed;
+        return StoreResult::Failed;
     }
     return removed;
 }
@@ -227,7 +228,7 @@ int Database::removeItemsHelper(const PlayListRecord& pl, int from, int to, Alik
         LOG4CPLUS_TRACE(moduleLog(), "Remove partial from=" << from << " to=" << to);
     if (!statement(StatementId::DeletePlayListItem).run(pl.uid, from, to)) {
         LOG4CPLUS_ERROR(moduleLog(), "Error removing partial items from list");
-        return Failed;
+        return StoreResult::Failed;
     }
     return sqlite3_changes(m_connection);
 }

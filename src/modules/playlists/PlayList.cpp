@@ -227,7 +227,7 @@ int PlayList::addItems(OrvoPlayListAddPosition::Enum position,
         if (first < 0)
             return first;
         if (!isCommitted(m_record.size + added))
-            return Database::Failed;
+            return StoreResult::Failed;
     }
     Q_EMIT itemsAdded(OrvoPlayListAddPosition::toString(position), first, added);
     return first;
@@ -241,7 +241,7 @@ int PlayList::addItemsAt(const ItemPlaces& places, const QList<OrvoPlayListItem>
         catchUp();
         const int size = m_record.size;
         if (!places.fit(size, items.size()))
-            return Database::Failed;
+            return StoreResult::Failed;
         int added = 0;
         const int first =
             m_database->addItems(m_record, OrvoPlayListAddPosition::Append, items, &added, places);
@@ -250,7 +250,7 @@ int PlayList::addItemsAt(const ItemPlaces& places, const QList<OrvoPlayListItem>
         // A look at what was stored may read it as it is now.
         const int last = m_record.lastPlayedIndex;
         if (!isCommitted(size + added))
-            return Database::Failed;
+            return StoreResult::Failed;
         positions = places.positions.mid(0, added);
         if (last >= 0 && last < size)
             takeLastPlayed(ItemPlaces::afterAdding(positions, last));
@@ -273,7 +273,7 @@ int PlayList::removeItems(const QList<int>& indices) {
         if (removed <= 0)
             return removed;
         if (!isCommitted(m_record.size - removed))
-            return Database::Failed;
+            return StoreResult::Failed;
         lastPlayed = getLastSequenceNumber();
         const int before =
             int(std::lower_bound(sorted.cbegin(), sorted.cend(), lastPlayed) - sorted.cbegin());

@@ -11,8 +11,7 @@
 #include "OrvoRoles.h"
 
 // A playlist as the rest of the module sees it. Owned by the manager. Positions are sequence
-// numbers: 0 to size - 1, without gaps. Nothing throws; failures are false, -1, or -2 where the
-// item limit leaves no room.
+// numbers: 0 to size - 1, without gaps. Nothing throws; failures are false or a StoreResult.
 class PlayListBase : public QObject {
     Q_OBJECT
 public:
@@ -45,13 +44,13 @@ public:
 
     // The entries from `from` to `to`, both included.
     virtual QList<OrvoPlayListItem> getItems(int from, int to) = 0;
-    // Returns the sequence number of the first item added, -1 on failure, -2 when the store is
-    // full. How many were added (the limit may cut the list short) is what getSize() grew by.
+    // Returns the sequence number of the first item added, Failed, or LimitReached when the store
+    // is full. How many were added (the limit may cut the list short) is what getSize() grew by.
     virtual int addItems(OrvoPlayListAddPosition::Enum position,
                          const QList<OrvoPlayListItem>& items) = 0;
-    // The same at these places; -1 also where they do not fit.
+    // The same at these places; Failed also where they do not fit.
     virtual int addItemsAt(const ItemPlaces& places, const QList<OrvoPlayListItem>& items) = 0;
-    // Returns how many entries were removed, -1 when one of them does not exist (then none is
+    // Returns how many entries were removed, Failed when one of them does not exist (then none is
     // removed).
     virtual int removeItems(const QList<int>& indices) = 0;
     // Moves one entry; those between shift by one. 0..9, move 2 to 5: 0,1,3,4,5,2,6,…; 5 to 2:
