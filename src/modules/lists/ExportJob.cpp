@@ -26,11 +26,6 @@ constexpr PathsRow KindsOfPaths[] = {
     {"url", TrackAddress::Paths::Url},
 };
 
-CMPath itemsPath(int plid) {
-    return plid == PlayQueueId ? OrvoPlayListPqGetItemsPath()
-                               : OrvoPlayListPlGetItemsPath() + QString::number(plid);
-}
-
 ListedTrack trackOf(const QVariantList& row) {
     ListedTrack track;
     track.title = TrString::fromVariant(row.value(0)).toString();
@@ -101,7 +96,7 @@ void ExportJob::findName() {
 }
 
 void ExportJob::takeName(const OrvoRowsRoles& lists) {
-    const CMPath wanted = itemsPath(m_plid);
+    const CMPath wanted = OrvoPlayListItemsPathOf(m_plid);
     const QVariantList rows = lists.rows();
     const auto found = std::find_if(rows.cbegin(), rows.cend(), [&wanted](const QVariant& row) {
         return CMPath::fromQVariant(row.toList().value(1)) == wanted;
@@ -116,7 +111,7 @@ void ExportJob::takeName(const OrvoRowsRoles& lists) {
 
 void ExportJob::nextPart() {
     const int from = int(m_list.tracks.size());
-    readRows(itemsPath(m_plid), from, from + RowsPerPart - 1,
+    readRows(OrvoPlayListItemsPathOf(m_plid), from, from + RowsPerPart - 1,
              {OrvoRoles::Title(), OrvoRoles::MediaData()},
              [this](const OrvoRowsRoles& rows) { takeRows(rows); });
 }

@@ -14,7 +14,6 @@
 #include "OrvoPlayListPaths.h"
 #include "PlayListBase.h"
 #include "PlayListManager.h"
-#include "PlayListRecord.h"
 #include "PlayLogicInterface.h"
 #include "StoreResult.h"
 #include "TextBudget.h"
@@ -26,10 +25,6 @@ constexpr int SliceMs = 8;
 
 // How many items of a whole playlist are read at once: all of them may be more than memory has.
 constexpr int ItemsPerReading = 64;
-
-QString itemPathText(const OrvoPlayListItem& item) {
-    return (OrvoPlayListItemPath() + QString::number(item.uid())).toString();
-}
 
 QString listText(const QList<OrvoPlayListItem>& items) {
     return loggedList(items.size(), [&](int i) { return loggedValue(items.at(i).toHash()); });
@@ -203,7 +198,7 @@ bool Controller::appendItemPaths(PlayListBase* source, QList<CMPath>* paths) con
         for (const OrvoPlayListItem& item : items) {
             if (!budget.take(TextBudget::bytesOf(item)))
                 return false;
-            paths->append(CMPath(itemPathText(item)));
+            paths->append(OrvoPlayListItemPathOf(item.uid()));
         }
     }
     return true;
@@ -537,9 +532,7 @@ bool Controller::startFirstNewItem(PlayListBase* pl, int first, const QString& f
 
 void Controller::tryStartItem(const OrvoPlayListItem& item, const PlayListBase* pl, int seqIndex) {
     LOG4CPLUS_DEBUG(moduleLog(), "seqIndex: " << seqIndex << " plid: " << pl->getUid());
-    const CMPath path = pl->getUid() == PlayListRecord::PlayQueueUid
-                            ? OrvoPlayListPqGetItemsPath()
-                            : OrvoPlayListPlGetItemsPath() + QString::number(pl->getUid());
+    const CMPath path = OrvoPlayListItemsPathOf(pl->getUid());
     LOG4CPLUS_DEBUG(moduleLog(), "path: " << path);
     if (item.url().isEmpty()) {
         LOG4CPLUS_ERROR(moduleLog(), "Item " << item.uid() << " hasn't url");

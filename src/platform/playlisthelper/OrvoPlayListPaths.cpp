@@ -8,6 +8,15 @@
 ORVO_PLAYLIST_PATHS(ORVO_DEFINE_PATH)
 #undef ORVO_DEFINE_PATH
 
+CMPath OrvoPlayListItemsPathOf(int plid) {
+    return plid == 0 ? OrvoPlayListPqGetItemsPath()
+                     : OrvoPlayListPlGetItemsPath() + QString::number(plid);
+}
+
+CMPath OrvoPlayListItemPathOf(int uid) {
+    return OrvoPlayListItemPath() + QString::number(uid);
+}
+
 QString OrvoPlayListPrepareItems() {
     return QStringLiteral("prepareItems");
 }

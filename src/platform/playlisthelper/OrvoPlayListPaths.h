@@ -45,6 +45,11 @@
 ORVO_PLAYLIST_PATHS(ORVO_DECLARE_PATH)
 #undef ORVO_DECLARE_PATH
 
+// The list of one playlist's entries; 0 is the play queue, whose list has a path of its own.
+PLAYLISTHELPER_EXPORT CMPath OrvoPlayListItemsPathOf(int plid);
+// One item.
+PLAYLISTHELPER_EXPORT CMPath OrvoPlayListItemPathOf(int uid);
+
 // The name of the prepare call: appended to a module's prefix it is that module's prepare path.
 // Takes a list of paths, answers a list of playlist items in their hash form.
 PLAYLISTHELPER_EXPORT QString OrvoPlayListPrepareItems();

@@ -53,6 +53,12 @@ TEST(OrvoPlayListPaths, noIdBelowAnItemsPathMeetsAFixedPath) {
     }
 }
 
+TEST(OrvoPlayListPaths, everyPlaylistHasAnItemsPathOfItsOwnAndTheQueueItsFixedOne) {
+    EXPECT_EQ(OrvoPlayListItemsPathOf(0).toString(), "playlists:pq/items");
+    EXPECT_EQ(OrvoPlayListItemsPathOf(1).toString(), "playlists:pl/items/1");
+    EXPECT_EQ(OrvoPlayListItemPathOf(17).toString(), "playlists:item/17");
+}
+
 TEST(OrvoPlayListPaths, thePrepareCallBelowThePrefixIsTheModulesPreparePath) {
     EXPECT_EQ(CMPath::fromPrefix("playlists") + OrvoPlayListPrepareItems(),
               OrvoPlayListPlPrepareItemsPath());

@@ -39,18 +39,12 @@ PlayListWatcher::~PlayListWatcher() {
         m_node->deleteLater();
 }
 
-CMPath PlayListWatcher::itemListPath(int plid) {
-    return plid == PlayListRecord::PlayQueueUid
-               ? OrvoPlayListPqGetItemsPath()
-               : OrvoPlayListPlGetItemsPath() + "/" + QString::number(plid);
-}
-
 void PlayListWatcher::restartPlayListView(int plid) {
     CMSubscribe::Revision revision;
     if (plid == m_plid)
         revision = m_playlist->getRevision();
-    m_subscribe->changedStartingWith(itemListPath(plid), CMSubscribe::RowsChangeReset(), -1,
-                                     revision);
+    m_subscribe->changedStartingWith(OrvoPlayListItemsPathOf(plid), CMSubscribe::RowsChangeReset(),
+                                     -1, revision);
 }
 
 void PlayListWatcher::on_items_added(const QString&, int firstSeqNum, int count) {
@@ -60,7 +54,8 @@ void PlayListWatcher::on_items_added(const QString&, int firstSeqNum, int count)
     for (int s = firstSeqNum; s < firstSeqNum + count; ++s)
         itemsChanged.append(CMSubscribe::RowInserted(s));
     LOG4CPLUS_TRACE(moduleLog(), "itemsChanged: " << joined(itemsChanged));
-    m_subscribe->rowsChanged(itemListPath(m_plid), itemsChanged, 0, -1, m_playlist->getRevision());
+    m_subscribe->rowsChanged(OrvoPlayListItemsPathOf(m_plid), itemsChanged, 0, -1,
+                             m_playlist->getRevision());
 }
 
 void PlayListWatcher::on_items_inserted(const QList<int>& positions) {
@@ -68,7 +63,8 @@ void PlayListWatcher::on_items_inserted(const QList<int>& positions) {
     itemsChanged.reserve(positions.size());
     for (int position : positions)
         itemsChanged.append(CMSubscribe::RowInserted(position));
-    m_subscribe->rowsChanged(itemListPath(m_plid), itemsChanged, 0, -1, m_playlist->getRevision());
+    m_subscribe->rowsChanged(OrvoPlayListItemsPathOf(m_plid), itemsChanged, 0, -1,
+                             m_playlist->getRevision());
 }
 
 void PlayListWatcher::on_items_removed(const QList<int>&, int) {

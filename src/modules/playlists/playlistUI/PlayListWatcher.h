@@ -30,8 +30,6 @@ private Q_SLOTS:
     void on_playlistName_changed(const QString& name);
 
 private:
-    static CMPath itemListPath(int plid);
-
     CMSubscribe* m_subscribe;
     PlayListBase* m_playlist;
     int m_plid;

@@ -40,7 +40,7 @@ bool PlayListTrackContextNode::getRowsRequest(const CMGetRowsRequest& request) {
     if (holds(pl, item) && isMadeForItem(request.path(), item.uid())) {
         const PlayListBase* queue = manager()->getPlayQueue();
         // To the add-to nodes the item is named by its path.
-        const QString itemPath = (OrvoPlayListItemPath() + toStr(item.uid())).toString();
+        const QString itemPath = OrvoPlayListItemPathOf(item.uid()).toString();
         const QString place = toStr(item.sequenceNumber());
         const QString revision =
             request.path().params().value(Revision(), QString::number(pl->getRevision()));
