@@ -8,20 +8,13 @@
 #include "PlayListWorker.h"
 #include "PlayLogicInterface.h"
 #include "PlayLogicLog.h"
+#include "PlayMode.h"
 
 namespace {
 // How many tracks in a row may fail before playback is given up.
 constexpr int MaxErrorCount = 5;
 // The play request whose container is to be played from an index on.
 constexpr int PlayContainerType = 1;
-
-constexpr bool isPlayMode(int mode) {
-    return mode >= 0 && mode <= 5;
-}
-
-constexpr bool isShuffled(int mode) {
-    return isPlayMode(mode) && mode % 2 == 1;
-}
 } // namespace
 
 log4cplus::Logger& playLogicLog() {
@@ -244,14 +237,12 @@ void PlayListPlayLogic::startPlayback(const CMPath& path, int index, CMSetDataRe
 
     setCurrentPlayList(pl);
     const bool shuffle = pl->getShuffle();
-    const bool repeatAll = pl->getRepeatAll();
-    setPlayMode(OrvoPlayerPlayMode::Enum(
-        (repeatAll ? OrvoPlayerPlayMode::RepeatAll : OrvoPlayerPlayMode::Normal) +
-        (shuffle ? 1 : 0)));
+    const RepeatMode repeat = pl->getRepeatAll() ? RepeatAll : RepeatOff;
+    setPlayMode(PlayMode{shuffle, repeat}.number());
     LOG4CPLUS_DEBUG(playLogicLog(), "index=" << index << " size=" << pl->getSize());
     playTrackRoles(getTrackAbsolute(index));
     setShuffleEnabled(shuffle);
-    setRepeatMode(repeatAll ? RepeatAll : RepeatOff);
+    setRepeatMode(repeat);
 }
 
 void PlayListPlayLogic::makePosition(int seqNum) {
@@ -311,15 +302,14 @@ void PlayListPlayLogic::changePlayModeInternal(const CMSetDataRequest& request) 
                     "previous mode: " << OrvoPlayerPlayMode::toString(previousMode)
                                       << " new mode: " << OrvoPlayerPlayMode::toString(newMode));
     setPlayMode(OrvoPlayerPlayMode::Enum(newMode));
-    if (isPlayMode(newMode)) {
-        const bool shuffled = isShuffled(newMode);
+    if (const std::optional<PlayMode> mode = PlayMode::fromNumber(newMode)) {
+        const std::optional<PlayMode> previous = PlayMode::fromNumber(previousMode);
+        const bool wasShuffled = previous && previous->isShuffled;
         // A command on the playing list has published the new mode already; then only our own flag
         // is behind.
-        const bool halfChanged =
-            isPlayMode(previousMode) ? shuffled != isShuffled(previousMode) : shuffled;
-        if (halfChanged || shuffled != m_shuffleEnabled)
-            setShuffleEnabled(shuffled);
-        setRepeatMode(RepeatMode(newMode / 2));
+        if (mode->isShuffled != wasShuffled || mode->isShuffled != m_shuffleEnabled)
+            setShuffleEnabled(mode->isShuffled);
+        setRepeatMode(mode->repeat);
     }
     if (m_nextMediaPrepared)
         prepareNextMedia();
@@ -327,11 +317,13 @@ void PlayListPlayLogic::changePlayModeInternal(const CMSetDataRequest& request) 
 }
 
 bool PlayListPlayLogic::publishedShuffle() const {
-    return isPlayMode(playMode()) ? isShuffled(playMode()) : m_shuffleEnabled;
+    const std::optional<PlayMode> mode = PlayMode::fromNumber(playMode());
+    return mode ? mode->isShuffled : m_shuffleEnabled;
 }
 
 PlayListPlayLogic::RepeatMode PlayListPlayLogic::publishedRepeat() const {
-    return isPlayMode(playMode()) ? RepeatMode(playMode() / 2) : m_repeatMode;
+    const std::optional<PlayMode> mode = PlayMode::fromNumber(playMode());
+    return mode ? mode->repeat : m_repeatMode;
 }
 
 OrvoPlayLogicPlayModesSupported PlayListPlayLogic::playModesSupported() {

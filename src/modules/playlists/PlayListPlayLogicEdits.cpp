@@ -9,6 +9,7 @@
 #include "PlayListPlayLogic.h"
 #include "PlayLogicInterface.h"
 #include "PlayLogicLog.h"
+#include "PlayMode.h"
 
 // A slot that stops or starts playback returns at once: the stop may come back and take the current
 // playlist away.
@@ -274,18 +275,15 @@ void PlayListPlayLogic::announceAnew() {
 void PlayListPlayLogic::on_currentPlayList_shuffleChanged(bool newValue) {
     if (newValue == publishedShuffle())
         return;
-    const int mode = playMode();
-    if (mode >= OrvoPlayerPlayMode::Normal && mode <= OrvoPlayerPlayMode::ShuffleRepeatAll)
-        setPlayMode(OrvoPlayerPlayMode::Enum(mode / 2 * 2 + (newValue ? 1 : 0)));
+    if (const std::optional<PlayMode> mode = PlayMode::fromNumber(playMode()))
+        setPlayMode(PlayMode{newValue, mode->repeat}.number());
 }
 
 void PlayListPlayLogic::on_currentPlayList_repeatAllChanged(bool newValue) {
-    const int shuffled = publishedShuffle() ? 1 : 0;
-    const bool repeatsAll = publishedRepeat() == RepeatAll;
-    if (!newValue && repeatsAll)
-        setPlayMode(OrvoPlayerPlayMode::Enum(OrvoPlayerPlayMode::Normal + shuffled));
-    else if (newValue && !repeatsAll)
-        setPlayMode(OrvoPlayerPlayMode::Enum(OrvoPlayerPlayMode::RepeatAll + shuffled));
+    if (newValue == (publishedRepeat() == RepeatAll))
+        return;
+    const RepeatMode repeat = newValue ? RepeatAll : RepeatOff;
+    setPlayMode(PlayMode{publishedShuffle(), repeat}.number());
 }
 
 void PlayListPlayLogic::updateSequenceNumberInData() {
