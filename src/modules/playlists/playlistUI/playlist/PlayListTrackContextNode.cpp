@@ -13,6 +13,10 @@ PlayListTrackContextNode* PlayListTrackContextNode::create(CMNodes* nodes, const
     return createNode<PlayListTrackContextNode>(nodes, path, manager);
 }
 
+// The actions of the entries that change the list.
+static constexpr char MoveTrack[] = "moveTr";
+static constexpr char RemoveTrack[] = "removeTr";
+
 static QString From() {
     return QStringLiteral("from");
 }
@@ -63,12 +67,12 @@ bool PlayListTrackContextNode::getRowsRequest(const CMGetRowsRequest& request) {
                               {Revision(), revision},
                               {PreparePath(), OrvoPlayListPlPrepareItemsPath().toString()}})));
         entries.append(editRow(tr("Move track"),
-                               entryPath(request, QStringLiteral("moveTr"),
+                               entryPath(request, QLatin1String(MoveTrack),
                                          {{Plid(), plid}, {From(), place}, {Revision(), revision}}),
                                OrvoValue::fromString(place)));
         entries.append(
             actionRow(tr("Remove track"),
-                      entryPath(request, QStringLiteral("removeTr"),
+                      entryPath(request, QLatin1String(RemoveTrack),
                                 {{FromPlid(), plid}, {SeqNum(), place}, {Revision(), revision}})));
     }
     sendMenu(entries, tr("Track Context Menu"), request);
@@ -84,10 +88,10 @@ bool PlayListTrackContextNode::setDataRequest(const CMSetDataRequest& request) {
         const char* changed;
     };
     static const ActionRow rows[] = {
-        {"moveTr", Plid(), From(),
+        {MoveTrack, Plid(), From(),
          "Could not move items in playlist. The playlist no longer holds this track.",
          "Could not move items in playlist. The playlist has changed meanwhile."},
-        {"removeTr", FromPlid(), SeqNum(),
+        {RemoveTrack, FromPlid(), SeqNum(),
          "Could not remove items from playlist. The playlist no longer holds this track.",
          "Could not remove items from playlist. The playlist has changed meanwhile."},
     };
@@ -143,8 +147,8 @@ std::span<const MenuNode::MenuAction> PlayListTrackContextNode::actions() const 
         return args;
     };
     static constexpr MenuAction rows[] = {
-        {"moveTr", OrvoPlayListPlMoveItemspath, move},
-        {"removeTr", OrvoPlayListPlRemoveItemsPath, remove},
+        {MoveTrack, OrvoPlayListPlMoveItemspath, move},
+        {RemoveTrack, OrvoPlayListPlRemoveItemsPath, remove},
     };
     return rows;
 }
