@@ -9,16 +9,7 @@
 
 #include "CMLog.h"
 #include "OrvoPlayListCommands.h"
-#include "PlayListPlayLogic.h"
-
-// The play logic's friend: the way to the lists themselves, past the commands.
-class PlayLogicProbe {
-public:
-    static PlayListManager* manager(PlayListWorker* worker) {
-        return static_cast<PlayListPlayLogic*>(worker->nodes()->find(OrvoPlayListsPlayLogicPath()))
-            ->m_manager;
-    }
-};
+#include "PlayLogicProbe.h"
 
 namespace {
 
@@ -79,7 +70,9 @@ void BenchStore::open() {
         m_root = std::make_unique<CMRootWorker>(QStringLiteral("settings.json"));
         m_worker = std::make_unique<PlayListWorker>(QHash<QString, QVariant>{
             {QStringLiteral("playlists/maxAdditionBytes"), MaxAdditionBytes}});
-        m_modulesManager = PlayLogicProbe::manager(m_worker.get());
+        auto* logic =
+            static_cast<PlayListPlayLogic*>(m_worker->nodes()->find(OrvoPlayListsPlayLogicPath()));
+        m_modulesManager = PlayLogicProbe(logic).manager();
     } else {
         m_database = std::make_unique<Database>(m_contents.itemsLimit, false);
         if (m_contents.parts == Parts::Model)

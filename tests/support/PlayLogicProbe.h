@@ -2,7 +2,8 @@
 
 #include "PlayListPlayLogic.h"
 
-// The tests' look at what the play logic keeps to itself; a test may lay it out by hand.
+// The look of tests and benchmarks at what the play logic keeps to itself; a test may lay it out by
+// hand.
 class PlayLogicProbe {
 public:
     explicit PlayLogicProbe(PlayListPlayLogic* logic) : m(logic) {}
