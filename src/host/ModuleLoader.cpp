@@ -8,15 +8,10 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include "CMLog.h"
 #include "CMWorker.h"
+#include "HostLog.h"
 
 namespace {
-
-log4cplus::Logger& logger() {
-    static log4cplus::Logger instance = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Host"));
-    return instance;
-}
 
 // What every module exports under this plain name.
 using WorkerCreate = CMAbstractWorker* (*)(QHash<QString, QVariant> config);
@@ -91,6 +86,6 @@ bool ModuleLoader::load(const QString& module, QString* error) {
     if (!worker)
         return fail(QStringLiteral("its worker_create made no worker"));
     m_workers.push_back(std::move(worker));
-    LOG4CPLUS_INFO(logger(), "loaded " << file);
+    LOG4CPLUS_INFO(hostLog(), "loaded " << file);
     return true;
 }

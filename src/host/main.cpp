@@ -13,6 +13,7 @@
 #include "CMEnding.h"
 #include "CMRootWorker.h"
 #include "DataFolder.h"
+#include "HostLog.h"
 #include "HostOptions.h"
 #include "LogSetup.h"
 #include "ModuleLoader.h"
@@ -25,16 +26,11 @@ namespace {
 constexpr int Failure = 1;
 constexpr int UsageError = 2;
 
-log4cplus::Logger& logger() {
-    static log4cplus::Logger instance = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Host"));
-    return instance;
-}
-
 // A start that fails is told to the terminal, and to the log when that is somewhere else.
 int fail(const LogSetup& log, int exitStatus, const QString& text) {
     std::fprintf(stderr, "orvo-host: %s\n", qUtf8Printable(text));
     if (log.writesToFile())
-        LOG4CPLUS_ERROR(logger(), text);
+        LOG4CPLUS_ERROR(hostLog(), text);
     return exitStatus;
 }
 
@@ -50,8 +46,8 @@ int run(const HostOptions& options, LogSetup& log, long maxOpenFiles,
         return fail(log, Failure, error);
 
     if (maxOpenFiles < OpenFiles::Wanted)
-        LOG4CPLUS_WARN(logger(), "no more than " << maxOpenFiles << " files can be open at once, "
-                                                 << OpenFiles::Wanted << " are wanted");
+        LOG4CPLUS_WARN(hostLog(), "no more than " << maxOpenFiles << " files can be open at once, "
+                                                  << OpenFiles::Wanted << " are wanted");
 
     CMRootWorker root(data.settingsFile());
     if (!root.values()->readError().isEmpty())
@@ -68,7 +64,7 @@ int run(const HostOptions& options, LogSetup& log, long maxOpenFiles,
     }
 
     cmConnect(&signalWatcher, &SignalWatcher::endRequested, qApp, [](int signalNumber) {
-        LOG4CPLUS_INFO(logger(), "ending on " << strsignal(signalNumber));
+        LOG4CPLUS_INFO(hostLog(), "ending on " << strsignal(signalNumber));
         QCoreApplication::quit();
     });
 
@@ -81,13 +77,13 @@ int run(const HostOptions& options, LogSetup& log, long maxOpenFiles,
         // A module that waits for something gives up when the process is told to end.
         if (!cmEndRequested())
             return fail(log, Failure, error);
-        LOG4CPLUS_INFO(logger(), "ending during the start: " << error);
+        LOG4CPLUS_INFO(hostLog(), "ending during the start: " << error);
         return 0;
     }
 
     // Said from inside the loop: a script that waits for this line can send requests and signals.
     QTimer::singleShot(0, qApp, [&modules] {
-        LOG4CPLUS_INFO(logger(), "ready, modules: " << modules.count());
+        LOG4CPLUS_INFO(hostLog(), "ready, modules: " << modules.count());
         std::puts("orvo-host is ready");
         std::fflush(stdout);
     });

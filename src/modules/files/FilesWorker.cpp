@@ -65,9 +65,9 @@ void FilesWorker::scan() {
     m_publisher.scanBegins();
     m_tree.locate();
     if (m_tree.musicFolder().isEmpty()) {
-        LOG4CPLUS_INFO(filesLogger(), "no music folder is configured");
+        LOG4CPLUS_INFO(filesLog(), "no music folder is configured");
     } else {
-        LOG4CPLUS_INFO(filesLogger(), "scanning " << m_tree.musicFolder());
+        LOG4CPLUS_INFO(filesLog(), "scanning " << m_tree.musicFolder());
         // Again each time: a folder that was not there, or was replaced, has no watch yet.
         m_watcher.add(m_tree.root());
         m_announce = true;
@@ -79,8 +79,8 @@ void FilesWorker::announce() {
     if (!std::exchange(m_announce, false))
         return;
     m_loader.sawAll();
-    LOG4CPLUS_INFO(filesLogger(), m_tree.tracksCount()
-                                      << " tracks in " << m_tree.foldersCount() << " folders");
+    LOG4CPLUS_INFO(filesLog(), m_tree.tracksCount()
+                                   << " tracks in " << m_tree.foldersCount() << " folders");
 }
 
 QVariant FilesWorker::getValue(const CMPath& path) {

@@ -57,7 +57,7 @@ void FolderListing::open() {
     const char* reason = isLink ? "it has become a link" : std::strerror(errno);
     m_finished = !m_dir;
     if (!m_dir)
-        LOG4CPLUS_WARN(filesLogger(), "cannot read the folder " << m_folder << ": " << reason);
+        LOG4CPLUS_WARN(filesLog(), "cannot read the folder " << m_folder << ": " << reason);
 }
 
 bool FolderListing::read(const QDeadlineTimer& deadline) {
@@ -68,8 +68,7 @@ bool FolderListing::read(const QDeadlineTimer& deadline) {
             add(*found);
         } else {
             if (errno != 0)
-                LOG4CPLUS_WARN(filesLogger(),
-                               "the folder " << m_folder << " was read in part only");
+                LOG4CPLUS_WARN(filesLog(), "the folder " << m_folder << " was read in part only");
             finish();
         }
         if (deadline.hasExpired())
@@ -84,7 +83,7 @@ void FolderListing::add(const dirent& found) {
         return;
     const QString name = QString::fromUtf8(bytes);
     if (name.toUtf8() != bytes) {
-        LOG4CPLUS_WARN(filesLogger(),
+        LOG4CPLUS_WARN(filesLog(),
                        "left out a name that is not UTF-8: " << m_folder << "/" << name);
         return;
     }
@@ -97,8 +96,7 @@ void FolderListing::add(const dirent& found) {
         return; // leads nowhere
     if (S_ISDIR(status.st_mode)) {
         if (isLink)
-            LOG4CPLUS_DEBUG(filesLogger(),
-                            "left out a link to a folder: " << m_folder << "/" << name);
+            LOG4CPLUS_DEBUG(filesLog(), "left out a link to a folder: " << m_folder << "/" << name);
         else
             m_entries.folders.push_back({name, m_collator.sortKey(name), {}, 0, 0});
         return;
@@ -108,7 +106,7 @@ void FolderListing::add(const dirent& found) {
     if (!S_ISREG(status.st_mode) || (mimeType.isEmpty() && !isPicture))
         return;
     if (isLink && !leadsInside(name)) {
-        LOG4CPLUS_WARN(filesLogger(),
+        LOG4CPLUS_WARN(filesLog(),
                        "left out a link out of the music folder: " << m_folder << "/" << name);
         return;
     }

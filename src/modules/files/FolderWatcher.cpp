@@ -27,7 +27,7 @@ FolderWatcher::FolderWatcher(int limit, QObject* parent)
     m_gather.setInterval(GatherMs);
     cmConnect(&m_gather, &QTimer::timeout, this, [this] { report(); });
     if (m_descriptor < 0) {
-        LOG4CPLUS_WARN(filesLogger(),
+        LOG4CPLUS_WARN(filesLog(),
                        "changes of the music folder are not followed: " << std::strerror(errno));
         return;
     }
@@ -118,8 +118,8 @@ void FolderWatcher::reachedLimit(const Folder& folder) {
     if (m_limitLogged)
         return;
     m_limitLogged = true;
-    LOG4CPLUS_WARN(filesLogger(), "too many folders to watch; changes in "
-                                      << folder.diskPath
-                                      << " and further folders show after a rescan only ("
-                                      << m_watches.size() << " are watched)");
+    LOG4CPLUS_WARN(filesLog(), "too many folders to watch; changes in "
+                                   << folder.diskPath
+                                   << " and further folders show after a rescan only ("
+                                   << m_watches.size() << " are watched)");
 }

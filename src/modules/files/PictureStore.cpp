@@ -67,7 +67,7 @@ bool PictureStore::write(const QString& name, const QByteArray& bytes) {
         return true;
     }
     if (!m_failureLogged)
-        LOG4CPLUS_WARN(filesLogger(), "pictures of music files are not kept any more: " << failure);
+        LOG4CPLUS_WARN(filesLog(), "pictures of music files are not kept any more: " << failure);
     m_failureLogged = true;
     return false;
 }

@@ -77,7 +77,7 @@ bool PrepareJob::step(const QDeadlineTimer& deadline) {
     if (m_nextPath < m_paths.size()) {
         const QString& path = m_paths.at(m_nextPath++);
         if (!beginPath(CMPath(path)) && ++m_unknown <= MaxUnknownLogged)
-            LOG4CPLUS_WARN(filesLogger(), "nothing to prepare at " << path);
+            LOG4CPLUS_WARN(filesLog(), "nothing to prepare at " << path);
         return true;
     }
     return false;
@@ -132,7 +132,7 @@ void PrepareJob::append(const FolderPtr& folder, const TrackPtr& track) {
 
 void PrepareJob::refuse() {
     m_timer.stop();
-    LOG4CPLUS_ERROR(filesLogger(), "more than " << MaxItems << " items in one call");
+    LOG4CPLUS_ERROR(filesLog(), "more than " << MaxItems << " items in one call");
     deleteLater();
     m_reply.setError(CMError(
         CMError::InvalidValue(),
@@ -143,8 +143,8 @@ void PrepareJob::refuse() {
 void PrepareJob::answer() {
     m_timer.stop();
     if (m_unknown > MaxUnknownLogged)
-        LOG4CPLUS_WARN(filesLogger(), "nothing to prepare at " << m_unknown << " paths in all");
-    LOG4CPLUS_DEBUG(filesLogger(), "prepared " << m_items.size() << " items");
+        LOG4CPLUS_WARN(filesLog(), "nothing to prepare at " << m_unknown << " paths in all");
+    LOG4CPLUS_DEBUG(filesLog(), "prepared " << m_items.size() << " items");
     deleteLater();
     m_reply.setValue(m_items);
 }

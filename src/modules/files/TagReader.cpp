@@ -84,8 +84,7 @@ TrackTags TagReader::read(const QString& file, QByteArray* picture) {
     try {
         return readTags(file, picture);
     } catch (const std::exception& exception) {
-        LOG4CPLUS_WARN(filesLogger(),
-                       "cannot read the tags of " << file << ": " << exception.what());
+        LOG4CPLUS_WARN(filesLog(), "cannot read the tags of " << file << ": " << exception.what());
         return {};
     }
 }

@@ -49,8 +49,8 @@ TagStore::TagStore(const QString& file) : m_file(file) {
     const bool existed = QFile::exists(m_file);
     bool opened = open();
     if (!opened && existed) {
-        LOG4CPLUS_WARN(filesLogger(), m_file << " is damaged, or no file of tags; it is put aside "
-                                                "and all tags are read again");
+        LOG4CPLUS_WARN(filesLog(), m_file << " is damaged, or no file of tags; it is put aside "
+                                             "and all tags are read again");
         close();
         putAside();
         opened = open();
@@ -117,8 +117,8 @@ void TagStore::putAside() {
 }
 
 void TagStore::giveUp(const char* doing) {
-    LOG4CPLUS_WARN(filesLogger(), "tags are not kept: " << m_file << " cannot be " << doing << ": "
-                                                        << sqlite3_errmsg(m_connection));
+    LOG4CPLUS_WARN(filesLog(), "tags are not kept: " << m_file << " cannot be " << doing << ": "
+                                                     << sqlite3_errmsg(m_connection));
     close();
 }
 

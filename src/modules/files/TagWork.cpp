@@ -45,8 +45,8 @@ TagsPtr TagWork::readOne(const TagRequest& request, const QString& musicFolder) 
             return share(found->tags);
     }
     if (!isFileInside(request.key.path, musicFolder)) {
-        LOG4CPLUS_WARN(filesLogger(), "not opened, it is no file of the music folder any more: "
-                                          << request.key.path);
+        LOG4CPLUS_WARN(filesLog(), "not opened, it is no file of the music folder any more: "
+                                       << request.key.path);
         return share({});
     }
     QByteArray picture;

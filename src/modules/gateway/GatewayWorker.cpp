@@ -4,8 +4,8 @@
 
 #include <QSaveFile>
 
-#include "CMLog.h"
 #include "CMRootWorker.h"
+#include "GatewayLog.h"
 #include "TokenFile.h"
 
 namespace {
@@ -13,11 +13,6 @@ namespace {
 constexpr int DefaultCommentMs = 15000;
 // More than any limit of the gateway asks for.
 constexpr rlim_t MaxDescriptors = 1 << 30;
-
-log4cplus::Logger& logger() {
-    static log4cplus::Logger instance = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Gateway"));
-    return instance;
-}
 
 // A number from 1 on; a text is read as one, because the command line gives texts.
 int positive(const QHash<QString, QVariant>& config, const char* key, int fallback) {
@@ -59,10 +54,10 @@ HttpLimits httpLimits(const QHash<QString, QVariant>& config, QString* failure) 
     rlimit descriptors{};
     if (::getrlimit(RLIMIT_NOFILE, &descriptors) == 0 &&
         limits.fitInto(long(qMin<rlim_t>(descriptors.rlim_cur, MaxDescriptors))))
-        LOG4CPLUS_WARN(logger(), "only " << descriptors.rlim_cur << " files can be open: at most "
-                                         << limits.connections << " connections, "
-                                         << limits.eventStreams << " event streams and "
-                                         << limits.files << " files that are sent");
+        LOG4CPLUS_WARN(gatewayLog(),
+                       "only " << descriptors.rlim_cur << " files can be open: at most "
+                               << limits.connections << " connections, " << limits.eventStreams
+                               << " event streams and " << limits.files << " files that are sent");
     return limits;
 }
 
@@ -149,13 +144,13 @@ bool GatewayWorker::start() {
     if (!portFile.isEmpty() && !writePort(port(), portFile, &error))
         return fail(QStringLiteral("cannot write the port to %1: %2").arg(portFile, error));
     const QString host = address.left(address.lastIndexOf(QLatin1Char(':')));
-    LOG4CPLUS_INFO(logger(), "listening on http://" << host << ":" << port());
+    LOG4CPLUS_INFO(gatewayLog(), "listening on http://" << host << ":" << port());
     return true;
 }
 
 bool GatewayWorker::fail(const QString& reason) {
     m_failure = reason;
-    LOG4CPLUS_FATAL(logger(), reason);
+    LOG4CPLUS_FATAL(gatewayLog(), reason);
     return false;
 }
 

@@ -9,7 +9,7 @@
 #include <QTextCodec>
 
 #include "ApiError.h"
-#include "CMLog.h"
+#include "GatewayLog.h"
 #include "ListenSocket.h"
 
 namespace {
@@ -26,15 +26,10 @@ constexpr size_t StreamBlock = 16 * 1024;
 // After so many rounds without a pause other parts of the host get their turn.
 constexpr int MaxRounds = 8;
 
-log4cplus::Logger& logger() {
-    static log4cplus::Logger instance = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Gateway"));
-    return instance;
-}
-
 void logLibraryLine(void*, const char* format, va_list arguments) {
     char text[512];
     std::vsnprintf(text, sizeof text, format, arguments);
-    LOG4CPLUS_DEBUG(logger(), "http: " << QString::fromUtf8(text).trimmed());
+    LOG4CPLUS_DEBUG(gatewayLog(), "http: " << QString::fromUtf8(text).trimmed());
 }
 
 QString decodeText(const char* data, size_t size, bool* illegal) {

@@ -1,16 +1,11 @@
 #include "WrongTokens.h"
 
-#include "CMLog.h"
+#include "GatewayLog.h"
 
 namespace {
 
 constexpr qint64 NsPerMs = 1000 * 1000;
 constexpr qint64 NsPerSecond = 1000 * NsPerMs;
-
-log4cplus::Logger& logger() {
-    static log4cplus::Logger instance = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Gateway"));
-    return instance;
-}
 
 } // namespace
 
@@ -58,13 +53,13 @@ void WrongTokens::makePlace() {
 void WrongTokens::log(const IpAddress& address, int count) {
     if (m_logged.count == 0 || isOver(m_logged)) {
         if (m_logged.count > MaxLogged)
-            LOG4CPLUS_WARN(logger(),
+            LOG4CPLUS_WARN(gatewayLog(),
                            m_logged.count - MaxLogged << " more wrong tokens were not logged");
         m_logged = {m_clock.nsecsElapsed(), 0};
     }
     if (++m_logged.count > MaxLogged)
         return;
-    LOG4CPLUS_WARN(logger(), "a wrong token from " << address.toString().constData() << ", "
-                                                   << count << " of " << m_limits.attempts
-                                                   << " before it has to wait");
+    LOG4CPLUS_WARN(gatewayLog(), "a wrong token from " << address.toString().constData() << ", "
+                                                       << count << " of " << m_limits.attempts
+                                                       << " before it has to wait");
 }

@@ -150,7 +150,7 @@ void ExportJob::write() {
 }
 
 void ExportJob::answer(const QByteArray& bytes, const QString& name, int count) {
-    LOG4CPLUS_INFO(listsLogger(), "exported " << count << " tracks of playlist id: " << m_plid);
+    LOG4CPLUS_INFO(listsLog(), "exported " << count << " tracks of playlist id: " << m_plid);
     deleteLater();
     m_request.reply().setValue(QVariantHash{
         {QStringLiteral("name"), name},

@@ -208,8 +208,8 @@ void ImportJob::finish() {
 }
 
 void ImportJob::answer() {
-    LOG4CPLUS_INFO(listsLogger(), "imported " << m_added << " tracks to playlist id: " << m_plid
-                                              << ", not found: " << m_notFound.size());
+    LOG4CPLUS_INFO(listsLog(), "imported " << m_added << " tracks to playlist id: " << m_plid
+                                           << ", not found: " << m_notFound.size());
     QVariantHash result{{QStringLiteral("name"), m_name},
                         {QStringLiteral("added"), m_added},
                         {QStringLiteral("notFound"), m_notFound}};
@@ -220,7 +220,7 @@ void ImportJob::answer() {
 }
 
 void ImportJob::fail(const CMError& error) {
-    LOG4CPLUS_WARN(listsLogger(), "cannot import: " << error.message().toString());
+    LOG4CPLUS_WARN(listsLog(), "cannot import: " << error.message().toString());
     if (m_plid < 0) {
         refuse(error);
         return;

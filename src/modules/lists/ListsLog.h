@@ -3,4 +3,4 @@
 #include "CMLog.h"
 
 // The module's one logger.
-log4cplus::Logger& listsLogger();
+log4cplus::Logger& listsLog();

@@ -23,7 +23,7 @@ ORVO_VALUE_PATHS(ORVO_DEFINE_VALUE_PATH)
 
 namespace {
 
-log4cplus::Logger& logger() {
+log4cplus::Logger& settingsLog() {
     static log4cplus::Logger instance = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Settings"));
     return instance;
 }
@@ -152,8 +152,9 @@ void CMValueStore::load() {
         QFile::rename(m_file, aside);
         const QString reason =
             document.isNull() ? parseError.errorString() : QStringLiteral("not a JSON object");
-        LOG4CPLUS_ERROR(logger(), "settings " << m_file << " are damaged (" << reason
-                                              << "), kept as " << aside << ", starting with none");
+        LOG4CPLUS_ERROR(settingsLog(), "settings " << m_file << " are damaged (" << reason
+                                                   << "), kept as " << aside
+                                                   << ", starting with none");
         return;
     }
     const QJsonObject object = document.object();
@@ -161,7 +162,8 @@ void CMValueStore::load() {
         const CMValueDeclaration* row = declaration(CMPath(it.key()));
         const QVariant converted = row ? convert(it.value().toVariant(), row->type) : QVariant();
         if (!row || !row->persistent || !converted.isValid()) {
-            LOG4CPLUS_WARN(logger(), "setting " << it.key() << " is not understood and left out");
+            LOG4CPLUS_WARN(settingsLog(),
+                           "setting " << it.key() << " is not understood and left out");
             continue;
         }
         OrvoValue stored;
@@ -174,7 +176,7 @@ bool CMValueStore::save(const QHash<QString, OrvoValue>& values) const {
     if (m_file.isEmpty())
         return true;
     if (!m_readError.isEmpty()) {
-        LOG4CPLUS_ERROR(logger(), "cannot write settings: " << m_readError);
+        LOG4CPLUS_ERROR(settingsLog(), "cannot write settings: " << m_readError);
         return false;
     }
     QJsonObject object;
@@ -189,6 +191,7 @@ bool CMValueStore::save(const QHash<QString, OrvoValue>& values) const {
     const bool written =
         file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
     if (!written)
-        LOG4CPLUS_ERROR(logger(), "cannot write settings " << m_file << ": " << file.errorString());
+        LOG4CPLUS_ERROR(settingsLog(),
+                        "cannot write settings " << m_file << ": " << file.errorString());
     return written;
 }

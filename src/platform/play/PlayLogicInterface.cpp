@@ -5,7 +5,7 @@
 #include "StreamerPlayLogic.h"
 
 namespace {
-log4cplus::Logger& logger() {
+log4cplus::Logger& playerLog() {
     static log4cplus::Logger instance = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("Player"));
     return instance;
 }
@@ -19,7 +19,7 @@ PlayLogicInterface* PlayLogicInterface::playerInstance() {
 CMReply<QVariant> PlayLogicInterface::send(const CMPath& path, const QVariant& args) {
     const CMReply<QVariant> reply;
     reply.onError([path](const CMError& error) {
-        LOG4CPLUS_ERROR(logger(), path << " failed: " << error.message().toString());
+        LOG4CPLUS_ERROR(playerLog(), path << " failed: " << error.message().toString());
     });
     CMRoot()->invoke(path, args, reply);
     return reply;
@@ -50,6 +50,6 @@ void PlayLogicInterface::command(const PlayLogicCommand& command) {
         return;
     }
     const TrString text("PlayLogicInterface", "There is no player.");
-    LOG4CPLUS_ERROR(logger(), text.toString());
+    LOG4CPLUS_ERROR(playerLog(), text.toString());
     command.reply.setError(CMError(text));
 }

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "CMLog.h"
+
+// The host's one logger.
+log4cplus::Logger& hostLog();

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "CMLog.h"
+
+// The module's one logger.
+log4cplus::Logger& gatewayLog();
