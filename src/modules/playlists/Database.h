@@ -215,7 +215,7 @@ private:
                                               const QList<int>& uids, TextBudget budget);
     int ownerOfItem(const QList<PlayListRecord>& playlists, const OrvoPlayListItem& item);
     int insertItem(const ItemTexts& item, int durationSeconds);
-    bool bringToPlaces(const PlayListRecord& pl, const QList<int>& positions);
+    bool bringToPositions(const PlayListRecord& pl, const QList<int>& positions);
     int removeItemsTransaction(const PlayListRecord& pl, const QList<int>& indices);
     bool renumberFrom(const PlayListRecord& pl, int first);
     bool cleanUnusedItems();

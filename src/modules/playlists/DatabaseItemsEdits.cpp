@@ -96,7 +96,7 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
     }
     const QList<int> positions = places.positions.mid(0, count);
     if (first < 0 || !addItemsFromSequenceNumber(pl, first, itemsToAdd) ||
-        !bringToPlaces(pl, positions)) {
+        !bringToPositions(pl, positions)) {
         LOG4CPLUS_ERROR(moduleLog(), "Error adding items to list");
         return StoreResult::Failed;
     }
@@ -105,7 +105,7 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
 }
 
 // `pl` as it was before the items were appended.
-bool Database::bringToPlaces(const PlayListRecord& pl, const QList<int>& positions) {
+bool Database::bringToPositions(const PlayListRecord& pl, const QList<int>& positions) {
     if (positions.isEmpty())
         return true;
     PlayListRecord grown = pl;
@@ -114,8 +114,8 @@ bool Database::bringToPlaces(const PlayListRecord& pl, const QList<int>& positio
     order.reserve(grown.size);
     int present = 0;
     int added = 0;
-    for (int place = 0; place < grown.size; ++place) {
-        const bool isNew = added < positions.size() && positions.at(added) == place;
+    for (int position = 0; position < grown.size; ++position) {
+        const bool isNew = added < positions.size() && positions.at(added) == position;
         order.append(isNew ? pl.size + added++ : present++);
     }
     const int last = pl.lastPlayedIndex;

@@ -177,14 +177,14 @@ void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indice
         return;
     }
 
-    // The playing item went: what has moved into its place plays.
-    const int place = lastSeqNumBeforeRemove - removedBefore(lastSeqNumBeforeRemove);
-    const OrvoRoles replacement = getTrackAbsolute(place);
+    // The playing item went: what has moved into its position plays.
+    const int position = lastSeqNumBeforeRemove - removedBefore(lastSeqNumBeforeRemove);
+    const OrvoRoles replacement = getTrackAbsolute(position);
     m_currentTrackRoles = OrvoRoles();
     m_cursorBeforeAnnouncement.reset();
     if (!replacement.isEmpty()) {
         if (m_shuffleEnabled)
-            replaceInShuffle(place);
+            replaceInShuffle(position);
         playTrackRoles(replacement);
         return;
     }

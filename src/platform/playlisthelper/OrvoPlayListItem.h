@@ -2,8 +2,8 @@
 
 #include "OrvoHash.h"
 
-// One entry of a playlist. `sequenceNumber` (its place, from 0) and `uid` come from the store and
-// are ignored when items are added. Durations in whole seconds. `orvoRoles` is the track's full
+// One entry of a playlist. `sequenceNumber` (its position, from 0) and `uid` come from the store
+// and are ignored when items are added. Durations in whole seconds. `orvoRoles` is the track's full
 // role map as JSON text: what the player and the user interfaces get.
 class OrvoPlayListItem : public OrvoHash {
 public:

@@ -50,8 +50,8 @@ protected:
 
     // Invokes the command; the requester is answered when it is done.
     void sendCommand(const CMPath& command, const OrvoHash& args, const CMSetDataRequest& request);
-    // An id or a place that a path carries: -1, which every command refuses, when it is missing or
-    // no number.
+    // An id or a position that a path carries: -1, which every command refuses, when it is missing
+    // or no number.
     static int numberParam(const CMSetDataRequest& request, const QString& name);
     // Whether the item with this uid is still the one for which the path, by its revision, was
     // made. True where the path has no revision.

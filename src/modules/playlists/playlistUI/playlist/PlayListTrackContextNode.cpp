@@ -45,7 +45,7 @@ bool PlayListTrackContextNode::getRowsRequest(const CMGetRowsRequest& request) {
         const PlayListBase* queue = manager()->getPlayQueue();
         // To the add-to nodes the item is named by its path.
         const QString itemPath = OrvoPlayListItemPathOf(item.uid()).toString();
-        const QString place = toStr(item.sequenceNumber());
+        const QString position = toStr(item.sequenceNumber());
         const QString revision =
             request.path().params().value(Revision(), QString::number(pl->getRevision()));
         if (isPlayQueueVisible() && plid != toStr(queue->getUid())) {
@@ -66,14 +66,15 @@ bool PlayListTrackContextNode::getRowsRequest(const CMGetRowsRequest& request) {
                               {ItemId(), itemPath},
                               {Revision(), revision},
                               {PreparePath(), OrvoPlayListPlPrepareItemsPath().toString()}})));
-        entries.append(editRow(tr("Move track"),
-                               entryPath(request, QLatin1String(MoveTrack),
-                                         {{Plid(), plid}, {From(), place}, {Revision(), revision}}),
-                               OrvoValue::fromString(place)));
         entries.append(
-            actionRow(tr("Remove track"),
-                      entryPath(request, QLatin1String(RemoveTrack),
-                                {{FromPlid(), plid}, {SeqNum(), place}, {Revision(), revision}})));
+            editRow(tr("Move track"),
+                    entryPath(request, QLatin1String(MoveTrack),
+                              {{Plid(), plid}, {From(), position}, {Revision(), revision}}),
+                    OrvoValue::fromString(position)));
+        entries.append(actionRow(
+            tr("Remove track"),
+            entryPath(request, QLatin1String(RemoveTrack),
+                      {{FromPlid(), plid}, {SeqNum(), position}, {Revision(), revision}})));
     }
     sendMenu(entries, tr("Track Context Menu"), request);
     return true;
@@ -82,8 +83,8 @@ bool PlayListTrackContextNode::getRowsRequest(const CMGetRowsRequest& request) {
 bool PlayListTrackContextNode::setDataRequest(const CMSetDataRequest& request) {
     struct ActionRow {
         const char* action;
-        QString playlist; // the parameters of the playlist and the place
-        QString place;
+        QString playlist; // the parameters of the playlist and the position
+        QString position;
         const char* gone;
         const char* changed;
     };
@@ -119,7 +120,7 @@ bool PlayListTrackContextNode::setDataRequest(const CMSetDataRequest& request) {
         return true;
     }
     CMPath present = request.path();
-    present.addParam(row->place, toStr(item.sequenceNumber()));
+    present.addParam(row->position, toStr(item.sequenceNumber()));
     return MenuNode::setDataRequest(CMSetDataRequest(present, request.value(), request.reply()));
 }
 
