@@ -365,7 +365,7 @@ bool Database::cleanUnusedItems() {
     return statement(StatementId::CleanUnusedItems).run();
 }
 
-void Database::removeStrayItems() {
+void Database::removeUnusedItems() {
     // Every entry has its own item. Comparing the numbers costs next to nothing, the clean-up a
     // pass over the whole store.
     constexpr const char* MoreItemsThanEntries =
@@ -375,7 +375,7 @@ void Database::removeStrayItems() {
     const int counted = lookForRow(m_connection, MoreItemsThanEntries, &found);
     execute(m_connection, CacheSize);
     const bool cleaned = found && cleanUnusedItems();
-    m_mayHoldStrays = counted != SQLITE_OK || found != cleaned;
+    m_mayHoldUnusedItems = counted != SQLITE_OK || found != cleaned;
     if (!cleaned)
         return;
     LOG4CPLUS_INFO(moduleLog(), "removed " << sqlite3_changes(m_connection)

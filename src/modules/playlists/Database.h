@@ -160,7 +160,7 @@ public:
     // Removes items that no entry refers to. A clear leaves them when the process ends between its
     // two statements; they would stay, and count against the limit, until something else is
     // deleted. Costs next to nothing when there are none.
-    void removeStrayItems();
+    void removeUnusedItems();
     // Logs every entry, at trace level; costs nothing when that is off.
     void printItems(const PlayListRecord& pl);
 
@@ -196,7 +196,7 @@ private:
     friend class StoreProbe; // the tests' look at the connection
 
     class Transaction;
-    class LeftItems;
+    class UnusedItems;
 
     void openFile();
     void refuseForeignFile();
@@ -226,7 +226,7 @@ private:
     bool m_vacuumNeeded;
     bool m_lastCommitFailed = false;
     // Items that nothing refers to may have stayed behind: the next removals look at all items.
-    bool m_mayHoldStrays = false;
+    bool m_mayHoldUnusedItems = false;
     const qint64 m_firstRevision;
     qint64 m_lastRevision;
     GivenNumbers m_givenUids;

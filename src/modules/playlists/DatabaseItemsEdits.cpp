@@ -5,8 +5,8 @@
 
 #include "AlikeLines.h"
 #include "DatabaseItemRows.h"
-#include "DatabaseLeftItems.h"
 #include "DatabaseTransaction.h"
+#include "DatabaseUnusedItems.h"
 #include "ItemTexts.h"
 #include "ModuleLog.h"
 #include "NumberRuns.h"
@@ -191,11 +191,11 @@ int Database::removeItems(const PlayListRecord& pl, const QList<int>& indices) {
 }
 
 int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>& indices) {
-    LeftItems left(*this, indices.size());
+    UnusedItems unused(*this, indices.size());
     AlikeLines lines(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
     int removed = 0;
     for (const NumberRun& run : runsOf(indices)) {
-        left.note(pl.uid, run.from, run.to);
+        unused.note(pl.uid, run.from, run.to);
         // A read that failed may have ended the transaction.
         if (sqlite3_get_autocommit(m_connection))
             break;
@@ -211,7 +211,7 @@ int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>&
         LOG4CPLUS_ERROR(moduleLog(), "Unable to remove all item indices");
         return StoreResult::Failed;
     }
-    if (!left.remove()) {
+    if (!unused.remove()) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to clean up unused items");
         return StoreResult::Failed;
     }
@@ -332,14 +332,14 @@ bool Database::reorderItemsTransaction(const PlayListRecord& pl, int first,
 
 bool Database::clearItems(const PlayListRecord& pl) {
     CM_ENTER_ARGS(moduleLog(), "pl=" << pl.uid);
-    LeftItems left(*this, pl.size);
-    left.note(pl.uid, 0, LastPossibleNumber);
+    UnusedItems unused(*this, pl.size);
+    unused.note(pl.uid, 0, LastPossibleNumber);
     if (removeItemsHelper(pl, 0, LastPossibleNumber) < 0) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to clear playList " << pl.uid);
         return false;
     }
-    const bool cleaned = left.remove();
-    m_mayHoldStrays = !cleaned;
+    const bool cleaned = unused.remove();
+    m_mayHoldUnusedItems = !cleaned;
     if (!cleaned)
         LOG4CPLUS_ERROR(moduleLog(), "Unable to clean up unused items");
     setVacuumNeeded();

@@ -2,7 +2,7 @@
 #include <memory>
 
 #include "DatabaseItemRows.h"
-#include "DatabaseLeftItems.h"
+#include "DatabaseUnusedItems.h"
 #include "ModuleLog.h"
 #include "Sqlite3Statement.h"
 
@@ -97,8 +97,8 @@ bool Database::deletePlayListTransaction(const PlayListRecord& pl) {
     const std::unique_ptr<Sqlite3Statement> locking(
         Sqlite3Statement::create(m_connection, LockForWriting, LockName));
     const bool locked = locking && locking->run(pl.uid);
-    LeftItems left(*this, pl.size);
-    left.note(pl.uid, 0, LastPossibleNumber);
+    UnusedItems unused(*this, pl.size);
+    unused.note(pl.uid, 0, LastPossibleNumber);
     // A read that failed may have ended the transaction.
     if (!locked || sqlite3_get_autocommit(m_connection) ||
         !statement(StatementId::DeletePlayList).run(pl.uid)) {
@@ -110,7 +110,7 @@ bool Database::deletePlayListTransaction(const PlayListRecord& pl) {
         return false;
     }
     // The entries went with the playlist; their items did not.
-    if (!left.remove()) {
+    if (!unused.remove()) {
         LOG4CPLUS_ERROR(moduleLog(), "Unable to clean up unused items");
         return false;
     }

@@ -40,7 +40,7 @@ PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config)
         on_databaseVacuum_needed(false);
     m_manager = new PlayListManager(m_database);
     // No list waits for it, so it does not hold up the start.
-    QTimer::singleShot(0, this, [this] { m_database->removeStrayItems(); });
+    QTimer::singleShot(0, this, [this] { m_database->removeUnusedItems(); });
     m_ui = new PlayListUI(this, nodes(), subscribe(), m_manager);
     m_controller = new Controller(this, m_manager, PlayListLimits::from(config));
     m_playLogic = new PlayListPlayLogic(this, m_manager, nullptr);

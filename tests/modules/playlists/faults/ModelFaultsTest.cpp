@@ -93,7 +93,7 @@ TEST_F(ModelFaultsTest, startingShowsWhatIsThere) {
             FaultVfs::set(fault, nth);
             manager();
             // As the worker does once the device runs.
-            database().removeStrayItems();
+            database().removeUnusedItems();
             FaultVfs::clear();
             if (FaultVfs::failures() == 0) {
                 EXPECT_EQ(inFile(), inMemory());
@@ -106,7 +106,7 @@ TEST_F(ModelFaultsTest, startingShowsWhatIsThere) {
             if (fault.lasting) {
                 dropManager();
                 manager();
-                database().removeStrayItems();
+                database().removeUnusedItems();
             }
             const bool asStated = inFile() == inMemory() && stateErrors(false).isEmpty();
             EXPECT_TRUE(asStated) << qPrintable(inMemory().join(", ")) << " and "

@@ -232,10 +232,10 @@ TEST_F(StoreFaultsTest, aClearIsTwoSteps) {
     }
 }
 
-TEST_F(StoreFaultsTest, strayItemsGoOrStay) {
-    Operation operation{"removeStrayItems",
+TEST_F(StoreFaultsTest, unusedItemsGoOrStay) {
+    Operation operation{"removeUnusedItems",
                         [this] {
-                            database().removeStrayItems();
+                            database().removeUnusedItems();
                             return QString();
                         },
                         {done("")}};

@@ -65,7 +65,7 @@ TEST_F(RestartTest, itemsOfAClearThatWasCutOffAreRemoved) {
     disconnect();
     const LogCapture log("PlayLists");
     restart();
-    database().removeStrayItems();
+    database().removeUnusedItems();
     EXPECT_EQ(3, manager().getPlaylistsItemsCount());
     EXPECT_EQ("xyz", letters(*manager().getPlayListByUid(keptUid)));
     EXPECT_EQ("", letters(*manager().getPlayListByUid(clearedUid)));
@@ -74,13 +74,13 @@ TEST_F(RestartTest, itemsOfAClearThatWasCutOffAreRemoved) {
     expectInStep();
 }
 
-TEST_F(RestartTest, aStoreWithoutStrayItemsIsNotTouched) {
+TEST_F(RestartTest, aStoreWithoutUnusedItemsIsNotTouched) {
     playList("xyz");
     dropManager();
     const StatementTrace trace(database());
     const LogCapture log("PlayLists");
     manager();
-    database().removeStrayItems();
+    database().removeUnusedItems();
     EXPECT_EQ(QStringList(), trace.texts().filter("DELETE"));
     EXPECT_EQ(QStringList(), log.lines().filter("removed"));
 }

@@ -182,14 +182,14 @@ int cachedBytes(Database& database) {
 }
 } // namespace
 
-TEST_F(CostTest, countingForStrayItemsKeepsFewPagesAndLeavesTheCacheItsSize) {
+TEST_F(CostTest, countingForUnusedItemsKeepsFewPagesAndLeavesTheCacheItsSize) {
     constexpr int Kept = 128 * 1024; // 64 KiB and what SQLite needs for itself
     playListOf(items(20000));
     reopen();
     database().countPlaylistsItems();
     ASSERT_GT(cachedBytes(database()), 2 * Kept) << "enough to read";
     reopen();
-    database().removeStrayItems();
+    database().removeUnusedItems();
     EXPECT_LT(cachedBytes(database()), Kept);
     database().countPlaylistsItems();
     EXPECT_GT(cachedBytes(database()), 2 * Kept);

@@ -14,10 +14,10 @@
 // not be noted.
 //
 // A value of the removing operation, worker's thread.
-class Database::LeftItems {
+class Database::UnusedItems {
 public:
     // Before `count` entries are removed.
-    LeftItems(Database& database, int count);
+    UnusedItems(Database& database, int count);
 
     // The items of the entries `from` to `to`, which are about to be removed.
     void note(int playlistUid, int from, int to);

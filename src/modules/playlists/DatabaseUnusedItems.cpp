@@ -1,4 +1,4 @@
-#include "DatabaseLeftItems.h"
+#include "DatabaseUnusedItems.h"
 
 #include "DatabaseTransaction.h"
 #include "NumberRuns.h"
@@ -44,16 +44,16 @@ QString runsAsJson(const QVector<NumberRun>& runs) {
 
 } // namespace
 
-Database::LeftItems::LeftItems(Database& database, int count)
-    : m_database(database), m_areFew(!database.m_mayHoldStrays && holds(FewToNote, count)) {}
+Database::UnusedItems::UnusedItems(Database& database, int count)
+    : m_database(database), m_areFew(!database.m_mayHoldUnusedItems && holds(FewToNote, count)) {}
 
-bool Database::LeftItems::holds(const QString& enough, int count) {
+bool Database::UnusedItems::holds(const QString& enough, int count) {
     const std::unique_ptr<Sqlite3Statement> query(
         Sqlite3Statement::create(m_database.m_connection, enough, CleanUpName));
     return query && query->bindInt(1, count) && query->step_row();
 }
 
-void Database::LeftItems::note(int playlistUid, int from, int to) {
+void Database::UnusedItems::note(int playlistUid, int from, int to) {
     if (!m_areFew)
         return;
     if (!m_items)
@@ -66,7 +66,7 @@ void Database::LeftItems::note(int playlistUid, int from, int to) {
     m_areFew = m_areFew && m_items->reset();
 }
 
-bool Database::LeftItems::remove() {
+bool Database::UnusedItems::remove() {
     m_items.reset();
     const QVector<NumberRun> runs = runsOf(m_uids);
     if (!m_areFew || !holds(FewToLookFor, runs.size()))
