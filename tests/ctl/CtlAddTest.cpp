@@ -1,13 +1,20 @@
 #include <QJsonObject>
 
 #include "CtlFixture.h"
+#include "FakePlayer.h"
+#include "OrvoPlayListPaths.h"
+#include "TestApp.h"
 
 namespace {
 
 class CtlAdd : public CtlFixture {
 protected:
-    QStringList tracks(int id) const { return m_playLists.lists.value(id).tracks; }
-
+    void setItemsLimit(int limit) {
+        const CMVoidReply reply;
+        m_root.setValue(OrvoPlayListsSettingsDataBaseItemsLimitPath(), limit, reply);
+        ASSERT_FALSE(reply.isError());
+        restartPlayLists();
+    }
     static QStringList numbered(int count) {
         QStringList paths;
         for (int i = 0; i < count; ++i)
@@ -23,8 +30,8 @@ TEST_F(CtlAdd, aLocalFileIsAddedByItsPathInTheMusicFolder) {
     const QString file = makeFile(QString::fromUtf8("Band ü/1 & 2?/a#b.flac"));
     const CtlRun run = ctl({"add", "Party", file});
     EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.err.toStdString(), "added 1 of 1 tracks to Party (#10)\n");
-    EXPECT_EQ(tracks(id), QStringList{"files:tree/Band%20%C3%BC/1%20%26%202%3F/a%23b.flac"});
+    EXPECT_EQ(run.err.toStdString(), "added 1 of 1 tracks to Party (#1)\n");
+    EXPECT_EQ(tracks(id), QStringList{QString::fromUtf8("Band ü/1 & 2?/a#b.flac")});
 }
 
 TEST_F(CtlAdd, aFolderAddsAllItsTracksInOrder) {
@@ -33,19 +40,17 @@ TEST_F(CtlAdd, aFolderAddsAllItsTracksInOrder) {
          {"B/2.flac", "B/1.flac", "A/x/1.flac", "A/cover.jpg", "z.flac", "Empty/readme.txt"})
         makeFile(QString::fromLatin1(name));
     EXPECT_EQ(ctl({"add", "Party", musicFolder()}).status, 0);
-    EXPECT_EQ(tracks(id), (QStringList{"files:tree/A/x/1.flac", "files:tree/B/1.flac",
-                                       "files:tree/B/2.flac", "files:tree/z.flac"}));
+    EXPECT_EQ(tracks(id), (QStringList{"A/x/1.flac", "B/1.flac", "B/2.flac", "z.flac"}));
     EXPECT_EQ(ctl({"add", "Party", "files:tree/B", musicFolder() + "/A/"}).status, 0);
-    EXPECT_EQ(tracks(id).mid(4),
-              (QStringList{"files:tree/B/1.flac", "files:tree/B/2.flac", "files:tree/A/x/1.flac"}));
+    EXPECT_EQ(tracks(id).mid(4), (QStringList{"B/1.flac", "B/2.flac", "A/x/1.flac"}));
 }
 
 TEST_F(CtlAdd, aPathOfTheDeviceIsATrackOrAListOfTracks) {
     playlist("Source", {"x:a", "x:b"});
     const int id = playlist("Party");
-    EXPECT_EQ(ctl({"add", "Party", "files:tree/one.flac", "playlists:pl/items/10"}).status, 0);
-    EXPECT_EQ(tracks(id),
-              (QStringList{"files:tree/one.flac", "playlists:item/100", "playlists:item/101"}));
+    makeFile("one.flac");
+    EXPECT_EQ(ctl({"add", "Party", "files:tree/one.flac", "playlists:pl/items/1"}).status, 0);
+    EXPECT_EQ(tracks(id), (QStringList{"one.flac", "x:a", "x:b"}));
 }
 
 TEST_F(CtlAdd, whatIsNotThereOrNotInTheMusicFolderIsRefused) {
@@ -59,7 +64,9 @@ TEST_F(CtlAdd, whatIsNotThereOrNotInTheMusicFolderIsRefused) {
     makeFile("Empty/readme.txt");
     EXPECT_EQ(ctl({"add", "Party", musicFolder()}).status, 1);
     EXPECT_EQ(ctl({"add", "Nobody", musicFolder()}).status, 1);
-    EXPECT_EQ(ctl({"add", "#77", "x:a"}).err.toStdString(), "orvoctl: No such list.\n");
+    EXPECT_EQ(
+        ctl({"add", "#77", "x:a"}).err.toStdString(),
+        "orvoctl: Could not add items to playlist. No items were added. (There is no playlist with this ID. (77))\n");
     EXPECT_EQ(ctl({"add", "Party"}).status, 2);
     EXPECT_EQ(ctl({"add", "Party", "x:a", "--now", "--next"}).status, 2);
     EXPECT_TRUE(tracks(id).isEmpty());
@@ -69,7 +76,7 @@ TEST_F(CtlAdd, manyTracksAreAppendedInPartsThatKeepTheirOrder) {
     const int id = playlist("Party", {"x:first"});
     const QStringList many = numbered(1201);
     EXPECT_EQ(ctl(QStringList{"add", "Party", "--append"} + many).status, 0);
-    EXPECT_EQ(m_playLists.addSizes, (QList<int>{500, 500, 201}));
+    EXPECT_EQ(m_source.requestSizes, (QList<int>{500, 500, 201}));
     EXPECT_EQ(tracks(id), QStringList{"x:first"} + many);
 }
 
@@ -77,7 +84,7 @@ TEST_F(CtlAdd, manyTracksAreAddedNextInTheirOrderWhateverWasPlayed) {
     const QStringList many = numbered(1201);
     for (const int lastPlayed : {-1, 0}) {
         const int id = playlist("Party", {"x:first", "x:last"});
-        m_playLists.lists[id].lastPlayed = lastPlayed;
+        list(id)->setLastSequenceNumber(lastPlayed);
         const QString name = QStringLiteral("#%1").arg(id);
         EXPECT_EQ(ctl(QStringList{"add", name, "--next"} + many).status, 0);
         QStringList expected = QStringList{"x:first"} + many;
@@ -88,22 +95,25 @@ TEST_F(CtlAdd, manyTracksAreAddedNextInTheirOrderWhateverWasPlayed) {
 
 TEST_F(CtlAdd, manyTracksAreAddedNowInTheirOrderAndTheFirstOneStarts) {
     const int id = playlist("Party", {"x:first", "x:last"});
-    m_playLists.lists[id].lastPlayed = 0;
+    list(id)->setLastSequenceNumber(0);
+    FakePlayer player;
     const QStringList many = numbered(1201);
     EXPECT_EQ(ctl(QStringList{"add", "Party", "--now"} + many).status, 0);
     EXPECT_EQ(tracks(id), QStringList{"x:first"} + many + QStringList{"x:last"});
-    EXPECT_EQ(m_playLists.lists.value(id).lastPlayed, 1);
+    EXPECT_EQ(player.asked, QStringList{"player:playContainer"});
+    EXPECT_EQ(player.index(), 1);
 }
 
 TEST_F(CtlAdd, aDeviceThatIsFullSaysHowManyWereAdded) {
     const int id = playlist("Party");
-    m_playLists.limit = 1000;
+    setItemsLimit(1000);
     CtlRun run = ctl(QStringList{"add", "Party"} + numbered(1201));
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.err.toStdString(),
-              "orvoctl: only 1000 of 1201 tracks added: No items were added.\n");
+    EXPECT_EQ(
+        run.err.toStdString(),
+        "orvoctl: only 1000 of 1201 tracks added: Could not add items to playlist. No items were added. (Unable to add more items to the playlist. Items reached limit.)\n");
     EXPECT_EQ(tracks(id).size(), 1000);
-    m_playLists.limit = 1001;
+    setItemsLimit(1001);
     EXPECT_EQ(ctl({"add", "Party", "x:a", "x:b", "--json"}).json().object().value("added"), 1);
 }
 
@@ -112,13 +122,12 @@ TEST_F(CtlAdd, namesComeFromStandardInputOneALine) {
     const QByteArray file = makeFile("A & B/1 2.flac").toUtf8();
     const QByteArray other = makeFile("A & B/3.flac").toUtf8();
     EXPECT_EQ(ctl({"add", "Party", "-"}, file + "\n\n" + other + "\nx:a").err.toStdString(),
-              "added 3 of 3 tracks to Party (#10)\n");
-    const QStringList expected = {"files:tree/A%20%26%20B/1%202.flac",
-                                  "files:tree/A%20%26%20B/3.flac", "x:a"};
+              "added 3 of 3 tracks to Party (#1)\n");
+    const QStringList expected = {"A & B/1 2.flac", "A & B/3.flac", "x:a"};
     EXPECT_EQ(tracks(id), expected);
-    // As find -print0 gives them; among other names, too.
+    // As find -print0 gives them; among other names, too. A device asks each source once.
     EXPECT_EQ(ctl({"add", "Party", "x:b", "-", "x:c"}, file + '\0' + other + '\0').status, 0);
-    EXPECT_EQ(tracks(id).mid(3), (QStringList{"x:b", expected.at(0), expected.at(1), "x:c"}));
+    EXPECT_EQ(tracks(id).mid(3), (QStringList{"x:b", "x:c", expected.at(0), expected.at(1)}));
     const CtlRun empty = ctl({"add", "Party", "-"}, "\n");
     EXPECT_EQ(empty.status, 1);
     EXPECT_EQ(empty.err.toStdString(), "orvoctl: there are no tracks in it\n");
@@ -127,8 +136,12 @@ TEST_F(CtlAdd, namesComeFromStandardInputOneALine) {
 }
 
 TEST_F(CtlAdd, theMusicFolderIsLookedAtAgain) {
+    ASSERT_TRUE(waitUntil([this] {
+        return m_root.getValue(CMPath("files:scan")).toHash().value("state") == "ready";
+    }));
+    const LogCapture log("Files");
     const CtlRun run = ctl({"rescan"});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.err.toStdString(), "looking at the music folder again\n");
-    EXPECT_EQ(m_files.rescans, 1);
+    EXPECT_TRUE(log.contains("INFO", "scanning " + musicFolder()));
 }

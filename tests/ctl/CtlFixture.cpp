@@ -4,9 +4,37 @@
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QTimer>
+#include <QUrl>
 
-CtlFixture::CtlFixture() : m_files(musicFolder()) {
+#include "OrvoPlayListPaths.h"
+
+CtlFixture::CtlFixture()
+    : m_store(m_folder.filePath(QStringLiteral("device/") + StoreFile::File)),
+      m_oldFolder(QDir::currentPath()) {
     QDir().mkpath(musicFolder());
+    QDir().mkpath(m_folder.filePath(QStringLiteral("device")));
+    QDir::setCurrent(m_folder.filePath(QStringLiteral("device")));
+    m_files = std::make_unique<FilesWorker>(
+        QHash<QString, QVariant>{{QStringLiteral("musicDir"), musicFolder()}});
+    restartPlayLists();
+}
+
+CtlFixture::~CtlFixture() {
+    m_playLists.reset();
+    turnEventLoop();
+    QDir::setCurrent(m_oldFolder);
+}
+
+void CtlFixture::restartPlayLists(const QString& sql) {
+    m_playLists.reset();
+    turnEventLoop();
+    m_store.run(sql);
+    m_playLists = std::make_unique<PlayListWorker>(QHash<QString, QVariant>());
+}
+
+PlayLogicProbe CtlFixture::logic() {
+    return PlayLogicProbe(
+        static_cast<PlayListPlayLogic*>(m_playLists->nodes()->find(OrvoPlayListsPlayLogicPath())));
 }
 
 CtlRun CtlFixture::ctl(const QStringList& words, const QByteArray& input) {
@@ -34,9 +62,26 @@ CtlRun CtlFixture::runProgram(const QStringList& words, const QByteArray& input)
 }
 
 int CtlFixture::playlist(const QString& name, const QStringList& tracks) {
-    const int id = m_playLists.lists.lastKey() + 10;
-    m_playLists.lists.insert(id, {name, tracks, -1, 0, 0});
-    return id;
+    PlayListBase* list = logic().manager()->createPlayList(name);
+    QList<OrvoPlayListItem> items;
+    for (const QString& track : tracks)
+        items.append(TrackSource::item(track));
+    if (!items.isEmpty()) {
+        EXPECT_EQ(list->addItems(OrvoPlayListAddPosition::Append, items), 0);
+    }
+    return list->getUid();
+}
+
+QStringList CtlFixture::tracks(int id) {
+    QStringList tracks =
+        m_store.query(QStringLiteral("SELECT url FROM playlists_items JOIN items ON item = uid"
+                                     " WHERE playlist = %1 ORDER BY sequenceNumber")
+                          .arg(id));
+    for (QString& track : tracks) {
+        if (QUrl(track).isLocalFile())
+            track = QDir(musicFolder()).relativeFilePath(QUrl(track).toLocalFile());
+    }
+    return tracks;
 }
 
 QString CtlFixture::makeFile(const QString& name) {

@@ -2,8 +2,8 @@
 
 #include "CMWorker.h"
 
-// Stands in for the player: keeps what it was asked, and says what plays and where playback was
-// stopped.
+// Stands in for the player, which needs tracks that sound: keeps what it was asked, and says what
+// plays and where playback was stopped as the test has it.
 class FakePlayer : public CMNodesWorker {
     Q_OBJECT
 public:
@@ -19,6 +19,16 @@ public:
         record = request.value().toHash();
         request.reply().setValue(QVariant());
     }
+
+    // What it was asked to play: the list, the place in it, and where in the track.
+    QString list() const {
+        return record.value(QStringLiteral("mediaRoles"))
+            .toHash()
+            .value(QStringLiteral("path"))
+            .toString();
+    }
+    int index() const { return record.value(QStringLiteral("index")).toInt(); }
+    int startPosition() const { return record.value(QStringLiteral("startPosition")).toInt(); }
 
     QStringList asked;
     QVariantHash record; // that of the last request
