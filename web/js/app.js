@@ -22,7 +22,7 @@ const RetryMs = 1500;
 
 const after = (ms) => new Promise((done) => setTimeout(done, ms));
 
-// With the beginning of the second frame the first one is on its way to the screen. A page that nobody sees has none.
+// With the beginning of the second frame the first one is on its way to the screen. A hidden page has none.
 async function painted() {
   for (let frame = 0; frame < 2 && !document.hidden; frame += 1) await new Promise(requestAnimationFrame);
   await after(0);

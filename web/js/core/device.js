@@ -7,7 +7,7 @@
 
 const Kinds = ['rows', 'startingWith', 'value', 'resync'];
 
-// The play position has events only while somebody asks for them.
+// The gateway sends events of the play position only to clients that ask for them.
 const Watched = ['player:position'];
 
 function openStream(lastId = null) {
@@ -38,7 +38,7 @@ const early = { source: openStream(), events: [], isSure: true };
 for (const kind of Kinds) early.source.addEventListener(kind, (event) => early.events?.push(event));
 
 const first = { '/api/paths': ask('/api/paths'), '/api/modules': ask('/api/modules') };
-// A failure is for whoever takes the answer, and is tried again by asking properly.
+// The module that takes the answer meets the failure and asks again.
 for (const promise of Object.values(first)) promise.catch(() => {});
 
 // The list of lists, once the stream stands: what changes after it was read comes as an event. The
@@ -305,7 +305,7 @@ export class EventFeed extends Emitter {
   }
 
   lost() {
-    // A blink of the connection is nobody's concern.
+    // A short interruption is not shown.
     if (!this.lossTimer && this.online) {
       this.lossTimer = setTimeout(() => {
         this.lossTimer = 0;

@@ -105,7 +105,7 @@ export class Commands {
     return { kind: 'merge', target, source: this.listOf(Number(fromplid)), mode: Number(mode) };
   }
 
-  // Merging a list with itself would double it: nobody who chooses from a menu means that.
+  // Merging a list with itself would double it: who chooses it from a menu does not mean that.
   isOffered(row) {
     if (!row.path || basePart(row.path) !== this.paths.OrvoPlayListPlSelectAddModePath) return true;
     const { itemid, fromplid, plid } = params(row.path);

@@ -25,7 +25,7 @@ export const metaData = (row) => row?.mediaData?.metaData ?? {};
 
 export const isSwitch = (row) => row.type === RowType.Editable && typeof row.value?.bool === 'boolean';
 
-// What something can be done with: what is shown only, or of a type nobody has heard of, is not.
+// What something can be done with: what is shown only, or of a type that is not known here, is not.
 export const isUsable = (row) => {
   if (row.type === RowType.Editable) return row.modifiable === true;
   return [RowType.Container, RowType.Audio, RowType.Action].includes(row.type);
@@ -235,7 +235,7 @@ export class ListStore extends Emitter {
     this.count = count;
     this.rows.length = count;
     this.generations.length = count;
-    if (known) this.generation += 1; // nobody said where: everything may have shifted
+    if (known) this.generation += 1; // where is not said: everything may have shifted
     this.emit('count');
   }
 

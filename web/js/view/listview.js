@@ -14,7 +14,7 @@ import { Selection } from './selection.js';
 const Overscan = 6;
 // Faster than this, in screens per second, rows fly by and pictures wait.
 const FlyingBy = 4;
-// Faster than this nobody could read them: their places are shown, and nothing is asked for.
+// Faster than this rows cannot be read: their places are shown, and nothing is asked for.
 const Blurred = 25;
 const SettleMs = 110;
 // So many rows are given their texts in one frame, the others in the next ones.

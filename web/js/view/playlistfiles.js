@@ -8,7 +8,7 @@ import { attempt, el, icon, showDialog, tell } from './dom.js';
 const ImportPath = 'lists:import';
 const ExportPath = 'lists:export';
 const Accepted = '.m3u,.m3u8,.pls,.xspf';
-// More lines nobody reads on a screen.
+// More lines than a person reads on a screen.
 const MaxLines = 200;
 
 const hasFiles = ({ dataTransfer }) => Boolean(dataTransfer?.types.includes('Files'));

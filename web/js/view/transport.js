@@ -112,7 +112,7 @@ export class Transport {
     label(this.mute, volume === 0 ? 'Sound on' : 'Mute');
   }
 
-  // Once a frame or less, by whoever shows this.
+  // The player bar calls it once a frame or less.
   showClock() {
     if (!this.seeking) this.showTime(this.player.isActive ? this.player.position : 0);
   }
