@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr const char* fewTexts[] = {
+constexpr const char* FewTexts[] = {
     "SELECT 1 FROM playlists_items LIMIT 1 OFFSET ?1 * 6",
     "SELECT 1 FROM playlists_items LIMIT 1 OFFSET ?1 * (SELECT Count(*) FROM playlists)",
     "SELECT item FROM playlists_items"
@@ -33,7 +33,7 @@ bool run(sqlite3_stmt* s) {
 
 const char* Baseline::statementText(int index) {
     return index < int(StatementCount) ? statementRow(StatementId(index)).sql
-                                       : fewTexts[index - int(StatementCount)];
+                                       : FewTexts[index - int(StatementCount)];
 }
 
 // A benchmark has no use for half a baseline.

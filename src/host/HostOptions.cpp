@@ -15,7 +15,7 @@ struct LevelRow {
     const char* name;
     log4cplus::LogLevel level;
 };
-constexpr LevelRow levels[] = {
+constexpr LevelRow Levels[] = {
     {"trace", log4cplus::TRACE_LOG_LEVEL}, {"debug", log4cplus::DEBUG_LOG_LEVEL},
     {"info", log4cplus::INFO_LOG_LEVEL},   {"warn", log4cplus::WARN_LOG_LEVEL},
     {"error", log4cplus::ERROR_LOG_LEVEL}, {"fatal", log4cplus::FATAL_LOG_LEVEL},
@@ -30,7 +30,7 @@ struct LogLimitRow {
 };
 // A line has room for its time, level and logger, and for what is said of a cut. 204800 is the
 // smallest file that log4cplus rotates.
-constexpr LogLimitRow logLimitRows[] = {
+constexpr LogLimitRow LogLimitRows[] = {
     {"log/maxLineBytes", &LogLimits::lineBytes, 200, 1 << 30, true},
     {"log/maxAlike", &LogLimits::alike, 1, std::numeric_limits<int>::max(), true},
     {"log/maxFileBytes", &LogLimits::fileBytes, 204800, std::numeric_limits<int>::max(), true},
@@ -147,7 +147,7 @@ std::optional<QString> HostOptions::readListen(const QString& text) {
 }
 
 std::optional<QString> HostOptions::readLogLevel(const QString& text) {
-    for (const LevelRow& row : levels) {
+    for (const LevelRow& row : Levels) {
         if (text == QLatin1String(row.name)) {
             m_logLevel = row.level;
             return {};
@@ -158,7 +158,7 @@ std::optional<QString> HostOptions::readLogLevel(const QString& text) {
 
 std::optional<QString> HostOptions::readLogLimits() {
     for (const auto& [key, value] : qAsConst(m_config)) {
-        for (const LogLimitRow& row : logLimitRows) {
+        for (const LogLimitRow& row : LogLimitRows) {
             if (key != QLatin1String(row.key))
                 continue;
             bool isNumber = false;

@@ -23,7 +23,7 @@ struct DefaultModule {
 };
 // In the order of loading: the gateway comes last, so that no client asks for what is not there
 // yet.
-constexpr DefaultModule defaultList[] = {
+constexpr DefaultModule DefaultModules[] = {
     {"liborvo_playlists.so", false}, {"liborvo_files.so", false},   {"liborvo_lists.so", true},
     {"liborvo_player.so", true},     {"liborvo_gateway.so", false},
 };
@@ -39,7 +39,7 @@ ModuleLoader::~ModuleLoader() {
 
 QStringList ModuleLoader::defaultModules() {
     QStringList modules;
-    for (const DefaultModule& row : defaultList) {
+    for (const DefaultModule& row : DefaultModules) {
         const QString file = QString::fromLatin1(row.file);
         if (!row.optional || !find(file).isEmpty())
             modules.append(file);

@@ -8,7 +8,7 @@ struct FormatRow {
     const char* suffix;
     const char* mimeType;
 };
-constexpr FormatRow formats[] = {
+constexpr FormatRow Formats[] = {
     {"aac", "audio/aac"},      {"aif", "audio/aiff"},     {"aifc", "audio/aiff"},
     {"aiff", "audio/aiff"},    {"ape", "audio/x-ape"},    {"flac", "audio/flac"},
     {"m4a", "audio/mp4"},      {"m4b", "audio/mp4"},      {"mp2", "audio/mpeg"},
@@ -20,7 +20,7 @@ constexpr FormatRow formats[] = {
 
 QHash<QString, QString> makeTable() {
     QHash<QString, QString> table;
-    for (const FormatRow& row : formats)
+    for (const FormatRow& row : Formats)
         table.insert(QString::fromLatin1(row.suffix), QString::fromLatin1(row.mimeType));
     return table;
 }

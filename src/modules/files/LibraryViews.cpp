@@ -11,7 +11,7 @@ struct RoleRow {
     const char* name;
     const char* unnamed;
 };
-constexpr RoleRow libraryRoles[] = {
+constexpr RoleRow LibraryRoles[] = {
     {Library::Artist, "artist", "Unknown artist"},
     {Library::AlbumArtist, "albumArtist", "Unknown artist"},
     {Library::Album, "album", "Unknown album"},
@@ -22,7 +22,7 @@ constexpr RoleRow libraryRoles[] = {
 
 // RolesCount for a name that is none.
 Library::Role roleNamed(const QString& name) {
-    for (const RoleRow& row : libraryRoles) {
+    for (const RoleRow& row : LibraryRoles) {
         if (name == QLatin1String(row.name))
             return row.role;
     }
@@ -48,7 +48,7 @@ std::vector<quint32> selected(const Library& library, const CMPath& path) {
         quint32 name;
     };
     std::vector<Condition> conditions;
-    for (const RoleRow& row : libraryRoles) {
+    for (const RoleRow& row : LibraryRoles) {
         const auto it = path.params().constFind(QLatin1String(row.name));
         if (it == path.params().cend())
             continue;
@@ -203,11 +203,11 @@ const LibraryViews::View* LibraryViews::find(const CMPath& path) {
 }
 
 QString LibraryViews::roleName(Library::Role role) {
-    return QString::fromLatin1(libraryRoles[role].name);
+    return QString::fromLatin1(LibraryRoles[role].name);
 }
 
 TrString LibraryViews::unnamed(Library::Role role) {
-    return TrString("Files", libraryRoles[role].unnamed);
+    return TrString("Files", LibraryRoles[role].unnamed);
 }
 
 LibraryList LibraryViews::list(const Library& library, const View& view, const CMPath& path) {

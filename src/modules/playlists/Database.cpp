@@ -28,7 +28,7 @@ struct TableRow {
 };
 
 // The last row is what makes the play queue exist at every start.
-constexpr TableRow tables[] = {
+constexpr TableRow Tables[] = {
     {"playlists",
      "CREATE TABLE IF NOT EXISTS playlists ("
      "  uid INTEGER PRIMARY KEY,"
@@ -89,7 +89,7 @@ constexpr TableRow tables[] = {
 
 // The cascades have emptied the last two by then, except in a file whose rows were written without
 // foreign keys.
-constexpr const char* clearing[] = {
+constexpr const char* Clearing[] = {
     "DELETE FROM playlists",
     "DELETE FROM items",
     "DELETE FROM collections",
@@ -206,7 +206,7 @@ void Database::refuseForeignFile() {
             endHeld();
         return code == SQLITE_OK;
     };
-    for (const TableRow& row : tables) {
+    for (const TableRow& row : Tables) {
         if (!exists(row.table))
             continue;
         for (const char* sql = row.sql; *sql != '\0';) {
@@ -219,7 +219,7 @@ void Database::refuseForeignFile() {
     }
     // Looked at after the first reading, which has made good what a cut-off transaction left.
     const qint64 size = QFileInfo(QString::fromLatin1(File)).size();
-    if (exists(tables[0].table)) {
+    if (exists(Tables[0].table)) {
         // SQLite would read the rest of the last page as zeros.
         if (size % SmallestPage != 0)
             endUnopened(SQLITE_CORRUPT);
@@ -269,7 +269,7 @@ void Database::commitTransaction() {
 
 void Database::ensureTablesExist() {
     CM_ENTER(moduleLog());
-    for (const TableRow& table : tables)
+    for (const TableRow& table : Tables)
         createTableHelper(table.sql, table.name);
     LOG4CPLUS_TRACE(moduleLog(), "PlayList tables exist");
 }
@@ -287,7 +287,7 @@ void Database::createTableHelper(const char* sql, const char* name) {
 }
 
 void Database::clearDatabase() {
-    for (const char* sql : clearing)
+    for (const char* sql : Clearing)
         execute(m_connection, sql);
     ensureTablesExist();
 }

@@ -17,7 +17,7 @@ constexpr int MostPoints = 2000;
 // Another process lets go after so many tries.
 constexpr int BusyTries = 25;
 
-constexpr const char* contentsQuery =
+constexpr const char* ContentsQuery =
     "SELECT 'p' || uid || ' ' || name || ' ' || shuffle || repeatAll || ' ' || lastPlayedIndex"
     "  FROM playlists UNION ALL"
     " SELECT 'e' || playlist || ' ' || sequenceNumber || ' ' || title || ' ' || length(orvoRoles)"
@@ -128,7 +128,7 @@ void FaultSweep::restore(const Operation& operation) {
 }
 
 QStringList FaultSweep::contents() {
-    return query(QString::fromLatin1(contentsQuery));
+    return query(QString::fromLatin1(ContentsQuery));
 }
 
 QStringList FaultSweep::inMemory() {

@@ -15,7 +15,7 @@ using Position = OrvoPlayListAddPosition;
     "UPDATE playlists_items SET sequenceNumber = sequenceNumber - 100 WHERE playlist = 1;"
 #define LAST_PLAYED(number) "UPDATE playlists SET lastPlayedIndex = " number " WHERE uid = 1;"
 
-constexpr const char* entriesRemoved =
+constexpr const char* EntriesRemoved =
     "DELETE FROM playlists_items WHERE playlist = 1 AND sequenceNumber IN (1, 2, 4);"
     "DELETE FROM items WHERE uid NOT IN (SELECT item FROM playlists_items);"
     "UPDATE playlists_items SET sequenceNumber = 1 WHERE playlist = 1 AND sequenceNumber = 3;"
@@ -142,7 +142,7 @@ TEST_F(ModelFaultsTest, removing) {
             return pl().removeItems({4, 1, 2});
         },
         {done("3|itemsRemoved 1,2,4 3"), refused("-1|"),
-         partly("3|itemsRemoved 1,2,4 3", entriesRemoved)},
+         partly("3|itemsRemoved 1,2,4 3", EntriesRemoved)},
         true);
 }
 
