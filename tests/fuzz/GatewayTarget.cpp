@@ -7,7 +7,7 @@
 #include "AccessGuard.h"
 #include "ApiRouter.h"
 #include "ArtworkFiles.h"
-#include "EventFeed.h"
+#include "EventHub.h"
 #include "ExchangeProbe.h"
 #include "FuzzTarget.h"
 #include "PageFiles.h"
@@ -62,12 +62,12 @@ void tryRequests(World& world, const QByteArray& text) {
     bool commands = false;
     bool values = false;
     {
-        EventFeed feed(CMRoot()->events(), {}, CommentMs);
+        EventHub hub(CMRoot()->events(), {}, CommentMs);
         const PageFiles pages(world.pageFolder());
         const ArtworkFiles artwork(world.musicFolder(), QString());
         // With a token for some inputs: the guard is tried open and closed.
         AccessGuard guard({}, input.contains("Authorization: ") ? "secret-token" : QByteArray());
-        ApiRouter router(&feed, &pages, &artwork, &guard, world.apiLimits());
+        ApiRouter router(&hub, &pages, &artwork, &guard, world.apiLimits());
 
         QVector<std::shared_ptr<HttpExchange>> exchanges;
         int at = 0;

@@ -8,7 +8,7 @@
 #include "ApiError.h"
 #include "ArtworkFiles.h"
 #include "CMRootWorker.h"
-#include "EventFeed.h"
+#include "EventHub.h"
 #include "PageFiles.h"
 #include "PathNames.h"
 #include "PendingAnswer.h"
@@ -348,10 +348,10 @@ void ApiRouter::getEvents(const Exchange& exchange) {
         }
         watched.append(path);
     }
-    if (!m_feed->serve(exchange, lastEventId, watched))
+    if (!m_hub->serve(exchange, lastEventId, watched))
         exchange->respond(ApiError::response(
             ApiError::Kind::TooManyReaders,
-            QStringLiteral("%1 readers are connected.").arg(m_feed->maxStreams())));
+            QStringLiteral("%1 readers are connected.").arg(m_hub->maxStreams())));
 }
 
 void ApiRouter::getArtwork(const Exchange& exchange) {

@@ -9,7 +9,7 @@
 
 class ArtworkFiles;
 class AccessGuard;
-class EventFeed;
+class EventHub;
 class PageFiles;
 
 // How much one request costs at most; docs/http-api.md names the keys.
@@ -24,9 +24,9 @@ struct ApiLimits {
 // here fails otherwise.
 class ApiRouter {
 public:
-    ApiRouter(EventFeed* feed, const PageFiles* pages, const ArtworkFiles* artwork,
+    ApiRouter(EventHub* hub, const PageFiles* pages, const ArtworkFiles* artwork,
               AccessGuard* guard, const ApiLimits& limits)
-        : m_feed(feed), m_pages(pages), m_artwork(artwork), m_guard(guard), m_limits(limits) {}
+        : m_hub(hub), m_pages(pages), m_artwork(artwork), m_guard(guard), m_limits(limits) {}
 
     // How large a request's body may be, for all that the router cares; 0 where none is taken.
     static int maxBody(const HttpRequest& request);
@@ -55,7 +55,7 @@ private:
     void postLogin(const Exchange& exchange);
     void refuseUnrouted(const Exchange& exchange, const QStringList& allowed);
 
-    EventFeed* m_feed;
+    EventHub* m_hub;
     const PageFiles* m_pages;
     const ArtworkFiles* m_artwork;
     AccessGuard* m_guard;

@@ -6,7 +6,7 @@
 
 // The last events, ready to be sent, so that a reader that lost its connection, or reads slowly,
 // can go on where it was. Bounded in number and bytes; what no longer fits is forgotten, oldest
-// first. Owned by the feed.
+// first. Owned by the hub.
 //
 // Ids rise by one from a base that is drawn at random for every run, so an id of an earlier run is
 // recognised: ids stay below 2^53, whole in every client's numbers.

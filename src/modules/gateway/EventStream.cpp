@@ -3,20 +3,20 @@
 #include <cstring>
 
 #include "CMRootWorker.h"
-#include "EventFeed.h"
 #include "EventFrame.h"
+#include "EventHub.h"
 
 namespace {
 // How long a browser waits before it connects again, in milliseconds.
 constexpr int RetryMs = 2000;
 } // namespace
 
-EventStream::EventStream(EventFeed* feed, std::optional<quint64> lastEventId,
+EventStream::EventStream(EventHub* hub, std::optional<quint64> lastEventId,
                          const QVector<CMPath>& watched)
-    : m_feed(feed), m_watched(watched) {
+    : m_hub(hub), m_watched(watched) {
     for (const CMPath& path : watched)
         CMRoot()->addValueWatcher(path);
-    const EventHistory& history = feed->history();
+    const EventHistory& history = hub->history();
     m_position = lastEventId.value_or(history.lastId());
     // A reader that loses its connection before the first event can name the place, too.
     std::optional<quint64> place = m_position;
@@ -28,7 +28,7 @@ EventStream::EventStream(EventFeed* feed, std::optional<quint64> lastEventId,
 }
 
 EventStream::~EventStream() {
-    m_feed->remove(this);
+    m_hub->remove(this);
     if (CMRootWorker* root = CMRootWorker::instance()) {
         for (const CMPath& path : qAsConst(m_watched))
             root->removeValueWatcher(path);
@@ -47,12 +47,12 @@ qint64 EventStream::read(char* buffer, qint64 size) {
 }
 
 void EventStream::sendComment() {
-    if (m_sent == m_frame.size() && m_position == m_feed->history().lastId())
+    if (m_sent == m_frame.size() && m_position == m_hub->history().lastId())
         m_commentDue = true;
 }
 
 bool EventStream::nextFrame() {
-    const EventHistory& history = m_feed->history();
+    const EventHistory& history = m_hub->history();
     m_sent = 0;
     if (!history.reaches(m_position)) {
         m_position = history.lastId();

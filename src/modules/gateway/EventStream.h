@@ -8,17 +8,16 @@
 #include "CMPath.h"
 #include "HttpMessages.h"
 
-class EventFeed;
+class EventHub;
 
-// One reader of the events: a place in the feed's history and the frame that is just being sent. A
+// One reader of the events: a place in the hub's history and the frame that is just being sent. A
 // reader that is too slow falls out of the history and is told to read everything again; it costs
-// no memory and delays no other. Owned by its connection; the feed knows it while it lives.
+// no memory and delays no other. Owned by its connection; the hub knows it while it lives.
 class EventStream : public HttpBodySource {
 public:
     // Goes on after `lastEventId`, or begins with what comes next. The values at `watched` count as
     // watched while the stream lives: there are some that only then have events.
-    EventStream(EventFeed* feed, std::optional<quint64> lastEventId,
-                const QVector<CMPath>& watched);
+    EventStream(EventHub* hub, std::optional<quint64> lastEventId, const QVector<CMPath>& watched);
     ~EventStream() override;
     EventStream(const EventStream&) = delete;
     EventStream& operator=(const EventStream&) = delete;
@@ -30,7 +29,7 @@ public:
 private:
     bool nextFrame();
 
-    EventFeed* m_feed;
+    EventHub* m_hub;
     QVector<CMPath> m_watched;
     quint64 m_position;
     QByteArray m_frame;

@@ -106,13 +106,13 @@ bool writePort(quint16 port, const QString& file, QString* error) {
 GatewayWorker::GatewayWorker(const QHash<QString, QVariant>& config)
     : CMNodesWorker(config, QStringLiteral("Gateway")),
       m_limits(httpLimits(config, &m_failure)),
-      m_feed(CMRoot()->events(), historyLimits(config),
-             positive(config, "gateway/commentMs", DefaultCommentMs), m_limits.eventStreams),
+      m_hub(CMRoot()->events(), historyLimits(config),
+            positive(config, "gateway/commentMs", DefaultCommentMs), m_limits.eventStreams),
       m_pages(config.value(QStringLiteral("gateway/webRoot")).toString()),
       m_artwork(config.value(QStringLiteral("musicDir")).toString(),
                 config.value(QStringLiteral("dataDir")).toString()),
       m_guard(makeGuard(config, &m_failure)),
-      m_router(&m_feed, &m_pages, &m_artwork, &m_guard, apiLimits(config)),
+      m_router(&m_hub, &m_pages, &m_artwork, &m_guard, apiLimits(config)),
       m_server(
           m_limits, [this](const HttpRequest& request) { return admit(request); },
           [this](const std::shared_ptr<HttpExchange>& exchange) {

@@ -4,7 +4,7 @@
 #include "ApiRouter.h"
 #include "ArtworkFiles.h"
 #include "CMWorker.h"
-#include "EventFeed.h"
+#include "EventHub.h"
 #include "HttpServer.h"
 #include "PageFiles.h"
 
@@ -37,7 +37,7 @@ public:
     // Why start() failed.
     QString failure() const { return m_failure; }
     quint16 port() const { return m_server.port(); }
-    int openStreams() const { return m_feed.streams(); }
+    int openStreams() const { return m_hub.streams(); }
 
     QVariant getValue(const CMPath& path) override;
 
@@ -49,8 +49,8 @@ private:
 
     QString m_failure; // of the configuration, before the start
     HttpLimits m_limits;
-    // The server carries the streams that the feed knows, so it goes first.
-    EventFeed m_feed;
+    // The server carries the streams that the hub knows, so it goes first.
+    EventHub m_hub;
     PageFiles m_pages;
     ArtworkFiles m_artwork;
     AccessGuard m_guard;

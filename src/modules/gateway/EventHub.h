@@ -16,12 +16,12 @@ class HttpExchange;
 // Turns every change of the data model into an event and wakes those who read them. Owned by the
 // worker, outlives the server that carries the streams; the worker's thread. Never fails: what a
 // reader missed it is told to read again.
-class EventFeed : public QObject {
+class EventHub : public QObject {
     Q_OBJECT
 public:
     // More readers than `maxStreams` are sent away.
-    EventFeed(CMSubscribe* events, const EventHistory::Limits& limits, int commentIntervalMs,
-              int maxStreams = HttpLimits().eventStreams);
+    EventHub(CMSubscribe* events, const EventHistory::Limits& limits, int commentIntervalMs,
+             int maxStreams = HttpLimits().eventStreams);
 
     // Answers the exchange with a stream. False when there are too many already.
     bool serve(const std::shared_ptr<HttpExchange>& exchange, std::optional<quint64> lastEventId,

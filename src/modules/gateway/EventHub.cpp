@@ -1,4 +1,4 @@
-#include "EventFeed.h"
+#include "EventHub.h"
 
 #include "CMConnect.h"
 #include "EventStream.h"
@@ -46,16 +46,16 @@ void write(const CMChange& change, JsonWriter* writer) {
 
 } // namespace
 
-EventFeed::EventFeed(CMSubscribe* events, const EventHistory::Limits& limits, int commentIntervalMs,
-                     int maxStreams)
+EventHub::EventHub(CMSubscribe* events, const EventHistory::Limits& limits, int commentIntervalMs,
+                   int maxStreams)
     : m_history(limits), m_maxStreams(maxStreams) {
-    cmConnect(events, &CMSubscribe::changed, this, &EventFeed::onChanged);
+    cmConnect(events, &CMSubscribe::changed, this, &EventHub::onChanged);
     m_commentTimer.setInterval(commentIntervalMs);
-    cmConnect(&m_commentTimer, &QTimer::timeout, this, &EventFeed::sendComments);
+    cmConnect(&m_commentTimer, &QTimer::timeout, this, &EventHub::sendComments);
 }
 
-bool EventFeed::serve(const std::shared_ptr<HttpExchange>& exchange,
-                      std::optional<quint64> lastEventId, const QVector<CMPath>& watched) {
+bool EventHub::serve(const std::shared_ptr<HttpExchange>& exchange,
+                     std::optional<quint64> lastEventId, const QVector<CMPath>& watched) {
     if (m_streams.size() >= m_maxStreams)
         return false;
     auto stream = std::make_unique<EventStream>(this, lastEventId, watched);
@@ -66,13 +66,13 @@ bool EventFeed::serve(const std::shared_ptr<HttpExchange>& exchange,
     return true;
 }
 
-void EventFeed::remove(EventStream* stream) {
+void EventHub::remove(EventStream* stream) {
     m_streams.remove(stream);
     if (m_streams.isEmpty())
         m_commentTimer.stop();
 }
 
-void EventFeed::onChanged(const CMChange& change) {
+void EventHub::onChanged(const CMChange& change) {
     JsonWriter json(m_history.maxBytes());
     write(change, &json);
     if (json.isFull())
@@ -82,13 +82,13 @@ void EventFeed::onChanged(const CMChange& change) {
     wakeAll();
 }
 
-void EventFeed::sendComments() {
+void EventHub::sendComments() {
     for (auto it = m_streams.begin(); it != m_streams.end(); ++it)
         it.key()->sendComment();
     wakeAll();
 }
 
-void EventFeed::wakeAll() {
+void EventHub::wakeAll() {
     for (const auto& reader : qAsConst(m_streams)) {
         if (const auto exchange = reader.lock())
             exchange->wake();
