@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "HttpServer.h"
+#include "HttpExchange.h"
 
 // Requests as the HTTP server would hand them to the router, without a connection.
 class ExchangeProbe {

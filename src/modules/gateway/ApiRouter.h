@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "CMPath.h"
-#include "HttpServer.h"
+#include "HttpExchange.h"
 #include "JsonReader.h"
 #include "JsonWriter.h"
 

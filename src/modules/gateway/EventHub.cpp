@@ -2,7 +2,7 @@
 
 #include "CMConnect.h"
 #include "EventStream.h"
-#include "HttpServer.h"
+#include "HttpExchange.h"
 #include "JsonWriter.h"
 
 namespace {

@@ -8,7 +8,6 @@
 
 #include <QTextCodec>
 
-#include "ApiError.h"
 #include "GatewayLog.h"
 #include "ListenSocket.h"
 
@@ -198,8 +197,8 @@ struct HttpServer::Callbacks {
         HttpServer* server = exchange.m_server;
         server->m_connections.wait(exchange.m_about);
         server->dropBody(exchange);
-        server->dropAnswer(exchange);
-        server->uncountForwarded(exchange);
+        server->m_quotas.dropAnswer(exchange.m_share);
+        server->m_quotas.uncountForwarded(exchange.m_share);
         exchange.m_connection = nullptr;
         exchange.m_about = nullptr;
         exchange.m_server = nullptr;
@@ -238,7 +237,12 @@ struct HttpServer::Callbacks {
         HttpServer::Admission admission = server->m_guard(request);
         exchange->m_refusal = std::move(admission.refusal);
         exchange->m_maxBody = admission.maxBody;
-        server->countForwarded(*exchange);
+        // A proxy's connections say nothing about its clients.
+        if (request.client != exchange->m_about->peer) {
+            auto tooMany = server->m_quotas.countForwarded(exchange->m_share, request.client);
+            if (!exchange->m_refusal)
+                exchange->m_refusal = std::move(tooMany);
+        }
         // The library has read it as a number; a body in chunks takes its room as it grows.
         if (!exchange->m_refusal)
             server->makeRoom(*exchange,
@@ -257,7 +261,7 @@ struct HttpServer::Callbacks {
             return MHD_NO;
         if (!exchange.m_refusal && exchange.m_server->makeRoom(exchange, exchange.m_received)) {
             QByteArray& body = exchange.m_request.body;
-            body.reserve(int(exchange.m_room));
+            body.reserve(int(exchange.m_share.bodyBytes));
             body.append(data, int(*size));
         }
         *size = 0;
@@ -334,36 +338,14 @@ struct HttpServer::Callbacks {
     }
 };
 
-void HttpExchange::respond(HttpResponse response) {
-    if (m_answered)
-        return;
-    m_answered = true;
-    m_response = std::move(response);
-    if (!m_server)
-        return;
-    m_server->holdAnswer(*this);
-    m_server->resume(*this);
-}
-
-void HttpExchange::respondStream(const QByteArray& contentType,
-                                 std::unique_ptr<HttpBodySource> source) {
-    if (m_answered)
-        return;
-    m_source = std::move(source);
-    respond({200, contentType, {}, {{"Cache-Control", "no-store"}, {"X-Accel-Buffering", "no"}}});
-}
-
-void HttpExchange::wake() {
-    if (m_server)
-        m_server->resume(*this);
-}
-
 HttpServer::HttpServer(const HttpLimits& limits, Guard guard, Handler handler)
     : m_limits(limits),
       m_guard(std::move(guard)),
       m_handler(std::move(handler)),
       m_connections({limits.connections, limits.connectionsPerAddress, limits.proxies,
-                     limits.idleMs, limits.requestMs}) {
+                     limits.idleMs, limits.requestMs}),
+      m_quotas(
+          {limits.bodiesBytes, limits.answersBytes, limits.files, limits.connectionsPerAddress}) {
     m_timer.setSingleShot(true);
     QObject::connect(&m_timer, &QTimer::timeout, this, &HttpServer::run);
 }
@@ -437,81 +419,16 @@ void HttpServer::dispatchArrived() {
 }
 
 bool HttpServer::makeRoom(HttpExchange& exchange, qint64 size) {
-    using Kind = ApiError::Kind;
-    if (size <= exchange.m_room)
-        return true;
-    const HttpRequest& request = exchange.m_request;
-    const qint64 others = m_room - exchange.m_room;
-    // A single body always fits.
-    const qint64 space = others > 0 ? m_limits.bodiesBytes - others : exchange.m_maxBody;
-    if (exchange.m_maxBody == 0) {
-        exchange.m_refusal = ApiError::response(
-            Kind::TooLarge, QStringLiteral("%1 %2 takes no body.")
-                                .arg(QString::fromLatin1(request.method), request.path));
-    } else if (size > exchange.m_maxBody) {
-        exchange.m_refusal = ApiError::response(
-            Kind::TooLarge,
-            QStringLiteral("The body is larger than %1 bytes.").arg(exchange.m_maxBody));
-    } else if (size > space) {
-        exchange.m_refusal = ApiError::response(
-            Kind::TooManyBodies, QStringLiteral("Too much is being sent at the moment."));
-        exchange.m_refusal->headers.append({"Retry-After", QByteArray("1")});
-    } else {
-        // Twice what there was, where that fits: a body that grows is moved a few times only.
-        exchange.m_room = qMin(qMax(size, 2 * exchange.m_room), qMin(space, exchange.m_maxBody));
-        m_room = others + exchange.m_room;
-        return true;
-    }
-    dropBody(exchange);
-    return false;
-}
-
-void HttpServer::countForwarded(HttpExchange& exchange) {
-    const IpAddress& client = exchange.m_request.client;
-    if (client == exchange.m_about->peer)
-        return;
-    exchange.m_isForwarded = true;
-    if (++m_forwarded[client] > m_limits.connectionsPerAddress && !exchange.m_refusal)
-        exchange.m_refusal = ApiError::response(
-            ApiError::Kind::TooManyRequests, QStringLiteral("%1 has too many requests under way.")
-                                                 .arg(QString::fromLatin1(client.toString())));
-}
-
-void HttpServer::uncountForwarded(const HttpExchange& exchange) {
-    if (!exchange.m_isForwarded)
-        return;
-    const auto count = m_forwarded.find(exchange.m_request.client);
-    if (--*count == 0)
-        m_forwarded.erase(count);
+    exchange.m_refusal =
+        m_quotas.holdBody(exchange.m_share, exchange.m_request, size, exchange.m_maxBody);
+    if (exchange.m_refusal)
+        dropBody(exchange);
+    return !exchange.m_refusal;
 }
 
 void HttpServer::dropBody(HttpExchange& exchange) {
     exchange.m_request.body = QByteArray();
-    m_room -= exchange.m_room;
-    exchange.m_room = 0;
-}
-
-void HttpServer::holdAnswer(HttpExchange& exchange) {
-    HttpResponse& answer = *exchange.m_response;
-    // A single answer always fits.
-    const bool fits =
-        m_answerBytes == 0 || m_answerBytes + answer.body.size() <= m_limits.answersBytes;
-    if (!fits || (answer.file && m_files >= m_limits.files)) {
-        answer = ApiError::response(ApiError::Kind::TooManyAnswers,
-                                    QStringLiteral("Too many answers wait to be taken."));
-        answer.headers.append({"Retry-After", QByteArray("1")});
-    }
-    exchange.m_answerBytes = answer.body.size();
-    exchange.m_sendsFile = bool(answer.file);
-    m_answerBytes += exchange.m_answerBytes;
-    m_files += exchange.m_sendsFile;
-}
-
-void HttpServer::dropAnswer(HttpExchange& exchange) {
-    m_answerBytes -= exchange.m_answerBytes;
-    m_files -= exchange.m_sendsFile;
-    exchange.m_answerBytes = 0;
-    exchange.m_sendsFile = false;
+    m_quotas.dropBody(exchange.m_share);
 }
 
 void HttpServer::armTimer() {

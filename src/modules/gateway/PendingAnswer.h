@@ -7,8 +7,8 @@
 #include <QObject>
 
 #include "CMReply.h"
+#include "HttpExchange.h"
 #include "HttpMessages.h"
-#include "HttpServer.h"
 
 // An exchange that waits for a module's reply, and the time it may take. Kept alive by the reply's
 // callbacks alone: a module that answers, or lets go of its request, ends it; one that keeps silent
