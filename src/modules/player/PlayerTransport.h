@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include "CMRequest.h"
+#include "DecisionsUnderWay.h"
 #include "PlayerEngine.h"
 #include "PlayLogicInterface.h"
 #include "SleepTimer.h"
@@ -115,14 +116,9 @@ private:
     OrvoPlayerState::Enum m_state = OrvoPlayerState::Stopped;
     bool m_paused = false;
     bool m_prepared = false;
-    quint64 m_decisions = 0; // about what plays, those of users included
-    int m_decisionsUnderWay = 0;
-    // Play commands that are sent and not carried out, and who sent the last of them.
-    int m_playsUnderWay = 0;
-    QPointer<StreamerPlayLogic> m_coming;
-    quint64 m_stops = 0; // that users asked for
-    int m_startMs = 0;   // where the current item was to start
-    CMPath m_mediaPath;  // what it belongs to; the play logic's data may be gone when it stops
+    DecisionsUnderWay m_underWay;
+    int m_startMs = 0;  // where the current item was to start
+    CMPath m_mediaPath; // what it belongs to; the play logic's data may be gone when it stops
     OrvoPlayerResumePoint m_resumePoint;
     int m_volume = 100;
     QTimer m_prepareTimer;

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QPointer>
+
+#include "StreamerPlayLogic.h"
+
+// Counts the decisions about what plays from the moment when they are sent: each takes its turn in
+// the transport's queue, and until then what plays is not what was decided. A user's stop calls off
+// the play commands that are under way. A value of the transport, on its thread.
+class DecisionsUnderWay {
+public:
+    // What a command is counted as.
+    struct Ticket {
+        bool decides = false;
+        bool plays = false;
+        quint64 stops = 0; // that users had asked for by then
+    };
+
+    // A play command is a decision.
+    Ticket sendPlay(StreamerPlayLogic* from);
+    Ticket sendOther(bool decides);
+    // The command's turn has come. False for a play command that was called off.
+    bool takeTurn(const Ticket& ticket);
+    void callOffPlays();
+
+    bool hasAny() const { return m_underWay > 0; }
+    bool hasPlay() const { return m_playsUnderWay > 0; }
+    // Who sent the last play command, null when it is gone.
+    StreamerPlayLogic* lastSender() const { return m_lastSender; }
+
+    // Counts a user's request, which decides at once. All decisions so far, those of users
+    // included: as long as this is the same, no other has come.
+    quint64 countRequest() { return ++m_count; }
+    quint64 count() const { return m_count; }
+
+private:
+    quint64 m_count = 0;
+    int m_underWay = 0;
+    int m_playsUnderWay = 0;
+    QPointer<StreamerPlayLogic> m_lastSender;
+    quint64 m_stops = 0;
+};
