@@ -79,29 +79,29 @@ bool Baseline::holds(int enough, int count) {
 }
 
 // Before `count` entries are removed.
-Baseline::LeftItems Baseline::beginRemoval(int count) {
+Baseline::UnusedItems Baseline::beginRemoval(int count) {
     return {!holds(FewToNote, count), {}};
 }
 
-void Baseline::note(LeftItems* left, int uid, int from, int to) {
-    if (left->all)
+void Baseline::note(UnusedItems* unused, int uid, int from, int to) {
+    if (unused->all)
         return;
     sqlite3_stmt* s = bound(ItemsOfEntries, {uid, from, to});
     while (sqlite3_step(s) == SQLITE_ROW) {
         const int item = sqlite3_column_int(s, 0);
-        if (left->runs.empty() || left->runs.back().second + 1 != item)
-            left->runs.emplace_back(item, item);
-        left->runs.back().second = item;
+        if (unused->runs.empty() || unused->runs.back().second + 1 != item)
+            unused->runs.emplace_back(item, item);
+        unused->runs.back().second = item;
     }
     sqlite3_reset(s);
 }
 
-bool Baseline::cleanUp(const LeftItems& left) {
-    const bool all = left.all || !holds(FewToLookFor, int(left.runs.size()));
+bool Baseline::cleanUp(const UnusedItems& unused) {
+    const bool all = unused.all || !holds(FewToLookFor, int(unused.runs.size()));
     std::string json;
-    for (std::size_t i = 0; !all && i < left.runs.size(); ++i)
-        json += (i == 0 ? "[[" : ",[") + std::to_string(left.runs[i].first) + ',' +
-                std::to_string(left.runs[i].second) + ']';
+    for (std::size_t i = 0; !all && i < unused.runs.size(); ++i)
+        json += (i == 0 ? "[[" : ",[") + std::to_string(unused.runs[i].first) + ',' +
+                std::to_string(unused.runs[i].second) + ']';
     sqlite3_db_config(m_db, SQLITE_DBCONFIG_ENABLE_FKEY, 0, nullptr);
     sqlite3_stmt* s = m_statements[all ? int(StatementId::CleanUnusedItems) : int(DeleteUnused)];
     if (!all)
@@ -130,10 +130,10 @@ bool Baseline::updatePlayList(const List& list, std::string_view name) {
 bool Baseline::deletePlayList(const List& list) {
     if (!execute("BEGIN;"))
         return false;
-    LeftItems left = beginRemoval(list.size);
-    note(&left, list.uid, 0, INT_MAX);
+    UnusedItems unused = beginRemoval(list.size);
+    note(&unused, list.uid, 0, INT_MAX);
     return endTransaction(run(bound(StatementId::DeletePlayList, {list.uid})) &&
-                          sqlite3_changes(m_db) == 1 && cleanUp(left));
+                          sqlite3_changes(m_db) == 1 && cleanUp(unused));
 }
 
 // --- entries ---
@@ -235,27 +235,27 @@ bool Baseline::removeItems(List* list, const std::vector<int>& indices) {
     if (!execute("BEGIN IMMEDIATE;"))
         return false;
     const int count = int(indices.size());
-    LeftItems left = beginRemoval(count);
+    UnusedItems unused = beginRemoval(count);
     int removed = 0;
     for (auto from = indices.begin(); from != indices.end();) {
         auto to = from;
         while (to + 1 != indices.end() && to[1] == *to + 1)
             ++to;
-        note(&left, list->uid, *from, *to);
+        note(&unused, list->uid, *from, *to);
         removed += deleteRun(list->uid, *from, *to);
         from = to + 1;
     }
     const bool ok =
-        endTransaction(removed == count && cleanUp(left) && renumber(*list, indices.front()));
+        endTransaction(removed == count && cleanUp(unused) && renumber(*list, indices.front()));
     if (ok)
         list->size -= count;
     return ok;
 }
 
 bool Baseline::clearItems(List* list) {
-    LeftItems left = beginRemoval(list->size);
-    note(&left, list->uid, 0, INT_MAX);
-    const bool ok = deleteRun(list->uid, 0, INT_MAX) == list->size && cleanUp(left);
+    UnusedItems unused = beginRemoval(list->size);
+    note(&unused, list->uid, 0, INT_MAX);
+    const bool ok = deleteRun(list->uid, 0, INT_MAX) == list->size && cleanUp(unused);
     list->size = 0;
     return ok;
 }

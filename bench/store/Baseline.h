@@ -69,7 +69,7 @@ public:
 private:
     using Run = std::pair<int, int>; // uids that follow each other, both ends included
     // The items of the entries that go. Where all items are to be looked at it has none.
-    struct LeftItems {
+    struct UnusedItems {
         bool all;
         std::vector<Run> runs;
     };
@@ -83,9 +83,9 @@ private:
     }
     bool endTransaction(bool ok);
     bool holds(int enough, int count);
-    LeftItems beginRemoval(int count);
-    void note(LeftItems* left, int uid, int from, int to);
-    bool cleanUp(const LeftItems& left);
+    UnusedItems beginRemoval(int count);
+    void note(UnusedItems* unused, int uid, int from, int to);
+    bool cleanUp(const UnusedItems& unused);
     bool shift(int uid, int from, int to, int offset);
     bool insert(int uid, int number, const Item& item);
     int deleteRun(int uid, int from, int to);

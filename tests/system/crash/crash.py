@@ -74,9 +74,9 @@ def difference(expected, found):
         for uid in sorted({*before, *after}):
             if before.get(uid) != after.get(uid):
                 lines.append(f"  {part} {uid}\n    due   {before.get(uid)}\n    found {after.get(uid)}")
-    if expected.strays != found.strays:
-        lines.append(f"  items without an entry: due {sorted(expected.strays)},"
-                     f" found {sorted(found.strays)}")
+    if expected.unused != found.unused:
+        lines.append(f"  items without an entry: due {sorted(expected.unused)},"
+                     f" found {sorted(found.unused)}")
     return "\n".join(lines)
 
 

@@ -29,7 +29,7 @@ class Collection:
 class State:
     lists: dict = field(default_factory=lambda: {QUEUE: PlayList("PlayQueue")})
     collections: dict = field(default_factory=dict)  # in the order in which the device has them
-    strays: frozenset = frozenset()  # items that no entry refers to
+    unused: frozenset = frozenset()  # items that no entry refers to
 
     def changed(self, uid, **changes):
         return replace(self, lists={**self.lists, uid: replace(self.lists[uid], **changes)})
@@ -40,7 +40,7 @@ class State:
 
     def items(self):
         """The uids of all items."""
-        return {uid for pl in self.lists.values() for uid, _ in pl.entries} | self.strays
+        return {uid for pl in self.lists.values() for uid, _ in pl.entries} | self.unused
 
     def new_items(self, titles):
         """Entries for these tracks, with the uids that SQLite will give them."""
@@ -69,7 +69,7 @@ def delete(state, uid):
         if uid in collection.members:
             states.append(states[-1].changed_collection(clid, collection.members - {uid}))
     lists = {other: pl for other, pl in states[-1].lists.items() if other != uid}
-    states.append(replace(states[-1], lists=lists, strays=frozenset()))
+    states.append(replace(states[-1], lists=lists, unused=frozenset()))
     return states
 
 
@@ -79,15 +79,15 @@ def clear(state, uid):
     if not entries:
         return [state]
     emptied = replace(state.changed(uid, entries=()),
-                      strays=state.strays | {item for item, _ in entries})
-    return [state, emptied, replace(emptied, strays=frozenset())]
+                      unused=state.unused | {item for item, _ in entries})
+    return [state, emptied, replace(emptied, unused=frozenset())]
 
 
 def remove_items(state, uid, indices):
     """The entries and their items go together, then the last played number follows."""
     pl = state.lists[uid]
     left = tuple(e for i, e in enumerate(pl.entries) if i not in set(indices))
-    states = [state, replace(state.changed(uid, entries=left), strays=frozenset())]
+    states = [state, replace(state.changed(uid, entries=left), unused=frozenset())]
     before = sum(1 for i in indices if i < pl.last)
     if before:
         states.append(states[-1].changed(uid, last=pl.last - before))

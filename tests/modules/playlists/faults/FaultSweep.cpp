@@ -173,7 +173,7 @@ QStringList FaultSweep::inFile() {
 }
 
 // Why the file or the connection is not as every operation must leave it; empty when it is.
-QString FaultSweep::stateErrors(bool strays) {
+QString FaultSweep::stateErrors(bool unusedItems) {
     QStringList errors;
     sqlite3* connection = StoreProbe::connection(database());
     if (!sqlite3_get_autocommit(connection))
@@ -183,7 +183,7 @@ QString FaultSweep::stateErrors(bool strays) {
     for (const QString& text : StoreProbe::busyTexts(database()))
         errors.append(QStringLiteral("left active: ") + text);
     for (const QString& broken : brokenRules()) {
-        if (!strays || !broken.startsWith(QLatin1String("without exactly one entry")))
+        if (!unusedItems || !broken.startsWith(QLatin1String("without exactly one entry")))
             errors.append(broken);
     }
     return errors.join(QStringLiteral("; "));
@@ -277,8 +277,8 @@ bool FaultSweep::visit(const Operation& operation, const Fault& fault, int nth) 
     if (!reached && found != &operation.outcomes.constFirst())
         found = nullptr;
     m_dirty = after != m_before;
-    const bool strays = found && found->effect == Outcome::Effect::Partly;
-    QString wrong = stateErrors(strays);
+    const bool unusedItems = found && found->effect == Outcome::Effect::Partly;
+    QString wrong = stateErrors(unusedItems);
     if (!found)
         wrong += QStringLiteral(" no stated outcome: ") + result + QStringLiteral(" [") +
                  errors.join(QStringLiteral(" | ")) + QStringLiteral("] ") +

@@ -65,7 +65,7 @@ protected:
     // Playlists and collections as the model has them, and as the file has them.
     QStringList inMemory();
     QStringList inFile();
-    QString stateErrors(bool strays);
+    QString stateErrors(bool unusedItems);
     static const QList<Fault>& faults();
 
 private:
