@@ -62,8 +62,9 @@ Workload addFolder(int size) {
     Workload add{{1, 0, Items::Order::Albums, BenchStore::Parts::Module}};
     add.begin = [=](BenchStore&) { load(music.get(), size); };
     add.prepare = [](BenchStore& store) {
-        // What the answer before has left to be done.
+        // What the answer before has left to be done. No loop runs here that would delete, too.
         QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         store.list()->clearItems();
         store.baseline().clearItems(&store.baselineList);
     };
