@@ -3,6 +3,7 @@
 #include <QJsonObject>
 
 #include "PlayerFixture.h"
+#include "SoundServer.h"
 
 namespace {
 
@@ -245,8 +246,9 @@ TEST_F(PlayerValuesTest, theVolumeIsKeptAndComesBack) {
 // Where playback stopped.
 class ResumePointTest : public PlayerValuesTest {
 protected:
-    ResumePointTest() {
-        logic.setTracks({sound("a.wav", 3000), sound("b.wav", 3000)});
+    ResumePointTest() { setTracks({sound("a.wav", 3000), sound("b.wav", 3000)}); }
+    void setTracks(const QStringList& sounds) {
+        logic.setTracks(sounds);
         for (int i = 0; i < logic.tracks.size(); ++i)
             logic.tracks[i].setPath(CMPath(QStringLiteral("source:item/%1").arg(i)));
     }
@@ -296,6 +298,8 @@ TEST_F(ResumePointTest, anOrderlyEndKeepsItToo) {
 }
 
 TEST_F(ResumePointTest, aStopBeforeTheTrackHasBegunKeepsWhereItWasToStart) {
+    SoundServer server({});
+    setTracks({server.url("/silent")});
     play(logic, 0, 2500, true);
     ASSERT_TRUE(waitForState("opening"));
     done(OrvoPlayerStopPath());
