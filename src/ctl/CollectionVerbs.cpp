@@ -65,20 +65,7 @@ void CollectionVerbs::list(VerbContext& context) {
 }
 
 void CollectionVerbs::create(VerbContext& context) {
-    const QString name = Names::visible(context.arguments.at(0));
-    const QJsonObject result =
-        context.device
-            .command(QStringLiteral("OrvoPlayListClCreatePath"), {{QStringLiteral("name"), name}})
-            .toObject();
-    const QJsonValue id = result.value(QStringLiteral("result"))
-                              .toObject()
-                              .value(QStringLiteral("value"))
-                              .toObject()
-                              .value(QStringLiteral("i32"));
-    if (context.output.isJson())
-        context.output.json(QJsonObject{{QStringLiteral("id"), id}});
-    else
-        context.output.line(QStringLiteral("#%1 %2").arg(id.toInt()).arg(name));
+    context.create(QStringLiteral("OrvoPlayListClCreatePath"));
 }
 
 void CollectionVerbs::remove(VerbContext& context) {

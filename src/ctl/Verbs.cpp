@@ -112,3 +112,18 @@ void VerbContext::run(const QString& function, const QJsonObject& record,
     else
         output.done(done);
 }
+
+void VerbContext::create(const QString& function) const {
+    const QString name = Names::visible(arguments.at(0));
+    const QJsonObject answer =
+        device.command(function, {{QStringLiteral("name"), name}}).toObject();
+    const QJsonValue id = answer.value(QStringLiteral("result"))
+                              .toObject()
+                              .value(QStringLiteral("value"))
+                              .toObject()
+                              .value(QStringLiteral("i32"));
+    if (output.isJson())
+        output.json(QJsonObject{{QStringLiteral("id"), id}});
+    else
+        output.line(QStringLiteral("#%1 %2").arg(id.toInt()).arg(name));
+}

@@ -20,6 +20,8 @@ struct VerbContext {
     Named collection(int index = 0) const { return lists.collection(arguments.at(index)); }
     // Sends a command and says what was done; with --json the result itself is printed.
     void run(const QString& function, const QJsonObject& record, const QString& done) const;
+    // Creates what the first argument names, and prints its number.
+    void create(const QString& function) const;
 };
 
 // One verb: its words, what follows them, and who carries it out.

@@ -56,20 +56,23 @@ bool readQueryPath(const HttpRequest& request, CMPath* path, QString* reason) {
     return readPath(text ? QVariant(*text) : QVariant(), path, reason);
 }
 
-// The body of a writing request: {"path": P, "value": …}.
-bool readBody(const HttpRequest& request, int maxValues, CMPath* path, QVariant* value,
-              QString* reason) {
+// The body of a writing request: {"path": P, "value": …}. False, and answered, when it is none.
+bool readBody(const std::shared_ptr<HttpExchange>& exchange, int maxValues, CMPath* path,
+              QVariant* value) {
+    const QString key = QStringLiteral("value");
     QVariantHash body;
-    if (!JsonReader::readObject(request.body, &body, reason, maxValues))
-        return false;
-    if (!readPath(body.value(QStringLiteral("path")), path, reason))
-        return false;
-    if (!body.contains(QStringLiteral("value"))) {
-        *reason = QStringLiteral("\"value\" is missing.");
-        return false;
+    QString reason;
+    bool isWellFormed =
+        JsonReader::readObject(exchange->request().body, &body, &reason, maxValues) &&
+        readPath(body.value(QStringLiteral("path")), path, &reason);
+    if (isWellFormed && !body.contains(key)) {
+        isWellFormed = false;
+        reason = QStringLiteral("\"value\" is missing.");
     }
-    *value = body.value(QStringLiteral("value"));
-    return true;
+    if (!isWellFormed)
+        exchange->respond(malformed(reason));
+    *value = body.value(key);
+    return isWellFormed;
 }
 
 // A row number: absent it stays what it is. False when it is no whole number from 0 on.
@@ -267,11 +270,8 @@ void ApiRouter::getRows(const Exchange& exchange) {
 void ApiRouter::postData(const Exchange& exchange) {
     CMPath path;
     QVariant value;
-    QString reason;
-    if (!readBody(exchange->request(), m_limits.bodyValues, &path, &value, &reason)) {
-        exchange->respond(malformed(reason));
+    if (!readBody(exchange, m_limits.bodyValues, &path, &value))
         return;
-    }
     // A module may take a set-data request without data for a programming error: it never gets one
     // from outside.
     if (!isData(value)) {
@@ -307,11 +307,8 @@ void ApiRouter::getValue(const Exchange& exchange) {
 void ApiRouter::putValue(const Exchange& exchange) {
     CMPath path;
     QVariant value;
-    QString reason;
-    if (!readBody(exchange->request(), m_limits.bodyValues, &path, &value, &reason)) {
-        exchange->respond(malformed(reason));
+    if (!readBody(exchange, m_limits.bodyValues, &path, &value))
         return;
-    }
     PendingAnswer::request<CMVoidReply>(
         exchange, m_limits.answerMs,
         [&](const CMVoidReply& reply) { CMRoot()->setValue(path, value, reply); },

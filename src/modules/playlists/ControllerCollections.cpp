@@ -46,6 +46,14 @@ bool Controller::clDelete(CMSetDataRequest request, QString& msg) {
     return true;
 }
 
+CollectionBase* Controller::existingCollection(int clid, const QString& prefix, QString& msg) {
+    CollectionBase* cl = m_manager->getCollectionByUid(clid);
+    if (!cl)
+        refuse(msg, QStringLiteral("Collection id: %1doesn't exist").arg(clid), prefix,
+               CONTROLLER_TEXT("There is no collection with this ID."), QString::number(clid));
+    return cl;
+}
+
 bool Controller::clAddItem(CMSetDataRequest request, QString& msg) {
     CM_ENTER(moduleLog());
     const OrvoPlayListClAddRemoveItem args(request.value().toHash());
@@ -54,11 +62,9 @@ bool Controller::clAddItem(CMSetDataRequest request, QString& msg) {
     const QString prefix = CONTROLLER_TEXT("Could not add items to collection.");
     if (!checkPlayListId(plid, prefix, msg))
         return false;
-    CollectionBase* cl = m_manager->getCollectionByUid(clid);
+    CollectionBase* cl = existingCollection(clid, prefix, msg);
     if (!cl)
-        return refuse(msg, QStringLiteral("Collection id: %1doesn't exist").arg(clid), prefix,
-                      CONTROLLER_TEXT("There is no collection with this ID."),
-                      QString::number(clid));
+        return false;
     PlayListBase* pl = m_manager->getPlayListByUid(plid);
     if (!checkPlayList(pl, plid, prefix, msg))
         return refuse(
@@ -83,11 +89,9 @@ bool Controller::clRemoveItem(CMSetDataRequest request, QString& msg) {
     const QString prefix = CONTROLLER_TEXT("Could not remove items from collection.");
     if (!checkPlayListId(plid, prefix, msg))
         return false;
-    CollectionBase* cl = m_manager->getCollectionByUid(clid);
+    CollectionBase* cl = existingCollection(clid, prefix, msg);
     if (!cl)
-        return refuse(msg, QStringLiteral("Collection id: %1doesn't exist").arg(clid), prefix,
-                      CONTROLLER_TEXT("There is no collection with this ID."),
-                      QString::number(clid));
+        return false;
     PlayListBase* pl = m_manager->getPlayListByUid(plid);
     if (!checkPlayList(pl, plid, prefix, msg))
         return refuse(

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "../ModuleLog.h"
+#include "../PlayListBase.h"
 #include "CMRootWorker.h"
 #include "OrvoPlayListPaths.h"
 
@@ -90,6 +91,16 @@ OrvoRoles BaseNode::headerRow(const TrString& title) {
     OrvoRoles row;
     row.setType(OrvoRolesType::Header);
     row.setTitle(title);
+    return row;
+}
+
+OrvoRoles BaseNode::playListRow(const PlayListBase* pl, const OrvoRoles& menu) {
+    OrvoRoles row;
+    row.setTitle(TrString(pl->getName()));
+    row.setPath(OrvoPlayListPlGetItemsPath() + toStr(pl->getUid()));
+    row.setType(OrvoRolesType::Container);
+    row.setMediaData(playableMediaData());
+    row.setContext(menu);
     return row;
 }
 

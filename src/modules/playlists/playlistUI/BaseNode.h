@@ -5,6 +5,7 @@
 #include "CMNode.h"
 #include "OrvoRoles.h"
 
+class PlayListBase;
 class PlayListManager;
 
 // What all nodes of the tree share: the manager, the two visibility settings, path parameters, and
@@ -68,6 +69,7 @@ protected:
 
     // Rows that several nodes list.
     static OrvoRoles headerRow(const TrString& title);
+    static OrvoRoles playListRow(const PlayListBase* pl, const OrvoRoles& menu);
     // A text to be entered; entering it sends set-data to `path` with `action`.
     static OrvoRoles textEntryRow(const TrString& title, CMPath path, const QString& action);
     // The media data of a container that this module plays.

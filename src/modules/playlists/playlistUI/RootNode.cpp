@@ -30,18 +30,6 @@ OrvoRoles RootNode::playQueueRow(const PlayListBase* queue) {
     return row;
 }
 
-OrvoRoles RootNode::playListRow(const PlayListBase* pl) {
-    OrvoRoles row;
-    row.setTitle(TrString(pl->getName()));
-    row.setPath(OrvoPlayListPlGetItemsPath() + toStr(pl->getUid()));
-    row.setType(OrvoRolesType::Container);
-    row.setContainerPlayable(true);
-    row.setMediaData(playableMediaData());
-    row.setContext(contextMenu(TrString("RootNode", "Playlist Context Menu - %1", {pl->getName()}),
-                               OrvoPlayListPlContextPath().addParam(Plid(), toStr(pl->getUid()))));
-    return row;
-}
-
 OrvoRoles RootNode::collectionRow(const CollectionBase* cl) {
     LOG4CPLUS_DEBUG(moduleLog(), "clid: " << cl->getUid());
     LOG4CPLUS_DEBUG(moduleLog(), "clname: " << loggedText(cl->getName()));
@@ -85,10 +73,15 @@ bool RootNode::getRowsRequest(const CMGetRowsRequest& request) {
     const RowRange asked = askedRows(request, total);
     rows.reserve(total);
     for (const PlayListBase* pl : playLists) {
-        if (asked.contains(rows.size()))
-            append(playListRow(pl));
-        else
+        if (!asked.contains(rows.size())) {
             rows.append(QVariant());
+            continue;
+        }
+        OrvoRoles row = playListRow(
+            pl, contextMenu(TrString("RootNode", "Playlist Context Menu - %1", {pl->getName()}),
+                            OrvoPlayListPlContextPath().addParam(Plid(), toStr(pl->getUid()))));
+        row.setContainerPlayable(true);
+        append(row);
     }
 
     if (areCollectionsVisible()) {

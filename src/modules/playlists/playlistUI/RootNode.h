@@ -20,6 +20,5 @@ public:
 
 private:
     static OrvoRoles playQueueRow(const PlayListBase* queue);
-    static OrvoRoles playListRow(const PlayListBase* pl);
     static OrvoRoles collectionRow(const CollectionBase* cl);
 };

@@ -24,14 +24,10 @@ bool CollectionGetItemsNode::getRowsRequest(const CMGetRowsRequest& request) {
         CMPath menuPath = OrvoPlayListPlContextPath();
         menuPath.addParam(Plid(), toStr(pl->getUid()));
         menuPath.addParam(Clid(), toStr(clid));
-        OrvoRoles row;
-        row.setTitle(TrString(pl->getName()));
-        row.setPath(OrvoPlayListPlGetItemsPath() + toStr(pl->getUid()));
-        row.setType(OrvoRolesType::Container);
+        OrvoRoles row = playListRow(
+            pl, contextMenu(TrString("CollectionGetItemsNode", "Playlist - %1", {pl->getName()}),
+                            menuPath));
         row.setContainerPlayable(true);
-        row.setMediaData(playableMediaData());
-        row.setContext(contextMenu(
-            TrString("CollectionGetItemsNode", "Playlist - %1", {pl->getName()}), menuPath));
         rows.append(QVariant(CMGlobal::itemRolesToList(request.roleNames(), row)));
     }
     const TrString title("CollectionGetItemsNode", "Collection - %1",

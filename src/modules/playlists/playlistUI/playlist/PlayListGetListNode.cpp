@@ -26,14 +26,10 @@ bool PlayListGetListNode::getRowsRequest(const CMGetRowsRequest& request) {
                         "plid:" << pl->getUid() << " plname:" << loggedText(pl->getName()));
         // No container-playable flag, unlike the root's rows: this list is for choosing, not
         // playing.
-        OrvoRoles row;
-        row.setTitle(TrString(pl->getName()));
-        row.setPath(OrvoPlayListPlGetItemsPath() + toStr(pl->getUid()));
-        row.setType(OrvoRolesType::Container);
-        row.setMediaData(playableMediaData());
-        row.setContext(contextMenu(
-            TrString("PlayListGetListNode", "Playlist Context Menu - %1", {pl->getName()}),
-            OrvoPlayListPlContextPath().addParam(Plid(), toStr(pl->getUid()))));
+        const OrvoRoles row = playListRow(
+            pl, contextMenu(
+                    TrString("PlayListGetListNode", "Playlist Context Menu - %1", {pl->getName()}),
+                    OrvoPlayListPlContextPath().addParam(Plid(), toStr(pl->getUid()))));
         rows.append(QVariant(CMGlobal::itemRolesToList(request.roleNames(), row)));
     }
     sendRowsReply(rows, rows.count(), TrString("PlayListGetListNode", "Playlists"), OrvoRoles(),
