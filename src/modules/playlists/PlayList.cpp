@@ -135,15 +135,16 @@ void PlayList::readAgain() {
     m_record = stored;
 }
 
-bool PlayList::isCommitted(int size) {
+bool PlayList::finishEdit(int newSize) {
     m_revision = m_database->nextRevision();
     if (!m_database->lastCommitFailed()) {
-        m_record.size = size;
+        m_record.size = newSize;
         return true;
     }
-    const bool isTold = size != m_record.size;
+    // Another order cannot be told from the one before by the size.
+    const bool isTold = newSize != m_record.size;
     readAgain();
-    return isTold && !m_inDoubt && m_record.size == size;
+    return isTold && !m_inDoubt && m_record.size == newSize;
 }
 
 bool PlayList::setName(const QString& name) {
@@ -226,7 +227,7 @@ int PlayList::addItems(OrvoPlayListAddPosition::Enum position,
         first = m_database->addItems(m_record, position, items, &added);
         if (first < 0)
             return first;
-        if (!isCommitted(m_record.size + added))
+        if (!finishEdit(m_record.size + added))
             return StoreResult::Failed;
     }
     Q_EMIT itemsAdded(OrvoPlayListAddPosition::toString(position), first, added);
@@ -249,7 +250,7 @@ int PlayList::addItemsAt(const ItemPlaces& places, const QList<OrvoPlayListItem>
             return first;
         // A look at what was stored may read it as it is now.
         const int last = m_record.lastPlayedIndex;
-        if (!isCommitted(size + added))
+        if (!finishEdit(size + added))
             return StoreResult::Failed;
         positions = places.positions.mid(0, added);
         if (last >= 0 && last < size)
@@ -272,7 +273,7 @@ int PlayList::removeItems(const QList<int>& indices) {
         removed = m_database->removeItems(m_record, sorted);
         if (removed <= 0)
             return removed;
-        if (!isCommitted(m_record.size - removed))
+        if (!finishEdit(m_record.size - removed))
             return StoreResult::Failed;
         lastPlayed = getLastSequenceNumber();
         const int before =
@@ -301,7 +302,7 @@ bool PlayList::moveItem(int from, int to) {
         to = std::min(to, size - 1);
         if (from == to)
             return true;
-        if (!m_database->moveItem(m_record, from, to) || !isCommitted(m_record.size))
+        if (!m_database->moveItem(m_record, from, to) || !finishEdit(m_record.size))
             return false;
         followMovedItem(from, to);
     }
@@ -361,7 +362,7 @@ bool PlayList::moveItems(QList<int> indices, int to) {
 bool PlayList::reorder(int first, const QVector<int>& order, int lastPlayed) {
     if (!m_database->reorderItems(m_record, first, order, lastPlayed))
         return false;
-    if (!isCommitted(m_record.size))
+    if (!finishEdit(m_record.size))
         return false;
     takeLastPlayed(lastPlayed);
     return true;

@@ -61,11 +61,9 @@ private:
     void catchUp();
     // Reads the record from the store, all but a position that is still to be written.
     void readAgain();
-    // Whether the edit that the store has just reported, and after which the size is `size`, is
-    // there for good. The record is as in the store then, either way. After a failed commit only
-    // the size can tell, so another order counts as undone. The revision rises, also where it is
-    // not known what is in the store.
-    bool isCommitted(int size);
+    // After an edit that the store has reported: a new revision, and the record as in the store.
+    // False when the commit failed, unless the store shows a size that the edit has changed.
+    bool finishEdit(int newSize);
 
     Database* m_database;
     PlayListRecord m_record;
