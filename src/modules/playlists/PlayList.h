@@ -47,7 +47,7 @@ public:
     void visitRoles(int from, int to, const VisitRoles& visit) override;
 
 private:
-    // A copy taken under the lock: another thread may be replacing a text in it right now.
+    // A copy taken under the lock.
     PlayListRecord record() const;
     // Writes a changed copy of the record; the record follows only when the store took it.
     bool writeRecord(const PlayListRecord& changed);
@@ -73,7 +73,8 @@ private:
     bool m_inDoubt = false;
     // The last played position could not be written.
     bool m_positionOwed = false;
-    // Guards the record, all but its uid, which never changes. Recursive: removing and moving set
-    // the last played position while they hold it.
+    // Guards the record, all but its uid, which never changes, for a host that reads it on another
+    // thread than the worker's. Recursive: removing and moving set the last played position while
+    // they hold it.
     mutable QRecursiveMutex m_mutex;
 };
