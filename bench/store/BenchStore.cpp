@@ -112,7 +112,7 @@ void BenchStore::play(bool shuffled) {
     args.setKind(OrvoPlayLogicRequestKind::Play);
     args.setMediaRoles(container);
     args.setIndex(0);
-    args.setType(1);
+    args.setType(OrvoPlayLogicPlayArgs::ContainerType);
     send(OrvoPlayListsPlayLogicPath(), args.toVariant());
 }
 

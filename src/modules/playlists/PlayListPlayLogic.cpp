@@ -13,8 +13,6 @@
 namespace {
 // How many tracks in a row may fail before playback is given up.
 constexpr int MaxErrorCount = 5;
-// The play request whose container is to be played from an index on.
-constexpr int PlayContainerType = 1;
 } // namespace
 
 log4cplus::Logger& playLogicLog() {
@@ -197,7 +195,7 @@ void PlayListPlayLogic::playInternal(const CMSetDataRequest& request,
     const OrvoRoles mediaRoles = args.mediaRoles();
     const OrvoRoles trackRoles = args.trackRoles();
     const CMPath path = mediaRoles.path();
-    if (args.type() == PlayContainerType) {
+    if (args.type() == OrvoPlayLogicPlayArgs::ContainerType) {
         if (!path.isEmpty()) {
             LOG4CPLUS_DEBUG(playLogicLog(), "mediaRoles path is " << loggedText(path.toString())
                                                                   << " - playing list");

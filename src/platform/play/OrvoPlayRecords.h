@@ -49,11 +49,14 @@ public:
     ORVO_ATTRIBUTE(OrvoPlayLogicRequestKind::Enum, kind, Kind, "request")
 };
 
-// A play request. Type 1: the container in `mediaRoles` from `index` on, `trackRoles` its first
-// track. Its first track starts at `startPosition` (milliseconds) and, with `paused`, waits there.
+// A play request. Its first track starts at `startPosition` (milliseconds) and, with `paused`,
+// waits there.
 class OrvoPlayLogicPlayArgs : public OrvoPlayLogicRequest {
 public:
     using OrvoPlayLogicRequest::OrvoPlayLogicRequest;
+    // The type that plays the container in `mediaRoles` from `index` on, `trackRoles` being the
+    // first track. A number that callers send.
+    static constexpr int ContainerType = 1;
     ORVO_ATTRIBUTE(OrvoRoles, mediaRoles, MediaRoles, "mediaRoles")
     ORVO_ATTRIBUTE(OrvoRoles, trackRoles, TrackRoles, "trackRoles")
     ORVO_ATTRIBUTE(int, index, Index, "index")

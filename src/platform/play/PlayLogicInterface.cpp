@@ -32,7 +32,7 @@ CMReply<QVariant> PlayLogicInterface::playContainer(const OrvoRoles& container,
     args.setMediaRoles(container);
     args.setTrackRoles(track);
     args.setIndex(index);
-    args.setType(1);
+    args.setType(OrvoPlayLogicPlayArgs::ContainerType);
     args.setStartPosition(startPosition);
     args.setPaused(paused);
     return send(OrvoPlayerPlayContainerPath(), args.toVariant());

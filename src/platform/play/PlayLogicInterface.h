@@ -44,7 +44,7 @@ public:
     static PlayLogicInterface* playerInstance();
 
     // Plays `container` from `index` on, `track` being the roles of that track: the container's
-    // play logic gets a play request of type 1. The first track starts at `startPosition`
+    // play logic gets a play request of ContainerType. The first track starts at `startPosition`
     // (milliseconds); with `paused` it waits there.
     CMReply<QVariant> playContainer(const OrvoRoles& container, const OrvoRoles& track, int index,
                                     int startPosition, bool paused);

@@ -76,7 +76,7 @@ TEST_F(StreamerPlayLogicTest, aPlayRequestBringsItsArguments) {
     media.setPath(CMPath(QStringLiteral("source:list/5")));
     args.setMediaRoles(media);
     args.setIndex(7);
-    args.setType(1);
+    args.setType(OrvoPlayLogicPlayArgs::ContainerType);
     request(OrvoPlayLogicRequestKind::Play, args);
     EXPECT_EQ(logic.lastArgs.mediaRoles(), media);
     EXPECT_EQ(logic.lastArgs.index(), 7);

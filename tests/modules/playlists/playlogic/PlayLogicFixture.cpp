@@ -59,7 +59,7 @@ Answer PlayLogicFixture::play(const CMPath& container, int index) {
     OrvoPlayLogicPlayArgs args;
     args.setMediaRoles(mediaRoles);
     args.setIndex(index);
-    args.setType(1);
+    args.setType(OrvoPlayLogicPlayArgs::ContainerType);
     return request(OrvoPlayLogicRequestKind::Play, args);
 }
 
