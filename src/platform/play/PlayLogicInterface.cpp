@@ -44,7 +44,7 @@ CMReply<QVariant> PlayLogicInterface::stop(int reason) {
     return send(OrvoPlayerStopPath(), args.toVariant());
 }
 
-void PlayLogicInterface::command(const PlayLogicCommand& command) {
+void PlayLogicInterface::carryOut(const PlayLogicCommand& command) {
     if (m_player) {
         m_player->carryOut(command);
         return;

@@ -28,8 +28,9 @@ struct PlayLogicCommand {
     bool requested = false;
 };
 
-// The player module's ear for play logics. A command may be carried out later, but in the order
-// given, and it never calls back into the play logic before it returns.
+// The player module's end of the commands: a player module derives from it. A command may be
+// carried out later, but in the order given, and it never calls back into the play logic before it
+// returns.
 class PlayerCommands {
 public:
     virtual ~PlayerCommands() = default;
@@ -54,8 +55,8 @@ public:
     // The player module makes itself known while it lives, null afterwards.
     void setPlayer(PlayerCommands* player) { m_player = player; }
     PlayerCommands* player() const { return m_player; }
-    // For StreamerPlayLogic.
-    void command(const PlayLogicCommand& command);
+    // For StreamerPlayLogic: hands the command to the player module.
+    void carryOut(const PlayLogicCommand& command);
 
 private:
     PlayLogicInterface() = default;
