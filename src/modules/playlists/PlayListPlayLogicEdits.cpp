@@ -4,6 +4,7 @@
 
 #include <QScopedValueRollback>
 
+#include "OrvoPlayEnums.h"
 #include "OrvoPlayListEnums.h"
 #include "PlayListBase.h"
 #include "PlayListPlayLogic.h"
@@ -15,7 +16,6 @@
 // playlist away.
 
 namespace {
-constexpr int StopOnRequest = 0;
 constexpr int Gone = -1;
 } // namespace
 
@@ -33,7 +33,7 @@ void PlayListPlayLogic::followCurrentTrack(Moved moved) {
 
 void PlayListPlayLogic::stopPlayer() {
     m_hasPlayingItem = false;
-    PlayLogicInterface::playerInstance()->stop(StopOnRequest);
+    PlayLogicInterface::playerInstance()->stop(OrvoPlayerStopReason::Requested);
     Q_EMIT upNextChanged();
 }
 
