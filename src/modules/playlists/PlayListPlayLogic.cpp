@@ -8,7 +8,6 @@
 #include "PlayListWorker.h"
 #include "PlayLogicInterface.h"
 #include "PlayLogicLog.h"
-#include "PlayMode.h"
 
 namespace {
 // How many tracks in a row may fail before playback is given up.

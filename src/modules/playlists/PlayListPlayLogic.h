@@ -5,6 +5,7 @@
 #include <QVector>
 
 #include "OrvoRoles.h"
+#include "PlayMode.h"
 #include "StreamerPlayLogic.h"
 #include "UpNext.h"
 
@@ -22,7 +23,8 @@ class PlayListWorker;
 class PlayListPlayLogic : public StreamerPlayLogic {
     Q_OBJECT
 public:
-    enum RepeatMode : int { RepeatOff = 0, RepeatOne = 1, RepeatAll = 2 };
+    using RepeatMode = PlayMode::RepeatMode;
+    using enum PlayMode::RepeatMode;
 
     PlayListPlayLogic(PlayListWorker* worker, PlayListManager* manager, QObject* parent);
 

@@ -10,7 +10,6 @@
 #include "PlayListPlayLogic.h"
 #include "PlayLogicInterface.h"
 #include "PlayLogicLog.h"
-#include "PlayMode.h"
 
 // A slot that stops or starts playback returns at once: the stop may come back and take the current
 // playlist away.
