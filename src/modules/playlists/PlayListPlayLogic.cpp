@@ -207,7 +207,9 @@ void PlayListPlayLogic::playInternal(const CMSetDataRequest& request,
     } else if (mediaRoles.type() == OrvoRolesType::Container) {
         startPlayback(path, 0, request);
     }
-    request.reply().setValue(QVariant());
+    const bool isRefused = request.reply().isFinished();
+    if (!isRefused)
+        request.reply().setValue(QVariant());
 }
 
 void PlayListPlayLogic::startPlayback(const CMPath& path, int index, CMSetDataRequest request) {

@@ -52,6 +52,7 @@ public:
 
     UpNext upNext() const;
 
+    // Answers the request only where it refuses the path; playInternal gives every other answer.
     void startPlayback(const CMPath& path, int index, CMSetDataRequest request);
     // Makes the track the position, if it carries one, and sends it to the player.
     void playTrackRoles(OrvoRoles roles);

@@ -180,6 +180,7 @@ TEST_F(StartTest, aContainerThatIsNoPlayListIsRefused) {
         EXPECT_EQ(nullptr, probe().current());
         EXPECT_EQ(QStringList(), player.commands);
     }
+        EXPECT_FALSE(answer.value.isValid());
     EXPECT_TRUE(playAs(0, OrvoRolesType::Container, items + "abc", 1).failed);
 }
 
