@@ -1,18 +1,13 @@
-#include <algorithm>
-
 #include <QCoreApplication>
-#include <QSet>
 
-#include "PlayLogicFixture.h"
-#include "Random.h"
-#include "TestClock.h"
+#include "RandomListFixture.h"
 
 // What is heard of a list that is edited and steered at random while it plays to its end, repeat
 // off: every track that stays in the list from the start to the end once, none that was removed,
 // tracks added to play next as the next, and each as "playlists:upnext" said before. Left out is
 // what hears tracks again on purpose: previous, another drawing of the order, several removals at
 // once and moves under shuffle, and a removed playing item whose replacement was heard.
-class HeardTracksPropertyTest : public PlayLogicFixture {
+class HeardTracksPropertyTest : public RandomListFixture {
 protected:
     void playOneRound(unsigned seed);
 
@@ -33,15 +28,10 @@ protected:
     }
     void insert() {
         const QStringList before = toCome();
-        const QList<OrvoPlayListItem> items = fewItems();
-        QList<int> positions;
-        for (int i = 0; i < m_list->getSize() + items.size(); ++i)
-            positions.append(i);
-        while (positions.size() > items.size())
-            positions.removeAt(below(positions.size()));
-        ASSERT_GE(m_list->addItemsAt({positions, true}, items), 0);
+        const QList<OrvoPlayListItem> items = newItems(3);
+        ASSERT_GE(insertAnywhere(items), 0);
         if (m_isShuffled)
-            ASSERT_EQ(sorted(before + titlesIn(items)), sorted(toCome()));
+            ASSERT_EQ(sorted(before + titlesOf(items)), sorted(toCome()));
         else
             ASSERT_EQ(titles().mid(m_list->getLastSequenceNumber() + 1), toCome());
     }
@@ -63,13 +53,9 @@ protected:
     }
     void reorder() {
         const QStringList before = toCome();
-        QList<int> order;
-        for (int i = 0; i < m_list->getSize(); ++i)
-            order.append(i);
         // In order, what comes to stand before the playing track would not be heard.
         const int from = m_isShuffled ? 0 : m_list->getLastSequenceNumber() + 1;
-        std::shuffle(order.begin() + from, order.end(), m_random);
-        ASSERT_TRUE(m_list->setOrder(order));
+        ASSERT_TRUE(m_list->setOrder(anyOrder(from)));
         ASSERT_EQ(m_isShuffled ? before : QStringList(titles().mid(from)), toCome());
     }
     void move() {
@@ -134,21 +120,8 @@ protected:
 
     // --- what they are made of ---
 
-    int below(int bound) { return m_random.below(bound); }
     int shuffledHalf() const { return m_isShuffled ? 1 : 0; }
 
-    QStringList titles() {
-        QStringList result;
-        for (const OrvoPlayListItem& item : m_list->getItems(0, m_list->getSize()))
-            result.append(item.title());
-        return result;
-    }
-    static QStringList titlesIn(const QList<OrvoPlayListItem>& items) {
-        QStringList result;
-        for (const OrvoPlayListItem& item : items)
-            result.append(item.title());
-        return result;
-    }
     static QStringList sorted(QStringList list) {
         list.sort();
         return list;
@@ -166,16 +139,10 @@ protected:
         return first.isEmpty() ? QString() : RecordingPlayer::text(first.first());
     }
 
-    QList<OrvoPlayListItem> fewItems() {
-        QList<OrvoPlayListItem> items;
-        for (int i = below(3); i >= 0; --i)
-            items.append(makeItem(QString::number(++m_lastTitle)));
-        return items;
-    }
     QStringList addSome(Position::Enum position) {
-        const QList<OrvoPlayListItem> items = fewItems();
+        const QList<OrvoPlayListItem> items = newItems(3);
         EXPECT_GE(m_list->addItems(position, items), 0);
-        return titlesIn(items);
+        return titlesOf(items);
     }
 
     void startOpened() {
@@ -188,12 +155,8 @@ protected:
         m_heard.append(title);
     }
 
-    PlayListBase* m_list = nullptr;
     bool m_isShuffled = false;
     QStringList m_heard;
-    int m_lastTitle = 0;
-    Random m_random;
-    TestClock m_clock{1};
 };
 
 void HeardTracksPropertyTest::playOneRound(unsigned seed) {
@@ -223,10 +186,7 @@ void HeardTracksPropertyTest::playOneRound(unsigned seed) {
 
     m_random.seed(seed);
     m_heard.clear();
-    if (m_list)
-        manager()->deletePlayList(m_list);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    m_list = playList("");
+    takeEmptyList();
     for (int i = below(4); i >= 0; --i)
         addSome(Position::Append);
     m_isShuffled = below(2) == 0;

@@ -1,29 +1,20 @@
-#include <algorithm>
-
 #include <QCoreApplication>
 
-#include "PlayLogicFixture.h"
-#include "Random.h"
-#include "TestClock.h"
+#include "RandomListFixture.h"
 
 // A list that plays, edited and steered at random.
-class PlayLogicPropertyTest : public PlayLogicFixture {
+class PlayLogicPropertyTest : public RandomListFixture {
 public:
+    PlayLogicPropertyTest() { m_random.seed(Random::firstSeed()); }
+
     // --- steps ---
 
     void addNow() { addSome(Position::Now); }
     void addNext() { addSome(Position::AfterCurrent); }
     void append() { addSome(Position::Append); }
     void insert() {
-        if (m_list->getSize() > 40)
-            return;
-        const QList<OrvoPlayListItem> items = fewItems();
-        QList<int> positions;
-        for (int i = 0; i < m_list->getSize() + items.size(); ++i)
-            positions.append(i);
-        while (positions.size() > items.size())
-            positions.removeAt(below(positions.size()));
-        m_list->addItemsAt({positions, true}, items);
+        if (m_list->getSize() <= 40)
+            insertAnywhere(newItems(8));
     }
     void removeOne() {
         if (m_list->getSize() > 0)
@@ -46,13 +37,7 @@ public:
             indices.append(below(m_list->getSize()));
         m_list->moveItems(indices, below(m_list->getSize()));
     }
-    void reorder() {
-        QList<int> order;
-        for (int i = 0; i < m_list->getSize(); ++i)
-            order.append(i);
-        std::shuffle(order.begin(), order.end(), m_random);
-        m_list->setOrder(order);
-    }
+    void reorder() { m_list->setOrder(anyOrder()); }
     void clear() { m_list->clearItems(); }
     void goOn() { next(); }
     void goBack() { previous(); }
@@ -75,7 +60,7 @@ public:
     void end() {
         if (player.sounding.isEmpty() || !player.opening.isEmpty())
             return;
-        if (!player.announced.isEmpty() && isInList(title(player.announced)))
+        if (!player.announced.isEmpty() && titles().contains(title(player.announced)))
             m_playing = title(player.announced);
         player.end();
     }
@@ -96,28 +81,9 @@ protected:
         Step step;
     };
 
-    int below(int bound) { return m_random.below(bound); }
-
-    // By titles they are told apart: the uid of a removed item may be given to the next one.
-    QList<OrvoPlayListItem> fewItems() {
-        QList<OrvoPlayListItem> items;
-        for (int i = below(8); i >= 0; --i)
-            items.append(makeItem(QString::number(++m_lastTitle)));
-        return items;
-    }
-
     void addSome(Position::Enum position) {
-        if (m_list->getSize() > 40)
-            return;
-        m_list->addItems(position, fewItems());
-    }
-
-    bool isInList(const QString& title) {
-        for (const OrvoPlayListItem& item : m_list->getItems(0, m_list->getSize())) {
-            if (item.title() == title)
-                return true;
-        }
-        return false;
+        if (m_list->getSize() <= 40)
+            m_list->addItems(position, newItems(8));
     }
 
     static QString title(const OrvoRoles& roles) { return roles.title().toString(); }
@@ -147,22 +113,14 @@ protected:
 
     void takeNewList() {
         player.sounding = player.opening = player.announced = {};
-        if (m_list)
-            manager()->deletePlayList(m_list);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        m_list = playList("");
-        m_list->addItems(Position::Append, fewItems());
+        takeEmptyList();
+        m_list->addItems(Position::Append, newItems(8));
         m_list->setShuffle(below(2) == 0);
         m_list->setRepeatAll(below(2) == 0);
         player.sounding = player.opening = player.announced = {};
     }
 
-    PlayListBase* m_list = nullptr;
     QString m_playing;
-    int m_lastTitle = 0;
-    Random m_random{Random::firstSeed()};
-    // The orders are drawn from it: standing, it lets a seed repeat them.
-    TestClock m_clock{1};
 };
 
 TEST_F(PlayLogicPropertyTest, theOrderStaysAPermutationAndThePlayingItemItself) {
