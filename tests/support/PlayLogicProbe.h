@@ -14,7 +14,7 @@ public:
     PlayListPlayLogic::RepeatMode& repeat() { return m->m_repeatMode; }
     QVector<int>& order() { return m->m_shuffleSeq; }
     int& cursor() { return m->m_shuffleCurIndex; }
-    OrvoRoles& currentTrackRoles() { return m->m_currentTrackRoles; }
+    OrvoRoles& announcedRoles() { return m->m_announcedRoles; }
     int& errorCount() { return m->m_errorCount; }
     bool& nextMediaPrepared() { return m->m_nextMediaPrepared; }
 

@@ -186,7 +186,7 @@ void PlayListPlayLogic::playInternal(const CMSetDataRequest& request,
     m_shuffleSeq.clear();
     m_shuffleCurIndex = -1;
     m_cursorBeforeAnnouncement.reset();
-    m_currentTrackRoles = OrvoRoles();
+    m_announcedRoles = OrvoRoles();
     m_hasPlayingItem = false;
     m_errorCount = 0;
     m_nextMediaPrepared = false;
@@ -271,7 +271,7 @@ void PlayListPlayLogic::skip(const CMSetDataRequest& request,
     const std::optional<int> cursorBeforeAnnouncement = m_cursorBeforeAnnouncement;
     const OrvoRoles roles = (this->*track)();
     if (!roles.isEmpty()) {
-        m_currentTrackRoles = roles;
+        m_announcedRoles = roles;
         playTrackRoles(roles);
     } else {
         LOG4CPLUS_DEBUG(playLogicLog(), whenThereIsNone);
@@ -348,24 +348,24 @@ void PlayListPlayLogic::prepareNextMedia() {
     const OrvoRoles roles = m_repeatMode == RepeatOne ? getCurrentTrack() : getNextTrack();
     m_cursorBeforeAnnouncement = cursor;
     if (!roles.isEmpty()) {
-        m_currentTrackRoles = roles;
+        m_announcedRoles = roles;
         sendSetNextMediaCommand(roles, {});
     } else {
         LOG4CPLUS_DEBUG(playLogicLog(), "Reached last item of playlist for prepareNextMedia");
         // What was announced before is revoked with it and must not become the position.
-        m_currentTrackRoles = OrvoRoles();
+        m_announcedRoles = OrvoRoles();
         sendNoNextMediaCommand();
     }
     m_nextMediaPrepared = true;
 }
 
-void PlayListPlayLogic::takeOverCurrentTrack() {
+void PlayListPlayLogic::takeOverAnnounced() {
     m_cursorBeforeAnnouncement.reset();
-    const OrvoValue position = m_currentTrackRoles.value();
+    const OrvoValue position = m_announcedRoles.value();
     if (!m_currentPlayList || !position.containsI32_())
         return;
     makePosition(position.i32());
-    m_currentTrackRoles = OrvoRoles();
+    m_announcedRoles = OrvoRoles();
     Q_EMIT upNextChanged();
 }
 
@@ -388,14 +388,13 @@ OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRo
 
     // Something may have been announced between a play command and the start of its item: that is
     // still to come.
-    const bool announcedStarted =
-        newRoles.id().isEmpty() || newRoles.id() == m_currentTrackRoles.id();
+    const bool announcedStarted = newRoles.id().isEmpty() || newRoles.id() == m_announcedRoles.id();
 
     OrvoPlayLogicData result = data();
     // The player has the item as it was handed over; edits since then may have given it another
     // number.
-    const OrvoRoles present = announcedStarted && m_currentTrackRoles.value().containsI32_()
-                                  ? m_currentTrackRoles
+    const OrvoRoles present = announcedStarted && m_announcedRoles.value().containsI32_()
+                                  ? m_announcedRoles
                                   : getCurrentTrack();
     if (newRoles == result.trackRoles() && newRoles.value().containsI32_() &&
         newRoles.id() == present.id()) {
@@ -410,7 +409,7 @@ OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRo
     m_hasPlayingItem = true;
     if (announcedStarted) {
         m_nextMediaPrepared = false;
-        takeOverCurrentTrack();
+        takeOverAnnounced();
     } else {
         m_nextMediaPrepared = m_cursorBeforeAnnouncement.has_value();
     }
@@ -418,7 +417,7 @@ OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRo
 }
 
 void PlayListPlayLogic::tryResumePlayback() {
-    takeOverCurrentTrack();
+    takeOverAnnounced();
     const OrvoRoles roles = getNextTrack();
     if (!roles.isEmpty()) {
         playTrackRoles(roles);

@@ -105,14 +105,13 @@ private:
     RepeatMode publishedRepeat() const;
     // The track is heard from here on.
     void makePosition(int seqNum);
-    // The prepared track has become the position.
-    void takeOverCurrentTrack();
+    // The announced track has become the position.
+    void takeOverAnnounced();
     // An announced item has not been heard: steps and edits count from the playing one.
     void putCursorOnPlaying();
-    // Keeps the sequence number in the current track roles on its item: `moved` maps old to new, -1
-    // for gone.
+    // Keeps the announced item's sequence number on it: `moved` maps old to new, -1 for gone.
     template <typename Moved>
-    void followCurrentTrack(Moved moved);
+    void renumberAnnounced(Moved moved);
     // After an edit: the announced item is announced anew if it is no longer next, else the cursor
     // goes back to it.
     void announceAnew();
@@ -136,7 +135,8 @@ private:
     int m_shuffleCurIndex = -1;
     // Set while an announcement stands: where the cursor was before it.
     std::optional<int> m_cursorBeforeAnnouncement;
-    OrvoRoles m_currentTrackRoles;
+    // The item that the player is to start and has not started yet: announced, or sent by a skip.
+    OrvoRoles m_announcedRoles;
     // From a play command until the end: what is at the last sequence number is heard.
     bool m_hasPlayingItem = false;
     int m_errorCount = 0;

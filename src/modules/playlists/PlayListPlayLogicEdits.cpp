@@ -19,15 +19,15 @@ constexpr int Gone = -1;
 } // namespace
 
 template <typename Moved>
-void PlayListPlayLogic::followCurrentTrack(Moved moved) {
-    const OrvoValue position = m_currentTrackRoles.value();
+void PlayListPlayLogic::renumberAnnounced(Moved moved) {
+    const OrvoValue position = m_announcedRoles.value();
     if (!position.containsI32_())
         return;
     const int newNumber = moved(position.i32());
     if (newNumber == Gone)
-        m_currentTrackRoles.removeAttribute(OrvoRoles::Value());
+        m_announcedRoles.removeAttribute(OrvoRoles::Value());
     else
-        m_currentTrackRoles.setValue(OrvoValue::fromI32(newNumber));
+        m_announcedRoles.setValue(OrvoValue::fromI32(newNumber));
 }
 
 void PlayListPlayLogic::stopPlayer() {
@@ -46,7 +46,7 @@ void PlayListPlayLogic::on_playlist_deleted(int plid) {
 void PlayListPlayLogic::on_currentPlayList_cleared() {
     CM_ENTER(playLogicLog());
     // The item that was announced went, too.
-    m_currentTrackRoles = OrvoRoles();
+    m_announcedRoles = OrvoRoles();
     m_cursorBeforeAnnouncement.reset();
     stopPlayer();
 }
@@ -57,19 +57,19 @@ void PlayListPlayLogic::on_currentPlayList_itemsAdded(const QString& positionStr
                                            << m_currentPlayList->getLastSequenceNumber());
     const OrvoPlayListAddPosition::Enum position = OrvoPlayListAddPosition::fromString(positionStr);
     if (position == OrvoPlayListAddPosition::AfterCurrent &&
-        m_currentTrackRoles.value().containsI32_()) {
+        m_announcedRoles.value().containsI32_()) {
         // The player hears of its next item before the order is patched, and once more below where
         // the patched order leads to another.
         prepareNextMedia();
     } else {
-        followCurrentTrack(
+        renumberAnnounced(
             [=](int seqNum) { return seqNum >= firstSeqNum ? seqNum + count : seqNum; });
     }
     putCursorOnPlaying();
     if (m_shuffleEnabled)
         addToShuffle(position, firstSeqNum, count);
     // With nothing announced the player asks when the track ends.
-    if (m_currentTrackRoles.isEmpty())
+    if (m_announcedRoles.isEmpty())
         Q_EMIT upNextChanged();
     else
         announceAnew();
@@ -111,7 +111,7 @@ void PlayListPlayLogic::on_currentPlayList_itemsInserted(const QList<int>& posit
         std::copy(positions.cbegin(), positions.cend(), std::back_inserter(m_shuffleSeq));
         randomizeShuffleItems(m_shuffleCurIndex + 1);
     }
-    followCurrentTrack(moved);
+    renumberAnnounced(moved);
     updateSequenceNumberInData();
     announceAnew();
 }
@@ -169,7 +169,7 @@ void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indice
         return std::binary_search(indices.cbegin(), indices.cend(), seqNum);
     };
     if (!m_hasPlayingItem || !isRemoved(lastSeqNumBeforeRemove)) {
-        followCurrentTrack(
+        renumberAnnounced(
             [&](int seqNum) { return isRemoved(seqNum) ? Gone : seqNum - removedBefore(seqNum); });
         updateSequenceNumberInData();
         announceAnew();
@@ -179,7 +179,7 @@ void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indice
     // The playing item went: what has moved into its position plays.
     const int position = lastSeqNumBeforeRemove - removedBefore(lastSeqNumBeforeRemove);
     const OrvoRoles replacement = getTrackAbsolute(position);
-    m_currentTrackRoles = OrvoRoles();
+    m_announcedRoles = OrvoRoles();
     m_cursorBeforeAnnouncement.reset();
     if (!replacement.isEmpty()) {
         if (m_shuffleEnabled)
@@ -212,7 +212,7 @@ void PlayListPlayLogic::on_currentPlayList_itemMoved(int from, int to) {
                 entry = from;
         }
     }
-    followCurrentTrack([=](int seqNum) {
+    renumberAnnounced([=](int seqNum) {
         if (seqNum == from)
             return to;
         if (from < to)
@@ -235,7 +235,7 @@ void PlayListPlayLogic::on_currentPlayList_itemsReordered(const QList<int>& orde
     putCursorOnPlaying();
     if (m_shuffleEnabled)
         std::transform(m_shuffleSeq.begin(), m_shuffleSeq.end(), m_shuffleSeq.begin(), moved);
-    followCurrentTrack(moved);
+    renumberAnnounced(moved);
     updateSequenceNumberInData();
     announceAnew();
 }
@@ -260,9 +260,9 @@ void PlayListPlayLogic::announceAnew() {
     if (!m_cursorBeforeAnnouncement || !m_hasPlayingItem)
         return;
     const int next = nextNumber();
-    const OrvoValue announced = m_currentTrackRoles.value();
+    const OrvoValue announced = m_announcedRoles.value();
     const bool isNext = announced.containsI32_() ? announced.i32() == next
-                                                 : m_currentTrackRoles.isEmpty() && next == Gone;
+                                                 : m_announcedRoles.isEmpty() && next == Gone;
     // The edit has left the cursor on the playing item.
     m_cursorBeforeAnnouncement = m_shuffleCurIndex;
     if (!isNext)

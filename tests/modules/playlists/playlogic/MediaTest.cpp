@@ -21,12 +21,12 @@ TEST_F(MediaTest, theNextTrackIsAnnouncedAndThePositionWaits) {
     PlayListBase* pl = playing("abc");
     logic()->prepareNextMedia();
     EXPECT_EQ(QStringList{"next b@1"}, player.takeCommands());
-    EXPECT_EQ("b@1", text(probe().currentTrackRoles()));
+    EXPECT_EQ("b@1", text(probe().announcedRoles()));
     EXPECT_TRUE(probe().nextMediaPrepared());
     EXPECT_EQ(0, pl->getLastSequenceNumber());
     player.startAnnounced();
     EXPECT_EQ(1, pl->getLastSequenceNumber());
-    EXPECT_TRUE(probe().currentTrackRoles().isEmpty());
+    EXPECT_TRUE(probe().announcedRoles().isEmpty());
     EXPECT_FALSE(probe().nextMediaPrepared());
     EXPECT_EQ("b@1", published());
 }
@@ -55,7 +55,7 @@ TEST_F(MediaTest, atTheEndNothingIsAnnounced) {
               log.lines());
     EXPECT_EQ(QStringList{"no next"}, player.takeCommands());
     EXPECT_TRUE(probe().nextMediaPrepared());
-    EXPECT_TRUE(probe().currentTrackRoles().isEmpty());
+    EXPECT_TRUE(probe().announcedRoles().isEmpty());
     EXPECT_EQ(2, pl->getLastSequenceNumber());
 }
 
@@ -195,10 +195,10 @@ TEST_F(MediaTest, aStartTakesTheErrorsAwayAndLeavesTheRest) {
 
 TEST_F(MediaTest, withoutANumberAStartedItemMovesNothing) {
     PlayListBase* pl = playing("abc", 1);
-    probe().currentTrackRoles().setTitle(TrString(QStringLiteral("radio")));
+    probe().announcedRoles().setTitle(TrString(QStringLiteral("radio")));
     logic()->mediaPlaybackStarted({}, {});
     EXPECT_EQ(1, pl->getLastSequenceNumber());
-    EXPECT_EQ("radio@-", text(probe().currentTrackRoles()));
+    EXPECT_EQ("radio@-", text(probe().announcedRoles()));
 }
 
 TEST_F(MediaTest, afterAStopAStartedItemMovesNothing) {
@@ -218,7 +218,7 @@ TEST_F(MediaTest, resumingGoesOnBehindThePreparedItem) {
     logic()->tryResumePlayback();
     EXPECT_EQ(QStringList{"play c@2"}, player.takeCommands());
     EXPECT_EQ(2, pl->getLastSequenceNumber());
-    EXPECT_TRUE(probe().currentTrackRoles().isEmpty());
+    EXPECT_TRUE(probe().announcedRoles().isEmpty());
 }
 
 TEST_F(MediaTest, resumingAtTheEndEndsPlayback) {

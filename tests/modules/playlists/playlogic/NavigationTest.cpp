@@ -27,7 +27,7 @@ TEST_F(NavigationTest, startsWithoutAPlayListAndWithEmptyMembers) {
     EXPECT_EQ(PlayListPlayLogic::RepeatOff, probe().repeat());
     EXPECT_EQ(QVector<int>(), probe().order());
     EXPECT_EQ(-1, probe().cursor());
-    EXPECT_TRUE(probe().currentTrackRoles().isEmpty());
+    EXPECT_TRUE(probe().announcedRoles().isEmpty());
     EXPECT_EQ(0, probe().errorCount());
     EXPECT_FALSE(probe().nextMediaPrepared());
 }
@@ -90,11 +90,11 @@ TEST_F(NavigationTest, nextPlaysTheNextTrackAndMovesThePosition) {
     EXPECT_FALSE(answer.value.isValid());
     EXPECT_EQ(QStringList{"play b@1"}, player.takeCommands());
     EXPECT_EQ(1, pl->getLastSequenceNumber());
-    EXPECT_EQ("b@1", text(probe().currentTrackRoles()));
+    EXPECT_EQ("b@1", text(probe().announcedRoles()));
     EXPECT_FALSE(probe().nextMediaPrepared());
     player.start();
     EXPECT_EQ(1, pl->getLastSequenceNumber());
-    EXPECT_TRUE(probe().currentTrackRoles().isEmpty());
+    EXPECT_TRUE(probe().announcedRoles().isEmpty());
     EXPECT_EQ("b@1", published());
 }
 
@@ -106,7 +106,7 @@ TEST_F(NavigationTest, previousPlaysTheTrackBeforeAndMovesThePosition) {
     EXPECT_FALSE(answer.value.isValid());
     EXPECT_EQ(QStringList{"play b@1"}, player.takeCommands());
     EXPECT_EQ(1, pl->getLastSequenceNumber());
-    EXPECT_EQ("b@1", text(probe().currentTrackRoles()));
+    EXPECT_EQ("b@1", text(probe().announcedRoles()));
 }
 
 TEST_F(NavigationTest, nextOnTheLastTrackOnlyLogs) {

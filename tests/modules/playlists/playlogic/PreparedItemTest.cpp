@@ -13,7 +13,7 @@ protected:
         return pl;
     }
     int announcedNumber() {
-        const OrvoValue value = probe().currentTrackRoles().value();
+        const OrvoValue value = probe().announcedRoles().value();
         return value.containsI32_() ? value.i32() : -1;
     }
     static QString at(PlayListBase* pl, int number) { return letters(pl).mid(number, 1); }
@@ -41,7 +41,7 @@ TEST_F(PreparedItemTest, itsNumberFollowsAMoveAndWhatCameBetweenIsAnnouncedInste
         EXPECT_EQ(QString(row.heard), QString("%1@%2")
                                           .arg(at(pl, pl->getLastSequenceNumber()))
                                           .arg(pl->getLastSequenceNumber()));
-        EXPECT_TRUE(probe().currentTrackRoles().isEmpty());
+        EXPECT_TRUE(probe().announcedRoles().isEmpty());
     }
 }
 
@@ -105,7 +105,7 @@ TEST_F(PreparedItemTest, itIsForgottenWhenThePlayingItemIsRemoved) {
     PlayListBase* pl = prepared();
     pl->removeItems({1});
     EXPECT_EQ(QStringList{"play c@1"}, player.takeCommands());
-    EXPECT_TRUE(probe().currentTrackRoles().isEmpty());
+    EXPECT_TRUE(probe().announcedRoles().isEmpty());
     player.start();
     EXPECT_EQ(1, pl->getLastSequenceNumber());
     EXPECT_EQ("c@1", published());
@@ -118,7 +118,7 @@ TEST_F(PreparedItemTest, itIsForgottenWhenThePlayingItemIsRemovedFromTheEnd) {
     EXPECT_EQ(QStringList{"next a@0"}, player.takeCommands());
     pl->removeItems({0, 2});
     EXPECT_EQ(QStringList{"play b@0"}, player.takeCommands());
-    EXPECT_TRUE(probe().currentTrackRoles().isEmpty());
+    EXPECT_TRUE(probe().announcedRoles().isEmpty());
 }
 
 TEST_F(PreparedItemTest, itsNumberFollowsItemsInsertedBefore) {
@@ -182,7 +182,7 @@ TEST_F(PreparedItemTest, itIsForgottenWhenTheListIsCleared) {
     PlayListBase* pl = prepared();
     pl->clearItems();
     EXPECT_EQ(QStringList{"asked to stop: 0"}, player.takeCommands());
-    EXPECT_FALSE(probe().currentTrackRoles().value().containsI32_());
+    EXPECT_FALSE(probe().announcedRoles().value().containsI32_());
     add(pl, Position::AfterCurrent, "x");
     EXPECT_EQ(QStringList(), player.takeCommands());
 }

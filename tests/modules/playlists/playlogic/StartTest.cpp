@@ -22,7 +22,7 @@ protected:
         probe().repeat() = PlayListPlayLogic::RepeatOne;
         probe().order() = {1, 0};
         probe().cursor() = 1;
-        probe().currentTrackRoles().setValue(OrvoValue::fromI32(1));
+        probe().announcedRoles().setValue(OrvoValue::fromI32(1));
         probe().errorCount() = 4;
         probe().nextMediaPrepared() = true;
     }
@@ -32,7 +32,7 @@ protected:
         EXPECT_EQ(PlayListPlayLogic::RepeatOff, probe().repeat());
         EXPECT_EQ(QVector<int>(), probe().order());
         EXPECT_EQ(-1, probe().cursor());
-        EXPECT_TRUE(probe().currentTrackRoles().isEmpty());
+        EXPECT_TRUE(probe().announcedRoles().isEmpty());
         EXPECT_EQ(0, probe().errorCount());
         EXPECT_FALSE(probe().nextMediaPrepared());
     }
@@ -48,7 +48,7 @@ TEST_F(StartTest, aListPlaysFromTheIndexAndKeepsThePosition) {
     EXPECT_EQ(QStringList{"play c@2"}, player.commands);
     EXPECT_EQ(pl, probe().current());
     EXPECT_EQ(2, pl->getLastSequenceNumber());
-    EXPECT_TRUE(probe().currentTrackRoles().isEmpty());
+    EXPECT_TRUE(probe().announcedRoles().isEmpty());
     const int uid = pl->getUid();
     restart();
     EXPECT_EQ(2, manager()->getPlayListByUid(uid)->getLastSequenceNumber());

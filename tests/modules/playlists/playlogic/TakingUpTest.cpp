@@ -34,7 +34,7 @@ TEST_F(TakingUpTest, itemsAddedNowToAShuffledListBeginTheNewOrder) {
         player.takeCommands());
     EXPECT_EQ(1, probe().order().value(0));
     EXPECT_TRUE(isPermutation(probe().order(), 5));
-    EXPECT_TRUE(probe().currentTrackRoles().isEmpty());
+    EXPECT_TRUE(probe().announcedRoles().isEmpty());
 }
 
 TEST_F(TakingUpTest, itemsAddedNowToTheQueuePlay) {
