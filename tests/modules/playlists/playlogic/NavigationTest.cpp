@@ -1,3 +1,5 @@
+#include <functional>
+
 #include "PlayLogicFixture.h"
 
 // Next, previous and current, and the current playlist.
@@ -23,13 +25,7 @@ protected:
 
 TEST_F(NavigationTest, startsWithoutAPlayListAndWithEmptyMembers) {
     EXPECT_EQ(nullptr, probe().current());
-    EXPECT_FALSE(probe().shuffle());
-    EXPECT_EQ(PlayListPlayLogic::RepeatOff, probe().repeat());
-    EXPECT_EQ(QVector<int>(), probe().order());
-    EXPECT_EQ(-1, probe().cursor());
-    EXPECT_TRUE(probe().announcedRoles().isEmpty());
-    EXPECT_EQ(0, probe().errorCount());
-    EXPECT_FALSE(probe().nextMediaPrepared());
+    expectInitialMembers();
 }
 
 TEST_F(NavigationTest, withoutAPlayListThereIsNoTrack) {
@@ -109,30 +105,27 @@ TEST_F(NavigationTest, previousPlaysTheTrackBeforeAndMovesThePosition) {
     EXPECT_EQ("b@1", text(probe().announcedRoles()));
 }
 
-TEST_F(NavigationTest, nextOnTheLastTrackOnlyLogs) {
-    PlayListBase* pl = playing("abc", 2);
-    const LogCapture log("PlayListsPlayLogic");
-    const Answer answer = next();
-    EXPECT_TRUE(answer.answered);
-    EXPECT_FALSE(answer.failed);
-    EXPECT_EQ((QStringList{"DEBUG Reached last item of playlist",
-                           "DEBUG Reached last item of playlist for nextInternal"}),
-              log.lines());
-    EXPECT_EQ(QStringList(), player.commands);
-    EXPECT_EQ(2, pl->getLastSequenceNumber());
-}
-
-TEST_F(NavigationTest, previousOnTheFirstTrackOnlyLogs) {
-    PlayListBase* pl = playing("abc", 0);
-    const LogCapture log("PlayListsPlayLogic");
-    const Answer answer = previous();
-    EXPECT_TRUE(answer.answered);
-    EXPECT_FALSE(answer.failed);
-    EXPECT_EQ((QStringList{"DEBUG Reached last item of playlist",
-                           "DEBUG Reached first item of playlist for previousInternal"}),
-              log.lines());
-    EXPECT_EQ(QStringList(), player.commands);
-    EXPECT_EQ(0, pl->getLastSequenceNumber());
+TEST_F(NavigationTest, nextOnTheLastTrackAndPreviousOnTheFirstOnlyLog) {
+    struct Row {
+        int playing;
+        std::function<Answer()> step;
+        const char* line;
+    };
+    const Row rows[] = {
+        {2, [this] { return next(); }, "DEBUG Reached last item of playlist for nextInternal"},
+        {0, [this] { return previous(); },
+         "DEBUG Reached first item of playlist for previousInternal"}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.line);
+        PlayListBase* pl = playing("abc", row.playing);
+        const LogCapture log("PlayListsPlayLogic");
+        const Answer answer = row.step();
+        EXPECT_TRUE(answer.answered);
+        EXPECT_FALSE(answer.failed);
+        EXPECT_EQ((QStringList{"DEBUG Reached last item of playlist", row.line}), log.lines());
+        EXPECT_EQ(QStringList(), player.commands);
+        EXPECT_EQ(row.playing, pl->getLastSequenceNumber());
+    }
 }
 
 TEST_F(NavigationTest, onlyRepeatAllWrapsAround) {

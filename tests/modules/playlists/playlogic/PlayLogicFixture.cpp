@@ -95,6 +95,16 @@ QString PlayLogicFixture::published() {
     return RecordingPlayer::text(logic()->data().trackRoles());
 }
 
+void PlayLogicFixture::expectInitialMembers() {
+    EXPECT_FALSE(probe().shuffle());
+    EXPECT_EQ(PlayListPlayLogic::RepeatOff, probe().repeat());
+    EXPECT_EQ(QVector<int>(), probe().order());
+    EXPECT_EQ(-1, probe().cursor());
+    EXPECT_TRUE(probe().announcedRoles().isEmpty());
+    EXPECT_EQ(0, probe().errorCount());
+    EXPECT_FALSE(probe().nextMediaPrepared());
+}
+
 bool isPermutation(const QVector<int>& order, int size) {
     QVector<int> sorted = order;
     std::sort(sorted.begin(), sorted.end());

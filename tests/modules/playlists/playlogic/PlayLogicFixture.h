@@ -44,6 +44,9 @@ protected:
     // "b@1" of the published track roles.
     QString published();
 
+    // The play logic's own members, all but the current list, are as at its beginning.
+    void expectInitialMembers();
+
     RecordingPlayer player;
 };
 
