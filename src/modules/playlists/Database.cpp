@@ -146,6 +146,16 @@ std::string cannotUse() {
     endUnusable(std::string("Unable to create table ") + name + ": " + message);
 }
 
+// Without them a deletion would leave what belongs to the deleted row, so a connection that refuses
+// them is of no use. SQLite calls the statement a success also where it was built without them.
+void switchForeignKeysOn(sqlite3* connection) {
+    int areOn = 0;
+    execute(connection, "PRAGMA foreign_keys=1;");
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_FKEY, -1, &areOn);
+    if (!areOn)
+        endUnusable("Unable to switch on foreign keys of PlayList database file");
+}
+
 } // namespace
 
 Database::Database(int itemsLimit, bool vacuumNeeded, int maxStartWaitMs)
@@ -157,7 +167,7 @@ Database::Database(int itemsLimit, bool vacuumNeeded, int maxStartWaitMs)
       m_lastRevision(m_firstRevision) {
     openFile();
     vacuum();
-    execute(m_connection, "PRAGMA foreign_keys=1;");
+    switchForeignKeysOn(m_connection);
     // After the open, and whatever the result: an initialised SQLite refuses this, so its log stays
     // where the process has routed it.
     sqlite3_config(SQLITE_CONFIG_LOG, sqliteErrorLogCallback, nullptr);
@@ -308,7 +318,12 @@ void Database::vacuum() {
         return;
     QElapsedTimer timer;
     timer.start();
-    execute(m_connection, "VACUUM;");
+    const int code = execute(m_connection, "VACUUM;");
+    if (code != SQLITE_OK) {
+        LOG4CPLUS_ERROR(moduleLog(),
+                        "Unable to vacuum PlayList database file: " << sqlite3_errstr(code));
+        return;
+    }
     LOG4CPLUS_INFO(moduleLog(), "sqlite vacuum duration: " << timer.elapsed() << " ms");
     Q_EMIT vacuumNeeded(false);
     m_vacuumNeeded = false;

@@ -86,8 +86,9 @@ public:
 
     // Owes a VACUUM; announces it when none was owed.
     void setVacuumNeeded();
-    // Runs the owed VACUUM, if any. May take seconds.
+    // Runs the owed VACUUM, if any. May take seconds. One that fails is logged and owed still.
     void vacuum();
+    bool owesVacuum() const { return m_vacuumNeeded; }
 
     // The play queue counts as a playlist.
     int countPlaylists();

@@ -36,7 +36,7 @@ PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config)
     cmConnect(m_database, &Database::vacuumNeeded, this, &PlayListWorker::on_databaseVacuum_needed);
     // The store has vacuumed in its constructor, before anything listened to its signal: the
     // setting is taken back here.
-    if (vacuumNeeded)
+    if (vacuumNeeded && !m_database->owesVacuum())
         on_databaseVacuum_needed(false);
     m_manager = new PlayListManager(m_database);
     // No list waits for it, so it does not hold up the start.
