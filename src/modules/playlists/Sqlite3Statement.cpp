@@ -1,9 +1,11 @@
 #include "Sqlite3Statement.h"
 
+#include <algorithm>
 #include <cstring>
 #include <sqlite3.h>
 
 #include "ModuleLog.h"
+#include "PlainUnits.h"
 #include "WholeText.h"
 
 namespace {
@@ -12,33 +14,8 @@ constexpr int FirstBytes = 1024;
 // More than this is given back after the use.
 constexpr int MaxBytesKept = 64 * 1024;
 
-// Most texts are ASCII; Qt converts the others. False when `text` is not.
-bool copyAscii(const QString& text, char* to) {
-    // Eight at a time: two vectors that every machine has, or what the compiler makes of them.
-    using Units = ushort __attribute__((vector_size(16)));
-    using Bytes = char __attribute__((vector_size(8)));
-    constexpr int Block = 8;
-    const ushort* from = text.utf16();
-    const ushort* const end = from + text.size();
-    Units all{};
-    for (; end - from >= Block; from += Block, to += Block) {
-        Units units;
-        std::memcpy(&units, from, sizeof units);
-        all |= units;
-        const Bytes bytes = __builtin_convertvector(units, Bytes);
-        std::memcpy(to, &bytes, sizeof bytes);
-    }
-    ushort any = 0;
-    for (int i = 0; i < Block; ++i)
-        any |= all[i];
-    for (; from != end; ++from, ++to) {
-        any |= *from;
-        *to = char(*from);
-    }
-    return any < 0x80;
-}
-
-bool isAscii(const QString& text, const unsigned char* bytes, int size) {
+// Whether `text` is these bytes, all of them ASCII.
+bool isSameAscii(const QString& text, const unsigned char* bytes, int size) {
     if (text.size() != size)
         return false;
     const ushort* units = text.utf16();
@@ -74,9 +51,13 @@ bool Sqlite3Statement::bindInt(const int& index, const int& value) {
 }
 
 bool Sqlite3Statement::bindText(const int& index, const QString& value) {
-    char* bytes = roomForBytes(value.size());
     int size = value.size();
-    if (!copyAscii(value, bytes)) {
+    char* bytes = nullptr;
+    if (PlainUnits::isAscii(value)) {
+        bytes = roomForBytes(size);
+        std::transform(value.cbegin(), value.cend(), bytes,
+                       [](QChar unit) { return char(unit.unicode()); });
+    } else {
         const QByteArray utf8 = wholeText(value).toUtf8();
         size = utf8.size();
         bytes = roomForBytes(size);
@@ -111,7 +92,7 @@ QString Sqlite3Statement::columnText(const int& index) const {
 void Sqlite3Statement::updateText(int index, QString* text) const {
     const unsigned char* utf8 = sqlite3_column_text(m_statement, index);
     const int size = sqlite3_column_bytes(m_statement, index);
-    if (size == 0 || !isAscii(*text, utf8, size))
+    if (size == 0 || !isSameAscii(*text, utf8, size))
         *text = QString::fromUtf8(reinterpret_cast<const char*>(utf8), size);
 }
 

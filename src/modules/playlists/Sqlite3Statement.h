@@ -56,11 +56,10 @@ public:
 private:
     bool bind(int index, int value) { return bindInt(index, value); }
     bool bind(int index, const QString& value) { return bindText(index, value); }
+    char* roomForBytes(int count);
 
     sqlite3_stmt* m_statement;
     QString m_name;
-    char* roomForBytes(int count);
-
     // SQLite is given the bytes without a copy, so they are kept here until the reset: one after
     // the other in the last of these, which is full when it must not move any more. It stays for
     // the next use.

@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <cstring>
 
-#include <QChar>
+#include <QStringView>
 
-// Units of UTF-16 that JSON writes as they are, in one byte each: printable ASCII without the quote
-// and the backslash. Most texts are nothing else, so they are looked at eight at a time.
+// Looks at the units of UTF-16 texts eight at a time. Most texts are ASCII, and most of those are
+// plain: JSON writes them as they are, in one byte each.
 namespace PlainUnits {
 
 constexpr int Block = 8;
@@ -18,6 +18,7 @@ inline Units load(const QChar* from) {
     return units;
 }
 
+// Printable ASCII without the quote and the backslash.
 inline bool arePlain(Units units) {
     constexpr ushort FirstPlain = 0x20;
     constexpr ushort Span = 0x7E - FirstPlain;
@@ -26,6 +27,21 @@ inline bool arePlain(Units units) {
     static_assert(sizeof halves == sizeof odd);
     std::memcpy(halves, &odd, sizeof halves);
     return (halves[0] | halves[1]) == 0;
+}
+
+inline bool isAscii(QStringView text) {
+    constexpr std::uint64_t NotAscii = 0xff80'ff80'ff80'ff80;
+    Units all{};
+    const QChar* at = text.cbegin();
+    for (; text.cend() - at >= Block; at += Block)
+        all |= load(at);
+    std::uint64_t halves[2];
+    static_assert(sizeof halves == sizeof all);
+    std::memcpy(halves, &all, sizeof halves);
+    std::uint64_t rest = halves[0] | halves[1];
+    for (; at != text.cend(); ++at)
+        rest |= at->unicode();
+    return (rest & NotAscii) == 0;
 }
 
 } // namespace PlainUnits
