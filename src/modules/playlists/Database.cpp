@@ -117,13 +117,19 @@ int execute(sqlite3* connection, const char* sql) {
     return sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
 }
 
-// Sets `found` when the query has a row.
-int lookForRow(sqlite3* connection, const char* sql, bool* found) {
-    const auto onRow = [](void* into, int, char**, char**) {
-        *static_cast<bool*>(into) = true;
+struct RowSearch {
+    int code = SQLITE_OK;
+    bool found = false;
+};
+
+RowSearch lookForRow(sqlite3* connection, const char* sql) {
+    const auto onRow = [](void* found, int, char**, char**) {
+        *static_cast<bool*>(found) = true;
         return 0;
     };
-    return sqlite3_exec(connection, sql, onRow, found, nullptr);
+    RowSearch search;
+    search.code = sqlite3_exec(connection, sql, onRow, &search.found, nullptr);
+    return search;
 }
 
 std::string cannotUse() {
@@ -239,11 +245,10 @@ void Database::refuseForeignFile() {
         return;
     // The first table that a start makes is not there: a file with any other is not ours. Nor is
     // one that is shorter than any page, which SQLite takes for an empty one.
-    bool hasOther = size < SmallestPage;
-    const int code = lookForRow(m_connection, "SELECT 1 FROM sqlite_master LIMIT 1", &hasOther);
-    if (code == SQLITE_BUSY)
+    const RowSearch other = lookForRow(m_connection, "SELECT 1 FROM sqlite_master LIMIT 1");
+    if (other.code == SQLITE_BUSY)
         endHeld();
-    if (hasOther)
+    if (other.found || size < SmallestPage)
         endUnopened(SQLITE_NOTADB);
 }
 
@@ -342,17 +347,14 @@ int Database::countCollections() {
 }
 
 int Database::count(StatementId id) {
-    int number = 0;
-    readCount(id, number);
-    return number;
+    return readCount(id).value_or(0);
 }
 
-bool Database::readCount(StatementId id, int& number) {
+std::optional<int> Database::readCount(StatementId id) {
     StatementScope counting(statement(id));
     if (!counting->step_row())
-        return false;
-    number = counting->columnInt(0);
-    return true;
+        return std::nullopt;
+    return counting->columnInt(0);
 }
 
 void Database::prepareStatements() {
@@ -385,12 +387,11 @@ void Database::removeUnusedItems() {
     // pass over the whole store.
     constexpr const char* MoreItemsThanEntries =
         "SELECT 1 WHERE (SELECT Count(*) FROM items) > (SELECT Count(*) FROM playlists_items)";
-    bool found = false;
     execute(m_connection, SmallCacheSize);
-    const int counted = lookForRow(m_connection, MoreItemsThanEntries, &found);
+    const RowSearch search = lookForRow(m_connection, MoreItemsThanEntries);
     execute(m_connection, CacheSize);
-    const bool cleaned = found && cleanUnusedItems();
-    m_mayHoldUnusedItems = counted != SQLITE_OK || found != cleaned;
+    const bool cleaned = search.found && cleanUnusedItems();
+    m_mayHoldUnusedItems = search.code != SQLITE_OK || search.found != cleaned;
     if (!cleaned)
         return;
     LOG4CPLUS_INFO(moduleLog(), "removed " << sqlite3_changes(m_connection)

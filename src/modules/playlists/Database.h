@@ -2,6 +2,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 
 #include <QHash>
 #include <QList>
@@ -204,13 +205,14 @@ private:
     [[noreturn]] void endHeld();
     void prepareStatements();
     Sqlite3Statement& statement(StatementId id);
-    // `number` stays as it is when the count fails.
-    bool readCount(StatementId id, int& number);
+    // Nothing when it cannot be read.
+    std::optional<int> readCount(StatementId id);
     int count(StatementId id);
 
     template <typename Visit>
     bool visitItems(int playlistUid, int from, int to, Visit visit);
-    bool readItemByUid(int uid, OrvoPlayListItem& item);
+    // Nothing when there is none, or it cannot be read.
+    std::optional<OrvoPlayListItem> readItemByUid(int uid);
     QHash<int, OrvoPlayListItem> searchItems(const QList<int>& uids, TextBudget budget);
     QHash<int, OrvoPlayListItem> collectItems(const QList<PlayListRecord>& playlists,
                                               const QList<int>& uids, TextBudget budget);

@@ -117,22 +117,21 @@ EntryRoles Database::getEntryRoles(const PlayListRecord& pl, int from, int to) {
     return roles;
 }
 
-bool Database::readItemByUid(int uid, OrvoPlayListItem& item) {
+std::optional<OrvoPlayListItem> Database::readItemByUid(int uid) {
     StatementScope search(statement(StatementId::GetItemByUid));
     if (!search->bindInt(1, uid) || !search->step_row())
-        return false;
-    const OrvoPlayListItem found = ItemMaker()(search.row());
+        return std::nullopt;
+    const OrvoPlayListItem item = ItemMaker()(search.row());
     if (!search.reset())
-        return false;
-    item = found;
-    return true;
+        return std::nullopt;
+    return item;
 }
 
 OrvoPlayListItem Database::getItemByUid(int uid) {
-    OrvoPlayListItem item;
-    if (!readItemByUid(uid, item))
+    const std::optional<OrvoPlayListItem> item = readItemByUid(uid);
+    if (!item)
         LOG4CPLUS_ERROR(moduleLog(), "Error fetching item by UID");
-    return item;
+    return item.value_or(OrvoPlayListItem());
 }
 
 QList<OrvoPlayListItem> Database::getItemsByUids(const QList<PlayListRecord>& playlists,
@@ -165,11 +164,13 @@ QList<OrvoPlayListItem> Database::getItemsByUids(const QList<PlayListRecord>& pl
 QHash<int, OrvoPlayListItem> Database::searchItems(const QList<int>& uids, TextBudget budget) {
     QHash<int, OrvoPlayListItem> found;
     for (int uid : uids) {
-        OrvoPlayListItem item;
-        if (found.contains(uid) || !readItemByUid(uid, item))
+        if (found.contains(uid))
             continue;
-        found.insert(uid, item);
-        if (!budget.take(TextBudget::bytesOf(item)))
+        const std::optional<OrvoPlayListItem> item = readItemByUid(uid);
+        if (!item)
+            continue;
+        found.insert(uid, *item);
+        if (!budget.take(TextBudget::bytesOf(*item)))
             break;
     }
     return found;
@@ -207,11 +208,11 @@ QHash<int, OrvoPlayListItem> Database::collectItems(const QList<PlayListRecord>&
         next =
             std::find_if(next, uids.end(), [&missing](int uid) { return missing.contains(uid); });
         missing.remove(*next);
-        OrvoPlayListItem item;
-        if (!readItemByUid(*next, item))
+        const std::optional<OrvoPlayListItem> item = readItemByUid(*next);
+        if (!item)
             break;
-        keep(*next, item);
-        const int owner = ownerOfItem(unread, item);
+        keep(*next, *item);
+        const int owner = ownerOfItem(unread, *item);
         if (owner < 0)
             break;
         if (!missing.isEmpty())

@@ -65,24 +65,24 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
     // A pass over all items, made only where a limit or the log needs the result.
     const bool countWanted =
         m_itemsLimit != 0 || moduleLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL);
-    int dbItemsCount = 0;
-    const bool counted = !countWanted || readCount(StatementId::CountPlaylistItems, dbItemsCount);
+    const std::optional<int> stored =
+        countWanted ? readCount(StatementId::CountPlaylistItems) : std::optional<int>(0);
     // Without the count there is no limit; and a read that fails may have ended the transaction, so
     // that what follows would be there for good, piece by piece.
-    if (!counted || sqlite3_get_autocommit(m_connection)) {
+    if (!stored || sqlite3_get_autocommit(m_connection)) {
         LOG4CPLUS_ERROR(moduleLog(), "Error adding items to list");
         return StoreResult::Failed;
     }
     // Where the store already holds more than the limit, the length is negative, which QList takes
     // as "to the end", and everything is added: a limit that was lowered below the store's size is
     // none.
-    const qint64 room = qint64(m_itemsLimit) - dbItemsCount;
+    const qint64 room = qint64(m_itemsLimit) - *stored;
     const QList<OrvoPlayListItem> itemsToAdd =
         m_itemsLimit == 0 ? items : items.mid(0, int(qMax<qint64>(room, -1)));
     const int count = itemsToAdd.size();
     if (addedCount)
         *addedCount = count;
-    LOG4CPLUS_TRACE(moduleLog(), "dbItemsCount: " << dbItemsCount << ", addedItemsCount: " << count
+    LOG4CPLUS_TRACE(moduleLog(), "dbItemsCount: " << *stored << ", addedItemsCount: " << count
                                                   << ", limit: " << m_itemsLimit);
     if (count == 0 || (places.wholeOnly && count < items.size())) {
         LOG4CPLUS_ERROR(moduleLog(), "Error adding playlist items: database reached limit!");

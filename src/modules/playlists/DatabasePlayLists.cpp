@@ -9,7 +9,7 @@
 namespace {
 
 // Changes nothing. Only the first statement of a transaction waits for another process that writes,
-// and a deletion reads before it deletes.
+// and a deletion reads before it deletes. Prepared as it is used, like what a deletion reads by.
 const QString LockForWriting = QStringLiteral("UPDATE playlists SET uid = uid WHERE uid = ?1");
 // What the log calls it, like the statement that it precedes.
 const QString LockName = QStringLiteral("deletePlayList");

@@ -8,13 +8,18 @@ namespace {
 // Prepared as they are used: a clean-up switches foreign keys off and on, after which the store's
 // other statements are prepared anew as well.
 
-// Whether fewer items than a sixth of all are to be noted, and found again: one costs about what
-// six cost the statement over all items. No more entries are counted than that takes.
-const QString FewToNote = QStringLiteral("SELECT 1 FROM playlists_items LIMIT 1 OFFSET ?1 * 6");
+// An item that is noted, and found again, costs about what so many cost the statement over all
+// items.
+constexpr int ItemsPerNoted = 6;
 
-// The same for looking for ?1 runs of them in all playlists, where a look costs about what one item
+// Whether noting ?1 items costs less than that statement. No more entries are counted than it
+// takes.
+const QString IsNotingCheaper =
+    QStringLiteral("SELECT 1 FROM playlists_items LIMIT 1 OFFSET ?1 * %1").arg(ItemsPerNoted);
+
+// Whether looking for ?1 runs of them in all playlists does, where a look costs about what one item
 // costs that statement.
-const QString FewToLookFor = QStringLiteral(
+const QString IsLookingCheaper = QStringLiteral(
     "SELECT 1 FROM playlists_items LIMIT 1 OFFSET ?1 * (SELECT Count(*) FROM playlists)");
 
 const QString ItemsOfEntries =
@@ -45,11 +50,12 @@ QString runsAsJson(const QVector<NumberRun>& runs) {
 } // namespace
 
 Database::UnusedItems::UnusedItems(Database& database, int count)
-    : m_database(database), m_areFew(!database.m_mayHoldUnusedItems && holds(FewToNote, count)) {}
+    : m_database(database),
+      m_areFew(!database.m_mayHoldUnusedItems && isTrue(IsNotingCheaper, count)) {}
 
-bool Database::UnusedItems::holds(const QString& enough, int count) {
+bool Database::UnusedItems::isTrue(const QString& condition, int count) {
     const std::unique_ptr<Sqlite3Statement> query(
-        Sqlite3Statement::create(m_database.m_connection, enough, CleanUpName));
+        Sqlite3Statement::create(m_database.m_connection, condition, CleanUpName));
     return query && query->bindInt(1, count) && query->step_row();
 }
 
@@ -69,7 +75,7 @@ void Database::UnusedItems::note(int playlistUid, int from, int to) {
 bool Database::UnusedItems::remove() {
     m_items.reset();
     const QVector<NumberRun> runs = runsOf(m_uids);
-    if (!m_areFew || !holds(FewToLookFor, runs.size()))
+    if (!m_areFew || !isTrue(IsLookingCheaper, runs.size()))
         return m_database.cleanUnusedItems();
     // As in cleanUnusedItems().
     const ForeignKeysSuspended suspended(m_database.m_connection);

@@ -25,8 +25,8 @@ public:
     bool remove();
 
 private:
-    // Whether there are so many entries; false where that cannot be read.
-    bool holds(const QString& enough, int count);
+    // What that query says of `count`; false where it cannot be read.
+    bool isTrue(const QString& condition, int count);
 
     Database& m_database;
     bool m_areFew;

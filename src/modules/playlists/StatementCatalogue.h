@@ -28,7 +28,7 @@ enum class StatementId : std::size_t {
     CountCollections,
 };
 
-constexpr std::size_t StatementCount = 22;
+constexpr std::size_t StatementCount = std::size_t(StatementId::CountCollections) + 1;
 
 struct StatementRow {
     StatementId id;
