@@ -134,7 +134,7 @@ private:
     void finishAdding(const ReqGroupProperties& props, const ItemsCheck& check);
     // Null when it was deleted.
     PlayListBase* targetOf(const ReqGroupProperties& props) const;
-    static bool isWhole(const ReqGroupProperties& props, const ItemsCheck& check);
+    static bool isComplete(const ReqGroupProperties& props, const ItemsCheck& check);
     int addItemsFromAllReplays(const ReqGroupProperties& props, const ItemsCheck& check,
                                QString* msg, int* first);
     int addCheckedItems(PlayListBase* pl, const ItemsCheck& check,

@@ -273,7 +273,7 @@ void Controller::finishAdding(const ReqGroupProperties& props, const ItemsCheck&
     }
     QString resultMsg;
     int first = -1;
-    const int added = isWhole(props, check)
+    const int added = isComplete(props, check)
                           ? std::max(0, addItemsFromAllReplays(props, check, &resultMsg, &first))
                           : 0;
     LOG4CPLUS_DEBUG(moduleLog(),
@@ -317,7 +317,7 @@ PlayListBase* Controller::targetOf(const ReqGroupProperties& props) const {
 
 // A playlist is moved with all that it has or stays: an entry that could not be read, and would be
 // left out, would be deleted with the source. Single items may be left out.
-bool Controller::isWhole(const ReqGroupProperties& props, const ItemsCheck& check) {
+bool Controller::isComplete(const ReqGroupProperties& props, const ItemsCheck& check) {
     if (!props.wholePlaylist)
         return true;
     const QList<OrvoPlayListItem>& items = check.items();
@@ -441,8 +441,8 @@ int Controller::addAtPlaces(PlayListBase* pl, const QList<OrvoPlayListItem>& ite
     const int size = pl->getSize();
     ItemPlaces places;
     places.positions = wanted.positions;
-    places.wholeOnly = wanted.kind == WantedPlaces::Kind::OneEach;
-    if (places.wholeOnly && wanted.positions.size() != items.size()) {
+    places.allOrNothing = wanted.kind == WantedPlaces::Kind::OneEach;
+    if (places.allOrNothing && wanted.positions.size() != items.size()) {
         *msg = oneEachText();
         return -1;
     }

@@ -1,16 +1,17 @@
 #include "CollectionBase.h"
 #include "Controller.h"
 #include "ControllerText.h"
+#include "LoneSurrogates.h"
 #include "ModuleLog.h"
 #include "OrvoPlayListCommands.h"
 #include "PlayListBase.h"
 #include "PlayListManager.h"
 #include "TextBudget.h"
-#include "WholeText.h"
 
 bool Controller::clCreate(CMSetDataRequest request, QString& msg, int& id) {
     CM_ENTER(moduleLog());
-    const QString name = wholeText(OrvoPlayListClCreate(request.value().toHash()).name());
+    const QString name =
+        replaceLoneSurrogates(OrvoPlayListClCreate(request.value().toHash()).name());
     const QString prefix = CONTROLLER_TEXT("Could not create collection.");
     if (!checkNonemptyString(name, OrvoPlayListClCreate::Name(), prefix, msg))
         return refuse(QStringLiteral("Cannot create collection with empty name"));

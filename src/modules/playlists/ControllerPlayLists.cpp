@@ -1,12 +1,12 @@
 #include "Controller.h"
 #include "ControllerText.h"
+#include "LoneSurrogates.h"
 #include "ModuleLog.h"
 #include "OrvoPlayListCommands.h"
 #include "PlayListBase.h"
 #include "PlayListManager.h"
 #include "PlayListRecord.h"
 #include "TextBudget.h"
-#include "WholeText.h"
 
 namespace {
 
@@ -28,7 +28,8 @@ OrvoHash withNamedMode(const QVariant& value, const QString& key) {
 
 bool Controller::plCreate(CMSetDataRequest request, QString& msg, int& id) {
     CM_ENTER(moduleLog());
-    const QString name = wholeText(OrvoPlayListPlCreate(request.value().toHash()).name());
+    const QString name =
+        replaceLoneSurrogates(OrvoPlayListPlCreate(request.value().toHash()).name());
     const QString prefix = CONTROLLER_TEXT("Could not create playlist.");
     if (!checkNonemptyString(name, OrvoPlayListPlCreate::Name(), prefix, msg))
         return refuse(QStringLiteral("Cannot create playlist with empty name"));
@@ -51,7 +52,7 @@ bool Controller::plSetName(CMSetDataRequest request, QString& msg) {
     CM_ENTER(moduleLog());
     const OrvoPlayListPlSetName args(request.value().toHash());
     const int plid = args.plid();
-    const QString name = wholeText(args.name());
+    const QString name = replaceLoneSurrogates(args.name());
     const QString prefix = CONTROLLER_TEXT("Could not set playlist name.");
     if (!checkPlayListId(plid, prefix, msg))
         return refuse(QStringLiteral("Cannot rename playlist id: %1").arg(plid));

@@ -12,13 +12,13 @@
 
 #include "BusyHandler.h"
 #include "CollectionRecord.h"
-#include "GivenNumbers.h"
 #include "ItemPlaces.h"
 #include "OrvoPlayListEnums.h"
 #include "OrvoPlayListItem.h"
 #include "PlayListRecord.h"
 #include "StatementCatalogue.h"
 #include "StoreResult.h"
+#include "UidHistory.h"
 
 struct sqlite3;
 class AlikeLines;
@@ -79,7 +79,7 @@ public:
     // revision. False for a revision of another start.
     bool isItemOf(qint64 revision, int uid) const {
         return revision > m_firstRevision && revision <= m_lastRevision &&
-               !m_givenUids.isGivenSince(uid, revision);
+               !m_uidHistory.isAssignedAfter(uid, revision);
     }
 
     // Gives back the pages that were read, which are kept for the next reading otherwise.
@@ -232,7 +232,7 @@ private:
     bool m_mayHoldUnusedItems = false;
     const qint64 m_firstRevision;
     qint64 m_lastRevision;
-    GivenNumbers m_givenUids;
+    UidHistory m_uidHistory;
     std::array<std::unique_ptr<Sqlite3Statement>, StatementCount> m_statements;
 };
 

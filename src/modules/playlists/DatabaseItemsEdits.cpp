@@ -84,7 +84,7 @@ int Database::addItems(const PlayListRecord& pl, OrvoPlayListAddPosition::Enum p
         *addedCount = count;
     LOG4CPLUS_TRACE(moduleLog(), "dbItemsCount: " << *stored << ", addedItemsCount: " << count
                                                   << ", limit: " << m_itemsLimit);
-    if (count == 0 || (places.wholeOnly && count < items.size())) {
+    if (count == 0 || (places.allOrNothing && count < items.size())) {
         LOG4CPLUS_ERROR(moduleLog(), "Error adding playlist items: database reached limit!");
         return StoreResult::LimitReached;
     }
@@ -148,7 +148,7 @@ bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& s
             return false;
         }
         if (i == 0)
-            m_givenUids.note(uid, m_lastRevision + 1);
+            m_uidHistory.noteAssigned(uid, m_lastRevision + 1);
         if (inserted.next())
             LOG4CPLUS_TRACE(moduleLog(), "Inserted item into DB with uid" << uid);
         if (!statement(StatementId::InsertPlayListItem).run(pl.uid, uid, sequenceNumber + i)) {

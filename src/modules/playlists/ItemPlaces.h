@@ -8,7 +8,7 @@
 struct ItemPlaces {
     QList<int> positions;
     // All of the items are added or none; otherwise as many as the store has room for.
-    bool wholeOnly = false;
+    bool allOrNothing = false;
 
     // Whether there is one for each of `count` items, which a list of `size` entries can take.
     bool fit(int size, int count) const;

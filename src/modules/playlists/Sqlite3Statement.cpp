@@ -4,9 +4,9 @@
 #include <cstring>
 #include <sqlite3.h>
 
+#include "LoneSurrogates.h"
 #include "ModuleLog.h"
 #include "PlainUnits.h"
-#include "WholeText.h"
 
 namespace {
 
@@ -58,7 +58,7 @@ bool Sqlite3Statement::bindText(const int& index, const QString& value) {
         std::transform(value.cbegin(), value.cend(), bytes,
                        [](QChar unit) { return char(unit.unicode()); });
     } else {
-        const QByteArray utf8 = wholeText(value).toUtf8();
+        const QByteArray utf8 = replaceLoneSurrogates(value).toUtf8();
         size = utf8.size();
         bytes = roomForBytes(size);
         std::memcpy(bytes, utf8.constData(), std::size_t(size));

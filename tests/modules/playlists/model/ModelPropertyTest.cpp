@@ -127,7 +127,7 @@ void ModelPropertyTest::addItems() {
 
 void ModelPropertyTest::addItemsAt() {
     PlainList& list = pickList();
-    const bool wholeOnly = oneIn(2);
+    const bool allOrNothing = oneIn(2);
     QStringList titles;
     QList<OrvoPlayListItem> newItems;
     for (int i = pick(0, 4); i > 0; --i) {
@@ -136,7 +136,7 @@ void ModelPropertyTest::addItemsAt() {
     }
     QList<int> positions;
     const int size = list.entries.size() + titles.size();
-    if (wholeOnly) {
+    if (allOrNothing) {
         for (int i = 0; i < size; ++i)
             positions.append(i);
         std::shuffle(positions.begin(), positions.end(), m_random);
@@ -153,8 +153,8 @@ void ModelPropertyTest::addItemsAt() {
              .arg(titles.join(' '))
              .arg(list.uid)
              .arg(::testing::PrintToString(positions).c_str()));
-    const PlainModel::Outcome expected = m_plain.addAt(list, positions, titles, wholeOnly);
-    expectOutcome(expected, real(list).addItemsAt({positions, wholeOnly}, newItems));
+    const PlainModel::Outcome expected = m_plain.addAt(list, positions, titles, allOrNothing);
+    expectOutcome(expected, real(list).addItemsAt({positions, allOrNothing}, newItems));
 }
 
 void ModelPropertyTest::removeItems() {

@@ -49,7 +49,7 @@ PlainModel::Outcome PlainModel::add(PlainList& list, int position,
 }
 
 PlainModel::Outcome PlainModel::addAt(PlainList& list, const QList<int>& positions,
-                                      const QStringList& titles, bool wholeOnly) const {
+                                      const QStringList& titles, bool allOrNothing) const {
     QList<int> sorted = positions;
     std::sort(sorted.begin(), sorted.end());
     const QSet<int> distinct(positions.begin(), positions.end());
@@ -59,7 +59,7 @@ PlainModel::Outcome PlainModel::addAt(PlainList& list, const QList<int>& positio
         return {-1, {}};
     const int room = itemsLimit == 0 ? titles.size() : std::max(0, itemsLimit - itemCount());
     const int count = std::min(room, titles.size());
-    if (count == 0 || (wholeOnly && count < titles.size()))
+    if (count == 0 || (allOrNothing && count < titles.size()))
         return {-2, {}};
     QStringList entries = list.entries;
     for (int i = 0; i < count; ++i)

@@ -51,7 +51,7 @@ public:
     Outcome add(PlainList& list, int position, const QStringList& titles) const;
     // Each alone in its place, or all in a run, of which the limit may leave some out.
     Outcome addAt(PlainList& list, const QList<int>& positions, const QStringList& titles,
-                  bool wholeOnly) const;
+                  bool allOrNothing) const;
     static Outcome remove(PlainList& list, const QList<int>& indices);
     static Outcome move(PlainList& list, int from, int to);
     // Without what was heard: the single moves may come in any order that leads there.

@@ -4,8 +4,8 @@
 class PlayListAddAtTest : public ModelFixture {
 protected:
     static int addAt(PlayListBase& pl, const QList<int>& positions, const QString& letters,
-                     bool wholeOnly = true) {
-        return pl.addItemsAt({positions, wholeOnly}, letterItems(letters));
+                     bool allOrNothing = true) {
+        return pl.addItemsAt({positions, allOrNothing}, letterItems(letters));
     }
 };
 

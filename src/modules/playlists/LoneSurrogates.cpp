@@ -1,6 +1,6 @@
-#include "WholeText.h"
+#include "LoneSurrogates.h"
 
-QString wholeText(QString text) {
+QString replaceLoneSurrogates(QString text) {
     if (text.isValidUtf16())
         return text;
     for (int i = 0; i < text.size(); ++i) {

@@ -4,4 +4,4 @@
 
 // The text with U+FFFD for each half of a surrogate pair. Half a pair is no character: the store
 // could not give it back, so it is replaced before memory has it.
-QString wholeText(QString text);
+QString replaceLoneSurrogates(QString text);
