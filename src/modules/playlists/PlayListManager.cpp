@@ -17,7 +17,6 @@ PlayListManager::PlayListManager(Database* database) : m_database(database) {
 PlayListManager::~PlayListManager() {
     qDeleteAll(m_collections);
     qDeleteAll(m_playLists);
-    delete m_playQueue;
 }
 
 void PlayListManager::append(PlayListBase* pl) {
@@ -32,7 +31,7 @@ void PlayListManager::initPlayLists() {
     PlayListRecord queue = m_database->getPlayQueue();
     if (queue.uid == PlayListRecord::NoUid)
         queue = m_database->getPlayQueue();
-    m_playQueue = new PlayList(m_database, queue);
+    m_playQueue = std::make_unique<PlayList>(m_database, queue);
     // The play queue is of one session: only user playlists keep their items.
     m_playQueue->clearItems();
     QList<PlayListRecord> records = m_database->getPlayLists();
@@ -65,7 +64,7 @@ void PlayListManager::initCollections() {
 }
 
 PlayListBase* PlayListManager::getPlayListByUid(int uid) const {
-    return uid == PlayListRecord::PlayQueueUid ? m_playQueue : m_playListsByUid.value(uid);
+    return uid == PlayListRecord::PlayQueueUid ? m_playQueue.get() : m_playListsByUid.value(uid);
 }
 
 OrvoPlayListItem PlayListManager::getPlayListItemByUid(int uid) const {
@@ -82,7 +81,7 @@ QList<OrvoPlayListItem> PlayListManager::getPlayListItemsByUids(const QList<int>
         record.size = pl->getSize();
         records.append(record);
     };
-    appendRecord(m_playQueue);
+    appendRecord(m_playQueue.get());
     std::for_each(m_playLists.cbegin(), m_playLists.cend(), appendRecord);
     return m_database->getItemsByUids(records, uids, budget);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include <QHash>
 #include <QList>
 #include <QObject>
@@ -23,7 +25,7 @@ public:
 
     // Every playlist but the play queue: by name as loaded, then in the order of creation.
     QList<PlayListBase*> getAllPlayList() const { return m_playLists; }
-    PlayListBase* getPlayQueue() const { return m_playQueue; }
+    PlayListBase* getPlayQueue() const { return m_playQueue.get(); }
     // Uid 0 is the play queue; null when there is no such playlist. Constant time.
     PlayListBase* getPlayListByUid(int uid) const;
     // An empty item when there is none.
@@ -49,7 +51,8 @@ public:
     QList<CollectionBase*> getCollections(int from, int to) const;
 
     PlayListBase* createPlayList(const QString& name);
-    // The object goes with the next turn of the event loop, after everybody heard of it.
+    // The object goes with the next turn of the event loop, after the slots of playlistDeleted()
+    // ran.
     bool deletePlayList(PlayListBase* pl);
     bool deletePlayList(int uid);
     CollectionBase* createCollection(const QString& name);
@@ -68,7 +71,7 @@ private:
     void append(PlayListBase* pl);
 
     Database* m_database;
-    PlayListBase* m_playQueue = nullptr;
+    std::unique_ptr<PlayListBase> m_playQueue;
     QList<PlayListBase*> m_playLists;
     QList<CollectionBase*> m_collections;
     QHash<int, PlayListBase*> m_playListsByUid;

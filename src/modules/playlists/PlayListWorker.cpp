@@ -32,19 +32,22 @@ PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config)
     : CMNodesWorker(config, "PlayLists") {
     const int itemsLimit = readSetting(OrvoPlayListsSettingsDataBaseItemsLimitPath()).i32();
     const bool vacuumNeeded = readSetting(OrvoPlayListSettingsDataBaseVacuumPath()).bool_();
-    m_database = new Database(itemsLimit, vacuumNeeded, maxStartWaitMs(config));
-    cmConnect(m_database, &Database::vacuumNeeded, this, &PlayListWorker::on_databaseVacuum_needed);
+    m_database = std::make_unique<Database>(itemsLimit, vacuumNeeded, maxStartWaitMs(config));
+    cmConnect(m_database.get(), &Database::vacuumNeeded, this,
+              &PlayListWorker::on_databaseVacuum_needed);
     // The store has vacuumed in its constructor, before anything listened to its signal: the
     // setting is taken back here.
     if (vacuumNeeded && !m_database->owesVacuum())
         on_databaseVacuum_needed(false);
-    m_manager = new PlayListManager(m_database);
+    m_manager = std::make_unique<PlayListManager>(m_database.get());
     // No list waits for it, so it does not hold up the start.
     QTimer::singleShot(0, this, [this] { m_database->removeUnusedItems(); });
-    m_ui = new PlayListUI(this, nodes(), subscribe(), m_manager);
-    m_controller = new Controller(this, m_manager, PlayListLimits::from(config));
-    m_playLogic = new PlayListPlayLogic(this, m_manager, nullptr);
-    m_upNext = new UpNextNode(OrvoPlayListUpNextPath(), m_manager, m_playLogic, subscribe());
+    m_ui = std::make_unique<PlayListUI>(this, nodes(), subscribe(), m_manager.get());
+    m_controller =
+        std::make_unique<Controller>(this, m_manager.get(), PlayListLimits::from(config));
+    m_playLogic = std::make_unique<PlayListPlayLogic>(this, m_manager.get(), nullptr);
+    m_upNext = std::make_unique<UpNextNode>(OrvoPlayListUpNextPath(), m_manager.get(),
+                                            m_playLogic.get(), subscribe());
     m_upNext->setNodes(nodes());
     cmConnect(this, &PlayListWorker::setDataReceived, this, &PlayListWorker::on_setDataRequest);
     auto* powerManagerTarget = new CMValueItem(this, OrvoPowerManagerTargetPath());
@@ -52,14 +55,7 @@ PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config)
               &PlayListWorker::on_powerManagerTargetItem_changed);
 }
 
-PlayListWorker::~PlayListWorker() {
-    delete m_upNext;
-    delete m_playLogic;
-    delete m_controller;
-    delete m_ui;
-    delete m_manager;
-    delete m_database;
-}
+PlayListWorker::~PlayListWorker() = default;
 
 void PlayListWorker::setDataRequest(const CMSetDataRequest& request) {
     Q_EMIT setDataReceived(request);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "CMWorker.h"
 
 class CMValueItem;
@@ -31,10 +33,11 @@ private Q_SLOTS:
     void on_databaseVacuum_needed(bool needed);
 
 private:
-    Database* m_database;
-    PlayListManager* m_manager;
-    PlayListUI* m_ui;
-    Controller* m_controller;
-    PlayListPlayLogic* m_playLogic;
-    UpNextNode* m_upNext;
+    // Each uses those before it, and goes before them.
+    std::unique_ptr<Database> m_database;
+    std::unique_ptr<PlayListManager> m_manager;
+    std::unique_ptr<PlayListUI> m_ui;
+    std::unique_ptr<Controller> m_controller;
+    std::unique_ptr<PlayListPlayLogic> m_playLogic;
+    std::unique_ptr<UpNextNode> m_upNext;
 };
