@@ -107,6 +107,8 @@ private:
     bool plSetName(CMSetDataRequest request, QString& msg);
     bool plSetShuffle(CMSetDataRequest request, QString& msg);
     bool plSetRepeat(CMSetDataRequest request, QString& msg);
+    struct ModeCommand;
+    bool setMode(const ModeCommand& command, int plid, int mode, QString& msg);
     bool plDelete(CMSetDataRequest request, QString& msg);
     bool plClearItems(CMSetDataRequest request, QString& msg);
     bool plRemoveItems(CMSetDataRequest request, QString& msg);

@@ -5,7 +5,6 @@
 
 #include "AlikeLines.h"
 #include "CMConnect.h"
-#include "CMRootWorker.h"
 #include "Controller.h"
 #include "ControllerText.h"
 #include "ItemsCheck.h"

@@ -76,51 +76,66 @@ bool Controller::plSetName(CMSetDataRequest request, QString& msg) {
     return true;
 }
 
+// A command that sets a mode, of which the playlist keeps only whether it is `on`. Greater modes
+// than `last` are refused; negative ones are taken, and are off like all others.
+struct Controller::ModeCommand {
+    const char* name;
+    const char* stored; // what the log calls it once it is set
+    const char* prefix;
+    const char* invalid;
+    const char* done;
+    int last;
+    int on;
+    bool (PlayListBase::*set)(bool);
+};
+
 bool Controller::plSetShuffle(CMSetDataRequest request, QString& msg) {
     CM_ENTER(moduleLog());
-    const OrvoPlayListPlSetShuffle args(
-        withNamedMode<OrvoPlayListPlShuffleMode>(request.value(), OrvoPlayListPlSetShuffle::Mode())
-            .toHash());
-    const int plid = args.plid();
-    const OrvoPlayListPlShuffleMode::Enum mode = args.mode();
-    const QString prefix = CONTROLLER_TEXT("Could not set shuffle mode on playlist.");
-    if (!checkPlayListId(plid, prefix, msg))
-        return refuse(QStringLiteral("Cannot set shuffle for invalid playlist id: %1").arg(plid));
-    // A negative mode switches off, like every one that is not "on".
-    if (mode > OrvoPlayListPlShuffleMode::On)
-        return refuse(msg, QStringLiteral("Cannot set shuffle mode: %1").arg(int(mode)), prefix,
-                      CONTROLLER_TEXT("Invalid shuffle mode."), QStringLiteral("shuffle-mode"));
-    PlayListBase* pl = existingPlayList(plid, prefix, msg);
-    if (!pl)
-        return false;
-    if (!checkStored(pl->setShuffle(mode == OrvoPlayListPlShuffleMode::On), plid, prefix, msg))
-        return false;
-    LOG4CPLUS_INFO(moduleLog(), "Playlist id:" << plid << " set shuffle: " << int(mode));
-    msg = buildOkMsg(CONTROLLER_TEXT("Playlist shuffle mode changed successfully."), pl->getName());
-    return true;
+    using Args = OrvoPlayListPlSetShuffle;
+    using Modes = OrvoPlayListPlShuffleMode;
+    const Args args(withNamedMode<Modes>(request.value(), Args::Mode()).toHash());
+    static constexpr ModeCommand command = {"shuffle",
+                                            "shuffle",
+                                            "Could not set shuffle mode on playlist.",
+                                            "Invalid shuffle mode.",
+                                            "Playlist shuffle mode changed successfully.",
+                                            Modes::On,
+                                            Modes::On,
+                                            &PlayListBase::setShuffle};
+    return setMode(command, args.plid(), args.mode(), msg);
 }
 
 bool Controller::plSetRepeat(CMSetDataRequest request, QString& msg) {
     CM_ENTER(moduleLog());
-    const OrvoPlayListPlSetRepeat args(
-        withNamedMode<OrvoPlayListPlRepeatMode>(request.value(), OrvoPlayListPlSetRepeat::Mode())
-            .toHash());
-    const int plid = args.plid();
-    const OrvoPlayListPlRepeatMode::Enum mode = args.mode();
-    const QString prefix = CONTROLLER_TEXT("Could not set repeat mode on playlist.");
+    using Args = OrvoPlayListPlSetRepeat;
+    using Modes = OrvoPlayListPlRepeatMode;
+    const Args args(withNamedMode<Modes>(request.value(), Args::Mode()).toHash());
+    static constexpr ModeCommand command = {"repeat",
+                                            "repeat all",
+                                            "Could not set repeat mode on playlist.",
+                                            "Invalid repeat mode.",
+                                            "Playlist repeat mode changed successfully.",
+                                            Modes::Track,
+                                            Modes::All,
+                                            &PlayListBase::setRepeatAll};
+    return setMode(command, args.plid(), args.mode(), msg);
+}
+
+bool Controller::setMode(const ModeCommand& command, int plid, int mode, QString& msg) {
+    const QString name = QString::fromLatin1(command.name);
+    const QString prefix = CONTROLLER_TEXT(command.prefix);
     if (!checkPlayListId(plid, prefix, msg))
-        return refuse(QStringLiteral("Cannot set repeat for invalid playlist id: %1").arg(plid));
-    // A negative mode is taken too: all but "all" is kept as "off".
-    if (mode > OrvoPlayListPlRepeatMode::Track)
-        return refuse(msg, QStringLiteral("Cannot set repeat mode: %1").arg(int(mode)), prefix,
-                      CONTROLLER_TEXT("Invalid repeat mode."), QStringLiteral("repeat-mode"));
+        return refuse(
+            QStringLiteral("Cannot set %1 for invalid playlist id: %2").arg(name).arg(plid));
+    if (mode > command.last)
+        return refuse(msg, QStringLiteral("Cannot set %1 mode: %2").arg(name).arg(mode), prefix,
+                      CONTROLLER_TEXT(command.invalid), name + QStringLiteral("-mode"));
     PlayListBase* pl = existingPlayList(plid, prefix, msg);
-    if (!pl)
+    if (!pl || !checkStored((pl->*command.set)(mode == command.on), plid, prefix, msg))
         return false;
-    if (!checkStored(pl->setRepeatAll(mode == OrvoPlayListPlRepeatMode::All), plid, prefix, msg))
-        return false;
-    LOG4CPLUS_INFO(moduleLog(), "Playlist id:" << plid << " set repeat all: " << int(mode));
-    msg = buildOkMsg(CONTROLLER_TEXT("Playlist repeat mode changed successfully."), pl->getName());
+    LOG4CPLUS_INFO(moduleLog(),
+                   "Playlist id:" << plid << " set " << command.stored << ": " << mode);
+    msg = buildOkMsg(CONTROLLER_TEXT(command.done), pl->getName());
     return true;
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QList>
 #include <QString>
 
 // One playlist as the store keeps it. A value; `uid` 0 is the play queue, -1 marks "no such
