@@ -129,7 +129,10 @@ private:
     // Where each item has its place, each path must have given one item.
     static bool haveOneEach(const CMRequestGroup* group, const QList<int>& itemsPerReply);
     static bool hasTooManyItems(const CMRequestGroup* group);
-    bool appendItemPaths(PlayListBase* source, QList<CMPath>* paths) const;
+    bool readTarget(ReqGroupProperties& props, QString& msg);
+    QList<CMPath> readPaths(ReqGroupProperties& props, QString& msg);
+    bool appendPathsOfSource(const ReqGroupProperties& props, QList<CMPath>& paths) const;
+    void askForItems(ReqGroupProperties& props, const QList<CMPath>& paths);
     // Finishes at once for a few items; many are checked between other requests.
     void checkInSlices(const ReqGroupProperties& props, const std::shared_ptr<ItemsCheck>& check,
                        bool areMany = false);
@@ -143,7 +146,7 @@ private:
                         OrvoPlayListAddPosition::Enum mode, QString* msg, int* first,
                         const WantedPlaces& wanted);
     static bool readPlaces(const CMSetDataRequest& request, const QString& prefix,
-                           WantedPlaces* wanted, QString& msg);
+                           WantedPlaces& wanted, QString& msg);
     static int addAtPlaces(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
                            const WantedPlaces& wanted, QString* msg);
     bool startFirstNewItem(PlayListBase* pl, int first, const QString& failure,

@@ -38,8 +38,40 @@ QString oneEachText() {
     return CONTROLLER_TEXT("Please give one position for each item.");
 }
 
-QString ownPrefix() {
-    return OrvoPlayListItemPath().prefix();
+// What one module is asked for at once.
+struct PrepareCall {
+    QString owner;
+    QStringList paths;
+};
+
+// In the order in which the owners are first seen.
+QList<PrepareCall> callsByOwner(const QList<CMPath>& paths) {
+    QList<PrepareCall> calls;
+    QHash<QString, int> callOfOwner;
+    for (const CMPath& path : paths) {
+        const QString owner = path.prefix();
+        if (!callOfOwner.contains(owner)) {
+            callOfOwner.insert(owner, calls.size());
+            calls.append({owner, {}});
+        }
+        calls[callOfOwner.value(owner)].paths.append(path.toString());
+    }
+    return calls;
+}
+
+// For items that have one place each. Where all paths of a module are asked for together, a
+// folder's tracks, or a path that names nothing, would give the items behind it the places of
+// others. Only this module's own paths give one item each.
+QList<PrepareCall> callsInOrder(const QList<CMPath>& paths) {
+    const QString own = OrvoPlayListItemPath().prefix();
+    QList<PrepareCall> calls;
+    for (const CMPath& path : paths) {
+        const QString owner = path.prefix();
+        if (calls.isEmpty() || owner != own || calls.last().owner != own)
+            calls.append({owner, {}});
+        calls.last().paths.append(path.toString());
+    }
+    return calls;
 }
 
 } // namespace
@@ -91,104 +123,71 @@ QVariantList Controller::preparePlaylistItems(const QStringList& paths, TextBudg
 
 void Controller::plAddItems(CMSetDataRequest request) {
     CM_ENTER(moduleLog());
-    const OrvoPlayListPlAddItems args(request.value().toHash());
-    const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
     ReqGroupProperties props;
-    props.plid = args.plid();
-    props.fromPlid = args.fromPlid();
-    props.mode = args.containsMode() ? args.mode() : OrvoPlayListAddPosition::Append;
+    props.request = std::make_shared<CMSetDataRequest>(request);
     QString msg;
-    if (!checkPlayListId(props.plid, prefix, msg)) {
+    // None where one of the two refuses.
+    const QList<CMPath> paths = readTarget(props, msg) ? readPaths(props, msg) : QList<CMPath>();
+    if (paths.isEmpty()) {
         setReply(request, false, msg);
         return;
     }
+    props.requested = paths.size();
+    askForItems(props, paths);
+}
+
+// Where the items go.
+bool Controller::readTarget(ReqGroupProperties& props, QString& msg) {
+    const OrvoPlayListPlAddItems args(props.request->value().toHash());
+    const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
+    props.plid = args.plid();
+    props.mode = args.containsMode() ? args.mode() : OrvoPlayListAddPosition::Append;
+    if (!checkPlayListId(props.plid, prefix, msg))
+        return false;
     props.target = m_manager->getPlayListByUid(props.plid);
-    if (props.target && !checkRevision(request, props.target, prefix, msg)) {
-        setReply(request, false, msg);
-        return;
-    }
+    return (!props.target || checkRevision(*props.request, props.target, prefix, msg)) &&
+           readPlaces(*props.request, prefix, props.wanted, msg);
+}
 
-    if (!readPlaces(request, prefix, &props.wanted, msg)) {
-        setReply(request, false, msg);
-        return;
-    }
-
+// The items' paths; none, with the reason in `msg`, where they cannot be added.
+QList<CMPath> Controller::readPaths(ReqGroupProperties& props, QString& msg) {
+    const OrvoPlayListPlAddItems args(props.request->value().toHash());
+    const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
     QList<CMPath> paths;
     const QVariantList items = args.items();
     paths.reserve(items.size());
     for (const QVariant& item : items)
         paths.append(CMPath::fromQVariant(item));
-    if (paths.isEmpty()) {
-        LOG4CPLUS_DEBUG(moduleLog(),
-                        QStringLiteral("adding whole playlist (id: %1) to playlist (id: %2)")
-                            .arg(props.fromPlid)
-                            .arg(props.plid));
-        PlayListBase* source = m_manager->getPlayListByUid(props.fromPlid);
-        if (checkPlayList(source, props.fromPlid, prefix, msg)) {
-            if (!appendItemPaths(source, &paths)) {
-                setReply(request, false, tooManyMessage(prefix));
-                return;
-            }
-            // The source is to go: what could not be read would go with it.
-            if (paths.size() != source->getSize())
-                paths.clear();
-        }
-        props.wholePlaylist = true;
+    props.fromPlid = args.fromPlid();
+    props.wholePlaylist = paths.isEmpty();
+    if (props.wholePlaylist && !appendPathsOfSource(props, paths)) {
+        msg = tooManyMessage(prefix);
+        return {};
     }
     if (paths.isEmpty()) {
         LOG4CPLUS_ERROR(moduleLog(), "There isn't any items to add to playlist id: " << props.plid);
-        setReply(request, false,
-                 buildErrMsg(prefix, CONTROLLER_TEXT("Please select one or more items to add.")));
-        return;
+        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Please select one or more items to add."));
+        return {};
     }
-
-    const bool oneEach = props.wanted.kind == WantedPlaces::Kind::OneEach;
-    if (oneEach && props.wanted.positions.size() != paths.size()) {
-        setReply(request, false,
-                 buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."), oneEachText()));
-        return;
+    if (props.wanted.kind == WantedPlaces::Kind::OneEach &&
+        props.wanted.positions.size() != paths.size()) {
+        msg = buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."), oneEachText());
+        return {};
     }
-
-    // Where all paths of a module are asked for together, a folder's tracks, or a path that names
-    // nothing, would give the items behind it the places of others. This module's own paths give
-    // one item each.
-    QList<QPair<QString, QStringList>> calls;
-    QHash<QString, int> callOfPrefix; // those in the order first seen
-    for (const CMPath& path : qAsConst(paths)) {
-        const QString owner = path.prefix();
-        const bool joins =
-            oneEach ? !calls.isEmpty() && calls.last().first == owner && owner == ownPrefix()
-                    : callOfPrefix.contains(owner);
-        if (!joins) {
-            callOfPrefix.insert(owner, calls.size());
-            calls.append({owner, {}});
-        }
-        calls[callOfPrefix.value(owner)].second.append(path.toString());
-    }
-    for (int i = 0; oneEach && i < calls.size(); ++i)
-        props.itemsPerReply.append(calls.at(i).second.size());
-
-    auto* group = new CMRequestGroup(this);
-    props.requested = paths.size();
-    props.request = std::make_shared<CMSetDataRequest>(request);
-    m_ReqGroupPropertiesHash.insert(group, props);
-    cmConnect(group, &CMRequestGroup::finished, this, &Controller::on_prepareItemsGroup_finished);
-
-    AlikeLines prefixLines(moduleLog(), log4cplus::DEBUG_LOG_LEVEL);
-    AlikeLines itemLines(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
-    for (const QPair<QString, QStringList>& call : qAsConst(calls)) {
-        if (prefixLines.next())
-            LOG4CPLUS_DEBUG(moduleLog(), "requestPrefix: " << loggedText(call.first) << " call: "
-                                                           << OrvoPlayListPrepareItems());
-        if (itemLines.next())
-            LOG4CPLUS_TRACE(moduleLog(), "items: " << joined(call.second));
-        group->addInvoke(OrvoPlayListPrepareItems(), CMPath::fromPrefix(call.first), call.second);
-    }
-    group->checkAndCallCallback();
+    return paths;
 }
 
-// False when the items are more than may be added at once.
-bool Controller::appendItemPaths(PlayListBase* source, QList<CMPath>* paths) const {
+// Of all items of the playlist that is to be moved, or of none where they cannot all be read: what
+// could not be read would go with it. False when the items are more than may be added at once.
+bool Controller::appendPathsOfSource(const ReqGroupProperties& props, QList<CMPath>& paths) const {
+    LOG4CPLUS_DEBUG(moduleLog(),
+                    QStringLiteral("adding whole playlist (id: %1) to playlist (id: %2)")
+                        .arg(props.fromPlid)
+                        .arg(props.plid));
+    PlayListBase* source = m_manager->getPlayListByUid(props.fromPlid);
+    QString ignored; // an unknown playlist has no items to add, which is what the caller is told
+    if (!checkPlayList(source, props.fromPlid, QString(), ignored))
+        return true;
     TextBudget budget(m_limits.maxAdditionBytes);
     const int size = source->getSize();
     for (int from = 0; from < size; from += ItemsPerReading) {
@@ -197,10 +196,35 @@ bool Controller::appendItemPaths(PlayListBase* source, QList<CMPath>* paths) con
         for (const OrvoPlayListItem& item : items) {
             if (!budget.take(TextBudget::bytesOf(item)))
                 return false;
-            paths->append(OrvoPlayListItemPathOf(item.uid()));
+            paths.append(OrvoPlayListItemPathOf(item.uid()));
         }
     }
+    if (paths.size() != source->getSize())
+        paths.clear();
     return true;
+}
+
+void Controller::askForItems(ReqGroupProperties& props, const QList<CMPath>& paths) {
+    const bool oneEach = props.wanted.kind == WantedPlaces::Kind::OneEach;
+    const QList<PrepareCall> calls = oneEach ? callsInOrder(paths) : callsByOwner(paths);
+    for (int i = 0; oneEach && i < calls.size(); ++i)
+        props.itemsPerReply.append(calls.at(i).paths.size());
+
+    auto* group = new CMRequestGroup(this);
+    m_ReqGroupPropertiesHash.insert(group, props);
+    cmConnect(group, &CMRequestGroup::finished, this, &Controller::on_prepareItemsGroup_finished);
+
+    AlikeLines prefixLines(moduleLog(), log4cplus::DEBUG_LOG_LEVEL);
+    AlikeLines itemLines(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
+    for (const PrepareCall& call : calls) {
+        if (prefixLines.next())
+            LOG4CPLUS_DEBUG(moduleLog(), "requestPrefix: " << loggedText(call.owner) << " call: "
+                                                           << OrvoPlayListPrepareItems());
+        if (itemLines.next())
+            LOG4CPLUS_TRACE(moduleLog(), "items: " << joined(call.paths));
+        group->addInvoke(OrvoPlayListPrepareItems(), CMPath::fromPrefix(call.owner), call.paths);
+    }
+    group->checkAndCallCallback();
 }
 
 void Controller::on_prepareItemsGroup_finished() {
@@ -458,15 +482,15 @@ int Controller::addAtPlaces(PlayListBase* pl, const QList<OrvoPlayListItem>& ite
 }
 
 bool Controller::readPlaces(const CMSetDataRequest& request, const QString& prefix,
-                            WantedPlaces* wanted, QString& msg) {
+                            WantedPlaces& wanted, QString& msg) {
     const OrvoPlayListPlAddItems args(request.value().toHash());
     if (!args.containsAt())
         return true;
     const QVariant at = args.at();
     const bool isList = at.type() == QVariant::List;
-    wanted->kind = isList ? WantedPlaces::Kind::OneEach : WantedPlaces::Kind::FromOneOn;
-    wanted->positions = isList ? OrvoAttribute<QList<int>>::read(at) : QList<int>{OrvoId::read(at)};
-    const QList<int>& positions = wanted->positions;
+    wanted.kind = isList ? WantedPlaces::Kind::OneEach : WantedPlaces::Kind::FromOneOn;
+    wanted.positions = isList ? OrvoAttribute<QList<int>>::read(at) : QList<int>{OrvoId::read(at)};
+    const QList<int>& positions = wanted.positions;
     const bool areAscending = !positions.isEmpty() && positions.first() >= 0 &&
                               std::adjacent_find(positions.cbegin(), positions.cend(),
                                                  std::greater_equal<int>()) == positions.cend();
@@ -497,7 +521,7 @@ bool Controller::plAddExternalItems(CMSetDataRequest request, QString& msg) {
     if (!pl)
         return false;
     WantedPlaces wanted;
-    if (!checkRevision(request, pl, prefix, msg) || !readPlaces(request, prefix, &wanted, msg))
+    if (!checkRevision(request, pl, prefix, msg) || !readPlaces(request, prefix, wanted, msg))
         return false;
     QString resultMsg;
     int first = -1;
