@@ -257,14 +257,16 @@ int PlayListPlayLogic::nextNumber() const {
 
 void PlayListPlayLogic::announceAnew() {
     Q_EMIT upNextChanged();
-    if (!m_cursorBeforeAnnouncement || !m_hasPlayingItem)
+    if (!m_cursorBeforeAnnouncement)
+        return;
+    // The edit has left the cursor on the playing item, or on the one that played last.
+    m_cursorBeforeAnnouncement = m_shuffleCurIndex;
+    if (!m_hasPlayingItem)
         return;
     const int next = nextNumber();
     const OrvoValue announced = m_announcedRoles.value();
     const bool isNext = announced.containsI32_() ? announced.i32() == next
                                                  : m_announcedRoles.isEmpty() && next == Gone;
-    // The edit has left the cursor on the playing item.
-    m_cursorBeforeAnnouncement = m_shuffleCurIndex;
     if (!isNext)
         prepareNextMedia();
     else if (m_shuffleEnabled && m_repeatMode != RepeatOne && next != Gone)

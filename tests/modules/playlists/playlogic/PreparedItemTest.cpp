@@ -227,3 +227,14 @@ TEST_F(PreparedItemTest, anItemRenumberedBeforeItHasStartedIsPublishedWithItsNew
     player.start();
     EXPECT_EQ("d@1", published());
 }
+
+TEST_F(PreparedItemTest, announcedAfterTheEndItStillLetsTheCursorFollowARemoval) {
+    PlayListBase* pl = playingShuffled("abcd", {2, 0, 3, 1}, 3); // c a d b, and b plays
+    logic()->prepareNextMedia();
+    player.end();
+    changeMode(OrvoPlayerPlayMode::ShuffleRepeatAll);
+    EXPECT_EQ((QStringList{"no next", "ended", "next c@2"}), player.takeCommands());
+    pl->removeItems({0}); // c d b
+    previous();
+    EXPECT_EQ(QStringList{"play d@2"}, player.takeCommands());
+}
