@@ -12,8 +12,8 @@ public:
     PlayListBase* current() { return m->m_currentPlayList; }
     bool& shuffle() { return m->m_shuffleEnabled; }
     PlayListPlayLogic::RepeatMode& repeat() { return m->m_repeatMode; }
-    QVector<int>& order() { return m->m_shuffleSeq; }
-    int& cursor() { return m->m_shuffleCurIndex; }
+    QVector<int>& order() { return m->m_shuffleOrder.m_shuffleSeq; }
+    int& cursor() { return m->m_shuffleOrder.m_shuffleCurIndex; }
     OrvoRoles& announcedRoles() { return m->m_announcedRoles; }
     int& errorCount() { return m->m_errorCount; }
     bool& nextMediaPrepared() { return m->m_nextMediaPrepared; }

@@ -126,22 +126,21 @@ OrvoRoles PlayListPlayLogic::getNextTrack() {
         m_errorCount = 0;
     }
 
-    putCursorOnPlaying();
-    m_cursorBeforeAnnouncement.reset();
+    m_shuffleOrder.returnToPlaying();
     OrvoRoles result;
     if (m_shuffleEnabled) {
-        const int cursor = m_shuffleCurIndex;
+        const ShuffleOrder before = m_shuffleOrder;
         const int seqNum = getNextShuffleItem();
-        if (seqNum != -1)
+        if (seqNum != ShuffleOrder::None)
             result = getTrackAbsolute(seqNum);
         // It is there but could not be read: it is still to come.
         if (result.isEmpty() && m_currentPlayList && seqNum < m_currentPlayList->getSize())
-            m_shuffleCurIndex = cursor;
+            m_shuffleOrder = before;
     } else {
         result = getTrackRelative(1);
     }
     if (result.isEmpty() && m_currentPlayList && m_repeatMode == RepeatAll) {
-        const int first = m_shuffleEnabled && !m_shuffleSeq.isEmpty() ? m_shuffleSeq.at(0) : 0;
+        const int first = m_shuffleEnabled ? m_shuffleOrder.entries().value(0, 0) : 0;
         result = getTrackAbsolute(first);
         if (result.isEmpty())
             LOG4CPLUS_WARN(
@@ -152,12 +151,11 @@ OrvoRoles PlayListPlayLogic::getNextTrack() {
 }
 
 OrvoRoles PlayListPlayLogic::getPreviousTrack() {
-    putCursorOnPlaying();
-    m_cursorBeforeAnnouncement.reset();
+    m_shuffleOrder.returnToPlaying();
     OrvoRoles result;
     if (m_shuffleEnabled) {
         const int seqNum = getPrevShuffleItem();
-        if (seqNum != -1)
+        if (seqNum != ShuffleOrder::None)
             result = getTrackAbsolute(seqNum);
     } else {
         result = getTrackRelative(-1);
@@ -183,9 +181,7 @@ void PlayListPlayLogic::playInternal(const CMSetDataRequest& request,
     setCurrentPlayList(nullptr);
     m_shuffleEnabled = false;
     m_repeatMode = RepeatOff;
-    m_shuffleSeq.clear();
-    m_shuffleCurIndex = -1;
-    m_cursorBeforeAnnouncement.reset();
+    m_shuffleOrder = ShuffleOrder();
     m_announcedRoles = OrvoRoles();
     m_hasPlayingItem = false;
     m_errorCount = 0;
@@ -254,7 +250,7 @@ void PlayListPlayLogic::playTrackRoles(OrvoRoles roles) {
     if (m_currentPlayList && position.containsI32_())
         makePosition(position.i32());
     m_hasPlayingItem = !roles.isEmpty();
-    m_cursorBeforeAnnouncement.reset();
+    m_shuffleOrder.playAtCursor();
     sendPlayCommand(roles, {});
     Q_EMIT upNextChanged();
 }
@@ -267,19 +263,16 @@ void PlayListPlayLogic::stopInternal(const CMSetDataRequest& request) {
 
 void PlayListPlayLogic::skip(const CMSetDataRequest& request,
                              OrvoRoles (PlayListPlayLogic::*track)(), const char* whenThereIsNone) {
-    const int cursor = m_shuffleCurIndex;
-    const std::optional<int> cursorBeforeAnnouncement = m_cursorBeforeAnnouncement;
+    const ShuffleOrder before = m_shuffleOrder;
     const OrvoRoles roles = (this->*track)();
     if (!roles.isEmpty()) {
         m_announcedRoles = roles;
         playTrackRoles(roles);
     } else {
         LOG4CPLUS_DEBUG(playLogicLog(), whenThereIsNone);
-        if (cursorBeforeAnnouncement) {
-            // What is announced still follows.
-            m_shuffleCurIndex = cursor;
-            m_cursorBeforeAnnouncement = cursorBeforeAnnouncement;
-        }
+        // What is announced still follows.
+        if (before.isAnnounced())
+            m_shuffleOrder = before;
     }
     request.reply().setValue(QVariant());
 }
@@ -337,16 +330,11 @@ OrvoPlayLogicPlayModesSupported PlayListPlayLogic::playModesSupported() {
 
 // --- the player's calls ---
 
-void PlayListPlayLogic::putCursorOnPlaying() {
-    if (m_cursorBeforeAnnouncement)
-        m_shuffleCurIndex = *m_cursorBeforeAnnouncement;
-}
-
 void PlayListPlayLogic::prepareNextMedia() {
-    putCursorOnPlaying();
-    const int cursor = m_shuffleCurIndex;
+    m_shuffleOrder.returnToPlaying();
+    const int playing = m_shuffleOrder.cursor();
     const OrvoRoles roles = m_repeatMode == RepeatOne ? getCurrentTrack() : getNextTrack();
-    m_cursorBeforeAnnouncement = cursor;
+    m_shuffleOrder.setAnnounced(playing);
     if (!roles.isEmpty()) {
         m_announcedRoles = roles;
         sendSetNextMediaCommand(roles, {});
@@ -360,7 +348,7 @@ void PlayListPlayLogic::prepareNextMedia() {
 }
 
 void PlayListPlayLogic::takeOverAnnounced() {
-    m_cursorBeforeAnnouncement.reset();
+    m_shuffleOrder.playAtCursor();
     const OrvoValue position = m_announcedRoles.value();
     if (!m_currentPlayList || !position.containsI32_())
         return;
@@ -411,7 +399,7 @@ OrvoPlayLogicData PlayListPlayLogic::mediaPlaybackStarted(const OrvoRoles& oldRo
         m_nextMediaPrepared = false;
         takeOverAnnounced();
     } else {
-        m_nextMediaPrepared = m_cursorBeforeAnnouncement.has_value();
+        m_nextMediaPrepared = m_shuffleOrder.isAnnounced();
     }
     return result;
 }
@@ -442,8 +430,8 @@ UpNext PlayListPlayLogic::upNext() const {
     result.wraps = m_repeatMode == RepeatAll;
     result.isShuffled = m_shuffleEnabled;
     if (m_shuffleEnabled) {
-        result.order = m_shuffleSeq;
-        result.place = m_cursorBeforeAnnouncement.value_or(m_shuffleCurIndex);
+        result.order = m_shuffleOrder.entries();
+        result.place = m_shuffleOrder.playingPlace();
     }
     return result;
 }

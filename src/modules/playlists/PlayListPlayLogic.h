@@ -1,11 +1,8 @@
 #pragma once
 
-#include <optional>
-
-#include <QVector>
-
 #include "OrvoRoles.h"
 #include "PlayMode.h"
+#include "ShuffleOrder.h"
 #include "StreamerPlayLogic.h"
 #include "UpNext.h"
 
@@ -18,8 +15,8 @@ class PlayListWorker;
 // in the playlist, as its last sequence number. Made by the worker, worker's thread only. No
 // current playlist or no such track: empty roles.
 //
-// Requests and the player's calls are handled in PlayListPlayLogic.cpp, the shuffle order in
-// PlayListPlayLogicShuffle.cpp, edits of the current playlist in PlayListPlayLogicEdits.cpp.
+// Requests and the player's calls are handled in PlayListPlayLogic.cpp, shuffle is drawn and walked
+// in PlayListPlayLogicShuffle.cpp, edits of the current playlist in PlayListPlayLogicEdits.cpp.
 class PlayListPlayLogic : public StreamerPlayLogic {
     Q_OBJECT
 public:
@@ -59,16 +56,13 @@ public:
     // Lets the published track roles show the position that an edit gave the track.
     void updateSequenceNumberInData();
 
-    // --- the shuffle order: a permutation of the sequence numbers, and a cursor in it ---
+    // --- the shuffle order ---
 
     void setShuffleEnabled(bool enabled);
     // A new order that starts with `startItem`, negative: with any.
     void initShuffle(int startItem);
     // Shuffles the order from position `from` to its end.
     void randomizeShuffleItems(int from);
-    // Shuffles the same way out of a given seed. order 0..9, from 4: the first four stay where they
-    // are.
-    static void shuffleTail(QVector<int>& order, int from, quint64 seed);
     // A sequence number, -1 for none.
     int getNextShuffleItem();
     int getPrevShuffleItem();
@@ -107,34 +101,22 @@ private:
     void makePosition(int seqNum);
     // The announced track has become the position.
     void takeOverAnnounced();
-    // An announced item has not been heard: steps and edits count from the playing one.
-    void putCursorOnPlaying();
     // Keeps the announced item's sequence number on it: `moved` maps old to new, -1 for gone.
     template <typename Moved>
     void renumberAnnounced(Moved moved);
-    // After an edit: the announced item is announced anew if it is no longer next, else the cursor
-    // goes back to it.
+    // After an edit: the announced item is announced anew if it is no longer next.
     void announceAnew();
     // The sequence number of the track behind the playing one, -1 for none.
     int nextNumber() const;
-    // The place behind the cursor, -1 for none.
-    int nextShufflePlace() const;
     void addToShuffle(int position, int firstSeqNum, int count);
-    // `indices` are ascending.
-    void removeFromShuffle(const QList<int>& indices);
-    // `seqNum` plays instead of the entry that the cursor stood on: it follows what has played.
-    void replaceInShuffle(int seqNum);
 
     PlayListWorker* m_worker;
     PlayListManager* m_manager;
     PlayListBase* m_currentPlayList = nullptr;
     bool m_shuffleEnabled = false;
     RepeatMode m_repeatMode = RepeatOff;
-    QVector<int> m_shuffleSeq;
-    // The place of the playing item, or of the announced one.
-    int m_shuffleCurIndex = -1;
-    // Set while an announcement stands: where the cursor was before it.
-    std::optional<int> m_cursorBeforeAnnouncement;
+    // It also knows whether an item is announced, with shuffle off, too.
+    ShuffleOrder m_shuffleOrder;
     // The item that the player is to start and has not started yet: announced, or sent by a skip.
     OrvoRoles m_announcedRoles;
     // From a play command until the end: what is at the last sequence number is heard.

@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <iterator>
-#include <numeric>
 
 #include <QScopedValueRollback>
 
@@ -15,7 +13,7 @@
 // playlist away.
 
 namespace {
-constexpr int Gone = -1;
+constexpr int Gone = ShuffleOrder::None;
 } // namespace
 
 template <typename Moved>
@@ -47,7 +45,7 @@ void PlayListPlayLogic::on_currentPlayList_cleared() {
     CM_ENTER(playLogicLog());
     // The item that was announced went, too.
     m_announcedRoles = OrvoRoles();
-    m_cursorBeforeAnnouncement.reset();
+    m_shuffleOrder.playAtCursor();
     stopPlayer();
 }
 
@@ -65,7 +63,6 @@ void PlayListPlayLogic::on_currentPlayList_itemsAdded(const QString& positionStr
         renumberAnnounced(
             [=](int seqNum) { return seqNum >= firstSeqNum ? seqNum + count : seqNum; });
     }
-    putCursorOnPlaying();
     if (m_shuffleEnabled)
         addToShuffle(position, firstSeqNum, count);
     // With nothing announced the player asks when the track ends.
@@ -78,21 +75,13 @@ void PlayListPlayLogic::on_currentPlayList_itemsAdded(const QString& positionStr
 void PlayListPlayLogic::addToShuffle(int position, int firstSeqNum, int count) {
     if (position == OrvoPlayListAddPosition::Now ||
         position == OrvoPlayListAddPosition::AfterCurrent) {
-        // The new items play next, in their own order.
-        for (int& entry : m_shuffleSeq) {
-            if (entry >= firstSeqNum)
-                entry += count;
-        }
-        const int at = std::min(m_shuffleCurIndex + 1, m_shuffleSeq.size());
-        m_shuffleSeq.insert(at, count, 0);
-        std::iota(m_shuffleSeq.begin() + at, m_shuffleSeq.begin() + at + count, firstSeqNum);
+        m_shuffleOrder.insertNext(firstSeqNum, count);
     } else if (position == OrvoPlayListAddPosition::Append) {
         // Mixed into what has not played yet: shuffling the tail once gives what shuffling it after
         // each item would.
-        const int size = m_shuffleSeq.size();
-        m_shuffleSeq.resize(size + count);
-        std::iota(m_shuffleSeq.begin() + size, m_shuffleSeq.end(), firstSeqNum);
-        randomizeShuffleItems(m_shuffleCurIndex + 1);
+        for (int i = 0; i < count; ++i)
+            m_shuffleOrder.append(firstSeqNum + i);
+        randomizeShuffleItems(m_shuffleOrder.cursor() + 1);
     } else {
         LOG4CPLUS_DEBUG(playLogicLog(), "Unknown position specifier: "
                                             << OrvoPlayListAddPosition::toString(position));
@@ -104,50 +93,16 @@ void PlayListPlayLogic::on_currentPlayList_itemsInserted(const QList<int>& posit
     const auto moved = [&positions](int seqNum) {
         return ItemPlaces::afterAdding(positions, seqNum);
     };
-    putCursorOnPlaying();
     if (m_shuffleEnabled) {
         // The new items are mixed into what has not played yet.
-        std::transform(m_shuffleSeq.begin(), m_shuffleSeq.end(), m_shuffleSeq.begin(), moved);
-        std::copy(positions.cbegin(), positions.cend(), std::back_inserter(m_shuffleSeq));
-        randomizeShuffleItems(m_shuffleCurIndex + 1);
+        m_shuffleOrder.renumber(moved);
+        for (int position : positions)
+            m_shuffleOrder.append(position);
+        randomizeShuffleItems(m_shuffleOrder.cursor() + 1);
     }
     renumberAnnounced(moved);
     updateSequenceNumberInData();
     announceAnew();
-}
-
-// Several removed indices are applied one after the other as they are, although each removal has
-// already renumbered what stands behind it ("Order under shuffle" in docs/commands.md). So the j-th
-// of them, from 0, takes the entry that was j higher to begin with, and one pass does for all of
-// them.
-//   order 4 2 0 3 1, indices 1 and 2: the entries 1 and 3 go, 2 1 0 are left
-void PlayListPlayLogic::removeFromShuffle(const QList<int>& indices) {
-    QVector<int> taken;
-    taken.reserve(indices.size());
-    for (int index : indices)
-        taken.append(index + taken.size());
-
-    int kept = 0;
-    int cursor = m_shuffleCurIndex;
-    for (int i = 0; i < m_shuffleSeq.size(); ++i) {
-        const int entry = m_shuffleSeq.at(i);
-        const auto at = std::lower_bound(taken.cbegin(), taken.cend(), entry);
-        if (at == taken.cend() || *at != entry)
-            m_shuffleSeq[kept++] = entry - int(at - taken.cbegin());
-        else if (i <= m_shuffleCurIndex)
-            --cursor;
-    }
-    m_shuffleSeq.resize(kept);
-    m_shuffleCurIndex = cursor;
-}
-
-void PlayListPlayLogic::replaceInShuffle(int seqNum) {
-    const int place = m_shuffleSeq.indexOf(seqNum);
-    if (place < 0)
-        return;
-    const int played = place <= m_shuffleCurIndex ? m_shuffleCurIndex : m_shuffleCurIndex + 1;
-    m_shuffleSeq.move(place, played);
-    m_shuffleCurIndex = played;
 }
 
 void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indices,
@@ -158,9 +113,8 @@ void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indice
         on_currentPlayList_cleared();
         return;
     }
-    putCursorOnPlaying();
     if (m_shuffleEnabled)
-        removeFromShuffle(indices);
+        m_shuffleOrder.remove(indices);
     // How many of the removed ones stood before this one; `indices` are ascending.
     const auto removedBefore = [&indices](int seqNum) {
         return int(std::lower_bound(indices.cbegin(), indices.cend(), seqNum) - indices.cbegin());
@@ -180,10 +134,10 @@ void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indice
     const int position = lastSeqNumBeforeRemove - removedBefore(lastSeqNumBeforeRemove);
     const OrvoRoles replacement = getTrackAbsolute(position);
     m_announcedRoles = OrvoRoles();
-    m_cursorBeforeAnnouncement.reset();
+    m_shuffleOrder.returnToPlaying();
     if (!replacement.isEmpty()) {
         if (m_shuffleEnabled)
-            replaceInShuffle(position);
+            m_shuffleOrder.playInstead(position);
         playTrackRoles(replacement);
         return;
     }
@@ -201,16 +155,14 @@ void PlayListPlayLogic::on_currentPlayList_itemsRemoved(const QList<int>& indice
 
 void PlayListPlayLogic::on_currentPlayList_itemMoved(int from, int to) {
     CM_ENTER_ARGS(playLogicLog(), "from=" << from << " to=" << to);
-    putCursorOnPlaying();
     if (m_shuffleEnabled) {
         // The two numbers are exchanged and those between are not shifted, though their tracks are:
         // "Order under shuffle" in docs/commands.md.
-        for (int& entry : m_shuffleSeq) {
+        m_shuffleOrder.renumber([=](int entry) {
             if (entry == from)
-                entry = to;
-            else if (entry == to)
-                entry = from;
-        }
+                return to;
+            return entry == to ? from : entry;
+        });
     }
     renumberAnnounced([=](int seqNum) {
         if (seqNum == from)
@@ -232,9 +184,8 @@ void PlayListPlayLogic::on_currentPlayList_itemsReordered(const QList<int>& orde
     for (int i = 0; i < order.size(); ++i)
         placeOf[order.at(i)] = i;
     const auto moved = [&placeOf](int seqNum) { return placeOf.value(seqNum, seqNum); };
-    putCursorOnPlaying();
     if (m_shuffleEnabled)
-        std::transform(m_shuffleSeq.begin(), m_shuffleSeq.end(), m_shuffleSeq.begin(), moved);
+        m_shuffleOrder.renumber(moved);
     renumberAnnounced(moved);
     updateSequenceNumberInData();
     announceAnew();
@@ -245,23 +196,17 @@ int PlayListPlayLogic::nextNumber() const {
     if (m_repeatMode == RepeatOne)
         return playing;
     const bool repeats = m_repeatMode == RepeatAll;
-    if (!m_shuffleEnabled) {
-        const int next = playing + 1;
-        if (next < m_currentPlayList->getSize())
-            return next;
-        return repeats ? 0 : Gone;
-    }
-    const int place = nextShufflePlace();
-    return place < 0 ? Gone : m_shuffleSeq.at(place);
+    if (m_shuffleEnabled)
+        return m_shuffleOrder.numberAfterPlaying(repeats);
+    const int next = playing + 1;
+    if (next < m_currentPlayList->getSize())
+        return next;
+    return repeats ? 0 : Gone;
 }
 
 void PlayListPlayLogic::announceAnew() {
     Q_EMIT upNextChanged();
-    if (!m_cursorBeforeAnnouncement)
-        return;
-    // The edit has left the cursor on the playing item, or on the one that played last.
-    m_cursorBeforeAnnouncement = m_shuffleCurIndex;
-    if (!m_hasPlayingItem)
+    if (!m_shuffleOrder.isAnnounced() || !m_hasPlayingItem)
         return;
     const int next = nextNumber();
     const OrvoValue announced = m_announcedRoles.value();
@@ -269,8 +214,8 @@ void PlayListPlayLogic::announceAnew() {
                                                  : m_announcedRoles.isEmpty() && next == Gone;
     if (!isNext)
         prepareNextMedia();
-    else if (m_shuffleEnabled && m_repeatMode != RepeatOne && next != Gone)
-        m_shuffleCurIndex = nextShufflePlace();
+    else if (m_shuffleEnabled && m_repeatMode != RepeatOne)
+        m_shuffleOrder.announceNext(m_repeatMode == RepeatAll);
 }
 
 void PlayListPlayLogic::on_currentPlayList_shuffleChanged(bool newValue) {

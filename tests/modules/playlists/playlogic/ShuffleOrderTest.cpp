@@ -1,15 +1,49 @@
-#include <QSignalSpy>
+#include "ShuffleOrder.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+
+#include <QStringList>
 
 #include "DrawnOrder.h"
 #include "PlayLogicFixture.h"
-#include "TestClock.h"
+#include "Printing.h"
 
 using namespace DrawnOrder;
 
-// The shuffle order and the walks through it.
-class ShuffleOrderTest : public PlayLogicFixture {};
+namespace {
 
-TEST_F(ShuffleOrderTest, theReferenceGeneratorIsTheMinimalStandard) {
+// "4 2 [0] 3 1": the cursor is on the 0.
+ShuffleOrder orderOf(const QString& text) {
+    QVector<int> entries;
+    int cursor = ShuffleOrder::None;
+    for (QString entry : text.split(' ')) {
+        if (entry.startsWith('[')) {
+            cursor = entries.size();
+            entry = entry.mid(1, entry.size() - 2);
+        }
+        entries.append(entry.toInt());
+    }
+    return {entries, cursor};
+}
+
+// The same way back; with something announced, what plays is in round brackets.
+QString text(const ShuffleOrder& order) {
+    QStringList result;
+    for (int place = 0; place < order.entries().size(); ++place) {
+        const QString entry = QString::number(order.entries().at(place));
+        result.append(place == order.cursor()         ? '[' + entry + ']'
+                      : place == order.playingPlace() ? '(' + entry + ')'
+                                                      : entry);
+    }
+    return result.join(' ');
+}
+
+} // namespace
+
+// --- drawing ---
+
+TEST(ShuffleOrderTest, theReferenceGeneratorIsTheMinimalStandard) {
     // The standard library's documentation of minstd_rand0 gives its ten thousandth number.
     MinimalStandard engine(1);
     quint64 number = 0;
@@ -18,286 +52,168 @@ TEST_F(ShuffleOrderTest, theReferenceGeneratorIsTheMinimalStandard) {
     EXPECT_EQ(1043618065u, number);
 }
 
-TEST_F(ShuffleOrderTest, aSeedGivesThePermutationOfTheMinimalStandard) {
+TEST(ShuffleOrderTest, aSeedGivesThePermutationOfTheMinimalStandard) {
     for (const quint64 seed :
          {quint64(1), quint64(2), quint64(16807), quint64(123456789), quint64(2147483646)}) {
         for (const int size : {1, 2, 3, 10, 257, 70000}) {
             for (const int from : {0, 1, size / 2, size - 1}) {
                 if (from >= size)
                     continue;
-                QVector<int> order = ascending(size);
-                PlayListPlayLogic::shuffleTail(order, from, seed);
-                ASSERT_EQ(shuffled(ascending(size), from, seed), order)
+                ShuffleOrder order(ascending(size), 0);
+                order.shuffleTail(from, seed);
+                ASSERT_EQ(shuffled(ascending(size), from, seed), order.entries())
                     << seed << ' ' << size << ' ' << from;
             }
         }
     }
 }
 
-TEST_F(ShuffleOrderTest, theSeedNoughtIsOne) {
-    QVector<int> order = ascending(50);
-    PlayListPlayLogic::shuffleTail(order, 0, 0);
-    EXPECT_EQ(shuffled(ascending(50), 0, 1), order);
+TEST(ShuffleOrderTest, theSeedNoughtIsOne) {
+    ShuffleOrder order(ascending(50), 0);
+    order.shuffleTail(0, 0);
+    EXPECT_EQ(shuffled(ascending(50), 0, 1), order.entries());
 }
 
-TEST_F(ShuffleOrderTest, onlyTheTailIsShuffled) {
-    QVector<int> order = ascending(10);
-    PlayListPlayLogic::shuffleTail(order, 4, 99);
-    EXPECT_EQ(ascending(4), order.mid(0, 4));
-    EXPECT_TRUE(isPermutation(order, 10));
-    EXPECT_NE(ascending(10), order);
+TEST(ShuffleOrderTest, onlyTheTailIsShuffled) {
+    ShuffleOrder order(ascending(10), 2);
+    order.shuffleTail(4, 99);
+    EXPECT_EQ(ascending(4), order.entries().mid(0, 4));
+    EXPECT_TRUE(isPermutation(order.entries(), 10));
+    EXPECT_NE(ascending(10), order.entries());
+    EXPECT_EQ(2, order.cursor());
 }
 
-TEST_F(ShuffleOrderTest, aTailOutsideTheOrderIsLeftAlone) {
-    QVector<int> order = ascending(5);
+TEST(ShuffleOrderTest, aTailOutsideTheOrderIsLeftAlone) {
+    ShuffleOrder order(ascending(5), 0);
     for (const int from : {-1, -100, 5, 6, 100}) {
-        PlayListPlayLogic::shuffleTail(order, from, 7);
-        probe().order() = ascending(5);
-        logic()->randomizeShuffleItems(from);
-        EXPECT_EQ(ascending(5), probe().order()) << from;
-    }
-    EXPECT_EQ(ascending(5), order);
-    probe().order().clear();
-    logic()->randomizeShuffleItems(0);
-    EXPECT_TRUE(probe().order().isEmpty());
-}
-
-TEST_F(ShuffleOrderTest, theSeedIsTheMonotonicClockInMilliseconds) {
-    constexpr qint64 modulus = 2147483647;
-    const QPair<qint64, quint64> rows[] = {
-        {1, 1},           {86400123, 86400123}, {modulus - 1, modulus - 1},
-        {modulus + 5, 5}, {modulus * 3, 1},     {0, 1}, // the seed nought is one
-    };
-    for (const auto& [ms, seed] : rows) {
-        probe().order() = ascending(40);
-        const TestClock clock(ms);
-        logic()->randomizeShuffleItems(3);
-        EXPECT_EQ(shuffled(ascending(40), 3, seed), probe().order()) << ms;
+        order.shuffleTail(from, 7);
+        EXPECT_EQ(ascending(5), order.entries()) << from;
     }
 }
 
-TEST_F(ShuffleOrderTest, aNewOrderBeginsWithTheItemAskedFor) {
-    playing("abcdefgh");
-    for (int item = 0; item < 8; ++item) {
-        probe().cursor() = 5;
-        logic()->initShuffle(item);
-        EXPECT_EQ(item, probe().order().value(0));
-        EXPECT_TRUE(isPermutation(probe().order(), 8));
-        EXPECT_EQ(0, probe().cursor());
-    }
+TEST(ShuffleOrderTest, itRestartsWithTheNumbersAsTheyAre) {
+    ShuffleOrder order = orderOf("4 2 [0] 3 1");
+    order.restart(3);
+    EXPECT_EQ("[0] 1 2", text(order));
+    EXPECT_EQ(2, order.bringToFront(2));
+    EXPECT_EQ("[2] 0 1", text(order));
+    EXPECT_EQ(ShuffleOrder::None, order.bringToFront(3));
+    EXPECT_EQ("[2] 0 1", text(order));
 }
 
-TEST_F(ShuffleOrderTest, theItemAskedForIsPutBeforeTheDrawnOrder) {
-    playing("abcdefgh");
-    const TestClock clock(4711);
-    QVector<int> expected = shuffled(ascending(8), 0, 4711);
-    const int index = expected.indexOf(6);
-    expected.move(index, 0);
-    const LogCapture log("PlayListsPlayLogic");
-    logic()->initShuffle(6);
-    EXPECT_EQ(expected, probe().order());
-    EXPECT_EQ(QString("DEBUG index of startItem in sequence: %1").arg(index), log.lines().value(0));
-    EXPECT_EQ("DEBUG m_shuffleSeq.size(): 8", log.lines().value(1));
-    for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(QString("DEBUG m_shuffleSeq entry: #%1 %2").arg(i).arg(expected.at(i)),
-                  log.lines().value(2 + i));
-    EXPECT_EQ(QStringList("DEBUG and 3 more"), log.lines().mid(7));
-}
+// --- the walk ---
 
-TEST_F(ShuffleOrderTest, withoutAnItemTheDrawnOrderStays) {
-    playing("abcdefgh");
-    const TestClock clock(4711);
-    const LogCapture log("PlayListsPlayLogic");
-    probe().cursor() = 5;
-    logic()->initShuffle(-1);
-    EXPECT_EQ(shuffled(ascending(8), 0, 4711), probe().order());
-    EXPECT_EQ(0, probe().cursor());
-    EXPECT_EQ("DEBUG m_shuffleSeq.size(): 8", log.lines().value(0));
-}
-
-TEST_F(ShuffleOrderTest, anItemThatTheListLacksLeavesTheDrawnOrder) {
-    playing("abcdefgh");
-    const TestClock clock(4711);
-    const LogCapture log("PlayListsPlayLogic");
-    logic()->initShuffle(8);
-    EXPECT_EQ(shuffled(ascending(8), 0, 4711), probe().order());
-    EXPECT_EQ(0, probe().cursor());
-    EXPECT_TRUE(log.contains("DEBUG", "index of startItem in sequence: -1"));
-}
-
-TEST_F(ShuffleOrderTest, anEmptyListKeepsTheOrderThereWas) {
-    logic()->setCurrentPlayList(playList(""));
-    probe().order() = {2, 0, 1};
-    probe().cursor() = 1;
-    const LogCapture log("PlayListsPlayLogic");
-    logic()->initShuffle(0);
-    EXPECT_EQ((QVector<int>{2, 0, 1}), probe().order());
-    EXPECT_EQ(1, probe().cursor());
-    EXPECT_EQ(QStringList{"DEBUG size <= 0"}, log.lines());
-}
-
-TEST_F(ShuffleOrderTest, withoutAListTheOrderIsForgotten) {
-    probe().order() = {2, 0, 1};
-    probe().cursor() = 1;
-    logic()->initShuffle(0);
-    EXPECT_EQ(QVector<int>(), probe().order());
-    EXPECT_EQ(-1, probe().cursor());
-}
-
-TEST_F(ShuffleOrderTest, switchingOnDrawsFromWhatPlaysAndTellsTheList) {
-    PlayListBase* pl = playing("abcdefgh", 5);
-    logic()->setPlayMode(OrvoPlayerPlayMode::Shuffle);
-    const QSignalSpy changes(pl, &PlayListBase::shuffleChanged);
-    const QSignalSpy modes(logic(), &PlayLogicBase::playModeChanged);
-    const LogCapture log("PlayListsPlayLogic");
-    logic()->setShuffleEnabled(true);
-    EXPECT_EQ("TRACE Enter void PlayListPlayLogic::setShuffleEnabled(bool): enabled=1",
-              log.lines().value(0));
-    EXPECT_TRUE(probe().shuffle());
-    EXPECT_TRUE(pl->getShuffle());
-    EXPECT_EQ(1, changes.count());
-    EXPECT_EQ(0, modes.count());
-    EXPECT_EQ(5, probe().order().value(0));
-    EXPECT_TRUE(isPermutation(probe().order(), 8));
-    EXPECT_EQ(0, probe().cursor());
-}
-
-TEST_F(ShuffleOrderTest, switchingOffLeavesTheOrderAndOnDrawsAnew) {
-    PlayListBase* pl = playingShuffled("abcd", {3, 2, 1, 0}, 2);
-    logic()->setShuffleEnabled(false);
-    EXPECT_FALSE(pl->getShuffle());
-    EXPECT_EQ((QVector<int>{3, 2, 1, 0}), probe().order());
-    EXPECT_EQ(2, probe().cursor());
-    const TestClock clock(99);
-    logic()->setShuffleEnabled(true);
-    QVector<int> expected = shuffled(ascending(4), 0, 99);
-    expected.move(expected.indexOf(1), 0);
-    EXPECT_EQ(expected, probe().order());
-    EXPECT_EQ(0, probe().cursor());
-}
-
-TEST_F(ShuffleOrderTest, switchingWithoutAListSetsTheFlagOnly) {
-    probe().order() = {1, 0};
-    probe().cursor() = 1;
-    logic()->setShuffleEnabled(true);
-    EXPECT_TRUE(probe().shuffle());
-    EXPECT_EQ((QVector<int>{1, 0}), probe().order());
-    EXPECT_EQ(1, probe().cursor());
-}
-
-TEST_F(ShuffleOrderTest, theOrderIsLoggedEntryByEntry) {
-    probe().order() = {2, 0, 1};
-    const LogCapture log("PlayListsPlayLogic");
-    logic()->debugShuffleItems();
-    EXPECT_EQ((QStringList{"DEBUG m_shuffleSeq.size(): 3", "DEBUG m_shuffleSeq entry: #0 2",
-                           "DEBUG m_shuffleSeq entry: #1 0", "DEBUG m_shuffleSeq entry: #2 1"}),
-              log.lines());
-}
-
-TEST_F(ShuffleOrderTest, walkingIsLogged) {
-    probe().order() = {2, 0};
-    probe().cursor() = 0;
-    LogCapture log("PlayListsPlayLogic");
-    EXPECT_EQ(0, logic()->getNextShuffleItem());
-    EXPECT_EQ((QStringList{"DEBUG m_shuffleCurIndex before next: 0",
-                           "DEBUG m_shuffleCurIndex after next: 1", "DEBUG index: 0"}),
-              log.lines());
-    log.clear();
-    EXPECT_EQ(2, logic()->getPrevShuffleItem());
-    EXPECT_EQ((QStringList{"DEBUG m_shuffleCurIndex before prev: 1",
-                           "DEBUG m_shuffleCurIndex after prev: 0", "DEBUG index: 2"}),
-              log.lines());
-    log.clear();
-    EXPECT_EQ(-1, logic()->getPrevShuffleItem());
-    EXPECT_EQ((QStringList{"DEBUG m_shuffleCurIndex before prev: 0",
-                           "DEBUG m_shuffleCurIndex after prev: 0", "DEBUG index: -1"}),
-              log.lines());
-}
-
-TEST_F(ShuffleOrderTest, wrappingIsLogged) {
-    logic()->setRepeatMode(PlayListPlayLogic::RepeatAll);
-    probe().order() = {2, 0, 1};
-    probe().cursor() = 0;
-    LogCapture log("PlayListsPlayLogic");
-    EXPECT_EQ(1, logic()->getPrevShuffleItem());
-    EXPECT_EQ((QStringList{"DEBUG m_shuffleCurIndex before prev: 0",
-                           "DEBUG m_shuffleCurIndex is set to last item in m_shuffleSeq",
-                           "DEBUG m_shuffleCurIndex after prev: 2", "DEBUG index: 1"}),
-              log.lines());
-    log.clear();
-    EXPECT_EQ(2, logic()->getNextShuffleItem());
-    EXPECT_EQ((QStringList{"DEBUG m_shuffleCurIndex before next: 2",
-                           "DEBUG m_shuffleCurIndex is set to first item in m_shuffleSeq",
-                           "DEBUG m_shuffleCurIndex after next: 0", "DEBUG index: 2"}),
-              log.lines());
-}
-
-TEST_F(ShuffleOrderTest, anEmptyOrderIsLogged) {
-    logic()->setRepeatMode(PlayListPlayLogic::RepeatAll);
-    LogCapture log("PlayListsPlayLogic");
-    EXPECT_EQ(-1, logic()->getNextShuffleItem());
-    EXPECT_EQ(
-        (QStringList{"DEBUG m_shuffleCurIndex before next: -1", "DEBUG error: m_shuffleSeq.size: 0",
-                     "DEBUG m_shuffleCurIndex after next: -1", "DEBUG index: -1"}),
-        log.lines());
-    log.clear();
-    EXPECT_EQ(-1, logic()->getPrevShuffleItem());
-    EXPECT_EQ(
-        (QStringList{"DEBUG m_shuffleCurIndex before prev: -1", "DEBUG error: m_shuffleSeq.size: 0",
-                     "DEBUG m_shuffleCurIndex after prev: -1", "DEBUG index: -1"}),
-        log.lines());
-}
-
-TEST_F(ShuffleOrderTest, theWalksByCursorAndRepeatMode) {
+TEST(ShuffleOrderTest, aStepMovesTheCursorAndWrapsOnlyWhenAskedTo) {
     struct Row {
-        int cursor;
-        int next, cursorAfterNext;
-        int previous, cursorAfterPrevious;
+        const char* before;
+        int (ShuffleOrder::*step)(bool wraps);
+        bool wraps;
+        int number;
+        const char* after;
     };
-    const QVector<int> order = {7, 8, 9};
-    // From outside the order nothing leads on, but for repeat all.
-    const Row off[] = {{-1, -1, -1, -1, -1}, {0, 8, 1, -1, 0},  {1, 9, 2, 7, 0},
-                       {2, -1, 2, 8, 1},     {3, -1, 3, -1, 3}, {9, -1, 9, -1, 9}};
-    const Row all[] = {{-1, 7, 0, 9, 2}, {0, 8, 1, 9, 2}, {1, 9, 2, 7, 0},
-                       {2, 7, 0, 8, 1},  {3, 7, 0, 9, 2}, {9, 7, 0, 9, 2}};
-    const auto check = [&](PlayListPlayLogic::RepeatMode mode, const Row& row) {
-        SCOPED_TRACE(testing::Message() << "repeat " << mode << " cursor " << row.cursor);
-        logic()->setRepeatMode(mode);
-        probe().order() = order;
-        probe().cursor() = row.cursor;
-        EXPECT_EQ(row.next, logic()->getNextShuffleItem());
-        EXPECT_EQ(row.cursorAfterNext, probe().cursor());
-        probe().cursor() = row.cursor;
-        EXPECT_EQ(row.previous, logic()->getPrevShuffleItem());
-        EXPECT_EQ(row.cursorAfterPrevious, probe().cursor());
+    constexpr auto next = &ShuffleOrder::next;
+    constexpr auto previous = &ShuffleOrder::previous;
+    const Row rows[] = {
+        {"4 2 [0] 3 1", next, false, 3, "4 2 0 [3] 1"},
+        {"4 2 0 3 [1]", next, false, ShuffleOrder::None, "4 2 0 3 [1]"},
+        {"4 2 0 3 [1]", next, true, 4, "[4] 2 0 3 1"},
+        {"4 2 [0] 3 1", previous, false, 2, "4 [2] 0 3 1"},
+        {"[4] 2 0 3 1", previous, false, ShuffleOrder::None, "[4] 2 0 3 1"},
+        {"[4] 2 0 3 1", previous, true, 1, "4 2 0 3 [1]"},
+        // Without a cursor only the wrap leads into the order.
+        {"4 2 0", next, false, ShuffleOrder::None, "4 2 0"},
+        {"4 2 0", next, true, 4, "[4] 2 0"},
+        {"4 2 0", previous, false, ShuffleOrder::None, "4 2 0"},
+        {"4 2 0", previous, true, 0, "4 2 [0]"},
     };
-    for (const Row& row : off) {
-        check(PlayListPlayLogic::RepeatOff, row);
-        check(PlayListPlayLogic::RepeatOne, row);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.before << " to " << row.after);
+        ShuffleOrder order = orderOf(row.before);
+        if (row.step == next) {
+            EXPECT_EQ(row.number, order.numberAfterPlaying(row.wraps));
+        }
+        EXPECT_EQ(row.number, (order.*row.step)(row.wraps));
+        EXPECT_EQ(row.after, text(order));
     }
-    for (const Row& row : all)
-        check(PlayListPlayLogic::RepeatAll, row);
 }
 
-TEST_F(ShuffleOrderTest, aListOfOneItem) {
-    playing("a");
-    logic()->setShuffleEnabled(true);
-    EXPECT_EQ(-1, logic()->getNextShuffleItem());
-    EXPECT_EQ(-1, logic()->getPrevShuffleItem());
-    logic()->setRepeatMode(PlayListPlayLogic::RepeatAll);
-    EXPECT_EQ(0, logic()->getNextShuffleItem());
-    EXPECT_EQ(0, logic()->getPrevShuffleItem());
+TEST(ShuffleOrderTest, nothingIsInAnEmptyOrder) {
+    ShuffleOrder order;
+    EXPECT_EQ(ShuffleOrder::None, order.cursor());
+    EXPECT_EQ(ShuffleOrder::None, order.next(true));
+    EXPECT_EQ(ShuffleOrder::None, order.previous(true));
+    EXPECT_EQ(ShuffleOrder::None, order.numberAfterPlaying(true));
+    EXPECT_EQ(ShuffleOrder::None, order.cursor());
 }
 
-TEST_F(ShuffleOrderTest, aSecondPassPlaysTheSameOrder) {
-    playing("abcdefgh");
-    changeMode(OrvoPlayerPlayMode::ShuffleRepeatAll);
-    QStringList passes[2];
-    for (QStringList& pass : passes) {
-        for (int i = 0; i < 8; ++i)
-            next();
-        pass = player.takeCommands();
+// --- the announcement ---
+
+TEST(ShuffleOrderTest, anAnnouncedEntryIsAheadUntilItPlaysOrIsGivenUp) {
+    ShuffleOrder announced = orderOf("4 2 [0] 3 1");
+    EXPECT_FALSE(announced.isAnnounced());
+    announced.announceNext(false);
+    EXPECT_TRUE(announced.isAnnounced());
+    EXPECT_EQ("4 2 (0) [3] 1", text(announced));
+    EXPECT_EQ(3, announced.numberAfterPlaying(false));
+    announced.announceNext(false);
+    EXPECT_EQ("4 2 (0) [3] 1", text(announced));
+
+    ShuffleOrder heard = announced;
+    heard.playAtCursor();
+    EXPECT_FALSE(heard.isAnnounced());
+    EXPECT_EQ("4 2 0 [3] 1", text(heard));
+
+    announced.returnToPlaying();
+    EXPECT_FALSE(announced.isAnnounced());
+    EXPECT_EQ("4 2 [0] 3 1", text(announced));
+}
+
+TEST(ShuffleOrderTest, atTheEndTheAnnouncementIsThatNothingFollows) {
+    ShuffleOrder order = orderOf("2 0 [1]");
+    order.announceNext(false);
+    EXPECT_TRUE(order.isAnnounced());
+    EXPECT_EQ("2 0 [1]", text(order));
+    order.announceNext(true);
+    EXPECT_EQ("[2] 0 (1)", text(order));
+}
+
+// --- edits ---
+
+TEST(ShuffleOrderTest, editsKeepTheCursorOnWhatPlaysAlsoWithAnotherAnnounced) {
+    struct Row {
+        const char* before;
+        std::function<void(ShuffleOrder&)> edit;
+        const char* after;
+    };
+    const auto round = [](int number) { return (number + 1) % 3; };
+    const Row rows[] = {
+        {"2 [0] 1", [](ShuffleOrder& order) { order.insertNext(1, 2); }, "4 [0] 1 2 3"},
+        {"2 0 [1]", [](ShuffleOrder& order) { order.insertNext(3, 1); }, "2 0 [1] 3"},
+        {"2 [0] 1", [](ShuffleOrder& order) { order.append(3); }, "2 [0] 1 3"},
+        {"2 [0] 1", [&](ShuffleOrder& order) { order.renumber(round); }, "0 [1] 2"},
+        {"4 2 [0] 3 1",
+         [](ShuffleOrder& order) {
+             order.remove({1, 2});
+         },
+         "2 1 [0]"},
+        {"4 2 [0] 3 1", [](ShuffleOrder& order) { order.remove({2}); }, "3 [0] 2 1"},
+        // The playing one goes: the cursor is on what was heard before it.
+        {"4 2 [0] 3 1", [](ShuffleOrder& order) { order.remove({0}); }, "3 [1] 2 0"},
+        {"4 [2] 0 3 1", [](ShuffleOrder& order) { order.playInstead(3); }, "4 2 [3] 0 1"},
+        {"4 2 [0] 3 1", [](ShuffleOrder& order) { order.playInstead(4); }, "2 0 [4] 3 1"},
+        {"4 2 [0] 3 1", [](ShuffleOrder& order) { order.playInstead(5); }, "4 2 [0] 3 1"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.before << " to " << row.after);
+        ShuffleOrder order = orderOf(row.before);
+        row.edit(order);
+        EXPECT_EQ(row.after, text(order));
+
+        ShuffleOrder announced = orderOf(row.before);
+        announced.announceNext(true);
+        row.edit(announced);
+        EXPECT_TRUE(announced.isAnnounced());
+        announced.returnToPlaying();
+        EXPECT_EQ(row.after, text(announced));
     }
-    EXPECT_EQ(8, passes[0].size());
-    EXPECT_EQ(passes[0], passes[1]);
 }
