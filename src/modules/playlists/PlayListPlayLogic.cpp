@@ -31,54 +31,33 @@ PlayListPlayLogic::PlayListPlayLogic(PlayListWorker* worker, PlayListManager* ma
 
 // --- the current playlist and its tracks ---
 
-void PlayListPlayLogic::connectCurrentPlayList() {
-    cmConnect(m_currentPlayList, &PlayListBase::itemsCleared, this,
-              &PlayListPlayLogic::on_currentPlayList_cleared);
-    cmConnect(m_currentPlayList, &PlayListBase::itemMoved, this,
-              &PlayListPlayLogic::on_currentPlayList_itemMoved);
-    cmConnect(m_currentPlayList, &PlayListBase::itemsMoved, this,
-              &PlayListPlayLogic::on_currentPlayList_itemsMoved);
-    cmConnect(m_currentPlayList, &PlayListBase::itemsReordered, this,
-              &PlayListPlayLogic::on_currentPlayList_itemsReordered);
-    cmConnect(m_currentPlayList, &PlayListBase::itemsAdded, this,
-              &PlayListPlayLogic::on_currentPlayList_itemsAdded);
-    cmConnect(m_currentPlayList, &PlayListBase::itemsInserted, this,
-              &PlayListPlayLogic::on_currentPlayList_itemsInserted);
-    cmConnect(m_currentPlayList, &PlayListBase::itemsRemoved, this,
-              &PlayListPlayLogic::on_currentPlayList_itemsRemoved);
-    cmConnect(m_currentPlayList, &PlayListBase::shuffleChanged, this,
-              &PlayListPlayLogic::on_currentPlayList_shuffleChanged);
-    cmConnect(m_currentPlayList, &PlayListBase::repeatAllChanged, this,
-              &PlayListPlayLogic::on_currentPlayList_repeatAllChanged);
-}
-
-void PlayListPlayLogic::disconnectCurrentPlayList() {
-    cmDisconnect(m_currentPlayList, &PlayListBase::itemsCleared, this,
-                 &PlayListPlayLogic::on_currentPlayList_cleared);
-    cmDisconnect(m_currentPlayList, &PlayListBase::itemMoved, this,
-                 &PlayListPlayLogic::on_currentPlayList_itemMoved);
-    cmDisconnect(m_currentPlayList, &PlayListBase::itemsMoved, this,
-                 &PlayListPlayLogic::on_currentPlayList_itemsMoved);
-    cmDisconnect(m_currentPlayList, &PlayListBase::itemsReordered, this,
-                 &PlayListPlayLogic::on_currentPlayList_itemsReordered);
-    cmDisconnect(m_currentPlayList, &PlayListBase::itemsAdded, this,
-                 &PlayListPlayLogic::on_currentPlayList_itemsAdded);
-    cmDisconnect(m_currentPlayList, &PlayListBase::itemsInserted, this,
-                 &PlayListPlayLogic::on_currentPlayList_itemsInserted);
-    cmDisconnect(m_currentPlayList, &PlayListBase::itemsRemoved, this,
-                 &PlayListPlayLogic::on_currentPlayList_itemsRemoved);
-    cmDisconnect(m_currentPlayList, &PlayListBase::shuffleChanged, this,
-                 &PlayListPlayLogic::on_currentPlayList_shuffleChanged);
-    cmDisconnect(m_currentPlayList, &PlayListBase::repeatAllChanged, this,
-                 &PlayListPlayLogic::on_currentPlayList_repeatAllChanged);
+template <typename Wire>
+void PlayListPlayLogic::wireCurrentPlayList(Wire wire) {
+    using List = PlayListBase;
+    using Logic = PlayListPlayLogic;
+    wire(&List::itemsCleared, &Logic::on_currentPlayList_cleared);
+    wire(&List::itemMoved, &Logic::on_currentPlayList_itemMoved);
+    wire(&List::itemsMoved, &Logic::on_currentPlayList_itemsMoved);
+    wire(&List::itemsReordered, &Logic::on_currentPlayList_itemsReordered);
+    wire(&List::itemsAdded, &Logic::on_currentPlayList_itemsAdded);
+    wire(&List::itemsInserted, &Logic::on_currentPlayList_itemsInserted);
+    wire(&List::itemsRemoved, &Logic::on_currentPlayList_itemsRemoved);
+    wire(&List::shuffleChanged, &Logic::on_currentPlayList_shuffleChanged);
+    wire(&List::repeatAllChanged, &Logic::on_currentPlayList_repeatAllChanged);
 }
 
 void PlayListPlayLogic::setCurrentPlayList(PlayListBase* pl) {
+    const auto connect = [this](auto signal, auto slot) {
+        cmConnect(m_currentPlayList, signal, this, slot);
+    };
+    const auto disconnect = [this](auto signal, auto slot) {
+        cmDisconnect(m_currentPlayList, signal, this, slot);
+    };
     if (m_currentPlayList)
-        disconnectCurrentPlayList();
+        wireCurrentPlayList(disconnect);
     m_currentPlayList = pl;
     if (m_currentPlayList)
-        connectCurrentPlayList();
+        wireCurrentPlayList(connect);
     Q_EMIT upNextChanged();
 }
 

@@ -87,8 +87,9 @@ private Q_SLOTS:
 private:
     friend class PlayLogicProbe; // the tests' look at order, cursor and position
 
-    void connectCurrentPlayList();
-    void disconnectCurrentPlayList();
+    // Calls wire(signal, slot) for each signal of the current playlist that is followed.
+    template <typename Wire>
+    void wireCurrentPlayList(Wire wire);
     OrvoRoles trackAt(int seqNum, const char* whenThereIsNone);
     void stopPlayer();
     // Plays what `track` finds, seen from the playing item.
