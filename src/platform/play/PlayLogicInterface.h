@@ -28,7 +28,7 @@ struct PlayLogicCommand {
     bool requested = false;
 };
 
-// The player module's end of the commands: a player module derives from it. A command may be
+// What a player module derives from to receive the commands of play logics. A command may be
 // carried out later, but in the order given, and it never calls back into the play logic before it
 // returns.
 class PlayerCommands {
