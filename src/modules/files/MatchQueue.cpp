@@ -32,16 +32,16 @@ TrackHint hintOf(const QVariant& value) {
 MatchQueue::MatchQueue(MusicTree* tree, Scanner* scanner, LibraryIndex* index,
                        ChangePublisher* publisher, QObject* parent)
     : QObject(parent), m_tree(tree), m_index(index), m_publisher(publisher) {
-    m_keep.setSingleShot(true);
-    m_keep.setInterval(KeepMatcherMs);
-    cmConnect(&m_keep, &QTimer::timeout, this, [this] { forget(std::move(m_matcher)); });
-    m_patience.setSingleShot(true);
-    m_patience.setInterval(ScanPatienceMs);
-    cmConnect(&m_patience, &QTimer::timeout, this, [this] { stopWaiting(); });
-    cmConnect(scanner, &Scanner::finished, this, [this] { startWaiting(); });
+    m_matcherTimer.setSingleShot(true);
+    m_matcherTimer.setInterval(KeepMatcherMs);
+    cmConnect(&m_matcherTimer, &QTimer::timeout, this, [this] { forget(std::move(m_matcher)); });
+    m_scanTimeout.setSingleShot(true);
+    m_scanTimeout.setInterval(ScanTimeoutMs);
+    cmConnect(&m_scanTimeout, &QTimer::timeout, this, [this] { giveUpWaiting(); });
+    cmConnect(scanner, &Scanner::finished, this, [this] { runWaiting(); });
     cmConnect(m_index, &LibraryIndex::changed, this, [this] {
         forget(std::move(m_matcher));
-        startWaiting();
+        runWaiting();
     });
 }
 
@@ -65,23 +65,23 @@ void MatchQueue::match(const CMSetDataRequest& request) {
         start(request);
     } else {
         m_waiting.push_back(request);
-        if (!m_patience.isActive())
-            m_patience.start();
+        if (!m_scanTimeout.isActive())
+            m_scanTimeout.start();
     }
 }
 
-void MatchQueue::startWaiting() {
+void MatchQueue::runWaiting() {
     if (!m_publisher->isReady())
         return;
     m_wasReady = true;
-    m_patience.stop();
+    m_scanTimeout.stop();
     for (const CMSetDataRequest& request : std::exchange(m_waiting, {}))
         start(request);
 }
 
 // A folder that changes all the time is behind for ever; one that was never looked through whole
 // would have tracks missing that are there.
-void MatchQueue::stopWaiting() {
+void MatchQueue::giveUpWaiting() {
     for (const CMSetDataRequest& request : std::exchange(m_waiting, {})) {
         if (m_wasReady)
             start(request);
@@ -93,7 +93,7 @@ void MatchQueue::stopWaiting() {
 }
 
 void MatchQueue::start(const CMSetDataRequest& request) {
-    m_keep.start();
+    m_matcherTimer.start();
     const quint64 id = ++m_lastStarted;
     m_running.emplace(id, request.reply());
     m_index->pool()->start([this, id, hints = request.value().toList(), matcher = m_matcher,
@@ -114,7 +114,7 @@ void MatchQueue::answer(const CMReply<QVariant>& reply, const Found& found) {
     const LibraryPtr& library = found.matcher->library();
     if (library != m_index->library())
         forget(found.matcher);
-    else if (m_keep.isActive())
+    else if (m_matcherTimer.isActive())
         m_matcher = found.matcher;
     ItemMaker maker;
     QVariantList items;

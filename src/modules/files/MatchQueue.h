@@ -26,8 +26,8 @@ public:
     void match(const CMSetDataRequest& request);
 
     // How long a request waits for a scan, unless this says otherwise.
-    static constexpr int ScanPatienceMs = 10000;
-    void setScanPatience(int milliseconds) { m_patience.setInterval(milliseconds); }
+    static constexpr int ScanTimeoutMs = 10000;
+    void setScanTimeout(int milliseconds) { m_scanTimeout.setInterval(milliseconds); }
 
 private:
     using MatcherPtr = std::shared_ptr<const TrackMatcher>;
@@ -36,8 +36,8 @@ private:
         std::vector<std::optional<quint32>> tracks;
     };
 
-    void startWaiting();
-    void stopWaiting();
+    void runWaiting();
+    void giveUpWaiting();
     void start(const CMSetDataRequest& request);
     void answer(const CMReply<QVariant>& reply, const Found& found);
     void forget(MatcherPtr matcher);
@@ -47,10 +47,10 @@ private:
     ChangePublisher* m_publisher;
     bool m_wasReady = false;
     std::deque<CMSetDataRequest> m_waiting; // for the end of the scan
-    QTimer m_patience;
+    QTimer m_scanTimeout;
     // Replies stay on this thread.
     std::unordered_map<quint64, CMReply<QVariant>> m_running;
     quint64 m_lastStarted = 0;
     MatcherPtr m_matcher;
-    QTimer m_keep;
+    QTimer m_matcherTimer;
 };

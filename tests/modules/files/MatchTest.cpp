@@ -142,7 +142,7 @@ TEST_F(Match, beforeTheFirstScanHasEndedARequestIsRefusedAfterAWhile) {
     // The scan never begins, so there is nothing to publish.
     ChangePublisher publisher(&tree, &scanner, &index, nullptr);
     MatchQueue queue(&tree, &scanner, &index, &publisher);
-    queue.setScanPatience(20);
+    queue.setScanTimeout(20);
     std::vector<CMReply<QVariant>> replies(2);
     for (CMReply<QVariant>& reply : replies) {
         reply = CMReply<QVariant>();
