@@ -1,6 +1,7 @@
 #include "LibraryViews.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -11,7 +12,7 @@ struct RoleRow {
     const char* name;
     const char* unnamed;
 };
-constexpr RoleRow LibraryRoles[] = {
+constexpr RoleRow RoleRows[] = {
     {Library::Artist, "artist", "Unknown artist"},
     {Library::AlbumArtist, "albumArtist", "Unknown artist"},
     {Library::Album, "album", "Unknown album"},
@@ -20,9 +21,19 @@ constexpr RoleRow LibraryRoles[] = {
     {Library::Date, "date", "Unknown date"},
 };
 
+// A role's number is the place of its row.
+constexpr bool rowsStandInOrder() {
+    for (std::size_t place = 0; place < std::size(RoleRows); ++place) {
+        if (std::size_t(RoleRows[place].role) != place)
+            return false;
+    }
+    return std::size(RoleRows) == Library::RolesCount;
+}
+static_assert(rowsStandInOrder());
+
 // RolesCount for a name that is none.
 Library::Role roleNamed(const QString& name) {
-    for (const RoleRow& row : LibraryRoles) {
+    for (const RoleRow& row : RoleRows) {
         if (name == QLatin1String(row.name))
             return row.role;
     }
@@ -48,7 +59,7 @@ std::vector<quint32> selected(const Library& library, const CMPath& path) {
         quint32 name;
     };
     std::vector<Condition> conditions;
-    for (const RoleRow& row : LibraryRoles) {
+    for (const RoleRow& row : RoleRows) {
         const auto it = path.params().constFind(QLatin1String(row.name));
         if (it == path.params().cend())
             continue;
@@ -203,11 +214,11 @@ const LibraryViews::View* LibraryViews::find(const CMPath& path) {
 }
 
 QString LibraryViews::roleName(Library::Role role) {
-    return QString::fromLatin1(LibraryRoles[role].name);
+    return QString::fromLatin1(RoleRows[role].name);
 }
 
 TrString LibraryViews::unnamed(Library::Role role) {
-    return TrString("Files", LibraryRoles[role].unnamed);
+    return TrString("Files", RoleRows[role].unnamed);
 }
 
 LibraryList LibraryViews::list(const Library& library, const View& view, const CMPath& path) {

@@ -15,7 +15,7 @@ Scanner::Scanner(MusicTree* tree, TagLoader* loader, QObject* parent)
     cmConnect(&m_timer, &QTimer::timeout, this, [this] { slice(); });
     cmConnect(m_loader, &TagLoader::progressed, this, [this] { tellProgress(); });
     cmConnect(m_tree, &MusicTree::folderAdded, this, [this](const FolderPtr& folder) {
-        m_folders.push_back({folder, false, false});
+        m_folders.push_back({.folder = folder});
         start();
     });
 }
@@ -28,12 +28,12 @@ void Scanner::scanAll() {
         });
     if (isWaiting && !m_listing)
         return;
-    m_folders.push_back({m_tree->root(), true, true});
+    m_folders.push_back({.folder = m_tree->root(), .again = true, .recursive = true});
     start();
 }
 
 void Scanner::refresh(const FolderPtr& folder) {
-    m_folders.push_back({folder, true, false});
+    m_folders.push_back({.folder = folder, .again = true});
     start();
 }
 
@@ -74,7 +74,7 @@ void Scanner::readFolder(const QDeadlineTimer& deadline) {
     m_folders.pop_front();
     if (job.recursive) {
         for (const FolderPtr& child : folder->folders)
-            m_folders.push_back({child, true, true});
+            m_folders.push_back({.folder = child, .again = true, .recursive = true});
     }
     const FolderListing listing = std::move(*m_listing);
     m_listing.reset();

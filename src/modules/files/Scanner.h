@@ -3,7 +3,6 @@
 #include <deque>
 #include <optional>
 
-#include <QHash>
 #include <QObject>
 #include <QTimer>
 
@@ -32,8 +31,8 @@ Q_SIGNALS:
 private:
     struct FolderJob {
         std::weak_ptr<Folder> folder;
-        bool again;     // although it was read before
-        bool recursive; // and all folders below
+        bool again = false;     // although it was read before
+        bool recursive = false; // and all folders below
     };
 
     void slice();
