@@ -1,6 +1,5 @@
 #include "MusicSources.h"
 
-#include <QDir>
 #include <QFileInfo>
 
 #include "ClientFailure.h"

@@ -2,8 +2,6 @@
 
 #include <limits>
 
-#include <QSet>
-
 #include "AccessGuard.h"
 #include "ApiError.h"
 #include "ArtworkFiles.h"

@@ -1,6 +1,5 @@
 #include "HttpConnections.h"
 
-#include <algorithm>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>

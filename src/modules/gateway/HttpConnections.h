@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include <QElapsedTimer>
+#include <QHash>
 #include <QObject>
 #include <QTimer>
 

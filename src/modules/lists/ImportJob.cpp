@@ -5,7 +5,6 @@
 #include <QFileInfo>
 #include <QTimer>
 
-#include "ListLimits.h"
 #include "ListsLog.h"
 #include "ListText.h"
 #include "NetworkItem.h"

@@ -1,6 +1,5 @@
 #include "DeviceOutput.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <gst/app/gstappsrc.h>

@@ -1,6 +1,7 @@
 #include "PlayListBase.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QVector>
 

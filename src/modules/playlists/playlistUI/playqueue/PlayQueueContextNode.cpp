@@ -2,7 +2,6 @@
 
 #include "../../PlayListBase.h"
 #include "../../PlayListManager.h"
-#include "OrvoPlayListCommands.h"
 #include "OrvoPlayListPaths.h"
 
 PlayQueueContextNode* PlayQueueContextNode::create(CMNodes* nodes, const CMPath& path,
