@@ -185,7 +185,7 @@ bool AccessGuard::hasCookie(const HttpRequest& request) const {
     return false;
 }
 
-bool AccessGuard::isLogin(const HttpRequest& request, const QByteArray& token) {
+bool AccessGuard::tryLogin(const HttpRequest& request, const QByteArray& token) {
     if (isToken(token))
         return true;
     m_wrongTokens.note(request.client);

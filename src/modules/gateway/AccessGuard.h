@@ -34,8 +34,8 @@ public:
     std::optional<HttpResponse> refusal(const HttpRequest& request);
 
     bool wantsToken() const { return !m_tokenDigest.isEmpty(); }
-    // Whether a login brings the token; a wrong one counts.
-    bool isLogin(const HttpRequest& request, const QByteArray& token);
+    // True when a login brings the token; a wrong one counts against its sender.
+    bool tryLogin(const HttpRequest& request, const QByteArray& token);
     // The cookie that stands for the token from now on. It cannot be turned back into the token,
     // and is void as soon as the token is another one.
     QByteArray cookieHeader() const;

@@ -381,7 +381,7 @@ void ApiRouter::postLogin(const Exchange& exchange) {
         return;
     }
     const QByteArray token = body.value(QStringLiteral("token")).toString().toUtf8();
-    if (!m_guard->isLogin(exchange->request(), token)) {
+    if (!m_guard->tryLogin(exchange->request(), token)) {
         exchange->respond(ApiError::response(ApiError::Kind::Unauthorized,
                                              QStringLiteral("This is not the device's token.")));
         return;
