@@ -36,9 +36,9 @@ HttpConnection* HttpConnections::open(int descriptor) {
     connection->localAddress = addressOf(descriptor, getsockname);
     connection->peer = addressOf(descriptor, getpeername);
     // A reader that vanished from the network without a word is noticed by what it never confirms.
-    const auto patience = static_cast<unsigned>(m_limits.idleMs);
-    ::setsockopt(descriptor, IPPROTO_TCP, TCP_USER_TIMEOUT, &patience, sizeof patience);
-    enter(connection, HttpConnection::Phase::Waiting, m_limits.requestMs);
+    const auto timeout = static_cast<unsigned>(m_limits.idleMs);
+    ::setsockopt(descriptor, IPPROTO_TCP, TCP_USER_TIMEOUT, &timeout, sizeof timeout);
+    setPhase(connection, HttpConnection::Phase::Waiting, m_limits.requestMs);
     ++m_live;
     if (++m_perAddress[connection->peer] > m_limits.perAddress &&
         !m_limits.proxies.contains(connection->peer)) {
@@ -60,31 +60,31 @@ void HttpConnections::close(HttpConnection* connection) {
         m_timer.stop();
 }
 
-void HttpConnections::enter(HttpConnection* connection, HttpConnection::Phase phase,
-                            int patienceMs) {
+void HttpConnections::setPhase(HttpConnection* connection, HttpConnection::Phase phase,
+                               int timeoutMs) {
     connection->phase = phase;
     connection->since = m_clock.elapsed();
-    connection->deadline = patienceMs == Forever ? Forever : connection->since + patienceMs;
+    connection->deadline = timeoutMs == Forever ? Forever : connection->since + timeoutMs;
 }
 
-void HttpConnections::wait(HttpConnection* connection) {
-    enter(connection, HttpConnection::Phase::Waiting, m_limits.idleMs);
+void HttpConnections::setWaiting(HttpConnection* connection) {
+    setPhase(connection, HttpConnection::Phase::Waiting, m_limits.idleMs);
 }
 
-void HttpConnections::arrive(HttpConnection* connection) {
-    enter(connection, HttpConnection::Phase::Arriving, m_limits.requestMs);
+void HttpConnections::setArriving(HttpConnection* connection) {
+    setPhase(connection, HttpConnection::Phase::Arriving, m_limits.requestMs);
 }
 
-void HttpConnections::handle(HttpConnection* connection) {
-    enter(connection, HttpConnection::Phase::Handling, Forever);
+void HttpConnections::setHandling(HttpConnection* connection) {
+    setPhase(connection, HttpConnection::Phase::Handling, Forever);
 }
 
-void HttpConnections::answer(HttpConnection* connection) {
-    enter(connection, HttpConnection::Phase::Answering, m_limits.requestMs);
+void HttpConnections::setAnswering(HttpConnection* connection) {
+    setPhase(connection, HttpConnection::Phase::Answering, m_limits.requestMs);
 }
 
-void HttpConnections::stream(HttpConnection* connection) {
-    enter(connection, HttpConnection::Phase::Answering, m_limits.idleMs);
+void HttpConnections::setStreaming(HttpConnection* connection) {
+    setPhase(connection, HttpConnection::Phase::Answering, m_limits.idleMs);
 }
 
 void HttpConnections::cut(HttpConnection* connection) {

@@ -12,7 +12,7 @@
 #include "IpAddress.h"
 #include "TrustedProxies.h"
 
-// What one connection is about and until when it may be.
+// One connection: where it comes from, its phase and until when that may last.
 struct HttpConnection {
     enum class Phase {
         Waiting,   // for a request; its first bytes may be here
@@ -55,17 +55,17 @@ public:
     HttpConnection* open(int descriptor);
     void close(HttpConnection* connection);
 
-    void enter(HttpConnection* connection, HttpConnection::Phase phase, int patienceMs);
-    void wait(HttpConnection* connection);   // for the next request
-    void arrive(HttpConnection* connection); // the rest of a request
-    void handle(HttpConnection* connection); // without a deadline: the answer has its own
-    void answer(HttpConnection* connection);
-    // A part of a stream is on its way to the reader.
-    void stream(HttpConnection* connection);
+    // The phase of a connection from now on, with its deadline.
+    void setWaiting(HttpConnection* connection);  // for the next request
+    void setArriving(HttpConnection* connection); // the rest of a request
+    void setHandling(HttpConnection* connection); // without a deadline: the answer has its own
+    void setAnswering(HttpConnection* connection);
+    void setStreaming(HttpConnection* connection); // a part is on its way to the reader
 
 private:
     static constexpr int Forever = -1;
 
+    void setPhase(HttpConnection* connection, HttpConnection::Phase phase, int timeoutMs);
     void cut(HttpConnection* connection);
     void leave(const HttpConnection* connection);
     void cutOverdue();

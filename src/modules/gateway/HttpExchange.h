@@ -33,8 +33,9 @@ private:
     std::optional<HttpResponse> m_refusal; // nothing of the body is kept then
     std::optional<HttpResponse> m_response;
     std::unique_ptr<HttpBodySource> m_source;
-    MHD_Connection* m_connection = nullptr; // null once the connection is gone
-    HttpConnection* m_about = nullptr;      // as long as m_connection
+    // Both null once the connection is gone.
+    MHD_Connection* m_mhdConnection = nullptr;
+    HttpConnection* m_connection = nullptr;
     HttpServer* m_server = nullptr;
     // Nothing that follows on the connection is read: where the body ends may mean two things.
     bool m_closes = false;

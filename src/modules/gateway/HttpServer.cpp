@@ -106,7 +106,7 @@ constexpr struct {
     {"Cross-Origin-Resource-Policy", "same-origin"},
 };
 
-HttpConnection* aboutOf(MHD_Connection* connection) {
+HttpConnection* connectionOf(MHD_Connection* connection) {
     const MHD_ConnectionInfo* info =
         MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT);
     return info ? static_cast<HttpConnection*>(info->socket_context) : nullptr;
@@ -148,13 +148,13 @@ struct HttpServer::Callbacks {
     static size_t unescape(void*, MHD_Connection* connection, char* text) {
         const size_t size = MHD_http_unescape(text);
         if (std::memchr(text, 0, size))
-            aboutOf(connection)->zeroInTarget = true;
+            connectionOf(connection)->zeroInTarget = true;
         return size;
     }
 
     // The target as it arrived. What is returned becomes the request's state.
     static void* onTarget(void*, const char* target, MHD_Connection* connection) {
-        aboutOf(connection)->head = HeadCheck(target);
+        connectionOf(connection)->head = HeadCheck(target);
         return nullptr;
     }
 
@@ -182,7 +182,7 @@ struct HttpServer::Callbacks {
             return queue(connection, *exchange);
         // The handler runs when the library has returned; until it has answered the connection
         // sleeps.
-        server->m_connections.handle(exchange->m_about);
+        server->m_connections.setHandling(exchange->m_connection);
         exchange->m_suspended = true;
         MHD_suspend_connection(connection);
         server->m_arrived.push_back(exchange);
@@ -195,12 +195,12 @@ struct HttpServer::Callbacks {
             return;
         HttpExchange& exchange = **handle;
         HttpServer* server = exchange.m_server;
-        server->m_connections.wait(exchange.m_about);
+        server->m_connections.setWaiting(exchange.m_connection);
         server->dropBody(exchange);
         server->m_quotas.dropAnswer(exchange.m_share);
         server->m_quotas.uncountForwarded(exchange.m_share);
+        exchange.m_mhdConnection = nullptr;
         exchange.m_connection = nullptr;
-        exchange.m_about = nullptr;
         exchange.m_server = nullptr;
         server->m_open.remove(&exchange);
         delete handle;
@@ -210,23 +210,23 @@ struct HttpServer::Callbacks {
     static Handle begin(HttpServer* server, MHD_Connection* connection, const char* url,
                         const char* method, const char* version) {
         auto exchange = std::make_shared<HttpExchange>();
-        exchange->m_connection = connection;
+        exchange->m_mhdConnection = connection;
         exchange->m_server = server;
-        exchange->m_about = aboutOf(connection);
-        server->m_connections.arrive(exchange->m_about);
+        exchange->m_connection = connectionOf(connection);
+        server->m_connections.setArriving(exchange->m_connection);
         HttpRequest& request = exchange->m_request;
         request.method = method;
         request.path = decodeText(url, qstrlen(url), &request.illegalText);
-        request.illegalText = request.illegalText || exchange->m_about->zeroInTarget;
-        exchange->m_about->zeroInTarget = false;
+        request.illegalText = request.illegalText || exchange->m_connection->zeroInTarget;
+        exchange->m_connection->zeroInTarget = false;
         MHD_get_connection_values_n(connection, MHD_GET_ARGUMENT_KIND, collectParameter, &request);
-        HeadCheck& check = exchange->m_about->head;
+        HeadCheck& check = exchange->m_connection->head;
         check.takeRequestLine(method, version);
         HeadBeingRead reading{&request, &check};
         MHD_get_connection_values_n(connection, MHD_HEADER_KIND, collectHeader, &reading);
-        request.localAddress = exchange->m_about->localAddress;
+        request.localAddress = exchange->m_connection->localAddress;
         request.client =
-            server->m_limits.proxies.clientOf(exchange->m_about->peer, request.forwardedFor);
+            server->m_limits.proxies.clientOf(exchange->m_connection->peer, request.forwardedFor);
         const MHD_ConnectionInfo* head =
             MHD_get_connection_info(connection, MHD_CONNECTION_INFO_REQUEST_HEADER_SIZE);
         request.headTooLarge = request.headerFields > server->m_limits.headerFields ||
@@ -238,7 +238,7 @@ struct HttpServer::Callbacks {
         exchange->m_refusal = std::move(admission.refusal);
         exchange->m_maxBody = admission.maxBody;
         // A proxy's connections say nothing about its clients.
-        if (request.client != exchange->m_about->peer) {
+        if (request.client != exchange->m_connection->peer) {
             auto tooMany = server->m_quotas.countForwarded(exchange->m_share, request.client);
             if (!exchange->m_refusal)
                 exchange->m_refusal = std::move(tooMany);
@@ -269,7 +269,7 @@ struct HttpServer::Callbacks {
     }
 
     static MHD_Result queue(MHD_Connection* connection, HttpExchange& exchange) {
-        exchange.m_server->m_connections.answer(exchange.m_about);
+        exchange.m_server->m_connections.setAnswering(exchange.m_connection);
         MHD_Response* response = nullptr;
         const HttpResponse& answer = *exchange.m_response;
         if (exchange.m_source) {
@@ -328,11 +328,11 @@ struct HttpServer::Callbacks {
         const qint64 count = exchange.m_source->read(buffer, qint64(size));
         HttpConnections& all = exchange.m_server->m_connections;
         if (count == 0) {
-            all.handle(exchange.m_about);
+            all.setHandling(exchange.m_connection);
             exchange.m_suspended = true;
-            MHD_suspend_connection(exchange.m_connection);
+            MHD_suspend_connection(exchange.m_mhdConnection);
         } else {
-            all.stream(exchange.m_about);
+            all.setStreaming(exchange.m_connection);
         }
         return ssize_t(count);
     }
@@ -440,11 +440,11 @@ void HttpServer::armTimer() {
 }
 
 void HttpServer::resume(HttpExchange& exchange) {
-    if (!exchange.m_suspended || !exchange.m_connection)
+    if (!exchange.m_suspended || !exchange.m_mhdConnection)
         return;
     exchange.m_suspended = false;
     m_resumed = true;
-    MHD_resume_connection(exchange.m_connection);
+    MHD_resume_connection(exchange.m_mhdConnection);
     // The library goes on with it in its next run, which nothing else would bring about.
     m_timer.start(0);
 }

@@ -40,7 +40,6 @@ public:
     bool listen(const QString& address, bool loopbackOnly, QString* error);
     // The port in use, 0 before listen().
     quint16 port() const { return m_port; }
-    int openExchanges() const { return m_open.size(); }
 
 private:
     friend class HttpExchange;
