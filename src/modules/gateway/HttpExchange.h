@@ -23,6 +23,7 @@ public:
     void wake();
 
 private:
+    friend class HttpCallbacks;
     friend class HttpServer;
     friend class ExchangeProbe; // the tests' requests, which have no connection
 

@@ -42,8 +42,8 @@ public:
     quint16 port() const { return m_port; }
 
 private:
+    friend class HttpCallbacks;
     friend class HttpExchange;
-    struct Callbacks;
 
     void run();
     void dispatchArrived();
