@@ -17,7 +17,7 @@ bool PlayListAddToPlaylistNode::getRowsRequest(const CMGetRowsRequest& request) 
                            entryPath(request, QStringLiteral("createPl"), {}),
                            OrvoValue::fromString(QString())));
     entries.append(separatorRow());
-    // The source is offered too: adding a playlist to itself doubles it, which some want.
+    // The source is offered too: a user may add a playlist to itself, which doubles it.
     const QList<PlayListBase*> playLists = manager()->getAllPlayList();
     for (const PlayListBase* pl : playLists) {
         LOG4CPLUS_DEBUG(moduleLog(),
