@@ -123,7 +123,7 @@ void PlayerModel::takeDuration(const QJsonObject& value) {
 }
 
 void PlayerModel::takeVolume(const QJsonObject& value) {
-    m_volume = value.value(QLatin1String("i32")).toInt(100);
+    m_volume = value.value(QLatin1String("i32")).toInt(MaxVolume);
 }
 
 void PlayerModel::takeNext(const QJsonObject& value) {

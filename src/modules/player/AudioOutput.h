@@ -30,7 +30,8 @@ public:
 
     // An output that does not keep time needs neither of these: the feeder rests during a pause.
     virtual void setPaused(bool) {}
-    // 0 to 100. What is recorded instead of heard is not changed by it.
+    static constexpr int MaxVolume = 100;
+    // 0 to MaxVolume. What is recorded instead of heard is not changed by it.
     virtual void setVolume(int) {}
     // False when there are no means for that either.
     virtual bool fallBack() { return true; }

@@ -159,7 +159,7 @@ void DeviceOutput::setVolume(int volume) {
     m_volume = volume;
     // Loudness is heard as the cube root of the amplitude, roughly.
     if (m_loudness)
-        g_object_set(m_loudness, "volume", std::pow(volume / 100.0, 3), nullptr);
+        g_object_set(m_loudness, "volume", std::pow(double(volume) / MaxVolume, 3), nullptr);
 }
 
 bool DeviceOutput::fallBack() {

@@ -47,7 +47,7 @@ private:
     std::chrono::steady_clock::time_point m_lastLook;
     bool m_running = false;
     bool m_paused = false;
-    int m_volume = 100;
+    int m_volume = MaxVolume;
     AudioFormat m_format;
 
     GstElementPtr m_pipeline;

@@ -10,6 +10,8 @@ namespace {
 
 // Late enough to follow edits of the list, early enough to open a slow source.
 constexpr qint64 PrepareBeforeEndMs = 10000;
+// A timer counts in ints; when it is over, what is left is looked at again.
+constexpr qint64 MaxPrepareWaitMs = 3600 * 1000;
 
 QString firstUri(const OrvoRoles& roles) {
     for (const OrvoResource& resource : roles.mediaData().resources()) {
@@ -303,7 +305,7 @@ void PlayerTransport::armPrepare() {
     if (left <= 0)
         prepare();
     else if (m_state == OrvoPlayerState::Playing)
-        m_prepareTimer.start(int(qMin<qint64>(left, 3600 * 1000)));
+        m_prepareTimer.start(int(qMin(left, MaxPrepareWaitMs)));
     else
         m_prepareTimer.stop();
 }
@@ -547,7 +549,7 @@ void PlayerTransport::setPlayMode(const CMSetDataRequest& request) {
 void PlayerTransport::setVolume(const CMSetDataRequest& request) {
     post([this, request] {
         const int volume = OrvoPlayerVolumeArgs(request.value()).volume();
-        if (volume < 0 || volume > 100) {
+        if (volume < 0 || volume > AudioOutput::MaxVolume) {
             request.reply().setError(invalid("The volume must be between 0 and 100."));
             return;
         }

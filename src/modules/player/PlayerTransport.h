@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QTimer>
 
+#include "AudioOutput.h"
 #include "CMRequest.h"
 #include "DecisionsUnderWay.h"
 #include "PlayerEngine.h"
@@ -120,7 +121,7 @@ private:
     int m_startMs = 0;  // where the current item was to start
     CMPath m_mediaPath; // what it belongs to; the play logic's data may be gone when it stops
     OrvoPlayerResumePoint m_resumePoint;
-    int m_volume = 100;
+    int m_volume = AudioOutput::MaxVolume;
     QTimer m_prepareTimer;
     SleepTimer m_sleepTimer;
     bool m_isNextHeldBack = false; // the engine does not know what is announced

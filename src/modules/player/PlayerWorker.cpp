@@ -13,7 +13,7 @@ namespace {
 
 // A slider that is dragged is one change to keep, not fifty.
 constexpr int KeepVolumeAfterMs = 1000;
-constexpr int DefaultVolume = 100;
+constexpr int DefaultVolume = AudioOutput::MaxVolume;
 
 OrvoValue text(const QString& value) {
     return OrvoValue::fromString(value);
@@ -149,7 +149,8 @@ PlayerWorker::~PlayerWorker() {
 }
 
 void PlayerWorker::takeVolume(const OrvoValue& stored) {
-    m_transport.applyVolume(stored.containsI32_() ? qBound(0, stored.i32(), 100) : DefaultVolume);
+    m_transport.applyVolume(stored.containsI32_() ? qBound(0, stored.i32(), AudioOutput::MaxVolume)
+                                                  : DefaultVolume);
 }
 
 void PlayerWorker::keepVolume() {
