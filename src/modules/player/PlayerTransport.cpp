@@ -146,17 +146,17 @@ void PlayerTransport::carryOut(const PlayLogicCommand& command) {
     const CommandRow& row = commandRow(command.kind);
     const bool counts = row.takesOver || command.from == m_logic;
     const PlayerEngine::Generation announced = counts ? announce(command) : 0;
-    DecisionsUnderWay::Ticket ticket;
+    PendingDecisions::Ticket ticket;
     if (command.kind == PlayLogicCommand::Kind::Play) {
         // From now on: a pause that comes before the item does is a later word.
         const OrvoPlayLogicPlayArgs start{QVariantHash(command.params)};
         m_paused = start.containsPaused() ? start.paused() : m_paused && !command.requested;
-        ticket = m_underWay.sendPlay(command.from);
+        ticket = m_decisions.addPlay(command.from);
     } else {
-        ticket = m_underWay.sendOther(row.decides && counts);
+        ticket = m_decisions.addOther(row.decides && counts);
     }
     post([this, command, announced, counts, ticket] {
-        if (!m_underWay.takeTurn(ticket)) {
+        if (!m_decisions.resolve(ticket)) {
             command.reply.setError(notNow("It was stopped meanwhile."));
             return;
         }
@@ -264,9 +264,9 @@ void PlayerTransport::silence() {
     m_engine.stop();
     m_current = m_next = {};
     // What is on its way was told how to start.
-    m_paused = m_paused && m_underWay.hasPlay();
+    m_paused = m_paused && m_decisions.hasPlay();
     m_prepareTimer.stop();
-    if (m_sleepTimer.isAtEndOfTrack() && !m_underWay.hasPlay())
+    if (m_sleepTimer.isAtEndOfTrack() && !m_decisions.hasPlay())
         m_sleepTimer.stop(); // there is no track any more
     setState(OrvoPlayerState::Stopped);
 }
@@ -288,7 +288,7 @@ void PlayerTransport::onStarted(PlayerEngine::Generation generation) {
         m_startMs = 0;
     }
     // Something else was decided, which only waits for its turn: this one hardly sounds.
-    if (generation != m_current.generation || m_underWay.hasAny() || !m_logic)
+    if (generation != m_current.generation || m_decisions.hasAny() || !m_logic)
         return;
     m_prepared = false;
     m_logic->itemStarted(m_current.roles);
@@ -311,7 +311,7 @@ void PlayerTransport::armPrepare() {
 }
 
 void PlayerTransport::prepare() {
-    if (m_prepared || m_underWay.hasAny() || !m_logic)
+    if (m_prepared || m_decisions.hasAny() || !m_logic)
         return;
     m_prepared = true;
     m_prepareTimer.stop();
@@ -329,7 +329,7 @@ void PlayerTransport::onFinished(PlayerEngine::Generation generation) {
 }
 
 void PlayerTransport::resumeAfter(PlayerEngine::Generation generation) {
-    if (generation != m_current.generation || m_underWay.hasAny() || !m_logic)
+    if (generation != m_current.generation || m_decisions.hasAny() || !m_logic)
         return;
     const bool sleeps = m_sleepTimer.isAtEndOfTrack();
     if (!sleeps && m_next.generation != 0)
@@ -352,7 +352,7 @@ void PlayerTransport::resumeAfter(PlayerEngine::Generation generation) {
 
 void PlayerTransport::onFailed(PlayerEngine::Generation generation, const QString& text) {
     const bool ofNext = generation == m_next.generation;
-    if ((!ofNext && generation != m_current.generation) || m_underWay.hasAny() || !m_logic)
+    if ((!ofNext && generation != m_current.generation) || m_decisions.hasAny() || !m_logic)
         return;
     const OrvoRoles roles = ofNext ? m_next.roles : m_current.roles;
     const QString title = roles.title().toString();
@@ -377,7 +377,7 @@ void PlayerTransport::onFailed(PlayerEngine::Generation generation, const QStrin
 }
 
 void PlayerTransport::goOnAfter(PlayerEngine::Generation generation) {
-    if (generation != m_current.generation || m_underWay.hasAny())
+    if (generation != m_current.generation || m_decisions.hasAny())
         return;
     // What broke off is not tried again and again.
     if (m_next.generation != 0 && isSameItem(m_next.roles, m_current.roles))
@@ -400,7 +400,7 @@ void PlayerTransport::playContainer(const CMSetDataRequest& request) {
             dropNext();
         args.setKind(OrvoPlayLogicRequestKind::Play);
         const QPointer<StreamerPlayLogic> logic = playLogicAt(path);
-        const quint64 decisions = m_underWay.countRequest();
+        const quint64 decisions = m_decisions.countRequest();
         CMRoot()->invoke(path, args.toVariant(), request.reply());
         const auto answered = [self = QPointer<PlayerTransport>(this), logic,
                                decisions](bool refused) {
@@ -415,19 +415,19 @@ void PlayerTransport::playContainer(const CMSetDataRequest& request) {
 
 void PlayerTransport::onPlayAnswered(StreamerPlayLogic* logic, quint64 decisions, bool refused) {
     // What plays does not notice that another play logic refuses.
-    if (!logic || decisions != m_underWay.count() || (refused && logic != m_logic))
+    if (!logic || decisions != m_decisions.count() || (refused && logic != m_logic))
         return;
     playNothing(logic);
 }
 
 void PlayerTransport::pause(const CMSetDataRequest& request) {
     post([this, request] {
-        if (m_state == OrvoPlayerState::Stopped && !m_underWay.hasPlay()) {
+        if (m_state == OrvoPlayerState::Stopped && !m_decisions.hasPlay()) {
             request.reply().setError(nothingPlays());
             return;
         }
         // Those of what comes are not known yet.
-        const bool opening = m_state == OrvoPlayerState::Opening || m_underWay.hasPlay();
+        const bool opening = m_state == OrvoPlayerState::Opening || m_decisions.hasPlay();
         const OrvoPlayLogicControls controls =
             opening ? OrvoPlayLogicControls() : data().controls();
         if (controls.containsPause() && !controls.pause()) {
@@ -446,13 +446,13 @@ void PlayerTransport::pause(const CMSetDataRequest& request) {
 
 void PlayerTransport::resume(const CMSetDataRequest& request) {
     post([this, request] {
-        if (m_state == OrvoPlayerState::Stopped && !m_underWay.hasPlay()) {
+        if (m_state == OrvoPlayerState::Stopped && !m_decisions.hasPlay()) {
             request.reply().setError(nothingPlays());
             return;
         }
         m_paused = false;
         // What was replaced does not sound once more.
-        if (m_underWay.hasPlay()) {
+        if (m_decisions.hasPlay()) {
             request.reply().setValue({});
             return;
         }
@@ -471,10 +471,10 @@ void PlayerTransport::stop(const CMSetDataRequest& request) {
         OrvoPlayLogicStopArgs args(request.value());
         noteResumePoint();
         // The one whose play command is on its way is to know that it does not play.
-        if (m_underWay.hasPlay() && m_underWay.lastSender())
-            activate(m_underWay.lastSender());
-        m_underWay.callOffPlays();
-        m_underWay.countRequest();
+        if (m_decisions.hasPlay() && m_decisions.lastSender())
+            activate(m_decisions.lastSender());
+        m_decisions.cancelPlays();
+        m_decisions.countRequest();
         const CMPath path = deactivate();
         silence();
         if (path.isEmpty()) {

@@ -8,7 +8,7 @@
 
 #include "AudioOutput.h"
 #include "CMRequest.h"
-#include "DecisionsUnderWay.h"
+#include "PendingDecisions.h"
 #include "PlayerEngine.h"
 #include "PlayLogicInterface.h"
 #include "SleepTimer.h"
@@ -117,7 +117,7 @@ private:
     OrvoPlayerState::Enum m_state = OrvoPlayerState::Stopped;
     bool m_paused = false;
     bool m_prepared = false;
-    DecisionsUnderWay m_underWay;
+    PendingDecisions m_decisions;
     int m_startMs = 0;  // where the current item was to start
     CMPath m_mediaPath; // what it belongs to; the play logic's data may be gone when it stops
     OrvoPlayerResumePoint m_resumePoint;

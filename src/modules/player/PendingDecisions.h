@@ -5,26 +5,26 @@
 #include "StreamerPlayLogic.h"
 
 // Counts the decisions about what plays from the moment when they are sent: each takes its turn in
-// the transport's queue, and until then what plays is not what was decided. A user's stop calls off
-// the play commands that are under way. A value of the transport, on its thread.
-class DecisionsUnderWay {
+// the transport's queue, and until then what plays is not what was decided. A user's stop cancels
+// the play commands that are pending. A value of the transport, on its thread.
+class PendingDecisions {
 public:
     // What a command is counted as.
     struct Ticket {
         bool decides = false;
         bool plays = false;
-        quint64 stops = 0; // that users had asked for by then
+        quint64 cancellations = 0; // by then
     };
 
     // A play command is a decision.
-    Ticket sendPlay(StreamerPlayLogic* from);
-    Ticket sendOther(bool decides);
-    // The command's turn has come. False for a play command that was called off.
-    bool takeTurn(const Ticket& ticket);
-    void callOffPlays();
+    Ticket addPlay(StreamerPlayLogic* from);
+    Ticket addOther(bool decides);
+    // The command's turn has come. False for a play command that was cancelled.
+    bool resolve(const Ticket& ticket);
+    void cancelPlays();
 
-    bool hasAny() const { return m_underWay > 0; }
-    bool hasPlay() const { return m_playsUnderWay > 0; }
+    bool hasAny() const { return m_pending > 0; }
+    bool hasPlay() const { return m_pendingPlays > 0; }
     // Who sent the last play command, null when it is gone.
     StreamerPlayLogic* lastSender() const { return m_lastSender; }
 
@@ -35,8 +35,8 @@ public:
 
 private:
     quint64 m_count = 0;
-    int m_underWay = 0;
-    int m_playsUnderWay = 0;
+    int m_pending = 0;
+    int m_pendingPlays = 0;
     QPointer<StreamerPlayLogic> m_lastSender;
-    quint64 m_stops = 0;
+    quint64 m_cancellations = 0;
 };
