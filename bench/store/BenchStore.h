@@ -61,7 +61,7 @@ public:
 
 private:
     // A player that carries everything out at once and makes no sound.
-    void carryOut(const PlayLogicCommand& command) override { command.reply.setValue({}); }
+    void submit(const PlayLogicCommand& command) override { command.reply.setValue({}); }
     QByteArray image() const;
     void open();
     void close();

@@ -129,11 +129,11 @@ const PlayerTransport::CommandRow& PlayerTransport::commandRow(PlayLogicCommand:
     using Kind = PlayLogicCommand::Kind;
     using T = PlayerTransport;
     static const CommandRow rows[] = {
-        {Kind::Play, &T::play, true, true},
-        {Kind::SetNextMedia, &T::setNextMedia, false, false},
-        {Kind::NoNextMedia, nullptr, false, false},
-        {Kind::PlaybackEnded, &T::playbackEnded, true, false},
-        {Kind::Stop, &T::stopped, true, false},
+        {.kind = Kind::Play, .handle = &T::handlePlay, .decides = true, .takesOver = true},
+        {.kind = Kind::SetNextMedia, .handle = &T::handleSetNextMedia},
+        {.kind = Kind::NoNextMedia},
+        {.kind = Kind::PlaybackEnded, .handle = &T::handlePlaybackEnded, .decides = true},
+        {.kind = Kind::Stop, .handle = &T::handleStop, .decides = true},
     };
     for (const CommandRow& row : rows) {
         if (row.kind == kind)
@@ -142,7 +142,7 @@ const PlayerTransport::CommandRow& PlayerTransport::commandRow(PlayLogicCommand:
     cmFatal("a play-logic command of an unknown kind");
 }
 
-void PlayerTransport::carryOut(const PlayLogicCommand& command) {
+void PlayerTransport::submit(const PlayLogicCommand& command) {
     const CommandRow& row = commandRow(command.kind);
     const bool counts = row.takesOver || command.from == m_logic;
     const PlayerEngine::Generation announced = counts ? announce(command) : 0;
@@ -162,7 +162,7 @@ void PlayerTransport::carryOut(const PlayLogicCommand& command) {
         }
         // Sent before its play logic took over.
         const bool late = !counts && command.from && command.from == m_logic;
-        obey(command, late ? announce(command) : announced);
+        execute(command, late ? announce(command) : announced);
     });
 }
 
@@ -178,25 +178,25 @@ PlayerEngine::Generation PlayerTransport::announce(const PlayLogicCommand& comma
     return m_next.generation;
 }
 
-void PlayerTransport::obey(const PlayLogicCommand& command, PlayerEngine::Generation announced) {
+void PlayerTransport::execute(const PlayLogicCommand& command, PlayerEngine::Generation announced) {
     const CommandRow& row = commandRow(command.kind);
     if (!command.from || (command.from != m_logic && !row.takesOver)) {
         command.reply.setError(notNow("This play logic does not play."));
         return;
     }
     const bool replaced = announced != 0 && announced != m_next.generation;
-    if (row.carryOut && !replaced)
-        (this->*row.carryOut)(command);
+    if (row.handle && !replaced)
+        (this->*row.handle)(command);
     command.reply.setValue({});
 }
 
 void PlayerTransport::playNothing(StreamerPlayLogic* logic) {
     activate(logic);
-    silence();
+    resetToStopped();
     logic->nothingPlayed(playError("NothingToPlay", nothingToPlay()));
 }
 
-void PlayerTransport::play(const PlayLogicCommand& command) {
+void PlayerTransport::handlePlay(const PlayLogicCommand& command) {
     if (command.roles.isEmpty()) {
         playNothing(command.from);
         return;
@@ -212,7 +212,7 @@ void PlayerTransport::play(const PlayLogicCommand& command) {
     setState(OrvoPlayerState::Opening);
 }
 
-void PlayerTransport::setNextMedia(const PlayLogicCommand& command) {
+void PlayerTransport::handleSetNextMedia(const PlayLogicCommand& command) {
     if (m_current.generation == 0)
         dropNext(); // ended meanwhile, nothing for it to follow
     else if (m_sleepTimer.isAtEndOfTrack())
@@ -221,17 +221,17 @@ void PlayerTransport::setNextMedia(const PlayLogicCommand& command) {
         m_engine.setNext(m_next.generation, firstUri(command.roles));
 }
 
-void PlayerTransport::playbackEnded(const PlayLogicCommand&) {
+void PlayerTransport::handlePlaybackEnded(const PlayLogicCommand&) {
     // What was heard to its end begins anew.
     if (m_resumePoint.mediaPath() == m_mediaPath)
         setResumePoint({});
-    silence();
+    resetToStopped();
 }
 
-void PlayerTransport::stopped(const PlayLogicCommand&) {
+void PlayerTransport::handleStop(const PlayLogicCommand&) {
     noteResumePoint();
     deactivate();
-    silence();
+    resetToStopped();
 }
 
 void PlayerTransport::activate(StreamerPlayLogic* logic) {
@@ -242,7 +242,7 @@ void PlayerTransport::activate(StreamerPlayLogic* logic) {
     m_logic = logic;
     cmConnect(logic, &PlayLogicBase::dataChanged, this, &PlayerTransport::changed);
     cmConnect(logic, &PlayLogicBase::playModeChanged, this, &PlayerTransport::changed);
-    cmConnect(logic, &QObject::destroyed, this, &PlayerTransport::silence);
+    cmConnect(logic, &QObject::destroyed, this, &PlayerTransport::resetToStopped);
     if (left.isEmpty())
         return;
     OrvoPlayLogicStopArgs args;
@@ -260,7 +260,7 @@ CMPath PlayerTransport::deactivate() {
     return path;
 }
 
-void PlayerTransport::silence() {
+void PlayerTransport::resetToStopped() {
     m_engine.stop();
     m_current = m_next = {};
     // What is on its way was told how to start.
@@ -476,7 +476,7 @@ void PlayerTransport::stop(const CMSetDataRequest& request) {
         m_decisions.cancelPlays();
         m_decisions.countRequest();
         const CMPath path = deactivate();
-        silence();
+        resetToStopped();
         if (path.isEmpty()) {
             request.reply().setValue({});
             return;

@@ -37,7 +37,7 @@ public:
     void setVolume(const CMSetDataRequest& request);
     void setSleepTimer(const CMSetDataRequest& request);
 
-    void carryOut(const PlayLogicCommand& command) override;
+    void submit(const PlayLogicCommand& command) override;
 
     OrvoPlayerState::Enum state() const { return m_state; }
     OrvoPlayLogicData data() const;
@@ -71,21 +71,21 @@ private:
     struct CommandRow {
         PlayLogicCommand::Kind kind;
         // Null where nothing is left to do once what was announced is void.
-        void (PlayerTransport::*carryOut)(const PlayLogicCommand& command);
+        void (PlayerTransport::*handle)(const PlayLogicCommand& command) = nullptr;
         // What plays or was announced is over when this is sent.
-        bool decides;
+        bool decides = false;
         // Any play logic may send it, the active one or not.
-        bool takesOver;
+        bool takesOver = false;
     };
     static const CommandRow& commandRow(PlayLogicCommand::Kind kind);
 
     void post(std::function<void()> step);
     PlayerEngine::Generation announce(const PlayLogicCommand& command);
-    void obey(const PlayLogicCommand& command, PlayerEngine::Generation announced);
-    void play(const PlayLogicCommand& command);
-    void setNextMedia(const PlayLogicCommand& command);
-    void playbackEnded(const PlayLogicCommand& command);
-    void stopped(const PlayLogicCommand& command);
+    void execute(const PlayLogicCommand& command, PlayerEngine::Generation announced);
+    void handlePlay(const PlayLogicCommand& command);
+    void handleSetNextMedia(const PlayLogicCommand& command);
+    void handlePlaybackEnded(const PlayLogicCommand& command);
+    void handleStop(const PlayLogicCommand& command);
 
     void onStarted(PlayerEngine::Generation generation);
     void onEnded(PlayerEngine::Generation generation);
@@ -99,7 +99,8 @@ private:
     void activate(StreamerPlayLogic* logic);
     // Leaves the active play logic and returns its path, empty when there was none.
     CMPath deactivate();
-    void silence();
+    // Nothing plays, nothing is announced, no timer waits for a track.
+    void resetToStopped();
     void dropNext();
     void askLogic(const CMSetDataRequest& request, OrvoPlayLogicRequest args);
     void armPrepare();

@@ -44,9 +44,9 @@ CMReply<QVariant> PlayLogicInterface::stop(int reason) {
     return send(OrvoPlayerStopPath(), args.toVariant());
 }
 
-void PlayLogicInterface::carryOut(const PlayLogicCommand& command) {
+void PlayLogicInterface::submit(const PlayLogicCommand& command) {
     if (m_player) {
-        m_player->carryOut(command);
+        m_player->submit(command);
         return;
     }
     const TrString text("PlayLogicInterface", "There is no player.");

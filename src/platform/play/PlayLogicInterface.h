@@ -34,7 +34,7 @@ struct PlayLogicCommand {
 class PlayerCommands {
 public:
     virtual ~PlayerCommands() = default;
-    virtual void carryOut(const PlayLogicCommand& command) = 0;
+    virtual void submit(const PlayLogicCommand& command) = 0;
 };
 
 // The player, as modules see it: whatever player module is loaded. Without one every request and
@@ -56,7 +56,7 @@ public:
     void setPlayer(PlayerCommands* player) { m_player = player; }
     PlayerCommands* player() const { return m_player; }
     // For StreamerPlayLogic: hands the command to the player module.
-    void carryOut(const PlayLogicCommand& command);
+    void submit(const PlayLogicCommand& command);
 
 private:
     PlayLogicInterface() = default;

@@ -121,7 +121,7 @@ CMReply<QVariant> StreamerPlayLogic::send(PlayLogicCommand::Kind kind, const Orv
                                           const QHash<QString, QVariant>& params) {
     const bool requested = kind == PlayLogicCommand::Kind::Play && m_openRequest != 0;
     const PlayLogicCommand command{kind, this, roles, params, {}, requested};
-    PlayLogicInterface::playerInstance()->carryOut(command);
+    PlayLogicInterface::playerInstance()->submit(command);
     return command.reply;
 }
 

@@ -15,7 +15,7 @@ class CommandLog : public PlayerCommands {
 public:
     CommandLog() { PlayLogicInterface::playerInstance()->setPlayer(this); }
     ~CommandLog() override { PlayLogicInterface::playerInstance()->setPlayer(nullptr); }
-    void carryOut(const PlayLogicCommand& command) override { commands.append(command); }
+    void submit(const PlayLogicCommand& command) override { commands.append(command); }
 
     QList<Kind> kinds() const {
         QList<Kind> result;

@@ -20,7 +20,7 @@ QString RecordingPlayer::text(const OrvoRoles& roles) {
            (position.containsI32_() ? QString::number(position.i32()) : QStringLiteral("-"));
 }
 
-void RecordingPlayer::carryOut(const PlayLogicCommand& command) {
+void RecordingPlayer::submit(const PlayLogicCommand& command) {
     using Kind = PlayLogicCommand::Kind;
     m_logic = command.from;
     EXPECT_TRUE(command.params.isEmpty());

@@ -14,7 +14,7 @@ public:
     RecordingPlayer();
     ~RecordingPlayer() override;
 
-    void carryOut(const PlayLogicCommand& command) override;
+    void submit(const PlayLogicCommand& command) override;
     void setDataRequest(const CMSetDataRequest& request) override;
 
     // "play b@1", "next c@2", "no next", "ended", "stop", "asked to stop: 0", "asked to play:
