@@ -30,10 +30,10 @@ private:
     struct ValueRow {
         CMPath path;
         OrvoValue (*read)(const PlayerTransport& transport);
-        bool publishedByItself;
+        bool publishedByItself = false;
         // How a written value becomes a command; null for one that is only read.
-        Command write;
-        QString argument;
+        Command write = nullptr;
+        QString argument = {};
     };
     static const QList<CommandRow>& commandRows();
     static const QList<ValueRow>& valueRows();

@@ -23,11 +23,13 @@ const QList<StreamerPlayLogic::RequestRow>& StreamerPlayLogic::requestRows() {
     using Kind = OrvoPlayLogicRequestKind;
     using Logic = StreamerPlayLogic;
     static const QList<RequestRow> rows = {
-        {Kind::Play, &Logic::play, true, true},
-        {Kind::Stop, &Logic::stop, true, false},
-        {Kind::Next, &Logic::nextInternal, false, true},
-        {Kind::Previous, &Logic::previousInternal, false, true},
-        {Kind::ChangePlayMode, &Logic::changePlayModeInternal, true, false},
+        {.kind = Kind::Play, .call = &Logic::play, .setsPlayMode = true, .asksForSound = true},
+        {.kind = Kind::Stop, .call = &Logic::stop, .setsPlayMode = true},
+        {.kind = Kind::Next, .call = &Logic::nextInternal, .asksForSound = true},
+        {.kind = Kind::Previous, .call = &Logic::previousInternal, .asksForSound = true},
+        {.kind = Kind::ChangePlayMode,
+         .call = &Logic::changePlayModeInternal,
+         .setsPlayMode = true},
     };
     return rows;
 }

@@ -67,9 +67,9 @@ private:
         OrvoPlayLogicRequestKind::Enum kind;
         void (StreamerPlayLogic::*call)(const CMSetDataRequest& request);
         // The play logic is choosing its mode while it handles this request.
-        bool setsPlayMode;
+        bool setsPlayMode = false;
         // What plays from it was asked for.
-        bool asksForSound;
+        bool asksForSound = false;
     };
     static const QList<RequestRow>& requestRows();
 
