@@ -79,6 +79,8 @@ private:
     };
     static const CommandRow& commandRow(PlayLogicCommand::Kind kind);
 
+    // The refusal of what cannot be done as things are.
+    static CMError notNow(const char* text);
     void post(std::function<void()> step);
     PlayerEngine::Generation announce(const PlayLogicCommand& command);
     void execute(const PlayLogicCommand& command, PlayerEngine::Generation announced);
