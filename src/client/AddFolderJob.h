@@ -16,6 +16,7 @@ class AsyncApi;
 class AddFolderJob : public QObject {
     Q_OBJECT
 public:
+    // Fixed: the numbers of the device's OrvoPlayListAddPosition, which are sent.
     enum Mode { Now = 0, Next = 1, Append = 2 };
 
     struct Source {
