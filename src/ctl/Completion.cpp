@@ -87,18 +87,18 @@ QStringList Completion::argumentsOf(const Verb& verb, const QStringList& words) 
     const QString begun = words.last();
     const QString previous = words.value(words.size() - 2);
     const QString option = previous.mid(2);
-    if (previous.startsWith(QLatin1String("--")) && verb.valued.contains(option))
+    if (previous.startsWith(QLatin1String("--")) && verb.options.valued.contains(option))
         return ofKind(valueOf(verb, option), begun);
     if (isOptionWord(begun)) {
         QStringList options;
-        for (const QString& name : verb.valued + verb.flags)
+        for (const QString& name : verb.options.valued + verb.options.flags)
             options.append(QStringLiteral("--") + name);
         return options + QStringList{QStringLiteral("--json"), QStringLiteral("--help")};
     }
     int index = 0;
     for (int i = 0; i < words.size() - 1; ++i) {
         const bool isValue = i > 0 && words.at(i - 1).startsWith(QLatin1String("--")) &&
-                             verb.valued.contains(words.at(i - 1).mid(2));
+                             verb.options.valued.contains(words.at(i - 1).mid(2));
         index += !isOptionWord(words.at(i)) && !isValue;
     }
     const QStringList kinds = positionalsOf(verb);

@@ -97,8 +97,7 @@ ClientFailure Verbs::unknown(const QStringList& words) {
 }
 
 void Verbs::checkCount(const Verb& verb, const Arguments& arguments) {
-    const int count = arguments.positional().size();
-    if (count < verb.least || (verb.most != Verb::Any && count > verb.most))
+    if (!verb.count.allows(arguments.positional().size()))
         throw ClientFailure::usage(QStringLiteral("usage: orvoctl %1 %2")
                                        .arg(QLatin1String(verb.words), QLatin1String(verb.usage))
                                        .trimmed());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <limits>
+
 #include <QStringList>
 #include <QVector>
 
@@ -24,19 +26,38 @@ struct VerbContext {
     void create(const QString& function) const;
 };
 
+// How many positional arguments a verb takes.
+struct ArgumentCount {
+    int least;
+    int most;
+
+    bool allows(int count) const { return count >= least && count <= most; }
+};
+constexpr ArgumentCount exactly(int count) {
+    return {count, count};
+}
+constexpr ArgumentCount between(int least, int most) {
+    return {least, most};
+}
+constexpr ArgumentCount atLeast(int least) {
+    return {least, std::numeric_limits<int>::max()};
+}
+
+// The options of a verb, without their dashes.
+struct VerbOptions {
+    QStringList valued = {}; // with a value behind them
+    QStringList flags = {};
+};
+
 // One verb: its words, what follows them, and who carries it out.
 struct Verb {
-    static constexpr int Any = -1;
-
     const char* words; // one or two
     const char* usage; // what follows, as shown in the help
     const char* help;
     const char* example; // behind "orvoctl"
-    int least;           // positional arguments
-    int most;
-    QStringList valued;
-    QStringList flags;
+    ArgumentCount count;
     void (*run)(VerbContext& context);
+    VerbOptions options = {};
 };
 
 namespace Verbs {

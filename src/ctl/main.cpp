@@ -61,8 +61,9 @@ void run(QStringList words) {
         return;
     }
     const Verb& verb = Verbs::take(&words);
-    const Arguments arguments = Arguments::parse(
-        leading + words, verb.valued + Connection::options(), verb.flags + GlobalFlags);
+    const Arguments arguments =
+        Arguments::parse(leading + words, verb.options.valued + Connection::options(),
+                         verb.options.flags + GlobalFlags);
     Verbs::checkCount(verb, arguments);
     AsyncApi api(Connection::of(arguments));
     Device device(&api);
