@@ -59,15 +59,8 @@ QString defaultWebRoot() {
     return {};
 }
 
-} // namespace
-
-std::optional<HostOptions::Ending> HostOptions::read(const QStringList& arguments) {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Loads the device's modules and runs them until it is told to end."));
-    const QCommandLineOption help = parser.addHelpOption();
-    const QCommandLineOption version = parser.addVersionOption();
-    parser.addOptions({
+void addOptions(QCommandLineParser* parser) {
+    parser->addOptions({
         {"data",
          "The folder for everything that is kept; made if missing, becomes the working directory.",
          "DIR", "."},
@@ -88,7 +81,17 @@ std::optional<HostOptions::Ending> HostOptions::read(const QStringList& argument
          "Where sound goes: auto, null (silent, as fast as it can) or wav=FILE (all that sounds).",
          "SINK", "auto"},
     });
+}
 
+} // namespace
+
+std::optional<HostOptions::Ending> HostOptions::read(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Loads the device's modules and runs them until it is told to end."));
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    addOptions(&parser);
     const auto wrong = [](const QString& text) {
         return Ending{
             UsageError,
@@ -108,20 +111,26 @@ std::optional<HostOptions::Ending> HostOptions::read(const QStringList& argument
             return wrong(QStringLiteral("--%1 needs a value").arg(name));
     }
 
+    if (auto error = readValues(parser))
+        return wrong(*error);
+    return {};
+}
+
+std::optional<QString> HostOptions::readValues(const QCommandLineParser& parser) {
     if (auto error = readListen(parser.value(QStringLiteral("listen"))))
-        return wrong(*error);
+        return error;
     if (auto error = readLogLevel(parser.value(QStringLiteral("log-level"))))
-        return wrong(*error);
+        return error;
     if (auto error = readAudioSink(parser.value(QStringLiteral("audio-sink"))))
-        return wrong(*error);
+        return error;
     if (auto error = readPairs(QStringLiteral("--set takes PATH=VALUE, not \"%1\""),
                                parser.values(QStringLiteral("set")), &m_settings))
-        return wrong(*error);
+        return error;
     if (auto error = readPairs(QStringLiteral("--config takes KEY=VALUE, not \"%1\""),
                                parser.values(QStringLiteral("config")), &m_config))
-        return wrong(*error);
+        return error;
     if (auto error = readLogLimits())
-        return wrong(*error);
+        return error;
 
     m_dataDir = absolute(parser.value(QStringLiteral("data")));
     m_musicDir = absolute(parser.value(QStringLiteral("music")));

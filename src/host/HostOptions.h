@@ -11,6 +11,8 @@
 
 #include "LogLimits.h"
 
+class QCommandLineParser;
+
 // What the command line asks for. A value; all file names in it are absolute, because the process
 // moves to its data folder afterwards.
 class HostOptions {
@@ -40,6 +42,8 @@ public:
     QHash<QString, QVariant> moduleConfig() const;
 
 private:
+    // These return what is wrong.
+    std::optional<QString> readValues(const QCommandLineParser& parser);
     std::optional<QString> readListen(const QString& text);
     std::optional<QString> readLogLevel(const QString& text);
     std::optional<QString> readLogLimits();
