@@ -26,15 +26,25 @@ struct LogLimitRow {
     int LogLimits::*member;
     int least;
     int most;
-    bool canBeLifted;
+    bool canBeLifted = true; // by 0
 };
 // A line has room for its time, level and logger, and for what is said of a cut. 204800 is the
 // smallest file that log4cplus rotates.
 constexpr LogLimitRow LogLimitRows[] = {
-    {"log/maxLineBytes", &LogLimits::lineBytes, 200, 1 << 30, true},
-    {"log/maxAlike", &LogLimits::alike, 1, std::numeric_limits<int>::max(), true},
-    {"log/maxFileBytes", &LogLimits::fileBytes, 204800, std::numeric_limits<int>::max(), true},
-    {"log/files", &LogLimits::files, 1, 1000, false},
+    {.key = "log/maxLineBytes", .member = &LogLimits::lineBytes, .least = 200, .most = 1 << 30},
+    {.key = "log/maxAlike",
+     .member = &LogLimits::alike,
+     .least = 1,
+     .most = std::numeric_limits<int>::max()},
+    {.key = "log/maxFileBytes",
+     .member = &LogLimits::fileBytes,
+     .least = 204800,
+     .most = std::numeric_limits<int>::max()},
+    {.key = "log/files",
+     .member = &LogLimits::files,
+     .least = 1,
+     .most = 1000,
+     .canBeLifted = false},
 };
 
 QString absolute(const QString& file) {
