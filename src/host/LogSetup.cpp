@@ -56,7 +56,7 @@ log4cplus::SharedAppenderPtr fileAppender(const std::string& file, bool rotates,
 } // namespace
 
 LogSetup::LogSetup(log4cplus::LogLevel level, const QString& file, const LogLimits& limits)
-    : m_alike(limits.alike) {
+    : m_repeatedLogLimit(limits.alike) {
     const QByteArray name = QFile::encodeName(file);
     bool isRegular = false;
     if (!file.isEmpty()) {
@@ -76,7 +76,7 @@ LogSetup::LogSetup(log4cplus::LogLevel level, const QString& file, const LogLimi
         m_writesToFile ? fileAppender(name.toStdString(), isRegular, limits) : consoleAppender();
     appender->setLayout(std::make_unique<OneLineLayout>(std::size_t(limits.lineBytes)));
     appender->addFilter([this](const log4cplus::spi::InternalLoggingEvent& event) {
-        return m_alike.admits(event) ? log4cplus::spi::NEUTRAL : log4cplus::spi::DENY;
+        return m_repeatedLogLimit.admits(event) ? log4cplus::spi::NEUTRAL : log4cplus::spi::DENY;
     });
     cmSetMaxLogText(limits.lineBytes);
     log4cplus::Logger rootLogger = log4cplus::Logger::getRoot();

@@ -6,8 +6,8 @@
 #include <QObject>
 #include <QString>
 
-#include "AlikeLimit.h"
 #include "LogLimits.h"
+#include "RepeatedLogLimit.h"
 
 // The process's log, from construction to destruction: every line of `level` and above, within
 // `limits`, goes to standard error or, when `file` is named, to the end of that file, written out
@@ -23,7 +23,7 @@ public:
     LogSetup& operator=(const LogSetup&) = delete;
 
     // Lines alike are counted from here on anew. Each turn of the event loop does it as well.
-    void beginRequest() { m_alike.beginRequest(); }
+    void beginRequest() { m_repeatedLogLimit.beginRequest(); }
 
     // Empty when all is well.
     const QString& fileError() const { return m_fileError; }
@@ -31,7 +31,7 @@ public:
 
 private:
     // Before the appenders, which the initializer takes away.
-    AlikeLimit m_alike;
+    RepeatedLogLimit m_repeatedLogLimit;
     log4cplus::Initializer m_initializer;
     QObject m_turns;
     QString m_fileError;

@@ -1,4 +1,4 @@
-#include "AlikeLimit.h"
+#include "RepeatedLogLimit.h"
 
 #include <gtest/gtest.h>
 #include <thread>
@@ -14,8 +14,8 @@ InternalLoggingEvent line(const char* logger, log4cplus::LogLevel level, const c
 
 const InternalLoggingEvent Warning = line("A", log4cplus::WARN_LOG_LEVEL, "a.cpp", 1);
 
-TEST(AlikeLimitTest, linesOfAnotherPlaceLoggerOrLevelAreNotAlike) {
-    AlikeLimit limit(2);
+TEST(RepeatedLogLimitTest, linesOfAnotherPlaceLoggerOrLevelAreNotAlike) {
+    RepeatedLogLimit limit(2);
     for (const InternalLoggingEvent& other :
          {Warning, line("B", log4cplus::WARN_LOG_LEVEL, "a.cpp", 1),
           line("A", log4cplus::ERROR_LOG_LEVEL, "a.cpp", 1),
@@ -27,8 +27,8 @@ TEST(AlikeLimitTest, linesOfAnotherPlaceLoggerOrLevelAreNotAlike) {
     }
 }
 
-TEST(AlikeLimitTest, aRequestBeginsWithACountOfItsOwn) {
-    AlikeLimit limit(1);
+TEST(RepeatedLogLimitTest, aRequestBeginsWithACountOfItsOwn) {
+    RepeatedLogLimit limit(1);
     for (int request = 1; request <= 3; ++request) {
         EXPECT_TRUE(limit.admits(Warning));
         EXPECT_FALSE(limit.admits(Warning));
@@ -36,14 +36,14 @@ TEST(AlikeLimitTest, aRequestBeginsWithACountOfItsOwn) {
     }
 }
 
-TEST(AlikeLimitTest, fatalLinesAreAlwaysWritten) {
-    AlikeLimit limit(1);
+TEST(RepeatedLogLimitTest, fatalLinesAreAlwaysWritten) {
+    RepeatedLogLimit limit(1);
     for (int i = 0; i < 5; ++i)
         EXPECT_TRUE(limit.admits(line("A", log4cplus::FATAL_LOG_LEVEL, "a.cpp", 1)));
 }
 
-TEST(AlikeLimitTest, linesOfOtherThreadsServeNoRequest) {
-    AlikeLimit limit(1);
+TEST(RepeatedLogLimitTest, linesOfOtherThreadsServeNoRequest) {
+    RepeatedLogLimit limit(1);
     std::thread([&limit] {
         for (int i = 0; i < 5; ++i)
             EXPECT_TRUE(limit.admits(Warning));

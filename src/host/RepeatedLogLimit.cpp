@@ -1,4 +1,4 @@
-#include "AlikeLimit.h"
+#include "RepeatedLogLimit.h"
 
 #include <utility>
 
@@ -6,7 +6,7 @@
 
 #include "CMLog.h"
 
-bool AlikeLimit::admits(const log4cplus::spi::InternalLoggingEvent& event) {
+bool RepeatedLogLimit::admits(const log4cplus::spi::InternalLoggingEvent& event) {
     if (m_most == 0 || event.getLogLevel() >= log4cplus::FATAL_LOG_LEVEL ||
         std::this_thread::get_id() != m_thread)
         return true;
@@ -19,7 +19,7 @@ bool AlikeLimit::admits(const log4cplus::spi::InternalLoggingEvent& event) {
     return ++found->second <= m_most;
 }
 
-void AlikeLimit::beginRequest() {
+void RepeatedLogLimit::beginRequest() {
     for (const auto& [kind, count] : std::exchange(m_lines, {})) {
         if (count <= m_most)
             continue;

@@ -11,9 +11,9 @@
 // with the same logger and level, the first `most` are written (0: all) and the others counted.
 // Lines of other threads than its own, which serve no request, and fatal ones are always written.
 // Owned by LogSetup, whose appender asks it; lives on the event loop's thread.
-class AlikeLimit {
+class RepeatedLogLimit {
 public:
-    explicit AlikeLimit(int most) : m_most(most) {}
+    explicit RepeatedLogLimit(int most) : m_most(most) {}
 
     bool admits(const log4cplus::spi::InternalLoggingEvent& event);
     // Writes "… and 12 more like this, from Database.cpp:88" where lines were left out, and counts
