@@ -175,12 +175,11 @@ void ImportJob::add(const QList<OrvoPlayListItem>& items) {
 }
 
 void ImportJob::readRevision(const std::function<void(const OrvoRowsRoles&)>& then) {
-    readRows(OrvoPlayListPlGetItemsPath() + QString::number(m_plid), 0, 0, {},
-             [this, then](const OrvoRowsRoles& rows) {
-                 m_revision = rows.revision();
-                 m_rowsCount = rows.rowsCount();
-                 then(rows);
-             });
+    readRows(OrvoPlayListItemsPathOf(m_plid), 0, 0, {}, [this, then](const OrvoRowsRoles& rows) {
+        m_revision = rows.revision();
+        m_rowsCount = rows.rowsCount();
+        then(rows);
+    });
 }
 
 void ImportJob::later(void (ImportJob::*step)()) {

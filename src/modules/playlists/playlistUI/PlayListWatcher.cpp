@@ -33,7 +33,7 @@ PlayListWatcher::PlayListWatcher(QObject* parent, CMSubscribe* subscribe, PlayLi
 
 PlayListWatcher::~PlayListWatcher() {
     // Built the same way for every id: the play queue's own path stays open for 0.
-    m_subscribe->rowsChanged(OrvoPlayListPlGetItemsPath() + "/" + QString::number(m_plid),
+    m_subscribe->rowsChanged(OrvoPlayListPlGetItemsPath() + BaseNode::toStr(m_plid),
                              CMSubscribe::RowsChangeClose(), -1);
     if (m_node)
         m_node->deleteLater();

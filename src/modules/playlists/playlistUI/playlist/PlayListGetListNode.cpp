@@ -40,7 +40,7 @@ bool PlayListGetListNode::getRowsRequest(const CMGetRowsRequest& request) {
 void PlayListGetListNode::createPlaylistNode(const int& plid) {
     if (!m_itemsNodeMap.contains(plid)) {
         PlayListGetItemsNode* node = PlayListGetItemsNode::create(
-            nodes(), OrvoPlayListPlGetItemsPath() + "/" + QString::number(plid), manager());
+            nodes(), OrvoPlayListPlGetItemsPath() + toStr(plid), manager());
         node->setParent(this);
         m_itemsNodeMap.insert(plid, node);
     }
