@@ -3,7 +3,6 @@
 
 #include <QTimer>
 
-#include "AlikeLines.h"
 #include "CMConnect.h"
 #include "Controller.h"
 #include "ControllerText.h"
@@ -14,6 +13,7 @@
 #include "PlayListBase.h"
 #include "PlayListManager.h"
 #include "PlayLogicInterface.h"
+#include "RepeatedLogLines.h"
 #include "StoreResult.h"
 #include "TextBudget.h"
 
@@ -214,8 +214,8 @@ void Controller::askForItems(ReqGroupProperties& props, const QList<CMPath>& pat
     m_ReqGroupPropertiesHash.insert(group, props);
     cmConnect(group, &CMRequestGroup::finished, this, &Controller::on_prepareItemsGroup_finished);
 
-    AlikeLines prefixLines(moduleLog(), log4cplus::DEBUG_LOG_LEVEL);
-    AlikeLines itemLines(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
+    RepeatedLogLines prefixLines(moduleLog(), log4cplus::DEBUG_LOG_LEVEL);
+    RepeatedLogLines itemLines(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
     for (const PrepareCall& call : calls) {
         if (prefixLines.next())
             LOG4CPLUS_DEBUG(moduleLog(), "requestPrefix: " << loggedText(call.owner) << " call: "
@@ -357,7 +357,7 @@ QList<OrvoPlayListItem> Controller::itemsFromAllReplays(const CMRequestGroup* gr
     QList<OrvoPlayListItem> items;
     const QList<CMReply<QVariant>> replies = group->getReplyList();
     LOG4CPLUS_TRACE(moduleLog(), "curReplyList: " << replies.size());
-    AlikeLines errors(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
+    RepeatedLogLines errors(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
     for (const CMReply<QVariant>& reply : replies) {
         reply.waitForFinished(); // at once: a finished group has finished replies
         if (reply.isError()) {
@@ -407,7 +407,7 @@ int Controller::addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
     LOG4CPLUS_TRACE(moduleLog(), "itemList: (" << listText(items) << ")");
     QList<OrvoPlayListItem> accepted;
     accepted.reserve(items.size());
-    AlikeLines leftOut(moduleLog(), log4cplus::WARN_LOG_LEVEL);
+    RepeatedLogLines leftOut(moduleLog(), log4cplus::WARN_LOG_LEVEL);
     for (int i = 0; i < items.size(); ++i) {
         switch (check.verdict(i)) {
         case ItemsCheck::Verdict::Fine:

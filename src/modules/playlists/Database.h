@@ -21,7 +21,7 @@
 #include "UidHistory.h"
 
 struct sqlite3;
-class AlikeLines;
+class RepeatedLogLines;
 class ItemTexts;
 struct EntryRoles;
 class Sqlite3Statement;
@@ -142,7 +142,8 @@ public:
     int removeItems(const PlayListRecord& pl, const QList<int>& indices);
     // Removes the entries numbered `from` to `to` without closing the gap; the number removed, or
     // Failed.
-    int removeItemsHelper(const PlayListRecord& pl, int from, int to, AlikeLines* lines = nullptr);
+    int removeItemsHelper(const PlayListRecord& pl, int from, int to,
+                          RepeatedLogLines* lines = nullptr);
 
     // Moves the entry at `from` so that it stands at `to`; both within the list.
     //   a b c d e, from 1, to 3  ->  a c d b e          a b c d e, from 3, to 1  ->  a d b c e

@@ -4,10 +4,10 @@
 #include <QHash>
 #include <QSet>
 
-#include "AlikeLines.h"
 #include "DatabaseItemRows.h"
 #include "EntryRoles.h"
 #include "ModuleLog.h"
+#include "RepeatedLogLines.h"
 #include "Sqlite3Statement.h"
 #include "TextBudget.h"
 
@@ -149,7 +149,7 @@ QList<OrvoPlayListItem> Database::getItemsByUids(const QList<PlayListRecord>& pl
             return {};
     }
     // The line of getItemByUid for each that is missing, so that one search finds both.
-    AlikeLines missing(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
+    RepeatedLogLines missing(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
     QList<OrvoPlayListItem> items;
     items.reserve(uids.size());
     for (int uid : uids) {
@@ -244,7 +244,7 @@ void Database::printItems(const PlayListRecord& pl) {
     if (!moduleLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL))
         return;
     const QList<OrvoPlayListItem> items = getItems(pl, 0, pl.size);
-    AlikeLines entries(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
+    RepeatedLogLines entries(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
     for (const OrvoPlayListItem& item : items) {
         if (entries.next())
             LOG4CPLUS_TRACE(moduleLog(), "uid: " << item.uid()

@@ -3,13 +3,13 @@
 
 #include <QVector>
 
-#include "AlikeLines.h"
 #include "DatabaseItemRows.h"
 #include "DatabaseTransaction.h"
 #include "DatabaseUnusedItems.h"
 #include "ItemTexts.h"
 #include "ModuleLog.h"
 #include "NumberRuns.h"
+#include "RepeatedLogLines.h"
 #include "Sqlite3Statement.h"
 
 int Database::getNextSequenceNumber(const PlayListRecord& pl) {
@@ -138,7 +138,7 @@ bool Database::addItemsFromSequenceNumber(const PlayListRecord& pl, const int& s
     constexpr int Many = 100;
     std::optional<ForeignKeysSuspended> unchecked;
     ItemTexts texts;
-    AlikeLines inserted(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
+    RepeatedLogLines inserted(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
     for (int i = 0; i < items.size(); ++i) {
         texts.find(items.at(i));
         const int uid = insertItem(texts, items.at(i).durationSeconds());
@@ -192,7 +192,7 @@ int Database::removeItems(const PlayListRecord& pl, const QList<int>& indices) {
 
 int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>& indices) {
     UnusedItems unused(*this, indices.size());
-    AlikeLines lines(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
+    RepeatedLogLines lines(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
     int removed = 0;
     for (const NumberRun& run : runsOf(indices)) {
         unused.note(pl.uid, run.from, run.to);
@@ -223,7 +223,8 @@ int Database::removeItemsTransaction(const PlayListRecord& pl, const QList<int>&
     return removed;
 }
 
-int Database::removeItemsHelper(const PlayListRecord& pl, int from, int to, AlikeLines* lines) {
+int Database::removeItemsHelper(const PlayListRecord& pl, int from, int to,
+                                RepeatedLogLines* lines) {
     if (!lines || lines->next())
         LOG4CPLUS_TRACE(moduleLog(), "Remove partial from=" << from << " to=" << to);
     if (!statement(StatementId::DeletePlayListItem).run(pl.uid, from, to)) {
@@ -250,7 +251,7 @@ bool Database::renumberFrom(const PlayListRecord& pl, int first) {
         return false;
     Sqlite3Statement& setNumber = statement(StatementId::SetSequenceNumber);
     int number = first;
-    AlikeLines updates(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
+    RepeatedLogLines updates(moduleLog(), log4cplus::TRACE_LOG_LEVEL);
     for (const Entry& entry : std::as_const(entries)) {
         if (updates.next())
             LOG4CPLUS_TRACE(moduleLog(), "update seq: uid=" << entry.uid << " old=" << entry.number

@@ -3,10 +3,10 @@
 
 #include <QElapsedTimer>
 
-#include "AlikeLines.h"
 #include "PlayListBase.h"
 #include "PlayListPlayLogic.h"
 #include "PlayLogicLog.h"
+#include "RepeatedLogLines.h"
 
 namespace {
 constexpr qint64 SeedModulus = 0x7FFFFFFF;
@@ -83,7 +83,7 @@ void PlayListPlayLogic::debugShuffleItems() const {
         return;
     const QVector<int>& order = m_shuffleOrder.entries();
     LOG4CPLUS_DEBUG(playLogicLog(), "m_shuffleSeq.size(): " << order.size());
-    AlikeLines entries(playLogicLog(), log4cplus::DEBUG_LOG_LEVEL);
+    RepeatedLogLines entries(playLogicLog(), log4cplus::DEBUG_LOG_LEVEL);
     for (int i = 0; i < order.size(); ++i) {
         if (entries.next())
             LOG4CPLUS_DEBUG(playLogicLog(), "m_shuffleSeq entry: #" << i << " " << order.at(i));

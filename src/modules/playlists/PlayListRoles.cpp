@@ -3,7 +3,6 @@
 #include <QJsonObject>
 #include <QMutexLocker>
 
-#include "AlikeLines.h"
 #include "CMJson.h"
 #include "Database.h"
 #include "EntryRoles.h"
@@ -11,11 +10,12 @@
 #include "ModuleLog.h"
 #include "OrvoPlayListPaths.h"
 #include "PlayList.h"
+#include "RepeatedLogLines.h"
 
 namespace {
 
 // The whole JSON language, and the reason where it is none.
-void parseRoles(const QByteArray& utf8, ItemRolesReader& parts, AlikeLines& errors) {
+void parseRoles(const QByteArray& utf8, ItemRolesReader& parts, RepeatedLogLines& errors) {
     QJsonParseError parseError;
     const QJsonDocument document = cmReadJson(utf8, &parseError);
     if (parseError.error != QJsonParseError::NoError && errors.next())
@@ -26,7 +26,7 @@ void parseRoles(const QByteArray& utf8, ItemRolesReader& parts, AlikeLines& erro
 }
 
 void completeRoles(const QByteArray& utf8, const QString& id, int sequenceNumber,
-                   ItemRolesReader& parts, AlikeLines& errors) {
+                   ItemRolesReader& parts, RepeatedLogLines& errors) {
     static const QString itemPath = OrvoPlayListItemPath().toString() + QLatin1Char('/');
     static const QVariant playLogicPath = OrvoPlayListsPlayLogicPath().toQVariant();
     if (!parts.read(utf8))
@@ -45,7 +45,7 @@ void completeRoles(const QByteArray& utf8, const QString& id, int sequenceNumber
 
 OrvoRoles PlayList::itemToOrvoRoles(const OrvoPlayListItem& item) const {
     ItemRolesReader parts;
-    AlikeLines errors(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
+    RepeatedLogLines errors(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
     completeRoles(item.orvoRoles().toUtf8(), QString::number(item.uid()), item.sequenceNumber(),
                   parts, errors);
     return OrvoRoles(parts.roles);
@@ -57,7 +57,7 @@ void PlayList::visitRoles(int from, int to, const VisitRoles& visit) {
                                  "int): from="
                                      << from << " to=" << to);
     ItemRolesReader parts;
-    AlikeLines errors(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
+    RepeatedLogLines errors(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
     EntryRoles found;
     found.next = from;
     do {

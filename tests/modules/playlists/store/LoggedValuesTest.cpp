@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <numeric>
 
-#include "AlikeLines.h"
+#include "RepeatedLogLines.h"
 #include "TestApp.h"
 
 namespace {
@@ -20,7 +20,7 @@ QList<int> numbersBelow(int count) {
 QStringList alike(int count, log4cplus::LogLevel level = log4cplus::TRACE_LOG_LEVEL) {
     const LogCapture log(QStringLiteral("PlayLists"), level);
     {
-        AlikeLines lines(moduleLog(), log4cplus::WARN_LOG_LEVEL);
+        RepeatedLogLines lines(moduleLog(), log4cplus::WARN_LOG_LEVEL);
         for (int i = 0; i < count; ++i) {
             if (lines.next())
                 LOG4CPLUS_WARN(moduleLog(), "line " << i);
@@ -129,7 +129,7 @@ TEST(LoggedValues, moreLinesAlikeAreCounted) {
 
 TEST(LoggedValues, whatComesAfterTheEndIsCountedAnew) {
     const LogCapture log(QStringLiteral("PlayLists"));
-    AlikeLines lines(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
+    RepeatedLogLines lines(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
     for (int i = 0; i < 7; ++i)
         lines.next();
     lines.end();

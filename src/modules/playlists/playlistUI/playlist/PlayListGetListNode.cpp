@@ -1,9 +1,9 @@
 #include "PlayListGetListNode.h"
 
-#include "../../AlikeLines.h"
 #include "../../ModuleLog.h"
 #include "../../PlayListBase.h"
 #include "../../PlayListManager.h"
+#include "../../RepeatedLogLines.h"
 #include "OrvoPlayListPaths.h"
 #include "PlayListGetItemsNode.h"
 
@@ -65,7 +65,7 @@ void PlayListGetListNode::debugPlaylistNodes() const {
     if (!moduleLog().isEnabledFor(log4cplus::DEBUG_LOG_LEVEL))
         return;
     LOG4CPLUS_DEBUG(moduleLog(), "m_itemsNodeMap keys.count():" << m_itemsNodeMap.size());
-    AlikeLines keys(moduleLog(), log4cplus::DEBUG_LOG_LEVEL);
+    RepeatedLogLines keys(moduleLog(), log4cplus::DEBUG_LOG_LEVEL);
     for (auto it = m_itemsNodeMap.cbegin(); it != m_itemsNodeMap.cend(); ++it) {
         if (keys.next())
             LOG4CPLUS_DEBUG(moduleLog(), "m_itemsNodeMap key:" << it.key());

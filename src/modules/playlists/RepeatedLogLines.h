@@ -4,19 +4,19 @@
 
 // The lines alike of one command: the first few are written, the others counted. On the stack of
 // the code that writes them, around its loop; worker's thread.
-//     AlikeLines lines(moduleLog(), log4cplus::WARN_LOG_LEVEL);
+//     RepeatedLogLines lines(moduleLog(), log4cplus::WARN_LOG_LEVEL);
 //     for (…)
 //         if (lines.next())
 //             LOG4CPLUS_WARN(moduleLog(), …);
-class AlikeLines {
+class RepeatedLogLines {
 public:
     static constexpr int MaxWritten = 5;
 
-    AlikeLines(const log4cplus::Logger& logger, log4cplus::LogLevel level)
+    RepeatedLogLines(const log4cplus::Logger& logger, log4cplus::LogLevel level)
         : m_logger(logger), m_level(level) {}
-    ~AlikeLines() { end(); }
-    AlikeLines(const AlikeLines&) = delete;
-    AlikeLines& operator=(const AlikeLines&) = delete;
+    ~RepeatedLogLines() { end(); }
+    RepeatedLogLines(const RepeatedLogLines&) = delete;
+    RepeatedLogLines& operator=(const RepeatedLogLines&) = delete;
 
     // Counts one line. True when it is to be written.
     bool next() { return ++m_count <= MaxWritten; }

@@ -1,8 +1,8 @@
-#include "AlikeLines.h"
+#include "RepeatedLogLines.h"
 
 #include <utility>
 
-void AlikeLines::end() {
+void RepeatedLogLines::end() {
     const int leftOut = std::exchange(m_count, 0) - MaxWritten;
     if (leftOut <= 0 || !m_logger.isEnabledFor(m_level))
         return;
