@@ -19,13 +19,16 @@ constexpr const char* WorkerCreateName = "worker_create";
 
 struct DefaultModule {
     const char* file;
-    bool optional;
+    bool optional = false;
 };
 // In the order of loading: the gateway comes last, so that no client asks for what is not there
 // yet.
 constexpr DefaultModule DefaultModules[] = {
-    {"liborvo_playlists.so", false}, {"liborvo_files.so", false},   {"liborvo_lists.so", true},
-    {"liborvo_player.so", true},     {"liborvo_gateway.so", false},
+    {.file = "liborvo_playlists.so"},
+    {.file = "liborvo_files.so"},
+    {.file = "liborvo_lists.so", .optional = true},
+    {.file = "liborvo_player.so", .optional = true},
+    {.file = "liborvo_gateway.so"},
 };
 
 } // namespace

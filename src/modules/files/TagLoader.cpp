@@ -28,13 +28,13 @@ TagLoader::~TagLoader() {
 void TagLoader::want(const FolderPtr& folder, bool urgent) {
     for (const TrackPtr& track : folder->tracks) {
         if (!track->tagged)
-            (urgent ? m_urgent : m_queue).push_back({folder, track, false});
+            (urgent ? m_urgent : m_queue).push_back({.folder = folder, .track = track});
     }
     send();
 }
 
 void TagLoader::wantNow(const FolderPtr& folder, const TrackPtr& track) {
-    m_urgent.push_front({folder, track, true});
+    m_urgent.push_front({.folder = folder, .track = track, .always = true});
     send();
 }
 

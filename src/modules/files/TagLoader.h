@@ -36,7 +36,7 @@ private:
     struct Job {
         FolderPtr folder;
         TrackPtr track;
-        bool always; // also where the track is not listed any more
+        bool always = false; // also where the track is not listed any more
     };
 
     void send();

@@ -161,15 +161,15 @@ bool isData(const QVariant& value) {
 
 const QVector<ApiRouter::Route>& ApiRouter::routes() {
     static const QVector<Route> table = {
-        {"GET", "/api/paths", &ApiRouter::getPaths, true, 0},
-        {"GET", "/api/modules", &ApiRouter::getModules, true, 0},
-        {"GET", "/api/rows", &ApiRouter::getRows, true, 0},
-        {"POST", "/api/data", &ApiRouter::postData, false, AnySize},
-        {"GET", "/api/value", &ApiRouter::getValue, true, 0},
-        {"PUT", "/api/value", &ApiRouter::putValue, false, AnySize},
-        {"GET", "/api/events", &ApiRouter::getEvents, false, 0},
-        {"GET", "/api/artwork", &ApiRouter::getArtwork, true, 0},
-        {"POST", AccessGuard::LoginPath, &ApiRouter::postLogin, false, MaxLoginBytes},
+        {"GET", "/api/paths", &ApiRouter::getPaths, {.answersHead = true}},
+        {"GET", "/api/modules", &ApiRouter::getModules, {.answersHead = true}},
+        {"GET", "/api/rows", &ApiRouter::getRows, {.answersHead = true}},
+        {"POST", "/api/data", &ApiRouter::postData, {.maxBody = AnySize}},
+        {"GET", "/api/value", &ApiRouter::getValue, {.answersHead = true}},
+        {"PUT", "/api/value", &ApiRouter::putValue, {.maxBody = AnySize}},
+        {"GET", "/api/events", &ApiRouter::getEvents},
+        {"GET", "/api/artwork", &ApiRouter::getArtwork, {.answersHead = true}},
+        {"POST", AccessGuard::LoginPath, &ApiRouter::postLogin, {.maxBody = MaxLoginBytes}},
     };
     return table;
 }
@@ -177,7 +177,7 @@ const QVector<ApiRouter::Route>& ApiRouter::routes() {
 int ApiRouter::maxBody(const HttpRequest& request) {
     for (const Route& route : routes()) {
         if (request.method == route.method && request.path == QLatin1String(route.path))
-            return route.maxBody;
+            return route.options.maxBody;
     }
     return 0;
 }
@@ -192,12 +192,13 @@ void ApiRouter::handle(const Exchange& exchange) {
     for (const Route& route : routes()) {
         if (request.path != QLatin1String(route.path))
             continue;
-        if (request.method == route.method || (route.answersHead && request.method == "HEAD")) {
+        if (request.method == route.method ||
+            (route.options.answersHead && request.method == "HEAD")) {
             (this->*route.handler)(exchange);
             return;
         }
         allowed.append(QString::fromLatin1(route.method));
-        if (route.answersHead)
+        if (route.options.answersHead)
             allowed.append(QStringLiteral("HEAD"));
     }
     refuseUnrouted(exchange, allowed);

@@ -35,12 +35,15 @@ public:
 
 private:
     using Exchange = std::shared_ptr<HttpExchange>;
+    struct RouteOptions {
+        bool answersHead = false; // like GET, without the body
+        int maxBody = 0;          // of the request
+    };
     struct Route {
         const char* method;
         const char* path;
         void (ApiRouter::*handler)(const Exchange&);
-        bool answersHead; // like GET, without the body
-        int maxBody;      // of the request
+        RouteOptions options = {};
     };
     static const QVector<Route>& routes();
 

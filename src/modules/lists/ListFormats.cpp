@@ -6,10 +6,22 @@
 namespace {
 
 constexpr ListFormat Formats[] = {
-    {"m3u8", "#extm3u", ListReader::readM3u, ListWriter::writeM3u8, false, "audio/x-mpegurl"},
-    {"m3u", nullptr, ListReader::readM3u, nullptr, false, "audio/x-mpegurl"},
-    {"pls", "[playlist]", ListReader::readPls, nullptr, false, "audio/x-scpls"},
-    {"xspf", "<", ListReader::readXspf, ListWriter::writeXspf, true, "application/xspf+xml"},
+    {.suffix = "m3u8",
+     .beginning = "#extm3u",
+     .read = ListReader::readM3u,
+     .write = ListWriter::writeM3u8,
+     .mimeType = "audio/x-mpegurl"},
+    {.suffix = "m3u", .read = ListReader::readM3u, .mimeType = "audio/x-mpegurl"},
+    {.suffix = "pls",
+     .beginning = "[playlist]",
+     .read = ListReader::readPls,
+     .mimeType = "audio/x-scpls"},
+    {.suffix = "xspf",
+     .beginning = "<",
+     .read = ListReader::readXspf,
+     .write = ListWriter::writeXspf,
+     .areUris = true,
+     .mimeType = "application/xspf+xml"},
 };
 
 template <typename Condition>

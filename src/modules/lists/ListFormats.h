@@ -6,10 +6,11 @@
 // A kind of playlist file.
 struct ListFormat {
     const char* suffix;
-    const char* beginning; // of every file of this kind, in lower case; null: no such thing
+    // Of every file of this kind, in lower case; null: no such thing.
+    const char* beginning = nullptr;
     ListReader::Result (*read)(const QString& text);
-    QByteArray (*write)(const TrackList& list); // null: is only read
-    bool areUris; // locations are addresses with percent codes, never plain names
+    QByteArray (*write)(const TrackList& list) = nullptr; // null: is only read
+    bool areUris = false; // locations are addresses with percent codes, never plain names
     const char* mimeType;
 };
 
