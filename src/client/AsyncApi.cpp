@@ -8,7 +8,7 @@
 namespace {
 
 // Longer than the device itself waits for a module's answer.
-constexpr int PatienceMs = 60000;
+constexpr int RequestTimeoutMs = 60000;
 // In a stream of events the device shows every 15 s that it is there.
 constexpr int SilenceMs = 45000;
 constexpr int PageSize = 1000;
@@ -72,7 +72,7 @@ QNetworkRequest AsyncApi::request(const QString& resource, const QUrlQuery& quer
 void AsyncApi::send(const QByteArray& method, const QString& resource, const QUrlQuery& query,
                     const QJsonObject& body, const Answered& answered) {
     QNetworkRequest outgoing = request(resource, query);
-    outgoing.setTransferTimeout(PatienceMs);
+    outgoing.setTransferTimeout(RequestTimeoutMs);
     QByteArray data;
     if (method != "GET") {
         outgoing.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));

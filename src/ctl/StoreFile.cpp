@@ -22,7 +22,7 @@ const QString JournalSuffix = QStringLiteral("-journal");
 // A step holds the file for a fraction of a millisecond; the device writes in the pauses.
 constexpr int FirstStepPages = 64;
 constexpr unsigned long PauseMs = 3;
-constexpr int PatienceMs = 10000;
+constexpr int BusyTimeoutMs = 10000;
 
 ClientFailure unreadable(const QString& name, const QString& reason) {
     return ClientFailure::unreadable(QStringLiteral("cannot read %1: %2").arg(name, reason));
@@ -54,7 +54,7 @@ StoreFile::Connection StoreFile::open(const QString& file, int flags) {
     if (code != SQLITE_OK)
         throw unreadable(file, QString::fromUtf8(sqlite3_errstr(code)));
     sqlite3_extended_result_codes(connection, 1);
-    sqlite3_busy_timeout(connection, PatienceMs);
+    sqlite3_busy_timeout(connection, BusyTimeoutMs);
     return result;
 }
 
@@ -119,7 +119,7 @@ bool StoreFile::copyTo(sqlite3* target, QString* damage) const {
         const bool busy = (code & 0xff) == SQLITE_BUSY || (code & 0xff) == SQLITE_LOCKED;
         if (busy && !waiting.isValid())
             waiting.start();
-        if (busy && waiting.elapsed() > PatienceMs)
+        if (busy && waiting.elapsed() > BusyTimeoutMs)
             throw ClientFailure::refused(
                 QStringLiteral("%1 is in use all the time, try again").arg(m_name));
         if (!busy && code != SQLITE_OK) {

@@ -12,7 +12,7 @@
 
 // An exchange that waits for a module's reply, and the time it may take. Kept alive by the reply's
 // callbacks alone: a module that answers, or lets go of its request, ends it; one that keeps silent
-// costs the client its patience (504) and nothing else. Worker's thread.
+// costs the client a timeout (504) and nothing else. Worker's thread.
 class PendingAnswer : public QObject {
     Q_OBJECT
 public:
