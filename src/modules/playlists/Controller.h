@@ -13,6 +13,7 @@
 #include "PlayListLimits.h"
 #include "WantedPlaces.h"
 
+struct AddedItems;
 class CollectionBase;
 class ItemsCheck;
 class PlayListBase;
@@ -24,7 +25,7 @@ class TextBudget;
 // the model and answers with a result or with an error text for people. Made by the worker,
 // worker's thread only. The table of commands is in Controller.cpp, playlist commands in
 // ControllerPlayLists.cpp, collection commands in ControllerCollections.cpp, adding items in
-// ControllerAddItems.cpp.
+// ControllerAddItems.cpp and ControllerAddItemsJob.cpp.
 class Controller : public QObject {
     Q_OBJECT
 public:
@@ -57,14 +58,6 @@ public:
     static bool checkRevision(const CMSetDataRequest& request, const PlayListBase* pl,
                               const QString& prefix, QString& msg);
 
-    // The items at these paths, in order, up to the first path that names none. Where `budget` does
-    // not suffice for them it is exceeded afterwards, and the result is of no use.
-    QVariantList preparePlaylistItems(const QStringList& paths, TextBudget* budget = nullptr);
-    // Validates all items, then adds them. Returns how many were added, the first of them at
-    // `first`, -1 with a reason in `msg` otherwise.
-    int addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
-                           OrvoPlayListAddPosition::Enum mode, QString* msg, int* first,
-                           const WantedPlaces& wanted = {});
     // Asks the player to play the playlist from this item on.
     void tryStartItem(const OrvoPlayListItem& item, const PlayListBase* pl, int seqIndex);
 
@@ -76,10 +69,11 @@ private Q_SLOTS:
     void on_prepareItemsGroup_finished();
 
 private:
+    class AddItemsJob;
     struct Command;
     static const QList<Command>& commands();
 
-    // What is remembered of an add request while other modules prepare its items.
+    // What is remembered of an add request until it is answered.
     struct ReqGroupProperties {
         int plid = -1;
         // Its number may be another playlist's by the time that the items are there.
@@ -89,9 +83,11 @@ private:
         bool wholePlaylist = false;
         int requested = 0;
         WantedPlaces wanted;
-        // With one place for each item: how many each reply is to have.
+        // With one place for each item: how many each reply must have.
         QList<int> itemsPerReply;
         std::shared_ptr<CMSetDataRequest> request;
+        // Begins the text of each refusal.
+        QString prefix;
     };
 
     // Ends a command that fails: logs why. Always false.
@@ -122,33 +118,23 @@ private:
     bool clRemoveItem(CMSetDataRequest request, QString& msg);
 
     void plPrepareItems(CMSetDataRequest request);
+    // The items at these paths, in order, up to the first path that names none. Where `budget` does
+    // not suffice for them it is exceeded afterwards, and the result is of no use.
+    QVariantList preparePlaylistItems(const QStringList& paths, TextBudget& budget);
     void plAddItems(CMSetDataRequest request);
     bool plAddExternalItems(CMSetDataRequest request, QString& msg);
-    // "Replays" are the replies of the modules that were asked; the log calls them so, too.
-    static QList<OrvoPlayListItem> itemsFromAllReplays(const CMRequestGroup* group);
-    // Where each item has its place, each path must have given one item.
-    static bool haveOneEach(const CMRequestGroup* group, const QList<int>& itemsPerReply);
-    static bool hasTooManyItems(const CMRequestGroup* group);
     bool readTarget(ReqGroupProperties& props, QString& msg);
     QList<CMPath> readPaths(ReqGroupProperties& props, QString& msg);
     bool appendPathsOfSource(const ReqGroupProperties& props, QList<CMPath>& paths) const;
     void askForItems(ReqGroupProperties& props, const QList<CMPath>& paths);
-    // Finishes at once for a few items; many are checked between other requests.
-    void checkInSlices(const ReqGroupProperties& props, const std::shared_ptr<ItemsCheck>& check,
-                       bool areMany = false);
-    void finishAdding(const ReqGroupProperties& props, const ItemsCheck& check);
     // Null when it was deleted.
     PlayListBase* targetOf(const ReqGroupProperties& props) const;
-    static bool isComplete(const ReqGroupProperties& props, const ItemsCheck& check);
-    int addItemsFromAllReplays(const ReqGroupProperties& props, const ItemsCheck& check,
-                               QString* msg, int* first);
-    int addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
-                        OrvoPlayListAddPosition::Enum mode, QString* msg, int* first,
-                        const WantedPlaces& wanted);
+    AddedItems addItemsFromAllReplays(const ReqGroupProperties& props, const ItemsCheck& check);
+    // Adds all items that pass the check, or none.
+    AddedItems addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
+                                  OrvoPlayListAddPosition::Enum mode, const WantedPlaces& wanted);
     static bool readPlaces(const CMSetDataRequest& request, const QString& prefix,
                            WantedPlaces& wanted, QString& msg);
-    static int addAtPlaces(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
-                           const WantedPlaces& wanted, QString* msg);
     bool startFirstNewItem(PlayListBase* pl, int first, const QString& failure,
                            const QString& prefix, QString& msg);
 

@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <functional>
 
-#include <QTimer>
-
+#include "AddedItems.h"
 #include "CMConnect.h"
 #include "Controller.h"
+#include "ControllerAddItemsJob.h"
 #include "ControllerText.h"
 #include "ItemsCheck.h"
 #include "ModuleLog.h"
@@ -14,29 +14,12 @@
 #include "PlayListManager.h"
 #include "PlayLogicInterface.h"
 #include "RepeatedLogLines.h"
-#include "StoreResult.h"
 #include "TextBudget.h"
 
 namespace {
 
-// How long other clients wait at most for one part of the work on a great many items.
-constexpr int SliceMs = 8;
-
 // How many items of a whole playlist are read at once: all of them may be more than memory has.
 constexpr int ItemsPerReading = 64;
-
-QString listText(const QList<OrvoPlayListItem>& items) {
-    return loggedList(items.size(), [&](int i) { return loggedValue(items.at(i).toHash()); });
-}
-
-QString tooManyMessage(const QString& prefix) {
-    return Controller::buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."),
-                                   CONTROLLER_TEXT("Too many items at once."));
-}
-
-QString oneEachText() {
-    return CONTROLLER_TEXT("Please give one position for each item.");
-}
 
 // What one module is asked for at once.
 struct PrepareCall {
@@ -74,6 +57,42 @@ QList<PrepareCall> callsInOrder(const QList<CMPath>& paths) {
     return calls;
 }
 
+// "Replays" are the replies of the modules that were asked; the log calls them so, too.
+QList<OrvoPlayListItem> itemsFromAllReplays(const QList<CMReply<QVariant>>& replies) {
+    QList<OrvoPlayListItem> items;
+    LOG4CPLUS_TRACE(moduleLog(), "curReplyList: " << replies.size());
+    RepeatedLogLines errors(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
+    for (const CMReply<QVariant>& reply : replies) {
+        reply.waitForFinished(); // at once: a finished group has finished replies
+        if (reply.isError()) {
+            if (errors.next())
+                LOG4CPLUS_ERROR(moduleLog(), "replay error: " << loggedText(reply.error().name()));
+            continue;
+        }
+        const QVariantList values = reply.value().toList();
+        items.reserve(items.size() + values.size());
+        for (const QVariant& value : values)
+            items.append(OrvoPlayListItem(value.toHash()));
+    }
+    return items;
+}
+
+// Why nothing of it is added, whatever the items are; empty where nothing is against it.
+QString refusalOf(const QList<CMReply<QVariant>>& replies, const QList<int>& itemsPerReply) {
+    const bool areTooMany =
+        std::any_of(replies.cbegin(), replies.cend(), [](const CMReply<QVariant>& reply) {
+            return reply.isError() && reply.error().name() == OrvoPlayListTooManyItems();
+        });
+    if (areTooMany)
+        return AddedItems::tooManyText();
+    for (int i = 0; i < itemsPerReply.size(); ++i) {
+        const CMReply<QVariant>& reply = replies.at(i);
+        if (reply.isError() || reply.value().toList().size() != itemsPerReply.at(i))
+            return AddedItems::oneEachText();
+    }
+    return {};
+}
+
 } // namespace
 
 void Controller::plPrepareItems(CMSetDataRequest request) {
@@ -84,10 +103,10 @@ void Controller::plPrepareItems(CMSetDataRequest request) {
     for (const QVariant& value : values)
         paths.append(value.toString());
     TextBudget budget(m_limits.maxAdditionBytes);
-    const QVariantList prepared = preparePlaylistItems(paths, &budget);
+    const QVariantList prepared = preparePlaylistItems(paths, budget);
     if (budget.isExceeded()) {
         request.reply().setError(CMError(OrvoPlayListTooManyItems(),
-                                         TrString(CONTROLLER_TEXT("Too many items at once.")),
+                                         TrString(AddedItems::tooManyText()),
                                          CMError::DefaultTitle()));
         return;
     }
@@ -95,7 +114,7 @@ void Controller::plPrepareItems(CMSetDataRequest request) {
     request.reply().setValue(prepared);
 }
 
-QVariantList Controller::preparePlaylistItems(const QStringList& paths, TextBudget* budget) {
+QVariantList Controller::preparePlaylistItems(const QStringList& paths, TextBudget& budget) {
     const auto idIn = [](const QString& path) {
         return path.midRef(path.lastIndexOf(QLatin1Char('/')) + 1);
     };
@@ -109,7 +128,7 @@ QVariantList Controller::preparePlaylistItems(const QStringList& paths, TextBudg
     }
     QVariantList prepared;
     prepared.reserve(uids.size());
-    const QList<OrvoPlayListItem> items = m_manager->getPlayListItemsByUids(uids, budget);
+    const QList<OrvoPlayListItem> items = m_manager->getPlayListItemsByUids(uids, &budget);
     for (const OrvoPlayListItem& item : items)
         prepared.append(item.toVariant());
     if (uids.size() < paths.size()) {
@@ -125,6 +144,7 @@ void Controller::plAddItems(CMSetDataRequest request) {
     CM_ENTER(moduleLog());
     ReqGroupProperties props;
     props.request = std::make_shared<CMSetDataRequest>(request);
+    props.prefix = CONTROLLER_TEXT("Could not add items to playlist.");
     QString msg;
     // None where one of the two refuses.
     const QList<CMPath> paths = readTarget(props, msg) ? readPaths(props, msg) : QList<CMPath>();
@@ -139,20 +159,18 @@ void Controller::plAddItems(CMSetDataRequest request) {
 // Where the items go.
 bool Controller::readTarget(ReqGroupProperties& props, QString& msg) {
     const OrvoPlayListPlAddItems args(props.request->value().toHash());
-    const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
     props.plid = args.plid();
     props.mode = args.containsMode() ? args.mode() : OrvoPlayListAddPosition::Append;
-    if (!checkPlayListId(props.plid, prefix, msg))
+    if (!checkPlayListId(props.plid, props.prefix, msg))
         return false;
     props.target = m_manager->getPlayListByUid(props.plid);
-    return (!props.target || checkRevision(*props.request, props.target, prefix, msg)) &&
-           readPlaces(*props.request, prefix, props.wanted, msg);
+    return (!props.target || checkRevision(*props.request, props.target, props.prefix, msg)) &&
+           readPlaces(*props.request, props.prefix, props.wanted, msg);
 }
 
 // The items' paths; none, with the reason in `msg`, where they cannot be added.
 QList<CMPath> Controller::readPaths(ReqGroupProperties& props, QString& msg) {
     const OrvoPlayListPlAddItems args(props.request->value().toHash());
-    const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
     QList<CMPath> paths;
     const QVariantList items = args.items();
     paths.reserve(items.size());
@@ -161,17 +179,19 @@ QList<CMPath> Controller::readPaths(ReqGroupProperties& props, QString& msg) {
     props.fromPlid = args.fromPlid();
     props.wholePlaylist = paths.isEmpty();
     if (props.wholePlaylist && !appendPathsOfSource(props, paths)) {
-        msg = tooManyMessage(prefix);
+        msg = buildErrMsg(props.prefix, CONTROLLER_TEXT("No items were added."),
+                          AddedItems::tooManyText());
         return {};
     }
     if (paths.isEmpty()) {
         LOG4CPLUS_ERROR(moduleLog(), "There isn't any items to add to playlist id: " << props.plid);
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("Please select one or more items to add."));
+        msg = buildErrMsg(props.prefix, CONTROLLER_TEXT("Please select one or more items to add."));
         return {};
     }
     if (props.wanted.kind == WantedPlaces::Kind::OneEach &&
         props.wanted.positions.size() != paths.size()) {
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."), oneEachText());
+        msg = buildErrMsg(props.prefix, CONTROLLER_TEXT("No items were added."),
+                          AddedItems::oneEachText());
         return {};
     }
     return paths;
@@ -241,96 +261,14 @@ void Controller::on_prepareItemsGroup_finished() {
     }
     const ReqGroupProperties props = m_ReqGroupPropertiesHash.take(group);
     group->deleteLater();
-    const QList<OrvoPlayListItem> items = itemsFromAllReplays(group);
-    if (hasTooManyItems(group)) {
-        const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
-        setReply(*props.request, false, tooManyMessage(prefix));
-        return;
-    }
-    if (!haveOneEach(group, props.itemsPerReply)) {
-        const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
+    const QList<CMReply<QVariant>>& replies = group->getReplyList();
+    const QList<OrvoPlayListItem> items = itemsFromAllReplays(replies);
+    const QString refusal = refusalOf(replies, props.itemsPerReply);
+    if (!refusal.isEmpty())
         setReply(*props.request, false,
-                 buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."), oneEachText()));
-        return;
-    }
-    checkInSlices(props, std::make_shared<ItemsCheck>(items, m_limits));
-}
-
-bool Controller::haveOneEach(const CMRequestGroup* group, const QList<int>& itemsPerReply) {
-    const QList<CMReply<QVariant>> replies = group->getReplyList();
-    for (int i = 0; i < itemsPerReply.size(); ++i) {
-        const CMReply<QVariant>& reply = replies.at(i);
-        if (reply.isError() || reply.value().toList().size() != itemsPerReply.at(i))
-            return false;
-    }
-    return true;
-}
-
-void Controller::checkInSlices(const ReqGroupProperties& props,
-                               const std::shared_ptr<ItemsCheck>& check, bool areMany) {
-    // A playlist that is moved as a whole must not change between being read and being deleted.
-    const QDeadlineTimer deadline =
-        props.wholePlaylist ? QDeadlineTimer(QDeadlineTimer::Forever) : QDeadlineTimer(SliceMs);
-    if (!check->run(deadline)) {
-        QTimer::singleShot(0, this, [this, props, check] { checkInSlices(props, check, true); });
-    } else if (areMany) {
-        // The transaction takes long enough without a slice in front of it, or the items' release
-        // behind it: that is left to a turn of the event loop of its own.
-        QTimer::singleShot(0, this, [this, props, check] {
-            finishAdding(props, *check);
-            QTimer::singleShot(0, this, [check] {});
-        });
-    } else {
-        finishAdding(props, *check);
-    }
-}
-
-void Controller::finishAdding(const ReqGroupProperties& props, const ItemsCheck& check) {
-    const QString prefix = CONTROLLER_TEXT("Could not add items to playlist.");
-    QString msg;
-    // Again: others may have changed the playlist while the items were prepared and checked.
-    const PlayListBase* target = targetOf(props);
-    if (target && !checkRevision(*props.request, target, prefix, msg)) {
-        setReply(*props.request, false, msg);
-        return;
-    }
-    QString resultMsg;
-    int first = -1;
-    const int added = isComplete(props, check)
-                          ? std::max(0, addItemsFromAllReplays(props, check, &resultMsg, &first))
-                          : 0;
-    LOG4CPLUS_DEBUG(moduleLog(),
-                    "numItemsAdded: " << added << " addItemsResMsg: " << loggedText(resultMsg));
-
-    // Adding a whole playlist moves it: the source goes, unless it is the target itself.
-    if (added > 0 && props.wholePlaylist && props.fromPlid != props.plid)
-        m_manager->deletePlayList(props.fromPlid);
-
-    bool success = false;
-    if (added < 1) {
-        msg = buildErrMsg(prefix, CONTROLLER_TEXT("No items were added."), resultMsg);
-    } else {
-        PlayListBase* pl = targetOf(props);
-        success = checkPlayList(pl, props.plid, prefix, msg);
-        if (success) {
-            LOG4CPLUS_DEBUG(moduleLog(), "plsize: " << pl->getSize());
-            if (pl->getSize() > 0 && props.mode == OrvoPlayListAddPosition::Now) {
-                LOG4CPLUS_DEBUG(moduleLog(),
-                                "addMode: now lastSeqNum: " << pl->getLastSequenceNumber()
-                                                            << " nextSeqNum: " << first);
-                success = startFirstNewItem(
-                    pl, first, CONTROLLER_TEXT("Cannot get last sequence number."), prefix, msg);
-            }
-        }
-        if (success)
-            msg =
-                buildOkMsg(QString::number(added),
-                           CONTROLLER_TEXT("Items added successfully to playlist."), pl->getName());
-        if (!resultMsg.isEmpty())
-            msg += QLatin1Char(' ') + resultMsg;
-    }
-    setReply(*props.request, success, msg);
-    LOG4CPLUS_DEBUG(moduleLog(), "Add items finished, num added: " << added);
+                 buildErrMsg(props.prefix, CONTROLLER_TEXT("No items were added."), refusal));
+    else
+        (new AddItemsJob(this, props, items))->start();
 }
 
 PlayListBase* Controller::targetOf(const ReqGroupProperties& props) const {
@@ -338,147 +276,24 @@ PlayListBase* Controller::targetOf(const ReqGroupProperties& props) const {
     return pl == props.target ? pl : nullptr;
 }
 
-// A playlist is moved with all that it has or stays: an entry that could not be read, and would be
-// left out, would be deleted with the source. Single items may be left out.
-bool Controller::isComplete(const ReqGroupProperties& props, const ItemsCheck& check) {
-    if (!props.wholePlaylist)
-        return true;
-    const QList<OrvoPlayListItem>& items = check.items();
-    const bool whole = items.size() == props.requested &&
-                       std::none_of(items.cbegin(), items.cend(),
-                                    [](const OrvoPlayListItem& item) { return item.isEmpty(); });
-    if (!whole)
-        LOG4CPLUS_ERROR(moduleLog(),
-                        "Cannot read all items of playlist with plid: " << props.fromPlid);
-    return whole;
-}
-
-QList<OrvoPlayListItem> Controller::itemsFromAllReplays(const CMRequestGroup* group) {
-    QList<OrvoPlayListItem> items;
-    const QList<CMReply<QVariant>> replies = group->getReplyList();
-    LOG4CPLUS_TRACE(moduleLog(), "curReplyList: " << replies.size());
-    RepeatedLogLines errors(moduleLog(), log4cplus::ERROR_LOG_LEVEL);
-    for (const CMReply<QVariant>& reply : replies) {
-        reply.waitForFinished(); // at once: a finished group has finished replies
-        if (reply.isError()) {
-            if (errors.next())
-                LOG4CPLUS_ERROR(moduleLog(), "replay error: " << loggedText(reply.error().name()));
-            continue;
-        }
-        const QVariantList values = reply.value().toList();
-        items.reserve(items.size() + values.size());
-        for (const QVariant& value : values)
-            items.append(OrvoPlayListItem(value.toHash()));
-    }
-    return items;
-}
-
-bool Controller::hasTooManyItems(const CMRequestGroup* group) {
-    const QList<CMReply<QVariant>> replies = group->getReplyList();
-    return std::any_of(replies.cbegin(), replies.cend(), [](const CMReply<QVariant>& reply) {
-        return reply.isError() && reply.error().name() == OrvoPlayListTooManyItems();
-    });
-}
-
-int Controller::addItemsFromAllReplays(const ReqGroupProperties& props, const ItemsCheck& check,
-                                       QString* msg, int* first) {
+AddedItems Controller::addItemsFromAllReplays(const ReqGroupProperties& props,
+                                              const ItemsCheck& check) {
     PlayListBase* pl = targetOf(props);
-    if (!pl) {
-        LOG4CPLUS_ERROR(moduleLog(), "Cannot find playlist with plid: " << props.plid);
-        *msg = CONTROLLER_TEXT("There is no playlist with this ID.") +
-               QStringLiteral(" (%1)").arg(props.plid);
-        return -1;
-    }
-    return addCheckedItems(pl, check, props.mode, msg, first, props.wanted);
+    if (pl)
+        return AddedItems::add(pl, check, props.mode, props.wanted);
+    LOG4CPLUS_ERROR(moduleLog(), "Cannot find playlist with plid: " << props.plid);
+    AddedItems none;
+    none.text = CONTROLLER_TEXT("There is no playlist with this ID.") +
+                QStringLiteral(" (%1)").arg(props.plid);
+    return none;
 }
 
-int Controller::addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
-                                   OrvoPlayListAddPosition::Enum mode, QString* msg, int* first,
-                                   const WantedPlaces& wanted) {
+AddedItems Controller::addItemsToPlaylist(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
+                                          OrvoPlayListAddPosition::Enum mode,
+                                          const WantedPlaces& wanted) {
     ItemsCheck check(items, m_limits);
     check.run(QDeadlineTimer(QDeadlineTimer::Forever));
-    return addCheckedItems(pl, check, mode, msg, first, wanted);
-}
-
-int Controller::addCheckedItems(PlayListBase* pl, const ItemsCheck& check,
-                                OrvoPlayListAddPosition::Enum mode, QString* msg, int* first,
-                                const WantedPlaces& wanted) {
-    const QList<OrvoPlayListItem>& items = check.items();
-    LOG4CPLUS_TRACE(moduleLog(), "itemList: (" << listText(items) << ")");
-    QList<OrvoPlayListItem> accepted;
-    accepted.reserve(items.size());
-    RepeatedLogLines leftOut(moduleLog(), log4cplus::WARN_LOG_LEVEL);
-    for (int i = 0; i < items.size(); ++i) {
-        switch (check.verdict(i)) {
-        case ItemsCheck::Verdict::Fine:
-            accepted.append(items.at(i));
-            break;
-        case ItemsCheck::Verdict::NoRoles:
-            if (leftOut.next())
-                LOG4CPLUS_WARN(moduleLog(),
-                               "Invalid file, missing roles: " << loggedText(items.at(i).url()));
-            break;
-        case ItemsCheck::Verdict::NotAcceptable:
-            *msg =
-                CONTROLLER_TEXT("Missing title or type==audio or [resource uri and prePlayPath]");
-            return -1;
-        case ItemsCheck::Verdict::TooLarge:
-            *msg = CONTROLLER_TEXT("Item is too large.");
-            return -1;
-        case ItemsCheck::Verdict::TooMany:
-            *msg = CONTROLLER_TEXT("Too many items at once.");
-            return -1;
-        }
-    }
-    leftOut.end();
-    if (accepted.isEmpty()) {
-        LOG4CPLUS_ERROR(moduleLog(), "no playitem found");
-        *msg = CONTROLLER_TEXT("No playitem found.");
-        return -1;
-    }
-    if (wanted.kind == WantedPlaces::Kind::OneEach && accepted.size() != items.size()) {
-        *msg = oneEachText();
-        return -1;
-    }
-    const int sizeBefore = pl->getSize();
-    *first = wanted.kind == WantedPlaces::Kind::None ? pl->addItems(mode, accepted)
-                                                     : addAtPlaces(pl, accepted, wanted, msg);
-    const int res = *first < 0 ? *first : pl->getSize() - sizeBefore;
-    LOG4CPLUS_DEBUG(moduleLog(), "addItems() res: " << res);
-    if (res == StoreResult::LimitReached) {
-        *msg = QStringLiteral("%1 %2")
-                   .arg(CONTROLLER_TEXT("Unable to add more items to the playlist."))
-                   .arg(CONTROLLER_TEXT("Items reached limit."));
-        return -1;
-    }
-    if (res < 1)
-        return -1;
-    *msg = CONTROLLER_TEXT("%1 items added.").arg(res);
-    LOG4CPLUS_DEBUG(moduleLog(), "added " << res << " items");
-    return res;
-}
-
-// `msg` says why the places cannot be taken.
-int Controller::addAtPlaces(PlayListBase* pl, const QList<OrvoPlayListItem>& items,
-                            const WantedPlaces& wanted, QString* msg) {
-    const int size = pl->getSize();
-    ItemPlaces places;
-    places.positions = wanted.positions;
-    places.allOrNothing = wanted.kind == WantedPlaces::Kind::OneEach;
-    if (places.allOrNothing && wanted.positions.size() != items.size()) {
-        *msg = oneEachText();
-        return -1;
-    }
-    if (wanted.positions.last() < size + items.size()) {
-        while (places.positions.size() < items.size())
-            places.positions.append(places.positions.last() + 1);
-    }
-    if (!places.fit(size, items.size())) {
-        LOG4CPLUS_ERROR(moduleLog(), "Position is not in valid range");
-        *msg = CONTROLLER_TEXT("Position is not in valid range.");
-        return -1;
-    }
-    return pl->addItemsAt(places, items);
+    return AddedItems::add(pl, check, mode, wanted);
 }
 
 bool Controller::readPlaces(const CMSetDataRequest& request, const QString& prefix,
@@ -523,21 +338,20 @@ bool Controller::plAddExternalItems(CMSetDataRequest request, QString& msg) {
     WantedPlaces wanted;
     if (!checkRevision(request, pl, prefix, msg) || !readPlaces(request, prefix, wanted, msg))
         return false;
-    QString resultMsg;
-    int first = -1;
-    const int added = addItemsToPlaylist(pl, items, mode, &resultMsg, &first, wanted);
-    LOG4CPLUS_DEBUG(moduleLog(), "addItemsRes: " << added);
-    if (added < 1)
+    const AddedItems added = addItemsToPlaylist(pl, items, mode, wanted);
+    LOG4CPLUS_DEBUG(moduleLog(), "addItemsRes: " << added.count);
+    if (added.count < 1)
         return refuse(msg, QStringLiteral("No items were added to playlist id: %1").arg(plid),
-                      prefix, CONTROLLER_TEXT("No items were added."), resultMsg);
+                      prefix, CONTROLLER_TEXT("No items were added."), added.text);
     LOG4CPLUS_DEBUG(moduleLog(), "plsize: " << pl->getSize());
     if (pl->getSize() > 0 && mode == OrvoPlayListAddPosition::Now) {
-        LOG4CPLUS_DEBUG(moduleLog(), "mode: New nextSeqNum: " << first);
-        if (!startFirstNewItem(pl, first, CONTROLLER_TEXT("Cannot get last item."), prefix, msg))
+        LOG4CPLUS_DEBUG(moduleLog(), "mode: New nextSeqNum: " << added.first);
+        if (!startFirstNewItem(pl, added.first, CONTROLLER_TEXT("Cannot get last item."), prefix,
+                               msg))
             return refuse(QStringLiteral("Cannot get last item for playlist id: %1").arg(plid));
     }
     LOG4CPLUS_INFO(moduleLog(), "Items added successfully to playlist id: " << plid);
-    msg = buildOkMsg(QString::number(added),
+    msg = buildOkMsg(QString::number(added.count),
                      CONTROLLER_TEXT("Items added successfully to playlist."), pl->getName());
     return true;
 }
