@@ -335,19 +335,15 @@ void Database::vacuum() {
 }
 
 int Database::countPlaylists() {
-    return count(StatementId::CountPlaylists);
+    return readCount(StatementId::CountPlaylists).value_or(0);
 }
 
 int Database::countPlaylistsItems() {
-    return count(StatementId::CountPlaylistItems);
+    return readCount(StatementId::CountPlaylistItems).value_or(0);
 }
 
 int Database::countCollections() {
-    return count(StatementId::CountCollections);
-}
-
-int Database::count(StatementId id) {
-    return readCount(id).value_or(0);
+    return readCount(StatementId::CountCollections).value_or(0);
 }
 
 std::optional<int> Database::readCount(StatementId id) {

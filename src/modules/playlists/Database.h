@@ -91,7 +91,7 @@ public:
     void vacuum();
     bool owesVacuum() const { return m_vacuumNeeded; }
 
-    // The play queue counts as a playlist.
+    // The play queue counts as a playlist. 0 for what cannot be read, here and below.
     int countPlaylists();
     // Items of all playlists together.
     int countPlaylistsItems();
@@ -208,7 +208,6 @@ private:
     Sqlite3Statement& statement(StatementId id);
     // Nothing when it cannot be read.
     std::optional<int> readCount(StatementId id);
-    int count(StatementId id);
 
     template <typename Visit>
     bool visitItems(int playlistUid, int from, int to, Visit visit);
