@@ -15,8 +15,9 @@ class PlayListWorker;
 // in the playlist, as its last sequence number. Made by the worker, worker's thread only. No
 // current playlist or no such track: empty roles.
 //
-// Requests and the player's calls are handled in PlayListPlayLogic.cpp, shuffle is drawn and walked
-// in PlayListPlayLogicShuffle.cpp, edits of the current playlist in PlayListPlayLogicEdits.cpp.
+// Tracks and requests are in PlayListPlayLogic.cpp, the player's calls in
+// PlayListPlayLogicPlayer.cpp, drawing and walking the shuffle order in
+// PlayListPlayLogicShuffle.cpp, edits of the current playlist in PlayListPlayLogicEdits.cpp.
 class PlayListPlayLogic : public StreamerPlayLogic {
     Q_OBJECT
 public:
@@ -86,6 +87,9 @@ private Q_SLOTS:
 
 private:
     friend class PlayLogicProbe; // the tests' look at order, cursor and position
+
+    // How many tracks in a row may fail before playback is given up.
+    static constexpr int MaxErrorCount = 5;
 
     // Calls wire(signal, slot) for each signal of the current playlist that is followed.
     template <typename Wire>
