@@ -27,10 +27,6 @@ export class Adding extends Emitter {
     this.emit('change');
   }
 
-  get isRunning() {
-    return this.phase === 'finding' || this.phase === 'adding';
-  }
-
   async run() {
     try {
       const tracks = [];

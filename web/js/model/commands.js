@@ -11,9 +11,9 @@ const AllRows = 1000000;
 const Portion = 2000;
 
 // Menu actions that change much at once: they are asked about first.
-const Grave = new Set(['clearPl', 'delPL', 'delete']);
+const Destructive = new Set(['clearPl', 'delPL', 'delete']);
 
-export const isGrave = (row) => Grave.has(params(row.path ?? '').action);
+export const isDestructive = (row) => Destructive.has(params(row.path ?? '').action);
 
 // Blanks and what cannot be seen.
 export const isBlank = (name) => name !== '' && /^[\s\p{C}]*$/u.test(name);

@@ -7,11 +7,11 @@ import { Emitter, artworkUrl, getRows, isAtOrBelow, samePlace } from '../core/de
 import { RowType, isMenu, metaData } from './rows.js';
 
 const LookAt = 24;
-const MostPictures = 4;
+const MaxPictures = 4;
 const Depth = 2;
 const Roles = ['mediaData', 'path', 'type', 'containerType'];
-const MostRequests = 2;
-const MostKept = 600;
+const MaxRequests = 2;
+const MaxKept = 600;
 
 export class Covers extends Emitter {
   constructor() {
@@ -40,7 +40,7 @@ export class Covers extends Emitter {
   }
 
   pump() {
-    while (this.running.size < MostRequests && this.queue.size) {
+    while (this.running.size < MaxRequests && this.queue.size) {
       const [path, callbacks] = [...this.queue].at(-1);
       this.queue.delete(path);
       const entry = { callbacks, stale: false };
@@ -55,7 +55,7 @@ export class Covers extends Emitter {
       this.queue.set(path, callbacks);
     } else if (urls) {
       this.known.set(path, urls);
-      if (this.known.size > MostKept) this.known.delete(this.known.keys().next().value);
+      if (this.known.size > MaxKept) this.known.delete(this.known.keys().next().value);
       for (const callback of callbacks) callback(urls);
     }
     this.pump();
@@ -65,7 +65,7 @@ export class Covers extends Emitter {
     try {
       const urls = new Set();
       await this.gather(path, urls, Depth);
-      return [...urls].slice(0, MostPictures);
+      return [...urls].slice(0, MaxPictures);
     } catch {
       return null; // a picture is not worth a message
     }
@@ -79,7 +79,7 @@ export class Covers extends Emitter {
       if (url) urls.add(url);
     }
     if (urls.size || depth === 1) return;
-    const inner = rows.filter((row) => row.type === RowType.Container && !isMenu(row)).slice(0, MostPictures);
+    const inner = rows.filter((row) => row.type === RowType.Container && !isMenu(row)).slice(0, MaxPictures);
     for (const row of inner) await this.gather(row.path, urls, depth - 1);
   }
 

@@ -14,16 +14,18 @@ const nothingDone = (what) => new Error(`${what} Nothing was done.`);
 
 const gone = (entries) => (entries.length === 1 ? `“${entries[0].row.title}” is gone already.` : 'The tracks are gone already.');
 
-// What stood beside each of these rows and stays: keys, null for an end of the list, undefined when it is not known.
+// What stands on both sides and stays, from these two rows outwards: keys, null for an end of the list, undefined when
+// it is not known.
+function between(after, before, taken, count, rowAt) {
+  while (taken.has(after)) after -= 1;
+  while (taken.has(before)) before += 1;
+  const key = (index) => (index < 0 || index >= count ? null : rowAt(index) && trackKey(rowAt(index)));
+  return { after: key(after), before: key(before) };
+}
+
 function neighboursOf(indices, count, rowAt) {
   const taken = new Set(indices);
-  const key = (index) => (index < 0 || index >= count ? null : rowAt(index) && trackKey(rowAt(index)));
-  return indices.map((index) => {
-    let [after, before] = [index - 1, index + 1];
-    while (taken.has(after)) after -= 1;
-    while (taken.has(before)) before += 1;
-    return { after: key(after), before: key(before) };
-  });
+  return indices.map((index) => between(index - 1, index + 1, taken, count, rowAt));
 }
 
 export class Edits extends Emitter {
@@ -92,7 +94,7 @@ export class Edits extends Emitter {
   move(target, entries, gap, { revision, rows, count, isShown = false, isOnTop = false }) {
     const indices = entries.map(({ index }) => index);
     const origins = rows && neighboursOf(indices, count, rows);
-    const place = rows && placeAt(gap, new Set(indices), count, rows);
+    const place = rows && between(gap - 1, gap, new Set(indices), count, rows);
     const send = async (order) => {
       let moved = { entries, gap, size: count, origins };
       if (order.rows) {
@@ -263,13 +265,4 @@ export class Edits extends Emitter {
   inTurn(target, send) {
     return this.run(target, { isPlain: true, send });
   }
-}
-
-// The gap as what stands on both its sides and stays.
-function placeAt(gap, taken, count, rowAt) {
-  let [after, before] = [gap - 1, gap];
-  while (taken.has(after)) after -= 1;
-  while (taken.has(before)) before += 1;
-  const key = (index) => (index < 0 || index >= count ? null : rowAt(index) && trackKey(rowAt(index)));
-  return { after: key(after), before: key(before) };
 }

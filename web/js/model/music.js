@@ -126,7 +126,7 @@ export class Music extends Emitter {
     };
   }
 
-  // Nobody waits for the answers any more.
+  // The page waits for the answers no more.
   abandon() {
     this.running.abort();
     this.running = new AbortController();

@@ -4,7 +4,7 @@ import { RowRoles, getRows } from '../core/device.js';
 import { rowKey } from './rows.js';
 
 const PageSize = 1000;
-const MostTries = 3;
+const MaxTries = 3;
 
 // A number that was given again is another track, so the title belongs to it.
 export const trackKey = (row) => `${rowKey(row)} ${row.title}`;
@@ -17,7 +17,7 @@ export class Order {
 
   // Reads again from the start when the list changes between two pages.
   static async read(path, { roles = ['path', 'title'], read = getRows } = {}) {
-    for (let tries = 0; tries < MostTries; tries += 1) {
+    for (let tries = 0; tries < MaxTries; tries += 1) {
       const rows = [];
       let revision;
       for (;;) {

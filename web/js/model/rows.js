@@ -70,8 +70,8 @@ export const searchText = (text) =>
 // error (an ApiError).
 
 const ScanPageSize = 500;
-const MostRequests = 2;
-const KeepAtMost = 4000;
+const MaxRequests = 2;
+const MaxKept = 4000;
 const KeepAround = 1200;
 
 // "+4", "+5", "+9" as runs of neighbours: [{at: 4, count: 2}, {at: 9, count: 1}].
@@ -149,7 +149,7 @@ export class ListStore extends Emitter {
   pump() {
     if (this.closed || this.held) return;
     for (const page of this.missingPages()) {
-      if (this.requests.size >= MostRequests) return;
+      if (this.requests.size >= MaxRequests) return;
       if (!this.requests.has(page)) this.fetchPage(page);
     }
   }
@@ -195,7 +195,7 @@ export class ListStore extends Emitter {
   take(from, answer) {
     this.setTitle(answer);
     const isFirst = !this.isLoaded;
-    this.meet(answer.revision);
+    this.compareRevision(answer.revision);
     if (answer.rowsCount !== this.count) this.setCount(answer.rowsCount);
     if (answer.rowsCount === 0) this.emptyGeneration = this.generation;
     // A list that shrank meanwhile answers with its end instead.
@@ -206,7 +206,7 @@ export class ListStore extends Emitter {
   }
 
   // An answer may be ahead of the events: then nothing that is kept is sure.
-  meet(revision) {
+  compareRevision(revision) {
     if (!(revision > (this.revision ?? -1))) return;
     if (this.isLoaded && this.revision !== undefined) this.generation += 1;
     this.revision = revision;
@@ -240,7 +240,7 @@ export class ListStore extends Emitter {
   }
 
   forgetFarRows() {
-    if (this.kept <= KeepAtMost) return;
+    if (this.kept <= MaxKept) return;
     const middle = (this.wanted[0] + this.wanted[1]) / 2;
     for (let i = 0; i < this.rows.length; i += 1) {
       if (!this.rows[i] || Math.abs(i - middle) <= KeepAround) continue;
@@ -323,7 +323,7 @@ export class ListStore extends Emitter {
     this.emit('closed');
   }
 
-  // Nobody looks any more.
+  // No screen shows it any more.
   dispose() {
     this.closed = true;
     this.cancelFrom(0);

@@ -64,7 +64,7 @@ export class ListView extends Emitter {
     this.body.addEventListener('dblclick', (event) => this.onDoubleClick(event));
     this.body.addEventListener('keydown', (event) => handleListKey(this, event));
     this.body.addEventListener('focusin', (event) => this.onFocusIn(event));
-    this.body.addEventListener('pointerover', (event) => this.rowOf(event.target)?.meet());
+    this.body.addEventListener('pointerover', (event) => this.rowOf(event.target)?.hover());
     this.body.addEventListener('contextmenu', (event) => this.onContextMenu(event));
   }
 
@@ -401,11 +401,6 @@ export class ListView extends Emitter {
   rowOf(target) {
     const element = target.closest?.('.row');
     return element && this.body.contains(element) ? this.views.get(Number(element.dataset.index)) ?? null : null;
-  }
-
-  indexUnder(clientY) {
-    const y = clientY - this.body.getBoundingClientRect().top;
-    return this.metrics.indexAt(Math.max(0, y), this.store.count);
   }
 
   // The gap between rows that is nearest to there.

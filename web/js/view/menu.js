@@ -3,7 +3,7 @@
 // from.
 
 import { samePlace } from '../core/device.js';
-import { isGrave } from '../model/commands.js';
+import { isDestructive } from '../model/commands.js';
 import { ListStore, RowType, allRows, isCreate, isSwitch, isUsable } from '../model/rows.js';
 import { Artwork, attempt, busy, clamp, el, icon, setAttribute, showDialog, tell } from './dom.js';
 
@@ -23,11 +23,11 @@ const Kinds = [
   { is: () => true, run: (menu, row, page, button) => menu.act(row, page, button) },
 ];
 
-// The element of an entry: {title, icon, detail, opens, isOn, isGrave, isUsable, isLine, isHeading, run(button)}.
-function entryOf({ title, icon: name, detail, opens, isOn, isGrave: grave, isUsable: usable = true, isLine, isHeading, run }) {
+// The element of an entry: {title, icon, detail, opens, isOn, isDestructive, isUsable, isLine, isHeading, run(button)}.
+function entryOf({ title, icon: name, detail, opens, isOn, isDestructive: destructive, isUsable: usable = true, isLine, isHeading, run }) {
   if (isLine) return el('hr.menu-line');
   if (isHeading) return el('h3.menu-heading', {}, title);
-  const button = el(`button.menu-entry${grave ? '.grave' : ''}`, { type: 'button', disabled: !usable, onclick: () => run(button) },
+  const button = el(`button.menu-entry${destructive ? '.destructive' : ''}`, { type: 'button', disabled: !usable, onclick: () => run(button) },
     name ? icon(name) : null, el('span.menu-text', { dir: 'auto' }, title),
     detail ? el('span.menu-detail', { dir: 'auto' }, detail) : null, opens ? icon('forward') : null);
   if (isOn) {
@@ -182,7 +182,7 @@ export class Menu {
     return {
       title: row.title ?? '',
       isUsable: isUsable(row) && row.type !== RowType.Audio,
-      isGrave: isGrave(row),
+      isDestructive: isDestructive(row),
       ...look?.(row, this.app),
       run: (button) => run(this, row, page, button),
     };
@@ -203,7 +203,7 @@ export class Menu {
   }
 
   async act(row, page, button) {
-    if (isGrave(row) && !this.app.menuEdits.of(row)) {
+    if (isDestructive(row) && !this.app.menuEdits.of(row)) {
       const { title } = this.head;
       this.close();
       this.app.askFor(row, title);

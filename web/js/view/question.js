@@ -7,7 +7,7 @@ const SecondPressMs = 400;
 
 // `button`: the word for doing it.
 export function ask({ title, text, button }, run) {
-  const act = el('button.pill.grave', { type: 'button', disabled: true, onclick: () => {
+  const act = el('button.pill.destructive', { type: 'button', disabled: true, onclick: () => {
     dialog.close();
     run();
   } }, button);

@@ -74,7 +74,7 @@ export class RowView {
   }
 
   // A mouse is above it.
-  meet() {
+  hover() {
     if (!this.playOffer) {
       this.playIcon = icon('play');
       this.playOffer = this.artwork.element.appendChild(el('span.art-play', {}, this.playIcon));

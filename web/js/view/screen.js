@@ -2,7 +2,7 @@
 // which owns it.
 
 import { RowRoles } from '../core/device.js';
-import { AddMode, isGrave } from '../model/commands.js';
+import { AddMode, isDestructive } from '../model/commands.js';
 import { ListStore, RowType, isMenu, isSignpost, isSwitch, isUsable, metaData, position } from '../model/rows.js';
 import { attempt, busy, el, icon, setAttribute, setText, tellUnlessOffline } from './dom.js';
 import { Hero, amount, heading, ownPictures } from './hero.js';
@@ -340,7 +340,7 @@ export class Screen {
     else if (row.type === RowType.Container && isMenu(row)) app.openPublishedMenu(row, anchor, row);
     else if (row.type === RowType.Container) this.pane.open(row, { goIn });
     else if (row.type === RowType.Editable && !isSwitch(row)) app.editRow(row, anchor);
-    else if (isGrave(row)) app.askFor(row);
+    else if (isDestructive(row)) app.askFor(row);
     else if (row.type === RowType.Action || isSwitch(row)) await attempt(app.carryOut(row), anchor);
   }
 

@@ -33,7 +33,7 @@ story('a list that is pressed before the page is all there is opened when it is'
   await device.playlist('Party', Albums.lanterns);
   const wire = await lay();
   wire.slow(ThereAndBack);
-  const me = await open({ at: wire.url, meet: async (page) => {
+  const me = await open({ at: wire.url, early: async (page) => {
     const link = page.locator('.early a', { hasText: 'Party' });
     await link.waitFor();
     await link.click();

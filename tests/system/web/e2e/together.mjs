@@ -4,7 +4,7 @@
 import assert from 'node:assert/strict';
 import { eventually, story } from '../support/story.mjs';
 
-const Seconds = Number(process.env.ORVO_TOGETHER_SECONDS ?? 20);
+const Seconds = Number(process.env.ORVO_TOGETHER_SECONDS ?? 10);
 const Seed = Number(process.env.ORVO_TOGETHER_SEED ?? Date.now() % 1000000);
 const ThereAndBack = 200;
 const Size = 24;

@@ -21,7 +21,7 @@ const HangsAfter = 180000;
 // What comes at all comes much sooner; this is for machines that have other things to do.
 const Patience = 20000;
 
-export const Sizes = {
+const Sizes = {
   phone: { viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true },
   desktop: { viewport: { width: 1440, height: 900 } },
 };
@@ -35,14 +35,14 @@ after(() => theBrowser?.close());
 
 const isSearch = (request) => (new URL(request.url()).searchParams.get('path') ?? '').startsWith('files:search');
 
-class Window {
+class StoryWindow {
   constructor(device, size) {
     this.device = device;
     this.size = size;
     this.wrong = [];
   }
 
-  async open({ at = this.device.url, prepare = null, meet = null, ...options } = {}) {
+  async open({ at = this.device.url, prepare = null, early = null, ...options } = {}) {
     this.context = await theBrowser.newContext({ ...Sizes[this.size], ...options });
     this.page = await this.context.newPage();
     this.page.setDefaultTimeout(Patience);
@@ -62,7 +62,7 @@ class Window {
     });
     await prepare?.(this.page);
     await this.page.goto(at, { waitUntil: 'commit' });
-    await meet?.(this.page);
+    await early?.(this.page);
     await this.page.locator('#nav .row.heads').first().waitFor({ state: 'attached' });
     return new Page(this);
   }
@@ -106,7 +106,7 @@ async function runStory({ name, run, device: options, size }) {
     return wire;
   };
   const open = async (how) => {
-    const window = new Window(device, size);
+    const window = new StoryWindow(device, size);
     windows.push(window);
     return window.open(how);
   };
