@@ -9,8 +9,8 @@ NOW, AFTER_CURRENT, APPEND = 0, 1, 2
 OK, OUTDATED, REFUSED = 200, 409, 422
 
 # What the random state may grow to; beyond it only what makes it smaller is sent.
-MOST_ITEMS = 1500
-MOST_LISTS = 12
+MAX_ITEMS = 1500
+MAX_LISTS = 12
 
 # Edits that hold for one state of a list or give tracks their places: the crash test sees to it that
 # enough kills fall into these.
@@ -73,8 +73,15 @@ class Mix:
                         (3, self._revisable)]
         self._shrinking = [(2, self._delete), (2, self._clear), (4, self._remove_items)]
 
+    def file_paths(self):
+        return [path for path, _ in self._files]
+
+    def name_files(self, titles):
+        """In place of those that were given: the files module may know them by others."""
+        self._files = list(zip(self.file_paths(), titles))
+
     def draw(self, state):
-        full = len(state.items()) > MOST_ITEMS
+        full = len(state.items()) > MAX_ITEMS
         command = self._draw_of(self._shrinking if full else self._table, state)
         return self._with_revision(command) if self._rng.random() < 0.2 else command
 
@@ -118,7 +125,7 @@ class Mix:
         return self._rng.sample(range(size), self._rng.randint(1, min(size, most)))
 
     def _create(self, state):
-        if len(state.lists) > MOST_LISTS:
+        if len(state.lists) > MAX_LISTS:
             return None
         name = self._name("list")
         uid = model.next_uid(state.lists)
@@ -279,7 +286,7 @@ class Mix:
                       [state]) if items else None
 
     def _create_collection(self, state):
-        if len(state.collections) > MOST_LISTS:
+        if len(state.collections) > MAX_LISTS:
             return None
         name = self._name("collection")
         uid = model.next_uid(state.collections)

@@ -111,10 +111,10 @@ class CrashTest:
         self.device.start()
         self.connection = self.device.connect()
         self.device.wait_for_scan(self.connection)
-        paths = [row[0] for row in self.mix._files]
+        paths = self.mix.file_paths()
         for item in self.connection.command("files:prepareItems", paths).result():
             self.tracks[item["title"]] = item
-        self.mix._files[:] = list(zip(paths, list(self.tracks)))
+        self.mix.name_files(list(self.tracks))
         self.device.kill()
 
     def run(self, kills):

@@ -11,9 +11,9 @@ import time
 from orvo_device import Connection, Device
 
 MIB = 1 << 20
-MOST_KEPT = 16 * MIB
+MAX_KEPT = 16 * MIB
 # So that an attack that works harms the device and not the machine.
-MOST_ADDRESS_SPACE = 6 << 30
+MAX_ADDRESS_SPACE = 6 << 30
 CONNECTIONS_PER_ADDRESS = 300
 TOKEN = "the-token-of-this-device"
 
@@ -41,7 +41,7 @@ class AttackedDevice(Device):
     def __init__(self, host, folder, few=False, limited=False, token=False):
         super().__init__(host, folder, ["--audio-sink", "null"], token=TOKEN if token else None)
         if limited:
-            self.limits[resource.RLIMIT_AS] = MOST_ADDRESS_SPACE
+            self.limits[resource.RLIMIT_AS] = MAX_ADDRESS_SPACE
         self.host = host
         self.few = few
         self.problems = []
@@ -83,7 +83,9 @@ class AttackedDevice(Device):
         self._bystander = context.Process(target=watch_waiting, args=(self, self._longest, self._waits_since),
                                           daemon=True)
         self._bystander.start()
-        time.sleep(0.2)
+        until = time.monotonic() + 5
+        while not self._longest.value and time.monotonic() < until:
+            time.sleep(0.005)
         self.figures["before"] = self._memory("VmRSS")
         with open(f"/proc/{self.pid}/clear_refs", "w", encoding="ascii") as file:
             file.write("5")  # the peak begins anew
@@ -109,7 +111,7 @@ class AttackedDevice(Device):
             return
         figures["most"] = self._memory("VmHWM")
         until = time.monotonic() + 5
-        while (kept := self._memory("VmRSS")) > figures["before"] + MOST_KEPT and time.monotonic() < until:
+        while (kept := self._memory("VmRSS")) > figures["before"] + MAX_KEPT and time.monotonic() < until:
             time.sleep(0.1)
         figures["after"] = kept
         status = self.end()

@@ -15,23 +15,23 @@ sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../
 
 import attacks_by_request as request
 import attacks_by_surroundings as surroundings
-from attacked_device import MIB, MOST_KEPT, AttackedDevice
+from attacked_device import MIB, MAX_KEPT, AttackedDevice
 from attacks_by_request import FIRST_ITEM, bodies, command
 
-MOST_TAKEN = 256 * MIB  # resident, above what it was
-MOST_LOG = MIB
-MOST_WAIT_S = 2.0  # of another client with a small request; small counts are for beside other tests
-MOST_WAIT_FEW_S = 5.0
+MAX_TAKEN = 256 * MIB  # resident, above what it was
+MAX_LOG = MIB
+MAX_WAIT_S = 2.0  # of another client with a small request; small counts are for beside other tests
+MAX_WAIT_FEW_S = 5.0
 
 PREPARE, ADD = "playlists:prepareItems", "playlists:pl/addItems"
-TOKEN, NO_WAIT = "the device has a token", "others need not be answered"
 
 
 class Attack(NamedTuple):
     name: str
     run: Callable
     due: tuple  # nothing else may be answered, and each of these must be, but for those with a "?"
-    how: str = ""
+    has_token: bool = False
+    others_wait: bool = False  # another client need not be answered meanwhile
 
 
 ATTACKS = (
@@ -45,27 +45,28 @@ ATTACKS = (
            command(ADD, {"plid": 1, "items": [FIRST_ITEM] * 1000}, 500_000), ("422 Error",)),
     Attack("330 × an old item of 7 MB added",
            command(ADD, {"plid": 1, "items": [FIRST_ITEM] * 330}, 7_000_000), ("422 Error",)),
-    Attack("300 bodies of 8 MiB to the login", bodies("/api/login", 300), ("413 TooLarge",), TOKEN),
+    Attack("300 bodies of 8 MiB to the login", bodies("/api/login", 300), ("413 TooLarge",), has_token=True),
     Attack("512 bodies of 8 MiB to the login, from two addresses", bodies("/api/login", 512),
-           ("413 TooLarge", "closed?"), TOKEN),
+           ("413 TooLarge", "closed?"), has_token=True),
     Attack("300 bodies of 8 MiB to commands, without the token", bodies("/api/data", 300),
-           ("401 Unauthorized",), TOKEN),
-    Attack("300 bodies of 8 MiB to the page", bodies("/", 300), ("413 TooLarge",), TOKEN),
+           ("401 Unauthorized",), has_token=True),
+    Attack("300 bodies of 8 MiB to the page", bodies("/", 300), ("413 TooLarge",), has_token=True),
     Attack("8 MiB of tiny values", request.tiny_values, ("400 Malformed",)),
     Attack("600,000 and 20,000 made-up modules", request.made_up_modules, ("400 Malformed", "422 Error")),
     Attack("a name of 8 MB", command("playlists:pl/create", {"name": "n" * 8_000_000}), ("422 Error",)),
-    Attack("300 pictures of 16 MiB that are not read", request.unread_pictures, ("HTTP/1.1 200 OK", "HTTP/1.1 503 Service Unavailable?")),
+    Attack("300 pictures of 16 MiB that are not read", request.unread_pictures,
+           ("HTTP/1.1 200 OK", "HTTP/1.1 503 Service Unavailable?")),
     Attack("lengths and hosts with two readings", request.broken_heads, ("400 Malformed", "400?")),
-    Attack("3,000 guessed tokens", request.guessed_tokens, ("401 Unauthorized", "429 TooManyAttempts"), TOKEN),
+    Attack("3,000 guessed tokens", request.guessed_tokens, ("401 Unauthorized", "429 TooManyAttempts"), has_token=True),
     Attack("2,000 plays of sounds that were cut off", surroundings.cut_sounds, ("fails", "ends")),
     Attack("8,000 quick plays", surroundings.quick_plays, ("200",)),
     Attack("sounds from elsewhere", surroundings.foreign_sounds, ("t1 cannot be played.",)),
     Attack("play logics that are none", surroundings.false_play_logics, ("422 InvalidValue",)),
-    Attack("another process reads the store", surroundings.store_is_read, ("422 Error",), NO_WAIT),
+    Attack("another process reads the store", surroundings.store_is_read, ("422 Error",), others_wait=True),
     Attack("another process reads the store at the start", surroundings.reader_at_the_start,
-           ("starts when the reader ends", "ends when the reader does not?"), NO_WAIT),
+           ("starts when the reader ends", "ends when the reader does not?"), others_wait=True),
     Attack("64 descriptors, taken by silent connections", surroundings.few_descriptors, ("was played", "200")),
-    Attack("pipes in place of settings and token", surroundings.pipes, ("refuses to start",), TOKEN),
+    Attack("pipes in place of settings and token", surroundings.pipes, ("refuses to start",), has_token=True),
     Attack("the lock file removed, a second host", surroundings.removed_lock, ("in use",)),
 )
 HEAD = ("attack", "answered", "s", "longest wait of another client, s", "resident before / most / after, MiB",
@@ -73,7 +74,7 @@ HEAD = ("attack", "answered", "s", "longest wait of another client, s", "residen
 
 
 def attacked(attack, options, folder):
-    device = AttackedDevice(options.host, folder, options.few, not options.sanitized, attack.how == TOKEN)
+    device = AttackedDevice(options.host, folder, options.few, not options.sanitized, attack.has_token)
     try:
         attack.run(device)
     except Exception as error:  # pylint: disable=broad-except
@@ -95,15 +96,15 @@ def problems_of(attack, device, options):
     for report in glob.glob(os.path.join(device.folder, "report*")):
         with open(report, encoding="utf-8", errors="replace") as file:
             problems.append(file.read())
-    if figures["log"] > MOST_LOG:
+    if figures["log"] > MAX_LOG:
         problems.append("the log grows")
     if options.sanitized:
         return problems
-    if attack.how != NO_WAIT and figures["wait"] > (MOST_WAIT_FEW_S if options.few else MOST_WAIT_S):
+    if not attack.others_wait and figures["wait"] > (MAX_WAIT_FEW_S if options.few else MAX_WAIT_S):
         problems.append("another client waits")
-    if figures["most"] > figures["before"] + MOST_TAKEN:
+    if figures["most"] > figures["before"] + MAX_TAKEN:
         problems.append("memory is taken beyond the bound")
-    if figures["after"] > figures["before"] + MOST_KEPT:
+    if figures["after"] > figures["before"] + MAX_KEPT:
         problems.append("memory is kept")
     return problems
 
@@ -131,7 +132,7 @@ def main():
         device = attacked(attack, options, folder)
         figures = device.figures
         answers = ", ".join(f"{count} × {name}" for name, count in sorted(device.answers.items()))
-        wait = "–" if attack.how == NO_WAIT else f"{figures['wait']:.2f}"
+        wait = "–" if attack.others_wait else f"{figures['wait']:.2f}"
         memory = " / ".join(f"{figures[name] / MIB:.0f}" for name in ("before", "most", "after"))
         print(f"| {attack.name} | {answers} | {figures['s']:.1f} | {wait} | {memory} | {figures['log'] / 1024:.0f} |")
         problems = problems_of(attack, device, options)

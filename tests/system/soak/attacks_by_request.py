@@ -3,7 +3,6 @@
 import json
 import os
 import sqlite3
-import time
 
 from attacked_device import MIB
 from orvo_device import write_silence
@@ -96,9 +95,9 @@ def unread_pictures(device):
     readers = [device.stranger() for _ in range(device.count(300, 60))]
     for reader in readers:
         reader.send("GET", f"/api/artwork?uri=file://{cover}")
-    time.sleep(3)
     for reader in readers:
         device.answers[reader.first_line()] += 1
+    for reader in readers:
         reader.close()
 
 

@@ -27,9 +27,9 @@ TOKEN = "the-token-of-this-device"
 WARM_UP_S = 60
 # Growth after the warm-up that is still called flat: a list that leaks one track per edit grows
 # many times as fast.
-MOST_BYTES_PER_S = 4096
+MAX_BYTES_PER_S = 4096
 # A short run is warm-up to its end.
-MOST_BYTES_PER_S_WARMING_UP = 512 * 1024
+MAX_BYTES_PER_S_WARMING_UP = 512 * 1024
 
 
 def main():
@@ -106,7 +106,7 @@ def report(clients, stranger, samples, seen, seconds):
     growth = slope([(row[0], row[1]) for row in rows])
     print(f"memory: {samples.rows[0][1] / 1e6:.1f} MB at first, {rows[0][1] / 1e6:.1f} MB after"
           f" {warm:.0f} s, {rows[-1][1] / 1e6:.1f} MB at the end; slope {growth / 1024:.2f} KiB/s")
-    most = MOST_BYTES_PER_S if seconds >= 3 * WARM_UP_S else MOST_BYTES_PER_S_WARMING_UP
+    most = MAX_BYTES_PER_S if seconds >= 3 * WARM_UP_S else MAX_BYTES_PER_S_WARMING_UP
     if growth > most:
         problems.append(f"memory grows by more than {most / 1024:.0f} KiB/s")
     descriptors = [row[2] for row in rows]
