@@ -24,9 +24,10 @@
 //                            address that other machines reach
 //   gateway/hosts            further names of the device, with commas between
 //   gateway/trustedProxies   addresses and networks, with commas between, whose X-Forwarded-For
-//   counts gateway/commentMs        how often a silent event stream shows that it lives; default
-//   15000 gateway/historyEvents    how many events a reader can come back to; default 4096 and the
-//   limits, see the table in GatewayWorker.cpp
+//                            counts
+//   gateway/commentMs        how often a silent event stream shows that it lives; default 15000
+//   gateway/historyEvents    how many events a reader can come back to; default 4096
+// and the limits, see the table in GatewayWorker.cpp.
 class GatewayWorker : public CMNodesWorker {
     Q_OBJECT
 public:
