@@ -2,8 +2,8 @@
 
 #include "CtlFixture.h"
 #include "FakePlayer.h"
+#include "LogCapture.h"
 #include "OrvoPlayListPaths.h"
-#include "TestApp.h"
 
 namespace {
 

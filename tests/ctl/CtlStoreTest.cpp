@@ -46,10 +46,10 @@ protected:
         ASSERT_EQ(out.write(bytes), bytes.size());
     }
     // Checks it, and that the check changes nothing.
-    Device::Ctl check() {
+    Device::ProgramRun check() {
         const QByteArray before = contents(file);
         const QStringList entries = QDir(QFileInfo(file).path()).entryList();
-        Device::Ctl result = device.ctl({"check", file});
+        Device::ProgramRun result = device.ctl({"check", file});
         EXPECT_TRUE(contents(file) == before);
         EXPECT_EQ(QDir(QFileInfo(file).path()).entryList(), entries);
         return result;
@@ -63,7 +63,7 @@ protected:
 } // namespace
 
 TEST_F(CtlStore, aFileInOrderIsStatusZero) {
-    const Device::Ctl result = check();
+    const Device::ProgramRun result = check();
     EXPECT_EQ(result.status, 0) << qPrintable(result.err);
     EXPECT_EQ(result.out, file + " is in order: 2 playlists, 4 tracks, 1 collections\n");
     EXPECT_EQ(result.err, "");
@@ -127,7 +127,7 @@ TEST_F(CtlStore, eachBrokenRuleIsAFindingWithAnAdvice) {
         write(whole);
         // Foreign keys off: the rows that they refuse are damage, too.
         StoreFile(file).run(QStringLiteral("PRAGMA foreign_keys=0;") + row.damage);
-        const Device::Ctl result = check();
+        const Device::ProgramRun result = check();
         EXPECT_EQ(result.status, 1) << qPrintable(result.out);
         EXPECT_TRUE(result.out.contains(row.finding)) << qPrintable(result.out);
         EXPECT_TRUE(result.out.contains(row.advice)) << qPrintable(result.out);
@@ -138,7 +138,7 @@ TEST_F(CtlStore, eachBrokenRuleIsAFindingWithAnAdvice) {
 TEST_F(CtlStore, manyFindingsOfOneKindAreCutShort) {
     device.query("WITH RECURSIVE n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM n WHERE i < 40)"
                  " INSERT INTO playlists(uid, name) SELECT i, '' FROM n");
-    const Device::Ctl result = check();
+    const Device::ProgramRun result = check();
     EXPECT_EQ(result.out.count("its name is no text"), 10);
     EXPECT_TRUE(result.out.contains("… and 21 more of this kind\n")) << qPrintable(result.out);
 }
@@ -150,13 +150,13 @@ TEST_F(CtlStore, damageBelowTheRowsIsFound) {
     const int pages = whole.size() / 4096;
     for (int page = 1; page < pages; ++page) {
         write(QByteArray(whole).replace(page * 4096, 64, QByteArray(64, '\xa5')));
-        const Device::Ctl result = check();
+        const Device::ProgramRun result = check();
         EXPECT_EQ(result.status, 1) << "page " << page + 1 << qPrintable(result.out);
         found += result.out.contains("SQLite: ") || result.out.contains("cannot be read");
     }
     EXPECT_EQ(found, pages - 1);
     write(whole.left(whole.size() / 2));
-    Device::Ctl result = check();
+    Device::ProgramRun result = check();
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.out.contains("database disk image is malformed\n"))
         << qPrintable(result.out);
@@ -174,7 +174,7 @@ TEST_F(CtlStore, whatCannotBeReadIsStatusTwo) {
     write(QByteArray("no database at all ").repeated(100));
     EXPECT_EQ(check().status, 2);
     QFile::remove(file);
-    Device::Ctl result = device.ctl({"check", file});
+    Device::ProgramRun result = device.ctl({"check", file});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "orvoctl: cannot read " + file + ": No such file or directory\n");
     result = device.ctl({"check", folder.path()});
@@ -195,7 +195,7 @@ TEST_F(CtlStore, theSettingsBesideItAreLookedAt) {
     ASSERT_TRUE(settings.open(QIODevice::WriteOnly));
     settings.write(R"({"settings:playlists/databaseVacuum": "soon"})");
     settings.close();
-    Device::Ctl result = check();
+    Device::ProgramRun result = check();
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.out.contains(
         "settings.json: settings:playlists/databaseVacuum has a value of the wrong kind\n"));
@@ -226,7 +226,7 @@ TEST_F(CtlStore, anEditThatWasCutOffIsLeftOutAndTheFileNotTouched) {
     out.write(journal);
     out.close();
 
-    const Device::Ctl result = check();
+    const Device::ProgramRun result = check();
     EXPECT_EQ(result.status, 0) << qPrintable(result.out + result.err);
     EXPECT_TRUE(result.err.startsWith("an edit was cut off")) << qPrintable(result.err);
     EXPECT_TRUE(contents(file + "-journal") == journal);
@@ -241,7 +241,7 @@ TEST_F(CtlStore, anEditThatWasCutOffIsLeftOutAndTheFileNotTouched) {
 
 TEST_F(CtlStore, aBackupGetsItsNameWhenItIsCheckedAndReplacesNothing) {
     const QString target = folder.filePath("kept.sqlite");
-    Device::Ctl result = device.ctl({"backup", file, target});
+    Device::ProgramRun result = device.ctl({"backup", file, target});
     EXPECT_EQ(result.status, 0) << qPrintable(result.err);
     EXPECT_EQ(result.err, "copied 2 playlists, 4 tracks, 1 collections to " + target + "\n");
     EXPECT_EQ(device.ctl({"check", target}).status, 0);
@@ -260,7 +260,8 @@ TEST_F(CtlStore, aBackupGetsItsNameWhenItIsCheckedAndReplacesNothing) {
 
     // Into a folder: a name of its own.
     QDir(folder.path()).mkdir("many");
-    const Device::Ctl named = device.ctl({"--json", "backup", file, folder.filePath("many")});
+    const Device::ProgramRun named =
+        device.ctl({"--json", "backup", file, folder.filePath("many")});
     const QString name =
         QJsonDocument::fromJson(named.out.toUtf8()).object().value("file").toString();
     EXPECT_TRUE(name.startsWith(folder.filePath("many/playlists-"))) << qPrintable(named.out);
@@ -270,7 +271,7 @@ TEST_F(CtlStore, aBackupGetsItsNameWhenItIsCheckedAndReplacesNothing) {
 TEST_F(CtlStore, aBackupOfWhatIsNotInOrderIsKeptUnderAnotherName) {
     device.query("UPDATE playlists_items SET sequenceNumber = 7 WHERE sequenceNumber = 1");
     const QString target = folder.filePath("copy.sqlite");
-    const Device::Ctl result = device.ctl({"backup", file, target});
+    const Device::ProgramRun result = device.ctl({"backup", file, target});
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.out.contains("with gaps"));
     EXPECT_TRUE(result.err.contains("the copy is kept as " + target + ".damaged"));

@@ -142,7 +142,7 @@ TEST_F(Host, aKilledHostLeavesNoLockBehind) {
 }
 
 // Killed between making the file and writing into it, or restarted where its number is in use.
-TEST_F(Host, whatIsInTheLockFileBarsNobody) {
+TEST_F(Host, whatIsInTheLockFileBarsNoHost) {
     ASSERT_TRUE(QDir().mkpath(path("data")));
     for (const char* left : {"", "1\norvo-host\n", "no number"}) {
         QFile lock(path("data/orvo-host.lock"));

@@ -30,6 +30,6 @@ bool waitUntil(Condition condition, int timeoutMs = PatienceMs) {
 }
 
 // Lets events happen for a while.
-inline void waitFor(int ms) {
+inline void turnEventsFor(int ms) {
     waitUntil([] { return false; }, ms);
 }

@@ -176,7 +176,7 @@ TEST_F(BrowseList, headingsAreNeverStoodOnAndShownWithWhatTheyHead) {
     EXPECT_EQ(active(), "a");
 }
 
-TEST_F(BrowseList, changesElsewhereConcernNobodyHere) {
+TEST_F(BrowseList, changesOfOtherListsLeaveThisOneAlone) {
     load(10);
     const int before = rows.asked.size();
     store.apply({"playlists:pl/items/10", false, {"reset", "close"}});
@@ -231,7 +231,7 @@ TEST_F(BrowseList, theWholeListIsSearchedInPartsThatAreNotKept) {
         EXPECT_LT(range.second - range.first, 500);
 }
 
-TEST_F(BrowseList, findingBeginsWhereSomebodyStandsAndKnowsNoAccents) {
+TEST_F(BrowseList, findingBeginsAtTheGivenRowAndKnowsNoAccents) {
     rows.list = {FakeRows::track(QString::fromUtf8("Über")), FakeRows::track("x"),
                  FakeRows::track("uberall")};
     cursor.setHeight(10);

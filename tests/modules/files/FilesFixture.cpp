@@ -1,7 +1,6 @@
 #include "FilesFixture.h"
 
 #include <QDir>
-#include <QTest>
 #include <QTextCodec>
 #include <QUrl>
 
@@ -36,12 +35,8 @@ void FilesFixture::startAndScan() {
     ASSERT_TRUE(waitUntilScanned());
 }
 
-bool FilesFixture::waitFor(const std::function<bool()>& condition) {
-    return QTest::qWaitFor(condition, 60000);
-}
-
 bool FilesFixture::waitUntilScanned() {
-    return waitFor([this] { return scanValue().value("state") == "ready"; });
+    return waitUntil([this] { return scanValue().value("state") == "ready"; });
 }
 
 QVariantHash FilesFixture::scanValue() const {
@@ -90,7 +85,7 @@ CMReply<QVariant> FilesFixture::set(const QString& path, const QVariant& value) 
 
 QList<OrvoPlayListItem> FilesFixture::prepare(const QStringList& paths) const {
     const CMReply<QVariant> reply = set("files:prepareItems", paths);
-    EXPECT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+    EXPECT_TRUE(waitUntil([&reply] { return reply.isFinished(); }));
     EXPECT_FALSE(reply.isError());
     QList<OrvoPlayListItem> items;
     for (const QVariant& item : reply.value().toList())

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 
 #include <QTemporaryDir>
 
 #include "CMRootWorker.h"
+#include "EventLoop.h"
 #include "FilesWorker.h"
 #include "OrvoPlayListItem.h"
 #include "SoundFiles.h"
@@ -30,8 +30,6 @@ protected:
     void stop() { m_worker.reset(); }
     FilesWorker* worker() const { return m_worker.get(); }
 
-    // Handles events until the condition holds; false after ten seconds.
-    static bool waitFor(const std::function<bool()>& condition);
     bool waitUntilScanned();
     QVariantHash scanValue() const;
 

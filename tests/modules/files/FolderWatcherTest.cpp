@@ -6,9 +6,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "LogCapture.h"
 #include "SoundFiles.h"
 #include "TagReader.h"
-#include "TestApp.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <QFile>
 
 #include "FilesFixture.h"
+#include "LogCapture.h"
 #include "TaggedFiles.h"
-#include "TestApp.h"
 
 using SoundFiles::writeWav;
 

@@ -186,16 +186,16 @@ TEST_F(LibraryViewsTest, everyViewIsResetWhenTheLibraryIsAnother) {
                          if (change.kind == CMChange::Kind::StartingWith)
                              resets.append(change.path.toString());
                      });
-    ASSERT_TRUE(waitFor([&] { return resets.size() >= int(LibraryViews::all().size()); }));
+    ASSERT_TRUE(waitUntil([&] { return resets.size() >= int(LibraryViews::all().size()); }));
     resets.clear();
     writeTrack("new.ape", {{"ARTIST", "Zoe"}});
-    ASSERT_TRUE(waitFor([&] { return resets.contains("files:distinct"); }));
+    ASSERT_TRUE(waitUntil([&] { return resets.contains("files:distinct"); }));
     for (const char* path : {"files:artists", "files:albums", "files:genres", "files:recent",
                              "files:select", "files:distinct"})
         EXPECT_TRUE(resets.contains(path)) << path;
     EXPECT_TRUE(titles("files:artists").contains("Zoe"));
     ASSERT_TRUE(QFile::remove(file("new.ape")));
-    EXPECT_TRUE(waitFor([&] { return !titles("files:artists").contains("Zoe"); }));
+    EXPECT_TRUE(waitUntil([&] { return !titles("files:artists").contains("Zoe"); }));
 }
 
 TEST_F(LibraryViewsTest, whatAListSelectsCanBePrepared) {

@@ -11,7 +11,7 @@ protected:
     // The files of the items that were answered, below the music folder; "-" for none.
     QStringList match(const QVariantList& hints) const {
         const CMReply<QVariant> reply = set("files:match", hints);
-        EXPECT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+        EXPECT_TRUE(waitUntil([&reply] { return reply.isFinished(); }));
         EXPECT_EQ(reply.error().message().toString(), "");
         QStringList files;
         for (const QVariant& item : reply.value().toList()) {
@@ -99,7 +99,7 @@ TEST_F(Match, theAnswerHasACompleteItemForEachHintInTheirOrder) {
     startAndScan();
     const CMReply<QVariant> reply =
         set("files:match", QVariantList{named("gone"), named("Ann/a.wav")});
-    ASSERT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+    ASSERT_TRUE(waitUntil([&reply] { return reply.isFinished(); }));
     const QVariantList items = reply.value().toList();
     ASSERT_EQ(items.size(), 2);
     EXPECT_FALSE(items.at(0).isValid());
@@ -150,7 +150,7 @@ TEST_F(Match, beforeTheFirstScanHasEndedARequestIsRefusedAfterAWhile) {
         EXPECT_FALSE(reply.isFinished());
     }
     for (const CMReply<QVariant>& reply : replies) {
-        ASSERT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+        ASSERT_TRUE(waitUntil([&reply] { return reply.isFinished(); }));
         EXPECT_EQ(reply.error().name(), "Scanning");
         EXPECT_EQ(reply.error().message().toString(),
                   "The music folder is still being looked through. Please try again later.");

@@ -3,8 +3,8 @@
 #include <QTimer>
 
 #include "FilesFixture.h"
+#include "LogCapture.h"
 #include "OrvoRoles.h"
-#include "TestApp.h"
 
 using SoundFiles::writeWav;
 
@@ -57,7 +57,7 @@ TEST_F(PrepareItems, tagsThatAreNotReadYetAreReadForIt) {
     writeWav(file("A/x.wav"), {"The Title", {}, {}, {}, 0});
     start();
     const CMReply<QVariant> reply = set("files:prepareItems", QStringList{"files:tree/A/x.wav"});
-    ASSERT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+    ASSERT_TRUE(waitUntil([&reply] { return reply.isFinished(); }));
     EXPECT_EQ(scanValue().value("done"), 1) << "what is waited for is not read twice";
     EXPECT_EQ(OrvoPlayListItem(reply.value().toList().value(0)).title(), "The Title");
 }
@@ -128,7 +128,7 @@ TEST_F(PrepareItems, elementsThatAreNoPathsGiveNothing) {
                                    QVariantList{"files:tree"}, QVariant(),
                                    QVariant::fromValue(CMPath("files:tree/a.wav"))};
     const CMReply<QVariant> reply = set("files:prepareItems", elements);
-    ASSERT_TRUE(waitFor([&] { return reply.isFinished(); }));
+    ASSERT_TRUE(waitUntil([&] { return reply.isFinished(); }));
     EXPECT_EQ(reply.value().toList().size(), 1);
 }
 
@@ -143,7 +143,7 @@ TEST_F(PrepareItems, aLongCallLetsTheEventLoopTurn) {
     ticking.start(0);
     const CMReply<QVariant> reply = set("files:prepareItems", QStringList{"files:tree"});
     EXPECT_FALSE(reply.isFinished());
-    ASSERT_TRUE(waitFor([&] { return reply.isFinished(); }));
+    ASSERT_TRUE(waitUntil([&] { return reply.isFinished(); }));
     EXPECT_GE(turns, 5);
     const QVariantList items = reply.value().toList();
     ASSERT_EQ(items.size(), Tracks);
@@ -157,7 +157,7 @@ TEST_F(PrepareItems, twoCallsAtATimeEachGetTheirOwnAnswer) {
     start();
     const CMReply<QVariant> odd = set("files:prepareItems", QStringList{"files:tree/odd"});
     const CMReply<QVariant> even = set("files:prepareItems", QStringList{"files:tree/even"});
-    ASSERT_TRUE(waitFor([&] { return odd.isFinished() && even.isFinished(); }));
+    ASSERT_TRUE(waitUntil([&] { return odd.isFinished() && even.isFinished(); }));
     ASSERT_EQ(odd.value().toList().size(), 500);
     ASSERT_EQ(even.value().toList().size(), 500);
     EXPECT_EQ(OrvoPlayListItem(odd.value().toList().at(0)).title(), "1");

@@ -3,7 +3,7 @@
 #include <QSignalSpy>
 
 #include "FilesFixture.h"
-#include "TestApp.h"
+#include "LogCapture.h"
 
 using SoundFiles::writeWav;
 
@@ -17,7 +17,7 @@ protected:
                          [this](const CMChange& change) { changes.append(change); });
     }
     bool toldItsEnd() {
-        return waitFor([this] {
+        return waitUntil([this] {
             return !progress().isEmpty() && progress().constLast().value("state") == "ready";
         });
     }
@@ -46,7 +46,7 @@ protected:
     }
     // Waits until the folder's titles are these.
     bool becomes(const QString& path, const QStringList& expected) {
-        return waitFor([&] { return titles(path) == expected; });
+        return waitUntil([&] { return titles(path) == expected; });
     }
 
     QList<CMChange> changes;
@@ -101,9 +101,9 @@ TEST_F(Scan, aNewFileIsSeen) {
     startScanAndListen();
     writeWav(file("A/2.wav"), {"Two", {}, {}, {}, 0});
     EXPECT_TRUE(becomes("files:tree/A", {"1", "Two"}));
-    EXPECT_TRUE(waitFor([this] { return resets().contains("files:tree/A"); }));
+    EXPECT_TRUE(waitUntil([this] { return resets().contains("files:tree/A"); }));
     EXPECT_FALSE(resets().contains("files:tree"));
-    EXPECT_TRUE(waitFor([this] { return scanValue().value("done") == 2; }));
+    EXPECT_TRUE(waitUntil([this] { return scanValue().value("done") == 2; }));
 }
 
 TEST_F(Scan, aRemovedFileIsSeen) {
@@ -112,7 +112,7 @@ TEST_F(Scan, aRemovedFileIsSeen) {
     startScanAndListen();
     ASSERT_TRUE(QFile::remove(file("A/1.wav")));
     EXPECT_TRUE(becomes("files:tree/A", {"2"}));
-    EXPECT_TRUE(waitFor([this] { return resets().contains("files:tree/A"); }));
+    EXPECT_TRUE(waitUntil([this] { return resets().contains("files:tree/A"); }));
     EXPECT_EQ(scanValue(),
               (QVariantHash{{"state", "ready"}, {"folders", 1}, {"tracks", 1}, {"done", 1}}));
     EXPECT_TRUE(prepare({"files:tree/A/1.wav"}).isEmpty());
@@ -150,7 +150,7 @@ TEST_F(Scan, aFolderThatMovesIsFollowedAtItsNewPlace) {
     ASSERT_TRUE(waitUntilScanned());
     writeWav(file("To/Album/2.wav"));
     EXPECT_TRUE(becomes("files:tree/To/Album", {"1", "2"}));
-    EXPECT_TRUE(waitFor([this] { return scanValue().value("tracks") == 2; }));
+    EXPECT_TRUE(waitUntil([this] { return scanValue().value("tracks") == 2; }));
 }
 
 TEST_F(Scan, tagsRewrittenInPlaceAreReadAgain) {
@@ -181,7 +181,7 @@ TEST_F(Scan, artworkThatComesLaterIsShown) {
     writeWav(file("A/1.wav"));
     startAndScan();
     SoundFiles::writeBytes(file("A/cover.jpg"), "x");
-    EXPECT_TRUE(waitFor([this] {
+    EXPECT_TRUE(waitUntil([this] {
         return rows("files:tree/A").row(0).mediaData().metaData().artworkUrl() ==
                url(file("A/cover.jpg"));
     }));

@@ -110,7 +110,7 @@ TEST_F(Search, seesWhatHasChanged) {
     startAndScan();
     EXPECT_EQ(tracks("brandnew"), QStringList());
     ASSERT_TRUE(TaggedFiles::write(file("new.ape"), {{"TITLE", "Brandnew"}}));
-    EXPECT_TRUE(waitFor([this] { return tracks("brandnew") == QStringList{"Brandnew"}; }));
+    EXPECT_TRUE(waitUntil([this] { return tracks("brandnew") == QStringList{"Brandnew"}; }));
 }
 
 TEST_F(Search, whatIsNoSearchIsRefused) {

@@ -3,7 +3,7 @@
 #include <QUrl>
 
 #include "FilesFixture.h"
-#include "TestApp.h"
+#include "LogCapture.h"
 
 using SoundFiles::writeBytes;
 using SoundFiles::writeWav;

@@ -6,7 +6,7 @@
 #include <QUrl>
 
 #include "FilesFixture.h"
-#include "TestApp.h"
+#include "LogCapture.h"
 
 using SoundFiles::writeWav;
 

@@ -3,7 +3,7 @@
 #include <QFile>
 
 #include "GatewayFixture.h"
-#include "TestApp.h"
+#include "LogCapture.h"
 
 // Who may ask, and who may not.
 

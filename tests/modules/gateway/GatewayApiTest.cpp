@@ -105,7 +105,7 @@ TEST_F(GatewayApi, anAsynchronousCommandIsAnsweredWhenItCompletes) {
               R"({"result":{"x":1}})");
 }
 
-TEST_F(GatewayApi, aSlowCommandHoldsUpNobodyElse) {
+TEST_F(GatewayApi, aSlowCommandHoldsUpNoOtherClient) {
     HttpClient slow(port());
     slow.write("POST /api/data HTTP/1.1\r\nHost: localhost\r\nContent-Length: 38\r\n\r\n"
                R"({"path":"test:silent","value":{"x":1}})");
@@ -159,7 +159,7 @@ TEST_F(GatewayApi, aClientThatWentAwayIsNotMissed) {
         gone.socket().abort();
     }
     m_module->kept().takeFirst().reply().setValue(1);
-    waitFor(20);
+    turnEventsFor(20);
     EXPECT_EQ(http.get("/api/paths").status, 200);
 }
 

@@ -13,7 +13,7 @@ protected:
         auto socket = std::make_unique<RawSocket>(port());
         socket->write(line + " HTTP/1.1\r\nHost: localhost\r\n" + fields +
                       "Content-Length: " + QByteArray::number(size) + "\r\n\r\n ");
-        waitFor(20);
+        turnEventsFor(20);
         return socket;
     }
 

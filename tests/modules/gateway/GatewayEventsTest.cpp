@@ -204,7 +204,7 @@ TEST_F(GatewayEvents, aSilentStreamShowsThatItLives) {
     EXPECT_TRUE(idsOf(text).isEmpty());
 }
 
-TEST_F(GatewayEvents, aReaderThatTakesNothingDelaysNobodyAndIsToldToReadAgain) {
+TEST_F(GatewayEvents, aReaderThatTakesNothingDelaysNoOtherAndIsToldToReadAgain) {
     restart({{"gateway/historyEvents", 30}});
     Reader slow(port());
     slow.http.socket().setReadBufferSize(1024);

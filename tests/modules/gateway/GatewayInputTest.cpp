@@ -197,10 +197,10 @@ TEST_F(GatewayInput, aRequestThatIsBrokenOffIsForgotten) {
         HttpClient http(port());
         http.write(part);
         http.socket().flush();
-        waitFor(10);
+        turnEventsFor(10);
         http.socket().abort();
     }
-    waitFor(20);
+    turnEventsFor(20);
     HttpClient http(port());
     EXPECT_EQ(http.get("/api/paths").status, 200);
     EXPECT_EQ(m_module->writes(), 0);

@@ -177,9 +177,9 @@ TEST_F(GatewayLimits, oneAddressHasOnlySoManyConnections) {
 TEST_F(GatewayLimits, oneConnectionTooManyTakesThePlaceOfTheOneThatWaitedLongest) {
     restart({{"gateway/maxConnections", 3}});
     RawSocket first(port());
-    waitFor(20);
+    turnEventsFor(20);
     RawSocket second(port());
-    waitFor(20);
+    turnEventsFor(20);
     HttpClient third(port());
     EXPECT_EQ(third.get("/api/paths").status, 200);
     EXPECT_FALSE(first.isClosed());
@@ -209,13 +209,13 @@ TEST_F(GatewayLimits, aSlowHeadIsCutWhenItsTimeIsOver) {
     QElapsedTimer clock;
     clock.start();
     quick.write(Request);
-    waitFor(100);
+    turnEventsFor(100);
     quick.write("\r\n");
     EXPECT_TRUE(waitUntil([&] { return quick.read().contains("200 OK"); }));
     // A byte now and then keeps no connection open.
     while (!slow.isClosed() && clock.elapsed() < 5000) {
         slow.write("G");
-        waitFor(20);
+        turnEventsFor(20);
     }
     EXPECT_TRUE(slow.isClosed());
     EXPECT_GE(clock.elapsed(), 390);
@@ -230,7 +230,7 @@ TEST_F(GatewayLimits, aSlowBodyIsCutWhenItsTimeIsOver) {
     clock.start();
     while (!slow.isClosed() && clock.elapsed() < 5000) {
         slow.write(" ");
-        waitFor(20);
+        turnEventsFor(20);
     }
     EXPECT_TRUE(slow.isClosed());
     EXPECT_GE(clock.elapsed(), 290);
@@ -241,7 +241,7 @@ TEST_F(GatewayLimits, aKeptConnectionIsClosedAfterItsIdleTime) {
     restart({{"gateway/requestTimeoutMs", 60000}, {"gateway/idleTimeoutMs", 300}});
     HttpClient http(port());
     EXPECT_EQ(http.get("/api/paths").status, 200);
-    waitFor(150);
+    turnEventsFor(150);
     EXPECT_EQ(http.get("/api/paths").status, 200);
     EXPECT_EQ(http.socket().state(), QAbstractSocket::ConnectedState);
     EXPECT_TRUE(waitUntil(
@@ -254,7 +254,7 @@ TEST_F(GatewayLimits, anAnswerThatIsNotTakenIsCut) {
     slow.write("GET /api/rows?path=test:big HTTP/1.1\r\nHost: localhost\r\n\r\n");
     // The time counts from here: a slow machine makes the answer first.
     ASSERT_TRUE(waitUntil([&] { return slow.hasBytes(); }));
-    waitFor(900);
+    turnEventsFor(900);
     // What is on its way still arrives, but not the whole.
     QByteArray got;
     EXPECT_TRUE(waitUntil([&] {
@@ -282,11 +282,11 @@ TEST_F(GatewayLimits, aStreamWhoseReaderStopsIsCutAndAReaderThatListensIsNot) {
     }
     EXPECT_EQ(m_gateway->openStreams(), 1);
     // It stays although nothing but comments comes.
-    waitFor(900);
+    turnEventsFor(900);
     EXPECT_EQ(m_gateway->openStreams(), 1);
 }
 
-TEST_F(GatewayLimits, manySilentAndSlowClientsDelayNobody) {
+TEST_F(GatewayLimits, manySilentAndSlowClientsDelayNoOther) {
     std::vector<std::unique_ptr<RawSocket>> crowd;
     for (int i = 0; i < 60; ++i) {
         for (const QByteArray& part :
@@ -299,9 +299,9 @@ TEST_F(GatewayLimits, manySilentAndSlowClientsDelayNobody) {
             crowd.push_back(std::make_unique<RawSocket>(port()));
             crowd.back()->write(part);
         }
-        waitFor(1);
+        turnEventsFor(1);
     }
-    waitFor(200);
+    turnEventsFor(200);
     // The big answers are being made and wait to be taken: ten requests take no longer for it.
     askedIn();
     QElapsedTimer clock;

@@ -1,6 +1,6 @@
 #include "GatewayFixture.h"
+#include "LogCapture.h"
 #include "RawSocket.h"
-#include "TestApp.h"
 #include "WrongTokens.h"
 
 // What wrong tokens lead to, for the address that they come from and for no other.
@@ -66,7 +66,7 @@ TEST_F(GatewayLogins, ofManyAtOnceTenAreLookedAt) {
         sockets.back()->write("POST /api/login HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: " +
                               QByteArray::number(body.size()) + "\r\n\r\n" + body.chopped(1));
     }
-    waitFor(100); // their heads are read
+    turnEventsFor(100); // their heads are read
     QMap<QByteArray, int> answers;
     for (const auto& socket : sockets) {
         socket->write(body.right(1));
@@ -99,7 +99,7 @@ TEST_F(GatewayLogins, anAddressTriesAgainWhenItsMinuteIsOver) {
     const HttpAnswer answer = login(Token);
     EXPECT_EQ(answer.status, 429);
     EXPECT_EQ(answer.headers.value("retry-after"), "1");
-    waitFor(310);
+    turnEventsFor(310);
     EXPECT_EQ(login(Token).status, 200);
     EXPECT_EQ(login("wrong").status, 401);
 }

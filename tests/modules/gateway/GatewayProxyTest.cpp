@@ -1,6 +1,6 @@
 #include "GatewayFixture.h"
+#include "LogCapture.h"
 #include "RawSocket.h"
-#include "TestApp.h"
 #include "TrustedProxies.h"
 
 // For whom a request counts that comes through a proxy.

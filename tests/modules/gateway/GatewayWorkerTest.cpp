@@ -3,7 +3,7 @@
 #include <QTcpServer>
 
 #include "GatewayFixture.h"
-#include "TestApp.h"
+#include "LogCapture.h"
 
 using GatewayWorkerTest = GatewayFixture;
 

@@ -120,7 +120,7 @@ TEST_F(Export, aPlaylistThatChangesMeanwhileIsAConflict) {
     CMRoot()->invoke(CMPath("lists:export"), QVariantHash{{"plid", plid}}, reply);
     ASSERT_FALSE(reply.isFinished());
     call("playlists:pl/removeItems", {{"plid", plid}, {"items", QVariantList{0}}});
-    ASSERT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+    ASSERT_TRUE(waitUntil([&reply] { return reply.isFinished(); }));
     EXPECT_EQ(reply.error().name(), "Conflict");
     EXPECT_EQ(reply.error().message().toString(), "The playlist has changed meanwhile.");
     EXPECT_EQ(exportList(plid).value.value("tracks"), 449);

@@ -141,7 +141,7 @@ TEST_F(Import, aFifthImportOrExportAtTheSameTimeIsRefused) {
         EXPECT_EQ(replies.at(4).error().name(), "TooManyFiles");
         EXPECT_EQ(replies.at(4).error().message().toString(), kind.refusal);
         for (int i = 0; i < 4; ++i) {
-            EXPECT_TRUE(waitFor([&] { return replies.at(i).isFinished(); }));
+            EXPECT_TRUE(waitUntil([&] { return replies.at(i).isFinished(); }));
             EXPECT_FALSE(replies.at(i).isError());
         }
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -158,13 +158,13 @@ TEST_F(Import, whatAnotherClientDoesWithThePlaylistMeanwhileStays) {
     for (const QString& edit : edits) {
         const CMReply<QVariant> reply;
         CMRoot()->invoke(CMPath("lists:import"), args, reply);
-        ASSERT_TRUE(waitFor([] { return !playlistNames().isEmpty() && rows(1).size() > 1; }));
+        ASSERT_TRUE(waitUntil([] { return !playlistNames().isEmpty() && rows(1).size() > 1; }));
         EXPECT_EQ(playlistNames(), QStringList{"Long (import unfinished)"});
         const int size = rows(1).size();
         EXPECT_EQ(call(edit, {{"plid", 1}, {"items", QVariantList{0}}}).error.name(), "");
         if (playlistNames().isEmpty())
             call("playlists:pl/create", {{"name", "Other"}});
-        ASSERT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+        ASSERT_TRUE(waitUntil([&reply] { return reply.isFinished(); }));
         EXPECT_TRUE(reply.isError());
         EXPECT_TRUE(reply.error().message().toString().endsWith(
             QStringLiteral(" Tracks added until then: %1.").arg(size)));
@@ -185,7 +185,7 @@ TEST_F(Import, untilTheLastTrackIsThereTheNameSaysSoAlsoAfterARestart) {
     const QVariantHash args = {{"text", QString("a.wav\n").repeated(500)}, {"name", "Long"}};
     const CMReply<QVariant> reply;
     CMRoot()->invoke(CMPath("lists:import"), args, reply);
-    ASSERT_TRUE(waitFor([] { return !playlistNames().isEmpty() && rows(1).size() > 1; }));
+    ASSERT_TRUE(waitUntil([] { return !playlistNames().isEmpty() && rows(1).size() > 1; }));
     const int size = rows(1).size();
     ASSERT_LT(size, 500);
     restart();
@@ -202,9 +202,9 @@ TEST_F(Import, aNameThatAnotherClientGivesItMeanwhileStays) {
     CMRoot()->invoke(CMPath("lists:import"),
                      QVariantHash{{"text", QString("a.wav\n").repeated(500)}, {"name", "Long"}},
                      reply);
-    ASSERT_TRUE(waitFor([] { return !playlistNames().isEmpty(); }));
+    ASSERT_TRUE(waitUntil([] { return !playlistNames().isEmpty(); }));
     call("playlists:pl/setName", {{"plid", 1}, {"name", "Mine"}});
-    ASSERT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+    ASSERT_TRUE(waitUntil([&reply] { return reply.isFinished(); }));
     EXPECT_FALSE(reply.isError());
     EXPECT_EQ(playlistNames(), QStringList{"Mine"});
     EXPECT_EQ(rows(1).size(), 500);
@@ -235,12 +235,12 @@ TEST_F(Import, whereTheDiskIsFullSoThatNothingCanBeUndoneTheAnswerSaysWhatStays)
     CMRoot()->invoke(CMPath("lists:import"),
                      QVariantHash{{"text", QString("a.wav\n").repeated(2000)}, {"name", "Long"}},
                      reply);
-    ASSERT_TRUE(waitFor([] { return !playlistNames().isEmpty() && rows(1).size() > 1; }));
+    ASSERT_TRUE(waitUntil([] { return !playlistNames().isEmpty() && rows(1).size() > 1; }));
     const int size = rows(1).size();
     ASSERT_LT(size, 2000);
     {
         const FullDisk full;
-        ASSERT_TRUE(waitFor([&reply] { return reply.isFinished(); }));
+        ASSERT_TRUE(waitUntil([&reply] { return reply.isFinished(); }));
     }
     EXPECT_EQ(reply.error().message().toString(),
               QStringLiteral("Could not add external items to playlist. No items were added. "

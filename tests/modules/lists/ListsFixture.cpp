@@ -3,7 +3,6 @@
 #include <dlfcn.h>
 
 #include <QDir>
-#include <QTest>
 #include <QTextCodec>
 #include <QUrl>
 
@@ -68,11 +67,7 @@ void ListsFixture::start(const QHash<QString, QVariant>& config) {
     const auto isScanned = [] {
         return CMRoot()->getValue(CMPath("files:scan")).toHash().value("state") == "ready";
     };
-    ASSERT_TRUE(waitFor(isScanned));
-}
-
-bool ListsFixture::waitFor(const std::function<bool()>& condition) {
-    return QTest::qWaitFor(condition, 60000);
+    ASSERT_TRUE(waitUntil(isScanned));
 }
 
 QStringList ListsFixture::Answer::notFound() const {
@@ -87,7 +82,7 @@ QStringList ListsFixture::Answer::notFound() const {
 ListsFixture::Answer ListsFixture::call(const QString& path, const QVariantHash& args) {
     const CMReply<QVariant> reply;
     CMRoot()->invoke(CMPath(path), args, reply);
-    EXPECT_TRUE(waitFor([&reply] { return reply.isFinished(); })) << qPrintable(path);
+    EXPECT_TRUE(waitUntil([&reply] { return reply.isFinished(); })) << qPrintable(path);
     return {reply.error(), reply.value().toHash()};
 }
 
@@ -113,7 +108,7 @@ QList<OrvoRoles> ListsFixture::rows(int plid) {
     const CMReplyData<OrvoRowsRoles> reply;
     CMRoot()->getRowsRequest(
         CMGetRowsRequest(CMPath(path), 0, CMGetRowsRequest::LastRow, names, reply));
-    EXPECT_TRUE(waitFor([&reply] { return reply.isFinished(); })) << qPrintable(path);
+    EXPECT_TRUE(waitUntil([&reply] { return reply.isFinished(); })) << qPrintable(path);
     QList<OrvoRoles> all;
     for (const QVariant& row : reply.value().rows()) {
         OrvoRoles roles;

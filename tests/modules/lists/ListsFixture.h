@@ -1,12 +1,12 @@
 #pragma once
 
-#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 
 #include <QTemporaryDir>
 
 #include "CMRootWorker.h"
+#include "EventLoop.h"
 #include "ListsWorker.h"
 #include "Printing.h"
 #include "SoundFiles.h"
@@ -56,8 +56,6 @@ protected:
     QStringList tracks(int plid) const;
     static QList<OrvoRoles> rows(int plid);
     static QStringList playlistNames();
-
-    static bool waitFor(const std::function<bool()>& condition);
 
 private:
     void unload();

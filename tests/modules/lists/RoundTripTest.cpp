@@ -1,10 +1,9 @@
-#include <random>
-
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include "ListsFixture.h"
 #include "ListWriter.h"
+#include "Random.h"
 
 namespace {
 
@@ -14,15 +13,7 @@ const QString Letters =
 
 class RoundTrip : public ListsFixture {
 protected:
-    RoundTrip() {
-        const QByteArray given = qgetenv("ORVO_SEED");
-        const unsigned seed = given.isEmpty() ? std::random_device()() : given.toUInt();
-        RecordProperty("seed", int(seed));
-        std::printf("seed %u\n", seed);
-        m_random.seed(seed);
-    }
-
-    int upTo(int most) { return std::uniform_int_distribution<int>(0, most)(m_random); }
+    int upTo(int most) { return m_random.below(most + 1); }
 
     QString text(int longest) {
         QVector<uint> letters;
@@ -48,7 +39,7 @@ protected:
         return lines;
     }
 
-    std::mt19937 m_random;
+    Random m_random{Random::firstSeed()};
 };
 
 } // namespace

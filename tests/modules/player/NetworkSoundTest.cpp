@@ -73,14 +73,14 @@ TEST_F(NetworkSoundTest, aServerThatSaysNothingFailsInTime) {
         EXPECT_EQ(listener.failure, "it does not begin in time");
         EXPECT_GE(clock.elapsed(), TimeoutMs);
     }
-    waitFor(50);
+    turnEventsFor(50);
     EXPECT_EQ(listener.told, (QStringList{"failed 1", "failed 2"})) << "each once";
 }
 
 TEST_F(NetworkSoundTest, anAnnouncedItemThatDoesNotBeginFailsWhenItsTurnComes) {
     engine.play(1, files.wav("a.wav", SoundFiles::pcm(4410, 2)), 0, true);
     engine.setNext(2, server.url("/silent"));
-    waitFor(2 * TimeoutMs);
+    turnEventsFor(2 * TimeoutMs);
     EXPECT_EQ(listener.told, QStringList{"started 1"});
     engine.setPaused(false);
     ASSERT_TRUE(listener.waitForLast("failed 2"));
@@ -90,7 +90,7 @@ TEST_F(NetworkSoundTest, anAnnouncedItemThatDoesNotBeginFailsWhenItsTurnComes) {
 TEST_F(NetworkSoundTest, aPauseIsNoStall) {
     engine.play(1, server.url("/slow/800"), 0, true);
     ASSERT_TRUE(listener.waitForLast("started 1"));
-    waitFor(2 * TimeoutMs);
+    turnEventsFor(2 * TimeoutMs);
     EXPECT_EQ(listener.told, QStringList{"started 1"});
     engine.setPaused(false);
     ASSERT_TRUE(listener.waitForLast("finished 1"));
@@ -109,7 +109,7 @@ TEST_F(NetworkSoundTest, whatHangsIsLeftAtOnce) {
     for (const QString& path :
          {QStringLiteral("/silent"), QStringLiteral("/headers"), QStringLiteral("/half")}) {
         engine.play(++generation, server.url(path), 0, false);
-        waitFor(100);
+        turnEventsFor(100);
         QElapsedTimer clock;
         clock.start();
         engine.duration();
@@ -135,7 +135,7 @@ TEST_F(NetworkSoundTest, fiveRedirectsAreFollowedAndNoMore) {
         engine.play(6, server.url(path), 0, false);
         ASSERT_TRUE(listener.waitForLast("failed 6"));
         EXPECT_EQ(listener.failure, "it is redirected too often");
-        waitFor(50);
+        turnEventsFor(50);
         EXPECT_EQ(listener.told, QStringList{"failed 6"});
         EXPECT_EQ(server.requests.size(), 6) << server.requests.join(' ').toStdString();
     }

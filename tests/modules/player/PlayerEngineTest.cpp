@@ -174,7 +174,7 @@ TEST_F(PlayerEngineTest, aDroppedAnnouncementNeverStartsAndTheEndIsTold) {
         engine.play(1, files.wav("a.wav", a), 0, false);
         engine.setNext(2, uriB);
         ASSERT_TRUE(listener.waitForLast("finished 1"));
-        waitFor(50);
+        turnEventsFor(50);
         EXPECT_EQ(listener.told, (QStringList{"started 1", "ended 1", "finished 1"}));
     }
     EXPECT_TRUE(out().samples() == a);
@@ -225,7 +225,7 @@ TEST_F(PlayerEngineTest, whatCannotBePlayedFailsWithAReason) {
             EXPECT_EQ(listener.failure, row.second);
         }
     }
-    waitFor(30);
+    turnEventsFor(30);
     EXPECT_EQ(listener.told.size(), rows.size()) << "each once, and none started";
 }
 
@@ -284,7 +284,7 @@ TEST_F(PlayerEngineTest, seekingWhilePausedIsHeardAfterTheResume) {
         EXPECT_EQ(engine.duration(), 1000);
         ASSERT_TRUE(engine.seek(500));
         EXPECT_EQ(engine.position(), 500);
-        waitFor(50);
+        turnEventsFor(50);
         EXPECT_EQ(engine.position(), 500);
         engine.setPaused(false);
         ASSERT_TRUE(listener.waitForLast("finished 1"));
@@ -336,7 +336,7 @@ TEST_F(PlayerEngineTest, anEndFromBeforeASeekIsNotTold) {
     EXPECT_EQ(engine.position(), 100);
     ASSERT_TRUE(engine.seek(0));
     ASSERT_TRUE(listener.waitForLast("finished 1"));
-    waitFor(50);
+    turnEventsFor(50);
     EXPECT_EQ(listener.told, (QStringList{"started 1", "ended 1", "finished 1"}));
 }
 
@@ -345,7 +345,7 @@ TEST_F(PlayerEngineTest, aPauseHoldsTheSoundBack) {
     Listener listener(engine);
     engine.play(1, files.wav("a.wav", SoundFiles::pcm(4410, 1)), 0, true);
     ASSERT_TRUE(listener.waitForLast("started 1"));
-    waitFor(60);
+    turnEventsFor(60);
     EXPECT_EQ(listener.told, QStringList{"started 1"});
     engine.setPaused(false);
     EXPECT_TRUE(listener.waitForLast("finished 1"));
@@ -360,7 +360,7 @@ TEST_F(PlayerEngineTest, nothingIsToldAfterStop) {
     engine.setNext(2, uri);
     engine.setPaused(false);
     engine.stop();
-    waitFor(60);
+    turnEventsFor(60);
     EXPECT_EQ(listener.told, QStringList{"started 1"});
     EXPECT_EQ(engine.position(), 0);
     EXPECT_EQ(engine.duration(), 0);

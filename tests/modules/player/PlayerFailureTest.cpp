@@ -87,7 +87,7 @@ protected:
         play(logic);
         if (!waitForCall(logic, "prepare"))
             return false;
-        waitFor(150);
+        turnEventsFor(150);
         logic.announce(1);
         return waitUntil([&] { return logic.data().containsStreamerError(); });
     }

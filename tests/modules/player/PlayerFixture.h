@@ -4,9 +4,9 @@
 
 #include "CMRootWorker.h"
 #include "EventLoop.h"
+#include "LogCapture.h"
 #include "PlayerWorker.h"
 #include "SoundFiles.h"
-#include "TestApp.h"
 #include "TestPlayLogic.h"
 
 // The player module with two play logics of other modules, over real files.
@@ -74,7 +74,7 @@ protected:
     bool waitForTheEnd() {
         if (!waitForState("stopped"))
             return false;
-        waitFor(20);
+        turnEventsFor(20);
         return state() == QLatin1String("stopped");
     }
     QString sound(const QString& name, int ms, unsigned seed = 1) {

@@ -110,7 +110,7 @@ TEST_F(PlayerHeardTest, aReplacementWhilePausedIsSilentUntilItIsResumed) {
     logic.playTrack(2);
     ASSERT_TRUE(waitForCall(logic, "started:t0>t2"));
     const Pcm before = heard();
-    waitFor(400);
+    turnEventsFor(400);
     EXPECT_TRUE(heard() == before);
     EXPECT_EQ(position(), 0);
     done(OrvoPlayerResumePath());

@@ -118,7 +118,7 @@ TEST_F(PlayerSleepTest, settingAndRunningOutArePublishedAndNothingInBetween) {
     ASSERT_TRUE(waitUntil([&] { return seen.size() == 2; }));
     EXPECT_GT(seen.first().i64(), 0);
     EXPECT_EQ(seen.last().i64(), 0);
-    waitFor(50);
+    turnEventsFor(50);
     EXPECT_EQ(seen.size(), 2);
 }
 

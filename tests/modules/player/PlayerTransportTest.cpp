@@ -32,7 +32,7 @@ TEST_F(PlayerRecordingTest, threeFilesOfAListComeOutEndToEndToTheSample) {
     EXPECT_TRUE(recorded() == SoundFiles::joined({a, b, c}));
 }
 
-TEST_F(PlayerTransportTest, whoeverPlaysNothingIsToldSo) {
+TEST_F(PlayerTransportTest, withNothingPlayingEachRequestSaysSo) {
     for (const CMPath& path : {OrvoPlayerPausePath(), OrvoPlayerResumePath(), OrvoPlayerNextPath(),
                                OrvoPlayerPreviousPath(), OrvoPlayerSetPlayModePath()}) {
         const auto reply = done(path, {{"playMode", "normal"}});
@@ -109,7 +109,7 @@ TEST_F(PlayerTransportTest, pauseAndResumeStartNothingAnew) {
     EXPECT_FALSE(done(OrvoPlayerPausePath()).isError());
     EXPECT_EQ(state(), "paused");
     const qint64 at = position();
-    waitFor(150);
+    turnEventsFor(150);
     EXPECT_NEAR(double(position()), double(at), 25.0);
     EXPECT_FALSE(done(OrvoPlayerPausePath()).isError()) << "once more does no harm";
     EXPECT_FALSE(done(OrvoPlayerResumePath()).isError());
@@ -184,7 +184,7 @@ TEST_F(PlayerTransportTest, nextAndPreviousGoToThePlayLogicAndPlayOnAfterAPause)
     EXPECT_FALSE(done(OrvoPlayerPreviousPath()).isError());
     ASSERT_TRUE(waitForCall(logic, "started:t1>t0"));
     done(OrvoPlayerPreviousPath());
-    waitFor(50);
+    turnEventsFor(50);
     EXPECT_EQ(logic.calls,
               (QStringList{"play", "started:>t0", "prepare", "next", "started:t0>t1", "prepare",
                            "previous", "started:t1>t0", "prepare", "previous"}));
@@ -195,12 +195,12 @@ TEST_F(PlayerTransportTest, whatNoRequestCausedKeepsAPause) {
     playSilentlyInRealTime();
     play(logic);
     ASSERT_TRUE(waitForState("playing"));
-    waitFor(60);
+    turnEventsFor(60);
     done(OrvoPlayerPausePath());
     logic.playTrack(1);
     ASSERT_TRUE(waitForCall(logic, "started:t0>t1"));
     EXPECT_EQ(state(), "paused");
-    waitFor(150);
+    turnEventsFor(150);
     EXPECT_EQ(position(), 0) << "loaded, at its beginning";
     EXPECT_FALSE(done(OrvoPlayerResumePath()).isError());
     EXPECT_EQ(state(), "playing");
@@ -222,7 +222,7 @@ TEST_F(PlayerTransportTest, whatPlaysOnARequestThatIsAnsweredLaterDoesNotKeepAPa
     play(slow, 0, 0, true);
     ASSERT_TRUE(waitForState("paused"));
     invoke(OrvoPlayerNextPath());
-    waitFor(30);
+    turnEventsFor(30);
     slow.playTrack(1);
     slow.waiting.setValue({});
     ASSERT_TRUE(waitForCall(slow, "started:t0>t1"));
@@ -246,7 +246,7 @@ TEST_F(PlayerTransportTest, aPauseInTheSameTurnAsPlayOrNextHolds) {
     invoke(OrvoPlayerPausePath());
     ASSERT_TRUE(waitForCall(logic, "started:t0>t1"));
     EXPECT_EQ(state(), "paused");
-    waitFor(100);
+    turnEventsFor(100);
     EXPECT_EQ(position(), 0);
 
     invoke(OrvoPlayerNextPath());
@@ -289,7 +289,7 @@ TEST_F(PlayerTransportTest, stopReachesThePlayLogicWithItsReason) {
     EXPECT_EQ(logic.lastStopReason, 7);
     EXPECT_EQ(state(), "stopped");
     EXPECT_TRUE(CMRoot()->getValue(OrvoPlayerDataPath()).toHash().isEmpty());
-    waitFor(20);
+    turnEventsFor(20);
     EXPECT_TRUE(done(OrvoPlayerNextPath()).isError()) << "no play logic is in charge after a stop";
 }
 
@@ -297,7 +297,7 @@ TEST_F(PlayerTransportTest, aStopInTheSameTurnAsPlayOrNextHolds) {
     logic.setTracks({sound("a.wav", 2000), sound("b.wav", 2000)});
     other.setTracks({sound("c.wav", 2000)});
     const auto settle = [this] {
-        waitFor(60);
+        turnEventsFor(60);
         return state();
     };
     playSilentlyInRealTime();
@@ -355,7 +355,7 @@ TEST_F(PlayerTransportTest, twoPlayLogicsTakeOverFromEachOther) {
     play(logic);
     ASSERT_TRUE(waitUntil([&] { return logic.calls.count("started:>t0") == 2; }));
     EXPECT_EQ(other.calls, (QStringList{"play", "started:>t0", "prepare", "stop"}));
-    waitFor(20);
+    turnEventsFor(20);
     EXPECT_EQ(state(), "playing");
 }
 
@@ -378,7 +378,7 @@ TEST_F(PlayerTransportTest, aPlayRequestThatLeadsToNothingStopsWhatPlaysAndSaysS
     playSilentlyInRealTime();
     play(logic);
     ASSERT_TRUE(waitForState("playing"));
-    waitFor(60);
+    turnEventsFor(60);
     play(logic, 99);
     ASSERT_TRUE(waitForState("stopped"));
     const OrvoPlayLogicData told(CMRoot()->getValue(OrvoPlayerDataPath()));
@@ -411,7 +411,7 @@ TEST_F(PlayerTransportTest, aPlayLogicThatTakesARequestAndPlaysNothingStopsTheOt
     ASSERT_TRUE(waitForState("paused"));
     play(other, 5);
     ASSERT_TRUE(waitForState("stopped"));
-    waitFor(20);
+    turnEventsFor(20);
     EXPECT_EQ(logic.calls.last(), "stop");
     EXPECT_EQ(logic.lastStopReason, OrvoPlayerStopReason::TakenOver);
     EXPECT_EQ(OrvoPlayLogicData(CMRoot()->getValue(OrvoPlayerDataPath())).error().code(),
@@ -426,7 +426,7 @@ TEST_F(PlayerTransportTest, aRequestForNothingThatWasReplacedMeanwhileStopsNothi
     play(logic, 99);
     play(logic, 1);
     ASSERT_TRUE(waitUntil([&] { return logic.calls.last() == "prepare" && logic.current == 1; }));
-    waitFor(50);
+    turnEventsFor(50);
     EXPECT_EQ(state(), "playing");
     EXPECT_FALSE(logic.data().containsError());
 }
@@ -440,7 +440,7 @@ TEST_F(PlayerTransportTest, anItemWithoutAnythingIsNothingToPlay) {
     logic.calls.clear();
     play(logic, 1);
     ASSERT_TRUE(waitForState("stopped"));
-    waitFor(50);
+    turnEventsFor(50);
     EXPECT_EQ(state(), "stopped");
     EXPECT_FALSE(logic.calls.contains("resume after error"));
     EXPECT_EQ(logic.data().error().message(), "There is nothing to play.");
@@ -470,7 +470,7 @@ TEST_F(PlayerTransportTest, aPlayLogicThatGoesTakesItsSoundWithIt) {
     gone->sendPlayCommand(gone->tracks.first(), {});
     gone.reset();
     ASSERT_TRUE(waitForState("stopped"));
-    waitFor(30);
+    turnEventsFor(30);
     EXPECT_EQ(state(), "stopped");
     EXPECT_TRUE(done(OrvoPlayerNextPath()).isError());
 }

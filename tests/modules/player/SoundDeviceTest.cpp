@@ -6,8 +6,8 @@
 #include <QElapsedTimer>
 
 #include "EventLoop.h"
+#include "LogCapture.h"
 #include "SoundFiles.h"
-#include "TestApp.h"
 #include "TestEngine.h"
 
 namespace {
@@ -90,11 +90,11 @@ TEST_F(SoundDeviceTest, aPauseLosesNothing) {
     QObject::connect(&engine, &PlayerEngine::finished, &engine, [&] { finished = true; });
     engine.play(1, files.wav("a.wav", a), 0, false);
     for (int i = 0; i < 3; ++i) {
-        waitFor(120);
+        turnEventsFor(120);
         engine.setPaused(true);
-        waitFor(60);
+        turnEventsFor(60);
         const qint64 at = engine.position();
-        waitFor(60);
+        turnEventsFor(60);
         EXPECT_EQ(engine.position(), at);
         engine.setPaused(false);
     }
@@ -112,7 +112,7 @@ TEST_F(SoundDeviceTest, quickPausesAndResumesEndInWhatWasLastAskedFor) {
         started = false;
         engine.play(quint64(round + 1), uri, 0, false);
         ASSERT_TRUE(waitUntil([&] { return started; }));
-        waitFor(round);
+        turnEventsFor(round);
         for (int i = 0; i <= round; ++i) {
             engine.setPaused(true);
             if (i % 2)

@@ -7,7 +7,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "TestApp.h"
+#include "LogCapture.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "CMRequest.h"
 #include "FatalToStderr.h"
-#include "TestApp.h"
+#include "LogCapture.h"
 
 namespace {
 

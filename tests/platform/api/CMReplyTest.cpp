@@ -202,7 +202,7 @@ TEST(CMReply, droppingOneOfTwoHandlesCancelsNothing) {
     EXPECT_EQ(seen, 9);
 }
 
-TEST(CMReply, whenTheLastHandleGoesTheCallbacksHearThatNobodyAnswered) {
+TEST(CMReply, whenTheLastHandleGoesTheCallbacksHearThatNoAnswerCame) {
     QStringList calls;
     {
         const CMReply<int> reply;

@@ -103,7 +103,7 @@ TEST_F(CMRequestGroupTest, everyReplyIsThereWhenFinishedComes) {
     EXPECT_EQ(finishedReplies, 2);
 }
 
-TEST_F(CMRequestGroupTest, aPrefixThatNobodyOwnsIsAnError) {
+TEST_F(CMRequestGroupTest, aPrefixOfNoModuleIsAnError) {
     group.addInvoke("prepareItems", CMPath::fromPrefix("nobody"), QVariantList());
     group.checkAndCallCallback();
     ASSERT_EQ(finished.count(), 1);

@@ -9,8 +9,8 @@
 #include <QTemporaryDir>
 
 #include "CMRootWorker.h"
+#include "LogCapture.h"
 #include "Printing.h"
-#include "TestApp.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include "CMNode.h"
 #include "CMRootWorker.h"
 #include "FatalToStderr.h"
+#include "LogCapture.h"
 #include "Printing.h"
-#include "TestApp.h"
 
 namespace {
 
@@ -105,7 +105,7 @@ TEST_F(CMWorkerTest, theNodeIsFoundWithoutTheParametersAndGetsThem) {
     EXPECT_EQ(node.seen, QList<CMPath>({CMPath("playlists:pl/items/5?plid=5&action=x")}));
 }
 
-TEST_F(CMWorkerTest, aPrefixThatNobodyOwnsIsAnErrorForEveryRequest) {
+TEST_F(CMWorkerTest, aPrefixOfNoModuleIsAnErrorForEveryRequest) {
     const QString text = "There is nothing at nobody:a?b=1.";
     const Outcome outcome = set("nobody:a?b=1");
     EXPECT_EQ(outcome.answers, 1);
@@ -173,7 +173,7 @@ TEST_F(CMWorkerTest, aRowIsMatchedByTitleFromTheGivenRowOn) {
     EXPECT_EQ(match("playlists:pl/items/5", "beta", -7).value(), 1);
 }
 
-TEST_F(CMWorkerTest, aMatchOverRowsThatNobodySendsIsAnError) {
+TEST_F(CMWorkerTest, aMatchOverRowsThatNoNodeSendsIsAnError) {
     node.mood = MoodyNode::Mood::Silent;
     EXPECT_EQ(match("playlists:pl/items/5", "x", 0).error().name(), CMError::NotAnswered());
 }

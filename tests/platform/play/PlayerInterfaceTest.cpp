@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "CMRootWorker.h"
+#include "LogCapture.h"
 #include "StreamerPlayLogic.h"
-#include "TestApp.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "CMRootWorker.h"
 #include "EventLoop.h"
-#include "TestApp.h"
+#include "LogCapture.h"
 #include "TestPlayLogic.h"
 
 namespace {
@@ -96,7 +96,7 @@ TEST_F(StreamerPlayLogicTest, anUnknownKindIsRefused) {
     EXPECT_TRUE(player.commands.isEmpty());
 }
 
-TEST_F(StreamerPlayLogicTest, aRequestThatNobodyAnswersGetsAnError) {
+TEST_F(StreamerPlayLogicTest, aRequestThatIsNotAnsweredGetsAnError) {
     logic.answers = false;
     CMReply<QVariant> travelling;
     QString error;
@@ -275,7 +275,7 @@ TEST_F(StreamerPlayLogicTest, theEndKeepsTheErrorAndForgetsTheTrack) {
     EXPECT_FALSE(logic.data().containsControls());
 }
 
-TEST_F(StreamerPlayLogicTest, settingTheSameDataTellsNobody) {
+TEST_F(StreamerPlayLogicTest, settingTheSameDataIsNoChange) {
     OrvoPlayLogicData data;
     data.setTrackRoles(TestPlayLogic::track(0, "file:///a"));
     const QSignalSpy spy(&logic, &PlayLogicBase::dataChanged);
@@ -337,7 +337,7 @@ TEST_F(StreamerPlayLogicTest, aQueuedModeIsDroppedWhenSomethingNewerDecided) {
     EXPECT_EQ(logic.calls, QStringList{"mode:repeatAll"}) << "of two, the last one";
 }
 
-TEST_F(StreamerPlayLogicTest, theModeThatHoldsAlreadyTellsNobody) {
+TEST_F(StreamerPlayLogicTest, theModeThatHoldsAlreadySendsNoEvent) {
     const QSignalSpy spy(&logic, &PlayLogicBase::playModeChanged);
     logic.setPlayMode(OrvoPlayerPlayMode::Normal);
     turnEventLoop();

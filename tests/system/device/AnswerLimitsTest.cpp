@@ -141,7 +141,7 @@ TEST_F(AnswerLimitsTest, aBodyOfCountlessValuesIsRefused) {
     }
 }
 
-TEST_F(AnswerLimitsTest, picturesThatNobodyReadsAreNotHeld) {
+TEST_F(AnswerLimitsTest, picturesThatNoClientReadsAreNotHeld) {
     start({});
     QFile file(m_device->musicFolder() + "/large.png");
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));

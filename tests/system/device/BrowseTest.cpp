@@ -511,7 +511,7 @@ TEST_F(Browse, helpNamesTheKeysAndTheTerminalIsGivenBack) {
 }
 
 TEST_F(Browse, withoutATerminalItSaysSo) {
-    const Device::Ctl piped = device.ctl({"browse"});
+    const Device::ProgramRun piped = device.ctl({"browse"});
     EXPECT_EQ(piped.status, 2);
     EXPECT_EQ(piped.err, "orvoctl: browse needs a terminal\norvoctl --help lists the verbs\n");
     TerminalProgram dumb(browse(), {80, 24}, "dumb");

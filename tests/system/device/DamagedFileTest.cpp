@@ -46,7 +46,7 @@ protected:
     void expectRefused(const QString& reason) {
         const QByteArray before = read();
         const QStringList entries = QDir(folder()).entryList(QDir::Files);
-        const Device::Ctl ending = device.failingStart();
+        const Device::ProgramRun ending = device.failingStart();
         EXPECT_EQ(ending.status, -1) << "ended by its assertion";
         EXPECT_FALSE(ending.out.contains("ready"));
         EXPECT_TRUE(ending.err.contains("FATAL PlayLists - " + reason + "\n"))
@@ -91,18 +91,18 @@ private:
 
 } // namespace
 
-TEST_F(DamagedFile, aTextFile) {
-    write(QByteArray("Dear diary, today was no database. ").repeated(100));
+TEST_F(DamagedFile, aTextFileEndsTheStartAndStays) {
+    write(QByteArray("A shopping list is no database. ").repeated(100));
     expectRefused("Unable to create table playlists: file is not a database");
 }
 
-TEST_F(DamagedFile, aFewBytes) {
+TEST_F(DamagedFile, aFewBytesEndTheStartAndStay) {
     // Too short for a page: SQLite itself would take it for an empty file.
     write("x");
     expectRefused("Unable to open PlayList database file: file is not a database");
 }
 
-TEST_F(DamagedFile, aTruncatedFile) {
+TEST_F(DamagedFile, aTruncatedFileEndsTheStartAndStays) {
     writeUsedFile();
     const QByteArray whole = read();
     const QString malformed = "Unable to create table playlists: database disk image is malformed";
@@ -121,7 +121,7 @@ TEST_F(DamagedFile, aTruncatedFile) {
     }
 }
 
-TEST_F(DamagedFile, aFileWithAGarbledBeginning) {
+TEST_F(DamagedFile, aFileWithAGarbledBeginningEndsTheStartAndStays) {
     writeUsedFile();
     const QByteArray whole = read();
     QByteArray garbled = whole;
@@ -135,13 +135,13 @@ TEST_F(DamagedFile, aFileWithAGarbledBeginning) {
     expectRefused("Unable to create table playlists: database disk image is malformed");
 }
 
-TEST_F(DamagedFile, anotherApplicationsFile) {
+TEST_F(DamagedFile, anotherApplicationsFileEndsTheStartAndStays) {
     run("CREATE TABLE bookmarks (id INTEGER PRIMARY KEY, address TEXT);"
         "INSERT INTO bookmarks(address) VALUES ('a'), ('b')");
     expectRefused("Unable to open PlayList database file: file is not a database");
 }
 
-TEST_F(DamagedFile, anotherApplicationsFileWithTablesOfTheSameNames) {
+TEST_F(DamagedFile, anotherApplicationsFileWithTablesOfTheSameNamesEndsTheStartAndStays) {
     run("CREATE TABLE playlists (id INTEGER PRIMARY KEY, label TEXT);"
         "CREATE TABLE items (id INTEGER PRIMARY KEY, url TEXT)");
     expectRefused(
@@ -151,40 +151,40 @@ TEST_F(DamagedFile, anotherApplicationsFileWithTablesOfTheSameNames) {
     expectRefused("Unable to create table items: no such column: url");
 }
 
-TEST_F(DamagedFile, aReadOnlyFile) {
+TEST_F(DamagedFile, aReadOnlyFileEndsTheStartAndStays) {
     writeUsedFile();
     ASSERT_EQ(chmod(device.databaseFile().toUtf8().constData(), 0444), 0);
     expectRefused("Unable to create table createplayqueue: attempt to write a readonly database");
 }
 
-TEST_F(DamagedFile, aFileThatMayNotBeRead) {
+TEST_F(DamagedFile, aFileThatMayNotBeReadEndsTheStart) {
     writeUsedFile();
     ASSERT_EQ(chmod(device.databaseFile().toUtf8().constData(), 0), 0);
-    const Device::Ctl ending = device.failingStart();
+    const Device::ProgramRun ending = device.failingStart();
     EXPECT_EQ(ending.status, -1);
     EXPECT_TRUE(ending.err.contains(
         "Unable to open PlayList database file: unable to open database file\n"))
         << qPrintable(ending.err);
 }
 
-TEST_F(DamagedFile, aFolderInItsPlace) {
+TEST_F(DamagedFile, aFolderInItsPlaceEndsTheStart) {
     QDir().mkpath(device.databaseFile());
     expectRefused("Unable to open PlayList database file: unable to open database file");
     EXPECT_TRUE(QFileInfo(device.databaseFile()).isDir());
 }
 
-TEST_F(DamagedFile, aFileWhereItsFolderIsToBe) {
+TEST_F(DamagedFile, aFileWhereItsFolderIsToBeEndsTheStart) {
     QDir().mkpath(QFileInfo(folder()).path());
     QFile inTheWay(folder());
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
     expectRefused("Unable to create directory for PlayList database file");
 }
 
-TEST_F(DamagedFile, aFullDiskAtTheFirstStart) {
+TEST_F(DamagedFile, aFullDiskEndsTheFirstStart) {
     const FullDisk disk(folder());
     if (disk.mounted()) {
         disk.fill();
-        const Device::Ctl ending = device.failingStart();
+        const Device::ProgramRun ending = device.failingStart();
         EXPECT_EQ(ending.status, -1);
         EXPECT_TRUE(ending.err.contains(
             "FATAL PlayLists - Unable to create table playlists: database or disk is full\n"))
@@ -194,7 +194,7 @@ TEST_F(DamagedFile, aFullDiskAtTheFirstStart) {
     // Without privileges: no file may grow beyond what the settings need.
     Device limited;
     limited.limitFileSize(2000);
-    const Device::Ctl ending = limited.failingStart();
+    const Device::ProgramRun ending = limited.failingStart();
     EXPECT_EQ(ending.status, -1);
     EXPECT_TRUE(
         ending.err.contains("FATAL PlayLists - Unable to create table playlists: disk I/O error\n"))

@@ -18,7 +18,7 @@ QByteArray fileText(const QString& name) {
 }
 } // namespace
 
-void HostProcess::setupChildProcess() {
+void UnprivilegedProcess::setupChildProcess() {
     constexpr unsigned long dacOverride = 1;
     constexpr unsigned long dacReadSearch = 2;
     prctl(PR_CAPBSET_DROP, dacOverride, 0, 0, 0);
@@ -107,10 +107,10 @@ int Device::end() {
     return -1;
 }
 
-Device::Ctl Device::failingStart() {
+Device::ProgramRun Device::failingStart() {
     m_process.setStandardErrorFile(QString());
     m_process.start(QStringLiteral(ORVO_HOST), hostArguments());
-    Ctl result;
+    ProgramRun result;
     if (!m_process.waitForFinished(EndPatienceMs)) {
         ADD_FAILURE() << "the device has started";
         kill();
@@ -169,10 +169,10 @@ QStringList Device::titles(const QByteArray& path) {
     return result;
 }
 
-Device::Ctl Device::ctl(const QStringList& arguments) {
+Device::ProgramRun Device::ctl(const QStringList& arguments) {
     QProcess program;
     program.start(QStringLiteral(ORVOCTL), QStringList{"--url", url()} + arguments);
-    Ctl result;
+    ProgramRun result;
     if (!program.waitForFinished(PatienceMs))
         return result;
     result.status = program.exitCode();

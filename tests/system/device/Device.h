@@ -12,7 +12,7 @@
 
 // A process as a user without privileges has it: a file that is read-only is read-only for root,
 // too.
-class HostProcess : public QProcess {
+class UnprivilegedProcess : public QProcess {
 public:
     // No file may become longer, as on a full disk.
     void limitFileSize(qint64 bytes) { m_fileSize = bytes; }
@@ -31,7 +31,7 @@ private:
 // its destructor.
 class Device {
 public:
-    struct Ctl {
+    struct ProgramRun {
         int status = -1;
         QString out;
         QString err;
@@ -48,7 +48,7 @@ public:
     // The log has the text so many times.
     bool waitForLog(const QString& text, int times = 1);
     // A start that is to fail. The status is that of the process, -1 when a signal ended it.
-    Ctl failingStart();
+    ProgramRun failingStart();
     void limitFileSize(qint64 bytes) { m_process.limitFileSize(bytes); }
     void limitOpenFiles(int count) { m_process.limitOpenFiles(count); }
     // SIGTERM. The status is that of the process, -1 when it did not end by itself.
@@ -61,7 +61,7 @@ public:
     HttpAnswer command(const QByteArray& path, const QByteArray& value);
     QJsonObject rows(const QByteArray& path, const QByteArray& roles = "title");
     QStringList titles(const QByteArray& path);
-    Ctl ctl(const QStringList& arguments);
+    ProgramRun ctl(const QStringList& arguments);
 
     // The string value at the path, e.g. the player's state.
     QString stringValue(const QByteArray& path);
@@ -85,7 +85,7 @@ private:
 
     QTemporaryDir m_folder;
     QStringList m_arguments;
-    HostProcess m_process;
+    UnprivilegedProcess m_process;
     quint16 m_port = 0;
     std::unique_ptr<HttpClient> m_client;
 };

@@ -131,7 +131,7 @@ TEST_F(HeldStore, aStartThatWaitsInVainSaysSoAndEnds) {
     for (const char* lock : {Reading, Writing, Alone}) {
         SCOPED_TRACE(lock);
         other.run(lock);
-        const Device::Ctl ending = device.failingStart();
+        const Device::ProgramRun ending = device.failingStart();
         EXPECT_EQ(ending.status, 1);
         EXPECT_FALSE(ending.out.contains("ready"));
         EXPECT_EQ(ending.err.count("WARN  PlayLists - Another process holds the PlayList database "

@@ -36,7 +36,7 @@ TEST_F(OrvoctlMusic, aPlaylistFileIsImportedAndWhatIsMissingToldByLine) {
                                                "D:\\Music\\Band 2\\Album 2\\04 track.wav\n"
                                                "Band 9/gone\x1b.mp3\nhttp://example.org/live\n");
     // An escape character is in no playlist file.
-    Device::Ctl run = device.ctl({"import", list});
+    Device::ProgramRun run = device.ctl({"import", list});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.err, "orvoctl: This is not a playlist file.\n");
     write("Evening.m3u8", read(list).replace("\x1b", ""));
@@ -54,7 +54,7 @@ TEST_F(OrvoctlMusic, aPlaylistFileIsImportedAndWhatIsMissingToldByLine) {
 }
 
 TEST_F(OrvoctlMusic, anImportThatFindsNothingMakesNoPlaylist) {
-    Device::Ctl run = device.ctl({"import", write("x.m3u", "gone.mp3\n")});
+    Device::ProgramRun run = device.ctl({"import", write("x.m3u", "gone.mp3\n")});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.err, "not found, line 1: gone.mp3\n"
                        "orvoctl: none of its tracks is in the device's music folder\n");
@@ -67,7 +67,7 @@ TEST_F(OrvoctlMusic, anImportThatFindsNothingMakesNoPlaylist) {
 
 TEST_F(OrvoctlMusic, aPlaylistIsExportedByTheSuffixOfTheFileAndReplacesNoneUnasked) {
     ASSERT_EQ(device.ctl({"import", write("Two.m3u", "Band 3/Album 3/01 track.wav\n")}).status, 0);
-    Device::Ctl run = device.ctl({"export", "Two", file("two.m3u8")});
+    Device::ProgramRun run = device.ctl({"export", "Two", file("two.m3u8")});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.err, "exported 1 track of Two (#1) to " + file("two.m3u8") + "\n");
     EXPECT_TRUE(read(file("two.m3u8")).contains("\nBand 3/Album 3/01 track.wav\n"));
@@ -97,7 +97,7 @@ TEST_F(OrvoctlMusic, artistsAndAlbumsAreListed) {
 }
 
 TEST_F(OrvoctlMusic, aSearchShowsWhatIsFoundAndAddsOrPlaysItsTracks) {
-    Device::Ctl run = device.ctl({"search", "album", "3", "--count", "2"});
+    Device::ProgramRun run = device.ctl({"search", "album", "3", "--count", "2"});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.out.toStdString(), "KIND   TITLE      ARTIST  ALBUM    TIME\n"
                                      "album  Album 3    Band 3\n"

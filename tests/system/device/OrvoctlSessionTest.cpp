@@ -12,7 +12,7 @@ protected:
         device.waitForScan();
     }
     void run(const QStringList& arguments) {
-        const Device::Ctl result = device.ctl(arguments);
+        const Device::ProgramRun result = device.ctl(arguments);
         EXPECT_EQ(result.status, 0)
             << qPrintable(arguments.join(' ')) << ": " << qPrintable(result.err);
     }
@@ -73,7 +73,7 @@ TEST_F(OrvoctlSession, aListIsSortedAndLosesItsDuplicates) {
     run({"sort", "Party", "--by", "title", "--reverse"});
     EXPECT_EQ(device.titles(rows), QStringList({third, third, second, first}));
 
-    const Device::Ctl removed = device.ctl({"dedupe", "Party", "--json"});
+    const Device::ProgramRun removed = device.ctl({"dedupe", "Party", "--json"});
     EXPECT_EQ(removed.status, 0) << qPrintable(removed.err);
     EXPECT_EQ(removed.out, "{\"removed\":1}\n");
     EXPECT_EQ(device.titles(rows), QStringList({third, second, first}));
@@ -84,7 +84,7 @@ TEST_F(OrvoctlSession, aListIsSortedAndLosesItsDuplicates) {
 }
 
 TEST_F(OrvoctlSession, aRefusalIsStatusOneAndAWrongCallStatusTwo) {
-    const Device::Ctl refused = device.ctl({"set", "playlists:pl/create", R"({"name":""})"});
+    const Device::ProgramRun refused = device.ctl({"set", "playlists:pl/create", R"({"name":""})"});
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(
         refused.err,
@@ -107,7 +107,7 @@ TEST(OrvoctlPlaying, aListGoesOnWhereItWasStoppedAndWhatComesIsListed) {
         EXPECT_TRUE(device.waitForValue("player:state", "playing"));
     };
     const auto status = [&device](const char* what) {
-        const Device::Ctl result = device.ctl({"--json", "status"});
+        const Device::ProgramRun result = device.ctl({"--json", "status"});
         return QJsonDocument::fromJson(result.out.toUtf8()).object().value(what);
     };
     EXPECT_EQ(device.ctl({"next-up"}).out, "nothing comes next\n");

@@ -4,7 +4,6 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QtEndian>
-#include <QThread>
 
 #include "Device.h"
 
@@ -76,11 +75,10 @@ protected:
         ASSERT_EQ(device.ctl({"add", "Party", device.musicFolder() + "/" + folder}).status, 0);
     }
     void playToTheEnd() {
-        const Device::Ctl played = device.ctl({"play", "Party"});
+        const Device::ProgramRun played = device.ctl({"play", "Party"});
         ASSERT_EQ(played.status, 0) << qPrintable(played.err);
         // A recording is faster than a look at the state: that something sounded shows in the file.
-        for (int i = 0; i < 600 && QFile(recording).size() <= HeaderBytes; ++i)
-            QThread::msleep(10);
+        ASSERT_TRUE(waitUntil([this] { return QFile(recording).size() > HeaderBytes; }));
         ASSERT_TRUE(device.waitForValue("player:state", "stopped"));
     }
 
@@ -163,8 +161,7 @@ TEST_F(Playing, fiveBrokenFilesArePassedOverAndTheSixthEndsPlayback) {
     writeWav(folder + "/7.wav", noise(7, 4410));
     makeParty("Broken");
     ASSERT_EQ(device.ctl({"play", "Party"}).status, 0);
-    for (int i = 0; i < 100 && !device.log().contains("Reached maximum error count exiting"); ++i)
-        QThread::msleep(50);
+    ASSERT_TRUE(device.waitForLog("Reached maximum error count exiting"));
     EXPECT_EQ(device.log().count("Reached maximum error count exiting"), 1);
     ASSERT_TRUE(device.waitForValue("player:state", "stopped"));
     EXPECT_EQ(recorded(recording), QByteArray()) << "the good file behind them is not reached";
@@ -184,56 +181,76 @@ TEST_F(Playing, threeBrokenFilesDoNotKeepAGoodOneFromPlaying) {
     writeWav(folder + "/4.wav", good);
     makeParty("Mixed");
     ASSERT_EQ(device.ctl({"play", "Party"}).status, 0);
-    for (int i = 0; i < 100 && recorded(recording).size() < good.size(); ++i)
-        QThread::msleep(50);
+    ASSERT_TRUE(waitUntil([&] { return recorded(recording).size() >= good.size(); }));
     ASSERT_TRUE(device.waitForValue("player:state", "stopped"));
     EXPECT_TRUE(recorded(recording) == good);
 }
 
 // In real time: a machine without sound keeps the time silently.
-TEST(PlayerVerbs, doWhatTheySay) {
-    Device device({"--audio-sink", "auto"});
-    const QString folder = device.musicFolder() + "/Noise";
-    QDir().mkpath(folder);
-    for (int i = 1; i <= 3; ++i)
-        writeWav(QStringLiteral("%1/%2.wav").arg(folder).arg(i), noise(unsigned(i), 30 * 44100));
-    ASSERT_TRUE(device.start());
-    device.waitForScan();
-    ASSERT_EQ(device.ctl({"create", "Party"}).status, 0);
-    ASSERT_EQ(device.ctl({"add", "Party", folder}).status, 0);
-    const auto status = [&device] {
-        return QJsonDocument::fromJson(device.ctl({"--json", "status"}).out.toUtf8()).object();
-    };
-    const auto waitForPlace = [&](int place) {
-        for (int i = 0; i < 200 && status().value("place").toInt() != place; ++i)
-            QThread::msleep(20);
-        return status().value("place").toInt() == place;
-    };
-    EXPECT_EQ(status().value("state").toString(), "stopped");
+class PlayingInRealTime : public ::testing::Test {
+protected:
+    PlayingInRealTime() : device({"--audio-sink", "auto"}) {}
 
+    void SetUp() override {
+        const QString folder = device.musicFolder() + "/Noise";
+        QDir().mkpath(folder);
+        for (int i = 1; i <= 3; ++i)
+            writeWav(QStringLiteral("%1/%2.wav").arg(folder).arg(i),
+                     noise(unsigned(i), 30 * 44100));
+        ASSERT_TRUE(device.start());
+        device.waitForScan();
+        ASSERT_EQ(device.ctl({"create", "Party"}).status, 0);
+        ASSERT_EQ(device.ctl({"add", "Party", folder}).status, 0);
+    }
+    QJsonObject status() {
+        return QJsonDocument::fromJson(device.ctl({"--json", "status"}).out.toUtf8()).object();
+    }
+    void play(int place) {
+        ASSERT_EQ(device.ctl({"play", "Party", QString::number(place)}).status, 0);
+        ASSERT_TRUE(waitForPlace(place));
+        ASSERT_TRUE(device.waitForValue("player:state", "playing"));
+    }
+    bool waitForPlace(int place) {
+        return waitUntil([&] { return status().value("place").toInt() == place; });
+    }
+
+    Device device;
+};
+
+TEST_F(PlayingInRealTime, playBeginsWithTheTrackOfThisNumber) {
+    EXPECT_EQ(status().value("state").toString(), "stopped");
     EXPECT_EQ(device.ctl({"play", "Party", "9"}).status, 1);
     EXPECT_EQ(device.ctl({"play", "Party", "2"}).err, "playing Party (#1) from track 2\n");
     ASSERT_TRUE(waitForPlace(2));
-    QJsonObject now = status();
+    const QJsonObject now = status();
     EXPECT_EQ(now.value("state").toString(), "playing");
     EXPECT_EQ(now.value("title").toString(), "2");
     EXPECT_EQ(now.value("list").toString(), "Playlist - Party");
     EXPECT_EQ(now.value("tracksCount").toInt(), 3);
     EXPECT_EQ(now.value("duration").toInt(), 30000);
+}
 
+TEST_F(PlayingInRealTime, seekMovesAPausedTrackAndResumePlaysOn) {
+    play(2);
     EXPECT_EQ(device.ctl({"pause"}).status, 0);
     ASSERT_TRUE(device.waitForValue("player:state", "paused"));
     EXPECT_EQ(device.ctl({"seek", "0:10"}).status, 0);
     EXPECT_NEAR(status().value("position").toInt(), 10000, 500);
     EXPECT_EQ(device.ctl({"seek", "soon"}).status, 2);
     EXPECT_EQ(device.ctl({"resume"}).status, 0);
-    ASSERT_TRUE(device.waitForValue("player:state", "playing"));
+    EXPECT_TRUE(device.waitForValue("player:state", "playing"));
+}
 
+TEST_F(PlayingInRealTime, nextAndPreviousGoThroughTheList) {
+    play(2);
     EXPECT_EQ(device.ctl({"next"}).status, 0);
     EXPECT_TRUE(waitForPlace(3));
     EXPECT_EQ(device.ctl({"previous"}).status, 0);
     EXPECT_TRUE(waitForPlace(2));
+}
 
+TEST_F(PlayingInRealTime, modeAndVolumeAreSetAndShown) {
+    play(2);
     EXPECT_EQ(device.ctl({"mode", "repeatAll"}).status, 0);
     EXPECT_TRUE(device.waitForValue("player:playMode", "repeatAll"));
     EXPECT_EQ(device.ctl({"mode"}).out, "repeatAll\n");
@@ -247,47 +264,30 @@ TEST(PlayerVerbs, doWhatTheySay) {
     EXPECT_TRUE(text.startsWith("playing: 2\n")) << qPrintable(text);
     EXPECT_TRUE(text.contains("  Playlist - Party, track 2 of 3\n  mode: repeatAll   volume: 40\n"))
         << qPrintable(text);
+}
 
+TEST_F(PlayingInRealTime, afterStopNoTrackIsShown) {
+    play(2);
     EXPECT_EQ(device.ctl({"stop"}).status, 0);
     ASSERT_TRUE(device.waitForValue("player:state", "stopped"));
     EXPECT_EQ(status().value("title").toString(), "");
 }
 
-// In real time, over HTTP: what a listener meets who does two things at once, or asks for what is
-// gone.
-TEST(PlayerRequests, doNotLeaveTheListenerBehind) {
-    Device device({"--audio-sink", "auto"});
-    const QString folder = device.musicFolder() + "/Noise";
-    QDir().mkpath(folder);
-    for (int i = 1; i <= 3; ++i)
-        writeWav(QStringLiteral("%1/%2.wav").arg(folder).arg(i), noise(unsigned(i), 30 * 44100));
-    ASSERT_TRUE(device.start());
-    device.waitForScan();
-    ASSERT_EQ(device.ctl({"create", "Party"}).status, 0);
-    ASSERT_EQ(device.ctl({"add", "Party", folder}).status, 0);
-    const auto titleIs = [&device](const QString& title) {
-        for (int i = 0; i < 200; ++i) {
-            const QByteArray status = device.ctl({"--json", "status"}).out.toUtf8();
-            if (QJsonDocument::fromJson(status).object().value("title").toString() == title)
-                return true;
-            QThread::msleep(20);
-        }
-        return false;
-    };
-
-    // The playing track is removed while paused.
-    ASSERT_EQ(device.ctl({"play", "Party"}).status, 0);
-    ASSERT_TRUE(device.waitForValue("player:state", "playing"));
+TEST_F(PlayingInRealTime, removingAPausedTrackLeavesTheNextOnePaused) {
+    play(1);
     ASSERT_EQ(device.ctl({"pause"}).status, 0);
     ASSERT_EQ(device.ctl({"remove", "Party", "1"}).status, 0);
-    ASSERT_TRUE(titleIs("2"));
+    ASSERT_TRUE(waitUntil([this] { return status().value("title").toString() == "2"; }));
     EXPECT_TRUE(device.waitForValue("player:state", "paused"));
-    QThread::msleep(300);
+    // It does not begin a little later.
+    turnEventsFor(300);
     EXPECT_EQ(device.stringValue("player:state"), "paused");
     ASSERT_EQ(device.ctl({"resume"}).status, 0);
     EXPECT_TRUE(device.waitForValue("player:state", "playing"));
+}
 
-    // A list that does not exist.
+TEST_F(PlayingInRealTime, aListThatDoesNotExistEndsWhatPlays) {
+    play(1);
     device.command("player:playContainer",
                    R"({"mediaRoles": {"path": "playlists:pl/items/99",
                        "mediaData": {"metaData": {"playLogicPath": "playlists:playlogic"}}},

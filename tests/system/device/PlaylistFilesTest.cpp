@@ -37,7 +37,7 @@ protected:
     };
     Imported import(const QString& name) {
         static const QRegularExpression number(QStringLiteral("\\(#([0-9]+)\\)"));
-        const Device::Ctl run = device.ctl({"import", name});
+        const Device::ProgramRun run = device.ctl({"import", name});
         Imported result{run.status, run.err, {}};
         const QRegularExpressionMatch match = number.match(run.err);
         if (match.hasMatch())

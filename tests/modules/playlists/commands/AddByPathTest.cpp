@@ -40,7 +40,7 @@ TEST_F(AddByPathTest, everyOwnerIsAskedOnceInTheOrderFirstSeen) {
     EXPECT_TRUE(log.contains("TRACE", "items: files:d, files:f"));
 }
 
-TEST_F(AddByPathTest, theOrderOfAskingHoldsWhoeverAnswersFirst) {
+TEST_F(AddByPathTest, theOrderOfAskingHoldsWhicheverModuleAnswersFirst) {
     others.files.keepPrepareRequests = true;
     others.radio.keepPrepareRequests = true;
     const LateAnswer answer =
@@ -92,7 +92,7 @@ TEST_F(AddByPathTest, anErrorOfOneOwnerLeavesTheItemsOfTheOthers) {
     EXPECT_EQ(QStringList("replay error: Offline"), log.errors());
 }
 
-TEST_F(AddByPathTest, aPrefixThatNobodyOwnsIsAnErrorAmongTheReplies) {
+TEST_F(AddByPathTest, aPrefixOfNoModuleIsAnErrorAmongTheReplies) {
     offer(others.radio, "radio:e", "e");
     const LogCapture log("PlayLists");
     expectDone(OrvoPlayListPlAddItemsPath(), toParty({"attic:x", "radio:e", "", "no path"}));
@@ -125,7 +125,7 @@ TEST_F(AddByPathTest, answersThatAreNoListOfItemsAddNothing) {
     }
 }
 
-TEST_F(AddByPathTest, anOwnerThatNeverAnswersHoldsUpNobodyElse) {
+TEST_F(AddByPathTest, aModuleThatNeverAnswersHoldsUpNoOtherRequest) {
     others.files.keepPrepareRequests = true;
     offer(others.radio, "radio:e", "e");
     const LateAnswer waiting =

@@ -158,7 +158,7 @@ TEST_F(AddManyTest, aPlaylistThatIsMovedAsAWholeCannotChangeOnTheWay) {
               query("SELECT count(*) FROM playlists_items WHERE playlist = 2"));
 }
 
-TEST_F(AddManyTest, theItemsOfTheStoreAreCountedOnlyWhereSomebodyLooksAtTheNumber) {
+TEST_F(AddManyTest, theItemsOfTheStoreAreCountedOnlyWhereALimitOrTheLogNeedsTheNumber) {
     const auto countsOfOneAdd = [this] {
         constexpr const char* Count = "SELECT Count(*) FROM items";
         const int before = storeWatch.runsOf(Count);

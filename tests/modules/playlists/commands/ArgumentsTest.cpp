@@ -54,7 +54,7 @@ const QList<ModeRow> negativeModes = {
     {-1.0, Outcome::Off},
 };
 
-TEST_F(ArgumentsTest, shuffleModes) {
+TEST_F(ArgumentsTest, aShuffleModeIsANumberOrAWord) {
     const QList<ModeRow> modes = {
         {0, Outcome::Off},
         {"0", Outcome::Off},
@@ -90,7 +90,7 @@ TEST_F(ArgumentsTest, shuffleModes) {
     }
 }
 
-TEST_F(ArgumentsTest, repeatModes) {
+TEST_F(ArgumentsTest, aRepeatModeIsANumberOrAWord) {
     const QList<ModeRow> modes = {
         {0, Outcome::Off},           {"0", Outcome::Off},
         {"repeatOff", Outcome::Off}, {1, Outcome::Off},
@@ -169,7 +169,7 @@ struct AddModeRow {
     const char* result; // of adding d to a b c of which a was played last; null: refused
 };
 
-TEST_F(ArgumentsTest, addModes) {
+TEST_F(ArgumentsTest, anAddModeIsANumberOrAWord) {
     const QList<AddModeRow> modes = {
         {0, "a d b c"},
         {"now", "a d b c"},

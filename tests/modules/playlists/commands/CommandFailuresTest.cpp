@@ -183,7 +183,7 @@ TEST_F(CommandFailuresTest, everyCommandWorksAgainAfterItFailed) {
     }
 }
 
-TEST_F(CommandFailuresTest, aFileThatSomebodyElseHoldsFailsEveryChange) {
+TEST_F(CommandFailuresTest, aFileThatAnotherProcessHoldsFailsEveryChange) {
     const QStringList before = contents();
     run("BEGIN EXCLUSIVE;");
     for (const CommandRow& row : failures()) {

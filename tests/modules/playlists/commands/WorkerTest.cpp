@@ -174,7 +174,7 @@ TEST_F(WorkerTest, everyRequestIsAnnouncedOnceAndRoutedAtOnce) {
     EXPECT_EQ(1, routed.size()) << ::testing::PrintToString(log.lines());
 }
 
-TEST_F(WorkerTest, aRequestThatNobodyKnowsIsAnsweredByTheBase) {
+TEST_F(WorkerTest, anUnknownRequestIsAnsweredByTheBase) {
     worker();
     const Answer answer = send(CMPath(QString("playlists:pl/explode")), QVariantHash{{"plid", 1}});
     EXPECT_TRUE(answer.failed);

@@ -102,7 +102,7 @@ private:
     std::unique_ptr<CommandsOnly> m_worker;
 };
 
-TEST_F(CommandFaultsTest, playlists) {
+TEST_F(CommandFaultsTest, aCommandOnAPlaylistIsDoneOrRefused) {
     sweepCommand("pl/create", OrvoPlayListPlCreatePath, QVariantHash{{"name", "x"}},
                  {done("3"), refused("Could not create playlist. Create playlist error.")});
     sweepCommand("pl/delete", OrvoPlayListPlDeletePath, QVariantHash{{"plid", 2}},
@@ -122,7 +122,7 @@ TEST_F(CommandFaultsTest, playlists) {
         {refused("true"), refused("Could not start playback on playlist. Cannot get first item")});
 }
 
-TEST_F(CommandFaultsTest, entries) {
+TEST_F(CommandFaultsTest, aCommandOnEntriesIsDoneOrRefused) {
     const QString clear = "Could not clear playlist. Clear playlist failed.";
     sweepCommand(
         "pl/clear", OrvoPlayListPlClearPath, QVariantHash{{"plid", 1}},
@@ -142,7 +142,7 @@ TEST_F(CommandFaultsTest, entries) {
                  {done(), refused("Could not set order of playlist. Set order failed")});
 }
 
-TEST_F(CommandFaultsTest, adding) {
+TEST_F(CommandFaultsTest, anAdditionIsDoneOrRefused) {
     const QString external = "Could not add external items to playlist. No items were added.";
     const QString inside = "Could not add items to playlist. ";
     sweepCommand("pl/addExternalItems", OrvoPlayListPlAddExternalItemsPath,
@@ -182,7 +182,7 @@ TEST_F(CommandFaultsTest, adding) {
 }
 
 // Nothing of the source may go before all of it is in the target.
-TEST_F(CommandFaultsTest, merging) {
+TEST_F(CommandFaultsTest, aMergeLosesNoTrackOfTheSource) {
     const QString inside = "Could not add items to playlist. ";
     const char* copied = "INSERT INTO items(title, artist, album, artworkUrl, genre,"
                          " durationSeconds, url, serviceId, orvoRoles) SELECT title, artist,"
@@ -215,7 +215,7 @@ TEST_F(CommandFaultsTest, merging) {
                  QVariantHash{{"plid", 1}, {"fromPlid", 2}}, outcomes);
 }
 
-TEST_F(CommandFaultsTest, collections) {
+TEST_F(CommandFaultsTest, aCommandOnACollectionIsDoneOrRefused) {
     sweepCommand("cl/create", OrvoPlayListClCreatePath, QVariantHash{{"name", "x"}},
                  {done("3"), refused("Could not create collection. Create collection error.")});
     sweepCommand("cl/delete", OrvoPlayListClDeletePath, QVariantHash{{"clid", 1}},

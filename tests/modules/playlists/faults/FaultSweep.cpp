@@ -12,7 +12,7 @@
 namespace {
 
 // No operation comes near, on a store this small.
-constexpr int MostPoints = 2000;
+constexpr int MaxPoints = 2000;
 
 // Another process lets go after so many tries.
 constexpr int BusyTries = 25;
@@ -231,9 +231,9 @@ void FaultSweep::sweep(const Operation& operation) {
     m_row = &row;
     for (const Fault& fault : faults()) {
         int nth = 1;
-        while (nth < MostPoints && !HasFatalFailure() && visit(operation, fault, nth))
+        while (nth < MaxPoints && !HasFatalFailure() && visit(operation, fault, nth))
             ++nth;
-        EXPECT_LT(nth, MostPoints);
+        EXPECT_LT(nth, MaxPoints);
     }
     m_row = nullptr;
     EXPECT_EQ(row.points, row.asStated);

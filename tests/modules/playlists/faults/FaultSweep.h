@@ -47,7 +47,7 @@ protected:
     void TearDown() override;
 
     void sweep(const Operation& operation);
-    // Made anew by every restore; null until then.
+    // Called when a store stands as it was, for what a test holds of it.
     virtual void onRestored() {}
     // An operation after the fault, and back: the content is as before.
     virtual void useAgain();

@@ -118,7 +118,7 @@ TEST_F(ModelFaultsTest, startingShowsWhatIsThere) {
     addFaultRow(row);
 }
 
-TEST_F(ModelFaultsTest, adding) {
+TEST_F(ModelFaultsTest, anAdditionIsDoneOrNot) {
     sweepEdit("PlayList::addItems", [this] { return pl().addItems(Position::Append, newItems(3)); },
               {done("6|itemsAdded append 6 3"), refused("-1|")});
     sweepEdit("PlayList::addItems, inside",
@@ -126,7 +126,7 @@ TEST_F(ModelFaultsTest, adding) {
               {done("4|itemsAdded afterCurrent 4 3"), refused("-1|")});
 }
 
-TEST_F(ModelFaultsTest, addingAtPlaces) {
+TEST_F(ModelFaultsTest, anAdditionAtPlacesIsDoneOrNot) {
     sweepEdit("PlayList::addItemsAt",
               [this] {
                   return pl().addItemsAt({{0, 4, 8}, true}, newItems(3));
@@ -134,7 +134,7 @@ TEST_F(ModelFaultsTest, addingAtPlaces) {
               {done("0|itemsInserted 0,4,8"), refused("-1|")});
 }
 
-TEST_F(ModelFaultsTest, removing) {
+TEST_F(ModelFaultsTest, aRemovalIsDoneOrNot) {
     // The entries and the last played position are written one after the other; memory has both.
     sweepEdit(
         "PlayList::removeItems",
@@ -146,7 +146,7 @@ TEST_F(ModelFaultsTest, removing) {
         true);
 }
 
-TEST_F(ModelFaultsTest, moving) {
+TEST_F(ModelFaultsTest, aMoveIsDoneOrNot) {
     sweepEdit(
         "PlayList::moveItem", [this] { return pl().moveItem(5, 0); },
         {done("true|itemMoved 5 0"), refused("false|"), partly("true|itemMoved 5 0", TURN("1"))},
@@ -159,7 +159,7 @@ TEST_F(ModelFaultsTest, moving) {
               {done("true|itemMoved 0 5, itemMoved 0 5"), refused("false|")});
 }
 
-TEST_F(ModelFaultsTest, ordering) {
+TEST_F(ModelFaultsTest, anotherOrderIsGivenOrNot) {
     sweepEdit("PlayList::setOrder",
               [this] {
                   return pl().setOrder({3, 1, 2, 5, 0, 4});
@@ -167,7 +167,7 @@ TEST_F(ModelFaultsTest, ordering) {
               {done("true|itemsReordered 3,1,2,5,0,4"), refused("false|")});
 }
 
-TEST_F(ModelFaultsTest, clearing) {
+TEST_F(ModelFaultsTest, aClearIsDoneInPartsOrNot) {
     // The store removes the items after the entries, outside of their transaction: an error there
     // leaves the list empty, without a signal.
     sweepEdit(
@@ -177,7 +177,7 @@ TEST_F(ModelFaultsTest, clearing) {
         true);
 }
 
-TEST_F(ModelFaultsTest, settings) {
+TEST_F(ModelFaultsTest, aSettingIsStoredOrStaysAsItWas) {
     sweepEdit("PlayList::setName", [this] { return pl().setName("Renamed"); },
               {done("true|nameChanged Renamed"), refused("false|")});
     sweepEdit("PlayList::setShuffle", [this] { return pl().setShuffle(true); },
@@ -193,7 +193,7 @@ TEST_F(ModelFaultsTest, settings) {
         {done("|"), refused("|")}, true);
 }
 
-TEST_F(ModelFaultsTest, playlists) {
+TEST_F(ModelFaultsTest, aPlaylistIsMadeAndDeletedOrNot) {
     sweepEdit("PlayListManager::createPlayList",
               [this] {
                   const PlayListBase* made = manager().createPlayList("x");
@@ -205,7 +205,7 @@ TEST_F(ModelFaultsTest, playlists) {
                partly("false|playlistRemoved", "DELETE FROM collections_playlists")});
 }
 
-TEST_F(ModelFaultsTest, collections) {
+TEST_F(ModelFaultsTest, aCollectionIsEditedOrNot) {
     sweepEdit("PlayListManager::createCollection",
               [this] {
                   const CollectionBase* made = manager().createCollection("x");

@@ -246,7 +246,7 @@ TEST_F(StoreFaultsTest, unusedItemsGoOrStay) {
     sweep(operation);
 }
 
-TEST_F(StoreFaultsTest, stepsWithinATransaction) {
+TEST_F(StoreFaultsTest, aStepWithinATransactionIsDoneOrNot) {
     const auto step = [](const char* name, std::function<QString()> run, const char* success,
                          QList<Outcome> failures) {
         failures.prepend(read(success));
@@ -298,7 +298,7 @@ TEST_F(StoreFaultsTest, stepsWithinATransaction) {
                "0", {}));
 }
 
-TEST_F(StoreFaultsTest, rowsOfPlaylists) {
+TEST_F(StoreFaultsTest, aRowOfAPlaylistIsWrittenOrNot) {
     sweep({"createPlayList",
            [this] { return QString::number(database().createPlayList(QStringLiteral("x")).uid); },
            {done("3"), refused("-1", {"Unable to create playlist in database"})}});
@@ -318,7 +318,7 @@ TEST_F(StoreFaultsTest, rowsOfPlaylists) {
             refused("false", {"Unable to clean up unused items", "Error deleting PlayList"})}});
 }
 
-TEST_F(StoreFaultsTest, rowsOfCollections) {
+TEST_F(StoreFaultsTest, aRowOfACollectionIsWrittenOrNot) {
     sweep({"createCollection",
            [this] { return QString::number(database().createCollection(QStringLiteral("x")).uid); },
            {done("3"), refused("-1", {"Unable to create collection in database"})}});

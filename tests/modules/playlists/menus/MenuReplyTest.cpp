@@ -124,7 +124,7 @@ TEST_F(MenuReplyTest, aRefusalIsPassedOnUnchanged) {
     }
 }
 
-TEST_F(MenuReplyTest, aCommandThatNobodyAnswersIsAnsweredAsSuch) {
+TEST_F(MenuReplyTest, aCommandThatNoModuleAnswersIsAnsweredAsSuch) {
     for (const Entry& entry : entries) {
         const CMReply<QVariant> reply = pending(entry.path);
         module.requests.clear();

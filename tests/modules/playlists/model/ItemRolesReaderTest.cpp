@@ -236,7 +236,7 @@ TEST_F(ItemRolesReaderTest, aNameThatStandsTwiceIsFoundInWhatIsPassedOver) {
     }
 }
 
-// They are compared one by one: tens of thousands would hold everybody up.
+// They are compared one by one: tens of thousands would take too long.
 TEST_F(ItemRolesReaderTest, manyNamesInWhatIsPassedOverAreLeftToTheParser) {
     const auto withNames = [](int count) {
         QStringList members;

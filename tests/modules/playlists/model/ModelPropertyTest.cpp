@@ -14,8 +14,8 @@ protected:
     void runSequence(unsigned seed);
 
 private:
-    static constexpr int MostLists = 4;
-    static constexpr int MostCollections = 3;
+    static constexpr int MaxLists = 4;
+    static constexpr int MaxCollections = 3;
 
     struct Step {
         const char* name;
@@ -251,7 +251,7 @@ void ModelPropertyTest::rename() {
 }
 
 void ModelPropertyTest::createList() {
-    if (m_plain.lists.size() == MostLists)
+    if (m_plain.lists.size() == MaxLists)
         return;
     PlainList list;
     list.name = QString("name %1").arg(pick(0, 5));
@@ -275,7 +275,7 @@ void ModelPropertyTest::deleteList() {
 }
 
 void ModelPropertyTest::createCollection() {
-    if (m_plain.collections.size() == MostCollections)
+    if (m_plain.collections.size() == MaxCollections)
         return;
     PlainCollection collection;
     collection.name = QString("group %1").arg(pick(0, 5));

@@ -8,10 +8,10 @@
 
 #include "CMRootWorker.h"
 #include "EventLoop.h"
+#include "LogCapture.h"
 #include "OrvoPlayListItem.h"
 #include "Printing.h"
 #include "StoreFile.h"
-#include "TestApp.h"
 
 class PlayListWorker;
 

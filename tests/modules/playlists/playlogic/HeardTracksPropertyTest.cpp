@@ -214,9 +214,11 @@ void HeardTracksPropertyTest::playOneRound(unsigned seed) {
     const QStringList last = titles();
     for (const QString& title : last)
         ASSERT_LE(m_heard.count(title), 1) << qPrintable(title);
-    for (const QString& title : initial)
-        ASSERT_EQ(last.contains(title) ? 1 : m_heard.count(title), m_heard.count(title))
-            << qPrintable(title);
+    for (const QString& title : initial) {
+        if (last.contains(title)) {
+            ASSERT_EQ(1, m_heard.count(title)) << qPrintable(title);
+        }
+    }
 }
 
 TEST_F(HeardTracksPropertyTest, everyTrackThatStaysIsHeardOnceAsUpNextSaid) {

@@ -62,9 +62,12 @@ protected:
         return QStringLiteral("Unable to reset sql statement: %1 msg: %2")
             .arg(QLatin1String(statement), QLatin1String(message));
     }
-
-private:
-    int m_triggers = 0;
+    // What an addition logs that is to fail.
+    QStringList errorsOfAdding(const PlayListRecord& pl, int count,
+                               OrvoPlayListAddPosition::Enum mode = OrvoPlayListAddPosition::Now) {
+        return errorsOf(
+            [&] { EXPECT_EQ(-1, database().addItems(pl, mode, items(count), nullptr)); });
+    }
 };
 
 TEST_F(FailureTest, deletingWaitsForAShortWriteOfAnotherProcess) {
@@ -78,7 +81,7 @@ TEST_F(FailureTest, deletingWaitsForAShortWriteOfAnotherProcess) {
     other.join();
 }
 
-TEST_F(FailureTest, readingFromALockedFile) {
+TEST_F(FailureTest, readingFromALockedFileFails) {
     const PlayListRecord pl = playListOf("abc");
     const CollectionRecord cl = database().createCollection(QStringLiteral("c"));
     lock();
@@ -175,7 +178,7 @@ TEST_F(FailureTest, aValueThatCannotBeBoundFailsTheWriting) {
     expectInvariants();
 }
 
-TEST_F(FailureTest, writingToALockedFile) {
+TEST_F(FailureTest, writingToALockedFileFails) {
     PlayListRecord pl = playListOf("abc");
     const CollectionRecord cl = database().createCollection(QStringLiteral("c"));
     lock();
@@ -219,36 +222,30 @@ TEST_F(FailureTest, writingToALockedFile) {
     expectInvariants();
 }
 
-TEST_F(FailureTest, anItemThatCannotBeInserted) {
+TEST_F(FailureTest, anItemThatCannotBeInsertedFailsTheAddition) {
     const PlayListRecord pl = playListOf("abc");
     forbid("INSERT ON items WHEN NEW.title = 't1'");
     EXPECT_EQ(QStringList({reset("insertItem", "constraint failed"),
                            QStringLiteral("Error inserting item into DB"),
                            QStringLiteral("Error adding items to list")}),
-              errorsOf([&] {
-                  EXPECT_EQ(-1, database().addItems(pl, OrvoPlayListAddPosition::Append, items(3),
-                                                    nullptr));
-              }));
+              errorsOfAdding(pl, 3, OrvoPlayListAddPosition::Append));
     EXPECT_EQ(QStringLiteral("a b c"), stored(pl.uid));
     expectInvariants();
 }
 
-TEST_F(FailureTest, anEntryThatCannotBeInserted) {
+TEST_F(FailureTest, anEntryThatCannotBeInsertedFailsTheAddition) {
     PlayListRecord pl = playListOf("abc");
     pl.lastPlayedIndex = 0;
     forbid("INSERT ON playlists_items WHEN NEW.sequenceNumber = 2");
     EXPECT_EQ(QStringList({reset("insertPlayListItem", "constraint failed"),
                            QStringLiteral("Error inserting item into playlist DB"),
                            QStringLiteral("Error adding items to list")}),
-              errorsOf([&] {
-                  EXPECT_EQ(
-                      -1, database().addItems(pl, OrvoPlayListAddPosition::Now, items(3), nullptr));
-              }));
+              errorsOfAdding(pl, 3));
     EXPECT_EQ(QStringLiteral("a b c"), stored(pl.uid));
     expectInvariants();
 }
 
-TEST_F(FailureTest, aDiskThatFillsUpOnTheWay) {
+TEST_F(FailureTest, aDiskThatFillsUpOnTheWayFailsTheAddition) {
     PlayListRecord pl = playListOf("abc");
     pl.lastPlayedIndex = 0;
     const int pages = queryInt(QStringLiteral("PRAGMA page_count"));
@@ -268,36 +265,30 @@ TEST_F(FailureTest, aDiskThatFillsUpOnTheWay) {
     expectInvariants();
 }
 
-TEST_F(FailureTest, addingToAPlaylistThatIsGone) {
+TEST_F(FailureTest, addingToAPlaylistThatIsGoneFails) {
     PlayListRecord pl;
     pl.uid = 4711;
     EXPECT_EQ(QStringList({reset("insertPlayListItem", "constraint failed"),
                            QStringLiteral("Error inserting item into playlist DB"),
                            QStringLiteral("Error adding items to list")}),
-              errorsOf([&] {
-                  EXPECT_EQ(-1, database().addItems(pl, OrvoPlayListAddPosition::Append, items(1),
-                                                    nullptr));
-              }));
+              errorsOfAdding(pl, 1, OrvoPlayListAddPosition::Append));
     EXPECT_EQ(0, database().countPlaylistsItems());
     expectInvariants();
 }
 
-TEST_F(FailureTest, aGapThatCannotBeOpened) {
+TEST_F(FailureTest, aGapThatCannotBeOpenedFailsTheAddition) {
     PlayListRecord pl = playListOf("abc");
     pl.lastPlayedIndex = 0;
     forbid("UPDATE ON playlists_items");
     EXPECT_EQ(QStringList({reset("moveItem1", "constraint failed"),
                            QStringLiteral("Unable to move item block before adding items"),
                            QStringLiteral("Error adding items to list")}),
-              errorsOf([&] {
-                  EXPECT_EQ(
-                      -1, database().addItems(pl, OrvoPlayListAddPosition::Now, items(3), nullptr));
-              }));
+              errorsOfAdding(pl, 3));
     EXPECT_EQ(QStringLiteral("a b c"), stored(pl.uid));
     expectInvariants();
 }
 
-TEST_F(FailureTest, aGapThatCannotBeClosedAgain) {
+TEST_F(FailureTest, aGapThatCannotBeClosedAgainIsUndone) {
     // The second of the two shifts fails: the first is undone.
     PlayListRecord pl = playListOf("abc");
     pl.lastPlayedIndex = 0;
@@ -310,7 +301,7 @@ TEST_F(FailureTest, aGapThatCannotBeClosedAgain) {
     expectInvariants();
 }
 
-TEST_F(FailureTest, aMoveThatFailsAtAnyOfItsSteps) {
+TEST_F(FailureTest, aMoveThatFailsAtAnyOfItsStepsIsUndone) {
     const PlayListRecord pl = playListOf("abcd");
     // Lifting the range, placing the moved entry, bringing back the others: each trigger lets the
     // steps before it pass.
@@ -328,7 +319,7 @@ TEST_F(FailureTest, aMoveThatFailsAtAnyOfItsSteps) {
     EXPECT_TRUE(database().moveItem(pl, 0, 3));
 }
 
-TEST_F(FailureTest, anEntryThatCannotBeRemoved) {
+TEST_F(FailureTest, anEntryThatCannotBeRemovedFailsTheRemoval) {
     const PlayListRecord pl = playListOf("abcdef");
     forbid("DELETE ON playlists_items WHEN OLD.sequenceNumber = 2");
     StatementTrace trace(database());
@@ -363,7 +354,7 @@ TEST_F(FailureTest, aRemovalThatLosesItsTransactionGoesNoFurther) {
     expectInvariants();
 }
 
-TEST_F(FailureTest, itemsThatCannotBeCleanedUp) {
+TEST_F(FailureTest, itemsThatCannotBeCleanedUpFailTheRemoval) {
     const PlayListRecord pl = playListOf("abcdef");
     forbid("DELETE ON items");
     QSignalSpy spy(&database(), &Database::vacuumNeeded);
@@ -387,7 +378,7 @@ TEST_F(FailureTest, itemsThatCannotBeCleanedUp) {
     EXPECT_EQ(1, spy.size());
 }
 
-TEST_F(FailureTest, numbersThatCannotBeRestored) {
+TEST_F(FailureTest, numbersThatCannotBeRestoredFailTheEdit) {
     const PlayListRecord pl = playListOf("abcdef");
     forbid("UPDATE ON playlists_items WHEN NEW.sequenceNumber = 3");
     EXPECT_EQ(QStringList({reset("setSequenceNumber", "constraint failed"),
@@ -421,7 +412,7 @@ TEST_F(FailureTest, itemsThatCannotBeNotedGoAllTheSame) {
     }
 }
 
-TEST_F(FailureTest, numbersThatCannotBeRead) {
+TEST_F(FailureTest, numbersThatCannotBeReadFailTheEdit) {
     // Half of them read must not be taken for all of them.
     const PlayListRecord pl = playListOf("abcdef");
     const InterruptAtRow fault(database(), 2, "orvoRoles");

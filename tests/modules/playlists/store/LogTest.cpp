@@ -49,7 +49,7 @@ TEST_F(LogTest, theEnterLineCarriesTheFullSignature) {
     EXPECT_TRUE(line.endsWith(QLatin1String(": pl=1 from=1 to=2"))) << line.toStdString();
 }
 
-TEST_F(LogTest, rows) {
+TEST_F(LogTest, eachRowReadOrWrittenIsALine) {
     const PlayListRecord pl = playListOf("");
     EXPECT_EQ(list({"Enter createPlayList: name=näme", "Created playlist uid=2 name=näme"}),
               linesOf([&] { database().createPlayList(QStringLiteral("näme")); }));
@@ -71,7 +71,7 @@ TEST_F(LogTest, rows) {
               linesOf([&] { database().deletePlayList(pl); }));
 }
 
-TEST_F(LogTest, addingToAnEmptyList) {
+TEST_F(LogTest, anAdditionToAnEmptyListSaysSo) {
     const PlayListRecord pl = playListOf("");
     EXPECT_EQ(
         list({"Enter addItems: pl: 1 pl.size(): 0 position: now items.size(): 2",
@@ -82,7 +82,7 @@ TEST_F(LogTest, addingToAnEmptyList) {
         linesOf([&] { database().addItems(pl, OrvoPlayListAddPosition::Now, items(2), nullptr); }));
 }
 
-TEST_F(LogTest, addingInsideAList) {
+TEST_F(LogTest, anAdditionInsideAListSaysBehindWhichEntry) {
     PlayListRecord pl = playListOf("ab");
     pl.lastPlayedIndex = 0;
     EXPECT_EQ(
@@ -95,7 +95,7 @@ TEST_F(LogTest, addingInsideAList) {
         }));
 }
 
-TEST_F(LogTest, addingManyAtOnce) {
+TEST_F(LogTest, ofManyItemsAddedTheFirstAreListed) {
     constexpr int Many = 250;
     PlayListRecord pl = playListOf("ab");
     pl.lastPlayedIndex = 0;
@@ -114,14 +114,14 @@ TEST_F(LogTest, addingManyAtOnce) {
 
 // An item by its number has no line of its own, however many are asked for and however they are
 // found.
-TEST_F(LogTest, itemsByTheirNumbers) {
+TEST_F(LogTest, readingItemsByTheirNumbersIsNotLogged) {
     const PlayListRecord pl = playListOf("abcdefgh");
     EXPECT_EQ(QStringList(), linesOf([&] { database().getItemByUid(3); }));
     for (const QList<int>& uids : {QList<int>{3}, QList<int>{8, 1, 2, 3, 4, 5, 6, 7}})
         EXPECT_EQ(QStringList(), linesOf([&] { database().getItemsByUids({pl}, uids); }));
 }
 
-TEST_F(LogTest, removing) {
+TEST_F(LogTest, aRemovalSaysItsRangesAndTheNewNumbers) {
     const PlayListRecord pl = playListOf("abcdef");
     EXPECT_EQ(list({"Enter removeItems: pl=1 indices=1, 2, 4", "Remove partial from=1 to=2",
                     "Remove partial from=4 to=4", "update seq: uid=4 old=3 new=1",
@@ -133,7 +133,7 @@ TEST_F(LogTest, removing) {
               linesOf([&] { database().removeItems(pl, {}); }));
 }
 
-TEST_F(LogTest, removingOutOfOrder) {
+TEST_F(LogTest, aRemovalOutOfOrderSaysItsRangesInOrder) {
     const PlayListRecord pl = playListOf("abcdefg");
     EXPECT_EQ(list({"Enter removeItems: pl=1 indices=5, 2, 1", "Remove partial from=1 to=2",
                     "Remove partial from=5 to=5", "update seq: uid=7 old=6 new=5"}),
@@ -142,7 +142,7 @@ TEST_F(LogTest, removingOutOfOrder) {
               }));
 }
 
-TEST_F(LogTest, movingAndClearing) {
+TEST_F(LogTest, aMoveAndAClearSayTheirRange) {
     const PlayListRecord pl = playListOf("abc");
     EXPECT_EQ(list({"Enter moveItem: pl=1 from=0 to=2"}),
               linesOf([&] { database().moveItem(pl, 0, 2); }));

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 #include <numeric>
 
+#include "LogCapture.h"
 #include "RepeatedLogLines.h"
-#include "TestApp.h"
 
 namespace {
 

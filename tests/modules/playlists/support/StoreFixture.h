@@ -9,9 +9,9 @@
 #include <QTemporaryDir>
 
 #include "Database.h"
+#include "LogCapture.h"
 #include "Printing.h"
 #include "StoreFile.h"
-#include "TestApp.h"
 
 // The tests' look behind the store.
 class StoreProbe {

@@ -73,7 +73,7 @@ TEST_F(PlayListUITest, everyStoredPlaylistHasItsNodeAfterARestart) {
     EXPECT_EQ(nodeCount(), count);
 }
 
-TEST_F(PlayListUITest, buildingTheTreeTellsNobody) {
+TEST_F(PlayListUITest, buildingTheTreeSendsNoEvent) {
     createPlayList("a");
     createCollection("Rock");
     events.clear();
@@ -92,7 +92,7 @@ TEST_F(PlayListUITest, deletingAPlaylistResetsTheRootAndTheAddMenuAndClosesItsLi
     EXPECT_EQ(eventsOf(turnEventLoop), QStringList());
 }
 
-TEST_F(PlayListUITest, commandsThatFailTellNobody) {
+TEST_F(PlayListUITest, commandsThatFailSendNoEvent) {
     EXPECT_EQ(eventsOf([&] {
                   EXPECT_TRUE(remove(99).failed);
                   EXPECT_TRUE(remove(0).failed);

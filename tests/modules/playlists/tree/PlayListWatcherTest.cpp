@@ -135,7 +135,7 @@ TEST_F(PlayListWatcherTest, aNewNameResetsTheRootAndThePlaylistMenuOnly) {
                            "StartingWith playlists:pl/context reset -1"}));
 }
 
-TEST_F(PlayListWatcherTest, editsThatFailTellNobody) {
+TEST_F(PlayListWatcherTest, editsThatFailSendNoEvent) {
     plid = createPlayList("Mix");
     addItems(plid, {"a", "b"});
     EXPECT_EQ(eventsOf([&] {
@@ -233,10 +233,15 @@ TEST_F(WatcherLifeTest, theQueuesEndIsAnnouncedAtTheFamilysPath) {
 }
 
 TEST_F(WatcherLifeTest, aNodeThatIsGoneAlreadyIsLeftAlone) {
-    PlayListWatcher* watcher = watch(manager.createPlayList("Mix"));
+    PlayListBase* pl = manager.createPlayList("Mix");
+    PlayListWatcher* watcher = watch(pl);
     delete node;
+    events.clear();
     delete watcher;
+    EXPECT_EQ(events,
+              QStringList(QString("Rows playlists:pl/items/%1 close -1").arg(pl->getUid())));
     turnEventLoop();
+    EXPECT_EQ(nodes.find(CMPath("playlists:watched")), nullptr);
 }
 
 TEST_F(WatcherLifeTest, aSuccessorsRegistrationSurvivesTheOldWatcher) {

@@ -302,9 +302,9 @@ TEST_F(TrackListTest, longTextsComeInOrderAndOnce) {
 TEST_F(TrackListTest, rowsWithMoreLettersThanTheLimitAreRefused) {
     constexpr int Letters = 48 * 1024;
     constexpr int Asked = 64; // times the same title
-    constexpr int MostRows = int(TrackListNode::MaxLetters / Asked / Letters);
+    constexpr int MaxRows = int(TrackListNode::MaxLetters / Asked / Letters);
     QStringList titles;
-    for (int i = 0; i < MostRows + 1; ++i)
+    for (int i = 0; i < MaxRows + 1; ++i)
         titles.append(QString(Letters, 'x'));
     const int plid = createPlayList("Long");
     addItems(plid, titles);
@@ -316,9 +316,9 @@ TEST_F(TrackListTest, rowsWithMoreLettersThanTheLimitAreRefused) {
         CMRoot()->getRowsRequest(CMGetRowsRequest(CMPath(listPath(plid)), 0, to, names, reply));
         return reply;
     };
-    EXPECT_FALSE(ask(MostRows - 1).isError());
-    EXPECT_EQ(ask(MostRows - 1).value().rows().size(), MostRows);
-    const CMReplyData<OrvoRowsRoles> reply = ask(MostRows);
+    EXPECT_FALSE(ask(MaxRows - 1).isError());
+    EXPECT_EQ(ask(MaxRows - 1).value().rows().size(), MaxRows);
+    const CMReplyData<OrvoRowsRoles> reply = ask(MaxRows);
     ASSERT_TRUE(reply.isError());
     EXPECT_EQ(reply.error().name(), "AnswerTooLarge");
     EXPECT_EQ(reply.error().title().toString(), "Answer too large");
