@@ -152,16 +152,6 @@ std::string cannotUse() {
     endUnusable(std::string("Unable to create table ") + name + ": " + message);
 }
 
-// Without them a deletion would leave what belongs to the deleted row, so a connection that refuses
-// them is of no use. SQLite calls the statement a success also where it was built without them.
-void switchForeignKeysOn(sqlite3* connection) {
-    int areOn = 0;
-    execute(connection, "PRAGMA foreign_keys=1;");
-    sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_FKEY, -1, &areOn);
-    if (!areOn)
-        endUnusable("Unable to switch on foreign keys of PlayList database file");
-}
-
 } // namespace
 
 Database::Database(int itemsLimit, bool vacuumNeeded, int maxStartWaitMs)
@@ -173,7 +163,7 @@ Database::Database(int itemsLimit, bool vacuumNeeded, int maxStartWaitMs)
       m_lastRevision(m_firstRevision) {
     openFile();
     vacuum();
-    switchForeignKeysOn(m_connection);
+    execute(m_connection, "PRAGMA foreign_keys=1;");
     // After the open, and whatever the result: an initialised SQLite refuses this, so its log stays
     // where the process has routed it.
     sqlite3_config(SQLITE_CONFIG_LOG, sqliteErrorLogCallback, nullptr);
@@ -323,12 +313,7 @@ void Database::vacuum() {
         return;
     QElapsedTimer timer;
     timer.start();
-    const int code = execute(m_connection, "VACUUM;");
-    if (code != SQLITE_OK) {
-        LOG4CPLUS_ERROR(moduleLog(),
-                        "Unable to vacuum PlayList database file: " << sqlite3_errstr(code));
-        return;
-    }
+    execute(m_connection, "VACUUM;");
     LOG4CPLUS_INFO(moduleLog(), "sqlite vacuum duration: " << timer.elapsed() << " ms");
     Q_EMIT vacuumNeeded(false);
     m_vacuumNeeded = false;

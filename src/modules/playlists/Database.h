@@ -87,9 +87,8 @@ public:
 
     // Owes a VACUUM; announces it when none was owed.
     void setVacuumNeeded();
-    // Runs the owed VACUUM, if any. May take seconds. One that fails is logged and owed still.
+    // Runs the owed VACUUM, if any. May take seconds.
     void vacuum();
-    bool owesVacuum() const { return m_vacuumNeeded; }
 
     // The play queue counts as a playlist. 0 for what cannot be read, here and below.
     int countPlaylists();

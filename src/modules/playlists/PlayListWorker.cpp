@@ -37,7 +37,7 @@ PlayListWorker::PlayListWorker(const QHash<QString, QVariant>& config)
               &PlayListWorker::on_databaseVacuum_needed);
     // The store has vacuumed in its constructor, before anything listened to its signal: the
     // setting is taken back here.
-    if (vacuumNeeded && !m_database->owesVacuum())
+    if (vacuumNeeded)
         on_databaseVacuum_needed(false);
     m_manager = std::make_unique<PlayListManager>(m_database.get());
     // No list waits for it, so it does not hold up the start.

@@ -1,9 +1,7 @@
-#include <sqlite3.h>
 
 #include <QCoreApplication>
 
 #include "CommandFixture.h"
-#include "DeniedAction.h"
 #include "PlayListWorker.h"
 
 extern "C" CMAbstractWorker* worker_create(QHash<QString, QVariant> config);
@@ -66,19 +64,6 @@ TEST_F(WorkerTest, anOwedVacuumRunsOnce) {
     EXPECT_FALSE(vacuumSetting());
     restart();
     EXPECT_EQ(1, storeWatch.vacuums());
-}
-
-TEST_F(WorkerTest, aVacuumThatFailsIsOwedStillAtTheNextStart) {
-    setSetting(OrvoPlayListSettingsDataBaseVacuumPath(), true);
-    {
-        const DeniedAction noVacuum(SQLITE_ATTACH);
-        worker();
-    }
-    EXPECT_EQ(1, storeWatch.vacuums());
-    EXPECT_TRUE(vacuumSetting());
-    restart();
-    EXPECT_EQ(2, storeWatch.vacuums());
-    EXPECT_FALSE(vacuumSetting());
 }
 
 TEST_F(WorkerTest, clearingTheQueueAtTheStartOwesAVacuumAnew) {

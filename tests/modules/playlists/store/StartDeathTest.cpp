@@ -4,13 +4,11 @@
 #include <log4cplus/consoleappender.h>
 #include <log4cplus/layout.h>
 #include <log4cplus/logger.h>
-#include <sqlite3.h>
 
 #include <QDir>
 #include <QFile>
 
 #include "CMEnding.h"
-#include "DeniedAction.h"
 #include "StoreFixture.h"
 
 // What cannot be used ends the process, after a line at fatal level.
@@ -69,16 +67,6 @@ TEST_F(StartDeathTest, aPlayQueueThatCannotBeMade) {
     EXPECT_EXIT(
         startLoudly(), testing::KilledBySignal(SIGABRT),
         "FATAL PlayLists Unable to create table createplayqueue: table playlists has no column named name\n");
-}
-
-TEST_F(StartDeathTest, foreignKeysThatCannotBeSwitchedOn) {
-    EXPECT_EXIT(
-        {
-            const DeniedAction denied(SQLITE_PRAGMA, "foreign_keys");
-            startLoudly();
-        },
-        testing::KilledBySignal(SIGABRT),
-        "FATAL PlayLists Unable to switch on foreign keys of PlayList database file\n");
 }
 
 TEST_F(StartDeathTest, anyHelperStatementThatFails) {
