@@ -71,8 +71,8 @@ bool Baseline::endTransaction(bool ok) {
 
 // --- small removals ---
 
-bool Baseline::holds(int enough, int count) {
-    sqlite3_stmt* s = bound(enough, {count});
+bool Baseline::holds(int condition, int count) {
+    sqlite3_stmt* s = bound(condition, {count});
     const bool held = sqlite3_step(s) == SQLITE_ROW;
     sqlite3_reset(s);
     return held;
@@ -80,7 +80,7 @@ bool Baseline::holds(int enough, int count) {
 
 // Before `count` entries are removed.
 Baseline::UnusedItems Baseline::beginRemoval(int count) {
-    return {!holds(FewToNote, count), {}};
+    return {!holds(IsNotingCheaper, count), {}};
 }
 
 void Baseline::note(UnusedItems* unused, int uid, int from, int to) {
@@ -97,7 +97,7 @@ void Baseline::note(UnusedItems* unused, int uid, int from, int to) {
 }
 
 bool Baseline::cleanUp(const UnusedItems& unused) {
-    const bool all = unused.all || !holds(FewToLookFor, int(unused.runs.size()));
+    const bool all = unused.all || !holds(IsLookingCheaper, int(unused.runs.size()));
     std::string json;
     for (std::size_t i = 0; !all && i < unused.runs.size(); ++i)
         json += (i == 0 ? "[[" : ",[") + std::to_string(unused.runs[i].first) + ',' +

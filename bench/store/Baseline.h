@@ -63,7 +63,13 @@ public:
     const std::vector<PlayList>& loadPlayLists();
 
     // Those that find the items of a small removal, behind the module's catalogue.
-    enum Few { FewToNote = StatementCount, FewToLookFor, ItemsOfEntries, DeleteUnused, AllCount };
+    enum Few {
+        IsNotingCheaper = StatementCount,
+        IsLookingCheaper,
+        ItemsOfEntries,
+        DeleteUnused,
+        AllCount
+    };
     static const char* statementText(int index);
 
 private:
@@ -82,7 +88,7 @@ private:
         return bound(int(id), numbers);
     }
     bool endTransaction(bool ok);
-    bool holds(int enough, int count);
+    bool holds(int condition, int count);
     UnusedItems beginRemoval(int count);
     void note(UnusedItems* unused, int uid, int from, int to);
     bool cleanUp(const UnusedItems& unused);
