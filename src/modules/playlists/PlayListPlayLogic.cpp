@@ -100,18 +100,8 @@ OrvoRoles PlayListPlayLogic::getNextTrack() {
     }
 
     m_shuffleOrder.returnToPlaying();
-    OrvoRoles result;
-    if (m_shuffleEnabled) {
-        const ShuffleOrder before = m_shuffleOrder;
-        const int seqNum = getNextShuffleItem();
-        if (seqNum != ShuffleOrder::None)
-            result = getTrackAbsolute(seqNum);
-        // It is there but could not be read: it is still to come.
-        if (result.isEmpty() && m_currentPlayList && seqNum < m_currentPlayList->getSize())
-            m_shuffleOrder = before;
-    } else {
-        result = getTrackRelative(1);
-    }
+    OrvoRoles result = m_shuffleEnabled ? shuffledTrack(&PlayListPlayLogic::getNextShuffleItem)
+                                        : getTrackRelative(1);
     if (result.isEmpty() && m_currentPlayList && m_repeatMode == RepeatAll) {
         const int first = m_shuffleEnabled ? m_shuffleOrder.entries().value(0, 0) : 0;
         result = getTrackAbsolute(first);
@@ -123,18 +113,25 @@ OrvoRoles PlayListPlayLogic::getNextTrack() {
     return result;
 }
 
+// A track that is there and could not be read keeps its turn: the cursor stays.
+OrvoRoles PlayListPlayLogic::shuffledTrack(int (PlayListPlayLogic::*step)()) {
+    const ShuffleOrder before = m_shuffleOrder;
+    const int seqNum = (this->*step)();
+    OrvoRoles track;
+    if (seqNum != ShuffleOrder::None)
+        track = getTrackAbsolute(seqNum);
+    if (track.isEmpty() && m_currentPlayList && seqNum < m_currentPlayList->getSize())
+        m_shuffleOrder = before;
+    return track;
+}
+
 OrvoRoles PlayListPlayLogic::getPreviousTrack() {
     m_shuffleOrder.returnToPlaying();
-    OrvoRoles result;
-    if (m_shuffleEnabled) {
-        const int seqNum = getPrevShuffleItem();
-        if (seqNum != ShuffleOrder::None)
-            result = getTrackAbsolute(seqNum);
-    } else {
-        result = getTrackRelative(-1);
-    }
+    OrvoRoles result = m_shuffleEnabled ? shuffledTrack(&PlayListPlayLogic::getPrevShuffleItem)
+                                        : getTrackRelative(-1);
     if (result.isEmpty() && m_currentPlayList && m_repeatMode == RepeatAll) {
-        // The last one of the list, also when it is shuffled: nothing was heard before the first.
+        // The last one of the list. Under shuffle the order has wrapped already, unless it is empty
+        // or has a track that is no more.
         result = getTrackAbsolute(m_currentPlayList->getSize() - 1);
         if (result.isEmpty())
             LOG4CPLUS_WARN(

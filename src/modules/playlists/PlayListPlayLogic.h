@@ -86,7 +86,7 @@ private Q_SLOTS:
     void on_currentPlayList_repeatAllChanged(bool newValue);
 
 private:
-    friend class PlayLogicProbe; // the tests' look at order, cursor and position
+    friend class PlayLogicProbe; // the tests' look at the order and the cursor
 
     // How many tracks in a row may fail before playback is given up.
     static constexpr int MaxErrorCount = 5;
@@ -95,6 +95,8 @@ private:
     template <typename Wire>
     void wireCurrentPlayList(Wire wire);
     OrvoRoles trackAt(int seqNum, const char* whenThereIsNone);
+    // The track that a step in the shuffled order leads to.
+    OrvoRoles shuffledTrack(int (PlayListPlayLogic::*step)());
     void stopPlayer();
     // Plays what `track` finds, seen from the playing item.
     void skip(const CMSetDataRequest& request, OrvoRoles (PlayListPlayLogic::*track)(),
@@ -127,5 +129,6 @@ private:
     // From a play command until the end: what is at the last sequence number is heard.
     bool m_hasPlayingItem = false;
     int m_errorCount = 0;
+    // The player was told what comes next and has not started it: a change of mode tells it anew.
     bool m_nextMediaPrepared = false;
 };

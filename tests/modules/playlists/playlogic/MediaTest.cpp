@@ -89,6 +89,16 @@ TEST_F(MediaTest, underShuffleATrackThatCannotBeReadAtTheMomentIsNotSkipped) {
     EXPECT_EQ(QStringList{"play b@1"}, player.takeCommands());
 }
 
+TEST_F(MediaTest, underShuffleAPreviousTrackThatCannotBeReadLeavesTheCursor) {
+    playingShuffled("abc", {0, 1, 2}, 1);
+    run("BEGIN EXCLUSIVE");
+    previous();
+    EXPECT_EQ(QStringList(), player.takeCommands());
+    disconnect();
+    next();
+    EXPECT_EQ(QStringList{"play c@2"}, player.takeCommands());
+}
+
 TEST_F(MediaTest, aNextOrPreviousThatLeadsNowhereLeavesTheAnnouncement) {
     playingShuffled("abc", {2, 0, 1}, 0);
     logic()->prepareNextMedia();
