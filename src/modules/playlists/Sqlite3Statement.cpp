@@ -1,6 +1,5 @@
 #include "Sqlite3Statement.h"
 
-#include <algorithm>
 #include <cstring>
 #include <sqlite3.h>
 
@@ -52,12 +51,8 @@ bool Sqlite3Statement::bindInt(const int& index, const int& value) {
 
 bool Sqlite3Statement::bindText(const int& index, const QString& value) {
     int size = value.size();
-    char* bytes = nullptr;
-    if (PlainUnits::isAscii(value)) {
-        bytes = roomForBytes(size);
-        std::transform(value.cbegin(), value.cend(), bytes,
-                       [](QChar unit) { return char(unit.unicode()); });
-    } else {
+    char* bytes = roomForBytes(size);
+    if (!PlainUnits::copyAscii(value, bytes)) {
         const QByteArray utf8 = replaceLoneSurrogates(value).toUtf8();
         size = utf8.size();
         bytes = roomForBytes(size);
