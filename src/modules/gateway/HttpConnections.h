@@ -17,7 +17,7 @@ struct HttpConnection {
     enum class Phase {
         Waiting,   // for a request; its first bytes may be here
         Arriving,  // the head is here, the body is not yet
-        Handling,  // a module works on the answer
+        Handling,  // a module works on the answer, or a stream has nothing to send
         Answering, // the client takes the answer
     };
 

@@ -34,7 +34,7 @@ private:
     std::optional<HttpResponse> m_refusal; // nothing of the body is kept then
     std::optional<HttpResponse> m_response;
     std::unique_ptr<HttpBodySource> m_source;
-    // Both null once the connection is gone.
+    // All three null once the connection is gone.
     MHD_Connection* m_mhdConnection = nullptr;
     HttpConnection* m_connection = nullptr;
     HttpServer* m_server = nullptr;

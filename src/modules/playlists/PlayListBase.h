@@ -37,6 +37,7 @@ public:
     virtual bool setName(const QString& name) = 0;
     virtual bool setShuffle(bool shuffle) = 0;
     virtual bool setRepeatAll(bool repeatAll) = 0;
+    // Counts at once, stored or not: it says what plays.
     virtual void setLastSequenceNumber(int sequenceNumber) = 0;
     virtual bool updateDatabase() const = 0;
     // Deletes the playlist in the store; the object stays.

@@ -1,11 +1,11 @@
 #include "ShuffleOrder.h"
 
+#include <algorithm>
 #include <numeric>
 #include <random>
 
 namespace {
-// The minimal standard generator. Multiplier and modulus are fixed: a seed gives the same order
-// everywhere.
+// The minimal standard generator; multiplier and modulus are fixed.
 using MinimalStandardEngine =
     std::linear_congruential_engine<std::uint_fast64_t, 16807, 0, 2147483647>;
 } // namespace

@@ -29,7 +29,7 @@ public:
     //   4 2 [0] 3 1, size 3  ->  [0] 1 2
     void restart(int size);
     // Shuffles the entries from the place `from` to the end; the cursor stays. A seed gives the
-    // same order everywhere.
+    // same order with every build for one standard library.
     void shuffleTail(int from, quint64 seed);
     // The place where `number` was; the cursor stays.
     //   [0] 1 2, number 2  ->  [2] 0 1, returns 2

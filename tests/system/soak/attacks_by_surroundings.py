@@ -118,11 +118,10 @@ def false_play_logics(device):
 @contextlib.contextmanager
 def reader_of(device):
     """Another process' read transaction: nothing can be committed while it lasts."""
-    store = sqlite3.connect(device.database, isolation_level=None)
-    store.execute("BEGIN")
-    store.execute("SELECT count(*) FROM playlists").fetchall()
-    yield
-    store.close()
+    with contextlib.closing(sqlite3.connect(device.database, isolation_level=None)) as store:
+        store.execute("BEGIN")
+        store.execute("SELECT count(*) FROM playlists").fetchall()
+        yield
 
 
 def store_is_read(device):

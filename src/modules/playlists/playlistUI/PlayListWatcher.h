@@ -8,8 +8,8 @@
 class BaseNode;
 class PlayListBase;
 
-// Turns one playlist's signals into row-change events for user interfaces. Owned by the tree
-// publisher. When it goes, it tells the views of its list to close and schedules the node's end.
+// Turns one playlist's signals into row-change events for user interfaces. Owned by
+// PlayListUI. When it goes, it tells the views of its list to close and schedules the node's end.
 class PlayListWatcher : public QObject {
     Q_OBJECT
 public:
