@@ -124,7 +124,7 @@ class Connection:
 
 
 class Device:
-    """One data folder and the host that runs in it, if any. The log of all runs is device.log.
+    """One data folder and the host that runs in it, if any. Every start adds to its log, device.log.
     `limits` are resource limits of the process: RLIMIT_… -> number. With a token its connections carry it."""
 
     def __init__(self, host, folder, arguments=(), environment=None, token=None):

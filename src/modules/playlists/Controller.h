@@ -97,7 +97,8 @@ private:
                        const QString& reason, const QString& detail = {});
     // Null, with the reason in `msg`, when there is none.
     PlayListBase* existingPlayList(int plid, const QString& prefix, QString& msg);
-    CollectionBase* existingCollection(int clid, const QString& prefix, QString& msg);
+    CollectionBase* existingCollection(int clid, const QString& prefix, const QString& reason,
+                                       QString& msg);
 
     bool plCreate(CMSetDataRequest request, QString& msg, int& id);
     bool plSetName(CMSetDataRequest request, QString& msg);

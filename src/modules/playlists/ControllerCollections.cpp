@@ -47,11 +47,12 @@ bool Controller::clDelete(CMSetDataRequest request, QString& msg) {
     return true;
 }
 
-CollectionBase* Controller::existingCollection(int clid, const QString& prefix, QString& msg) {
+CollectionBase* Controller::existingCollection(int clid, const QString& prefix,
+                                               const QString& reason, QString& msg) {
     CollectionBase* cl = m_manager->getCollectionByUid(clid);
     if (!cl)
-        refuse(msg, QStringLiteral("Collection id: %1doesn't exist").arg(clid), prefix,
-               CONTROLLER_TEXT("There is no collection with this ID."), QString::number(clid));
+        refuse(msg, QStringLiteral("Collection id: %1doesn't exist").arg(clid), prefix, reason,
+               QString::number(clid));
     return cl;
 }
 
@@ -63,7 +64,8 @@ bool Controller::clAddItem(CMSetDataRequest request, QString& msg) {
     const QString prefix = CONTROLLER_TEXT("Could not add items to collection.");
     if (!checkPlayListId(plid, prefix, msg))
         return false;
-    CollectionBase* cl = existingCollection(clid, prefix, msg);
+    CollectionBase* cl = existingCollection(
+        clid, prefix, CONTROLLER_TEXT("There is no collection with this ID."), msg);
     if (!cl)
         return false;
     PlayListBase* pl = m_manager->getPlayListByUid(plid);
@@ -90,7 +92,8 @@ bool Controller::clRemoveItem(CMSetDataRequest request, QString& msg) {
     const QString prefix = CONTROLLER_TEXT("Could not remove items from collection.");
     if (!checkPlayListId(plid, prefix, msg))
         return false;
-    CollectionBase* cl = existingCollection(clid, prefix, msg);
+    CollectionBase* cl = existingCollection(
+        clid, prefix, CONTROLLER_TEXT("There is no collection with this ID."), msg);
     if (!cl)
         return false;
     PlayListBase* pl = m_manager->getPlayListByUid(plid);

@@ -77,13 +77,14 @@ bool Controller::plSetName(CMSetDataRequest request, QString& msg) {
 }
 
 // A command that sets a mode, of which the playlist keeps only whether it is `on`. Greater modes
-// than `last` are refused; negative ones are taken, and are off like all others.
+// than `last` are refused; negative ones are taken, and are off like all others. The texts are
+// translated by the handler, whose signature is their context.
 struct Controller::ModeCommand {
     const char* name;
     const char* stored; // what the log calls it once it is set
-    const char* prefix;
-    const char* invalid;
-    const char* done;
+    QString prefix;
+    QString invalid;
+    QString done;
     int last;
     int on;
     bool (PlayListBase::*set)(bool);
@@ -94,14 +95,14 @@ bool Controller::plSetShuffle(CMSetDataRequest request, QString& msg) {
     using Args = OrvoPlayListPlSetShuffle;
     using Modes = OrvoPlayListPlShuffleMode;
     const Args args(withNamedMode<Modes>(request.value(), Args::Mode()).toHash());
-    static constexpr ModeCommand command = {"shuffle",
-                                            "shuffle",
-                                            "Could not set shuffle mode on playlist.",
-                                            "Invalid shuffle mode.",
-                                            "Playlist shuffle mode changed successfully.",
-                                            Modes::On,
-                                            Modes::On,
-                                            &PlayListBase::setShuffle};
+    const ModeCommand command = {"shuffle",
+                                 "shuffle",
+                                 CONTROLLER_TEXT("Could not set shuffle mode on playlist."),
+                                 CONTROLLER_TEXT("Invalid shuffle mode."),
+                                 CONTROLLER_TEXT("Playlist shuffle mode changed successfully."),
+                                 Modes::On,
+                                 Modes::On,
+                                 &PlayListBase::setShuffle};
     return setMode(command, args.plid(), args.mode(), msg);
 }
 
@@ -110,32 +111,32 @@ bool Controller::plSetRepeat(CMSetDataRequest request, QString& msg) {
     using Args = OrvoPlayListPlSetRepeat;
     using Modes = OrvoPlayListPlRepeatMode;
     const Args args(withNamedMode<Modes>(request.value(), Args::Mode()).toHash());
-    static constexpr ModeCommand command = {"repeat",
-                                            "repeat all",
-                                            "Could not set repeat mode on playlist.",
-                                            "Invalid repeat mode.",
-                                            "Playlist repeat mode changed successfully.",
-                                            Modes::Track,
-                                            Modes::All,
-                                            &PlayListBase::setRepeatAll};
+    const ModeCommand command = {"repeat",
+                                 "repeat all",
+                                 CONTROLLER_TEXT("Could not set repeat mode on playlist."),
+                                 CONTROLLER_TEXT("Invalid repeat mode."),
+                                 CONTROLLER_TEXT("Playlist repeat mode changed successfully."),
+                                 Modes::Track,
+                                 Modes::All,
+                                 &PlayListBase::setRepeatAll};
     return setMode(command, args.plid(), args.mode(), msg);
 }
 
 bool Controller::setMode(const ModeCommand& command, int plid, int mode, QString& msg) {
     const QString name = QString::fromLatin1(command.name);
-    const QString prefix = CONTROLLER_TEXT(command.prefix);
+    const QString& prefix = command.prefix;
     if (!checkPlayListId(plid, prefix, msg))
         return refuse(
             QStringLiteral("Cannot set %1 for invalid playlist id: %2").arg(name).arg(plid));
     if (mode > command.last)
         return refuse(msg, QStringLiteral("Cannot set %1 mode: %2").arg(name).arg(mode), prefix,
-                      CONTROLLER_TEXT(command.invalid), name + QStringLiteral("-mode"));
+                      command.invalid, name + QStringLiteral("-mode"));
     PlayListBase* pl = existingPlayList(plid, prefix, msg);
     if (!pl || !checkStored((pl->*command.set)(mode == command.on), plid, prefix, msg))
         return false;
     LOG4CPLUS_INFO(moduleLog(),
                    "Playlist id:" << plid << " set " << command.stored << ": " << mode);
-    msg = buildOkMsg(CONTROLLER_TEXT(command.done), pl->getName());
+    msg = buildOkMsg(command.done, pl->getName());
     return true;
 }
 
